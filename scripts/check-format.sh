@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Fails if a source differs from what clang-format makes of it. With --fix the sources are changed.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+mode=(--dry-run --Werror)
+[ "${1:-}" != --fix ] || mode=(-i)
+git ls-files -z --cached --others --exclude-standard -- '*.c' '*.cpp' '*.h' |
+    xargs -0 clang-format-14 "${mode[@]}"

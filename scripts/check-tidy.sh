@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Runs clang-tidy over the sources of the library, the program, the tests and the benchmarks.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+cmake --preset debug >/dev/null
+run-clang-tidy-14 -quiet -p build/debug "^$PWD/(src|app|tests|bench)/.*\.cpp$"

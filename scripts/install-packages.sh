@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building and testing need, those that are missing alone. With the
+# argument "samples" also the cross compilers that rebuild the sample images.
+set -euo pipefail
+
+packages=(
+    cmake g++ ninja-build
+    libboost-dev libcli11-dev libcsv-dev rapidjson-dev
+    libbenchmark-dev libgmock-dev libgtest-dev
+    binutils clang-format-14 clang-tidy-14 python3
+)
+if [ "${1:-}" = samples ]; then
+    packages+=(gcc-arm-none-eabi gcc-powerpc-linux-gnu g++-powerpc-linux-gnu)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+    status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = installed ] || missing+=("$package")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+    apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+fi
