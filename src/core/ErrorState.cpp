@@ -1,0 +1,24 @@
+#include "core/ErrorState.h"
+
+#include "core/VElfOptions.h"
+#include "core/VElfResourceManager.h"
+#include "diagnostics/ElfLog.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+ELFReadErrorEnum gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_UNKNOWN;
+
+void SetErrorState(ELFReadErrorEnum code) {
+    gElfReaderErrorFlag = code;
+    if (VElfOptions::mIsLogFile != 0) {
+        std::string text;
+        ReportElfError(text);
+        elflog("Error occurred: '%s'", text.c_str());
+    }
+}
+
+void ReportElfError(std::string& text) {
+    text = VElfResourceManager::Instance().GetText(gElfReaderErrorFlag);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

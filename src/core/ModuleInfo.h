@@ -1,0 +1,16 @@
+// What is known of the module that the input file will be loaded as.
+#pragma once
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Process-wide facts about the loaded module.
+struct ModuleInfo {
+    /// Subtracted from the address of each global before delivery; 0 leaves it unchanged.
+    static inline std::uint32_t mModuleOffset = 0;
+
+    static std::uint32_t GetModuleOffset() { return mModuleOffset; }
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,31 @@
+// The options of the reader by their names: what a program needs to set them from text, and a test
+// to restore them. The reader itself uses the variables of `VElfOptions` directly.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// One option: its name, the variable that holds it and what it does in one sentence.
+struct OptionDescription {
+    std::string_view name;
+    std::variant<std::int32_t*, std::uint32_t*, bool*, std::string*> variable;
+    std::string_view meaning;
+};
+
+/// All options, in the order of their documentation.
+std::span<const OptionDescription> OptionTable();
+
+/// The option of a name, or null. Names are case sensitive.
+const OptionDescription* FindOption(std::string_view name);
+
+/// Sets an option from text: a number, decimal or with 0x, with a sign where the type has one;
+/// 0, 1, true or false; or the text itself.
+/// @return false, with the option unchanged, if the text is no value of the option's type
+bool AssignOption(const OptionDescription& option, std::string_view text);
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,158 @@
+#include "diagnostics/ElfLog.h"
+
+#include "core/VElfOptions.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <iostream>
+#include <string_view>
+#include <system_error>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t sMaximumComponentLength = 255;
+constexpr std::size_t sMaximumNameLength = 259;
+
+Clock::time_point sProgStart;
+
+bool IsLogOpen() {
+    return VElfOptions::mIsLogFile != 0 && VElfOptions::mLogFile.is_open();
+}
+
+std::string LogFileName(const std::string& inputPath) {
+    const std::filesystem::path path(inputPath);
+    std::string fileName = path.filename().string();
+    fileName.resize(std::min(fileName.rfind('.'), fileName.size()));
+    fileName.resize(std::min(fileName.size(), sMaximumComponentLength));
+    return (path.parent_path() / (fileName + ".log")).string();
+}
+
+/// Creating the log must not destroy the file that is about to be read.
+bool IsSameFile(const std::string& first, const std::string& second) {
+    std::error_code error;
+    return std::filesystem::equivalent(first, second, error);
+}
+
+std::errc OpenLogFile(const std::string& inputPath) {
+    const std::string& name = VElfOptions::mLogFileName;
+    if (name.size() > sMaximumNameLength) {
+        return std::errc::filename_too_long;
+    }
+    if (IsSameFile(inputPath, name)) {
+        return std::errc::file_exists;
+    }
+    errno = 0;
+    VElfOptions::mLogFile.clear();
+    VElfOptions::mLogFile.open(name, std::ios::out | std::ios::trunc);
+    return VElfOptions::mLogFile.is_open() ? std::errc() : static_cast<std::errc>(errno);
+}
+
+std::string Format(const char* format, std::va_list arguments) {
+    std::va_list argumentsForLength;
+    va_copy(argumentsForLength, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, argumentsForLength);
+    va_end(argumentsForLength);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+    return text;
+}
+
+void Write(std::string_view text) {
+    VElfOptions::mLogFile.write(text.data(), static_cast<std::streamsize>(text.size()));
+    if (VElfOptions::mLogAutoFlush) {
+        VElfOptions::mLogFile.flush();
+    }
+}
+
+std::string Indentation() {
+    std::string indentation(4, ' ');
+    if (VElfOptions::mLogNestLevel < 0) {
+        indentation += "  --too big or negative nesting level--  ";
+    } else {
+        indentation.append(static_cast<std::size_t>(VElfOptions::mLogNestLevel), ' ');
+    }
+    return indentation;
+}
+
+} // namespace
+
+std::string tag_alignment;
+
+bool CreateLogFile(const std::string& inputPath) {
+    VElfOptions::mLogFileName = LogFileName(inputPath);
+    const std::errc error = OpenLogFile(inputPath);
+    if (error == std::errc()) {
+        return true;
+    }
+    std::cout << '\n'
+              << GetLogTimeStamp() << ": error_code='" << std::make_error_code(error).message()
+              << "': Failed to create log file: '" << VElfOptions::mLogFileName << "' ";
+    return false;
+}
+
+void CloseLogFile() {
+    if (VElfOptions::mLogFile.is_open()) {
+        VElfOptions::mLogFile.close();
+    }
+}
+
+void elflog(const char* format, ...) {
+    if (!IsLogOpen()) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    Write(Format(format, arguments) + '\n');
+    va_end(arguments);
+}
+
+void elfelog(const char* format, ...) {
+    if (!IsLogOpen()) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    Write(Format(format, arguments));
+    va_end(arguments);
+}
+
+void elfilog(const char* format, ...) {
+    if (!IsLogOpen()) {
+        return;
+    }
+    std::va_list arguments;
+    va_start(arguments, format);
+    Write(Indentation() + Format(format, arguments) + '\n');
+    va_end(arguments);
+}
+
+void s_initElfLogTimer() {
+    sProgStart = Clock::now();
+}
+
+double GetLogTimeMs() {
+    return std::chrono::duration<double, std::milli>(Clock::now() - sProgStart).count();
+}
+
+const char* GetLogTimeStamp() {
+    static char sTimeStamp[31];
+    const std::time_t now = std::time(nullptr);
+    const std::tm* local = std::localtime(&now);
+    if (local == nullptr ||
+        std::strftime(sTimeStamp, sizeof sTimeStamp, "%Y/%m/%d %H:%M:%S ", local) == 0) {
+        sTimeStamp[0] = '\0';
+    }
+    return sTimeStamp;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,45 @@
+// The log of a read: a plain text file beside the input, for a person who looks into a file that
+// was read wrongly. Off by its start value; it never influences a result.
+#pragma once
+
+#include <string>
+
+#if defined(__GNUC__)
+#define BRINDLE_PRINTF_LIKE __attribute__((format(printf, 1, 2)))
+#else
+#define BRINDLE_PRINTF_LIKE
+#endif
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Prefix of the log lines about class references.
+extern std::string tag_alignment;
+
+/// Opens the log of an input file, overwriting an old one: the input's path with its extension
+/// replaced by "log". A name above 259 characters and the name of the input itself are refused.
+/// @return false, with a text on standard output, if the file can't be created
+bool CreateLogFile(const std::string& inputPath);
+
+/// Closes the log if it is open.
+void CloseLogFile();
+
+/// Writes one line. Like its two sisters it does nothing unless `mIsLogFile` is set and the log is
+/// open; callers guard expensive arguments themselves.
+BRINDLE_PRINTF_LIKE void elflog(const char* format, ...);
+
+/// Writes text without a line end.
+BRINDLE_PRINTF_LIKE void elfelog(const char* format, ...);
+
+/// Writes one line, indented by `mLogNestLevel`.
+BRINDLE_PRINTF_LIKE void elfilog(const char* format, ...);
+
+/// Starts the clock of `GetLogTimeMs`.
+void s_initElfLogTimer();
+
+/// Milliseconds since `s_initElfLogTimer`.
+double GetLogTimeMs();
+
+/// The local time as "2024/01/31 12:00:00 ", in a buffer that each call overwrites.
+const char* GetLogTimeStamp();
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
