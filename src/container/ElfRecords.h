@@ -1,0 +1,67 @@
+// The records of the ELF format in memory, in one layout for all containers and both classes
+// (System V ABI, chapters "ELF Header", "Sections" and "Symbol Table"). ELF 32 values are widened.
+#pragma once
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// File header. The identification bytes are tested where they are read and not kept.
+struct Elf64_Ehdr {
+    std::uint8_t e_ident[16] = {};
+    std::uint16_t e_type = 0;
+    std::uint16_t e_machine = 0;
+    std::uint32_t e_version = 0;
+    std::uint64_t e_entry = 0;
+    std::uint64_t e_phoff = 0;
+    std::uint64_t e_shoff = 0;
+    std::uint32_t e_flags = 0;
+    std::uint16_t e_ehsize = 0;
+    std::uint16_t e_phentsize = 0;
+    std::uint16_t e_phnum = 0;
+    std::uint16_t e_shentsize = 0;
+    std::uint16_t e_shnum = 0;
+    std::uint16_t e_shstrndx = 0;
+};
+
+/// Section record. An all-zero record means that the section was not found.
+struct Elf64_Shdr {
+    std::uint32_t sh_name = 0;
+    std::uint32_t sh_type = 0;
+    std::uint64_t sh_flags = 0;
+    std::uint64_t sh_addr = 0;
+    /// File position of the contents.
+    std::uint64_t sh_offset = 0;
+    std::uint64_t sh_size = 0;
+    std::uint32_t sh_link = 0;
+    std::uint32_t sh_info = 0;
+    std::uint64_t sh_addralign = 0;
+    std::uint64_t sh_entsize = 0;
+
+    [[nodiscard]] bool IsPresent() const { return sh_name != 0; }
+};
+
+/// Symbol record.
+struct Elf32_Sym {
+    /// Points into the string table buffer, or into the mapped image of a PE file, and is valid
+    /// while that lives. May be null.
+    const char* name = nullptr;
+    std::uint32_t st_name = 0;
+    std::uint64_t st_value = 0;
+    std::uint32_t st_size = 0;
+    std::uint8_t st_info = 0;
+    std::uint8_t st_other = 0;
+    std::uint16_t st_shndx = 0;
+
+    [[nodiscard]] std::uint8_t Type() const { return st_info & 0x0FU; }
+};
+
+/// Symbol types (`STT_NOTYPE`, `STT_OBJECT`).
+constexpr std::uint8_t sSymbolTypeNone = 0;
+constexpr std::uint8_t sSymbolTypeObject = 1;
+
+/// Machines of which the reader knows peculiarities.
+constexpr std::uint16_t sMachineDsPic30F = 118;
+constexpr std::uint16_t sMachineTiC2000 = 141;
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,23 @@
+// What the walk over the symbol table fills.
+#pragma once
+
+#include "container/ElfRecords.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// A container of symbols.
+class IElfSymbolMap {
+public:
+    IElfSymbolMap() = default;
+    IElfSymbolMap(const IElfSymbolMap&) = delete;
+    IElfSymbolMap& operator=(const IElfSymbolMap&) = delete;
+    IElfSymbolMap(IElfSymbolMap&&) = delete;
+    IElfSymbolMap& operator=(IElfSymbolMap&&) = delete;
+
+    /// Takes a copy of the record; the text behind its name is not copied with it.
+    virtual void AddSymbol(const Elf32_Sym& symbol) = 0;
+    virtual void Clear() = 0;
+    virtual ~IElfSymbolMap() = default;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,32 @@
+// The names of symbols as the reader works on them: cut to the one length limit, and demangled
+// where that is asked for.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Bytes of a name buffer, the terminator included.
+constexpr std::size_t sSymbolNameBufferSize = 2048;
+
+/// The name as far as it fits a name buffer. Looks at no byte behind that.
+std::string_view CutSymbolName(const char* name);
+
+/// A symbol's name, demangled by `VElfFile::mDemanglingOptions` if it can be, else as it is, cut to
+/// 2047 characters. Lives on the stack of its user.
+class DemangledSymbolName {
+public:
+    explicit DemangledSymbolName(const char* name);
+
+    /// The name, terminated; valid as long as this object.
+    [[nodiscard]] const char* GetName() const { return mName; }
+    /// True if the demangler gave the name.
+    [[nodiscard]] bool IsModified() const { return mIsModified; }
+
+private:
+    char mName[sSymbolNameBufferSize];
+    bool mIsModified;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

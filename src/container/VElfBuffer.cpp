@@ -1,0 +1,257 @@
+#include "container/VElfBuffer.h"
+
+#include "core/ErrorState.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <iostream>
+#include <limits>
+#include <new>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::int32_t sMaximumSize = std::numeric_limits<std::int32_t>::max();
+
+/// Stands for every size that no buffer can hold.
+constexpr std::int32_t sUnloadableSize = -1;
+
+bool Fail(ELFReadErrorEnum code) {
+    SetErrorState(code);
+    return false;
+}
+
+template <typename Integer>
+Integer DecodeLittleEndian(const std::uint8_t* bytes) {
+    std::uint64_t value = 0;
+    for (std::size_t index = 0; index < sizeof(Integer); ++index) {
+        value |= std::uint64_t{bytes[index]} << (8 * index);
+    }
+    return static_cast<Integer>(value);
+}
+
+template <typename Integer>
+Integer DecodeBigEndian(const std::uint8_t* bytes) {
+    std::uint64_t value = 0;
+    for (std::size_t index = 0; index < sizeof(Integer); ++index) {
+        value = (value << 8U) | bytes[index];
+    }
+    return static_cast<Integer>(value);
+}
+
+} // namespace
+
+VElfBuffer::VElfBuffer(VElfInput& input, std::int32_t cacheSize, VElfFileCache* cache)
+    : mInput(input)
+    , mSwapBytes(input.mIsMSBData)
+    , mIsWordAddressedTarget(input.mIsWordAddressedTarget)
+    , mCache(cache) {
+    if (cache == nullptr && cacheSize >= 1) {
+        mCache.reset(new VElfFileCache(input, cacheSize));
+    }
+}
+
+bool VElfBuffer::LoadFromFile(std::uint64_t filePosition, std::uint32_t size) {
+    return LoadFromFile(filePosition, std::uint64_t{size});
+}
+
+bool VElfBuffer::LoadFromFile(std::uint64_t filePosition, std::uint64_t size) {
+    const bool isLoadable = size < static_cast<std::uint64_t>(sMaximumSize);
+    return LoadFromFile(filePosition,
+                        isLoadable ? static_cast<std::int32_t>(size) : sUnloadableSize);
+}
+
+bool VElfBuffer::LoadFromFile(std::uint64_t filePosition, std::int32_t size) {
+    mOffset = 0;
+    mLength = 0;
+    mIsOverrun = false;
+    if (mInput.mFileSize < 0 || filePosition >= static_cast<std::uint64_t>(mInput.mFileSize)) {
+        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
+    if (!LoadFromStream(filePosition, size)) {
+        return false;
+    }
+    mLength = size;
+    mBuffer[static_cast<std::size_t>(mLength)] = 0;
+    return true;
+}
+
+bool VElfBuffer::LoadFromStream(std::uint64_t filePosition, std::int32_t size) {
+    // Looked at before memory is taken: a header may claim any size.
+    const std::int64_t available = mInput.mFileSize - static_cast<std::int64_t>(filePosition);
+    const bool isInsideFile = size >= 0 && size < sMaximumSize && size <= available;
+    if (isInsideFile && !EnsureCapacity(size)) {
+        return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
+    }
+    if (mCache != nullptr) {
+        if (!isInsideFile || filePosition > static_cast<std::uint64_t>(sMaximumSize)) {
+            return Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
+        }
+        return mCache->ReadThrough(mBuffer.get(), static_cast<std::int32_t>(filePosition), size);
+    }
+    if (!mInput.mFile.Seek(filePosition)) {
+        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
+    errno = 0;
+    const auto wanted = static_cast<std::size_t>(size);
+    if (!isInsideFile || mInput.mFile.Read(mBuffer.get(), wanted) != wanted) {
+        SetErrorState(ELFReadErrorEnum::ELFERR_READ_FAILED);
+        std::cout << "Failed to read file! Error Code " << errno;
+        return false;
+    }
+    return true;
+}
+
+bool VElfBuffer::EnsureCapacity(std::int32_t size) {
+    if (mBuffer && mCapacity >= size) {
+        return true;
+    }
+    mCapacity = size;
+    // One more byte, so that a text at the end of the buffer is terminated.
+    mBuffer.reset();
+    mBuffer.reset(new (std::nothrow) std::uint8_t[static_cast<std::size_t>(size) + 1]);
+    return mBuffer != nullptr;
+}
+
+std::uint32_t VElfBuffer::ReadULongAtFilePos(std::int32_t filePosition) {
+    std::uint8_t bytes[4] = {};
+    return ReadAtFilePos(filePosition, bytes, sizeof bytes) ? Decode<std::uint32_t>(bytes) : 0;
+}
+
+std::uint64_t VElfBuffer::ReadUInt64AtFilePos(std::int64_t filePosition) {
+    std::uint8_t bytes[8] = {};
+    return ReadAtFilePos(filePosition, bytes, sizeof bytes) ? Decode<std::uint64_t>(bytes) : 0;
+}
+
+bool VElfBuffer::ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destination,
+                               std::int32_t size) {
+    if (filePosition < 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
+    if (mCache != nullptr) {
+        return filePosition <= sMaximumSize
+                   ? mCache->ReadThrough(destination, static_cast<std::int32_t>(filePosition), size)
+                   : Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
+    if (!mInput.mFile.Seek(static_cast<std::uint64_t>(filePosition))) {
+        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
+    const auto wanted = static_cast<std::size_t>(size);
+    return mInput.mFile.Read(destination, wanted) == wanted ||
+           Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
+}
+
+std::int32_t VElfBuffer::MoveOffset(std::int32_t distance) {
+    mOffset = static_cast<std::int32_t>(static_cast<std::uint32_t>(mOffset) +
+                                        static_cast<std::uint32_t>(distance));
+    return mOffset;
+}
+
+const std::uint8_t* VElfBuffer::Take(std::int32_t size) {
+    const bool isInside = mOffset >= 0 && mOffset <= mLength - size;
+    const std::uint8_t* bytes = isInside ? mBuffer.get() + mOffset : nullptr;
+    mIsOverrun = mIsOverrun || !isInside;
+    MoveOffset(size);
+    return bytes;
+}
+
+template <typename Integer>
+Integer VElfBuffer::Decode(const std::uint8_t* bytes) const {
+    return mSwapBytes ? DecodeBigEndian<Integer>(bytes) : DecodeLittleEndian<Integer>(bytes);
+}
+
+template <typename Integer>
+Integer VElfBuffer::Get() {
+    const std::uint8_t* bytes = Take(sizeof(Integer));
+    return bytes != nullptr ? Decode<Integer>(bytes) : Integer{0};
+}
+
+std::uint8_t VElfBuffer::GetUByte() {
+    return Get<std::uint8_t>();
+}
+
+std::uint16_t VElfBuffer::GetUShort() {
+    return Get<std::uint16_t>();
+}
+
+std::uint32_t VElfBuffer::GetULong() {
+    return Get<std::uint32_t>();
+}
+
+std::uint64_t VElfBuffer::GetUInt64() {
+    return Get<std::uint64_t>();
+}
+
+std::uint64_t VElfBuffer::GetADDRESS() {
+    switch (mAddressSize) {
+    case 0:
+    case 4:
+        return GetULong();
+    case 1:
+        return GetUByte();
+    case 2:
+        return GetUShort();
+    case 8:
+        return GetUInt64();
+    default:
+        return 0;
+    }
+}
+
+std::uint32_t VElfBuffer::GetULEB128() {
+    std::uint32_t value = 0;
+    std::uint32_t shift = 0;
+    std::uint8_t byte = 0;
+    do {
+        byte = GetUByte();
+        value |= (byte & 0x7FU) << (shift % 32);
+        shift += 7;
+    } while ((byte & 0x80U) != 0);
+    return value;
+}
+
+std::int32_t VElfBuffer::GetSLEB128() {
+    std::uint32_t value = 0;
+    std::uint32_t shift = 0;
+    std::uint8_t byte = 0;
+    do {
+        byte = GetUByte();
+        value |= (byte & 0x7FU) << (shift % 32);
+        shift += 7;
+    } while ((byte & 0x80U) != 0);
+    if (shift < 32 && (byte & 0x40U) != 0) {
+        value |= ~std::uint32_t{0} << shift;
+    }
+    return static_cast<std::int32_t>(value);
+}
+
+const char* VElfBuffer::GetNullTStr() {
+    if (IsEOF()) {
+        mIsOverrun = true;
+        return nullptr;
+    }
+    const char* text = GetTextAt(static_cast<std::uint32_t>(mOffset));
+    const auto left = static_cast<std::size_t>(mLength - mOffset);
+    const void* terminator = std::memchr(text, 0, left);
+    mIsOverrun = mIsOverrun || terminator == nullptr;
+    const std::ptrdiff_t length =
+        terminator != nullptr ? static_cast<const char*>(terminator) - text : mLength - mOffset;
+    MoveOffset(static_cast<std::int32_t>(length) + 1);
+    return text;
+}
+
+std::int8_t VElfBuffer::operator[](std::int32_t offset) const {
+    const bool isInside = offset >= 0 && offset < mLength;
+    return isInside ? static_cast<std::int8_t>(mBuffer[static_cast<std::size_t>(offset)])
+                    : std::int8_t{0};
+}
+
+const char* VElfBuffer::GetTextAt(std::uint32_t offset) const {
+    return offset < static_cast<std::uint32_t>(mLength)
+               ? reinterpret_cast<const char*>(mBuffer.get()) + offset
+               : nullptr;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

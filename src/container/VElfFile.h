@@ -1,0 +1,133 @@
+// The picture of one input file for one read: the open stream, the target's properties, one record
+// for each section that the reader cares about, the string table, the symbol maps, and the handles
+// to the factory and the reader. All three containers fill the same records; everything later asks
+// only these.
+#pragma once
+
+#include "container/ElfRecords.h"
+#include "container/IElfSymbolMap.h"
+#include "container/VElfBuffer.h"
+#include "container/VElfInput.h"
+#include "container/VElfNamesObjectMap.h"
+#include "container/VElfSymbolMap.h"
+#include "container/VElfSymbolNamesMap.h"
+#include "core/VElfOptions.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VCLIFactoryWrapper;
+class VDWARFReaderWrapper;
+
+/// One input file.
+///
+/// Operations that return false have set the error state unless told otherwise. The file stays open
+/// to the end of the object, after a failure too.
+class VElfFile : public VElfOptions, public VElfInput {
+public:
+    /// Makes the factory of the file. The reader is borrowed and may be null.
+    VElfFile(const std::string& path, VDWARFReaderWrapper* reader);
+    ~VElfFile();
+    VElfFile(const VElfFile&) = delete;
+    VElfFile& operator=(const VElfFile&) = delete;
+    VElfFile(VElfFile&&) = delete;
+    VElfFile& operator=(VElfFile&&) = delete;
+
+    /// Opens the file of the path and takes its length. Error: `ELFERR_OPEN_FAILED`.
+    bool OpenInput();
+    /// Path of the input, cut to 260 characters.
+    [[nodiscard]] const std::string& GetInputFileName() const { return mFileName; }
+
+    /// @name ELF header and sections
+    /// @{
+
+    /// Opens the file and fills the header and the target flags (ELF header, e_ident). Errors:
+    /// `ELFERR_OPEN_FAILED`, `ELFERR_READ_FAILED`, `ELFERR_SEEK_FAILED`, `ELFERR_NOT_ELF`,
+    /// `ELFERR_ELF_CLASS`, `ELFERR_BYTE_ENCODING`, `ELFERR_ELF_VERSION`.
+    bool ReadElfHeader();
+    /// Fills the section records. Errors: those of loading, `ELFERR_NO_SYMTAB`, `ELFERR_NO_STRTAB`.
+    bool LoadSectionInfos();
+    /// Loads the raw section header table.
+    /// @return the number of sections, or -1
+    static std::int32_t LoadSectionHeaderTable(VElfBuffer& buffer, const Elf64_Ehdr& header,
+                                               bool is64Bit);
+    /// Decodes the section header at an offset of the table.
+    static void ReadSectionHeader(Elf64_Shdr& section, VElfBuffer& buffer, std::int32_t tableOffset,
+                                  bool is64Bit);
+
+    /// @}
+    /// @name Symbols
+    /// @{
+
+    /// Loads the string table of the symbols, in place of one that was loaded before; the names in
+    /// the symbol maps end with it. Errors: those of loading, `ELFERR_NO_STRTAB`.
+    bool LoadStrTabSection();
+    /// Fills a container with the symbols of data that have an address; with `mSymTabSearchMode`
+    /// also those of no type. Errors: those of loading, `ELFERR_SECTION_ITEM_SIZE`,
+    /// `ELFERR_NO_STRTAB`, `ELFERR_64BIT_LIMIT`; none without a loaded string table.
+    bool LoadSymbolMap(IElfSymbolMap& map);
+    /// Delivers the data symbols that are not in the data model yet. Errors: those of loading,
+    /// `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_64BIT_LIMIT`; none without a loaded string table or a
+    /// global namespace.
+    /// @param onlyDumpToLog walk without delivery
+    bool ProcessSymTabSection(bool onlyDumpToLog);
+    /// Turns a symbol's name into the one to deliver, as the options ask.
+    /// @param name buffer of `size` bytes with the name, which is replaced
+    /// @param nameOffset the name's offset in the string table
+    void ProcessSymbolTableEntryName(char* name, std::size_t size, std::uint32_t nameOffset);
+    /// True if delivered symbol names are demangled.
+    static bool IsUnifyProcessingOfNamesOfSymbolsReadFromSymbolTable();
+
+    /// The symbol at an address, null if there is none; see `VElfSymbolMap::FindByAddress`.
+    Elf32_Sym* FindSymbolByAddress(std::uint32_t address, std::string_view name);
+    /// The address of the symbol of a name or, unless it begins with "_", of "_" and the name; null
+    /// if there is none. The first query of a file loads the names.
+    const VElfSymbolAddress* FindSymbolByName(const std::string& name);
+
+    /// @}
+
+    /// Image base of a PE file that is a DLL, else 0.
+    std::uint64_t mImageBase = 0;
+    Elf64_Ehdr mElfHeader;
+    Elf64_Shdr mSecDebug;
+    Elf64_Shdr mSecSymtab;
+    Elf64_Shdr mSecStrtab;
+    /// The section that `e_shstrndx` names.
+    Elf64_Shdr mSecShstrtab;
+    Elf64_Shdr mSecVdebug;
+    Elf64_Shdr mSecVdbstrtab;
+    Elf64_Shdr mSecDebugInfo;
+    Elf64_Shdr mSecDebugStr;
+    Elf64_Shdr mSecDebugAbbrev;
+    Elf64_Shdr mSecDebugLoc;
+    Elf64_Shdr mSecPubtypes;
+    Elf64_Shdr mSecDebugLine;
+    Elf64_Shdr mSecDebugPubnames;
+    Elf64_Shdr mSecDebugAranges;
+    std::unique_ptr<VElfBuffer> mStrTabBuffer;
+    VElfSymbolMap mSymbolMap;
+    VElfSymbolNamesMap mSymbolNamesMap;
+    VElfNamesObjectMap mNamesObjectMap;
+    std::unique_ptr<VCLIFactoryWrapper> mFactory;
+    VDWARFReaderWrapper* mReader;
+
+private:
+    bool CheckIdentification(VElfBuffer& buffer);
+    void ReadHeaderFields(VElfBuffer& buffer);
+    void AssignSection(const char* name, const Elf64_Shdr& section);
+    bool CheckFoundSections() const;
+
+    std::string mPath;
+    std::string mFileName;
+};
+
+/// Reads the symbol at the cursor. The name pointer isn't touched.
+/// @return false with `ELFERR_64BIT_LIMIT` if the size passes 32 bits
+bool sReadSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit);
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,201 @@
+// The ELF side of `VElfFile`: its header and its section table (System V ABI, chapters "ELF Header"
+// and "Sections").
+#include "container/VElfFile.h"
+#include "core/ErrorState.h"
+
+#include <cstring>
+#include <limits>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::int32_t sHeaderSize32 = 52;
+constexpr std::int32_t sHeaderSize64 = 64;
+constexpr std::int32_t sIdentificationSize = 16;
+
+/// Positions in the identification bytes.
+constexpr std::int32_t sClassIndex = 4;
+constexpr std::int32_t sDataIndex = 5;
+constexpr std::int32_t sVersionIndex = 6;
+
+bool Fail(ELFReadErrorEnum code) {
+    SetErrorState(code);
+    return false;
+}
+
+/// A field of 4 bytes in class 32 and 8 bytes in class 64.
+std::uint64_t GetWord(VElfBuffer& buffer, bool is64Bit) {
+    return is64Bit ? buffer.GetUInt64() : buffer.GetULong();
+}
+
+bool HasMagic(const VElfBuffer& buffer) {
+    return buffer[0] == 0x7F && buffer[1] == 'E' && buffer[2] == 'L' && buffer[3] == 'F';
+}
+
+struct SectionName {
+    const char* name;
+    Elf64_Shdr VElfFile::*section;
+};
+
+constexpr SectionName sSectionNames[] = {
+    {".debug", &VElfFile::mSecDebug},
+    {".debug_info", &VElfFile::mSecDebugInfo},
+    {".symtab", &VElfFile::mSecSymtab},
+    {".strtab", &VElfFile::mSecStrtab},
+    {".debug_abbrev", &VElfFile::mSecDebugAbbrev},
+    {".debug_loc", &VElfFile::mSecDebugLoc},
+    {".debug_str", &VElfFile::mSecDebugStr},
+    {".vdebug", &VElfFile::mSecVdebug},
+    {".vdbstrtab", &VElfFile::mSecVdbstrtab},
+    {".pubtypes", &VElfFile::mSecPubtypes},
+    {".debug_line", &VElfFile::mSecDebugLine},
+    {".debug_pubnames", &VElfFile::mSecDebugPubnames},
+    {".debug_aranges", &VElfFile::mSecDebugAranges},
+};
+
+} // namespace
+
+bool VElfFile::ReadElfHeader() {
+    if (!OpenInput()) {
+        return false;
+    }
+    VElfBuffer buffer(*this);
+    buffer.SetSwapBytes(false);
+    if (!buffer.LoadFromFile(0, sHeaderSize32) || !CheckIdentification(buffer)) {
+        return false;
+    }
+    if (mIs64Bit && !buffer.LoadFromFile(0, sHeaderSize64)) {
+        return false;
+    }
+    ReadHeaderFields(buffer);
+    mIsWordAddressedTarget = mElfHeader.e_machine == sMachineTiC2000;
+    mIsDsPicTarget = mElfHeader.e_machine == sMachineDsPic30F;
+    return true;
+}
+
+bool VElfFile::CheckIdentification(VElfBuffer& buffer) {
+    if (!HasMagic(buffer)) {
+        return Fail(ELFReadErrorEnum::ELFERR_NOT_ELF);
+    }
+    const std::int8_t elfClass = buffer[sClassIndex];
+    if (elfClass != 1 && elfClass != 2) {
+        return Fail(ELFReadErrorEnum::ELFERR_ELF_CLASS);
+    }
+    mIs64Bit = elfClass == 2;
+    if (buffer[sDataIndex] == 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_BYTE_ENCODING);
+    }
+    mIsMSBData = buffer[sDataIndex] == 2;
+    buffer.SetSwapBytes(mIsMSBData);
+    if (static_cast<std::uint8_t>(buffer[sVersionIndex]) >= 2) {
+        return Fail(ELFReadErrorEnum::ELFERR_ELF_VERSION);
+    }
+    return true;
+}
+
+void VElfFile::ReadHeaderFields(VElfBuffer& buffer) {
+    buffer.SetOffset(sIdentificationSize);
+    mElfHeader.e_type = buffer.GetUShort();
+    mElfHeader.e_machine = buffer.GetUShort();
+    mElfHeader.e_version = buffer.GetULong();
+    mElfHeader.e_entry = GetWord(buffer, mIs64Bit);
+    mElfHeader.e_phoff = GetWord(buffer, mIs64Bit);
+    mElfHeader.e_shoff = GetWord(buffer, mIs64Bit);
+    mElfHeader.e_flags = buffer.GetULong();
+    mElfHeader.e_ehsize = buffer.GetUShort();
+    mElfHeader.e_phentsize = buffer.GetUShort();
+    mElfHeader.e_phnum = buffer.GetUShort();
+    mElfHeader.e_shentsize = buffer.GetUShort();
+    mElfHeader.e_shnum = buffer.GetUShort();
+    mElfHeader.e_shstrndx = buffer.GetUShort();
+}
+
+std::int32_t VElfFile::LoadSectionHeaderTable(VElfBuffer& buffer, const Elf64_Ehdr& header,
+                                              bool is64Bit) {
+    std::uint64_t count = header.e_shnum;
+    if (count == 0) {
+        // Extended numbering: the first entry tells the number of all.
+        if (!buffer.LoadFromFile(header.e_shoff, std::uint32_t{header.e_shentsize})) {
+            return -1;
+        }
+        Elf64_Shdr firstSection;
+        ReadSectionHeader(firstSection, buffer, 0, is64Bit);
+        count = firstSection.sh_size;
+    }
+    constexpr std::uint64_t maximumCount = std::numeric_limits<std::int32_t>::max();
+    const std::uint64_t tableSize =
+        count <= maximumCount ? count * header.e_shentsize : std::uint64_t{maximumCount};
+    return buffer.LoadFromFile(header.e_shoff, tableSize) ? static_cast<std::int32_t>(count) : -1;
+}
+
+void VElfFile::ReadSectionHeader(Elf64_Shdr& section, VElfBuffer& buffer, std::int32_t tableOffset,
+                                 bool is64Bit) {
+    buffer.SetOffset(tableOffset);
+    section.sh_name = buffer.GetULong();
+    section.sh_type = buffer.GetULong();
+    section.sh_flags = GetWord(buffer, is64Bit);
+    section.sh_addr = GetWord(buffer, is64Bit);
+    section.sh_offset = GetWord(buffer, is64Bit);
+    section.sh_size = GetWord(buffer, is64Bit);
+    section.sh_link = buffer.GetULong();
+    section.sh_info = buffer.GetULong();
+    section.sh_addralign = GetWord(buffer, is64Bit);
+    section.sh_entsize = GetWord(buffer, is64Bit);
+}
+
+bool VElfFile::LoadSectionInfos() {
+    VElfBuffer table(*this);
+    VElfBuffer names(*this);
+    const std::int32_t count = LoadSectionHeaderTable(table, mElfHeader, mIs64Bit);
+    if (count < 0) {
+        return false;
+    }
+    const std::int32_t namesIndex = mElfHeader.e_shstrndx;
+    if (namesIndex >= count) {
+        return CheckFoundSections();
+    }
+    ReadSectionHeader(mSecShstrtab, table, namesIndex * mElfHeader.e_shentsize, mIs64Bit);
+    if (!names.LoadFromFile(mSecShstrtab.sh_offset, mSecShstrtab.sh_size)) {
+        return false;
+    }
+    // Some files keep section names and symbol names in one table.
+    const char* ownName = names.GetTextAt(mSecShstrtab.sh_name);
+    if (ownName != nullptr && std::strncmp(ownName, ".strtab", 7) == 0) {
+        mSecStrtab = mSecShstrtab;
+    }
+    for (std::int32_t index = 0; index < count; ++index) {
+        if (index == namesIndex) {
+            continue;
+        }
+        Elf64_Shdr section;
+        ReadSectionHeader(section, table, index * mElfHeader.e_shentsize, mIs64Bit);
+        if (const char* name = names.GetTextAt(section.sh_name)) {
+            AssignSection(name, section);
+        }
+    }
+    return CheckFoundSections();
+}
+
+void VElfFile::AssignSection(const char* name, const Elf64_Shdr& section) {
+    for (const SectionName& known : sSectionNames) {
+        if (std::strcmp(name, known.name) == 0) {
+            this->*known.section = section;
+            return;
+        }
+    }
+}
+
+bool VElfFile::CheckFoundSections() const {
+    const bool hasDebugSection =
+        mSecDebug.sh_offset != 0 || mSecDebugInfo.sh_offset != 0 || mSecVdebug.sh_offset != 0;
+    if (hasDebugSection) {
+        return true;
+    }
+    if (mSecSymtab.sh_offset == 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_NO_SYMTAB);
+    }
+    return mSecStrtab.sh_offset != 0 || Fail(ELFReadErrorEnum::ELFERR_NO_STRTAB);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

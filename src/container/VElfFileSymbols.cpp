@@ -1,0 +1,193 @@
+// The symbol side of `VElfFile`: the string table, the two walks over the symbol table (System V
+// ABI, chapter "Symbol Table") and the questions that the debug phase asks of the symbols.
+#include "container/SymbolName.h"
+#include "container/VElfFile.h"
+#include "core/ErrorState.h"
+#include "diagnostics/ElfLog.h"
+#include "emit/SymbolOnlyEmission.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <limits>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::uint64_t sMaximum32Bit = std::numeric_limits<std::uint32_t>::max();
+
+bool Fail(ELFReadErrorEnum code) {
+    SetErrorState(code);
+    return false;
+}
+
+bool IsWantedInMaps(const Elf32_Sym& symbol) {
+    const bool isData = symbol.Type() == sSymbolTypeObject ||
+                        (symbol.Type() == sSymbolTypeNone && VElfOptions::mSymTabSearchMode != 0);
+    return isData && symbol.st_value != 0;
+}
+
+bool IsDeliverable(const Elf32_Sym& symbol) {
+    return symbol.Type() == sSymbolTypeObject && symbol.st_value != 0 && symbol.name != nullptr &&
+           *symbol.name != '\0';
+}
+
+void WarnOfTrimmedAddress(const Elf32_Sym& symbol) {
+    if (symbol.st_value > sMaximum32Bit) {
+        elflog(
+            "Warning: Symbol '%s' has 64-bit address 0x%16.16" PRIx64
+            " overriding 32-bit address limitation of current ELF-Reader version. The address is "
+            "trimmed to 32 bit size!!\n",
+            std::string(CutSymbolName(symbol.name)).c_str(), symbol.st_value);
+    }
+}
+
+} // namespace
+
+bool sReadSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit) {
+    symbol.st_name = buffer.GetULong();
+    std::uint64_t size = 0;
+    if (is64Bit) {
+        symbol.st_info = buffer.GetUByte();
+        symbol.st_other = buffer.GetUByte();
+        symbol.st_shndx = buffer.GetUShort();
+        symbol.st_value = buffer.GetUInt64();
+        size = buffer.GetUInt64();
+    } else {
+        symbol.st_value = buffer.GetULong();
+        size = buffer.GetULong();
+        symbol.st_info = buffer.GetUByte();
+        symbol.st_other = buffer.GetUByte();
+        symbol.st_shndx = buffer.GetUShort();
+    }
+    if (size > sMaximum32Bit) {
+        return Fail(ELFReadErrorEnum::ELFERR_64BIT_LIMIT);
+    }
+    symbol.st_size = static_cast<std::uint32_t>(size);
+    return true;
+}
+
+bool VElfFile::LoadStrTabSection() {
+    mStrTabBuffer = std::make_unique<VElfBuffer>(*this);
+    if (mSecStrtab.sh_size == 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_NO_STRTAB);
+    }
+    return mStrTabBuffer->LoadFromFile(mSecStrtab.sh_offset, mSecStrtab.sh_size);
+}
+
+bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
+    if (!mStrTabBuffer) {
+        return false;
+    }
+    VElfBuffer buffer(*this);
+    const bool isLoaded = buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
+    map.Clear();
+    if (mSecSymtab.sh_entsize == 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
+    }
+    if (mSecStrtab.sh_size == 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_NO_STRTAB);
+    }
+    const std::uint64_t count = mSecSymtab.sh_size / mSecSymtab.sh_entsize;
+    for (std::uint64_t index = 0; index < count && !buffer.IsEOF(); ++index) {
+        Elf32_Sym symbol;
+        if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {
+            return false;
+        }
+        if (buffer.IsOverrun()) {
+            break;
+        }
+        symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
+        if (IsWantedInMaps(symbol) && symbol.name != nullptr) {
+            WarnOfTrimmedAddress(symbol);
+            map.AddSymbol(symbol);
+        }
+    }
+    return isLoaded;
+}
+
+bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
+    if (!mStrTabBuffer) {
+        elfelog("String table not loaded!\n\n");
+        return false;
+    }
+    if (mSecSymtab.sh_entsize == 0) {
+        SetErrorState(ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
+        elfelog("There is not symbol table in this file!\n\n");
+        return false;
+    }
+    SymbolOnlyEmission emission(*mFactory);
+    if (!emission.Begin()) {
+        return false;
+    }
+    VElfBuffer buffer(*this);
+    const bool isLoaded = buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
+    while (!buffer.IsEOF()) {
+        Elf32_Sym symbol;
+        if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {
+            return false;
+        }
+        if (buffer.IsOverrun()) {
+            break;
+        }
+        symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
+        if (!IsDeliverable(symbol)) {
+            continue;
+        }
+        char name[sSymbolNameBufferSize];
+        name[CutSymbolName(symbol.name).copy(name, sSymbolNameBufferSize - 1)] = '\0';
+        ProcessSymbolTableEntryName(name, sizeof name, symbol.st_name);
+        if (!onlyDumpToLog && sCheckIsValidVariableType_FromMangledName(name)) {
+            emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
+        }
+    }
+    return isLoaded;
+}
+
+bool VElfFile::IsUnifyProcessingOfNamesOfSymbolsReadFromSymbolTable() {
+    return mDemangleSymTabNames >= 2 || mFixClassNameScopeSepar >= 2;
+}
+
+void VElfFile::ProcessSymbolTableEntryName(char* name, std::size_t size, std::uint32_t nameOffset) {
+    std::string_view processed = name;
+    if (IsUnifyProcessingOfNamesOfSymbolsReadFromSymbolTable() && nameOffset != 0) {
+        const VElfNameObject* object = mNamesObjectMap.FindObject(nameOffset);
+        if (object == nullptr) {
+            object = mNamesObjectMap.AddObject(nameOffset, name);
+        }
+        if (object->IsModified()) {
+            processed = object->GetName();
+        }
+    }
+    if (mRemoveLeadingUnderscore != 0 && processed.starts_with('_')) {
+        processed.remove_prefix(1);
+    }
+    // The text may be a part of the buffer itself.
+    const std::size_t length = std::min(processed.size(), size - 1);
+    std::ranges::copy(processed.substr(0, length), name);
+    name[length] = '\0';
+}
+
+Elf32_Sym* VElfFile::FindSymbolByAddress(std::uint32_t address, std::string_view name) {
+    return mSymbolMap.FindByAddress(address, name);
+}
+
+const VElfSymbolAddress* VElfFile::FindSymbolByName(const std::string& name) {
+    if (!mSymbolNamesMap.IsInitialized()) {
+        const bool isLoaded = LoadSymbolMap(mSymbolNamesMap);
+        mSymbolNamesMap.SetInitialized();
+        if (!isLoaded) {
+            return nullptr;
+        }
+    }
+    if (const VElfSymbolAddress* address = mSymbolNamesMap.FindByName(name.c_str())) {
+        return address;
+    }
+    if (name.starts_with('_')) {
+        return nullptr;
+    }
+    const std::string underscoredName = ('_' + name).substr(0, sSymbolNameBufferSize);
+    return mSymbolNamesMap.FindByName(underscoredName.c_str());
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,32 @@
+// The opened input file and what its headers tell of the target: all that a buffer needs to know of
+// a `VElfFile`, which derives from this class.
+#pragma once
+
+#include "container/VInputStream.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Input stream and target flags of one file.
+class VElfInput {
+public:
+    /// Opens the file and takes its length. On failure the error state is `ELFERR_OPEN_FAILED`, and
+    /// a text goes to standard output.
+    bool OpenForReading(const std::string& path);
+
+    VInputStream mFile;
+    /// Length of the input file in bytes.
+    std::int64_t mFileSize = 0;
+    /// Target data is big-endian.
+    bool mIsMSBData = false;
+    /// ELF class 64.
+    bool mIs64Bit = false;
+    /// The target counts memory in units of 16 bits.
+    bool mIsWordAddressedTarget = false;
+    /// The debug sections hold one data byte in two file bytes.
+    bool mIsDsPicTarget = false;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,55 @@
+#include "container/VElfSymbolMap.h"
+
+#include "core/VElfOptions.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+std::uint32_t Address(const Elf32_Sym& symbol) {
+    return static_cast<std::uint32_t>(symbol.st_value);
+}
+
+bool NameBeginsWith(const Elf32_Sym& symbol, std::string_view name) {
+    return symbol.name != nullptr && std::strncmp(symbol.name, name.data(), name.size()) == 0;
+}
+
+} // namespace
+
+void VElfSymbolMap::AddSymbol(const Elf32_Sym& symbol) {
+    mIsSorted = mSymbols.empty() || (mIsSorted && Address(mSymbols.back()) <= Address(symbol));
+    mSymbols.push_back(symbol);
+}
+
+void VElfSymbolMap::Clear() {
+    std::vector<Elf32_Sym>().swap(mSymbols);
+    mIsSorted = true;
+}
+
+Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view name) {
+    SortByAddress();
+    const auto range = std::ranges::equal_range(mSymbols, address, {}, Address);
+    if (range.empty()) {
+        return nullptr;
+    }
+    if (VElfOptions::mSymTabSearchMode != 0 && range.size() > 1) {
+        const auto agreeing = std::ranges::find_if(
+            range, [name](const Elf32_Sym& symbol) { return NameBeginsWith(symbol, name); });
+        if (agreeing != range.end()) {
+            return &*agreeing;
+        }
+    }
+    return &range.front();
+}
+
+void VElfSymbolMap::SortByAddress() {
+    if (!mIsSorted) {
+        std::ranges::stable_sort(mSymbols, {}, Address);
+        mIsSorted = true;
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

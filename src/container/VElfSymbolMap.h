@@ -1,0 +1,31 @@
+// Tells which symbol lies at an address. Filled once before the debug section is decoded; the
+// pointers it gives out end with the next change.
+#pragma once
+
+#include "container/IElfSymbolMap.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Symbols by the low 32 bits of their values. Symbols of one address keep the order of insertion.
+class VElfSymbolMap final : public IElfSymbolMap {
+public:
+    void AddSymbol(const Elf32_Sym& symbol) override;
+    void Clear() override;
+    void DeleteAll() { Clear(); }
+
+    /// The symbol at an address, null if there is none. Of several it is the first; with
+    /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first.
+    Elf32_Sym* FindByAddress(std::uint32_t address, std::string_view name);
+
+private:
+    void SortByAddress();
+
+    std::vector<Elf32_Sym> mSymbols;
+    bool mIsSorted = true;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,42 @@
+// Tells at which address the symbol of a name lies, under the demangled name where there is one.
+// Filled on the first query of a read.
+#pragma once
+
+#include "container/IElfSymbolMap.h"
+#include "container/VMapStringToPtr.h"
+
+#include <cstdint>
+#include <deque>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Where the symbol of a name lies: the low 32 bits of its value.
+struct VElfSymbolAddress {
+    std::uint32_t mAddress = 0;
+    std::uint32_t mReserved = 0;
+};
+
+/// Symbol addresses by name. The last symbol of a name wins.
+class VElfSymbolNamesMap final : public IElfSymbolMap {
+public:
+    /// Files the symbol under its demangled name, or its raw name where there is none.
+    void AddSymbol(const Elf32_Sym& symbol) override;
+    /// Releases all entries; the initialised flag stays.
+    void Clear() override;
+    void DeleteAll() { Clear(); }
+
+    /// The address record of exactly this name, null if there is none. Ends with `Clear`.
+    const VElfSymbolAddress* FindByName(const char* name) const;
+
+    /// Whether the map has been filled, or filling it has been tried, for this file.
+    [[nodiscard]] bool IsInitialized() const { return mIsInitialized; }
+    void SetInitialized() { mIsInitialized = true; }
+
+private:
+    VMapStringToPtr mAddressesByName{10};
+    bool mIsInitialized = false;
+    // Records of names that came again stay here unreachable until the map is emptied.
+    std::deque<VElfSymbolAddress> mAddresses;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
