@@ -1,0 +1,36 @@
+#include "emit/SymbolOnlyEmission.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::string_view sSymbolNamespaceName = "_Symbol_Table_BKR_";
+
+} // namespace
+
+bool sCheckIsValidVariableType_FromMangledName(std::string_view name) {
+    return !name.starts_with("__vtbl") && !name.starts_with("_ZTV");
+}
+
+bool SymbolOnlyEmission::Begin() {
+    const ObjectId globalNamespace = mFactory.GetGlobalNamespace();
+    if (globalNamespace == 0) {
+        return false;
+    }
+    mSymbolNamespace = mFactory.GetNamespace(sSymbolNamespaceName, globalNamespace);
+    if (mSymbolNamespace == 0) {
+        mSymbolNamespace = mFactory.CreateNamespace(sSymbolNamespaceName, globalNamespace);
+    }
+    return true;
+}
+
+void SymbolOnlyEmission::DeliverVariable(std::string_view name, std::uint64_t address,
+                                         std::uint32_t byteSize) {
+    if (mFactory.GetGlobalData(name) != 0 || mFactory.GetGlobalDataByAddress(address) != 0) {
+        return;
+    }
+    const ObjectId type = sGetSymbolTableBaseEntryTypeObjId(mFactory, mSymbolNamespace, byteSize);
+    mFactory.CreateGlobalData(name, type, mSymbolNamespace, address, true, 0, false);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,27 @@
+// Which data model the next read delivers into. The host owns the model and keeps it current for
+// the length of the read; the factory picks it up when the read begins.
+#pragma once
+
+namespace Tessel::Norn::Brindle::DataModel::Factory {
+
+class HostDataModel;
+
+/// Makes a data model current from construction to destruction. Scopes may nest: the model that was
+/// current before becomes current again. The model is borrowed and must outlive the scope.
+class CurrentDataModel {
+public:
+    explicit CurrentDataModel(HostDataModel& dataModel);
+    ~CurrentDataModel();
+    CurrentDataModel(const CurrentDataModel&) = delete;
+    CurrentDataModel& operator=(const CurrentDataModel&) = delete;
+    CurrentDataModel(CurrentDataModel&&) = delete;
+    CurrentDataModel& operator=(CurrentDataModel&&) = delete;
+
+    /// The current model, or null if there is none.
+    static HostDataModel* Get();
+
+private:
+    HostDataModel* mPrevious;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel::Factory

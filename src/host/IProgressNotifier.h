@@ -1,0 +1,46 @@
+// What a reader tells its host while it runs: errors and progress, through four callbacks that the
+// host sets. The reader's face, `VDWARFReader`, derives from it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Contract::Interfaces {
+
+/// Severity of a signalled error. The reader signals failed reads alone, as `Error`.
+enum class ErrorSeverity : std::int32_t {
+    Information = 0,
+    Warning = 1,
+    Error = 2,
+};
+
+/// Severity, code, a first text that is always empty, and the message. Texts are UTF-8.
+using SignalErrorDelegate =
+    std::function<void(ErrorSeverity, std::uint32_t, const std::string&, const std::string&)>;
+/// The phase that begins, UTF-8.
+using SetProgressTextDelegate = std::function<void(const std::string&)>;
+/// Start and end of the values that follow.
+using SetProgressIntervalDelegate = std::function<void(std::int32_t, std::int32_t)>;
+/// How far the phase has come, between start and end.
+using SetProgressValueDelegate = std::function<void(std::int32_t)>;
+
+/// Holder of the callbacks. Each is empty until the host sets it; an empty one is not called. They
+/// are called on the thread of the read, and what they throw passes through it.
+class IProgressNotifier {
+public:
+    SignalErrorDelegate SignalErrorCallback;
+    SetProgressTextDelegate SetProgressTextCallback;
+    SetProgressIntervalDelegate SetProgressIntervalCallback;
+    SetProgressValueDelegate SetProgressValueCallback;
+
+protected:
+    IProgressNotifier() = default;
+    ~IProgressNotifier() = default;
+    IProgressNotifier(const IProgressNotifier&) = default;
+    IProgressNotifier& operator=(const IProgressNotifier&) = default;
+    IProgressNotifier(IProgressNotifier&&) = default;
+    IProgressNotifier& operator=(IProgressNotifier&&) = default;
+};
+
+} // namespace Tessel::Norn::Brindle::Contract::Interfaces

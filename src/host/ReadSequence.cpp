@@ -1,0 +1,208 @@
+#include "host/ReadSequence.h"
+
+#include "container/VElfFile.h"
+#include "core/ErrorState.h"
+#include "diagnostics/ElfLog.h"
+#include "host/VDWARFReader.h"
+#include "host/VDWARFReaderWrapper.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::int32_t sErrorTextSize = 1024;
+constexpr std::int32_t sErrorSeverity = 2;
+constexpr std::uint32_t sReadFailedCode = 4112;
+
+/// What is read of a file, in this order.
+struct ReadSelection {
+    bool dwarf2 = false;
+    bool dwarf1 = false;
+    bool nec = false;
+
+    [[nodiscard]] bool IsEmpty() const { return !dwarf2 && !dwarf1 && !nec; }
+};
+
+bool Fail(ELFReadErrorEnum code) {
+    SetErrorState(code);
+    return false;
+}
+
+void StartLog(const std::string& path) {
+    if (VElfOptions::mIsLogFile == 0) {
+        return;
+    }
+    s_initElfLogTimer();
+    if (!CreateLogFile(path)) {
+        VElfOptions::mIsLogFile = 0;
+    }
+}
+
+/// Closes the log on every way out of a run, an exception of the host included.
+class LogCloser {
+public:
+    LogCloser() = default;
+    ~LogCloser() { CloseLogFile(); }
+    LogCloser(const LogCloser&) = delete;
+    LogCloser& operator=(const LogCloser&) = delete;
+    LogCloser(LogCloser&&) = delete;
+    LogCloser& operator=(LogCloser&&) = delete;
+};
+
+void StoreErrorText(char* errorText, std::int32_t errorTextSize) {
+    if (errorText == nullptr || errorTextSize <= 0) {
+        return;
+    }
+    std::string text;
+    ReportElfError(text);
+    errorText[text.copy(errorText, static_cast<std::size_t>(errorTextSize) - 1)] = '\0';
+}
+
+ReadSelection SelectFirstPresent(const VElfFile& file) {
+    ReadSelection selection;
+    selection.dwarf2 = file.mSecDebugInfo.IsPresent();
+    selection.dwarf1 = !selection.dwarf2 && file.mSecDebug.IsPresent();
+    selection.nec = !selection.dwarf2 && !selection.dwarf1 && file.mSecVdebug.IsPresent();
+    return selection;
+}
+
+ReadSelection SelectDebugSections(const VElfFile& file) {
+    switch (VElfOptions::mForceDebugSectionVersion) {
+    case 0:
+        return SelectFirstPresent(file);
+    case 1:
+        return {.dwarf1 = file.mSecDebug.IsPresent()};
+    case 2:
+        VElfOptions::mUseCppExtensionDWARF2 = 1;
+        return {.dwarf2 = file.mSecDebugInfo.IsPresent()};
+    case 3:
+        return {.nec = file.mSecVdebug.IsPresent()};
+    case -1:
+        VElfOptions::mUseCppExtensionDWARF2 = 1;
+        return {.dwarf2 = file.mSecDebugInfo.IsPresent(),
+                .dwarf1 = file.mSecDebug.IsPresent(),
+                .nec = file.mSecVdebug.IsPresent()};
+    default:
+        return {};
+    }
+}
+
+bool ReadSymbolTable(VElfFile& file) {
+    if (!file.LoadStrTabSection() || !file.ProcessSymTabSection(false)) {
+        return false;
+    }
+    _CleanProcessingMaps(file);
+    return true;
+}
+
+bool ReadSymbolTableStep(DWARFContainerType container, VElfFile& file) {
+    if (container == DWARFContainerType::Container_PE) {
+        _CleanProcessingMaps(file);
+        return true;
+    }
+    return ReadSymbolTable(file);
+}
+
+bool FinishWithoutDebugSection(DWARFContainerType container, VElfFile& file,
+                               bool isSymbolTableWanted) {
+    switch (container) {
+    case DWARFContainerType::Container_COFF:
+        return Fail(ELFReadErrorEnum::ELFERR_COFF_NO_DWARF);
+    case DWARFContainerType::Container_ELF:
+        return ReadSymbolTable(file);
+    default:
+        return !isSymbolTableWanted || ReadSymbolTableStep(container, file);
+    }
+}
+
+bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper* wrapper) {
+    return _ReadElfAndSectionHeaders(container, file) &&
+           _ReadoutSymbolTablesAndDebugSections(container, file, wrapper);
+}
+
+} // namespace
+
+bool VDWARFReader::Read(const std::string& path, DWARFContainerType container) {
+    VDWARFReaderWrapperBridge bridge(*this);
+    VDWARFReaderWrapper wrapper(&bridge);
+    char errorText[sErrorTextSize] = {};
+    if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, true, container)) {
+        return true;
+    }
+    SignalError(sErrorSeverity, sReadFailedCode, "", errorText);
+    return false;
+}
+
+bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* errorText,
+                   std::int32_t errorTextSize, bool /*isHostCall*/, DWARFContainerType container) {
+    VElfOptions::mGlobalVarInfoSource = 0;
+    StartLog(path);
+    const LogCloser logCloser;
+    tag_alignment.clear();
+    VElfFile file(path, wrapper);
+    const bool result = RunPhases(container, file, wrapper);
+    if (!result) {
+        StoreErrorText(errorText, errorTextSize);
+    }
+    return result;
+}
+
+bool _ReadElfAndSectionHeaders(DWARFContainerType container, VElfFile& file) {
+    switch (container) {
+    case DWARFContainerType::Container_COFF:
+    case DWARFContainerType::Container_PE:
+        return file.OpenInput() && Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
+    default:
+        return file.ReadElfHeader() && file.LoadSectionInfos();
+    }
+}
+
+bool _ReadoutSymbolTablesAndDebugSections(DWARFContainerType container, VElfFile& file,
+                                          VDWARFReaderWrapper* wrapper) {
+    if (VElfOptions::mElfForceSymbolTable == 1) {
+        return ReadSymbolTableStep(container, file);
+    }
+    bool isSymbolTableWanted = VElfOptions::mElfForceSymbolTable == 2;
+    const ReadSelection selection = SelectDebugSections(file);
+    if (selection.IsEmpty()) {
+        return FinishWithoutDebugSection(container, file, isSymbolTableWanted);
+    }
+    if (selection.dwarf2) {
+        if (!_ReadDWARF2Section(file, wrapper)) {
+            return false;
+        }
+        isSymbolTableWanted = isSymbolTableWanted || container == DWARFContainerType::Container_ELF;
+    }
+    if (selection.dwarf1 && !_ReadDWARF1Section(file)) {
+        return false;
+    }
+    if (selection.nec && !_ReadNECDebugSection(file)) {
+        return false;
+    }
+    return !isSymbolTableWanted || ReadSymbolTableStep(container, file);
+}
+
+bool _ReadDWARF2Section(VElfFile& /*file*/, VDWARFReaderWrapper* /*wrapper*/) {
+    return Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
+}
+
+bool _ReadDWARF1Section(VElfFile& /*file*/) {
+    gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_DWARF1;
+    return false;
+}
+
+bool _ReadNECDebugSection(VElfFile& /*file*/) {
+    return false;
+}
+
+void _CleanProcessingMaps(VElfFile& file) {
+    file.mNamesObjectMap.Clear();
+    file.mSymbolMap.Clear();
+    file.mSymbolNamesMap.Clear();
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,55 @@
+// The one object that a host sees: it reads one file per call of `Read` and delivers what it finds
+// into the data model that the host has made current.
+#pragma once
+
+#include "host/DWARFContainerType.h"
+#include "host/IProgressNotifier.h"
+
+#include <cstdint>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Reader of ELF, TI-COFF and PE files.
+///
+/// Order of calls: construct; optionally `InitLanguage` and `ReadAllTypes`; set the callbacks; make
+/// a data model current; `Read`, as often as wanted; `Dispose`. The options of the read are the
+/// class variables of `VElfOptions`. At most one `Read` may run in a process at a time.
+class VDWARFReader : public Contract::Interfaces::IProgressNotifier {
+public:
+    /// Reads the file at `path` and delivers it. The path goes to the system unchanged.
+    ///
+    /// On failure `SignalErrorCallback` receives severity 2, code 4112, an empty first text and the
+    /// message in the language of `InitLanguage`; what was delivered before stays delivered. An
+    /// exception of a callback or of the data model passes through.
+    /// @return true if the file was read to its end
+    bool Read(const std::string& path, DWARFContainerType container);
+
+    /// Language of the messages, as telephone country code: 49 is German, all else English. Holds
+    /// for the process, from the next message on.
+    void InitLanguage(std::int32_t language);
+
+    /// Whether types that no delivered variable uses are delivered too. Off at the start; keeps its
+    /// value across calls of `Read`.
+    void ReadAllTypes(bool readAllTypes);
+    [[nodiscard]] bool IsReadAllTypes() const;
+
+    /// @name Signals to the host
+    /// Each calls the callback of its name if that is set. Texts are narrow; the callback gets
+    /// UTF-8.
+    /// @{
+    void SetProgressValue(std::int32_t value);
+    void SetProgressInterval(std::int32_t start, std::int32_t end);
+    void SetProgressText(const char* text);
+    void SignalError(std::int32_t severity, std::uint32_t code, const char* firstText,
+                     const char* secondText);
+    /// @}
+
+    /// Ends the use of the object. The reader holds nothing beyond a run, so nothing is released.
+    void Dispose();
+
+private:
+    bool mReadAllTypes = false;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

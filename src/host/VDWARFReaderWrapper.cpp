@@ -1,0 +1,23 @@
+#include "host/VDWARFReaderWrapper.h"
+
+#include "host/VDWARFReader.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+bool VDWARFReaderWrapper::IsReadAllTypes() const {
+    return mBridge->GetReader().IsReadAllTypes();
+}
+
+void VDWARFReaderWrapper::SetProgressValue(std::int32_t value) {
+    mBridge->GetReader().SetProgressValue(value);
+}
+
+void VDWARFReaderWrapper::SetProgressInterval(std::int32_t start, std::int32_t end) {
+    mBridge->GetReader().SetProgressInterval(start, end);
+}
+
+void VDWARFReaderWrapper::SetProgressText(const char* text) {
+    mBridge->GetReader().SetProgressText(text);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,39 @@
+// The way back from a running read to the reader that the host holds. The read sees the wrapper
+// alone; wrapper and bridge live on the stack of one `VDWARFReader::Read`.
+#pragma once
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VDWARFReader;
+
+/// Keeps the reader at hand for the length of one read.
+class VDWARFReaderWrapperBridge {
+public:
+    explicit VDWARFReaderWrapperBridge(VDWARFReader& reader)
+        : mReader(reader) {}
+
+    [[nodiscard]] VDWARFReader& GetReader() const { return mReader; }
+
+private:
+    VDWARFReader& mReader;
+};
+
+/// What a read asks and tells its reader. Each operation goes to the one of the same name there.
+class VDWARFReaderWrapper {
+public:
+    /// Borrows the bridge.
+    explicit VDWARFReaderWrapper(VDWARFReaderWrapperBridge* bridge)
+        : mBridge(bridge) {}
+
+    [[nodiscard]] bool IsReadAllTypes() const;
+    void SetProgressValue(std::int32_t value);
+    void SetProgressInterval(std::int32_t start, std::int32_t end);
+    void SetProgressText(const char* text);
+
+private:
+    VDWARFReaderWrapperBridge* mBridge;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
