@@ -1,0 +1,363 @@
+#include "model/DataModel.h"
+
+#include "model/ModelStore.h"
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+namespace {
+
+constexpr ObjectId sGlobalNamespace = 1;
+
+/// Files an object under a key that its name is no part of.
+ObjectId Filed(ModelStore& store, const LookupKey& key, ObjectId id) {
+    store.Index().FindOrAdd(key, static_cast<std::uint32_t>(id));
+    return id;
+}
+
+LookupKey BaseKey(BasicTypes basicType, ObjectId scope) {
+    return {LookupKind::Base, static_cast<std::uint32_t>(basicType), scope};
+}
+
+/// Forms a key of more than two numbers by giving the earlier ones a number of their own. For a
+/// lookup the index is const and answers 0 for numbers that never came together, which no object
+/// can be filed under.
+std::uint32_t Combined(LookupIndex& index, const LookupKey& key) {
+    return index.NumberOf(key);
+}
+std::uint32_t Combined(const LookupIndex& index, const LookupKey& key) {
+    return index.Find(key);
+}
+
+template <typename Index>
+LookupKey FunctionTypeKey(Index& index, ObjectId result, std::span<const ObjectId> parameters,
+                          ObjectId scope) {
+    std::uint32_t combination = Combined(index, {LookupKind::Pair, result, scope});
+    for (const ObjectId parameter : parameters) {
+        combination = Combined(index, {LookupKind::ListStep, combination, parameter});
+    }
+    return {LookupKind::FunctionType, combination, 0};
+}
+
+template <typename Index>
+LookupKey OldBitFieldKey(Index& index, ObjectId baseType, std::int32_t bitOffset,
+                         std::uint64_t bitSize, ObjectId scope) {
+    const auto position = static_cast<std::uint32_t>(bitOffset);
+    return {LookupKind::OldBitField, Combined(index, {LookupKind::Pair, baseType, scope}),
+            Combined(index, {LookupKind::Pair, position, bitSize})};
+}
+
+} // namespace
+
+DataModel::DataModel()
+    : mStore(std::make_unique<ModelStore>()) {}
+
+DataModel::~DataModel() = default;
+
+ObjectId DataModel::GetGlobalNamespace() {
+    return sGlobalNamespace;
+}
+
+ObjectId DataModel::GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) {
+    return mStore->FindNamed(LookupKind::Namespace, namespaceName, objIdParentScope);
+}
+
+ObjectId DataModel::CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) {
+    return mStore->AddNamed(LookupKind::Namespace, namespaceName,
+                            {.scope = objIdParentScope, .kind = ObjectKind::Namespace});
+}
+
+ObjectId DataModel::GetBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) {
+    return mStore->FindNamed(LookupKind::Block, blockIdentifier, objIdParentScope);
+}
+
+ObjectId DataModel::CreateBlockScope(const std::string& blockIdentifier,
+                                     ObjectId objIdParentScope) {
+    return mStore->AddNamed(LookupKind::Block, blockIdentifier,
+                            {.scope = objIdParentScope, .kind = ObjectKind::Block});
+}
+
+ObjectId DataModel::GetCompileUnit(const std::string& compileUnitName) {
+    return mStore->FindNamed(LookupKind::CompileUnit, compileUnitName, 0);
+}
+
+ObjectId DataModel::CreateCompileUnit(const std::string& compileUnitName) {
+    return mStore->AddNamed(LookupKind::CompileUnit, compileUnitName,
+                            {.kind = ObjectKind::CompileUnit});
+}
+
+ObjectId DataModel::GetOrCreateCompileUnit(const std::string& compileUnitName) {
+    const ObjectId known = GetCompileUnit(compileUnitName);
+    return known != 0 ? known : CreateCompileUnit(compileUnitName);
+}
+
+ObjectId DataModel::GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) {
+    return mStore->Index().Find(BaseKey(basicType, objIdParentScope));
+}
+
+ObjectId DataModel::CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
+                                        ObjectId objIdParentScope) {
+    return Filed(*mStore, BaseKey(basicType, objIdParentScope),
+                 mStore->Add({.scope = objIdParentScope,
+                              .value = length,
+                              .detail = static_cast<std::uint32_t>(basicType),
+                              .kind = ObjectKind::Base}));
+}
+
+ObjectId DataModel::GetUnknownEntryType(std::uint64_t sizeOfUnknownType,
+                                        ObjectId objIdParentScope) {
+    return mStore->Index().Find({LookupKind::Unknown, sizeOfUnknownType, objIdParentScope});
+}
+
+ObjectId DataModel::CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
+                                           ObjectId objIdParentScope) {
+    return Filed(
+        *mStore, {LookupKind::Unknown, sizeOfUnknownType, objIdParentScope},
+        mStore->Add(
+            {.scope = objIdParentScope, .value = sizeOfUnknownType, .kind = ObjectKind::Unknown}));
+}
+
+ObjectId DataModel::GetClassEntryType(const std::string& className, ObjectId objIdOfParentClass) {
+    return mStore->FindNamed(LookupKind::Class, className, objIdOfParentClass);
+}
+
+ObjectId DataModel::CreateClassEntryType(const std::string& className, std::uint32_t classSize,
+                                         ObjectId objIdOfScopeParent,
+                                         const std::vector<ObjectId>& vecObjIdsOfInheritances,
+                                         bool anonymous, bool isStruct) {
+    const ObjectId id = mStore->AddNamed(LookupKind::Class, className,
+                                         {.scope = objIdOfScopeParent,
+                                          .value = classSize,
+                                          .kind = isStruct ? ObjectKind::Struct : ObjectKind::Class,
+                                          .anonymous = anonymous});
+    for (const ObjectId base : vecObjIdsOfInheritances) {
+        mStore->AddBaseClass(id, {.type = base, .offset = 0});
+    }
+    return id;
+}
+
+ObjectId DataModel::GetUnionEntryType(const std::string& unionName, ObjectId objIdOfParentClass) {
+    return mStore->FindNamed(LookupKind::Union, unionName, objIdOfParentClass);
+}
+
+ObjectId DataModel::CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
+                                         ObjectId objIdOfParentClass, bool anonymous) {
+    return mStore->AddNamed(LookupKind::Union, unionName,
+                            {.scope = objIdOfParentClass,
+                             .value = unionSize,
+                             .kind = ObjectKind::Union,
+                             .anonymous = anonymous});
+}
+
+bool DataModel::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
+                             std::uint32_t byteOffset) {
+    if (!IsClass(mStore->At(objIdOfClass).kind)) {
+        return false;
+    }
+    mStore->AddBaseClass(objIdOfClass, {.type = objIdOfBaseClass, .offset = byteOffset});
+    return true;
+}
+
+ObjectId DataModel::CreateMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                     ObjectId objIdOfParentClass, std::uint32_t byteOffset,
+                                     std::int16_t /*addressExtension*/,
+                                     bool /*addressExtensionIsValid*/) {
+    return mStore->AddUnfiled(memberName, {.scope = objIdOfParentClass,
+                                           .type = objIdOfMemberType,
+                                           .detail = byteOffset,
+                                           .kind = ObjectKind::Member});
+}
+
+ObjectId DataModel::CreateUnionMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                          ObjectId objIdOfParentUnion, std::uint32_t byteOffset,
+                                          std::int16_t /*addressExtension*/,
+                                          bool /*addressExtensionIsValid*/) {
+    return mStore->AddUnfiled(memberName, {.scope = objIdOfParentUnion,
+                                           .type = objIdOfMemberType,
+                                           .detail = byteOffset,
+                                           .kind = ObjectKind::UnionMember});
+}
+
+ObjectId DataModel::CreateMemberStaticData(const std::string& memberName,
+                                           ObjectId objIdOfMemberType, ObjectId objIdOfParentClass,
+                                           std::uint64_t address, bool /*addressIsValid*/,
+                                           std::int16_t /*addressExtension*/,
+                                           bool /*addressExtensionIsValid*/) {
+    return mStore->AddUnfiled(memberName, {.scope = objIdOfParentClass,
+                                           .type = objIdOfMemberType,
+                                           .value = address,
+                                           .kind = ObjectKind::StaticMember});
+}
+
+ObjectId DataModel::CreateBitfieldInUdt(const std::string& memberName, ObjectId objIdOfBitfieldType,
+                                        ObjectId ObjectIdOfParentUdt, std::uint32_t byteOffset,
+                                        std::uint32_t bitOffset, std::uint32_t bitSize,
+                                        std::int16_t /*addressExtension*/,
+                                        bool /*addressExtensionIsValid*/) {
+    return mStore->AddUnfiled(memberName, {.scope = ObjectIdOfParentUdt,
+                                           .type = objIdOfBitfieldType,
+                                           .value = (std::uint64_t{bitOffset} << 32U) | bitSize,
+                                           .detail = byteOffset,
+                                           .kind = ObjectKind::BitField});
+}
+
+ObjectId DataModel::CreateArrayEntryType(const std::vector<std::uint32_t>& dimensions,
+                                         ObjectId objIdOfArrayElementsType, std::uint64_t arraySize,
+                                         ObjectId objIdParentScope) {
+    return mStore->Add({.scope = objIdParentScope,
+                        .type = objIdOfArrayElementsType,
+                        .value = arraySize,
+                        .detail = mStore->KeepDimensions(dimensions),
+                        .kind = ObjectKind::Array});
+}
+
+ObjectId DataModel::CreatePointerEntryType(ObjectId objIdOfReferencedType, std::uint64_t ptrSize,
+                                           ObjectId objIdParentScope) {
+    return mStore->Add({.scope = objIdParentScope,
+                        .type = objIdOfReferencedType,
+                        .value = ptrSize,
+                        .kind = ObjectKind::Pointer});
+}
+
+ObjectId DataModel::GetEnumTable(const std::string& tableName, ObjectId objIdOfScopeParent) {
+    return mStore->FindNamed(LookupKind::Enum, tableName, objIdOfScopeParent);
+}
+
+ObjectId DataModel::CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
+                                    ObjectId objIdOfScopeParent, bool anonymous) {
+    return mStore->AddNamed(LookupKind::Enum, tableName,
+                            {.scope = objIdOfScopeParent,
+                             .type = objIdOfUnderlyingType,
+                             .kind = ObjectKind::Enum,
+                             .anonymous = anonymous});
+}
+
+bool DataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
+                                              const std::string& enumText) {
+    if (!mStore->IsOfKind(objIdOfEnumTable, ObjectKind::Enum)) {
+        return false;
+    }
+    mStore->AddEnumerator(objIdOfEnumTable, {.value = enumValue, .name = enumText});
+    return true;
+}
+
+ObjectId DataModel::GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) {
+    return mStore->FindNamed(LookupKind::Typedef, aliasName, objIdParentScope);
+}
+
+ObjectId DataModel::CreateTypedefEntryType(const std::string& aliasName,
+                                           ObjectId objIdReferencedType,
+                                           ObjectId objIdParentScope) {
+    return mStore->AddNamed(
+        LookupKind::Typedef, aliasName,
+        {.scope = objIdParentScope, .type = objIdReferencedType, .kind = ObjectKind::Typedef});
+}
+
+ObjectId DataModel::GetGlobalData(const std::string& symName, ObjectId objIdOfScopeParent) {
+    return mStore->FindNamed(LookupKind::GlobalInScope, symName, objIdOfScopeParent);
+}
+
+ObjectId DataModel::GetGlobalData(const std::string& symName) {
+    return mStore->FindNamed(LookupKind::GlobalByName, symName, 0);
+}
+
+ObjectId DataModel::GetGlobalDataByAddress(std::uint64_t address) {
+    return mStore->Index().Find({LookupKind::GlobalAtAddress, address, 0});
+}
+
+ObjectId DataModel::CreateGlobalData(const std::string& symName, ObjectId objIdOfSymType,
+                                     std::uint64_t address, ObjectId objIdOfScopeParent,
+                                     bool addressIsValid, std::int16_t /*addressExtension*/,
+                                     bool /*addressExtensionIsValid*/) {
+    const ObjectId id = mStore->AddGlobal(symName, {.scope = objIdOfScopeParent,
+                                                    .type = objIdOfSymType,
+                                                    .value = address,
+                                                    .kind = ObjectKind::Global});
+    return addressIsValid ? Filed(*mStore, {LookupKind::GlobalAtAddress, address, 0}, id) : id;
+}
+
+ObjectId DataModel::GetFunction(const std::string& name, ObjectId functionType,
+                                ObjectId objIdParentScope) {
+    const LookupIndex& index = mStore->Index();
+    return mStore->FindNamed(LookupKind::Function, name,
+                             Combined(index, {LookupKind::Pair, functionType, objIdParentScope}));
+}
+
+ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
+                                   ObjectId objIdParentScope, ObjectId objIdCompileUnit,
+                                   bool /*flag*/) {
+    const ObjectId id = mStore->AddUnfiled(name, {.scope = objIdParentScope,
+                                                  .type = objIdFunctionType,
+                                                  .value = objIdCompileUnit,
+                                                  .kind = ObjectKind::Function});
+    const std::uint32_t typeInScope =
+        Combined(mStore->Index(), {LookupKind::Pair, objIdFunctionType, objIdParentScope});
+    return Filed(*mStore, {LookupKind::Function, mStore->At(id).name, typeInScope}, id);
+}
+
+ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
+                                   bool /*hasParentScope*/) {
+    return CreateFunction(name, objIdFunctionType, sGlobalNamespace, 0, false);
+}
+
+ObjectId DataModel::GetFunctionType(ObjectId objIdOfReturnType,
+                                    const std::vector<ObjectId>& vecParameterTypes,
+                                    ObjectId objIdParentScope) {
+    const LookupIndex& index = mStore->Index();
+    return index.Find(
+        FunctionTypeKey(index, objIdOfReturnType, vecParameterTypes, objIdParentScope));
+}
+
+ObjectId DataModel::CreateFunctionType(ObjectId objIdOfReturnType,
+                                       const std::vector<ObjectId>& vecParameterTypes,
+                                       ObjectId objIdParentScope) {
+    const ObjectId id = mStore->Add({.scope = objIdParentScope,
+                                     .type = objIdOfReturnType,
+                                     .detail = mStore->KeepParameters(vecParameterTypes),
+                                     .kind = ObjectKind::FunctionType});
+    return Filed(
+        *mStore,
+        FunctionTypeKey(mStore->Index(), objIdOfReturnType, vecParameterTypes, objIdParentScope),
+        id);
+}
+
+ObjectId DataModel::GetOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
+                                            std::uint64_t bitSize, ObjectId objIdParentScope) {
+    const LookupIndex& index = mStore->Index();
+    return index.Find(OldBitFieldKey(index, objIdOfBaseType, bitOffset, bitSize, objIdParentScope));
+}
+
+ObjectId DataModel::CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
+                                               std::uint64_t bitSize, ObjectId objIdParentScope) {
+    const ObjectId id = mStore->Add({.scope = objIdParentScope,
+                                     .type = objIdOfBaseType,
+                                     .value = bitSize,
+                                     .detail = static_cast<std::uint32_t>(bitOffset),
+                                     .kind = ObjectKind::OldBitField});
+    return Filed(
+        *mStore,
+        OldBitFieldKey(mStore->Index(), objIdOfBaseType, bitOffset, bitSize, objIdParentScope), id);
+}
+
+ObjectId DataModel::GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
+    return mStore->Index().Find({LookupKind::Section, size, objIdParentScope});
+}
+
+ObjectId DataModel::CreateSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
+    return Filed(
+        *mStore, {LookupKind::Section, size, objIdParentScope},
+        mStore->Add({.scope = objIdParentScope, .value = size, .kind = ObjectKind::Section}));
+}
+
+ObjectId DataModel::GetSegment(const std::string& segmentName) {
+    return mStore->FindNamed(LookupKind::Segment, segmentName, 0);
+}
+
+ObjectId DataModel::CreateSegment(const std::string& segmentName, std::uint64_t address,
+                                  std::uint64_t size) {
+    return mStore->AddNamed(LookupKind::Segment, segmentName,
+                            {.type = size, .value = address, .kind = ObjectKind::Segment});
+}
+
+void DataModel::SetTransformed(bool /*transformedDataModel*/) {}
+
+} // namespace Tessel::Norn::Brindle::DataModel

@@ -1,0 +1,246 @@
+// The data model that comes with the library: takes a whole delivery, finds what the contract of
+// `HostDataModel` asks for by index, and answers the questions of a host afterwards.
+#pragma once
+
+#include "host/HostDataModel.h"
+#include "model/ModelObject.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+class ModelStore;
+
+/// Compact store of delivered objects.
+///
+/// Identifiers count up from 1 in the order of creation; 1 is the global namespace, which exists
+/// from the start. The operations of `HostDataModel` never fail for a known parent; an identifier
+/// that was never given out is kept as it was passed and answers every query with nothing. Several
+/// objects of one key may be created; the Get operations find the first. All queries may be asked
+/// at any time, also after a read that failed halfway.
+///
+/// Every query ends soon whatever was delivered: scopes and types are followed 1000 links far, and
+/// what lies beyond counts as missing. Texts are cut at 64 KiB, between characters, with "..."
+/// where something is left out.
+class DataModel final : public Factory::HostDataModel {
+public:
+    DataModel();
+    ~DataModel() override;
+    DataModel(const DataModel&) = delete;
+    DataModel& operator=(const DataModel&) = delete;
+    DataModel(DataModel&&) = delete;
+    DataModel& operator=(DataModel&&) = delete;
+
+    /// @name Queries
+    /// @{
+
+    /// Number of objects; their identifiers are 1 to this number.
+    [[nodiscard]] std::size_t ObjectCount() const;
+
+    /// The object of an identifier. An unknown identifier gives an object whose id is 0.
+    [[nodiscard]] ModelObject Object(ObjectId id) const;
+
+    /// Calls `visit` with each object that names `scope` as its scope, in the order of creation:
+    /// the contents of a namespace or compile unit, the members of a class or union. A scope has
+    /// to exist before what lies in it.
+    template <typename Visitor>
+    void ForEachIn(ObjectId scope, Visitor&& visit) const {
+        for (ObjectId id = FirstIn(scope); id != 0; id = NextIn(id)) {
+            visit(Object(id));
+        }
+    }
+
+    /// Calls `visit` with each object of a kind, in the order of creation.
+    template <typename Visitor>
+    void ForEach(ObjectKind kind, Visitor&& visit) const {
+        for (ObjectId id = 1; id <= ObjectCount(); ++id) {
+            if (KindOf(id) == kind) {
+                visit(Object(id));
+            }
+        }
+    }
+
+    /// Base classes of a class or structure, in the order in which they were added. The view ends
+    /// with the next call that adds one.
+    [[nodiscard]] std::span<const BaseClass> BaseClasses(ObjectId classType) const;
+
+    /// Descriptions of an enum table, in the order in which they were added. The view ends with the
+    /// next call that adds one.
+    [[nodiscard]] std::span<const Enumerator> Enumerators(ObjectId enumTable) const;
+
+    /// Element counts of an array, outermost first. The view ends with the next array created.
+    [[nodiscard]] std::span<const std::uint32_t> Dimensions(ObjectId arrayType) const;
+
+    /// Parameter types of a function type, in order. The view ends with the next function type
+    /// created.
+    [[nodiscard]] std::span<const ObjectId> Parameters(ObjectId functionType) const;
+
+    /// Size in bytes of a type or of the type of a datum: the declared size where the object has
+    /// one, else that of the type behind a typedef, an enum or a datum. 0 when nothing tells it.
+    [[nodiscard]] std::uint64_t SizeOf(ObjectId id) const;
+
+    /// The type behind all typedefs; the type itself if it is none, 0 if the chain ends in nothing
+    /// or in itself.
+    [[nodiscard]] ObjectId WithoutTypedefs(ObjectId type) const;
+
+    /// The name with the names of the enclosing namespaces, classes, functions and block scopes in
+    /// front, joined by "::". Compile units and the global namespace add nothing. Empty for an
+    /// object without a name.
+    [[nodiscard]] std::string QualifiedName(ObjectId id) const;
+
+    /// The type as a C declaration without a name, such as "uint16[4][2]", "Motor*",
+    /// "void (*)(int32)". A type of which only the size is known reads "unknown(4)". Empty for an
+    /// object that is no type; "?" stands for one that a type refers to and that does not exist.
+    [[nodiscard]] std::string TypeText(ObjectId type) const;
+
+    /// The nearest compile unit among the object and its scopes, or the one that a function there
+    /// names; 0 if there is none.
+    [[nodiscard]] ObjectId CompileUnitOf(ObjectId id) const;
+
+    /// The place that a path such as "motor.pid[2].gain" names.
+    struct Place {
+        /// The variable at the head of the path.
+        ObjectId global = 0;
+        /// Type at the place: that of the variable, the member or the array element. After fewer
+        /// indices than the array has dimensions it is the array type itself, without typedefs.
+        ObjectId type = 0;
+        std::uint64_t address = 0;
+        /// Size in bytes of what lies at the place; for an array with some of its indices given, of
+        /// the part that is left.
+        std::uint64_t size = 0;
+        /// Dimensions of the array `type` that have their index already; 0 for anything else.
+        std::size_t indexedDimensions = 0;
+        bool isBitField = false;
+        /// Position in the storage unit at `address` and width, in bits; for bit fields.
+        std::int32_t bitOffset = 0;
+        std::uint64_t bitSize = 0;
+    };
+
+    /// How far a path resolved.
+    struct PathResult {
+        /// True if the whole path resolved; `place` then tells where it leads.
+        bool found = false;
+        Place place;
+        /// Number of characters of the path that resolved.
+        std::size_t resolvedLength = 0;
+        /// Why the rest did not, for a person; empty if all did.
+        std::string problem;
+    };
+
+    /// The static answer to a path: a variable by its qualified name, which may begin with "::", or
+    /// else by its name alone, then members by ".name" and elements by "[index]", in decimal.
+    /// Members of base classes and of anonymous members are found like own ones; an own one hides
+    /// an inherited one. Pointers are not followed, since what they point to is not static. An
+    /// index beyond its dimension does not resolve. Of several variables of one name the first
+    /// delivered is meant. Names may hold points and brackets themselves: the longest name that
+    /// lets the whole path resolve is taken. A path has at most 64 KiB and 1000 steps.
+    [[nodiscard]] PathResult ResolvePath(std::string_view path) const;
+
+    /// @}
+
+    /// @name The contract of `HostDataModel`
+    /// @{
+
+    ObjectId GetGlobalNamespace() override;
+    ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;
+    ObjectId CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;
+    ObjectId GetBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) override;
+    ObjectId CreateBlockScope(const std::string& blockIdentifier,
+                              ObjectId objIdParentScope) override;
+    ObjectId GetCompileUnit(const std::string& compileUnitName) override;
+    ObjectId CreateCompileUnit(const std::string& compileUnitName) override;
+    ObjectId GetOrCreateCompileUnit(const std::string& compileUnitName) override;
+    ObjectId GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) override;
+    ObjectId CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
+                                 ObjectId objIdParentScope) override;
+    ObjectId GetUnknownEntryType(std::uint64_t sizeOfUnknownType,
+                                 ObjectId objIdParentScope) override;
+    ObjectId CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
+                                    ObjectId objIdParentScope) override;
+    ObjectId GetClassEntryType(const std::string& className, ObjectId objIdOfParentClass) override;
+    ObjectId CreateClassEntryType(const std::string& className, std::uint32_t classSize,
+                                  ObjectId objIdOfScopeParent,
+                                  const std::vector<ObjectId>& vecObjIdsOfInheritances,
+                                  bool anonymous, bool isStruct) override;
+    ObjectId GetUnionEntryType(const std::string& unionName, ObjectId objIdOfParentClass) override;
+    ObjectId CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
+                                  ObjectId objIdOfParentClass, bool anonymous) override;
+    bool AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
+                      std::uint32_t byteOffset) override;
+    ObjectId CreateMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
+                              ObjectId objIdOfParentClass, std::uint32_t byteOffset,
+                              std::int16_t addressExtension, bool addressExtensionIsValid) override;
+    ObjectId CreateUnionMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                   ObjectId objIdOfParentUnion, std::uint32_t byteOffset,
+                                   std::int16_t addressExtension,
+                                   bool addressExtensionIsValid) override;
+    ObjectId CreateMemberStaticData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                    ObjectId objIdOfParentClass, std::uint64_t address,
+                                    bool addressIsValid, std::int16_t addressExtension,
+                                    bool addressExtensionIsValid) override;
+    ObjectId CreateBitfieldInUdt(const std::string& memberName, ObjectId objIdOfBitfieldType,
+                                 ObjectId ObjectIdOfParentUdt, std::uint32_t byteOffset,
+                                 std::uint32_t bitOffset, std::uint32_t bitSize,
+                                 std::int16_t addressExtension,
+                                 bool addressExtensionIsValid) override;
+    ObjectId CreateArrayEntryType(const std::vector<std::uint32_t>& dimensions,
+                                  ObjectId objIdOfArrayElementsType, std::uint64_t arraySize,
+                                  ObjectId objIdParentScope) override;
+    ObjectId CreatePointerEntryType(ObjectId objIdOfReferencedType, std::uint64_t ptrSize,
+                                    ObjectId objIdParentScope) override;
+    ObjectId GetEnumTable(const std::string& tableName, ObjectId objIdOfScopeParent) override;
+    ObjectId CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
+                             ObjectId objIdOfScopeParent, bool anonymous) override;
+    bool AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
+                                       const std::string& enumText) override;
+    ObjectId GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) override;
+    ObjectId CreateTypedefEntryType(const std::string& aliasName, ObjectId objIdReferencedType,
+                                    ObjectId objIdParentScope) override;
+    ObjectId GetGlobalData(const std::string& symName, ObjectId objIdOfScopeParent) override;
+    ObjectId GetGlobalData(const std::string& symName) override;
+    ObjectId GetGlobalDataByAddress(std::uint64_t address) override;
+    ObjectId CreateGlobalData(const std::string& symName, ObjectId objIdOfSymType,
+                              std::uint64_t address, ObjectId objIdOfScopeParent,
+                              bool addressIsValid, std::int16_t addressExtension,
+                              bool addressExtensionIsValid) override;
+    ObjectId GetFunction(const std::string& name, ObjectId functionType,
+                         ObjectId objIdParentScope) override;
+    ObjectId CreateFunction(const std::string& name, ObjectId objIdFunctionType,
+                            ObjectId objIdParentScope, ObjectId objIdCompileUnit,
+                            bool flag) override;
+    ObjectId CreateFunction(const std::string& name, ObjectId objIdFunctionType,
+                            bool hasParentScope) override;
+    ObjectId GetFunctionType(ObjectId objIdOfReturnType,
+                             const std::vector<ObjectId>& vecParameterTypes,
+                             ObjectId objIdParentScope) override;
+    ObjectId CreateFunctionType(ObjectId objIdOfReturnType,
+                                const std::vector<ObjectId>& vecParameterTypes,
+                                ObjectId objIdParentScope) override;
+    ObjectId GetOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
+                                     std::uint64_t bitSize, ObjectId objIdParentScope) override;
+    ObjectId CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
+                                        std::uint64_t bitSize, ObjectId objIdParentScope) override;
+    ObjectId GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) override;
+    ObjectId CreateSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) override;
+    ObjectId GetSegment(const std::string& segmentName) override;
+    ObjectId CreateSegment(const std::string& segmentName, std::uint64_t address,
+                           std::uint64_t size) override;
+    void SetTransformed(bool transformedDataModel) override;
+
+    /// @}
+
+private:
+    [[nodiscard]] ObjectKind KindOf(ObjectId id) const;
+    [[nodiscard]] ObjectId FirstIn(ObjectId scope) const;
+    [[nodiscard]] ObjectId NextIn(ObjectId id) const;
+
+    std::unique_ptr<ModelStore> mStore;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel

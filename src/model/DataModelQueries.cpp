@@ -1,0 +1,174 @@
+// The questions that `DataModel` answers from single records and from the chains of their types and
+// scopes. Type texts and paths have their own sources.
+#include "model/DataModel.h"
+#include "model/ModelStore.h"
+#include "model/ScopeNames.h"
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+namespace {
+
+constexpr bool HasDeclaredSize(ObjectKind kind) {
+    switch (kind) {
+    case ObjectKind::Base:
+    case ObjectKind::Unknown:
+    case ObjectKind::Class:
+    case ObjectKind::Struct:
+    case ObjectKind::Union:
+    case ObjectKind::Array:
+    case ObjectKind::Pointer:
+    case ObjectKind::Section:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Kinds whose size is that of their type.
+constexpr bool HasSizeOfType(ObjectKind kind) {
+    switch (kind) {
+    case ObjectKind::Typedef:
+    case ObjectKind::Enum:
+    case ObjectKind::OldBitField:
+    case ObjectKind::Global:
+    case ObjectKind::Member:
+    case ObjectKind::UnionMember:
+    case ObjectKind::BitField:
+    case ObjectKind::StaticMember:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Tells the fields of a record apart that share a place.
+void SetKindFields(ModelObject& object, const Record& record) {
+    switch (record.kind) {
+    case ObjectKind::Global:
+    case ObjectKind::StaticMember:
+        object.address = record.value;
+        break;
+    case ObjectKind::Segment:
+        object.address = record.value;
+        object.size = record.type;
+        object.type = 0;
+        break;
+    case ObjectKind::Member:
+    case ObjectKind::UnionMember:
+        object.offset = record.detail;
+        break;
+    case ObjectKind::BitField:
+        object.offset = record.detail;
+        object.bitOffset = static_cast<std::int32_t>(record.value >> 32U);
+        object.bitSize = static_cast<std::uint32_t>(record.value);
+        break;
+    case ObjectKind::OldBitField:
+        object.bitOffset = static_cast<std::int32_t>(record.detail);
+        object.bitSize = record.value;
+        break;
+    case ObjectKind::Function:
+        object.compileUnit = record.value;
+        break;
+    case ObjectKind::Base:
+        object.basicType = static_cast<BasicTypes>(record.detail);
+        object.size = record.value;
+        break;
+    default:
+        object.size = HasDeclaredSize(record.kind) ? record.value : 0;
+        break;
+    }
+}
+
+} // namespace
+
+std::size_t DataModel::ObjectCount() const {
+    return mStore->Count();
+}
+
+ModelObject DataModel::Object(ObjectId id) const {
+    ModelObject object;
+    if (mStore->Has(id)) {
+        const Record& record = mStore->At(id);
+        object.id = id;
+        object.kind = record.kind;
+        object.scope = record.scope;
+        object.name = mStore->NameOf(id);
+        object.type = record.type;
+        object.anonymous = record.anonymous;
+        SetKindFields(object, record);
+    }
+    return object;
+}
+
+std::span<const BaseClass> DataModel::BaseClasses(ObjectId classType) const {
+    return mStore->BaseClasses(classType);
+}
+
+std::span<const Enumerator> DataModel::Enumerators(ObjectId enumTable) const {
+    return mStore->Enumerators(enumTable);
+}
+
+std::span<const std::uint32_t> DataModel::Dimensions(ObjectId arrayType) const {
+    return mStore->Dimensions(arrayType);
+}
+
+std::span<const ObjectId> DataModel::Parameters(ObjectId functionType) const {
+    return mStore->Parameters(functionType);
+}
+
+std::uint64_t DataModel::SizeOf(ObjectId id) const {
+    for (std::size_t length = 0; length < kLongestChain && mStore->Has(id); ++length) {
+        const Record& record = mStore->At(id);
+        if (HasDeclaredSize(record.kind)) {
+            return record.value;
+        }
+        if (!HasSizeOfType(record.kind)) {
+            return record.kind == ObjectKind::Segment ? record.type : 0;
+        }
+        id = record.type;
+    }
+    return 0;
+}
+
+ObjectId DataModel::WithoutTypedefs(ObjectId type) const {
+    for (std::size_t length = 0; length < kLongestChain && mStore->Has(type); ++length) {
+        if (mStore->At(type).kind != ObjectKind::Typedef) {
+            return type;
+        }
+        type = mStore->At(type).type;
+    }
+    return 0;
+}
+
+std::string DataModel::QualifiedName(ObjectId id) const {
+    return ScopedName(*mStore, id);
+}
+
+ObjectId DataModel::CompileUnitOf(ObjectId id) const {
+    for (std::size_t length = 0; length < kLongestChain && mStore->Has(id); ++length) {
+        const Record& record = mStore->At(id);
+        if (record.kind == ObjectKind::CompileUnit) {
+            return id;
+        }
+        if (record.kind == ObjectKind::Function &&
+            mStore->IsOfKind(record.value, ObjectKind::CompileUnit)) {
+            return record.value;
+        }
+        id = record.scope;
+    }
+    return 0;
+}
+
+ObjectKind DataModel::KindOf(ObjectId id) const {
+    return mStore->At(id).kind;
+}
+
+ObjectId DataModel::FirstIn(ObjectId scope) const {
+    return mStore->At(scope).firstChild;
+}
+
+ObjectId DataModel::NextIn(ObjectId id) const {
+    return mStore->At(id).nextSibling;
+}
+
+} // namespace Tessel::Norn::Brindle::DataModel

@@ -1,0 +1,26 @@
+// Hash functions of the data model's tables. Keys come from the file that is read, so that every
+// hash depends on a number drawn once per process: no file can be made whose keys collide. Nothing
+// that a host sees depends on a hash.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// Spreads each bit over all 64: the finishing step of the splitmix64 generator.
+constexpr std::uint64_t Mix(std::uint64_t value) {
+    value ^= value >> 30U;
+    value *= 0xBF58476D1CE4E5B9U;
+    value ^= value >> 27U;
+    value *= 0x94D049BB133111EBU;
+    return value ^ (value >> 31U);
+}
+
+/// The number on which the hashes of this process depend.
+std::uint64_t ProcessSeed();
+
+/// Hash of a text, any bytes.
+std::uint64_t HashOfText(std::string_view text, std::uint64_t seed);
+
+} // namespace Tessel::Norn::Brindle::DataModel

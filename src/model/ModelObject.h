@@ -1,0 +1,82 @@
+// One object of the default data model as its queries give it out. Plain data; who fills it is
+// `DataModel`.
+#pragma once
+
+#include "host/BasicTypes.h"
+#include "host/HostDataModel.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+using Factory::ObjectId;
+
+/// What an object is. The last four are made by spare operations alone.
+enum class ObjectKind : std::uint8_t {
+    Namespace,
+    Block,
+    CompileUnit,
+    Base,
+    Unknown,
+    Class,
+    Struct,
+    Union,
+    Member,
+    UnionMember,
+    BitField,
+    Array,
+    Pointer,
+    Enum,
+    Typedef,
+    FunctionType,
+    Function,
+    Global,
+    StaticMember,
+    OldBitField,
+    Section,
+    Segment,
+};
+
+/// A base class of a class or structure. `offset` in bytes from the start of the derived class.
+struct BaseClass {
+    ObjectId type = 0;
+    std::uint32_t offset = 0;
+};
+
+/// One value of an enum table. The text is owned by the model.
+struct Enumerator {
+    std::int32_t value = 0;
+    std::string_view name;
+};
+
+/// An object of the model. Which fields say something depends on `kind`; the others are 0. The name
+/// is owned by the model and stays valid as long as the model lives.
+struct ModelObject {
+    ObjectId id = 0;
+    ObjectKind kind = ObjectKind::Namespace;
+    /// Enclosing scope; 0 for the global namespace itself, for compile units and segments.
+    ObjectId scope = 0;
+    /// Empty for kinds without a name and for the global namespace.
+    std::string_view name;
+    /// Type of data, element type of an array, target of a pointer or typedef, underlying type of
+    /// an enum or old bit field, result of a function type (0 if none), type of a function.
+    ObjectId type = 0;
+    /// Declared size in bytes of base, unknown, class, struct, union, array, pointer, section,
+    /// segment.
+    std::uint64_t size = 0;
+    /// Address of global, static member and segment.
+    std::uint64_t address = 0;
+    /// Offset in bytes of member, union member and bit field in their class or union.
+    std::uint32_t offset = 0;
+    /// Position and width in bits of bit field and old bit field.
+    std::int32_t bitOffset = 0;
+    std::uint64_t bitSize = 0;
+    BasicTypes basicType = BasicTypes::NoType;
+    /// The name of a class, structure, union or enum was made by the reader.
+    bool anonymous = false;
+    /// Compile unit of a function, 0 if none.
+    ObjectId compileUnit = 0;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel

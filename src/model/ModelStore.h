@@ -1,0 +1,113 @@
+// The memory of the default data model: one record for each object, chained into its scope, with
+// names, lists and the lookup index aside. `DataModel` fills it; it knows no operation of the host
+// contract.
+#pragma once
+
+#include "model/LookupIndex.h"
+#include "model/ModelObject.h"
+#include "model/NamePool.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// Scopes, types and base classes are followed no further than this; what lies beyond counts as
+/// missing. It ends every walk along a chain that leads back into itself.
+inline constexpr std::size_t kLongestChain = 1000;
+
+/// Texts made of names end about here, in bytes, with an ellipsis.
+inline constexpr std::size_t kLongestText = 64 * 1024;
+
+/// One object as it is stored. There may be millions, so that fields share places by kind.
+struct Record {
+    /// As passed, also if it names no object.
+    ObjectId scope = 0;
+    /// As `ModelObject::type`; size of a segment.
+    std::uint64_t type = 0;
+    /// Declared size; address of global, static member and segment; compile unit of a function;
+    /// width of an old bit field, and of a bit field with its position in the upper half.
+    std::uint64_t value = 0;
+    NameId name = 0;
+    /// What lies in this object as a scope, and what follows it in its own; 0 is none.
+    std::uint32_t firstChild = 0;
+    std::uint32_t lastChild = 0;
+    std::uint32_t nextSibling = 0;
+    /// Offset of a member, position of an old bit field, basic type, list of an array, function
+    /// type, class or enum; of a global the next one of its name.
+    std::uint32_t detail = 0;
+    ObjectKind kind = ObjectKind::Namespace;
+    bool anonymous = false;
+};
+static_assert(sizeof(Record) == 48);
+
+/// Records by identifier, which counts from 1, and all that belongs to them. Views into lists end
+/// with the next addition to a list of that sort.
+class ModelStore {
+public:
+    ModelStore();
+
+    /// Stores an object and chains it into its scope if that exists.
+    /// @throws std::length_error beyond 2^32 - 1 objects
+    ObjectId Add(const Record& record);
+
+    /// Stores an object with a name that no lookup asks for.
+    ObjectId AddUnfiled(std::string_view name, Record record);
+
+    /// Stores an object under its name, to be found by `FindNamed`.
+    ObjectId AddNamed(LookupKind kind, std::string_view name, Record record);
+    /// The first object that `AddNamed` stored under these; 0 if there is none.
+    [[nodiscard]] ObjectId FindNamed(LookupKind kind, std::string_view name, ObjectId scope) const;
+
+    /// Stores a global, which `FindNamed` finds by name and scope, and by name alone.
+    ObjectId AddGlobal(std::string_view name, Record record);
+
+    [[nodiscard]] std::size_t Count() const { return mRecords.size() - 1; }
+    [[nodiscard]] bool Has(ObjectId id) const { return id != 0 && id < mRecords.size(); }
+    /// The record of an identifier. One that was never given out has a record of zeros.
+    [[nodiscard]] const Record& At(ObjectId id) const {
+        return mRecords[id < mRecords.size() ? id : 0];
+    }
+    [[nodiscard]] std::string_view NameOf(ObjectId id) const { return mNames.Text(At(id).name); }
+    [[nodiscard]] bool IsOfKind(ObjectId id, ObjectKind kind) const {
+        return Has(id) && At(id).kind == kind;
+    }
+
+    /// @name Lists. Where an object has none, the list is empty.
+    /// @{
+    std::uint32_t KeepDimensions(std::span<const std::uint32_t> dimensions);
+    std::uint32_t KeepParameters(std::span<const ObjectId> parameters);
+    void AddBaseClass(ObjectId classType, BaseClass base);
+    /// Keeps a copy of the description's text.
+    void AddEnumerator(ObjectId enumTable, Enumerator description);
+    [[nodiscard]] std::span<const std::uint32_t> Dimensions(ObjectId arrayType) const;
+    [[nodiscard]] std::span<const ObjectId> Parameters(ObjectId functionType) const;
+    [[nodiscard]] std::span<const BaseClass> BaseClasses(ObjectId classType) const;
+    [[nodiscard]] std::span<const Enumerator> Enumerators(ObjectId enumTable) const;
+    /// @}
+
+    LookupIndex& Index() { return mIndex; }
+    [[nodiscard]] const LookupIndex& Index() const { return mIndex; }
+
+private:
+    std::vector<Record> mRecords;
+    NamePool mNames;
+    LookupIndex mIndex;
+    /// Lists of fixed length one behind the other, each after its length. The first is empty.
+    std::vector<std::uint32_t> mDimensions;
+    std::vector<ObjectId> mParameters;
+    /// Growing lists. The first is empty.
+    std::vector<std::vector<BaseClass>> mBaseClasses;
+    std::vector<std::vector<Enumerator>> mEnumerators;
+};
+
+/// True for a class or a structure.
+constexpr bool IsClass(ObjectKind kind) {
+    return kind == ObjectKind::Class || kind == ObjectKind::Struct;
+}
+
+} // namespace Tessel::Norn::Brindle::DataModel

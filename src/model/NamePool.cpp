@@ -1,0 +1,75 @@
+#include "model/NamePool.h"
+
+#include "model/KeyMixing.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+namespace {
+
+constexpr std::size_t sChunkSize = 256 * 1024;
+constexpr std::size_t sLargestNumber = std::numeric_limits<std::uint32_t>::max();
+
+constexpr std::uint32_t UpperHalf(std::uint64_t hash) {
+    return static_cast<std::uint32_t>(hash >> 32U);
+}
+
+} // namespace
+
+NamePool::NamePool()
+    : mSeed(ProcessSeed())
+    , mNames(1) {}
+
+NameId NamePool::Intern(std::string_view name) {
+    if (name.empty()) {
+        return 0;
+    }
+    const std::uint64_t hash = HashOfText(name, mSeed);
+    if (const NameId known = Find(name, hash); known != 0) {
+        return known;
+    }
+    if (name.size() > sLargestNumber || mNames.size() > sLargestNumber) {
+        throw std::length_error("name pool is full");
+    }
+    const auto added = static_cast<NameId>(mNames.size());
+    mNames.push_back({Keep(name), static_cast<std::uint32_t>(name.size()), UpperHalf(hash)});
+    mSlots.Add(hash, added);
+    mLongestName = std::max(mLongestName, name.size());
+    return added;
+}
+
+std::optional<NameId> NamePool::Find(std::string_view name) const {
+    if (name.empty()) {
+        return 0;
+    }
+    if (name.size() > mLongestName) {
+        return std::nullopt;
+    }
+    const NameId found = Find(name, HashOfText(name, mSeed));
+    return found != 0 ? std::optional(found) : std::nullopt;
+}
+
+NameId NamePool::Find(std::string_view name, std::uint64_t hash) const {
+    return mSlots.Find(hash, [&](NameId candidate) {
+        return mNames[candidate].hash == UpperHalf(hash) && Text(candidate) == name;
+    });
+}
+
+const char* NamePool::Keep(std::string_view bytes) {
+    if (bytes.size() > mFreeSize) {
+        mFreeSize = std::max(bytes.size(), sChunkSize);
+        mChunks.push_back(std::make_unique_for_overwrite<char[]>(mFreeSize));
+        mFree = mChunks.back().get();
+    }
+    char* kept = mFree;
+    std::memcpy(kept, bytes.data(), bytes.size());
+    mFree += bytes.size();
+    mFreeSize -= bytes.size();
+    return kept;
+}
+
+} // namespace Tessel::Norn::Brindle::DataModel
