@@ -1,0 +1,38 @@
+// How the program writes JSON: RapidJSON's streaming writer on the result output, with the few
+// forms that several commands share. Texts given here are valid UTF-8.
+#pragma once
+
+#include "ResultOutput.h"
+
+#include <cstdint>
+#include <rapidjson/writer.h>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Program {
+
+using JsonWriter = rapidjson::Writer<ResultOutput>;
+
+inline void WriteText(JsonWriter& json, std::string_view text) {
+    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+}
+
+inline void WriteKey(JsonWriter& json, std::string_view key) {
+    json.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
+}
+
+inline void WriteField(JsonWriter& json, std::string_view key, std::string_view text) {
+    WriteKey(json, key);
+    WriteText(json, text);
+}
+
+inline void WriteField(JsonWriter& json, std::string_view key, std::uint64_t number) {
+    WriteKey(json, key);
+    json.Uint64(number);
+}
+
+inline void WriteField(JsonWriter& json, std::string_view key, bool flag) {
+    WriteKey(json, key);
+    json.Bool(flag);
+}
+
+} // namespace Tessel::Norn::Brindle::Program

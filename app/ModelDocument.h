@@ -1,0 +1,21 @@
+// A data model as a JSON document: the objects in the order of their creation, each on a line of
+// its own. The command `dump` writes it.
+#pragma once
+
+#include <string>
+
+namespace Tessel::Norn::Brindle::DataModel {
+class DataModel;
+}
+
+namespace Tessel::Norn::Brindle::Program {
+
+class ResultOutput;
+struct ReadResult;
+
+/// Writes `{"file","container","ok","error","objects"}` and a line end.
+/// @param file the path that was read
+void WriteModelDocument(const std::string& file, const ReadResult& result,
+                        const DataModel::DataModel& model, ResultOutput& output);
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,38 @@
+// The arguments that all commands that read files have in common. The commands add them to their
+// parsers; a read session acts on them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace Tessel::Norn::Brindle::Program {
+
+struct ReadArguments {
+    /// "auto", "elf", "coff" or "pe".
+    std::string container = "auto";
+    bool allTypes = false;
+    /// Telephone country code of the language of messages; without one it stays the reader's.
+    std::optional<std::int32_t> language;
+    bool noProgress = false;
+};
+
+/// Adds `--container`, `--all-types`, `--language`, `--set` and `--no-progress`. The options of the
+/// reader that `--set` names are set while the arguments are parsed.
+/// @param arguments receives the values; must outlive the parsing
+void AddReadArguments(CLI::App& command, ReadArguments& arguments);
+
+/// Adds `--set` alone.
+void AddReaderOptionArgument(CLI::App& command);
+
+/// Adds `FILE`.
+void AddFileArgument(CLI::App& command, std::string& file);
+
+/// Adds `--format`, whose value `TableFormatOf` understands.
+void AddFormatArgument(CLI::App& command, std::string& format);
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,69 @@
+// Runs reads as the user asked for them: chooses the container, draws the progress and collects
+// what the reader says. The commands that read use it; it prints no results.
+#pragma once
+
+#include "ExitStatus.h"
+#include "ProgressBar.h"
+
+#include "host/DWARFContainerType.h"
+#include "host/HostDataModel.h"
+#include "host/VDWARFReader.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+struct ReadArguments;
+
+/// A callback of the reader as a value.
+struct ReaderCallback {
+    /// The callback's name without the ending `Callback`.
+    std::string_view name;
+    std::vector<std::variant<std::int64_t, std::string>> arguments;
+};
+
+struct ReadResult {
+    bool isOk = false;
+    /// The container that the file was read as.
+    Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
+    /// What the host was told of a failure, which may be nothing; empty after success.
+    std::string error;
+};
+
+/// One reader for any number of reads, one after the other.
+class ReadSession {
+public:
+    using CallbackSink = std::function<void(const ReaderCallback&)>;
+
+    /// @param sink receives each callback of the reader; may be empty
+    explicit ReadSession(const ReadArguments& arguments, CallbackSink sink = {});
+
+    /// Reads a file into a model. What was delivered before a failure stays in the model. An
+    /// exception of the read counts as a failure, except that an `OutputError` passes through.
+    ReadResult Read(const std::string& file, DataModel::Factory::HostDataModel& model);
+
+private:
+    void ConnectCallbacks();
+    void Signal(ReaderCallback callback) const;
+    bool RunReader(const std::string& file, Reader::DWARF::DWARFContainerType container);
+
+    std::string mContainer;
+    bool mIsProgressDrawn;
+    CallbackSink mSink;
+    Reader::DWARF::VDWARFReader mReader;
+    /// There is one while a read runs whose progress is drawn.
+    std::optional<ProgressBar> mProgressBar;
+    std::string mError;
+};
+
+/// Tells a failure on standard error.
+/// @return the exit status that the result asks for
+ExitStatus ReportResult(const std::string& file, const ReadResult& result);
+
+} // namespace Tessel::Norn::Brindle::Program

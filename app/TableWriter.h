@@ -1,0 +1,60 @@
+// Rows of results in the format that the user asks for. The tabular commands write all their
+// results through it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <variant>
+
+namespace Tessel::Norn::Brindle::Program {
+
+class ResultOutput;
+
+enum class TableFormat {
+    /// Aligned columns for a person; nothing at all without rows.
+    Table,
+    /// Comma-separated values: a line of column names, then a line for each row, each field quoted.
+    Csv,
+    /// An array of objects whose keys are the column names.
+    Json,
+};
+
+/// The format of a name: "table", "csv" or "json".
+TableFormat TableFormatOf(std::string_view name);
+
+struct Column {
+    std::string_view name;
+    /// Aligned to the right in a table.
+    bool isNumber = false;
+};
+
+/// An address: hexadecimal with at least 8 digits, in JSON a number.
+struct Address {
+    std::uint64_t value = 0;
+};
+
+/// Nothing (null in JSON), an address, a decimal number or a text in UTF-8.
+using Cell = std::variant<std::monostate, Address, std::uint64_t, std::string_view>;
+
+/// Writes a table row by row. `Finish` is called once, after the last row.
+class TableWriter {
+public:
+    TableWriter() = default;
+    TableWriter(const TableWriter&) = delete;
+    TableWriter& operator=(const TableWriter&) = delete;
+    TableWriter(TableWriter&&) = delete;
+    TableWriter& operator=(TableWriter&&) = delete;
+    virtual ~TableWriter() = default;
+
+    /// @param cells one for each column
+    virtual void AddRow(std::span<const Cell> cells) = 0;
+    virtual void Finish() = 0;
+};
+
+/// @param columns, output borrowed for the life of the writer
+std::unique_ptr<TableWriter> MakeTableWriter(TableFormat format, std::span<const Column> columns,
+                                             ResultOutput& output);
+
+} // namespace Tessel::Norn::Brindle::Program

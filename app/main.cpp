@@ -1,0 +1,45 @@
+// The entry of the program: runs the command that the arguments name, and turns what can't be
+// handled elsewhere into a message and an exit status.
+#include "CommandLine.h"
+#include "Commands.h"
+#include "ExitStatus.h"
+#include "ResultOutput.h"
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+namespace Program = Tessel::Norn::Brindle::Program;
+using Program::ExitStatus;
+
+ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
+    Program::ResultOutput output(*std::cout.rdbuf());
+    Program::CommandLine commandLine;
+    AddVarsCommand(commandLine);
+    AddDumpCommand(commandLine);
+    AddTraceCommand(commandLine);
+    AddDemangleCommand(commandLine);
+    const ExitStatus status = commandLine.Run(argumentCount, arguments, output);
+    output.Sync();
+    return status;
+}
+
+ExitStatus RunProgram(int argumentCount, const char* const* arguments) {
+    try {
+        return RunCommand(argumentCount, arguments);
+    } catch (const Program::OutputError& error) {
+        if (!error.IsReaderGone()) {
+            std::cerr << "brindle: " << error.what() << '\n';
+        }
+    } catch (const std::exception& error) {
+        std::cerr << "brindle: " << error.what() << '\n';
+    }
+    return ExitStatus::Failed;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    return static_cast<int>(RunProgram(argumentCount, arguments));
+}
