@@ -1,0 +1,470 @@
+// The map from text to pointer, the growable array and the range map: single cases that a fault
+// would break, and long runs of random operations against containers of the standard library.
+#include "container/VArrayAsTessel.h"
+#include "container/VMapStringToPtr.h"
+#include "container/VValueRangeMap.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+#include <map>
+#include <new>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+namespace {
+
+constexpr std::int32_t kMaximum = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMinimum = std::numeric_limits<std::int32_t>::min();
+
+using Random = std::mt19937;
+
+template <typename Number>
+Number Pick(Random& random, Number low, Number high) {
+    return std::uniform_int_distribution<Number>(low, high)(random);
+}
+
+// All entries of a map; an entry met twice or an enumeration that doesn't end fails the test.
+std::map<std::string, void*> Enumerate(const VMapStringToPtr& map) {
+    std::map<std::string, void*> entries;
+    VMapStringToPtr::Position position = map.GetStartPosition();
+    for (std::int32_t step = 0; step < map.GetCount() && position != 0; ++step) {
+        const char* key = nullptr;
+        void* value = nullptr;
+        map.GetNextAssoc(position, key, value);
+        EXPECT_TRUE(entries.emplace(key, value).second) << key;
+    }
+    EXPECT_EQ(position, 0);
+    return entries;
+}
+
+TEST(VMapStringToPtr, HashesSignedCharactersIn32Bits) {
+    const std::vector<std::pair<const char*, std::uint32_t>> cases{
+        {"", 0},
+        {"a", 97},
+        {"main", 4026341},
+        {"\xE9", 0xFFFFFFE9},
+        {"\x80z", 0xFFFFEFFA},
+        {"\x01\xFF", 32},
+        {"_ZN6engine5startEv", 1234175537},
+    };
+    for (const auto& [key, hash] : cases) {
+        EXPECT_EQ(VMapStringToPtr::HashKey(key), hash) << key;
+    }
+}
+
+TEST(VMapStringToPtr, FilesEachKeyOnceUnderItsExactBytes) {
+    VMapStringToPtr map(10);
+    std::array<int, 6> targets{};
+    // "Ab" and "BA" have one hash; the texts behind them differ in case or in their last byte
+    // alone.
+    const std::array<const char*, 6> keys{"", "Ab", "BA", "ab", "Abc", "\xE4"};
+    ASSERT_EQ(VMapStringToPtr::HashKey(keys[1]), VMapStringToPtr::HashKey(keys[2]));
+
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        std::string key = keys[index];
+        void*& value = map[key.c_str()];
+        EXPECT_EQ(value, nullptr);
+        value = &targets[index];
+        EXPECT_EQ(&map[keys[index]], &value);
+        key.assign(key.size(), '#');
+    }
+
+    EXPECT_EQ(map.GetCount(), 6);
+    EXPECT_EQ(map.GetHashTableSize(), 17U);
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        void* value = nullptr;
+        EXPECT_TRUE(map.Lookup(keys[index], value));
+        EXPECT_EQ(value, &targets[index]);
+    }
+    void* value = targets.data();
+    EXPECT_FALSE(map.Lookup("A", value));
+    EXPECT_EQ(value, targets.data());
+    EXPECT_EQ(map.GetCount(), 6);
+}
+
+TEST(VMapStringToPtr, KeepsReferencesAndShortChainsWhileItGrows) {
+    VMapStringToPtr map(10);
+    std::vector<void**> values;
+    for (int number = 0; number < 20000; ++number) {
+        values.push_back(&map[std::to_string(number).c_str()]);
+        ASSERT_GE(map.GetHashTableSize(), static_cast<std::uint32_t>(map.GetCount()));
+        if (number == 16) {
+            EXPECT_EQ(map.GetHashTableSize(), 17U);
+        }
+    }
+    for (int number = 0; number < 20000; ++number) {
+        ASSERT_EQ(&map[std::to_string(number).c_str()], values[static_cast<std::size_t>(number)]);
+    }
+    const std::uint32_t grownSize = map.GetHashTableSize();
+    map.RemoveAll();
+    EXPECT_EQ(map.GetHashTableSize(), grownSize);
+    EXPECT_EQ(map.GetStartPosition(), 0);
+}
+
+TEST(VMapStringToPtr, EndsAnEnumerationWithNull) {
+    VMapStringToPtr map(1);
+    EXPECT_EQ(map.GetStartPosition(), 0);
+    map["only"] = &map;
+    VMapStringToPtr::Position position = map.GetStartPosition();
+    EXPECT_EQ(position, -1);
+    const char* key = nullptr;
+    void* value = nullptr;
+    map.GetNextAssoc(position, key, value);
+    EXPECT_STREQ(key, "only");
+    EXPECT_EQ(value, &map);
+    EXPECT_EQ(position, 0);
+    map.GetNextAssoc(position, key, value);
+    EXPECT_EQ(key, nullptr);
+    EXPECT_EQ(value, nullptr);
+    EXPECT_EQ(position, 0);
+}
+
+TEST(VMapStringToPtr, BorrowsKeysOnRequest) {
+    const std::string key = "a text that the caller owns";
+    VMapStringToPtr map(10, true);
+    map[key.c_str()] = nullptr;
+    VMapStringToPtr::Position position = map.GetStartPosition();
+    const char* storedKey = nullptr;
+    void* value = nullptr;
+    map.GetNextAssoc(position, storedKey, value);
+    EXPECT_EQ(static_cast<const void*>(storedKey), key.c_str());
+}
+
+TEST(VMapStringToPtr, TakesAnyTableAndBlockSize) {
+    for (const std::uint32_t tableSize : {0U, 1U, 2U, 1000U}) {
+        for (const std::int32_t blockSize : {kMinimum, 0, 1, 3}) {
+            VMapStringToPtr map(blockSize);
+            map.InitHashTable(tableSize, tableSize != 2);
+            for (int number = 0; number < 100; ++number) {
+                map[std::to_string(number).c_str()] = &map;
+            }
+            EXPECT_EQ(Enumerate(map).size(), 100U);
+        }
+    }
+}
+
+TEST(VMapStringToPtr, SurvivesATableThatLeavesEntriesBehind) {
+    VMapStringToPtr map(4);
+    void*& left = map["left behind"];
+    for (const bool allocate : {true, false}) {
+        map.InitHashTable(5, allocate);
+        VMapStringToPtr::Position position = map.GetStartPosition();
+        const char* key = "";
+        void* value = &map;
+        map.GetNextAssoc(position, key, value);
+        EXPECT_EQ(key, nullptr);
+        EXPECT_EQ(position, 0);
+        EXPECT_FALSE(map.Lookup("left behind", value));
+    }
+    EXPECT_NE(&map["left behind"], &left);
+    // The leak checker tells whether the first entry's key is freed with the rest.
+}
+
+TEST(VMapStringToPtr, AgreesWithAnOrderedMap) {
+    Random random(20240611);
+    for (const std::int32_t blockSize : {1, 7, 10}) {
+        VMapStringToPtr map(blockSize);
+        std::map<std::string, void*> model;
+        std::array<char, 64> targets{};
+        for (int step = 0; step < 20000; ++step) {
+            std::string key(Pick<std::size_t>(random, 0, 5), '\0');
+            for (char& character : key) {
+                character = "aAbB!\x80\xFF\x7F"[Pick<std::size_t>(random, 0, 7)];
+            }
+            if (Pick(random, 0, 1) == 0) {
+                void* target = &targets[Pick<std::size_t>(random, 0, 63)];
+                map[key.c_str()] = target;
+                model[key] = target;
+            } else {
+                void* value = nullptr;
+                const auto expected = model.find(key);
+                ASSERT_EQ(map.Lookup(key.c_str(), value), expected != model.end());
+                ASSERT_EQ(value, expected != model.end() ? expected->second : nullptr);
+            }
+            ASSERT_EQ(static_cast<std::size_t>(map.GetCount()), model.size());
+            if (step % 2500 == 0) {
+                ASSERT_EQ(Enumerate(map), model);
+            }
+            if (step == 12000) {
+                map.RemoveAll();
+                model.clear();
+            }
+        }
+        EXPECT_EQ(Enumerate(map), model);
+    }
+}
+
+TEST(VArrayAsTessel, GrowsInStepsOfItsDelta) {
+    struct Case {
+        std::int32_t lower, delta, newUpper, elementCount, upper;
+    };
+    const std::vector<Case> cases{
+        {0, 20, 21, 40, 39},
+        {0, 20, 18, 20, 19},
+        {0, 20, 19, 40, 39},
+        {0, 20, 20, 40, 39},
+        {0, 1, 4, 6, 5},
+        {0, 0, 4, 6, 5},
+        {5, 8, 5, 8, 12},
+        {-5, 4, -2, 8, 2},
+        {0, 20, -1, 21, 20},
+        {5, 8, 4, 21, 25},
+        {0, 20, kMaximum, 0, 20},
+        {1, kMaximum, 1, 0, 21},
+        {kMinimum, 1, kMaximum, 0, kMinimum + 20},
+    };
+    for (const Case& test : cases) {
+        VArrayAsTessel<int> array(test.lower + 20, test.lower, test.delta);
+        EXPECT_EQ(array.Resize(test.newUpper), test.elementCount)
+            << test.lower << ' ' << test.newUpper;
+        EXPECT_EQ(array.GetUpperBound(), test.upper) << test.lower << ' ' << test.newUpper;
+    }
+}
+
+TEST(VArrayAsTessel, RefusesWhatMemoryCannotHold) {
+    EXPECT_THROW(VArrayAsTessel<int>(kMaximum, kMinimum, 1), std::bad_alloc);
+    EXPECT_THROW(VArrayAsTessel<int>(kMaximum, kMaximum, 1), std::bad_alloc);
+    for (const std::int32_t lower : {kMinimum, -3, 0, 3, kMaximum - 30}) {
+        VArrayAsTessel<int> array(lower + 2, lower, 10);
+        EXPECT_EQ(array.AddAt(7, lower), lower);
+        EXPECT_EQ(array.AddAt(8, kMaximum), -1);
+        EXPECT_THROW(array[kMaximum], std::bad_alloc);
+        if (lower != kMinimum) {
+            EXPECT_EQ(array.AddAt(9, lower - 1), -1);
+            EXPECT_THROW(array[lower - 1], std::out_of_range);
+        }
+        EXPECT_EQ(array.GetCount(), 1);
+        EXPECT_EQ(array.GetUpperBound(), lower + 2);
+        EXPECT_EQ(array[lower], 7);
+    }
+}
+
+TEST(VArrayAsTessel, RefusesToGrowAFullArrayPastTheLastIndex) {
+    VArrayAsTessel<int> array(kMaximum - 1, kMaximum - 2, 1);
+    array.AddAt(1, kMaximum - 2);
+    array.AddAt(2, kMaximum - 1);
+    EXPECT_EQ(array.AddAt(3, kMaximum - 2), -1);
+    EXPECT_EQ(array.GetCount(), 2);
+    const auto order = [](int key, int element) { return key - element; };
+    EXPECT_EQ(array.bsearch(9, order, kMinimum), kMaximum);
+}
+
+TEST(VArrayAsTessel, DropsElementsBeyondASmallerBoundForGood) {
+    VArrayAsTessel<int> array(9, 0, 4);
+    for (int index = 0; index < 10; ++index) {
+        array[index] = index + 1;
+    }
+    EXPECT_EQ(array.Resize(2), 4);
+    EXPECT_EQ(array.GetCount(), 4);
+    EXPECT_EQ(array[9], 0);
+    EXPECT_EQ(array[4], 0);
+    EXPECT_EQ(array[3], 4);
+}
+
+TEST(VArrayAsTessel, InsertsAndExtendsLikeAVector) {
+    Random random(77);
+    for (const std::int32_t lower : {-6, 0, 4}) {
+        VArrayAsTessel<int> array(lower + 3, lower, 5);
+        std::vector<int> model;
+        for (int step = 1; step < 3000; ++step) {
+            const auto used = static_cast<std::int32_t>(model.size());
+            const std::int32_t offset = Pick(random, 0, used + (step % 50 == 0 ? 30 : 0));
+            const auto place = static_cast<std::size_t>(offset);
+            if (offset > used) {
+                model.resize(place);
+            }
+            if (step % 3 == 0) {
+                model.resize(std::max(model.size(), place + 1));
+                array[lower + offset] += step;
+                model[place] += step;
+            } else {
+                ASSERT_EQ(array.AddAt(step, lower + offset), lower + offset);
+                model.insert(model.begin() + offset, step);
+            }
+            ASSERT_EQ(static_cast<std::size_t>(array.GetCount()), model.size());
+        }
+        for (std::size_t index = 0; index < model.size(); ++index) {
+            ASSERT_EQ(array[lower + static_cast<std::int32_t>(index)], model[index]);
+        }
+    }
+}
+
+TEST(VArrayAsTessel, SearchesWithinTheGivenBounds) {
+    VArrayAsTessel<int> array(3, 0, 4);
+    const auto order = [](int key, int element) { return key - element; };
+    EXPECT_EQ(array.bsearch(1, order, 0), -1);
+    for (int index = 0; index < 7; ++index) {
+        array.AddAt(10 * index, index); // 0, 10, ... 60
+    }
+    struct Case {
+        int key;
+        std::int32_t low, high, result;
+    };
+    const std::vector<Case> cases{
+        {30, 0, -1, 3},
+        {31, 0, -1, 4},
+        {-5, 0, -1, 0},
+        {99, 0, -1, 7},
+        {99, 0, 2, 3},
+        {10, 3, 5, 3},
+        {45, 3, kMaximum, 5},
+        {30, 5, 2, 5},
+        {60, kMinimum, 6, 6},
+        {60, 7, 9, -1},
+        {60, kMaximum, kMaximum, -1},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(array.bsearch(test.key, order, test.low, test.high), test.result)
+            << test.key << " in " << test.low << ".." << test.high;
+    }
+}
+
+TEST(VValueRangeMap, GrowsAtThe22ndRangeAndStaysSorted) {
+    std::array<int, 22> units{};
+    VValueRangeMap<std::uint32_t, int*> ranges;
+    for (std::uint32_t number = 0; number < 22; ++number) {
+        EXPECT_EQ(ranges.GetUpperBound(), 20);
+        ranges.Insert(number * 7 % 22, 1, &units[number * 7 % 22]);
+    }
+    EXPECT_EQ(ranges.GetUpperBound(), 39);
+    EXPECT_EQ(ranges.GetCount(), 22);
+    for (std::int32_t index = 0; index < 22; ++index) {
+        EXPECT_EQ(ranges[index].mValue, &units[static_cast<std::size_t>(index)]);
+    }
+}
+
+TEST(VValueRangeMap, TellsTheIndexAlsoWithoutAMatch) {
+    VValueRangeMap<std::uint32_t, int*> ranges;
+    std::int32_t index = 5;
+    EXPECT_EQ(ranges.Find(0, &index), nullptr);
+    EXPECT_EQ(index, -1);
+    ranges.Insert(10, 1, nullptr);
+    ranges.Insert(20, 2, nullptr);
+    EXPECT_EQ(ranges.Find(15, &index)->mStart, 20U);
+    EXPECT_EQ(index, 1);
+    EXPECT_EQ(ranges.Find(21, &index), nullptr);
+    EXPECT_EQ(index, 2);
+    EXPECT_EQ(ranges.Find(10, nullptr)->mSize, 1);
+}
+
+TEST(VValueRangeMap, FindsWhatARangeHoldsWhole) {
+    int first = 0;
+    int second = 0;
+    int last = 0;
+    VValueRangeMap<std::uint32_t, int*> ranges;
+    ranges.Insert(100, 50, &second);
+    ranges.Insert(10, 20, &first);
+    ranges.Insert(0xFFFFFFF0, 0x20, &last);
+    ranges.Insert(10, 90, &last); // 10 is taken: neither size nor value change
+    struct Case {
+        std::uint32_t position, length;
+        int* value;
+    };
+    const std::vector<Case> cases{
+        {9, 0, nullptr},
+        {10, 0, &first},
+        {10, 20, &first},
+        {10, 21, nullptr},
+        {29, 1, &first},
+        {29, 2, nullptr},
+        {30, 0, &first},
+        {30, 1, nullptr},
+        {31, 0, nullptr},
+        {99, 1, nullptr},
+        {100, 50, &second},
+        {120, 0xFFFFFFF0, nullptr},
+        {120, 0, &second},
+        {0xFFFFFFF8, 8, &last},
+        {0xFFFFFFF8, 0x18, &last},
+        {0xFFFFFFF8, 25, nullptr},
+        {0xFFFFFFF0, 0x21, nullptr},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(ranges.FindElement(test.position, test.length), test.value)
+            << test.position << " + " << test.length;
+    }
+    VValueRangeMap<std::uint32_t, int*> whole;
+    whole.Insert(0, -1, &first); // 4 GiB less one byte
+    EXPECT_EQ(whole.FindElement(0, 5), &first);
+    EXPECT_EQ(whole.FindElement(0x80000000, 0x7FFFFFFF), &first);
+    EXPECT_EQ(whole.FindElement(0x80000000, 0x80000000), nullptr);
+}
+
+// Ranges in the order in which they came; a search looks at every one.
+struct NaiveRanges {
+    struct Range {
+        std::uint64_t mStart, mSize;
+        const int* mValue;
+    };
+
+    void Insert(std::uint64_t start, std::uint64_t size, const int* value) {
+        if (std::ranges::find(mRanges, start, &Range::mStart) == mRanges.end()) {
+            mRanges.push_back({start, size, value});
+        }
+    }
+
+    [[nodiscard]] const int* Find(std::uint64_t position, std::uint64_t length) const {
+        const Range* nearest = nullptr;
+        for (const Range& range : mRanges) {
+            if (range.mStart <= position &&
+                (nearest == nullptr || range.mStart > nearest->mStart)) {
+                nearest = &range;
+            }
+        }
+        const bool isHeld =
+            nearest != nullptr && nearest->mStart + nearest->mSize >= position + length;
+        return isHeld ? nearest->mValue : nullptr;
+    }
+
+    std::vector<Range> mRanges;
+};
+
+TEST(VValueRangeMap, AgreesWithASearchThroughAllRanges) {
+    Random random(4711);
+    for (int round = 0; round < 40; ++round) {
+        VValueRangeMap<std::uint32_t, const int*> ranges;
+        NaiveRanges model;
+        const std::uint32_t base = round % 2 == 0 ? 0U : 0xFFFFFF00U;
+        std::vector<int> values(64);
+        for (const int& value : values) {
+            const std::uint32_t start = base + Pick(random, 0U, 255U);
+            const std::int32_t size = Pick(random, 0, 12);
+            ranges.Insert(start, size, &value);
+            model.Insert(start, static_cast<std::uint64_t>(size), &value);
+        }
+        ASSERT_EQ(static_cast<std::size_t>(ranges.GetCount()), model.mRanges.size());
+        for (std::uint32_t offset = 0; offset < 256; ++offset) {
+            const std::uint32_t position = base + offset;
+            for (std::uint32_t length = 0; length < 14; ++length) {
+                ASSERT_EQ(ranges.FindElement(position, length), model.Find(position, length))
+                    << position << " + " << length;
+            }
+        }
+    }
+}
+
+TEST(VValueRangeMap, SortsUnsignedStarts) {
+    VValueRangeMap<std::uint32_t, int*> ranges;
+    const std::array<std::uint32_t, 6> starts{5, 0x80000000, 0, 0xFFFFFFFF, 0x7FFFFFFF, 5};
+    for (std::size_t index = 0; index < starts.size(); ++index) {
+        ranges[static_cast<std::int32_t>(index)] = {starts[index], 1, nullptr};
+    }
+    ranges.Sort();
+    std::vector<std::uint32_t> sorted(starts.size());
+    for (std::size_t index = 0; index < sorted.size(); ++index) {
+        sorted[index] = ranges[static_cast<std::int32_t>(index)].mStart;
+    }
+    EXPECT_EQ(ranges.GetCount(), 6);
+    EXPECT_THAT(sorted, testing::ElementsAre(0U, 5U, 5U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU));
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

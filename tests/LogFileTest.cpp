@@ -1,0 +1,95 @@
+#include "core/ErrorState.h"
+#include "core/VElfOptions.h"
+#include "diagnostics/ElfLog.h"
+#include "support/ScopedReaderState.h"
+#include "support/TemporaryFolder.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <regex>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+class LogFileTest : public testing::Test {
+protected:
+    LogFileTest() { VElfOptions::mIsLogFile = 1; }
+    ~LogFileTest() override { CloseLogFile(); }
+
+    bool Create(const std::string& path) {
+        testing::internal::CaptureStdout();
+        const bool isCreated = CreateLogFile(path);
+        mOutput = testing::internal::GetCapturedStdout();
+        return isCreated;
+    }
+
+    ScopedReaderState mState;
+    TemporaryFolder mFolder;
+    std::string mOutput;
+};
+
+TEST_F(LogFileTest, WritersAddLineEndsAndIndentationAsTold) {
+    ASSERT_TRUE(Create(mFolder.Path("firmware.v2.elf")));
+    elflog("line %d of %s", 1, "100%");
+    elfelog("String table not loaded!\n\n");
+    VElfOptions::mLogNestLevel = 2;
+    elfilog("nested");
+    VElfOptions::mLogNestLevel = -1;
+    elfilog("too deep");
+    VElfOptions::mLogNestLevel = 0;
+    SetErrorState(ELFReadErrorEnum::ELFERR_NOT_ELF);
+    elflog("%s", std::string(5000, 'x').c_str());
+    CloseLogFile();
+    elflog("after the end");
+    EXPECT_EQ(mFolder.Read("firmware.v2.log"),
+              "line 1 of 100%\nString table not loaded!\n\n      nested\n"
+              "      --too big or negative nesting level--  too deep\n"
+              "Error occurred: 'The file is not in ELF format.'\n" +
+                  std::string(5000, 'x') + "\n");
+}
+
+TEST_F(LogFileTest, NameReplacesTheExtensionOfTheFileAlone) {
+    std::filesystem::create_directory(mFolder.Path("dir.d"));
+    for (const auto& [input, log] :
+         {std::pair{"dir.d/noextension", "dir.d/noextension.log"},
+          std::pair{"dir.d/a.b.out", "dir.d/a.b.log"}, std::pair{"dir.d/.elf", "dir.d/.log"}}) {
+        ASSERT_TRUE(Create(mFolder.Path(input)));
+        CloseLogFile();
+        EXPECT_TRUE(std::filesystem::exists(mFolder.Path(log))) << log;
+    }
+}
+
+TEST_F(LogFileTest, AutoFlushMakesLinesVisibleAtOnce) {
+    VElfOptions::mLogAutoFlush = true;
+    ASSERT_TRUE(Create(mFolder.Path("x.elf")));
+    elflog("seen");
+    EXPECT_EQ(mFolder.Read("x.log"), "seen\n");
+}
+
+TEST_F(LogFileTest, FailedCreationCostsOneText) {
+    EXPECT_FALSE(Create(mFolder.Path("missing/x.elf")));
+    const std::regex expected("\n\\d{4}/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d : error_code='[^']+': "
+                              "Failed to create log file: '.*/missing/x\\.log' ");
+    EXPECT_TRUE(std::regex_match(mOutput, expected)) << mOutput;
+}
+
+TEST_F(LogFileTest, NeverOverwritesItsInput) {
+    const std::string input = mFolder.Write("image.log", "firmware");
+    EXPECT_FALSE(Create(input));
+    EXPECT_EQ(mFolder.Read("image.log"), "firmware");
+}
+
+TEST_F(LogFileTest, NothingIsWrittenWhileTheOptionIsOff) {
+    ASSERT_TRUE(Create(mFolder.Path("x.elf")));
+    VElfOptions::mIsLogFile = 0;
+    elflog("line");
+    elfelog("text");
+    elfilog("indented");
+    CloseLogFile();
+    EXPECT_EQ(mFolder.Read("x.log"), "");
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests

@@ -1,0 +1,147 @@
+#include "container/VElfFile.h"
+#include "core/ErrorState.h"
+#include "support/ElfImage.h"
+#include "support/ScopedReaderState.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+/// An image's file, opened up to its string table.
+class FileWithSymbols {
+public:
+    explicit FileWithSymbols(const ElfImage& image)
+        : mFile(mFolder.Write("image.elf", image.Build()), nullptr) {
+        EXPECT_TRUE(mFile.ReadElfHeader() && mFile.LoadSectionInfos());
+        EXPECT_TRUE(mFile.LoadStrTabSection());
+    }
+
+    VElfFile* operator->() { return &mFile; }
+
+    /// Name of the symbol found at an address, "" if there is none.
+    std::string NameAt(std::uint32_t address, std::string_view wantedName) {
+        const Elf32_Sym* symbol = mFile.FindSymbolByAddress(address, wantedName);
+        return symbol != nullptr ? symbol->name : "";
+    }
+
+    /// Address of the symbol of a name, 0 if there is none.
+    std::uint32_t AddressOf(const std::string& name) {
+        const VElfSymbolAddress* address = mFile.FindSymbolByName(name);
+        return address != nullptr ? address->mAddress : 0;
+    }
+
+private:
+    TemporaryFolder mFolder;
+    VElfFile mFile;
+};
+
+class SymbolMapsTest : public testing::Test {
+protected:
+    ScopedReaderState mState;
+};
+
+TEST_F(SymbolMapsTest, AddressMapTakesDataWithAnAddress) {
+    const ElfImage image = ElfImage()
+                               .Symbol({"data", 0x20, 4})
+                               .Symbol({"empty", 0x10, 0, sLocalObject})
+                               .Symbol({"null", 0, 4})
+                               .Symbol({"function", 0x30, 4, sFunction})
+                               .Symbol({"label", 0x40, 0, sNoType});
+    FileWithSymbols file(image);
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    EXPECT_EQ(file.NameAt(0x20, ""), "data");
+    EXPECT_EQ(file.NameAt(0x10, "other"), "empty");
+    EXPECT_EQ(file.NameAt(0, ""), "");
+    EXPECT_EQ(file.NameAt(0x30, ""), "");
+    EXPECT_EQ(file.NameAt(0x40, ""), "");
+
+    VElfOptions::mSymTabSearchMode = 1;
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    EXPECT_EQ(file.NameAt(0x40, ""), "label");
+    EXPECT_EQ(file.NameAt(0x30, ""), "");
+}
+
+TEST_F(SymbolMapsTest, SearchModePrefersAnAgreeingName) {
+    const ElfImage image = ElfImage()
+                               .Symbol({"foo", 0x30, 4})
+                               .Symbol({"foobar", 0x30, 4})
+                               .Symbol({"barfoo", 0x20, 4})
+                               .Symbol({"bar", 0x20, 4})
+                               .Symbol({"alone", 0x10, 4});
+    FileWithSymbols file(image);
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    EXPECT_EQ(file.NameAt(0x30, "foobar"), "foo");
+    VElfOptions::mSymTabSearchMode = 1;
+    EXPECT_EQ(file.NameAt(0x30, "foobar"), "foobar");
+    EXPECT_EQ(file.NameAt(0x20, "bar"), "barfoo");
+    EXPECT_EQ(file.NameAt(0x20, "bar "), "barfoo");
+    EXPECT_EQ(file.NameAt(0x10, "other"), "alone");
+}
+
+TEST_F(SymbolMapsTest, NamesAreFoundDemangledAndWithALeadingUnderscore) {
+    const ElfImage image = ElfImage()
+                               .Symbol({"value__3Foo", 0x10, 4})
+                               .Symbol({"_plain", 0x20, 4})
+                               .Symbol({"other", 0x30, 4})
+                               .Symbol({"twice", 0x40, 4})
+                               .Symbol({"twice", 0x50, 4});
+    FileWithSymbols file(image);
+    EXPECT_EQ(file.AddressOf("Foo::value"), 0x10U);
+    EXPECT_EQ(file.AddressOf("value__3Foo"), 0U);
+    EXPECT_EQ(file.AddressOf("plain"), 0x20U);
+    EXPECT_EQ(file.AddressOf("_other"), 0U);
+    EXPECT_EQ(file.AddressOf("twice"), 0x50U);
+
+    // Once emptied the names are not loaded again.
+    file->mSymbolNamesMap.Clear();
+    EXPECT_EQ(file.AddressOf("other"), 0U);
+}
+
+TEST_F(SymbolMapsTest, NamesAreNotLoadedTwiceAfterAFailure) {
+    FileWithSymbols file(ElfImage().Symbol({"a", 0x10, 4}).SymbolTable({.entrySize = 0}));
+    EXPECT_EQ(file.AddressOf("a"), 0U);
+    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
+    file->mSecSymtab.sh_entsize = 16;
+    EXPECT_EQ(file.AddressOf("a"), 0U);
+}
+
+TEST_F(SymbolMapsTest, AddressesAreKeptIn32Bits) {
+    VElfOptions::mIsLogFile = 0;
+    FileWithSymbols file(ElfImage(ElfClass::Class64).Symbol({"far", 0x1'0000'2000, 4}));
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    const Elf32_Sym* symbol = file->FindSymbolByAddress(0x2000, "");
+    ASSERT_NE(symbol, nullptr);
+    EXPECT_EQ(symbol->st_value, 0x1'0000'2000U);
+    EXPECT_EQ(file.AddressOf("far"), 0x2000U);
+}
+
+TEST_F(SymbolMapsTest, NameObjectsAreMadeOncePerOffset) {
+    VElfNamesObjectMap map;
+    const VElfNameObject* object = map.AddObject(7, "value__3Foo");
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(object->GetName(), "Foo::value");
+    EXPECT_TRUE(object->IsModified());
+    EXPECT_EQ(map.AddObject(7, "plain"), nullptr);
+    EXPECT_EQ(map.FindObject(7), object);
+    EXPECT_FALSE(map.AddObject(8, "plain")->IsModified());
+    map.Clear();
+    EXPECT_EQ(map.FindObject(7), nullptr);
+}
+
+TEST_F(SymbolMapsTest, SymbolSizesBeyond32BitsEndTheTable) {
+    FileWithSymbols file(ElfImage(ElfClass::Class64)
+                             .Symbol({"good", 0x10, 0xFFFFFFFF})
+                             .Symbol({"huge", 0x20, 0x100000000})
+                             .Symbol({"unread", 0x30, 4}));
+    EXPECT_FALSE(file->LoadSymbolMap(file->mSymbolMap));
+    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_64BIT_LIMIT);
+    EXPECT_EQ(file.NameAt(0x10, ""), "good");
+    EXPECT_EQ(file.NameAt(0x30, ""), "");
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests

@@ -1,0 +1,388 @@
+#!/usr/bin/env python3
+"""Checks of the brindle program as its user meets it: arguments, output, messages, exit status.
+
+BRINDLE_PROGRAM names the program, BRINDLE_SAMPLE_IMAGES the folder of the sample images. All other
+inputs are made here, in a temporary folder.
+"""
+
+import csv
+import io
+import json
+import os
+import pathlib
+import shutil
+import signal
+import struct
+import subprocess
+import tempfile
+import unittest
+
+PROGRAM = os.environ["BRINDLE_PROGRAM"]
+SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
+
+GLOBAL_OBJECT = 0x11
+FUNCTION = 0x12
+
+SYMBOL_SCOPE = "_Symbol_Table_BKR_"
+TWO_SYMBOLS = [("gSpeed", 0x20001000, 4, GLOBAL_OBJECT),
+               ("main", 0x08000100, 32, FUNCTION),
+               ("gTable", 0x20001004, 12, GLOBAL_OBJECT)]
+
+
+def elf_image(symbols, is_64=False, order="<"):
+    """An ELF file with a symbol table and nothing else of interest."""
+    section_names = b"\0.symtab\0.strtab\0.shstrtab\0"
+    names = b"\0"
+    entry = "IBBHQQ" if is_64 else "IIIBBH"
+    table = bytes(struct.calcsize(order + entry))
+    for name, value, size, info in symbols:
+        fields = (info, 0, 1, value, size) if is_64 else (value, size, info, 0, 1)
+        table += struct.pack(order + entry, len(names), *fields)
+        names += name.encode() + b"\0"
+
+    word = "Q" if is_64 else "I"
+    header_size, section_size, entry_size = (64, 64, 24) if is_64 else (52, 40, 16)
+    contents = [(1, 2, table, entry_size), (9, 3, names, 0), (17, 3, section_names, 0)]
+    sections = bytes(section_size)
+    body = b""
+    for name, kind, content, item in contents:
+        link = 2 if kind == 2 else 0
+        sections += struct.pack(f"{order}II{word}{word}{word}{word}II{word}{word}", name, kind, 0, 0,
+                                header_size + len(body), len(content), link, 1, 1, item)
+        body += content
+    ident = b"\x7fELF" + bytes([2 if is_64 else 1, 1 if order == "<" else 2, 1]) + bytes(9)
+    header = ident + struct.pack(f"{order}HHI{word}{word}{word}IHHHHHH", 2, 40, 1, 0, 0,
+                                 header_size + len(body), 0, header_size, 0, 0, section_size, 4, 3)
+    return header + body + sections
+
+
+class ProgramTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(prefix="brindle-test-"))
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def file(self, name, content):
+        path = self.folder / name
+        path.write_bytes(content)
+        return str(path)
+
+    def run_program(self, *arguments, status=0):
+        """Runs the program and returns what it wrote to standard output and standard error."""
+        done = subprocess.run([PROGRAM, *arguments], capture_output=True, timeout=60)
+        error = done.stderr.decode()
+        self.assertEqual(done.returncode, status, f"{arguments}: {error}")
+        return done.stdout.decode(), error
+
+    def run_json(self, *arguments, status=0):
+        return json.loads(self.run_program(*arguments, status=status)[0])
+
+
+class UsageTest(ProgramTest):
+    def test_wrong_usage_ends_with_2_and_says_what_is_wrong(self):
+        file = self.file("two.elf", elf_image(TWO_SYMBOLS))
+        for arguments, text in [
+                ([], "A command is required"),
+                (["paint", file], "paint"),
+                (["vars"], "FILE is required"),
+                (["trace"], "FILE is required"),
+                (["demangle"], "NAME is required"),
+                (["vars", file, "x", "y"], "y"),
+                (["vars", file, "--bogus"], "--bogus"),
+                (["vars", file, "--container", "zip"], "zip"),
+                (["vars", file, "--format", "xml"], "xml"),
+                (["dump", file, "--format", "csv"], "--format"),
+                (["vars", file, "--language", "german"], "german"),
+                (["vars", file, "--set", "mSymTabSearchMode"], "OPTION=VALUE"),
+                (["vars", file, "--set", "mSymTabSearchMode=yes"], "'yes' is no value"),
+                (["vars", file, "--set", "mSymTabSearchMode=99999999999"], "is no value"),
+                (["vars", file, "--set", "mLogAutoFlush=2"], "0, 1, true or false"),
+                (["vars", file, "--set", "mSymTabSearchMod=1"], "mSymTabSearchMode"),
+                (["vars", file, "--set", "scopeseparator=."], "mDemanglingOptions.mScopeSeparator"),
+        ]:
+            with self.subTest(arguments=arguments):
+                output, error = self.run_program(*arguments, status=2)
+                self.assertEqual(output, "")
+                self.assertTrue(error.startswith("brindle: "), error)
+                self.assertIn(text, error)
+
+    def test_help_of_every_command_has_an_example_that_names_it(self):
+        output, error = self.run_program("--help")
+        self.assertEqual(error, "")
+        for command in ["vars", "dump", "trace", "demangle"]:
+            with self.subTest(command=command):
+                self.assertIn(f"\n  {command} ", output)
+                help_text, error = self.run_program(command, "--help")
+                self.assertIn(f"Example:\n  brindle {command} ", help_text)
+                self.assertEqual(error, "")
+
+    def test_version_is_a_name_and_three_numbers(self):
+        self.assertRegex(self.run_program("--version")[0], r"\Abrindle \d+\.\d+\.\d+\n\Z")
+
+
+class FailedReadTest(ProgramTest):
+    def test_missing_file(self):
+        missing = str(self.folder / "missing.elf")
+        for language, text in [([], "ELF file Open has failed."),
+                               (["--language", "44"], "ELF file Open has failed."),
+                               (["--language", "49"], "Fehler beim Öffnen der ELF-Datei.")]:
+            for command in ["vars", "dump", "trace"]:
+                with self.subTest(command=command, language=language):
+                    output, error = self.run_program(command, missing, *language, status=1)
+                    self.assertEqual(error.splitlines(), [
+                        f"Failed to open {missing}: Error Code 2", f"brindle: {missing}: {text}"])
+                    self.assertNotIn("Failed to open", output)
+
+    def test_container_follows_from_the_first_bytes_unless_named(self):
+        elf = elf_image(TWO_SYMBOLS)
+        for content, arguments, container in [
+                (elf, [], "elf"),
+                (b"MZ\x90\0 and more", [], "pe"),
+                (b"MZ", [], "pe"),
+                (b"\x7fELG", [], "coff"),
+                (b"\x7fEL", [], "coff"),
+                (b"", [], "elf"),
+                (elf, ["--container", "coff"], "coff"),
+                (elf, ["--container", "pe"], "pe"),
+                (b"MZ\x90\0", ["--container", "elf"], "elf"),
+        ]:
+            with self.subTest(content=content[:4], arguments=arguments):
+                file = self.file("input", content)
+                is_read = content == elf and not arguments
+                document = self.run_json("dump", file, *arguments, status=0 if is_read else 1)
+                self.assertEqual(document["container"], container)
+                self.assertEqual(document["ok"], is_read)
+                self.assertEqual(document["error"] is None, is_read)
+        self.assertEqual(self.run_json("dump", str(self.folder), status=1)["container"], "elf")
+
+    def test_what_was_delivered_before_a_failure_is_printed(self):
+        symbols = [("first", 0x1000, 4, GLOBAL_OBJECT), ("huge", 0x2000, 1 << 33, GLOBAL_OBJECT)]
+        file = self.file("huge.elf", elf_image(symbols, is_64=True))
+        output, error = self.run_program("dump", file, status=1)
+        document = json.loads(output)
+        self.assertFalse(document["ok"])
+        self.assertEqual([item["name"] for item in document["objects"] if item["kind"] == "global"],
+                         ["first"])
+        self.assertEqual(error, f"brindle: {file}: {document['error']}\n")
+        rows = self.run_json("vars", file, "--format", "json", status=1)
+        self.assertEqual([row["address"] for row in rows], [0x1000])
+        lines = self.run_program("trace", file, status=1)[0].splitlines()
+        self.assertEqual(json.loads(lines[-3])["call"], "CreateGlobalData")
+        self.assertEqual(json.loads(lines[-2])["args"][3], document["error"])
+
+
+class VarsTest(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        self.two = self.file("two.elf", elf_image(TWO_SYMBOLS))
+
+    def test_the_three_formats_tell_the_same(self):
+        output, error = self.run_program("vars", self.two)
+        self.assertEqual(error, "")
+        self.assertEqual(output,
+                         "   address  size  type         name                        compileUnit\n"
+                         "0x20001000     4  unknown(4)   _Symbol_Table_BKR_::gSpeed\n"
+                         "0x20001004    12  unknown(12)  _Symbol_Table_BKR_::gTable\n")
+
+        output = self.run_program("vars", self.two, "--format", "csv")[0]
+        self.assertTrue(output.startswith("address,size,type,name,compileUnit\n"))
+        self.assertEqual(list(csv.reader(io.StringIO(output)))[1:], [
+            ["0x20001000", "4", "unknown(4)", f"{SYMBOL_SCOPE}::gSpeed", ""],
+            ["0x20001004", "12", "unknown(12)", f"{SYMBOL_SCOPE}::gTable", ""]])
+
+        self.assertEqual(self.run_json("vars", self.two, "--format", "json"), [
+            {"address": 0x20001000, "size": 4, "type": "unknown(4)",
+             "name": f"{SYMBOL_SCOPE}::gSpeed", "compileUnit": ""},
+            {"address": 0x20001004, "size": 12, "type": "unknown(12)",
+             "name": f"{SYMBOL_SCOPE}::gTable", "compileUnit": ""}])
+
+    def test_rows_keep_the_order_of_delivery_and_wide_addresses(self):
+        symbols = [("high", 0xFFFFFFFF_80000000, 8, GLOBAL_OBJECT), ("low", 0x10, 1, GLOBAL_OBJECT)]
+        file = self.file("wide.elf", elf_image(symbols, is_64=True, order=">"))
+        output = self.run_program("vars", file, "--format", "csv")[0]
+        self.assertEqual([row["address"] for row in csv.DictReader(io.StringIO(output))],
+                         ["0xffffffff80000000", "0x00000010"])
+        self.assertEqual([row["address"] for row in self.run_json("vars", file, "--format", "json")],
+                         [0xFFFFFFFF_80000000, 0x10])
+
+    def test_names_of_any_bytes_break_no_format(self):
+        name = 'a,"b"\n\x1b[31m\u00e9\u009b'
+        file = self.file("odd.elf", elf_image([(name, 0x1000, 4, GLOBAL_OBJECT)]))
+        row = self.run_program("vars", file)[0].splitlines()
+        self.assertTrue(row[1].endswith('::a,"b"??[31m\u00e9??'), row[1])
+        output = self.run_program("vars", file, "--format", "csv")[0]
+        self.assertEqual(next(csv.DictReader(io.StringIO(output)))["name"],
+                         f"{SYMBOL_SCOPE}::{name}")
+        self.assertEqual(self.run_json("vars", file, "--format", "json")[0]["name"],
+                         f"{SYMBOL_SCOPE}::{name}")
+
+    def test_patterns(self):
+        names = ["gSpeed", "gSpeedMax", "aSpeed", "a*b", "axb", "größe"]
+        file = self.file("names.elf", elf_image(
+            [(name, 0x1000 + 4 * place, 4, GLOBAL_OBJECT) for place, name in enumerate(names)]))
+        for pattern, found in [
+                ("gSpeed", ["gSpeed"]),
+                ("Speed", []),
+                ("*", names),
+                ("*Speed", ["gSpeed", "aSpeed"]),
+                ("?Speed", ["gSpeed", "aSpeed"]),
+                ("*e*M*x", ["gSpeedMax"]),
+                ("*e*e*e*e*", []),
+                (f"{SYMBOL_SCOPE}::a*", ["aSpeed", "a*b", "axb"]),
+                (f"{SYMBOL_SCOPE}", []),
+                ("?????", ["größe"]),
+                ("gr??e", ["größe"]),
+                ("a*b", ["a*b", "axb"]),
+                ("g*d?", []),
+                ("gSpeed**", ["gSpeed", "gSpeedMax"]),
+        ]:
+            with self.subTest(pattern=pattern):
+                output, error = self.run_program("vars", file, pattern, "--format", "csv")
+                rows = csv.DictReader(io.StringIO(output))
+                self.assertEqual([row["name"] for row in rows],
+                                 [f"{SYMBOL_SCOPE}::{name}" for name in found])
+                self.assertEqual(f"no variable matches '{pattern}'" in error, not found)
+
+    def test_options_of_the_reader_apply(self):
+        file = self.file("mangled.elf", elf_image([("_value__3Foo", 0x1000, 4, GLOBAL_OBJECT)]))
+        for settings, name in [
+                ([], "_value__3Foo"),
+                (["--set", "mDemangleSymTabNames=2"], "Foo::_value"),
+                (["--set", "mRemoveLeadingUnderscore=0x1"], "value__3Foo"),
+                (["--set", "mDemangleSymTabNames=2",
+                  "--set=mDemanglingOptions.mScopeSeparator=="], "Foo=_value")]:
+            with self.subTest(settings=settings):
+                rows = self.run_json("vars", *settings, file, "--format", "json")
+                self.assertEqual([row["name"] for row in rows], [f"{SYMBOL_SCOPE}::{name}"])
+
+
+class DumpTest(ProgramTest):
+    def test_document(self):
+        file = self.file("two.elf", elf_image(TWO_SYMBOLS))
+        document = self.run_json("dump", file)
+        self.assertEqual(list(document), ["file", "container", "ok", "error", "objects"])
+        self.assertEqual(document["file"], file)
+        self.assertEqual(document["objects"], [
+            {"id": 1, "kind": "namespace", "scope": 0, "name": ""},
+            {"id": 2, "kind": "namespace", "scope": 1, "name": "_Symbol_Table_BKR_"},
+            {"id": 3, "kind": "unknown", "scope": 2, "size": 4},
+            {"id": 4, "kind": "global", "scope": 2, "name": "gSpeed", "type": 3,
+             "address": 0x20001000},
+            {"id": 5, "kind": "unknown", "scope": 2, "size": 12},
+            {"id": 6, "kind": "global", "scope": 2, "name": "gTable", "type": 5,
+             "address": 0x20001004}])
+
+    def test_a_path_that_is_no_utf8_gives_valid_json(self):
+        path = os.fsencode(self.folder) + b"/gr\xf6\xdfe.elf"
+        pathlib.Path(os.fsdecode(path)).write_bytes(elf_image(TWO_SYMBOLS))
+        done = subprocess.run([PROGRAM, "dump", path], capture_output=True, timeout=60)
+        self.assertEqual(done.returncode, 0)
+        self.assertEqual(json.loads(done.stdout)["file"], f"{self.folder}/größe.elf")
+
+
+class TraceTest(ProgramTest):
+    def trace(self, *arguments, status=0):
+        output = self.run_program("trace", *arguments, status=status)[0]
+        return [json.loads(line) for line in output.splitlines()]
+
+    @staticmethod
+    def symbol_lines(name, address, size, first_id):
+        return [
+            {"call": "GetGlobalData", "args": {"symName": name}, "result": 0},
+            {"call": "GetGlobalDataByAddress", "args": {"address": address}, "result": 0},
+            {"call": "GetUnknownEntryType",
+             "args": {"sizeOfUnknownType": size, "objIdParentScope": 2}, "result": 0},
+            {"call": "CreateUnknownEntryType",
+             "args": {"sizeOfUnknownType": size, "objIdParentScope": 2}, "result": first_id},
+            {"call": "CreateGlobalData",
+             "args": {"symName": name, "objIdOfSymType": first_id, "address": address,
+                      "objIdOfScopeParent": 2, "addressIsValid": True, "addressExtension": 0,
+                      "addressExtensionIsValid": False},
+             "result": first_id + 1}]
+
+    def test_calls_callbacks_and_ends_come_in_order_and_each_file_has_a_fresh_model(self):
+        file = self.file("two.elf", elf_image(TWO_SYMBOLS))
+        missing = str(self.folder / "missing.elf")
+        delivery = [
+            {"call": "GetGlobalNamespace", "args": {}, "result": 1},
+            {"call": "GetNamespace",
+             "args": {"namespaceName": "_Symbol_Table_BKR_", "objIdParentScope": 1}, "result": 0},
+            {"call": "CreateNamespace",
+             "args": {"namespaceName": "_Symbol_Table_BKR_", "objIdParentScope": 1}, "result": 2},
+            *self.symbol_lines("gSpeed", 0x20001000, 4, 3),
+            *self.symbol_lines("gTable", 0x20001004, 12, 5),
+            {"file": file, "result": True}]
+        failure = [
+            {"callback": "SignalError", "args": [2, 4112, "", "ELF file Open has failed."]},
+            {"file": missing, "result": False}]
+        lines = self.trace(file, missing, file, status=1)
+        self.assertEqual(lines, delivery + failure + delivery)
+        self.assertEqual(list(lines[3]["args"]), ["symName"])
+        self.assertEqual(list(lines[7]["args"])[:3], ["symName", "objIdOfSymType", "address"])
+
+
+class DemangleTest(ProgramTest):
+    def test_both_families(self):
+        self.assertEqual(
+            self.run_program("demangle", "value__Q2_5Outer5Inner", "plain", "a-b", "dump")[0],
+            "Outer::Inner::value\nplain\na_b\ndump\n")
+        self.assertEqual(
+            self.run_program("demangle", "--itanium", "_ZN3Foo3barEv", "value__3Foo")[0],
+            "Foo::bar\nvalue__3Foo\n")
+        self.assertEqual(
+            self.run_program("demangle", "--set", "mDemanglingOptions.mScopeSeparator=.",
+                             "value__3Foo")[0], "Foo.value\n")
+
+
+class OutputTest(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        symbols = [(f"aVariableNumber{number}", 0x1000 + 4 * number, 4, GLOBAL_OBJECT)
+                   for number in range(20000)]
+        self.large = self.file("large.elf", elf_image(symbols))
+        self.small = self.file("two.elf", elf_image(TWO_SYMBOLS))
+
+    def test_a_full_disk_is_told(self):
+        if not os.path.exists("/dev/full"):
+            self.skipTest("the platform has no /dev/full")
+        for arguments in [["--help"], ["vars", self.small], ["dump", self.large],
+                          ["trace", self.large], ["demangle", "x"]]:
+            with self.subTest(arguments=arguments), open("/dev/full", "wb") as full:
+                done = subprocess.run([PROGRAM, *arguments], stdout=full, stderr=subprocess.PIPE,
+                                      timeout=60)
+                self.assertEqual(done.returncode, 1)
+                self.assertRegex(done.stderr.decode(), r"\Abrindle: standard output: .+\n\Z")
+
+    def test_a_reader_that_leaves_ends_the_program_quietly(self):
+        def ignore_signal():
+            signal.signal(signal.SIGPIPE, signal.SIG_IGN)
+
+        for arguments in [["vars", self.large], ["dump", self.large], ["trace", self.large]]:
+            for prepare in [None, ignore_signal]:
+                with self.subTest(arguments=arguments, ignored=prepare is not None):
+                    program = subprocess.Popen([PROGRAM, *arguments], stdout=subprocess.PIPE,
+                                               stderr=subprocess.PIPE, preexec_fn=prepare)
+                    program.stdout.readline()
+                    program.stdout.close()
+                    error = program.stderr.read()
+                    program.stderr.close()
+                    self.assertIn(program.wait(timeout=60), [1, -signal.SIGPIPE])
+                    self.assertEqual(error, b"")
+
+
+class SampleImagesTest(ProgramTest):
+    def test_every_image_gives_the_same_variables_in_vars_and_dump(self):
+        images = sorted(SAMPLE_IMAGES.glob("*.elf"))
+        self.assertTrue(images, f"no images in {SAMPLE_IMAGES}")
+        for image in images:
+            with self.subTest(image=image.name):
+                symbols_only = ["--set", "mElfForceSymbolTable=1"]
+                rows = self.run_json("vars", str(image), "--format", "json", *symbols_only)
+                document = self.run_json("dump", str(image), *symbols_only)
+                dumped = [item for item in document["objects"] if item["kind"] == "global"]
+                self.assertTrue(rows)
+                self.assertEqual([row["address"] for row in rows],
+                                 [item["address"] for item in dumped])
+
+
+if __name__ == "__main__":
+    unittest.main()

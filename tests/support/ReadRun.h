@@ -1,0 +1,40 @@
+// One read of an image as a test sees it: its result, its message, every call that reached the data
+// model, and the model.
+#pragma once
+
+#include "host/DWARFContainerType.h"
+#include "model/DataModel.h"
+#include "support/TemporaryFolder.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Tests {
+
+struct ReadRun {
+    bool result = false;
+    /// Signals of the run as "severity code 'first text' 'second text'".
+    std::vector<std::string> signals;
+    /// Message of the last signal; empty if there was none.
+    std::string message;
+    /// What the reader wrote to standard output.
+    std::string standardOutput;
+    /// The calls in order, as `RecordingDataModel` words them.
+    std::vector<std::string> calls;
+    std::unique_ptr<DataModel::DataModel> model;
+
+    /// "name@address:size" for each variable in the order of delivery, the address hexadecimal.
+    [[nodiscard]] std::vector<std::string> Variables() const;
+};
+
+/// Reads the file of a path.
+ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType container =
+                                              Reader::DWARF::DWARFContainerType::Container_ELF);
+
+/// Reads an image from a temporary file.
+ReadRun ReadImage(std::string_view image, Reader::DWARF::DWARFContainerType container =
+                                              Reader::DWARF::DWARFContainerType::Container_ELF);
+
+} // namespace Tessel::Norn::Brindle::Tests

@@ -1,0 +1,37 @@
+#include "support/TemporaryFolder.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace Tessel::Norn::Brindle::Tests {
+
+TemporaryFolder::TemporaryFolder() {
+    std::random_device random;
+    do {
+        mPath = std::filesystem::temp_directory_path() /
+                ("brindle-test-" + std::to_string(random()) + std::to_string(random()));
+    } while (!std::filesystem::create_directory(mPath));
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(mPath, ignored);
+}
+
+std::string TemporaryFolder::Path(std::string_view name) const {
+    return (mPath / name).string();
+}
+
+std::string TemporaryFolder::Write(std::string_view name, std::string_view content) const {
+    std::ofstream file(mPath / name, std::ios::binary);
+    file.write(content.data(), static_cast<std::streamsize>(content.size()));
+    return Path(name);
+}
+
+std::string TemporaryFolder::Read(std::string_view name) const {
+    std::ifstream file(mPath / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+} // namespace Tessel::Norn::Brindle::Tests
