@@ -118,6 +118,23 @@ enum : std::uint32_t {
     DW_FORM_ref_sig8 = 0x20,
 };
 
+/// Operators of location expressions that the reader evaluates.
+enum : std::uint8_t {
+    DW_OP_addr = 0x03,
+    DW_OP_const1u = 0x08,
+    DW_OP_const1s = 0x09,
+    DW_OP_const2u = 0x0a,
+    DW_OP_const2s = 0x0b,
+    DW_OP_const4u = 0x0c,
+    DW_OP_const4s = 0x0d,
+    DW_OP_constu = 0x10,
+    DW_OP_consts = 0x11,
+    DW_OP_minus = 0x1c,
+    DW_OP_plus = 0x22,
+    DW_OP_plus_uconst = 0x23,
+    DW_OP_bit_piece = 0x9d,
+};
+
 /// Encodings that the reader itself looks at.
 enum : std::uint32_t {
     DW_ATE_address = 1,

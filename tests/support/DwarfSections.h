@@ -38,28 +38,15 @@ enum : std::uint32_t {
 };
 
 enum : std::uint8_t {
-    DW_OP_addr = 0x03,
     DW_OP_deref = 0x06,
-    DW_OP_const1u = 0x08,
-    DW_OP_const1s = 0x09,
-    DW_OP_const2u = 0x0a,
-    DW_OP_const2s = 0x0b,
-    DW_OP_const4u = 0x0c,
-    DW_OP_const4s = 0x0d,
     DW_OP_const8u = 0x0e,
     DW_OP_const8s = 0x0f,
-    DW_OP_constu = 0x10,
-    DW_OP_consts = 0x11,
-    DW_OP_minus = 0x1c,
-    DW_OP_plus = 0x22,
-    DW_OP_plus_uconst = 0x23,
     DW_OP_lit0 = 0x30,
     DW_OP_reg0 = 0x50,
     DW_OP_breg0 = 0x70,
     DW_OP_regx = 0x90,
     DW_OP_fbreg = 0x91,
     DW_OP_piece = 0x93,
-    DW_OP_bit_piece = 0x9d,
     DW_OP_stack_value = 0x9f,
 };
 
