@@ -2,6 +2,7 @@
 // unit, one after the other: each is decoded, turned into a node and forgotten.
 #pragma once
 
+#include "dwarf/DieForms.h"
 #include "dwarf/DwarfConstants.h"
 #include "dwarf/VAttributeValue.h"
 
@@ -19,9 +20,6 @@ class VLocTabBuffer;
 struct TAbrTabItem;
 struct TDieAttribute;
 struct VCompileUnitHeader;
-
-/// The count of debug entries visited in this read, null entries included.
-extern std::uint32_t recCnt;
 
 /// What the attributes of one entry tell. Values are 32 bits wide; wider forms are cut.
 struct VDieAttributes {
@@ -80,23 +78,38 @@ public:
 
     /// Reads the entry at the cursor with all its descendants and makes a node of each (DWARF 4,
     /// 2.3 and 7.5.2). Unknown abbreviation codes are passed over byte by byte; an entry that is
-    /// cut off by the end of the unit ends the walk.
+    /// cut off by the end of the unit makes no node and ends the walk.
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
 private:
     enum class Entry { Null, Unknown, Decoded };
 
-    void Reset();
-    Entry ReadAbbrevCode(bool& hasChildren);
+    Entry ReadEntry();
+    Entry ReadAbbrevCode();
     void ReadAttributes();
-    bool ReadAttribute(const TDieAttribute& attribute);
-    bool ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value, bool keepBlockLength);
+    void ReadAttribute(const TDieAttribute& attribute);
+    void ReadIndirectAttribute(const TDieAttribute& attribute);
+    bool ReadFormValue(FormReading reading, VDieFormValue& value);
+    std::uint32_t ReadBlockLength(FormReading reading);
+    std::uint32_t ReadOffset();
+    std::uint32_t ReadReferenceAddress();
+    /// Moves behind a block; one that passes the end of the unit cuts the entry off.
+    void MoveBehindBlock(std::uint32_t length);
+    [[nodiscard]] bool HasPassedEnd() const;
+
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
-    VAttributeValue MakeAttributeValue(const TDieAttribute& attribute, std::uint32_t value) const;
+    void StoreName(const char* name);
+    void StoreProducer(const char* producer);
+    [[nodiscard]] VAttributeString MakeAttributeString(const char* text) const;
+    [[nodiscard]] VAttributeValue MakeAttributeValue(const TDieAttribute& attribute,
+                                                     std::uint32_t value) const;
     void OnProducer();
     void ShortenUnitName();
-    bool ReadLocation(const TDieAttribute& attribute);
+
+    void ReadLocation(const TDieAttribute& attribute);
+    bool ReadLocationBlock(FormReading reading, std::uint32_t& value);
+    bool ReadLocationNumber(const TDieAttribute& attribute, std::uint32_t& value);
 
     /// Makes the node of the entry under the innermost open node and files it. Always true.
     bool MapCurrentDieToNode(VCompileUnitHeader* header);
@@ -114,6 +127,8 @@ private:
     VDebugInfoNode* mNode = nullptr;
     /// Nodes whose children are being read, outermost first.
     std::vector<VDebugInfoNode*> mOpenNodes;
+    /// Attributes that the unit may still have.
+    std::int64_t mAttributesLeft;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -25,6 +26,10 @@ class VDWARFReaderWrapper;
 class VDebugInfoNode;
 class VElfFile;
 class VLocTabBuffer;
+struct Elf64_Shdr;
+
+/// The count of debug entries visited in this read, null entries included.
+extern std::uint32_t recCnt;
 
 /// Section reader of one read.
 ///
@@ -68,11 +73,15 @@ public:
     [[nodiscard]] std::uint32_t SectionToUnitOffset(const VCompileUnitHeader& unit,
                                                     std::uint32_t sectionOffset) const;
 
+    /// The terminated text at an offset of `.debug_str`, null if there is none.
+    [[nodiscard]] const char* GetDebugString(std::uint32_t offset) const;
     /// A terminated text that lives as long as the tree: the text itself if it lies in
     /// `.debug_str`, else a copy of its first `limit` characters.
     const char* KeepText(const char* text, std::size_t limit);
-    /// The same for a text of known length.
+    /// The same for a text of known length. What is copied is terminated.
     std::string_view KeepText(std::string_view text);
+    /// All of a terminated text; very long texts are cut when a file has far too many of them.
+    std::string_view MeasureText(const char* text);
 
     /// @}
     /// @name Resolution and delivery
@@ -116,8 +125,15 @@ public:
     std::uint64_t mVoidEntryType = 0;
 
 private:
+    bool LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section);
+    [[nodiscard]] bool IsInDebugStr(const char* text) const;
+    void AutodetectFileRelativeReferences(const std::string& producer);
+    void AutodetectReferenceWidth(const std::string& producer, const VCompileUnitHeader& unit);
     void CreateUnknownEntryTypes();
     bool ProcessCompileUnit(VCompileUnitHeader& header);
+
+    /// Characters that very long texts may still have in all.
+    std::uint64_t mLongTextBudget = 0;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
