@@ -47,6 +47,7 @@ bool VElfFileCache::LoadRange(std::int32_t filePosition, std::int32_t size, bool
     if (mValidLength == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
     }
+    mIsCompressed = compress;
     if (compress) {
         CompressDsPicData(mWindow.get(), mValidLength);
     }
@@ -57,7 +58,10 @@ bool VElfFileCache::ReadThrough(void* destination, std::int32_t filePosition, st
     if (destination == nullptr) {
         return Fail(ELFReadErrorEnum::ELFERR_BUFFER_EMPTY);
     }
-    if (!MakeRoom(length)) {
+    if (mIsCompressed && !Holds(filePosition, length)) {
+        return Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
+    }
+    if (!mIsCompressed && !MakeRoom(length)) {
         return false;
     }
     if (!Holds(filePosition, length)) {

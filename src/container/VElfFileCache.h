@@ -46,6 +46,8 @@ private:
     std::int32_t mCacheSize;
     std::int32_t mValidLength = 0;
     std::int32_t mWindowStart = 0;
+    /// A compressed window is never refilled, for the file holds other bytes.
+    bool mIsCompressed = false;
     VElfInput& mInput;
     std::int32_t mRefCount = 0;
 };

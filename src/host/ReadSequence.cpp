@@ -3,6 +3,7 @@
 #include "container/VElfFile.h"
 #include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "dwarf/VDwarf2Section.h"
 #include "host/VDWARFReader.h"
 #include "host/VDWARFReaderWrapper.h"
 
@@ -186,8 +187,21 @@ bool _ReadoutSymbolTablesAndDebugSections(DWARFContainerType container, VElfFile
     return !isSymbolTableWanted || ReadSymbolTableStep(container, file);
 }
 
-bool _ReadDWARF2Section(VElfFile& /*file*/, VDWARFReaderWrapper* /*wrapper*/) {
-    return Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
+bool _ReadDWARF2Section(VElfFile& file, VDWARFReaderWrapper* wrapper) {
+    VDwarf2Section section;
+    if (!section.Init(file, wrapper)) {
+        return false;
+    }
+    // Decoding asks for symbols by address, so they have to be there before the first entry.
+    const bool hasSymbols = file.mSecSymtab.IsPresent() && file.mSecStrtab.IsPresent();
+    if (hasSymbols && !(file.LoadStrTabSection() && file.LoadSymbolMap(file.mSymbolMap))) {
+        return false;
+    }
+    if (!section.ProcessDebugSection()) {
+        return false;
+    }
+    _CleanProcessingMaps(file);
+    return true;
 }
 
 bool _ReadDWARF1Section(VElfFile& /*file*/) {
