@@ -12,7 +12,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -116,6 +118,8 @@ public:
     std::uint64_t mVoidEntryType = 0;
 
 private:
+    bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
+                          std::int32_t record);
     void CreateUnknownEntryTypes();
     bool ProcessCompileUnit(VCompileUnitHeader& header);
 };
