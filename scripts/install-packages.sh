@@ -10,7 +10,7 @@ packages=(
     binutils clang-format-14 clang-tidy-14 python3
 )
 if [ "${1:-}" = samples ]; then
-    packages+=(gcc-arm-none-eabi gcc-powerpc-linux-gnu g++-powerpc-linux-gnu)
+    packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu)
 fi
 
 missing=()

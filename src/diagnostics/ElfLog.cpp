@@ -89,6 +89,7 @@ std::string Indentation() {
 std::string tag_alignment;
 
 bool CreateLogFile(const std::string& inputPath) {
+    VElfOptions::mIsLoggingPaused = false;
     VElfOptions::mLogFileName = LogFileName(inputPath);
     const std::errc error = OpenLogFile(inputPath);
     if (error == std::errc()) {

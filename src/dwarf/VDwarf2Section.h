@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -129,6 +130,8 @@ private:
     [[nodiscard]] bool IsInDebugStr(const char* text) const;
     void AutodetectFileRelativeReferences(const std::string& producer);
     void AutodetectReferenceWidth(const std::string& producer, const VCompileUnitHeader& unit);
+    bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
+                          std::int32_t record);
     void CreateUnknownEntryTypes();
     bool ProcessCompileUnit(VCompileUnitHeader& header);
 

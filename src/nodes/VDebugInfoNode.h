@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iosfwd>
 #include <iterator>
 #include <span>
 #include <string>
@@ -23,6 +24,7 @@ class VDebugInfoNodeArray;
 class VDie2;
 class VDieNodeMap;
 class VDwarf2Section;
+class ReferenceCycles;
 class VNodeEmission;
 enum class BasicType : std::int32_t;
 struct EmissionInputs;
@@ -113,6 +115,9 @@ public:
     virtual void ResolveReferences(const VDieNodeMap& nodes);
     /// Finds the byte size of a node without one, from its type where it has one. Always true.
     bool ResolveByteSize(const VDieNodeMap& nodes);
+    /// Cuts the links of the node if a chain of types or specifications leads from it back to it.
+    /// @return true if a link was cut
+    bool BreakReferenceCycles(ReferenceCycles& cycles);
     /// Address encodings become signed ones. Always true.
     bool NormalizeEncoding();
     /// Byte size, bit offset and encoding in their final form. Always true.
@@ -260,6 +265,31 @@ public:
     [[nodiscard]] std::uint32_t GetEmissionFrame() const { return mEmissionFrame; }
     void SetEmissionFrame(std::uint32_t frame) { mEmissionFrame = frame; }
 
+    /// True if the host gave no object when it was asked for one; it isn't asked again.
+    [[nodiscard]] bool IsDeliveryRefused() const { return mIsDeliveryRefused; }
+    void SetDeliveryRefused() { mIsDeliveryRefused = true; }
+
+    /// @}
+    /// @name Dump for a person
+    /// @{
+
+    /// Writes the lines that tell what the node knows, each behind the indent.
+    virtual void Dump(std::ostream& stream, const std::string& indent) const;
+    /// Writes the node in one line without line end.
+    virtual void DumpSummary(std::ostream& stream) const;
+
+    /// @}
+    /// @name Marks of the search for reference cycles
+    /// @{
+
+    /// How far the search has come with the chain that begins here.
+    enum class WalkState : std::uint8_t { Unseen, Walking, Safe, OnCycle };
+
+    [[nodiscard]] WalkState GetTypeWalkState() const { return mTypeWalkState; }
+    void SetTypeWalkState(WalkState state) { mTypeWalkState = state; }
+    [[nodiscard]] WalkState GetSpecificationWalkState() const { return mSpecificationWalkState; }
+    void SetSpecificationWalkState(WalkState state) { mSpecificationWalkState = state; }
+
     /// @}
 
 protected:
@@ -279,6 +309,8 @@ protected:
 private:
     friend class VDie2;
 
+    void SettleByteSize(const VDieNodeMap& nodes, int nesting);
+    void SettleByteSizeOfChain(const VDieNodeMap& nodes);
     static VDebugInfoNode* WithDefinition(VDebugInfoNode* node);
 
     const char* mName = "";
@@ -308,6 +340,9 @@ private:
     bool mBitFieldFromLocation : 1 = false;
     bool mHasTemplateParameters : 1 = false;
     bool mIsDeclarationResolved : 1 = false;
+    bool mIsDeliveryRefused : 1 = false;
+    WalkState mTypeWalkState = WalkState::Unseen;
+    WalkState mSpecificationWalkState = WalkState::Unseen;
 };
 
 /// A view of the children of a node that ends with the next change of the list.
