@@ -287,7 +287,7 @@ TEST_F(DeliveryTest, WhichVariablesAreDelivered) {
         Die(DW_TAG_variable, {Specification(declaration), Address(0x1000)}),
         Die(DW_TAG_variable, {Type(number), Address(0x1004)}),
     })));
-    EXPECT_THAT(run.Variables(), ElementsAre("staticAtNull@0:4", "declared@1000:0"));
+    EXPECT_THAT(run.Variables(), ElementsAre("staticAtNull@0:4", "declared@1000:4"));
 }
 
 TEST_F(DeliveryTest, AddressesAreTakenRelativeToTheModule) {
