@@ -15,7 +15,8 @@ namespace {
 /// Links that are followed one by one before shortcuts are looked for and left.
 constexpr int sShortcutDistance = 64;
 
-/// Numbers for names that are tried one by one, as long as few variables share a name.
+/// Numbers that are tried one by one. When more variables than that share a name, the host isn't
+/// asked again for those that it is known to have.
 constexpr std::uint32_t sMaximumTriedNumber = 100;
 
 bool HasBaseClasses(const VDebugInfoNode& node) {
@@ -354,13 +355,11 @@ void VNodeEmission::AdvanceChildren(Frame& frame) {
 bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name,
                                          std::string& newName, std::uint64_t address) {
     TakenNames& taken = mTakenNames[scope][name];
-    for (std::uint32_t number = 1;; ++number) {
-        if (number > sMaximumTriedNumber && number < taken.nextNumber) {
-            if (taken.addresses.contains(address)) {
-                return false;
-            }
-            number = taken.nextNumber;
-        }
+    const bool isCrowded = taken.nextNumber > sMaximumTriedNumber;
+    if (isCrowded && taken.addresses.contains(address)) {
+        return false;
+    }
+    for (std::uint32_t number = isCrowded ? taken.nextNumber : 1;; ++number) {
         newName = number == 1 ? name : name + '.' + std::to_string(number);
         const ObjectId existing = mFactory.GetGlobalData(newName, scope);
         if (existing == 0) {
