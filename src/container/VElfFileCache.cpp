@@ -115,6 +115,7 @@ bool VElfFileCache::Refill(std::int64_t filePosition) {
     }
     mValidLength = static_cast<std::int32_t>(
         mInput.mFile.Read(mWindow.get(), static_cast<std::size_t>(mWindowCapacity)));
+    mWindow[static_cast<std::size_t>(mValidLength)] = 0;
     return true;
 }
 
