@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+"""Makes the big images that the measurements read, from generated sources: C++ for x86-64 and C for
+32-bit ARM, both with DWARF 4, each a second time from the first half of its units, and a symbol table
+without debug information. What is up to date is kept.
+
+At scale 100 the C++ image has about 100 MB of .debug_info, the one for ARM about 30 MB, and the
+symbol table 500,000 data symbols. The images go to build/bench-images/SCALE, whose path is printed.
+"""
+import argparse
+import dataclasses
+import os
+import pathlib
+import subprocess
+import sys
+
+import arm_units
+import cpp_units
+import symbol_image
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+BUILD = ROOT / "build" / "bench-images"
+SYMBOLS = 500_000
+
+RULES = """\
+rule compile
+  command = nice {compile} -c $in -o $out
+  description = compile {kind}/$in
+rule precompile
+  command = nice {compile} -x c++-header $in -o $out
+  description = precompile {kind}/$in
+rule link
+  command = nice {link} @$out.rsp -o $out
+  rspfile = $out.rsp
+  rspfile_content = $in
+  description = link $out
+"""
+
+
+@dataclasses.dataclass
+class Kind:
+    """How the units of one image are written, compiled and linked."""
+    sources: object
+    units: int
+    compile: str
+    link: str
+    precompiled: str = ""
+
+
+# Types of a C++ header count although the unit uses none of them: so a unit holds what its headers
+# hold, without the functions that would make a user of them.
+KINDS = {
+    "cpp": Kind(cpp_units.sources, 96,
+                "g++ -std=c++20 -w -O0 -g -gdwarf-4 -fno-eliminate-unused-debug-types",
+                "g++ -no-pie -Wl,--no-gc-sections,--unresolved-symbols=ignore-all", "heavy.h"),
+    "arm": Kind(arm_units.sources, 94,
+                "arm-none-eabi-gcc -mcpu=cortex-m4 -mthumb -ffreestanding -w -O0 -g -gdwarf-4",
+                "arm-none-eabi-gcc -mcpu=cortex-m4 -mthumb -nostdlib -Wl,--no-gc-sections,-e,0"),
+}
+
+
+def write_if_changed(path, text):
+    if not path.exists() or path.read_text() != text:
+        path.write_text(text)
+
+
+def is_source(name):
+    return not name.endswith(".h")
+
+
+def build_images(name, folder, scale):
+    """The image of a kind and the one of half its units. Objects are shared by all scales."""
+    kind = KINDS[name]
+    units = max(2, kind.units * scale // 100 // 2 * 2)
+    objects = BUILD / "objects" / name
+    objects.mkdir(parents=True, exist_ok=True)
+    files = kind.sources(units)
+    for file, text in files.items():
+        write_if_changed(objects / file, text)
+
+    headers = " ".join(file for file in files if not is_source(file))
+    compiled = [file for file in files if is_source(file)]
+    half = [file for file in compiled if not file.startswith("unit")]
+    half += [file for file in compiled if file.startswith("unit")][:units // 2]
+    lines = [RULES.format(kind=name, compile=kind.compile, link=kind.link)]
+    if kind.precompiled:
+        lines.append(f"build {kind.precompiled}.gch: precompile {kind.precompiled}\n")
+        headers = f"{kind.precompiled}.gch"
+    for file in compiled:
+        lines.append(f"build {file}.o: compile {file} | {headers}\n")
+    for image, parts in ((f"{name}.elf", compiled), (f"{name}-half.elf", half)):
+        inputs = " ".join(f"{file}.o" for file in parts)
+        lines.append(f"build {folder / image}: link {inputs}\n")
+    write_if_changed(objects / "build.ninja", "".join(lines))
+    subprocess.run(["ninja", "-C", objects, "-j", str(len(os.sched_getaffinity(0)))],
+                   stdout=sys.stderr, check=True)
+
+
+def build_symbols(folder, scale):
+    path = folder / "symbols.elf"
+    script = pathlib.Path(symbol_image.__file__)
+    if not path.exists() or path.stat().st_mtime < script.stat().st_mtime:
+        symbol_image.write_image(path, SYMBOLS * scale // 100)
+
+
+def main():
+    names = [*KINDS, "symbols"]
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--scale", type=int, default=100, metavar="PERCENT",
+                        help="size of the images in percent (100)")
+    parser.add_argument("images", nargs="*", metavar="IMAGE", help=", ".join(names))
+    arguments = parser.parse_args()
+    unknown = set(arguments.images) - set(names)
+    if unknown or arguments.scale < 1:
+        parser.error(f"unknown image: {', '.join(unknown)}" if unknown else "the scale is below 1")
+
+    folder = BUILD / str(arguments.scale)
+    folder.mkdir(parents=True, exist_ok=True)
+    for name in arguments.images or names:
+        if name == "symbols":
+            build_symbols(folder, arguments.scale)
+        else:
+            build_images(name, folder, arguments.scale)
+    print(folder)
+
+
+if __name__ == "__main__":
+    main()
