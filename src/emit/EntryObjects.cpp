@@ -70,6 +70,7 @@ public:
     }
 
     ObjectId CreateTypedef(bool& alreadyRegistered) {
+        Name();
         if (mNode.IsTypedefOfSameName()) {
             alreadyRegistered = true;
             return mInputs.type;

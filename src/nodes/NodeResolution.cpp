@@ -200,7 +200,7 @@ std::int32_t VDebugInfoNode::GetResolvedByteSize(bool& isAddressSize) const {
         }
         if (IsPointerOrReference(*type)) {
             isAddressSize = true;
-            return mCompileUnitHeader->mTargetAddressSize;
+            return node->mCompileUnitHeader->mTargetAddressSize;
         }
         node = type;
     }

@@ -76,10 +76,11 @@ void VDebugInfoNode::ConvertBitOffset() {
     }
     bool isAddressSize = false;
     const std::int32_t resolvedSize = GetResolvedByteSize(isAddressSize);
-    const std::int64_t storageSize = resolvedSize > 0 ? resolvedSize : mByteSize;
-    const std::int64_t bitOffset = storageSize * 8 - GetBitOffset() - GetBitSize();
-    if (bitOffset >= 0) {
-        SetBitOffset(static_cast<std::uint32_t>(bitOffset));
+    const auto storageSize = static_cast<std::uint32_t>(resolvedSize > 0 ? resolvedSize : mByteSize);
+    // In 32 bits, since a field that begins before its storage has a negative offset as read.
+    const std::uint32_t bitOffset = storageSize * 8 - GetBitOffset() - GetBitSize();
+    if (static_cast<std::int32_t>(bitOffset) >= 0) {
+        SetBitOffset(bitOffset);
     }
 }
 
@@ -122,19 +123,24 @@ const char* VDebugInfoNode::GetNameOrNull() const {
     return *mName != '\0' ? mName : nullptr;
 }
 
-void VDebugInfoNode::GetLexicalBlockName(std::string& out) {
+/// The subprogram or outer block that numbers this one, null if there is none.
+VDebugInfoNode* VDebugInfoNode::FindNumberingOwner() const {
     VDebugInfoNode* owner = mParent;
     for (int link = 0; link < sMaximumChainLength && owner != nullptr; ++link) {
-        if (owner->mTag == DW_TAG_lexical_block) {
-            VDebugInfoNode* outer = owner->mParent;
-            owner = outer != nullptr && outer->mTag == DW_TAG_subprogram ? outer : owner;
-            break;
-        }
         if (owner->mTag == DW_TAG_subprogram) {
-            break;
+            return owner;
         }
-        owner = owner->mParent;
+        VDebugInfoNode* outer = owner->mParent;
+        if (owner->mTag == DW_TAG_lexical_block) {
+            return outer != nullptr && outer->mTag == DW_TAG_subprogram ? outer : owner;
+        }
+        owner = outer;
     }
+    return nullptr;
+}
+
+void VDebugInfoNode::GetLexicalBlockName(std::string& out) {
+    VDebugInfoNode* owner = FindNumberingOwner();
     out = std::to_string(owner != nullptr ? owner->GetNextLexicalBlockNumber()
                                           : nGlobalLexicalBlockCounter++);
 }

@@ -311,6 +311,7 @@ private:
 
     void SettleByteSize(const VDieNodeMap& nodes, int nesting);
     void SettleByteSizeOfChain(const VDieNodeMap& nodes);
+    [[nodiscard]] VDebugInfoNode* FindNumberingOwner() const;
     static VDebugInfoNode* WithDefinition(VDebugInfoNode* node);
 
     const char* mName = "";
