@@ -40,6 +40,8 @@ public:
 
     /// Opens the file of the path and takes its length. Error: `ELFERR_OPEN_FAILED`.
     bool OpenInput();
+    /// Path of the input as the host gave it.
+    [[nodiscard]] const std::string& GetInputPath() const { return mPath; }
     /// Path of the input, cut to 260 characters.
     [[nodiscard]] const std::string& GetInputFileName() const { return mFileName; }
 
