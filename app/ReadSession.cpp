@@ -72,7 +72,7 @@ void ReadSession::ConnectCallbacks() {
     };
 }
 
-void ReadSession::Signal(ReaderCallback callback) const {
+void ReadSession::Signal(const ReaderCallback& callback) const {
     if (mSink) {
         mSink(callback);
     }
@@ -100,14 +100,11 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
 
 bool ReadSession::RunReader(const std::string& file, DWARFContainerType container) {
     const CapturedStandardOutput captured;
-    struct BarOfThisRead {
-        std::optional<ProgressBar>& bar;
-        ~BarOfThisRead() { bar.reset(); }
-    };
-    const BarOfThisRead barOfThisRead{mProgressBar};
+    std::optional<ProgressBar> progressBar;
     if (mIsProgressDrawn) {
-        mProgressBar.emplace(std::cerr);
+        progressBar.emplace(std::cerr);
     }
+    mProgressBar = progressBar ? &*progressBar : nullptr;
     return mReader.Read(file, container);
 }
 

@@ -103,7 +103,7 @@ TEST_F(BufferTest, ReadsLeb128OfAnyLength) {
         {"\x81\x80\x80\x80\x80\x80\x80\x80\x80\x00"s, 1, 1},
     };
     for (const Case& each : cases) {
-        auto buffer = Load(each.bytes + "\x55");
+        auto buffer = Load(each.bytes + "U");
         EXPECT_EQ(buffer->GetULEB128(), each.isUnsigned);
         EXPECT_EQ(buffer->GetOffset(), static_cast<std::int32_t>(each.bytes.size()));
         buffer->SetOffset(0);
@@ -262,6 +262,7 @@ TEST_F(BufferTest, CountedPointersKeepTheCacheAlive) {
         second = first;
         second = second;
         const VElfFileCachePtr third = first;
+        EXPECT_EQ(static_cast<VElfFileCache*>(third), static_cast<VElfFileCache*>(second));
     }
     EXPECT_STREQ(second->GetPointer(0), "abc");
     const VElfBuffer sharing(mInput, 5, second);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -143,8 +144,18 @@ VElfFileCachePtr::VElfFileCachePtr(const VElfFileCachePtr& other) {
     reset(other.mCache);
 }
 
+VElfFileCachePtr::VElfFileCachePtr(VElfFileCachePtr&& other) noexcept
+    : mCache(std::exchange(other.mCache, nullptr)) {}
+
 VElfFileCachePtr& VElfFileCachePtr::operator=(const VElfFileCachePtr& other) {
-    reset(other.mCache);
+    if (this != &other) {
+        reset(other.mCache);
+    }
+    return *this;
+}
+
+VElfFileCachePtr& VElfFileCachePtr::operator=(VElfFileCachePtr&& other) noexcept {
+    std::swap(mCache, other.mCache);
     return *this;
 }
 

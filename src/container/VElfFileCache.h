@@ -62,7 +62,9 @@ public:
     VElfFileCachePtr() = default;
     explicit VElfFileCachePtr(VElfFileCache* cache);
     VElfFileCachePtr(const VElfFileCachePtr& other);
+    VElfFileCachePtr(VElfFileCachePtr&& other) noexcept;
     VElfFileCachePtr& operator=(const VElfFileCachePtr& other);
+    VElfFileCachePtr& operator=(VElfFileCachePtr&& other) noexcept;
     ~VElfFileCachePtr();
 
     /// Takes the new reference, then releases the old one.
