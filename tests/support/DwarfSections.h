@@ -165,7 +165,7 @@ private:
 
 /// One compile unit. The last fields, where set, replace what is filled in rightly.
 struct DwarfUnit {
-    std::vector<Die> entries;
+    std::vector<Die> entries = {};
     int version = 4;
     int addressSize = 4;
     bool is64BitDwarf = false;
