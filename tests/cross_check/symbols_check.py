@@ -37,10 +37,13 @@ def raw_symbols(image):
                    fields[3])
 
 
-def expected_variables(image):
-    """The variables of the image as (address, size, name), in the order of delivery."""
+def expected_variables(image, names=(), addresses=()):
+    """The variables that the symbol table gives, as (address, size, name), in the order of delivery.
+
+    `names` and `addresses` are those of variables that were delivered before.
+    """
     variables = []
-    names, addresses = set(), set()
+    names, addresses = set(names), set(addresses)
     for name, value, size, kind in raw_symbols(image):
         is_data = kind == "OBJECT" and value != 0 and name != ""
         if not is_data or name.startswith(VIRTUAL_TABLE_PREFIXES):

@@ -20,7 +20,7 @@ arm-c-dwarf4-O0.elf               arm       gcc      c       -O0 -gdwarf-4 -gstr
 arm-c-dwarf4-O2.elf               arm       gcc      c       -O2 -gdwarf-4 -gstrict-dwarf
 arm-c-dwarf4-O2-object.o          arm       gcc      c       -O2 -gdwarf-4 -gstrict-dwarf
 arm-c-dwarf4-O2-nosymtab.elf      arm       gcc      c       -O2 -gdwarf-4 -gstrict-dwarf
-arm-cpp-dwarf2-O0.elf             arm       gcc      cpp     -O0 -gdwarf-2 -gstrict-dwarf
+arm-cpp-dwarf2-O0.elf             arm       gcc      cpp     -O0 -gdwarf-2
 arm-cpp-dwarf3-O2.elf             arm       gcc      cpp     -O2 -gdwarf-3 -gstrict-dwarf
 arm-cpp-dwarf4-O0.elf             arm       gcc      cpp     -O0 -gdwarf-4 -gstrict-dwarf
 arm-cpp-dwarf4-O2.elf             arm       gcc      cpp     -O2 -gdwarf-4 -gstrict-dwarf
