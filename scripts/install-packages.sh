@@ -1,17 +1,23 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building and testing need, those that are missing alone. With the
-# argument "samples" also the cross compilers that rebuild the sample images.
+# argument "samples" also the cross compilers that rebuild the sample images; with "bench" also what
+# makes the big images and the tools that brindle is measured beside.
 set -euo pipefail
 
 packages=(
     cmake g++ ninja-build
     libboost-dev libcli11-dev libcsv-dev rapidjson-dev
     libbenchmark-dev libgmock-dev libgtest-dev
-    binutils clang-format-14 clang-tidy-14 python3
+    binutils clang-format-14 clang-tidy-14 gdb-multiarch python3
 )
-if [ "${1:-}" = samples ]; then
+case "${1:-}" in
+samples)
     packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu)
-fi
+    ;;
+bench)
+    packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb)
+    ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do

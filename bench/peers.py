@@ -1,0 +1,224 @@
+#!/usr/bin/env python3
+"""Measures brindle beside the tools that a user could run instead, on the same images in one run.
+
+Prints time and peak memory as a Markdown table for docs/performance.md, with the machine's
+description. All tools read the same file, write to a file, and run alone on one processor, one after
+the other. peers.sh builds what is needed and calls it.
+"""
+import argparse
+import dataclasses
+import os
+import pathlib
+import platform
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+PROGRAMS = ROOT / "build" / "release"
+
+
+@dataclasses.dataclass
+class Tool:
+    """A program and its arguments before the image; `package` has it on Debian."""
+    name: str
+    command: list
+    package: str
+    isSlow: bool = False
+
+
+BRINDLE = Tool("brindle vars --all-types",
+               [str(PROGRAMS / "app/brindle"), "vars", "--all-types", "--no-progress"], "")
+
+DEBUG_TOOLS = [
+    BRINDLE,
+    Tool("bare libdw walk", [str(PROGRAMS / "bench/libdw_walk")], "libdw-dev"),
+    Tool("pahole", ["pahole"], "dwarves"),
+    Tool("readelf --debug-dump=info", ["readelf", "--debug-dump=info"], "binutils"),
+    Tool("llvm-dwarfdump", ["llvm-dwarfdump-14", "--debug-info"], "llvm-14"),
+    Tool("eu-readelf --debug-dump=info", ["eu-readelf", "--debug-dump=info"], "elfutils"),
+    Tool("abidw", ["abidw"], "abigail-tools", isSlow=True),
+    Tool("gdb: info variables, info types",
+         ["gdb", "-batch", "-nx", "-ex", "info variables", "-ex", "info types"], "gdb", isSlow=True),
+]
+
+SYMBOL_TOOLS = [
+    BRINDLE,
+    Tool("nm --print-size", ["nm", "--print-size"], "binutils"),
+    Tool("readelf --symbols", ["readelf", "--symbols", "--wide"], "binutils"),
+    Tool("eu-readelf --symbols", ["eu-readelf", "--symbols"], "elfutils"),
+    Tool("llvm-nm", ["llvm-nm-14", "--print-size"], "llvm-14"),
+    Tool("gdb: info variables", ["gdb", "-batch", "-nx", "-ex", "info variables"], "gdb", isSlow=True),
+]
+
+IMAGES = [("cpp.elf", "C++, x86-64", DEBUG_TOOLS), ("cpp-half.elf", "C++, half the units", None),
+          ("arm.elf", "C, 32-bit ARM", DEBUG_TOOLS), ("arm-half.elf", "C, half the units", None),
+          ("symbols.elf", "symbols alone", SYMBOL_TOOLS)]
+
+
+@dataclasses.dataclass
+class Measurement:
+    """Seconds of processor and wall time, and peak memory in MiB, of one run; the best of several."""
+    cpu: float = 0.0
+    wall: float = 0.0
+    memory: float = 0.0
+    failure: str = ""
+
+
+def run_once(tool, image, limit):
+    """One run of a tool, killed after `limit` seconds. Its output goes to a file that is thrown away."""
+    with tempfile.TemporaryFile() as output:
+        start = time.monotonic()
+        process = subprocess.Popen([*tool.command, str(image)], stdin=subprocess.DEVNULL,
+                                   stdout=output, stderr=subprocess.DEVNULL, start_new_session=True)
+        signal.signal(signal.SIGALRM, lambda *_: os.killpg(process.pid, signal.SIGKILL))
+        signal.alarm(limit)
+        _, status, usage = os.wait4(process.pid, 0)
+        signal.alarm(0)
+        process.returncode = os.waitstatus_to_exitcode(status)
+        wall = time.monotonic() - start
+    measurement = Measurement(usage.ru_utime + usage.ru_stime, wall, usage.ru_maxrss / 1024)
+    if process.returncode == -signal.SIGKILL and wall >= limit:
+        measurement.failure = f"stopped after {limit} s"
+    elif process.returncode != 0:
+        measurement.failure = f"failed, status {process.returncode}"
+    return measurement
+
+
+def measure(tool, image, arguments):
+    """The best of the runs. A tool that takes long is run once: what disturbs it counts for little."""
+    best = run_once(tool, image, arguments.limit)
+    for _ in range(arguments.runs - 1):
+        if best.failure or best.wall > arguments.repeat_below:
+            break
+        again = run_once(tool, image, arguments.limit)
+        best = Measurement(min(best.cpu, again.cpu), min(best.wall, again.wall),
+                           min(best.memory, again.memory), again.failure)
+    return best
+
+
+def section_size(image, name):
+    """Bytes of a section, 0 if the image has none."""
+    listing = subprocess.run(["size", "-A", "-d", str(image)], capture_output=True, text=True,
+                             check=True).stdout
+    sizes = {fields[0]: int(fields[1]) for fields in map(str.split, listing.splitlines())
+             if len(fields) == 3 and fields[1].isdigit()}
+    return sizes.get(name, 0)
+
+
+def megabytes(count):
+    return f"{count / 1e6:.1f} MB"
+
+
+def ratio(value, reference):
+    return f"{value / reference:.2f}" if reference > 0 else "-"
+
+
+def table_row(tool, measurement, reference):
+    if measurement.failure:
+        return f"| {tool.name} | {measurement.failure} | | | | |"
+    has_reference = reference is not None and not reference.failure
+    return (f"| {tool.name} | {measurement.cpu:.2f} s | {measurement.wall:.2f} s "
+            f"| {ratio(measurement.cpu, reference.cpu) if has_reference else '-'} "
+            f"| {measurement.memory:.0f} MiB "
+            f"| {ratio(measurement.memory, reference.memory) if has_reference else '-'} |")
+
+
+def is_there(tool):
+    return shutil.which(tool.command[0]) is not None
+
+
+def print_table(tools, image, arguments):
+    print("| Tool | Processor time | Wall time | Time / brindle | Peak memory | Memory / brindle |")
+    print("|---|---|---|---|---|---|")
+    reference = None
+    for tool in tools:
+        if not is_there(tool):
+            print(f"| {tool.name} | missing: package {tool.package} | | | | |")
+            continue
+        if tool.isSlow and arguments.no_slow:
+            print(f"| {tool.name} | left out | | | | |")
+            continue
+        print(f"{tool.name}, {image.name} ...", file=sys.stderr)
+        measurement = measure(tool, image, arguments)
+        reference = measurement if tool is BRINDLE else reference
+        print(table_row(tool, measurement, reference), flush=True)
+    print()
+    return reference
+
+
+def print_growth(folder, whole, arguments):
+    """Brindle on the image of half the units, as a part of the whole."""
+    for name, title, tools in IMAGES:
+        image = folder / name
+        full = whole.get(name.replace("-half", ""))
+        if tools is not None or not image.exists() or full is None:
+            continue
+        half = measure(BRINDLE, image, arguments)
+        if half.failure or full.failure:
+            print(f"- {title}: {half.failure or full.failure}")
+        else:
+            print(f"- {title}: time {ratio(half.cpu, full.cpu)}, memory "
+                  f"{ratio(half.memory, full.memory)} of the whole image's")
+    print()
+
+
+def version_of(command):
+    output = subprocess.run([command, "--version"], capture_output=True, text=True, check=False)
+    lines = [line.strip() for line in (output.stdout or output.stderr).splitlines() if line.strip()]
+    named = [line for line in lines if any(character.isdigit() for character in line)]
+    return named[0] if named else "unknown version"
+
+
+def processor_name():
+    for line in pathlib.Path("/proc/cpuinfo").read_text().splitlines():
+        if line.startswith("model name"):
+            return line.partition(":")[2].strip()
+    return platform.machine()
+
+
+def print_machine():
+    memory = os.sysconf("SC_PAGE_SIZE") * os.sysconf("SC_PHYS_PAGES") / 2**30
+    system = platform.freedesktop_os_release().get("PRETTY_NAME", platform.system())
+    print(f"Machine: {processor_name()}, {os.cpu_count()} processors, {memory:.0f} GiB, {system}, "
+          f"Linux {platform.release()}. Load at the start: {os.getloadavg()[0]:.1f}.\n")
+    commands = {tool.command[0] for tool in DEBUG_TOOLS + SYMBOL_TOOLS
+                if not tool.command[0].startswith("/") and is_there(tool)}
+    print("Versions: " + "; ".join(f"{command}: {version_of(command)}" for command in sorted(commands))
+          + ".\n")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("folder", type=pathlib.Path, help="where the images lie")
+    parser.add_argument("--no-slow", action="store_true", help="leave out gdb and abidw")
+    parser.add_argument("--limit", type=int, default=600, help="seconds until a tool is stopped (600)")
+    parser.add_argument("--runs", type=int, default=3, help="runs of a tool, the best counts (3)")
+    parser.add_argument("--repeat-below", type=float, default=15, metavar="SECONDS",
+                        help="a tool that takes longer is run once (15)")
+    arguments = parser.parse_args()
+
+    # One processor for all: a tool that works on several threads shall not look faster than it is.
+    os.sched_setaffinity(0, {max(os.sched_getaffinity(0))})
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    print_machine()
+    whole = {}
+    for name, title, tools in IMAGES:
+        image = arguments.folder / name
+        if tools is None or not image.exists():
+            continue
+        size = section_size(image, ".debug_info")
+        content = f"{megabytes(size)} of .debug_info" if size else megabytes(image.stat().st_size)
+        print(f"### {title}: {content}\n")
+        whole[name] = print_table(tools, image, arguments)
+    print("### Half the units\n")
+    print_growth(arguments.folder, whole, arguments)
+
+
+if __name__ == "__main__":
+    main()
