@@ -2,6 +2,7 @@
 
 #include "CapturedStandardOutput.h"
 #include "ContainerDetection.h"
+#include "Message.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 #include "Terminal.h"
@@ -112,8 +113,7 @@ ExitStatus ReportResult(const std::string& file, const ReadResult& result) {
     if (result.isOk) {
         return ExitStatus::Success;
     }
-    std::cerr << "brindle: " << file << ": "
-              << (result.error.empty() ? "The file could not be read." : result.error) << '\n';
+    Tell(file, result.error.empty() ? "The file could not be read." : result.error);
     return ExitStatus::Failed;
 }
 
