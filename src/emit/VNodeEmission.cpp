@@ -6,6 +6,7 @@
 #include "emit/VCLIFactoryWrapper.h"
 #include "nodes/VDebugInfoNodeStructures.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -15,9 +16,13 @@ namespace {
 /// Links that are followed one by one before shortcuts are looked for and left.
 constexpr int sShortcutDistance = 64;
 
-/// Numbers that are tried one by one. When more variables than that share a name, the host isn't
-/// asked again for those that it is known to have.
-constexpr std::uint32_t sMaximumTriedNumber = 100;
+/// Deliveries of one node that may be in progress at a time, and inner deliveries of all nodes.
+/// Types that name each other through many structures nest a few.
+constexpr std::uint32_t sMaximumDeliveriesOfNode = 100;
+constexpr std::size_t sMaximumInnerDeliveries = 100'000;
+
+/// When so many variables share a name in a scope, their numbers aren't tried one by one any more.
+constexpr std::uint32_t sManyVariables = 100;
 
 bool HasBaseClasses(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type;
@@ -54,6 +59,12 @@ bool PassesFilter(const VDebugInfoNode& node) {
     }
 }
 
+/// True for a node of which it is known that it has no object and that asking for one has no
+/// effect.
+bool IsUndelivered(const VDebugInfoNode& node) {
+    return node.IsDeliveryRefused() || node.IsDropped() || !PassesFilter(node);
+}
+
 } // namespace
 
 ObjectId VNodeEmission::Deliver(VDebugInfoNode& node) {
@@ -69,18 +80,23 @@ ObjectId VNodeEmission::Deliver(VDebugInfoNode& node) {
 
 bool VNodeEmission::Open(VDebugInfoNode& node) {
     const std::uint32_t outerFrame = node.GetEmissionFrame();
-    const bool isInVain = outerFrame != 0 && mFrames[outerFrame - 1].objectCount == mObjectCount;
-    if (isInVain && IsFindingReturnType(mFrames[outerFrame - 1])) {
+    const bool hasAnswer = node.GetEntryObject() != 0 || node.IsDeliveryRefused();
+    mIsInVain = !hasAnswer && outerFrame != 0 && IsInVain(mFrames[outerFrame - 1]);
+    if (mIsInVain && IsFindingReturnType(mFrames[outerFrame - 1])) {
         // The return type lies in the function itself: it has to do without.
         CreateObject(mFrames[outerFrame - 1]);
     }
-    if (node.GetEntryObject() != 0 || node.IsDeliveryRefused() || isInVain) {
+    if (hasAnswer || mIsInVain) {
         mResult = node.GetEntryObject();
         return false;
     }
+    const std::uint32_t outerFrameCount =
+        outerFrame != 0 ? mFrames[outerFrame - 1].outerFrameCount + 1 : 0;
+    mInnerFrameCount += outerFrame != 0 ? 1 : 0;
     Frame& frame = mFrames.emplace_back();
     frame.node = &node;
     frame.outerFrame = outerFrame;
+    frame.outerFrameCount = outerFrameCount;
     frame.objectCount = mObjectCount;
     frame.firstParameter = mParameters.size();
     node.SetEmissionFrame(static_cast<std::uint32_t>(mFrames.size()));
@@ -91,8 +107,10 @@ void VNodeEmission::Close() {
     const Frame& frame = mFrames.back();
     frame.node->SetEmissionFrame(frame.outerFrame);
     mParameters.resize(frame.firstParameter);
+    mInnerFrameCount -= frame.outerFrame != 0 ? 1 : 0;
     mResult = frame.node->GetEntryObject();
     mHasResult = true;
+    mIsInVain = false;
     mFrames.pop_back();
 }
 
@@ -120,6 +138,12 @@ bool VNodeEmission::Await(VDebugInfoNode& node, ObjectId& object) {
     mHasResult = false;
     object = mResult;
     return true;
+}
+
+bool VNodeEmission::IsInVain(const Frame& outerFrame) const {
+    return outerFrame.objectCount == mObjectCount ||
+           outerFrame.outerFrameCount + 1 >= sMaximumDeliveriesOfNode ||
+           mInnerFrameCount >= sMaximumInnerDeliveries;
 }
 
 bool VNodeEmission::IsFindingReturnType(const Frame& frame) {
@@ -193,7 +217,10 @@ bool VNodeEmission::MeetType(Frame& frame, VDebugInfoNode& node, ObjectId& type)
         if (!Await(*next, type)) {
             return false;
         }
-        if (type != 0) {
+        if (type == 0 && mIsInVain) {
+            type = UnknownTypeFor(*next);
+        }
+        if (type != 0 || mIsInVain) {
             frame.chain = nullptr;
             return true;
         }
@@ -211,7 +238,7 @@ VDebugInfoNode* VNodeEmission::SkipUndelivered(VDebugInfoNode* node) {
     for (int link = 1;; ++link) {
         VDebugInfoNode* type = node->GetTypeNode();
         VDebugInfoNode* next = type != nullptr ? type : node->GetSpecificationNode();
-        if (next == nullptr || (type != nullptr && IsDelivered(type->GetTag()))) {
+        if (next == nullptr || (type != nullptr && !IsUndelivered(*type))) {
             break;
         }
         node = next;
@@ -233,23 +260,25 @@ VDebugInfoNode* VNodeEmission::SkipUndelivered(VDebugInfoNode* node) {
 }
 
 ObjectId VNodeEmission::TypeAtEndOfChain(const VDebugInfoNode& node) {
-    return node.GetTag() == DW_TAG_pointer_type
-               ? mSection.GetVoidEntryTypeObject()
-               : mSection.GetUnknownEntryTypeObject(static_cast<std::uint32_t>(node.GetByteSize()));
+    return node.GetTag() == DW_TAG_pointer_type ? mSection.GetVoidEntryTypeObject()
+                                                : UnknownTypeFor(node);
+}
+
+ObjectId VNodeEmission::UnknownTypeFor(const VDebugInfoNode& node) {
+    return mSection.GetUnknownEntryTypeObject(static_cast<std::uint32_t>(node.GetByteSize()));
 }
 
 bool VNodeEmission::MeetBaseType(Frame& frame) {
     if (frame.chain == nullptr) {
         frame.chain = frame.node->GetBaseTypeNode();
     }
-    const auto byteSize = static_cast<std::uint32_t>(frame.node->GetByteSize());
     ObjectId& type = frame.inputs.type;
     if (frame.chain != nullptr && !Await(*frame.chain, type)) {
         return false;
     }
     frame.chain = nullptr;
     if (type == 0) {
-        type = mSection.GetUnknownEntryTypeObject(byteSize);
+        type = UnknownTypeFor(*frame.node);
     }
     return true;
 }
@@ -290,10 +319,16 @@ bool VNodeEmission::MeetReturnType(Frame& frame) {
 
 void VNodeEmission::CreateObject(Frame& frame) {
     VDebugInfoNode& node = *frame.node;
+    if (node.IsDeliveryRefused()) {
+        return;
+    }
     frame.inputs.parameters = std::span(mParameters).subspan(frame.firstParameter);
     ObjectId object = 0;
     bool isAlreadyRegistered = false;
     if (!node.CreateEntryObject(*this, frame.inputs, object, isAlreadyRegistered)) {
+        if (node.GetEntryObject() == 0) {
+            node.SetDropped();
+        }
         return;
     }
     frame.object = object;
@@ -355,18 +390,17 @@ void VNodeEmission::AdvanceChildren(Frame& frame) {
 bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name,
                                          std::string& newName, std::uint64_t address) {
     TakenNames& taken = mTakenNames[scope][name];
-    const bool isCrowded = taken.nextNumber > sMaximumTriedNumber;
-    if (isCrowded && taken.addresses.contains(address)) {
+    const bool areMany = taken.nextNumber > sManyVariables;
+    if (areMany && taken.addresses.contains(address)) {
         return false;
     }
-    for (std::uint32_t number = isCrowded ? taken.nextNumber : 1;; ++number) {
+    for (std::uint32_t number = areMany ? taken.nextNumber : 1;; ++number) {
         newName = number == 1 ? name : name + '.' + std::to_string(number);
         const ObjectId existing = mFactory.GetGlobalData(newName, scope);
         if (existing == 0) {
-            taken.addresses.insert(address);
-            taken.nextNumber = number + 1;
             return true;
         }
+        taken.nextNumber = std::max(taken.nextNumber, number + 1);
         const auto known = mSection.mObjectNodes.find(existing);
         if (known == mSection.mObjectNodes.end()) {
             continue;

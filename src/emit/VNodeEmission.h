@@ -60,7 +60,8 @@ bool IsDelivered(dwarf_tag tag);
 /// length need no stack. A node may be asked for while its own delivery is in progress, since its
 /// scope delivers it as a child: it is then delivered by the inner request, and the guard ends the
 /// outer one. An inner request that comes although no object at all was made since the outer one
-/// would come again and again; it is answered with 0.
+/// would come again and again. It is in vain and answered with 0, and so is one that comes when
+/// very many are in progress.
 class VNodeEmission {
 public:
     VNodeEmission(VDwarf2Section& section, VCLIFactoryWrapper& factory)
@@ -92,6 +93,8 @@ private:
         bool hasStarted = false;
         /// Frame of the same node that was in progress before, 0 if there is none.
         std::uint32_t outerFrame = 0;
+        /// Frames of the same node that were in progress before.
+        std::uint32_t outerFrameCount = 0;
         /// Objects made when the frame began.
         std::uint64_t objectCount = 0;
         ObjectId object = 0;
@@ -105,7 +108,9 @@ private:
 
     /// What is known of the variables of one name in one scope.
     struct TakenNames {
+        /// All numbers before this one are taken.
         std::uint32_t nextNumber = 1;
+        /// Addresses of the variables that have them.
         std::unordered_set<std::uint64_t> addresses;
     };
 
@@ -114,6 +119,7 @@ private:
     void Advance();
     bool Await(VDebugInfoNode& node, ObjectId& object);
 
+    [[nodiscard]] bool IsInVain(const Frame& outerFrame) const;
     static bool IsFindingReturnType(const Frame& frame);
     bool MeetNeeds();
     bool MeetNeed(Frame& frame, EntryNeed need);
@@ -126,6 +132,7 @@ private:
     bool MeetReturnType(Frame& frame);
     VDebugInfoNode* SkipUndelivered(VDebugInfoNode* node);
     ObjectId TypeAtEndOfChain(const VDebugInfoNode& node);
+    ObjectId UnknownTypeFor(const VDebugInfoNode& node);
     void CreateObject(Frame& frame);
     void AdvanceBaseClasses(Frame& frame);
     void AdvanceChildren(Frame& frame);
@@ -139,7 +146,11 @@ private:
     ObjectId mResult = 0;
     /// True when the innermost frame has an answer to take.
     bool mHasResult = false;
+    /// True if the last request was in vain.
+    bool mIsInVain = false;
     std::uint64_t mObjectCount = 0;
+    /// Frames in progress that are inner requests.
+    std::size_t mInnerFrameCount = 0;
     /// Ends of long chains of nodes without object, for some of their nodes.
     std::unordered_map<const VDebugInfoNode*, VDebugInfoNode*> mChainShortcuts;
     std::unordered_map<ObjectId, std::unordered_map<std::string, TakenNames>> mTakenNames;

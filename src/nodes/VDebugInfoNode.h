@@ -268,6 +268,9 @@ public:
     /// True if the host gave no object when it was asked for one; it isn't asked again.
     [[nodiscard]] bool IsDeliveryRefused() const { return mIsDeliveryRefused; }
     void SetDeliveryRefused() { mIsDeliveryRefused = true; }
+    /// True for a variable that the host has already from another node.
+    [[nodiscard]] bool IsDropped() const { return mIsDropped; }
+    void SetDropped() { mIsDropped = true; }
 
     /// @}
     /// @name Dump for a person
@@ -342,6 +345,7 @@ private:
     bool mHasTemplateParameters : 1 = false;
     bool mIsDeclarationResolved : 1 = false;
     bool mIsDeliveryRefused : 1 = false;
+    bool mIsDropped : 1 = false;
     WalkState mTypeWalkState = WalkState::Unseen;
     WalkState mSpecificationWalkState = WalkState::Unseen;
 };
