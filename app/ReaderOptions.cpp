@@ -78,7 +78,7 @@ std::string_view ValueDescription(const OptionDescription& option) {
 std::string ApplyReaderOption(std::string_view setting) {
     const std::size_t separator = setting.find('=');
     if (separator == std::string_view::npos) {
-        return "'" + std::string(setting) + "' is not of the form OPTION=VALUE";
+        return std::string("'").append(setting) + "' is not of the form OPTION=VALUE";
     }
     const std::string_view name = setting.substr(0, separator);
     const std::string_view value = setting.substr(separator + 1);
@@ -87,8 +87,8 @@ std::string ApplyReaderOption(std::string_view setting) {
         return UnknownOptionMessage(name);
     }
     if (!Reader::DWARF::AssignOption(*option, value)) {
-        return "'" + std::string(value) + "' is no value for " + std::string(name) + ", which is " +
-               std::string(ValueDescription(*option));
+        return std::string("'").append(value) + "' is no value for " + std::string(name) +
+               ", which is " + std::string(ValueDescription(*option));
     }
     return {};
 }

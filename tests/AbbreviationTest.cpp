@@ -1,5 +1,6 @@
 // Abbreviation tables: what belongs to a table, and how codes are found in it.
 #include "dwarf/VAbrSectionBuffer.h"
+#include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
@@ -142,7 +143,8 @@ TEST_F(AbbreviationTest, OverlappingTablesAreBounded) {
     }
     sections.RawAbbreviations(table + '\0');
     for (std::uint64_t index = 0; index < count; ++index) {
-        sections.Unit({.entries = {Die::Raw("\1")}, .abbreviationOffset = index * 3});
+        sections.Unit(
+            {.entries = {Die::Raw(std::string(5, '\1'))}, .abbreviationOffset = index * 3});
     }
     SectionRun run(ElfImage() + sections);
     ASSERT_TRUE(run.Read());

@@ -246,9 +246,13 @@ TEST_F(BufferTest, CacheHoldsAWholeSectionUpToTheEndOfTheFile) {
     EXPECT_STREQ(cache->GetPointer(0), "024685678");
     ASSERT_TRUE(cache->LoadRange(0, 2, true));
     EXPECT_STREQ(cache->GetPointer(0), "01");
+    // Raw bytes never take the place of compressed ones.
+    char byte = 0;
+    EXPECT_TRUE(cache->ReadThrough(&byte, 1, 1));
+    EXPECT_FALSE(cache->ReadThrough(&byte, 9, 1));
 
     // A window that was filled for another reader is terminated as well.
-    char byte = 0;
+    ASSERT_TRUE(cache->LoadRange(0, 2, false));
     ASSERT_TRUE(cache->ReadThrough(&byte, 9, 1));
     EXPECT_STREQ(cache->GetPointer(0), "0123456789");
 }

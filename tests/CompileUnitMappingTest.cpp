@@ -1,7 +1,10 @@
 // The mapping of compile units: what counts as a unit, the slide, the search, and what the log
 // tells of it; then the loading of units.
 #include "core/ErrorState.h"
+#include "host/CurrentDataModel.h"
 #include "host/VDWARFReader.h"
+#include "model/DataModel.h"
+#include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
@@ -60,14 +63,14 @@ constexpr auto sSizeError = ELFReadErrorEnum::ELFERR_COMPILE_UNIT_SIZE;
 TEST_F(CompileUnitMappingTest, HeadersOfBothFormats) {
     for (const ByteOrder byteOrder : {ByteOrder::Little, ByteOrder::Big}) {
         DwarfSections sections(byteOrder);
-        sections.Unit({Die(DW_TAG_compile_unit)});
-        sections.Unit({.entries = {Die(DW_TAG_compile_unit)},
+        sections.Unit({Die(DW_TAG_compile_unit, {Name("unit")})});
+        sections.Unit({.entries = {Die(DW_TAG_compile_unit, {Name("unit")})},
                        .version = 3,
                        .addressSize = 8,
                        .is64BitDwarf = true});
         SectionRun run(ElfImage(ElfClass::Class64, byteOrder) + sections);
         ASSERT_TRUE(run.Read());
-        EXPECT_THAT(run.Units(), ElementsAre("0+12", "12+24"));
+        EXPECT_THAT(run.Units(), ElementsAre("0+17", "17+29"));
         const VCompileUnitHeader& narrow = *run.Section().mCompileUnits[0];
         EXPECT_EQ(narrow.mHeaderSize, 11U);
         EXPECT_EQ(narrow.mTargetAddressSize, 4);
@@ -79,7 +82,7 @@ TEST_F(CompileUnitMappingTest, HeadersOfBothFormats) {
         EXPECT_TRUE(wide.mIs64BitDwarf);
         EXPECT_EQ(wide.mIndex, 1U);
         EXPECT_EQ(run.Section().mCompileUnitRanges.FindElement(wide.mFilePos + 23, 1), &wide);
-        EXPECT_THAT(run.Outline(), ElementsAre("0:compile_unit ", "0:compile_unit "));
+        EXPECT_THAT(run.Outline(), ElementsAre("0:compile_unit unit", "0:compile_unit unit"));
     }
 }
 
@@ -326,20 +329,22 @@ TEST_F(CompileUnitMappingTest, BucketsFollowTheSizeOfTheSection) {
     EXPECT_EQ(buckets(0), 12347);
     EXPECT_EQ(buckets(926'024), 12347);
     EXPECT_EQ(buckets(926'025), 15511);
-    EXPECT_EQ(buckets(1'350'003'074), 19000013);
+    EXPECT_EQ(buckets(1'350'003'075), 19000013);
     EXPECT_EQ(buckets(0x100000000), 19000013);
 }
 
 // The whole read as a host sees it.
 TEST_F(CompileUnitMappingTest, ProgressAndLogOfAWholeRead) {
     DwarfSections sections;
-    sections.Unit({Die(DW_TAG_compile_unit, {Name("a")})});
+    sections.Unit({Die(DW_TAG_compile_unit, {Name("first")})});
     const DieLabel second;
-    sections.Unit({Die(second, DW_TAG_compile_unit, {Name("b")},
+    sections.Unit({Die(second, DW_TAG_compile_unit, {Name("second")},
                        {Die(DW_TAG_compile_unit, {Name("nested, at offset 16 or more")})})});
     const TemporaryFolder folder;
     const std::string path = folder.Write(
         "image.elf", (ElfImage().Symbol({"main", 0x8000, 4, sFunction}) + sections).Build());
+    DataModel::DataModel model;
+    const DataModel::Factory::CurrentDataModel current(model);
     VDWARFReader reader;
     std::vector<std::string> progress;
     reader.SetProgressIntervalCallback = [&](std::int32_t start, std::int32_t end) {

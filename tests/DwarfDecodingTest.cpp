@@ -319,7 +319,7 @@ TEST_F(DwarfDecodingTest, TextsMayBeAbsent) {
     EXPECT_EQ(missing->GetName(), "unknown");
     SectionRun run(ElfImage() + DwarfSections().Unit(
                                     {UnitDie({}, {numbered(DW_AT_name), numbered(DW_AT_comp_dir),
-                                                  numbered(DW_AT_producer)})}));
+                                                  numbered(DW_AT_producer), ByteSize(1)})}));
     ASSERT_TRUE(run.Read());
     const VDebugInfoNode& unit = *run.Section().mDieNodes.InOffsetOrder().front();
     EXPECT_EQ(unit.GetName(), "unknown");
@@ -355,8 +355,9 @@ TEST_F(DwarfDecodingTest, UnitNamesAreShortened) {
     };
     for (const auto& [path, name] : cases) {
         for (const std::uint32_t form : {DW_FORM_string, DW_FORM_strp}) {
-            EXPECT_THAT(OutlineOf(DwarfSections().Unit({UnitDie({}, {Name(path, form)})})),
-                        ElementsAre("0:compile_unit " + name));
+            EXPECT_THAT(
+                OutlineOf(DwarfSections().Unit({UnitDie({}, {Name(path, form), CompDir("/dir")})})),
+                ElementsAre("0:compile_unit " + name));
         }
     }
     // Only of units.
@@ -421,8 +422,9 @@ TEST_F(DwarfDecodingTest, ChildrenAreAnnouncedByTheValue1Alone) {
                          Die(DW_TAG_variable, {Name("v")})})),
                     ElementsAre("0:compile_unit u", "0:variable v"));
     }
-    EXPECT_THAT(OutlineOf(DwarfSections().Unit({Die(0x4081, {}, {Die(0xFFFF, {})})})),
-                ElementsAre("0:MIPS_loop ", "1:..unknown ID=65535(0xffff) "));
+    EXPECT_THAT(
+        OutlineOf(DwarfSections().Unit({Die(0x4081, {Name("l")}, {Die(0xFFFF, {Name("u")})})})),
+        ElementsAre("0:MIPS_loop l", "1:..unknown ID=65535(0xffff) u"));
 }
 
 TEST_F(DwarfDecodingTest, UnitsInTheMiddleOfAUnitHaveNoParent) {
@@ -440,7 +442,7 @@ TEST_F(DwarfDecodingTest, RecordNumbersCountTheWholeWalk) {
                                 .ChildrenByte(1)
                                 .WithoutTerminator()})
                        .WithoutTerminator()});
-    sections.Unit({Die(last, DW_TAG_compile_unit)});
+    sections.Unit({Die(last, DW_TAG_compile_unit, {Name("last")})});
     SectionRun run(ElfImage() + sections);
     ASSERT_TRUE(run.Read());
     // 3 entries and 2 nulls; 2 entries, an unknown code and the ends of 2 levels.
@@ -462,7 +464,7 @@ TEST_F(DwarfDecodingTest, WordAddressedTargetsCountInUnitsOf16Bits) {
 
 TEST_F(DwarfDecodingTest, EntriesThatTheUnitCutsOffMakeNoNode) {
     const std::vector<DieAttribute> cutOff = {
-        Block(DW_AT_name, DW_FORM_string, "without end"),
+        Block(DW_AT_name, DW_FORM_indirect, "\x08without end"),
         Block(DW_AT_byte_size, DW_FORM_data4, "\1\2"),
         Block(DW_AT_decl_line, DW_FORM_data8, "\1\2"),
         Block(DW_AT_type, DW_FORM_ref_udata, "\x81\x82"),

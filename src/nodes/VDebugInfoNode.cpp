@@ -76,7 +76,8 @@ void VDebugInfoNode::ConvertBitOffset() {
     }
     bool isAddressSize = false;
     const std::int32_t resolvedSize = GetResolvedByteSize(isAddressSize);
-    const auto storageSize = static_cast<std::uint32_t>(resolvedSize > 0 ? resolvedSize : mByteSize);
+    const auto storageSize =
+        static_cast<std::uint32_t>(resolvedSize > 0 ? resolvedSize : mByteSize);
     // In 32 bits, since a field that begins before its storage has a negative offset as read.
     const std::uint32_t bitOffset = storageSize * 8 - GetBitOffset() - GetBitSize();
     if (static_cast<std::int32_t>(bitOffset) >= 0) {

@@ -159,10 +159,12 @@ def unconverted_bit_position(found, unit):
 
 
 @rule
-def has_no_data_symbol(variable, symbol_names):
+def has_no_data_symbol(variable, symbol_names, facts):
     """A variable that is only declared takes its address from a data symbol; one that the linker makes up
-    has none."""
-    return variable["isDeclaration"] and last_component(variable["name"]) not in symbol_names
+    has none. The names of the symbols are loaded for the first such variable with a linkage name, so that
+    without one, as in C, the symbol table itself tells of the variable."""
+    name = last_component(variable["name"])
+    return variable["isDeclaration"] and (name not in symbol_names or not facts.finds_symbol_of(name))
 
 
 @rule
@@ -277,6 +279,7 @@ class EntryFacts:
         for entry in entries:
             if entry.tag == "DW_TAG_variable" and (address := entry.address()) is not None:
                 self._variables[address, self._declaration(entry).name()].append(entry)
+        self._found_by_name = self._find_variables_looked_up(entries)
         self._hoisting = self._find_hoisted_members(entries)
         self._completed_without_name = self._find_completions_without_name(entries)
 
@@ -306,6 +309,23 @@ class EntryFacts:
             if owner is not None and not {"DW_AT_low_pc", "DW_AT_ranges"} & set(owner.attributes):
                 return self._declaration(owner).name() or "<unnamed-subprogram>"
         return None
+
+    def finds_symbol_of(self, name):
+        """Whether a declared variable is looked for in the symbol table."""
+        return name in self._found_by_name
+
+    def _find_variables_looked_up(self, entries):
+        completed = {entry.reference("DW_AT_specification") for entry in entries
+                     if entry.tag == "DW_TAG_variable"}
+        are_loaded, found = False, set()
+        for entry in entries:
+            if entry.tag != "DW_TAG_variable" or "DW_AT_location" in entry.attributes \
+                    or entry.offset in completed:
+                continue
+            are_loaded = are_loaded or "DW_AT_linkage_name" in entry.attributes
+            if are_loaded:
+                found.add(entry.name())
+        return found
 
     def is_completed_without_name(self, name):
         """Whether a class is completed by an entry that has no name."""
@@ -381,7 +401,7 @@ class Comparison:
             elif not is_hidden_from_gdb(item, self._facts):
                 self._differ(f"{item['name']} at {item['address']:#x}", "unknown to gdb")
         for key, variables in known.items():
-            if delivered[key] != 1 and not all(has_no_data_symbol(variable, self._symbol_names)
+            if delivered[key] != 1 and not all(has_no_data_symbol(variable, self._symbol_names, self._facts)
                                                for variable in variables):
                 self._differ(f"{variables[0]['name']} at {key[0]:#x}", f"delivered {delivered[key]} times")
         while self._waiting:
