@@ -12,6 +12,7 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
