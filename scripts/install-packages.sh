@@ -15,7 +15,7 @@ samples)
     packages+=(gcc-arm-none-eabi gcc-powerpc-linux-gnu g++-powerpc-linux-gnu)
     ;;
 bench)
-    packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb)
+    packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)
     ;;
 esac
 
