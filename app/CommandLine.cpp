@@ -1,7 +1,12 @@
 #include "CommandLine.h"
 
 #include "ResultOutput.h"
+#include "TableWriter.h"
+#include "Terminal.h"
 
+#include "core/OptionTable.h"
+
+#include <array>
 #include <iostream>
 #include <sstream>
 #include <utility>
@@ -15,11 +20,25 @@ std::string UsageMessage(const CLI::App* /*program*/, const CLI::Error& error) {
            "\nTry 'brindle --help' or 'brindle COMMAND --help'.\n";
 }
 
+ExitStatus ListReaderOptions(ResultOutput& output) {
+    static constexpr std::array sColumns = {Column{"option"}, Column{"meaning"}};
+    const auto table =
+        MakeTableWriter(TableFormat::Table, sColumns, output, IsStandardOutputColoured());
+    for (const Reader::DWARF::OptionDescription& option : Reader::DWARF::OptionTable()) {
+        table->AddRow(std::array<Cell, sColumns.size()>{option.name, option.meaning});
+    }
+    table->Finish();
+    return ExitStatus::Success;
+}
+
 } // namespace
 
 CommandLine::CommandLine()
     : mProgram("Reads the symbols of a firmware image and prints them.", "brindle") {
     mProgram.set_version_flag("--version", "brindle " BRINDLE_VERSION);
+    mProgram.add_flag_callback(
+        "--list-options", [this] { mChosenAction = ListReaderOptions; },
+        "List the options of the reader, which --set takes");
     mProgram.require_subcommand(0, 1);
     mProgram.allow_windows_style_options(false);
     mProgram.failure_message(UsageMessage);

@@ -2,10 +2,14 @@
 
 #include "ReaderOptions.h"
 
+#include "model/LeafWalk.h"
+
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
+#include <charconv>
+#include <system_error>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -26,6 +30,22 @@ void AddChoice(CLI::App& command, const std::string& name, std::string& value,
     command.add_option(name, value, purpose)
         ->check(CLI::IsMember(choices))
         ->option_text(CLI::detail::join(choices, "|") + " (" + value + ")");
+}
+
+void AddLimit(CLI::App& command, const std::string& name, std::uint64_t& limit,
+              const std::string& purpose) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [name, &limit](const std::string& text) {
+                const char* const end = text.data() + text.size();
+                const auto [rest, error] = std::from_chars(text.data(), end, limit);
+                if (error != std::errc() || rest != end || limit == 0) {
+                    throw CLI::ValidationError(name, "'" + text + "' is no number from 1 on");
+                }
+            },
+            purpose)
+        ->option_text("N (" + std::to_string(limit) + ")");
 }
 
 } // namespace
@@ -53,6 +73,20 @@ void AddReaderOptionArgument(CLI::App& command) {
 
 void AddFileArgument(CLI::App& command, std::string& file) {
     command.add_option("FILE", file, "The file to read")->required()->type_name("");
+}
+
+void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern) {
+    command
+        .add_option("PATTERN", pattern,
+                    "List the " + things +
+                        " of this name alone; * stands for any characters, ? for one")
+        ->type_name("");
+}
+
+void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits) {
+    AddLimit(command, "--max-elements", limits.arrayElements,
+             "Expand this many elements of each array");
+    AddLimit(command, "--max-leaves", limits.leaves, "Expand to this many leaves in all");
 }
 
 void AddFormatArgument(CLI::App& command, std::string& format) {

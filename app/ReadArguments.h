@@ -10,6 +10,10 @@ namespace CLI {
 class App;
 }
 
+namespace Tessel::Norn::Brindle::DataModel {
+struct LeafLimits;
+}
+
 namespace Tessel::Norn::Brindle::Program {
 
 struct ReadArguments {
@@ -31,6 +35,13 @@ void AddReaderOptionArgument(CLI::App& command);
 
 /// Adds `FILE`.
 void AddFileArgument(CLI::App& command, std::string& file);
+
+/// Adds `PATTERN`, which may be missing.
+/// @param things what the command lists, in the plural
+void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern);
+
+/// Adds `--max-elements` and `--max-leaves`.
+void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits);
 
 /// Adds `--format`, whose value `TableFormatOf` understands.
 void AddFormatArgument(CLI::App& command, std::string& format);

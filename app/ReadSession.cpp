@@ -2,6 +2,7 @@
 
 #include "CapturedStandardOutput.h"
 #include "ContainerDetection.h"
+#include "Message.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 #include "Terminal.h"
@@ -72,7 +73,7 @@ void ReadSession::ConnectCallbacks() {
     };
 }
 
-void ReadSession::Signal(ReaderCallback callback) const {
+void ReadSession::Signal(const ReaderCallback& callback) const {
     if (mSink) {
         mSink(callback);
     }
@@ -100,14 +101,11 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
 
 bool ReadSession::RunReader(const std::string& file, DWARFContainerType container) {
     const CapturedStandardOutput captured;
-    struct BarOfThisRead {
-        std::optional<ProgressBar>& bar;
-        ~BarOfThisRead() { bar.reset(); }
-    };
-    const BarOfThisRead barOfThisRead{mProgressBar};
+    std::optional<ProgressBar> progressBar;
     if (mIsProgressDrawn) {
-        mProgressBar.emplace(std::cerr);
+        progressBar.emplace(std::cerr);
     }
+    mProgressBar = progressBar ? &*progressBar : nullptr;
     return mReader.Read(file, container);
 }
 
@@ -115,8 +113,7 @@ ExitStatus ReportResult(const std::string& file, const ReadResult& result) {
     if (result.isOk) {
         return ExitStatus::Success;
     }
-    std::cerr << "brindle: " << file << ": "
-              << (result.error.empty() ? "The file could not be read." : result.error) << '\n';
+    Tell(file, result.error.empty() ? "The file could not be read." : result.error);
     return ExitStatus::Failed;
 }
 

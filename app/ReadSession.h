@@ -50,15 +50,15 @@ public:
 
 private:
     void ConnectCallbacks();
-    void Signal(ReaderCallback callback) const;
+    void Signal(const ReaderCallback& callback) const;
     bool RunReader(const std::string& file, Reader::DWARF::DWARFContainerType container);
 
     std::string mContainer;
     bool mIsProgressDrawn;
     CallbackSink mSink;
     Reader::DWARF::VDWARFReader mReader;
-    /// There is one while a read runs whose progress is drawn.
-    std::optional<ProgressBar> mProgressBar;
+    /// The bar of the read that runs, null if none is drawn. Only callbacks of a read look at it.
+    ProgressBar* mProgressBar = nullptr;
     std::string mError;
 };
 

@@ -1,6 +1,7 @@
 #include "TableWriter.h"
 
 #include "JsonOutput.h"
+#include "PlainText.h"
 #include "ResultOutput.h"
 #include "Utf8.h"
 
@@ -39,39 +40,39 @@ void AppendCell(std::string& text, const Cell& cell) {
     }
 }
 
-/// Replaces control characters, so that no name can break a line or reach the terminal.
-void ReplaceControlCharacters(std::string& text, std::size_t start) {
-    for (std::size_t position = start; position < text.size(); ++position) {
-        const auto byte = static_cast<unsigned char>(text[position]);
-        const bool isHighControl = position > start && byte < 0xA0U && text[position - 1] == '\xC2';
-        if (byte < 0x20U || byte == 0x7FU) {
-            text[position] = '?';
-        } else if (isHighControl) {
-            text.replace(position - 1, 2, 2, '?');
-        }
+std::string_view ColourCode(RowColour colour) {
+    switch (colour) {
+    case RowColour::Added:
+        return "\x1B[32m";
+    case RowColour::Removed:
+        return "\x1B[31m";
+    case RowColour::Changed:
+        return "\x1B[33m";
+    case RowColour::Plain:
+        break;
     }
+    return {};
 }
+constexpr std::string_view sHeaderCode = "\x1B[1m";
+constexpr std::string_view sEndCode = "\x1B[0m";
 
 /// Keeps the rows, since the widths of the columns follow from all of them.
 class AlignedWriter final : public TableWriter {
 public:
-    AlignedWriter(std::span<const Column> columns, ResultOutput& output)
+    AlignedWriter(std::span<const Column> columns, ResultOutput& output, bool isColoured)
         : mColumns(columns)
         , mOutput(output)
+        , mIsColoured(isColoured)
         , mWidths(columns.size()) {
         for (std::size_t column = 0; column < columns.size(); ++column) {
             AddCell(column, columns[column].name);
+            mWidths[column] = columns[column].isOptional ? 0 : mWidths[column];
         }
-    }
-
-    void AddRow(std::span<const Cell> cells) override {
-        for (std::size_t column = 0; column < mColumns.size(); ++column) {
-            AddCell(column, cells[column]);
-        }
+        mColours.push_back(RowColour::Plain);
     }
 
     void Finish() override {
-        if (mEnds.size() == mColumns.size()) {
+        if (mColours.size() == 1) {
             return;
         }
         std::string line;
@@ -80,14 +81,23 @@ public:
             const std::size_t column = cell % mColumns.size();
             const std::string_view text(mText.data() + start, mEnds[cell] - start);
             start = mEnds[cell];
-            AppendAligned(line, column, text);
+            if (mWidths[column] != 0) {
+                AppendAligned(line, column, text);
+            }
             if (column + 1 == mColumns.size()) {
                 line.erase(line.find_last_not_of(' ') + 1);
-                line += '\n';
-                mOutput.Write(line);
+                WriteLine(line, cell / mColumns.size());
                 line.clear();
             }
         }
+    }
+
+protected:
+    void WriteRow(std::span<const Cell> cells, RowColour colour) override {
+        for (std::size_t column = 0; column < mColumns.size(); ++column) {
+            AddCell(column, cells[column]);
+        }
+        mColours.push_back(colour);
     }
 
 private:
@@ -97,7 +107,10 @@ private:
         ReplaceControlCharacters(mText, start);
         mEnds.push_back(mText.size());
         const std::size_t width = CharacterCount(std::string_view(mText).substr(start));
-        mWidths[column] = std::max(mWidths[column], std::min(width, sWidestColumn));
+        if (width != 0) {
+            const std::size_t heading = CharacterCount(mColumns[column].name);
+            mWidths[column] = std::max({mWidths[column], heading, std::min(width, sWidestColumn)});
+        }
     }
 
     void AppendAligned(std::string& line, std::size_t column, std::string_view text) {
@@ -108,12 +121,25 @@ private:
         line.append(isNumber ? 0 : padding, ' ').append(sColumnGap);
     }
 
+    void WriteLine(std::string_view line, std::size_t row) {
+        const std::string_view code = row == 0 ? sHeaderCode : ColourCode(mColours[row]);
+        const bool isColoured = mIsColoured && !code.empty();
+        mOutput.Write(isColoured ? code : std::string_view());
+        mOutput.Write(line);
+        mOutput.Write(isColoured ? sEndCode : std::string_view());
+        mOutput.Put('\n');
+    }
+
     std::span<const Column> mColumns;
     ResultOutput& mOutput;
+    bool mIsColoured;
+    /// 0 for a column that is left out.
     std::vector<std::size_t> mWidths;
     /// The texts of all cells, one after the other, and where each ends.
     std::string mText;
     std::vector<std::size_t> mEnds;
+    /// One for each row, the heading included.
+    std::vector<RowColour> mColours;
 };
 
 class CsvWriter final : public TableWriter {
@@ -127,7 +153,10 @@ public:
         mOutput.Put('\n');
     }
 
-    void AddRow(std::span<const Cell> cells) override {
+    void Finish() override {}
+
+protected:
+    void WriteRow(std::span<const Cell> cells, RowColour /*colour*/) override {
         for (const Cell& cell : cells) {
             mOutput.Write(&cell == cells.data() ? "" : ",");
             mText.clear();
@@ -136,8 +165,6 @@ public:
         }
         mOutput.Put('\n');
     }
-
-    void Finish() override {}
 
 private:
     void WriteField() {
@@ -161,18 +188,19 @@ public:
         mJson.StartArray();
     }
 
-    void AddRow(std::span<const Cell> cells) override {
+    void Finish() override {
+        mJson.EndArray();
+        mOutput.Put('\n');
+    }
+
+protected:
+    void WriteRow(std::span<const Cell> cells, RowColour /*colour*/) override {
         mJson.StartObject();
         for (std::size_t column = 0; column < mColumns.size(); ++column) {
             WriteKey(mJson, mColumns[column].name);
             WriteValue(cells[column]);
         }
         mJson.EndObject();
-        mOutput.Put('\n');
-    }
-
-    void Finish() override {
-        mJson.EndArray();
         mOutput.Put('\n');
     }
 
@@ -204,14 +232,14 @@ TableFormat TableFormatOf(std::string_view name) {
 }
 
 std::unique_ptr<TableWriter> MakeTableWriter(TableFormat format, std::span<const Column> columns,
-                                             ResultOutput& output) {
+                                             ResultOutput& output, bool isColoured) {
     switch (format) {
     case TableFormat::Csv:
         return std::make_unique<CsvWriter>(columns, output);
     case TableFormat::Json:
         return std::make_unique<JsonTableWriter>(columns, output);
     default:
-        return std::make_unique<AlignedWriter>(columns, output);
+        return std::make_unique<AlignedWriter>(columns, output, isColoured);
     }
 }
 

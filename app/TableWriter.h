@@ -28,6 +28,8 @@ struct Column {
     std::string_view name;
     /// Aligned to the right in a table.
     bool isNumber = false;
+    /// Left out of a table where it has nothing in any row.
+    bool isOptional = false;
 };
 
 /// An address: hexadecimal with at least 8 digits, in JSON a number.
@@ -37,6 +39,9 @@ struct Address {
 
 /// Nothing (null in JSON), an address, a decimal number or a text in UTF-8.
 using Cell = std::variant<std::monostate, Address, std::uint64_t, std::string_view>;
+
+/// What a row tells at a glance, where colours are wanted.
+enum class RowColour { Plain, Added, Removed, Changed };
 
 /// Writes a table row by row. `Finish` is called once, after the last row.
 class TableWriter {
@@ -49,12 +54,18 @@ public:
     virtual ~TableWriter() = default;
 
     /// @param cells one for each column
-    virtual void AddRow(std::span<const Cell> cells) = 0;
+    void AddRow(std::span<const Cell> cells, RowColour colour = RowColour::Plain) {
+        WriteRow(cells, colour);
+    }
     virtual void Finish() = 0;
+
+protected:
+    virtual void WriteRow(std::span<const Cell> cells, RowColour colour) = 0;
 };
 
 /// @param columns, output borrowed for the life of the writer
+/// @param isColoured whether a table for a person has colours; the other formats never have
 std::unique_ptr<TableWriter> MakeTableWriter(TableFormat format, std::span<const Column> columns,
-                                             ResultOutput& output);
+                                             ResultOutput& output, bool isColoured = false);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -1,5 +1,8 @@
 #include "Terminal.h"
 
+#include <cstdlib>
+#include <string_view>
+
 #ifdef _WIN32
 #include <io.h>
 #else
@@ -8,12 +11,42 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-bool IsStandardErrorTerminal() {
+namespace {
+
+constexpr int sStandardOutput = 1;
+constexpr int sStandardError = 2;
+
+bool IsTerminal(int stream) {
 #ifdef _WIN32
-    return _isatty(2) != 0;
+    return _isatty(stream) != 0;
 #else
-    return isatty(STDERR_FILENO) != 0;
+    return isatty(stream) != 0;
 #endif
+}
+
+std::string_view EnvironmentValue(const char* name) {
+    // The program has one thread and changes no variable.
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+    return value == nullptr ? std::string_view() : value;
+}
+
+bool IsColoured(int stream) {
+    return EnvironmentValue("NO_COLOR").empty() && EnvironmentValue("TERM") != "dumb" &&
+           IsTerminal(stream);
+}
+
+} // namespace
+
+bool IsStandardErrorTerminal() {
+    return IsTerminal(sStandardError);
+}
+
+bool IsStandardErrorColoured() {
+    return IsColoured(sStandardError);
+}
+
+bool IsStandardOutputColoured() {
+    return IsColoured(sStandardOutput);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

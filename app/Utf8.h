@@ -20,8 +20,11 @@ constexpr std::size_t CharacterCount(std::string_view text) {
 
 /// Number of bytes of the first character of a text that is not empty.
 constexpr std::size_t CharacterLength(std::string_view text) {
-    const auto next = std::find_if_not(text.begin() + 1, text.end(), IsContinuation);
-    return static_cast<std::size_t>(next - text.begin());
+    std::size_t length = 1;
+    while (length < text.size() && IsContinuation(text[length])) {
+        ++length;
+    }
+    return length;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "ExitStatus.h"
+#include "Message.h"
 #include "ResultOutput.h"
 
 #include <exception>
@@ -17,6 +18,10 @@ ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     Program::ResultOutput output(*std::cout.rdbuf());
     Program::CommandLine commandLine;
     AddVarsCommand(commandLine);
+    AddLeavesCommand(commandLine);
+    AddFindCommand(commandLine);
+    AddTypesCommand(commandLine);
+    AddDiffCommand(commandLine);
     AddDumpCommand(commandLine);
     AddTraceCommand(commandLine);
     AddDemangleCommand(commandLine);
@@ -30,10 +35,10 @@ ExitStatus RunProgram(int argumentCount, const char* const* arguments) {
         return RunCommand(argumentCount, arguments);
     } catch (const Program::OutputError& error) {
         if (!error.IsReaderGone()) {
-            std::cerr << "brindle: " << error.what() << '\n';
+            Program::Tell(error.what());
         }
     } catch (const std::exception& error) {
-        std::cerr << "brindle: " << error.what() << '\n';
+        Program::Tell(error.what());
     }
     return ExitStatus::Failed;
 }

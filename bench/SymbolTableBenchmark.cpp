@@ -28,7 +28,7 @@ std::string ImageOfSymbols(std::int64_t count, bool isOneName) {
 void ReadSymbols(benchmark::State& state, bool isOneName) {
     const TemporaryFolder folder;
     const std::string path = folder.Write("image.elf", ImageOfSymbols(state.range(0), isOneName));
-    for (auto iteration : state) {
+    while (state.KeepRunning()) {
         DataModel::DataModel model;
         const DataModel::Factory::CurrentDataModel current(model);
         Reader::DWARF::VDWARFReader reader;

@@ -8,11 +8,11 @@ packages=(
     cmake g++ ninja-build
     libboost-dev libcli11-dev libcsv-dev rapidjson-dev
     libbenchmark-dev libgmock-dev libgtest-dev
-    binutils clang-format-14 clang-tidy-14 python3
+    binutils clang-format-14 clang-tidy-14 gdb-multiarch python3
 )
 case "${1:-}" in
 samples)
-    packages+=(gcc-arm-none-eabi gcc-powerpc-linux-gnu g++-powerpc-linux-gnu)
+    packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu)
     ;;
 bench)
     packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

@@ -103,7 +103,7 @@ TEST_F(BufferTest, ReadsLeb128OfAnyLength) {
         {"\x81\x80\x80\x80\x80\x80\x80\x80\x80\x00"s, 1, 1},
     };
     for (const Case& each : cases) {
-        auto buffer = Load(each.bytes + "\x55");
+        auto buffer = Load(each.bytes + "U");
         EXPECT_EQ(buffer->GetULEB128(), each.isUnsigned);
         EXPECT_EQ(buffer->GetOffset(), static_cast<std::int32_t>(each.bytes.size()));
         buffer->SetOffset(0);
@@ -246,6 +246,11 @@ TEST_F(BufferTest, CacheHoldsAWholeSectionUpToTheEndOfTheFile) {
     EXPECT_STREQ(cache->GetPointer(0), "024685678");
     ASSERT_TRUE(cache->LoadRange(0, 2, true));
     EXPECT_STREQ(cache->GetPointer(0), "01");
+
+    // A window that was filled for another reader is terminated as well.
+    char byte = 0;
+    ASSERT_TRUE(cache->ReadThrough(&byte, 9, 1));
+    EXPECT_STREQ(cache->GetPointer(0), "0123456789");
 }
 
 TEST_F(BufferTest, CountedPointersKeepTheCacheAlive) {
@@ -257,6 +262,7 @@ TEST_F(BufferTest, CountedPointersKeepTheCacheAlive) {
         second = first;
         second = second;
         const VElfFileCachePtr third = first;
+        EXPECT_EQ(static_cast<VElfFileCache*>(third), static_cast<VElfFileCache*>(second));
     }
     EXPECT_STREQ(second->GetPointer(0), "abc");
     const VElfBuffer sharing(mInput, 5, second);

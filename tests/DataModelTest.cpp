@@ -1,5 +1,7 @@
 #include "model/DataModel.h"
 
+#include "support/ModelBuilder.h"
+
 #include <chrono>
 #include <functional>
 #include <gmock/gmock.h>
@@ -19,46 +21,11 @@ using testing::EndsWith;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr ObjectId sGlobalNamespace = 1;
 constexpr ObjectId sNeverGivenOut = 0xFFFF'FFFF'FFFF;
 
-/// A model with short words for what tests build in it.
-class DataModelTest : public testing::Test {
+/// A model to fill, with short words for the questions of the tests.
+class DataModelTest : public testing::Test, public ModelBuilder {
 protected:
-    ObjectId Base(BasicTypes type, std::uint64_t size) {
-        return mModel.CreateBaseEntryType(type, size, sGlobalNamespace);
-    }
-    ObjectId Struct(const std::string& name, std::uint32_t size,
-                    ObjectId scope = sGlobalNamespace) {
-        return mModel.CreateClassEntryType(name, size, scope, {}, false, true);
-    }
-    ObjectId Member(const std::string& name, ObjectId type, ObjectId parent, std::uint32_t offset) {
-        return mModel.CreateMemberData(name, type, parent, offset, 0, false);
-    }
-    ObjectId BitField(const std::string& name, ObjectId type, ObjectId parent, std::uint32_t offset,
-                      std::uint32_t bitOffset, std::uint32_t bitSize) {
-        return mModel.CreateBitfieldInUdt(name, type, parent, offset, bitOffset, bitSize, 0, false);
-    }
-    ObjectId Array(const std::vector<std::uint32_t>& dimensions, ObjectId type,
-                   std::uint64_t size) {
-        return mModel.CreateArrayEntryType(dimensions, type, size, sGlobalNamespace);
-    }
-    ObjectId Pointer(ObjectId type) {
-        return mModel.CreatePointerEntryType(type, 4, sGlobalNamespace);
-    }
-    ObjectId Typedef(const std::string& name, ObjectId type) {
-        return mModel.CreateTypedefEntryType(name, type, sGlobalNamespace);
-    }
-    ObjectId FunctionType(ObjectId result, const std::vector<ObjectId>& parameters) {
-        return mModel.CreateFunctionType(result, parameters, sGlobalNamespace);
-    }
-    ObjectId Function(const std::string& name, ObjectId scope) {
-        return mModel.CreateFunction(name, FunctionType(0, {}), scope, 0, false);
-    }
-    ObjectId Global(const std::string& name, ObjectId type, std::uint64_t address,
-                    ObjectId scope = sGlobalNamespace) {
-        return mModel.CreateGlobalData(name, type, address, scope, true, 0, false);
-    }
     /// The identifier that the next object will have.
     [[nodiscard]] ObjectId Next() const { return mModel.ObjectCount() + 1; }
 
@@ -88,8 +55,6 @@ protected:
         }
         return text.str();
     }
-
-    Model mModel;
 };
 
 struct KeyCase {
@@ -456,6 +421,20 @@ TEST_F(DataModelTest, TypesReadAsDeclarations) {
     for (const auto& [type, text] : cases) {
         EXPECT_EQ(mModel.TypeText(type), text);
     }
+}
+
+TEST_F(DataModelTest, DeclarationsHaveTheNameInItsPlace) {
+    const ObjectId int32 = Base(BasicTypes::Int32, 4);
+    const ObjectId callback = Pointer(FunctionType(0, {Pointer(int32)}));
+    EXPECT_EQ(mModel.Declaration(int32, "x"), "int32 x");
+    EXPECT_EQ(mModel.Declaration(Pointer(int32), "x"), "int32* x");
+    EXPECT_EQ(mModel.Declaration(Array({4, 2}, int32, 32), "x"), "int32 x[4][2]");
+    EXPECT_EQ(mModel.Declaration(Pointer(Array({3}, int32, 12)), "x"), "int32 (*x)[3]");
+    EXPECT_EQ(mModel.Declaration(callback, "x"), "void (*x)(int32*)");
+    EXPECT_EQ(mModel.Declaration(Array({2}, callback, 8), "x"), "void (*x[2])(int32*)");
+    EXPECT_EQ(mModel.Declaration(FunctionType(int32, {}), "x"), "int32 x()");
+    EXPECT_EQ(mModel.Declaration(0, "x"), "? x");
+    EXPECT_EQ(mModel.Declaration(int32, ""), "int32");
 }
 
 /// struct Gains { uint16 p, i; uint8 flags : bits 3+2; }

@@ -16,7 +16,7 @@ namespace {
 class LogFileTest : public testing::Test {
 protected:
     LogFileTest() { VElfOptions::mIsLogFile = 1; }
-    ~LogFileTest() override { CloseLogFile(); }
+    void TearDown() override { CloseLogFile(); }
 
     bool Create(const std::string& path) {
         testing::internal::CaptureStdout();

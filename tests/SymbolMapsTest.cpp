@@ -109,6 +109,13 @@ TEST_F(SymbolMapsTest, NamesAreNotLoadedTwiceAfterAFailure) {
     EXPECT_EQ(file.AddressOf("a"), 0U);
 }
 
+TEST_F(SymbolMapsTest, TableOutsideTheFileFillsNoMapAndFailsNoRead) {
+    FileWithSymbols file(ElfImage().Symbol({"a", 0x10, 4}).SymbolTable({.offset = 0x100000}));
+    EXPECT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    EXPECT_EQ(file.NameAt(0x10, ""), "");
+    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+}
+
 TEST_F(SymbolMapsTest, AddressesAreKeptIn32Bits) {
     VElfOptions::mIsLogFile = 0;
     FileWithSymbols file(ElfImage(ElfClass::Class64).Symbol({"far", 0x1'0000'2000, 4}));

@@ -13,6 +13,7 @@ std::string_view CutSymbolName(const char* name) {
                                  : std::string_view(name, sSymbolNameBufferSize - 1);
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): one of the two ways below writes the name
 DemangledSymbolName::DemangledSymbolName(const char* name) {
     const std::string_view cutName = CutSymbolName(name);
     bool isDemangled = false;

@@ -40,6 +40,8 @@ public:
 
     /// Opens the file of the path and takes its length. Error: `ELFERR_OPEN_FAILED`.
     bool OpenInput();
+    /// Path of the input as the host gave it.
+    [[nodiscard]] const std::string& GetInputPath() const { return mPath; }
     /// Path of the input, cut to 260 characters.
     [[nodiscard]] const std::string& GetInputFileName() const { return mFileName; }
 
@@ -68,12 +70,13 @@ public:
     /// the symbol maps end with it. Errors: those of loading, `ELFERR_NO_STRTAB`.
     bool LoadStrTabSection();
     /// Fills a container with the symbols of data that have an address; with `mSymTabSearchMode`
-    /// also those of no type. Errors: those of loading, `ELFERR_SECTION_ITEM_SIZE`,
-    /// `ELFERR_NO_STRTAB`, `ELFERR_64BIT_LIMIT`; none without a loaded string table.
+    /// also those of no type. A symbol table that can't be loaded counts as empty. Errors:
+    /// `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_NO_STRTAB`, `ELFERR_64BIT_LIMIT`; none without a loaded
+    /// string table.
     bool LoadSymbolMap(IElfSymbolMap& map);
-    /// Delivers the data symbols that are not in the data model yet. Errors: those of loading,
-    /// `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_64BIT_LIMIT`; none without a loaded string table or a
-    /// global namespace.
+    /// Delivers the data symbols that are not in the data model yet. A symbol table that can't be
+    /// loaded counts as empty. Errors: `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_64BIT_LIMIT`; none
+    /// without a loaded string table or a global namespace.
     /// @param onlyDumpToLog walk without delivery
     bool ProcessSymTabSection(bool onlyDumpToLog);
     /// Turns a symbol's name into the one to deliver, as the options ask.

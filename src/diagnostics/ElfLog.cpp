@@ -37,24 +37,28 @@ std::string LogFileName(const std::string& inputPath) {
     return (path.parent_path() / (fileName + ".log")).string();
 }
 
-/// Creating the log must not destroy the file that is about to be read.
+/// Writing beside the results must not destroy the file that is about to be read.
 bool IsSameFile(const std::string& first, const std::string& second) {
     std::error_code error;
     return std::filesystem::equivalent(first, second, error);
 }
 
-std::errc OpenLogFile(const std::string& inputPath) {
-    const std::string& name = VElfOptions::mLogFileName;
-    if (name.size() > sMaximumNameLength) {
-        return std::errc::filename_too_long;
-    }
+std::errc Open(std::ofstream& file, const std::string& name, const std::string& inputPath,
+               std::ios::openmode mode) {
     if (IsSameFile(inputPath, name)) {
         return std::errc::file_exists;
     }
     errno = 0;
-    VElfOptions::mLogFile.clear();
-    VElfOptions::mLogFile.open(name, std::ios::out | std::ios::trunc);
-    return VElfOptions::mLogFile.is_open() ? std::errc() : static_cast<std::errc>(errno);
+    file.clear();
+    file.open(name, mode);
+    return file.is_open() ? std::errc() : static_cast<std::errc>(errno);
+}
+
+bool ReportFailedCreation(const std::string& name, std::errc error) {
+    std::cout << '\n'
+              << GetLogTimeStamp() << ": error_code='" << std::make_error_code(error).message()
+              << "': Failed to create log file: '" << name << "' ";
+    return false;
 }
 
 std::string Format(const char* format, std::va_list arguments) {
@@ -89,21 +93,24 @@ std::string Indentation() {
 std::string tag_alignment;
 
 bool CreateLogFile(const std::string& inputPath) {
-    VElfOptions::mLogFileName = LogFileName(inputPath);
-    const std::errc error = OpenLogFile(inputPath);
-    if (error == std::errc()) {
-        return true;
+    VElfOptions::mIsLoggingPaused = false;
+    const std::string& name = VElfOptions::mLogFileName = LogFileName(inputPath);
+    if (name.size() > sMaximumNameLength) {
+        return ReportFailedCreation(name, std::errc::filename_too_long);
     }
-    std::cout << '\n'
-              << GetLogTimeStamp() << ": error_code='" << std::make_error_code(error).message()
-              << "': Failed to create log file: '" << VElfOptions::mLogFileName << "' ";
-    return false;
+    return OpenDiagnosticFile(VElfOptions::mLogFile, name, inputPath, std::ios::trunc);
 }
 
 void CloseLogFile() {
     if (VElfOptions::mLogFile.is_open()) {
         VElfOptions::mLogFile.close();
     }
+}
+
+bool OpenDiagnosticFile(std::ofstream& file, const std::string& name, const std::string& inputPath,
+                        std::ios::openmode mode) {
+    const std::errc error = Open(file, name, inputPath, mode);
+    return error == std::errc() || ReportFailedCreation(name, error);
 }
 
 void elflog(const char* format, ...) {

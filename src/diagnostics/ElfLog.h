@@ -2,6 +2,8 @@
 // was read wrongly. Off by its start value; it never influences a result.
 #pragma once
 
+#include <fstream>
+#include <ios>
 #include <string>
 
 #if defined(__GNUC__)
@@ -22,6 +24,12 @@ bool CreateLogFile(const std::string& inputPath);
 
 /// Closes the log if it is open.
 void CloseLogFile();
+
+/// Opens a text file that a read writes for a person: the log, or one like it. The name of the
+/// input itself is refused.
+/// @return false, with a text on standard output, if the file can't be opened
+bool OpenDiagnosticFile(std::ofstream& file, const std::string& name, const std::string& inputPath,
+                        std::ios::openmode mode);
 
 /// Writes one line. Like its two sisters it does nothing unless `mIsLogFile` is set and the log is
 /// open; callers guard expensive arguments themselves.

@@ -37,7 +37,7 @@ constexpr EncodingEntry sEncodings[] = {
 
 struct SizedEntry {
     BasicType code;
-    std::uint64_t byteSize;
+    std::uint32_t byteSize;
     BasicTypes value;
 };
 

@@ -3,6 +3,8 @@
 #include "container/VElfFile.h"
 #include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ProducerDump.h"
+#include "dwarf/VDwarf2Section.h"
 #include "host/VDWARFReader.h"
 #include "host/VDWARFReaderWrapper.h"
 
@@ -42,23 +44,24 @@ void StartLog(const std::string& path) {
     }
 }
 
-/// Closes the log on every way out of a run, an exception of the host included.
-class LogCloser {
+/// Closes log and dump on every way out of a run, an exception of the host included.
+class DiagnosticsCloser {
 public:
-    LogCloser() = default;
-    ~LogCloser() { CloseLogFile(); }
-    LogCloser(const LogCloser&) = delete;
-    LogCloser& operator=(const LogCloser&) = delete;
-    LogCloser(LogCloser&&) = delete;
-    LogCloser& operator=(LogCloser&&) = delete;
+    DiagnosticsCloser() = default;
+    ~DiagnosticsCloser() {
+        CloseLogFile();
+        CloseDumpProducerInfoFile(nullptr);
+    }
+    DiagnosticsCloser(const DiagnosticsCloser&) = delete;
+    DiagnosticsCloser& operator=(const DiagnosticsCloser&) = delete;
+    DiagnosticsCloser(DiagnosticsCloser&&) = delete;
+    DiagnosticsCloser& operator=(DiagnosticsCloser&&) = delete;
 };
 
-void StoreErrorText(char* errorText, std::int32_t errorTextSize) {
+void StoreErrorText(const std::string& text, char* errorText, std::int32_t errorTextSize) {
     if (errorText == nullptr || errorTextSize <= 0) {
         return;
     }
-    std::string text;
-    ReportElfError(text);
     errorText[text.copy(errorText, static_cast<std::size_t>(errorTextSize) - 1)] = '\0';
 }
 
@@ -120,8 +123,13 @@ bool FinishWithoutDebugSection(DWARFContainerType container, VElfFile& file,
 }
 
 bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper* wrapper) {
-    return _ReadElfAndSectionHeaders(container, file) &&
-           _ReadoutSymbolTablesAndDebugSections(container, file, wrapper);
+    if (!_ReadElfAndSectionHeaders(container, file)) {
+        return false;
+    }
+    if (!VElfOptions::mDumpProducerInfoFileName.empty()) {
+        OpenDumpProducerInfoFile(file);
+    }
+    return _ReadoutSymbolTablesAndDebugSections(container, file, wrapper);
 }
 
 } // namespace
@@ -141,12 +149,15 @@ bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* 
                    std::int32_t errorTextSize, bool /*isHostCall*/, DWARFContainerType container) {
     VElfOptions::mGlobalVarInfoSource = 0;
     StartLog(path);
-    const LogCloser logCloser;
+    const DiagnosticsCloser diagnosticsCloser;
     tag_alignment.clear();
     VElfFile file(path, wrapper);
     const bool result = RunPhases(container, file, wrapper);
     if (!result) {
-        StoreErrorText(errorText, errorTextSize);
+        std::string message;
+        ReportElfError(message);
+        StoreErrorText(message, errorText, errorTextSize);
+        CloseDumpProducerInfoFile(message.c_str());
     }
     return result;
 }
@@ -186,8 +197,21 @@ bool _ReadoutSymbolTablesAndDebugSections(DWARFContainerType container, VElfFile
     return !isSymbolTableWanted || ReadSymbolTableStep(container, file);
 }
 
-bool _ReadDWARF2Section(VElfFile& /*file*/, VDWARFReaderWrapper* /*wrapper*/) {
-    return Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
+bool _ReadDWARF2Section(VElfFile& file, VDWARFReaderWrapper* wrapper) {
+    VDwarf2Section section;
+    if (!section.Init(file, wrapper)) {
+        return false;
+    }
+    // Decoding asks for symbols by address, so they have to be there before the first entry.
+    const bool hasSymbols = file.mSecSymtab.IsPresent() && file.mSecStrtab.IsPresent();
+    if (hasSymbols && !(file.LoadStrTabSection() && file.LoadSymbolMap(file.mSymbolMap))) {
+        return false;
+    }
+    if (!section.ProcessDebugSection()) {
+        return false;
+    }
+    _CleanProcessingMaps(file);
+    return true;
 }
 
 bool _ReadDWARF1Section(VElfFile& /*file*/) {

@@ -89,6 +89,14 @@ public:
     /// or in itself.
     [[nodiscard]] ObjectId WithoutTypedefs(ObjectId type) const;
 
+    /// Number of elements of an array over all its dimensions, 2^64 - 1 where it is more; 0 for
+    /// anything else.
+    [[nodiscard]] std::uint64_t ElementCount(ObjectId arrayType) const;
+
+    /// Distance in bytes from one element of an array to the next: the declared size divided among
+    /// the elements where that leaves no rest, else the size of the element type.
+    [[nodiscard]] std::uint64_t ElementStride(ObjectId arrayType) const;
+
     /// The name with the names of the enclosing namespaces, classes, functions and block scopes in
     /// front, joined by "::". Compile units and the global namespace add nothing. Empty for an
     /// object without a name.
@@ -98,6 +106,10 @@ public:
     /// "void (*)(int32)". A type of which only the size is known reads "unknown(4)". Empty for an
     /// object that is no type; "?" stands for one that a type refers to and that does not exist.
     [[nodiscard]] std::string TypeText(ObjectId type) const;
+
+    /// The type as a C declaration of a name, such as "uint16 table[4][2]" or
+    /// "void (*callback)(int32)", in the words of `TypeText`.
+    [[nodiscard]] std::string Declaration(ObjectId type, std::string_view name) const;
 
     /// The nearest compile unit among the object and its scopes, or the one that a function there
     /// names; 0 if there is none.
@@ -136,11 +148,17 @@ public:
     /// The static answer to a path: a variable by its qualified name, which may begin with "::", or
     /// else by its name alone, then members by ".name" and elements by "[index]", in decimal.
     /// Members of base classes and of anonymous members are found like own ones; an own one hides
-    /// an inherited one. Pointers are not followed, since what they point to is not static. An
-    /// index beyond its dimension does not resolve. Of several variables of one name the first
-    /// delivered is meant. Names may hold points and brackets themselves: the longest name that
-    /// lets the whole path resolve is taken. A path has at most 64 KiB and 1000 steps.
+    /// an inherited one, unless the name of the base class stands in front: ".Named::id". Pointers
+    /// are not followed, since what they point to is not static. An index beyond its dimension does
+    /// not resolve. Of several variables of one name the first delivered is meant for which the
+    /// path resolves. Names may hold points and brackets themselves: the longest name that lets the
+    /// whole path resolve is taken. A path has at most 64 KiB and 1000 steps.
     [[nodiscard]] PathResult ResolvePath(std::string_view path) const;
+
+    /// As `ResolvePath`, for each variable of the name, in the order of delivery: names of static
+    /// variables may recur in several compile units. Where the path resolves for none of them, the
+    /// only result tells how far it got.
+    [[nodiscard]] std::vector<PathResult> ResolvePaths(std::string_view path) const;
 
     /// @}
 

@@ -4,6 +4,8 @@
 #include "model/ModelStore.h"
 #include "model/ScopeNames.h"
 
+#include <limits>
+
 namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
@@ -79,6 +81,11 @@ void SetKindFields(ModelObject& object, const Record& record) {
     }
 }
 
+std::uint64_t SaturatedProduct(std::uint64_t left, std::uint64_t right) {
+    const bool fits = left == 0 || right <= std::numeric_limits<std::uint64_t>::max() / left;
+    return fits ? left * right : std::numeric_limits<std::uint64_t>::max();
+}
+
 } // namespace
 
 std::size_t DataModel::ObjectCount() const {
@@ -138,6 +145,25 @@ ObjectId DataModel::WithoutTypedefs(ObjectId type) const {
         type = mStore->At(type).type;
     }
     return 0;
+}
+
+std::uint64_t DataModel::ElementCount(ObjectId arrayType) const {
+    const std::span<const std::uint32_t> dimensions = mStore->Dimensions(arrayType);
+    std::uint64_t count = dimensions.empty() ? 0 : 1;
+    for (const std::uint32_t dimension : dimensions) {
+        count = SaturatedProduct(count, dimension);
+    }
+    return count;
+}
+
+std::uint64_t DataModel::ElementStride(ObjectId arrayType) const {
+    const std::uint64_t count = ElementCount(arrayType);
+    if (count == 0) {
+        return 0;
+    }
+    const std::uint64_t declared = mStore->At(arrayType).value;
+    const bool isWhole = declared != 0 && declared % count == 0;
+    return isWhole ? declared / count : SizeOf(mStore->At(arrayType).type);
 }
 
 std::string DataModel::QualifiedName(ObjectId id) const {

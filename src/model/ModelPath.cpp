@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <charconv>
 #include <deque>
-#include <limits>
 #include <optional>
 #include <system_error>
 #include <unordered_set>
@@ -34,47 +33,49 @@ bool IsStepBorder(std::string_view text, std::size_t position) {
     return position == text.size() || BeginsStep(text[position]);
 }
 
-std::uint64_t SaturatedProduct(std::uint64_t left, std::uint64_t right) {
-    const bool fits = left == 0 || right <= std::numeric_limits<std::uint64_t>::max() / left;
-    return fits ? left * right : std::numeric_limits<std::uint64_t>::max();
-}
-
 /// Finds variables by what a host calls them.
 class VariableFinder {
 public:
     explicit VariableFinder(const ModelStore& store)
         : mStore(store) {}
 
-    /// The first variable of this qualified name, else the first of this name in any scope.
-    [[nodiscard]] ObjectId Find(std::string_view text) const {
-        ObjectId found = FindInScopes(text, {});
+    /// The variables of this qualified name, else those of this name in any scope, in the order of
+    /// delivery.
+    [[nodiscard]] std::vector<ObjectId> Find(std::string_view text) const {
+        std::vector<ObjectId> found;
+        AppendInScopes(text, {}, found);
         std::size_t end = text.size();
         for (std::size_t tries = 0; tries < sMostScopeEnds && end > 0; ++tries) {
             end = text.rfind(sSeparator, end - 1);
             if (end == std::string_view::npos) {
                 break;
             }
-            const ObjectId other =
-                FindInScopes(text.substr(end + sSeparator.size()), text.substr(0, end));
-            found = found == 0 || other == 0 ? std::max(found, other) : std::min(found, other);
+            AppendInScopes(text.substr(end + sSeparator.size()), text.substr(0, end), found);
         }
-        return found != 0 ? found : FirstOfName(text);
+        if (found.empty()) {
+            ForEachOfName(text, [&found](ObjectId id) { found.push_back(id); });
+        }
+        std::ranges::sort(found);
+        return found;
     }
 
 private:
-    [[nodiscard]] ObjectId FirstOfName(std::string_view name) const {
-        return name.empty() ? 0 : mStore.FindNamed(LookupKind::GlobalByName, name, 0);
+    template <typename Visitor>
+    void ForEachOfName(std::string_view name, Visitor&& visit) const {
+        const ObjectId first =
+            name.empty() ? 0 : mStore.FindNamed(LookupKind::GlobalByName, name, 0);
+        for (ObjectId id = first; id != 0; id = mStore.At(id).detail) {
+            visit(id);
+        }
     }
 
-    [[nodiscard]] ObjectId FindInScopes(std::string_view name, std::string_view scopes) const {
-        ObjectId found = 0;
-        for (ObjectId id = FirstOfName(name); id != 0; id = mStore.At(id).detail) {
-            // Behind the first of a name, the chain runs from the last to the second.
-            if ((found == 0 || id < found) && IsInScopes(mStore, id, scopes)) {
-                found = id;
+    void AppendInScopes(std::string_view name, std::string_view scopes,
+                        std::vector<ObjectId>& found) const {
+        ForEachOfName(name, [&](ObjectId id) {
+            if (IsInScopes(mStore, id, scopes)) {
+                found.push_back(id);
             }
-        }
-        return found;
+        });
     }
 
     const ModelStore& mStore;
@@ -87,6 +88,8 @@ public:
         ObjectId member = 0;
         /// Offset of the member in the class where the search began.
         std::uint64_t offset = 0;
+        /// Length of the text that named it.
+        std::size_t length = 0;
     };
 
     MemberFinder(const DataModel& model, const ModelStore& store)
@@ -94,23 +97,27 @@ public:
         , mStore(store) {}
 
     /// The member whose name `text` begins with, up to a step or its end: one of the class itself
-    /// or its anonymous members, else one of the nearest base class.
+    /// or its anonymous members, else one of the nearest base class. The name of a base class in
+    /// front, with "::", leads past nearer members.
     Found Find(ObjectId type, std::string_view text) {
-        mPending.push_back({type, 0});
-        while (!mPending.empty()) {
-            const Part part = mPending.front();
-            mPending.pop_front();
-            if (!mSeen.insert(part.type).second) {
-                continue;
+        Found found;
+        for (std::size_t bases = 0; bases < kLongestChain; ++bases) {
+            const std::string_view rest = text.substr(found.length);
+            const Match match = Search(type, rest);
+            if (match.member != 0) {
+                found.member = match.member;
+                found.offset += match.part.offset + mStore.At(match.member).detail;
+                found.length += mStore.NameOf(match.member).size();
+                break;
             }
-            if (const ObjectId member = FindOwn(part, text); member != 0) {
-                return {member, part.offset + mStore.At(member).detail};
+            if (match.part.type == 0) {
+                break;
             }
-            for (const BaseClass& base : mStore.BaseClasses(part.type)) {
-                mPending.push_back({mModel.WithoutTypedefs(base.type), part.offset + base.offset});
-            }
+            type = match.part.type;
+            found.offset += match.part.offset;
+            found.length += mStore.NameOf(type).size() + sSeparator.size();
         }
-        return {};
+        return found;
     }
 
 private:
@@ -119,6 +126,41 @@ private:
         ObjectId type = 0;
         std::uint64_t offset = 0;
     };
+    /// A member and the part that it lies in, or without one the base class that is named.
+    struct Match {
+        ObjectId member = 0;
+        Part part;
+    };
+
+    Match Search(ObjectId type, std::string_view text) {
+        Part namedBase;
+        mSeen.clear();
+        mPending.assign(1, {type, 0});
+        while (!mPending.empty()) {
+            const Part part = mPending.front();
+            mPending.pop_front();
+            if (!mSeen.insert(part.type).second) {
+                continue;
+            }
+            if (const ObjectId member = FindOwn(part, text); member != 0) {
+                return {member, part};
+            }
+            for (const BaseClass& base : mStore.BaseClasses(part.type)) {
+                const Part inside{mModel.WithoutTypedefs(base.type), part.offset + base.offset};
+                mPending.push_back(inside);
+                if (namedBase.type == 0 && IsNamed(inside.type, text)) {
+                    namedBase = inside;
+                }
+            }
+        }
+        return {0, namedBase};
+    }
+
+    [[nodiscard]] bool IsNamed(ObjectId type, std::string_view text) const {
+        const std::string_view name = mStore.NameOf(type);
+        return !name.empty() && text.starts_with(name) &&
+               text.substr(name.size()).starts_with(sSeparator);
+    }
 
     ObjectId FindOwn(const Part& part, std::string_view text) {
         ObjectId longest = 0;
@@ -206,7 +248,7 @@ private:
             return;
         }
         mResult.place.address += found.offset;
-        mResult.resolvedLength += 1 + mStore.NameOf(found.member).size();
+        mResult.resolvedLength += 1 + found.length;
         SetType(mStore.At(found.member).type);
         SetBitField(mModel.Object(found.member));
     }
@@ -253,8 +295,10 @@ private:
                               std::to_string(count);
             return;
         }
-        const std::uint64_t whole = place.indexedDimensions == 0 ? ArraySize(array) : place.size;
-        const std::uint64_t partSize = whole / count;
+        std::uint64_t partSize = mModel.ElementStride(array);
+        for (const std::uint32_t inner : dimensions.subspan(place.indexedDimensions + 1)) {
+            partSize *= inner;
+        }
         place.address += index * partSize;
         if (++place.indexedDimensions < dimensions.size()) {
             place.type = array;
@@ -263,18 +307,6 @@ private:
         }
         SetType(mStore.At(array).type);
         place.size = place.size != 0 ? place.size : partSize;
-    }
-
-    /// The declared size where it is one of whole elements, else that of the elements together.
-    [[nodiscard]] std::uint64_t ArraySize(ObjectId array) const {
-        std::uint64_t elements = 1;
-        for (const std::uint32_t dimension : mStore.Dimensions(array)) {
-            elements = SaturatedProduct(elements, dimension);
-        }
-        const std::uint64_t declared = mStore.At(array).value;
-        const bool isWhole = declared != 0 && elements != 0 && declared % elements == 0;
-        return isWhole ? declared
-                       : SaturatedProduct(elements, mModel.SizeOf(mStore.At(array).type));
     }
 
     void SetType(ObjectId type) {
@@ -313,25 +345,30 @@ std::vector<std::size_t> HeadLengths(std::string_view path) {
 } // namespace
 
 DataModel::PathResult DataModel::ResolvePath(std::string_view path) const {
+    return ResolvePaths(path).front();
+}
+
+std::vector<DataModel::PathResult> DataModel::ResolvePaths(std::string_view path) const {
     PathResult best;
     best.problem = path.size() > kLongestText ? "the path is too long" : "no variable of this name";
     if (path.size() > kLongestText) {
-        return best;
+        return {best};
     }
+    std::vector<PathResult> results;
     for (const std::size_t length : HeadLengths(path)) {
-        const ObjectId global = VariableFinder(*mStore).Find(path.substr(0, length));
-        if (global == 0) {
-            continue;
+        for (const ObjectId global : VariableFinder(*mStore).Find(path.substr(0, length))) {
+            PathResult result = PathWalk(*this, *mStore, path).Walk(global, length);
+            if (result.found) {
+                results.push_back(std::move(result));
+            } else if (result.resolvedLength > best.resolvedLength) {
+                best = std::move(result);
+            }
         }
-        PathResult result = PathWalk(*this, *mStore, path).Walk(global, length);
-        if (result.found) {
-            return result;
-        }
-        if (result.resolvedLength > best.resolvedLength) {
-            best = std::move(result);
+        if (!results.empty()) {
+            return results;
         }
     }
-    return best;
+    return {best};
 }
 
 } // namespace Tessel::Norn::Brindle::DataModel

@@ -92,14 +92,16 @@ public:
         }
         mBehind += text;
     }
-    /// The whole declaration, with a space between the specifier and a parenthesis.
-    [[nodiscard]] std::string Around(std::string_view specifier) const {
-        const std::string inOrder = std::string(mBefore.rbegin(), mBefore.rend()) + mBehind;
+    /// The whole declaration of a name, which may be empty, with a space between the specifier and
+    /// the name or a parenthesis.
+    [[nodiscard]] std::string Around(std::string_view specifier, std::string_view name) const {
+        const std::string inOrder =
+            std::string(mBefore.rbegin(), mBefore.rend()).append(name).append(mBehind);
         const std::size_t pointers = std::min(inOrder.find_first_not_of('*'), inOrder.size());
         const bool hasParenthesis = pointers < inOrder.size() && inOrder[pointers] == '(';
         return std::string(specifier)
             .append(inOrder, 0, pointers)
-            .append(hasParenthesis ? " " : "")
+            .append(hasParenthesis || !name.empty() ? " " : "")
             .append(inOrder, pointers);
     }
 
@@ -119,12 +121,13 @@ public:
         , mStore(store) {}
 
     // Calls itself for parameters, no deeper than sDeepestParameters.
-    std::string Text(ObjectId type, int depth) { // NOLINT(misc-no-recursion)
+    // NOLINTNEXTLINE(misc-no-recursion)
+    std::string Text(ObjectId type, std::string_view name, int depth) {
         Declarator declarator;
         for (std::size_t length = 0; length < kLongestChain && Take(1); ++length) {
             const ObjectKind kind = mStore.At(type).kind;
             if (!mStore.Has(type) || !IsDerived(type)) {
-                return declarator.Around(Specifier(type));
+                return declarator.Around(Specifier(type), name);
             }
             if (kind == ObjectKind::Pointer) {
                 declarator.AddPointer();
@@ -133,12 +136,12 @@ public:
             } else if (kind == ObjectKind::FunctionType) {
                 declarator.AddBehind(Parameters(type, depth));
                 if (mStore.At(type).type == 0) {
-                    return declarator.Around("void");
+                    return declarator.Around("void", name);
                 }
             }
             type = mStore.At(type).type;
         }
-        return declarator.Around(sEllipsis);
+        return declarator.Around(sEllipsis, name);
     }
 
 private:
@@ -211,7 +214,7 @@ private:
             if (!Take(2)) {
                 return text.append("...)");
             }
-            text.append(Text(parameter, depth + 1));
+            text.append(Text(parameter, {}, depth + 1));
         }
         return text.append(text.empty() ? "()" : ")");
     }
@@ -241,17 +244,24 @@ constexpr bool IsType(ObjectKind kind) {
     }
 }
 
+std::string Bounded(std::string text) {
+    if (text.size() > kLongestText) {
+        text = std::string(CutText(text, kLongestText)).append(sEllipsis);
+    }
+    return text;
+}
+
 } // namespace
 
 std::string DataModel::TypeText(ObjectId type) const {
     if (!mStore->Has(type) || !IsType(KindOf(type))) {
         return {};
     }
-    std::string text = TypeTextWriter(*this, *mStore).Text(type, 0);
-    if (text.size() > kLongestText) {
-        text = std::string(CutText(text, kLongestText)).append(sEllipsis);
-    }
-    return text;
+    return Bounded(TypeTextWriter(*this, *mStore).Text(type, {}, 0));
+}
+
+std::string DataModel::Declaration(ObjectId type, std::string_view name) const {
+    return Bounded(TypeTextWriter(*this, *mStore).Text(type, name, 0));
 }
 
 } // namespace Tessel::Norn::Brindle::DataModel

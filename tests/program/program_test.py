@@ -371,7 +371,8 @@ class OutputTest(ProgramTest):
 
 class SampleImagesTest(ProgramTest):
     def test_every_image_gives_the_same_variables_in_vars_and_dump(self):
-        images = sorted(SAMPLE_IMAGES.glob("*.elf"))
+        images = [image for image in sorted(SAMPLE_IMAGES.glob("*.elf"))
+                  if "nosymtab" not in image.name]
         self.assertTrue(images, f"no images in {SAMPLE_IMAGES}")
         for image in images:
             with self.subTest(image=image.name):

@@ -162,7 +162,7 @@ void ElfImage::WriteSectionHeader(ByteWriter& writer, const SectionContent& sect
     Word(writer, overrides.offset.value_or(offset));
     Word(writer, overrides.size.value_or(section.content.size()));
     writer.U32(0).U32(0);
-    Word(writer, 1);
+    Word(writer, overrides.alignment.value_or(1));
     Word(writer, overrides.entrySize.value_or(section.entrySize));
 }
 

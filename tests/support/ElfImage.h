@@ -33,6 +33,7 @@ struct ElfSectionOverrides {
     std::optional<std::uint64_t> size = {};
     std::optional<std::uint64_t> entrySize = {};
     std::optional<std::uint32_t> nameOffset = {};
+    std::optional<std::uint64_t> alignment = {};
 };
 
 class ElfImage {

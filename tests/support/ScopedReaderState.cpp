@@ -21,6 +21,7 @@ ScopedReaderState::ScopedReaderState()
     VElfResourceManager::Instance().SetLanguage(1);
 }
 
+// NOLINTNEXTLINE(bugprone-exception-escape)
 ScopedReaderState::~ScopedReaderState() {
     for (std::size_t index = 0; index < mOptions.size(); ++index) {
         std::visit(

@@ -1,0 +1,82 @@
+// The command `diff`: what has changed for each variable and each leaf from one build to the next.
+#include "CommandLine.h"
+#include "Commands.h"
+#include "DifferenceTable.h"
+#include "Message.h"
+#include "PlaceTable.h"
+#include "ReadArguments.h"
+#include "ReadSession.h"
+#include "TableWriter.h"
+#include "Terminal.h"
+
+#include "model/DataModel.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+struct DiffArguments {
+    ReadArguments read;
+    DataModel::LeafLimits limits;
+    std::string oldFile;
+    std::string newFile;
+    std::string format = "table";
+};
+
+void TellCuts(const std::string& file, const DataModel::LeafCuts& cuts,
+              const DataModel::LeafLimits& limits) {
+    for (const std::string& cut : DescribeCuts(cuts, limits)) {
+        Tell(file, cut);
+    }
+}
+
+ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
+    DataModel::DataModel oldModel;
+    DataModel::DataModel newModel;
+    ReadSession session(arguments.read);
+    const ReadResult oldResult = session.Read(arguments.oldFile, oldModel);
+    const ReadResult newResult = session.Read(arguments.newFile, newModel);
+    ReportResult(arguments.oldFile, oldResult);
+    ReportResult(arguments.newFile, newResult);
+    // What a read that failed did not deliver would look as if it had vanished or appeared.
+    if (!oldResult.isOk || !newResult.isOk) {
+        Tell("nothing is compared, since not both files could be read to the end");
+        return ExitStatus::Failed;
+    }
+    const auto table = MakeTableWriter(TableFormatOf(arguments.format), DifferenceColumns(), output,
+                                       IsStandardOutputColoured());
+    const std::vector<DataModel::LeafCuts> cuts =
+        WriteDifferences(oldModel, newModel, arguments.limits, *table);
+    TellCuts(arguments.oldFile, cuts.front(), arguments.limits);
+    TellCuts(arguments.newFile, cuts.back(), arguments.limits);
+    return ExitStatus::Success;
+}
+
+} // namespace
+
+void AddDiffCommand(CommandLine& commandLine) {
+    const auto arguments = std::make_shared<DiffArguments>();
+    CLI::App& command = commandLine.AddCommand(
+        "diff",
+        "Tell what has changed from one build to the next, for each variable and each leaf.\n"
+        "The exit status is 0 with differences too; 1 means that a file could not be read, and "
+        "then "
+        "nothing is compared",
+        "brindle diff --format csv old.elf new.elf",
+        [arguments](ResultOutput& output) { return RunDiff(*arguments, output); });
+    command.add_option("OLD", arguments->oldFile, "The file of the earlier build")
+        ->required()
+        ->type_name("");
+    command.add_option("NEW", arguments->newFile, "The file of the later build")
+        ->required()
+        ->type_name("");
+    AddReadArguments(command, arguments->read);
+    AddLeafLimitArguments(command, arguments->limits);
+    AddFormatArgument(command, arguments->format);
+}
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,153 @@
+#include "ModelComparison.h"
+
+#include "VariableMatching.h"
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+
+namespace Tessel::Norn::Brindle::Program {
+
+using DataModel::ObjectId;
+using Place = DataModel::DataModel::Place;
+
+bool Difference::IsMoved() const {
+    return oldPlace->place.address != newPlace->place.address ||
+           oldPlace->place.bitOffset != newPlace->place.bitOffset;
+}
+
+bool Difference::IsResized() const {
+    return oldPlace->place.size != newPlace->place.size ||
+           oldPlace->place.bitSize != newPlace->place.bitSize;
+}
+
+bool Difference::IsRetyped() const {
+    return oldPlace->type != newPlace->type;
+}
+
+ModelComparison::Side::Side(const DataModel::DataModel& sideModel,
+                            const DataModel::LeafLimits& limits)
+    : model(sideModel)
+    , walk(sideModel, limits)
+    , fingerprints(sideModel)
+    , typeTexts(sideModel) {}
+
+ModelComparison::ModelComparison(const DataModel::DataModel& oldModel,
+                                 const DataModel::DataModel& newModel,
+                                 const DataModel::LeafLimits& limits)
+    : mOld(oldModel, limits)
+    , mNew(newModel, limits) {}
+
+void ModelComparison::Run(const Sink& sink) {
+    mSink = &sink;
+    const VariableMatching matching = MatchVariables(mOld.model, mNew.model);
+    for (const VariableMatching::Pair& pair : matching.pairs) {
+        if (pair.newGlobal != 0) {
+            ComparePair(pair.oldGlobal, pair.newGlobal);
+        } else {
+            PassVanished(pair.oldGlobal);
+        }
+    }
+    for (const ObjectId global : matching.appeared) {
+        PassAppeared(global);
+    }
+}
+
+void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
+    const ComparedPlace oldVariable = VariableOf(mOld, oldGlobal);
+    const ComparedPlace newVariable = VariableOf(mNew, newGlobal);
+    PassChanged(oldVariable, newVariable, false);
+    const bool haveSameLeaves = oldVariable.place.address == newVariable.place.address &&
+                                mOld.fingerprints.Of(oldVariable.place.type) ==
+                                    mNew.fingerprints.Of(newVariable.place.type);
+    if (!haveSameLeaves && !IsExhausted()) {
+        const Places oldLeaves = LeavesOf(mOld, oldGlobal);
+        const Places newLeaves = LeavesOf(mNew, newGlobal);
+        // Half of the leaves would look like changes.
+        if (!IsExhausted()) {
+            CompareLeaves(oldLeaves, newLeaves);
+        }
+    }
+}
+
+void ModelComparison::CompareLeaves(const Places& oldLeaves, const Places& newLeaves) {
+    // The leaves of a name, last first; there are several of one only in odd unions.
+    std::unordered_map<std::string_view, std::vector<const ComparedPlace*>> unmatched;
+    for (std::size_t leaf = newLeaves.size(); leaf-- > 0;) {
+        unmatched[newLeaves[leaf].name].push_back(&newLeaves[leaf]);
+    }
+    for (const ComparedPlace& oldLeaf : oldLeaves) {
+        const auto known = unmatched.find(oldLeaf.name);
+        if (known == unmatched.end()) {
+            (*mSink)({&oldLeaf, nullptr, true});
+            continue;
+        }
+        PassChanged(oldLeaf, *known->second.back(), true);
+        known->second.pop_back();
+        if (known->second.empty()) {
+            unmatched.erase(known);
+        }
+    }
+    for (const ComparedPlace& newLeaf : newLeaves) {
+        const auto known = unmatched.find(newLeaf.name);
+        if (known != unmatched.end()) {
+            (*mSink)({nullptr, &newLeaf, true});
+        }
+    }
+}
+
+void ModelComparison::PassVanished(ObjectId oldGlobal) {
+    const ComparedPlace variable = VariableOf(mOld, oldGlobal);
+    (*mSink)({&variable, nullptr, false});
+    for (const ComparedPlace& leaf : LeavesOf(mOld, oldGlobal)) {
+        (*mSink)({&leaf, nullptr, true});
+    }
+}
+
+void ModelComparison::PassAppeared(ObjectId newGlobal) {
+    const ComparedPlace variable = VariableOf(mNew, newGlobal);
+    (*mSink)({nullptr, &variable, false});
+    for (const ComparedPlace& leaf : LeavesOf(mNew, newGlobal)) {
+        (*mSink)({nullptr, &leaf, true});
+    }
+}
+
+void ModelComparison::PassChanged(const ComparedPlace& oldPlace, const ComparedPlace& newPlace,
+                                  bool isLeaf) {
+    const Difference difference{&oldPlace, &newPlace, isLeaf};
+    if (difference.IsMoved() || difference.IsResized() || difference.IsRetyped()) {
+        (*mSink)(difference);
+    }
+}
+
+bool ModelComparison::IsExhausted() const {
+    return OldCuts().isExhausted || NewCuts().isExhausted;
+}
+
+ComparedPlace ModelComparison::VariableOf(Side& side, ObjectId global) {
+    const DataModel::ModelObject variable = side.model.Object(global);
+    ComparedPlace result;
+    result.name = side.model.QualifiedName(global);
+    result.type = side.typeTexts.Of(variable.type);
+    result.place.global = global;
+    result.place.type = variable.type;
+    result.place.address = variable.address;
+    result.place.size = side.model.SizeOf(global);
+    return result;
+}
+
+ModelComparison::Places ModelComparison::LeavesOf(Side& side, ObjectId global) {
+    Places leaves;
+    if (side.walk.Cuts().isExhausted) {
+        return leaves;
+    }
+    const std::size_t nameLength = side.model.QualifiedName(global).size();
+    side.walk.Walk(global, [&](std::string_view path, const Place& place) {
+        if (path.size() > nameLength) {
+            leaves.push_back({std::string(path), side.typeTexts.Of(place.type), place});
+        }
+    });
+    return leaves;
+}
+
+} // namespace Tessel::Norn::Brindle::Program

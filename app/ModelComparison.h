@@ -1,0 +1,86 @@
+// What has changed from one build to the next, for each variable and each leaf. The command `diff`
+// prints it; nothing else is kept of the models.
+#pragma once
+
+#include "TypeTexts.h"
+
+#include "model/DataModel.h"
+#include "model/LayoutFingerprints.h"
+#include "model/LeafWalk.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// One variable or leaf in one of the builds.
+struct ComparedPlace {
+    /// Qualified name of the variable, with the steps to the leaf.
+    std::string name;
+    std::string type;
+    DataModel::DataModel::Place place;
+};
+
+/// One variable or leaf that is not the same in both builds.
+struct Difference {
+    /// Null in the build that does not have it.
+    const ComparedPlace* oldPlace = nullptr;
+    const ComparedPlace* newPlace = nullptr;
+    /// A part of a variable, not the variable itself.
+    bool isLeaf = false;
+
+    /// @name What has changed where both builds have it
+    /// @{
+    /// Other address, or other position among the bits.
+    [[nodiscard]] bool IsMoved() const;
+    /// Other size in bytes, or other width in bits.
+    [[nodiscard]] bool IsResized() const;
+    /// Other text of the type.
+    [[nodiscard]] bool IsRetyped() const;
+    /// @}
+};
+
+/// Compares two models. Both are borrowed and must not change during the life of the comparison.
+class ModelComparison {
+public:
+    using Sink = std::function<void(const Difference&)>;
+
+    ModelComparison(const DataModel::DataModel& oldModel, const DataModel::DataModel& newModel,
+                    const DataModel::LeafLimits& limits);
+
+    /// Passes on all differences: old variables in the order of their delivery, each with its
+    /// leaves behind it, then those that appeared, likewise. What has no parts has no leaves. Once
+    /// the limit of all leaves is reached, variables alone are compared.
+    void Run(const Sink& sink);
+
+    /// What was left out of the expansions.
+    [[nodiscard]] const DataModel::LeafCuts& OldCuts() const { return mOld.walk.Cuts(); }
+    [[nodiscard]] const DataModel::LeafCuts& NewCuts() const { return mNew.walk.Cuts(); }
+
+private:
+    struct Side {
+        Side(const DataModel::DataModel& sideModel, const DataModel::LeafLimits& limits);
+
+        const DataModel::DataModel& model;
+        DataModel::LeafWalk walk;
+        DataModel::LayoutFingerprints fingerprints;
+        TypeTexts typeTexts;
+    };
+    using Places = std::vector<ComparedPlace>;
+
+    void ComparePair(DataModel::ObjectId oldGlobal, DataModel::ObjectId newGlobal);
+    void CompareLeaves(const Places& oldLeaves, const Places& newLeaves);
+    void PassVanished(DataModel::ObjectId oldGlobal);
+    void PassAppeared(DataModel::ObjectId newGlobal);
+    void PassChanged(const ComparedPlace& oldPlace, const ComparedPlace& newPlace, bool isLeaf);
+    [[nodiscard]] bool IsExhausted() const;
+    static ComparedPlace VariableOf(Side& side, DataModel::ObjectId global);
+    static Places LeavesOf(Side& side, DataModel::ObjectId global);
+
+    Side mOld;
+    Side mNew;
+    const Sink* mSink = nullptr;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

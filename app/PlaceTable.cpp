@@ -1,0 +1,137 @@
+#include "PlaceTable.h"
+
+#include "NamePattern.h"
+#include "TableWriter.h"
+#include "TypeTexts.h"
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::ModelObject;
+using DataModel::ObjectKind;
+using Place = DataModel::DataModel::Place;
+
+constexpr std::array sColumns = {Column{"address", true},
+                                 Column{"size", true},
+                                 Column{"type"},
+                                 Column{"name"},
+                                 Column{"bitOffset", true, true},
+                                 Column{"bitSize", true, true},
+                                 Column{"compileUnit"}};
+
+class PlaceRows {
+public:
+    PlaceRows(const DataModel::DataModel& model, TableWriter& table)
+        : mModel(model)
+        , mTable(table)
+        , mTypeTexts(model) {}
+
+    void Add(std::string_view path, const Place& place) {
+        const ModelObject unit = mModel.Object(mModel.CompileUnitOf(place.global));
+        std::array<Cell, sColumns.size()> row{
+            Address{place.address}, place.size, mTypeTexts.Of(place.type), path, std::monostate(),
+            std::monostate(),       unit.name};
+        if (place.isBitField) {
+            // A position below 0 comes from broken input alone; it has no place in the storage
+            // unit.
+            row[4] =
+                place.bitOffset < 0 ? Cell() : Cell(static_cast<std::uint64_t>(place.bitOffset));
+            row[5] = place.bitSize;
+        }
+        mTable.AddRow(row);
+    }
+
+private:
+    const DataModel::DataModel& mModel;
+    TableWriter& mTable;
+    TypeTexts mTypeTexts;
+};
+
+std::string ProblemText(const std::string& expression,
+                        const DataModel::DataModel::PathResult& result) {
+    std::string text = "'" + expression + "': ";
+    if (result.resolvedLength == 0) {
+        return text + result.problem;
+    }
+    return text + "resolves up to '" + expression.substr(0, result.resolvedLength) + "', then " +
+           result.problem;
+}
+
+std::string Count(std::uint64_t number, std::string_view one, std::string_view several) {
+    return std::to_string(number).append(" ").append(number == 1 ? one : several);
+}
+
+} // namespace
+
+std::span<const Column> PlaceColumns() {
+    return sColumns;
+}
+
+LeafList WriteLeaves(const DataModel::DataModel& model, std::string_view pattern,
+                     const DataModel::LeafLimits& limits, TableWriter& table) {
+    const NameFilter filter(pattern);
+    LeafList result;
+    result.hasMatch = filter.TakesAll();
+    PlaceRows rows(model, table);
+    DataModel::LeafWalk walk(model, limits);
+    model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
+        if (walk.Cuts().isExhausted) {
+            return;
+        }
+        const std::string name = model.QualifiedName(variable.id);
+        const std::size_t ownName = OwnNameStart(name, variable.name);
+        const bool isWhole = filter.Takes(name, ownName);
+        if (!isWhole && !filter.MayTakeBehind(name, ownName)) {
+            return;
+        }
+        walk.Walk(variable.id, [&](std::string_view path, const Place& place) {
+            if (isWhole || filter.Takes(path, ownName)) {
+                result.hasMatch = true;
+                rows.Add(path, place);
+            }
+        });
+    });
+    table.Finish();
+    result.cuts = walk.Cuts();
+    return result;
+}
+
+std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
+                                     std::span<const std::string> expressions, TableWriter& table) {
+    std::vector<std::string> problems;
+    PlaceRows rows(model, table);
+    for (const std::string& expression : expressions) {
+        for (const auto& result : model.ResolvePaths(expression)) {
+            if (result.found) {
+                rows.Add(expression, result.place);
+            } else {
+                problems.push_back(ProblemText(expression, result));
+            }
+        }
+    }
+    table.Finish();
+    return problems;
+}
+
+std::vector<std::string> DescribeCuts(const DataModel::LeafCuts& cuts,
+                                      const DataModel::LeafLimits& limits) {
+    std::vector<std::string> texts;
+    if (cuts.arrays != 0) {
+        texts.push_back(Count(cuts.arrays, "array is", "arrays are") + " expanded to " +
+                        Count(limits.arrayElements, "element", "elements") + " only, first '" +
+                        cuts.firstArray + "'; --max-elements raises the limit");
+    }
+    if (cuts.wholes != 0) {
+        texts.push_back(Count(cuts.wholes, "place is", "places are") +
+                        " not expanded, being nested too deep or part of itself, first '" +
+                        cuts.firstWhole + "'");
+    }
+    if (cuts.isExhausted) {
+        texts.push_back("expanded to " + Count(limits.leaves, "leaf", "leaves") +
+                        " only; --max-leaves raises the limit");
+    }
+    return texts;
+}
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,45 @@
+// The rows that `leaves` and `find` print: one for each place within a variable.
+#pragma once
+
+#include "model/LeafWalk.h"
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+struct Column;
+class TableWriter;
+
+/// address, size, type, name, bitOffset, bitSize, compileUnit
+std::span<const Column> PlaceColumns();
+
+/// The leaves that were wanted, and what was left out of them.
+struct LeafList {
+    /// False if there is a pattern that no leaf matches.
+    bool hasMatch = true;
+    DataModel::LeafCuts cuts;
+};
+
+/// Writes a whole table of leaves, in the order of the delivery of their variables. Those are
+/// wanted whose path the pattern fits, with or without the scopes in front, and all of a variable
+/// whose name it fits.
+/// @param table has `PlaceColumns`
+LeafList WriteLeaves(const DataModel::DataModel& model, std::string_view pattern,
+                     const DataModel::LeafLimits& limits, TableWriter& table);
+
+/// Writes a whole table of what expressions lead to, in their order: a row for each variable of the
+/// name, none for an expression that does not resolve.
+/// @param table has `PlaceColumns`
+/// @return for each expression that does not resolve, how far it got and why no further
+std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
+                                     std::span<const std::string> expressions, TableWriter& table);
+
+/// What was left out of an expansion, for a person, one text for each cause.
+std::vector<std::string> DescribeCuts(const DataModel::LeafCuts& cuts,
+                                      const DataModel::LeafLimits& limits);
+
+} // namespace Tessel::Norn::Brindle::Program

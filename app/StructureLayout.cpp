@@ -1,0 +1,109 @@
+#include "StructureLayout.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::ModelObject;
+using DataModel::ObjectId;
+using DataModel::ObjectKind;
+using Kind = LayoutEntry::Kind;
+
+constexpr std::uint64_t sBitsOfByte = 8;
+
+bool IsMember(ObjectKind kind) {
+    return kind == ObjectKind::Member || kind == ObjectKind::UnionMember ||
+           kind == ObjectKind::BitField;
+}
+
+std::uint64_t EndOf(const LayoutEntry& entry) {
+    return entry.offset +
+           std::min(entry.size, std::numeric_limits<std::uint64_t>::max() - entry.offset);
+}
+
+/// Base classes and members alone.
+std::vector<LayoutEntry> Contents(const DataModel::DataModel& model, ObjectId type) {
+    std::vector<LayoutEntry> contents;
+    for (const DataModel::BaseClass& base : model.BaseClasses(type)) {
+        contents.push_back({Kind::BaseClass, base.type, base.offset, model.SizeOf(base.type)});
+    }
+    model.ForEachIn(type, [&](const ModelObject& member) {
+        if (IsMember(member.kind)) {
+            contents.push_back({Kind::Member, member.id, member.offset, model.SizeOf(member.id)});
+        }
+    });
+    return contents;
+}
+
+/// Adds what lies between. Members that overlap, such as bit fields in one storage unit, form a
+/// cluster, whose unused bits are what its members leave over.
+class GapFinder {
+public:
+    explicit GapFinder(const DataModel::DataModel& model)
+        : mModel(model) {}
+
+    std::vector<LayoutEntry> Find(const std::vector<LayoutEntry>& contents, std::uint64_t size) {
+        for (const LayoutEntry& entry : contents) {
+            if (entry.offset >= mEnd) {
+                EndCluster();
+                AddGap(Kind::Hole, entry.offset);
+                mClusterStart = entry.offset;
+            }
+            AddToCluster(entry);
+            mEnd = std::max(mEnd, EndOf(entry));
+            mResult.push_back(entry);
+        }
+        EndCluster();
+        if (!contents.empty()) {
+            AddGap(Kind::Padding, size);
+        }
+        return std::move(mResult);
+    }
+
+private:
+    void AddToCluster(const LayoutEntry& entry) {
+        const ModelObject object = mModel.Object(entry.id);
+        const bool isBitField = object.kind == ObjectKind::BitField;
+        mHasBitFields = mHasBitFields || isBitField;
+        mUsedBits += isBitField ? object.bitSize : (EndOf(entry) - entry.offset) * sBitsOfByte;
+    }
+
+    void EndCluster() {
+        const std::uint64_t bits = (mEnd - mClusterStart) * sBitsOfByte;
+        if (mHasBitFields && mUsedBits < bits) {
+            mResult.push_back({Kind::UnusedBits, 0, mClusterStart, bits - mUsedBits});
+        }
+        mHasBitFields = false;
+        mUsedBits = 0;
+        mClusterStart = mEnd;
+    }
+
+    void AddGap(Kind kind, std::uint64_t end) {
+        if (end > mEnd) {
+            mResult.push_back({kind, 0, mEnd, end - mEnd});
+        }
+    }
+
+    const DataModel::DataModel& mModel;
+    std::vector<LayoutEntry> mResult;
+    std::uint64_t mEnd = 0;
+    std::uint64_t mClusterStart = 0;
+    std::uint64_t mUsedBits = 0;
+    bool mHasBitFields = false;
+};
+
+} // namespace
+
+std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, ObjectId type) {
+    std::vector<LayoutEntry> contents = Contents(model, type);
+    if (model.Object(type).kind == ObjectKind::Union) {
+        return contents;
+    }
+    std::ranges::stable_sort(contents, {}, &LayoutEntry::offset);
+    return GapFinder(model).Find(contents, model.SizeOf(type));
+}
+
+} // namespace Tessel::Norn::Brindle::Program

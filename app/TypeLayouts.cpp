@@ -1,0 +1,286 @@
+#include "TypeLayouts.h"
+
+#include "NamePattern.h"
+#include "PlainText.h"
+#include "ResultOutput.h"
+#include "StructureLayout.h"
+#include "Utf8.h"
+
+#include "model/DataModel.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::ModelObject;
+using DataModel::ObjectId;
+using DataModel::ObjectKind;
+
+/// Where comments begin, in characters; longer declarations push theirs to the right.
+constexpr std::size_t sCommentColumn = 44;
+/// Types without a name are written within each other to this depth.
+constexpr std::size_t sDeepestNesting = 32;
+constexpr std::size_t sLongestArrayChain = 1000;
+
+bool IsClass(ObjectKind kind) {
+    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
+}
+
+bool IsListed(ObjectKind kind) {
+    return IsClass(kind) || kind == ObjectKind::Enum || kind == ObjectKind::Typedef;
+}
+
+std::string_view Keyword(ObjectKind kind) {
+    switch (kind) {
+    case ObjectKind::Class:
+        return "class";
+    case ObjectKind::Struct:
+        return "struct";
+    case ObjectKind::Union:
+        return "union";
+    default:
+        return "enum";
+    }
+}
+
+std::string Bytes(std::uint64_t count) {
+    return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+std::string OffsetAndSize(std::uint64_t offset, std::uint64_t size) {
+    return "offset " + std::to_string(offset) + ", size " + std::to_string(size);
+}
+
+/// Has no name that its source gave it.
+bool IsNameless(const ModelObject& type) {
+    return type.kind != ObjectKind::Typedef && (type.anonymous || type.name.empty());
+}
+
+class LayoutWriter {
+public:
+    LayoutWriter(const DataModel::DataModel& model, std::string_view pattern, ResultOutput& output)
+        : mModel(model)
+        , mFilter(pattern)
+        , mOutput(output)
+        , mIsWritten(model.ObjectCount() + 1) {}
+
+    bool Write() {
+        FindHolders();
+        for (const bool areHeldWanted : {false, true}) {
+            // What is held by nothing that was written comes last, by itself.
+            for (ObjectId id = 1; id <= mModel.ObjectCount(); ++id) {
+                if (!mIsWritten[id] && (areHeldWanted || !mHolders.contains(id)) && IsWanted(id)) {
+                    WriteDeclaration(mModel.Object(id));
+                }
+            }
+        }
+        return mFilter.TakesAll() || mHasMatch;
+    }
+
+private:
+    void FindHolders() {
+        for (ObjectId id = 1; id <= mModel.ObjectCount(); ++id) {
+            const ModelObject object = mModel.Object(id);
+            if (object.kind == ObjectKind::Typedef || object.kind == ObjectKind::Member ||
+                object.kind == ObjectKind::UnionMember) {
+                const ObjectId held = WithoutArrays(object.type);
+                const ModelObject type = mModel.Object(held);
+                if (held != 0 && IsNameless(type) && IsListed(type.kind)) {
+                    mHolders.try_emplace(held, id);
+                }
+            }
+        }
+    }
+
+    [[nodiscard]] ObjectId WithoutArrays(ObjectId type) const {
+        for (std::size_t length = 0; length < sLongestArrayChain; ++length) {
+            const ModelObject array = mModel.Object(type);
+            if (array.kind != ObjectKind::Array || array.id == 0) {
+                return array.id;
+            }
+            type = array.type;
+        }
+        return 0;
+    }
+
+    [[nodiscard]] bool IsWanted(ObjectId id) const {
+        const ModelObject type = mModel.Object(id);
+        if (!IsListed(type.kind) || (type.kind == ObjectKind::Typedef && type.name.empty())) {
+            return false;
+        }
+        if (mFilter.TakesAll()) {
+            return true;
+        }
+        const std::string name = mModel.QualifiedName(id);
+        return mFilter.Takes(name, OwnNameStart(name, type.name));
+    }
+
+    void WriteDeclaration(const ModelObject& type) {
+        const bool isOneLine = type.kind == ObjectKind::Typedef && !IsBodyDue(type, 0);
+        if (mHasMatch && !(isOneLine && mWasOneLine)) {
+            mOutput.Put('\n');
+        }
+        mHasMatch = true;
+        mWasOneLine = isOneLine;
+        const std::string name = mModel.QualifiedName(type.id);
+        if (type.kind == ObjectKind::Typedef) {
+            mIsWritten[type.id] = true;
+            WriteHeld("typedef ", type, name, "size " + std::to_string(mModel.SizeOf(type.id)), 0);
+            return;
+        }
+        WriteBody(type, IsNameless(type) ? std::string() : name, 0);
+        WriteLine(0, "};", {});
+    }
+
+    /// True for the holder of a type that is not written yet.
+    [[nodiscard]] bool IsBodyDue(const ModelObject& holder, std::size_t depth) const {
+        const ObjectId held = WithoutArrays(holder.type);
+        const auto known = mHolders.find(held);
+        return known != mHolders.end() && known->second == holder.id && !mIsWritten[held] &&
+               depth < sDeepestNesting;
+    }
+
+    /// A typedef or a member, with the whole type where it is the holder of one.
+    // Calls itself through nameless types, no deeper than sDeepestNesting.
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void WriteHeld(std::string_view lead, const ModelObject& holder, std::string_view name,
+                   const std::string& comment, std::size_t depth) {
+        if (!IsBodyDue(holder, depth)) {
+            WriteLine(depth, std::string(lead) + mModel.Declaration(holder.type, name) + ";",
+                      comment);
+            return;
+        }
+        WriteBody(mModel.Object(WithoutArrays(holder.type)), {}, depth, lead);
+        WriteLine(depth, "} " + std::string(name) + Dimensions(holder.type) + ";", comment);
+    }
+
+    [[nodiscard]] std::string Dimensions(ObjectId type) const {
+        std::string text;
+        for (std::size_t length = 0; length < sLongestArrayChain; ++length) {
+            for (const std::uint32_t dimension : mModel.Dimensions(type)) {
+                text.append("[").append(std::to_string(dimension)).append("]");
+            }
+            if (mModel.Object(type).kind != ObjectKind::Array) {
+                break;
+            }
+            type = mModel.Object(type).type;
+        }
+        return text;
+    }
+
+    /// All but the closing brace.
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void WriteBody(const ModelObject& type, const std::string& name, std::size_t depth,
+                   std::string_view lead = {}) {
+        mIsWritten[type.id] = true;
+        std::string head = std::string(lead).append(Keyword(type.kind));
+        head.append(name.empty() ? "" : " ").append(name).append(Heritage(type)).append(" {");
+        std::string comment = "size " + std::to_string(mModel.SizeOf(type.id));
+        const ModelObject unit = mModel.Object(mModel.CompileUnitOf(type.id));
+        if (depth == 0 && !unit.name.empty()) {
+            comment.append(", in ").append(unit.name);
+        }
+        WriteLine(depth, head, comment);
+        if (type.kind == ObjectKind::Enum) {
+            WriteEnumerators(type, depth + 1);
+            return;
+        }
+        for (const LayoutEntry& entry : LayoutOf(mModel, type.id)) {
+            WriteEntry(entry, depth + 1);
+        }
+    }
+
+    [[nodiscard]] std::string Heritage(const ModelObject& type) const {
+        std::string text;
+        if (type.kind == ObjectKind::Enum && type.type != 0) {
+            return " : " + mModel.TypeText(type.type);
+        }
+        for (const DataModel::BaseClass& base : mModel.BaseClasses(type.id)) {
+            text.append(text.empty() ? " : " : ", ").append(mModel.TypeText(base.type));
+        }
+        return text;
+    }
+
+    void WriteEnumerators(const ModelObject& type, std::size_t depth) {
+        for (const DataModel::Enumerator& enumerator : mModel.Enumerators(type.id)) {
+            WriteLine(depth,
+                      std::string(enumerator.name) + " = " + std::to_string(enumerator.value) + ",",
+                      {});
+        }
+    }
+
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void WriteEntry(const LayoutEntry& entry, std::size_t depth) {
+        const std::string where = " at offset " + std::to_string(entry.offset);
+        switch (entry.kind) {
+        case LayoutEntry::Kind::BaseClass:
+            return WriteLine(depth, {},
+                             "base class " + mModel.TypeText(entry.id) + ": " +
+                                 OffsetAndSize(entry.offset, entry.size));
+        case LayoutEntry::Kind::Member:
+            return WriteMember(mModel.Object(entry.id), entry, depth);
+        case LayoutEntry::Kind::Hole:
+            return WriteLine(depth, {}, "hole of " + Bytes(entry.size) + where);
+        case LayoutEntry::Kind::UnusedBits:
+            return WriteLine(depth, {},
+                             std::to_string(entry.size) + (entry.size == 1 ? " bit" : " bits") +
+                                 " unused" + where);
+        case LayoutEntry::Kind::Padding:
+            return WriteLine(depth, {}, "padding of " + Bytes(entry.size) + where);
+        }
+    }
+
+    // NOLINTNEXTLINE(misc-no-recursion)
+    void WriteMember(const ModelObject& member, const LayoutEntry& entry, std::size_t depth) {
+        if (member.kind == ObjectKind::BitField) {
+            const std::string width = std::to_string(member.bitSize);
+            WriteLine(depth, mModel.Declaration(member.type, member.name) + " : " + width + ";",
+                      "offset " + std::to_string(entry.offset) + ", bit " +
+                          std::to_string(member.bitOffset) + ", width " + width);
+            return;
+        }
+        WriteHeld({}, member, member.name, OffsetAndSize(entry.offset, entry.size), depth);
+    }
+
+    /// Code, which may be empty, and a comment, which may be empty, on one line.
+    void WriteLine(std::size_t depth, std::string_view code, std::string_view comment) {
+        std::string line(4 * depth, ' ');
+        line += code;
+        if (!comment.empty()) {
+            if (!code.empty()) {
+                const std::size_t length = CharacterCount(line);
+                line.append(std::max(sCommentColumn, length + 1) - length, ' ');
+            }
+            line.append("/* ").append(comment).append(" */");
+        }
+        ReplaceControlCharacters(line);
+        mOutput.Write(line);
+        mOutput.Put('\n');
+    }
+
+    const DataModel::DataModel& mModel;
+    NameFilter mFilter;
+    ResultOutput& mOutput;
+    /// The typedef or member that a nameless type is written with.
+    std::unordered_map<ObjectId, ObjectId> mHolders;
+    std::vector<bool> mIsWritten;
+    bool mHasMatch = false;
+    /// Typedefs that follow each other need no line between them.
+    bool mWasOneLine = false;
+};
+
+} // namespace
+
+bool WriteTypeLayouts(const DataModel::DataModel& model, std::string_view pattern,
+                      ResultOutput& output) {
+    return LayoutWriter(model, pattern, output).Write();
+}
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,16 @@
+// The datatype as a plain value of the host.
+#pragma once
+
+#include "datatype/VDatatypeHostForm.h"
+
+namespace Tessel::Norn::BrindleReader {
+
+/// A datatype by value; nothing at the start.
+class VDatatypeNET final : public VDatatypeHostForm {
+public:
+    VDatatypeNET() = default;
+    explicit VDatatypeNET(VDatatype datatype)
+        : VDatatypeHostForm(datatype) {}
+};
+
+} // namespace Tessel::Norn::BrindleReader

@@ -1,0 +1,32 @@
+// The datatype as an object of the host, for code that knows `IDataType` alone.
+#pragma once
+
+#include "datatype/IDataType.h"
+#include "datatype/VDatatypeHostForm.h"
+
+namespace Tessel::Norn::BrindleReader {
+
+/// A datatype behind `IDataType`. It is what it was made or assigned from: setting one of its
+/// properties changes nothing.
+class VDatatypeWrapper final : public IDataType, public VDatatypeHostForm {
+public:
+    explicit VDatatypeWrapper(VDatatype datatype)
+        : VDatatypeHostForm(datatype) {}
+
+    /// The text form.
+    [[nodiscard]] std::string Name() const override { return GetMapfileTypeString(); }
+    void SetName(const std::string& /*name*/) override {}
+    /// The low byte of the word.
+    [[nodiscard]] std::uint32_t Type() const override { return GetInternalType(); }
+    void SetType(std::uint32_t /*type*/) override {}
+    /// The length of a string in bytes.
+    [[nodiscard]] std::uint32_t Length() const override { return GetInternalLength(); }
+    void SetLength(std::uint32_t /*length*/) override {}
+    [[nodiscard]] std::int32_t ByteSize() const { return GetByteSize(); }
+    void SetByteSize(std::int32_t /*byteSize*/) {}
+
+    /// Ends the use of the object; there is nothing to release.
+    void Dispose() {}
+};
+
+} // namespace Tessel::Norn::BrindleReader

@@ -1,0 +1,31 @@
+// The evaluation of location expressions (DWARF 4, 2.5) as far as they give a static number: the
+// address of a variable or the offset of a member. Registers, frames, memory and pieces are not
+// followed.
+#pragma once
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VElfBuffer;
+
+/// Where an expression stands. The two places differ in a few operators.
+enum class ExpressionPlace { Entry, LocationList };
+
+/// What an expression gave.
+struct VLocationResult {
+    /// False if the expression is not static.
+    bool mIsValid = false;
+    /// 0 unless valid.
+    std::uint32_t mValue = 0;
+    /// A bit field was named, whether the rest is valid or not. In entries only.
+    bool mHasBitField = false;
+    std::uint32_t mBitSize = 0;
+    std::uint32_t mBitOffset = 0;
+};
+
+/// Evaluates the expression from the cursor to `end`, a buffer offset. Nothing behind `end` or the
+/// buffer is looked at; the cursor stands anywhere afterwards. An empty expression gives 0.
+VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place);
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,85 @@
+// The run of the section reader: what it does first and last, and the reading of each unit. The
+// steps themselves are elsewhere.
+#include "container/VElfFile.h"
+#include "diagnostics/ElfLog.h"
+#include "dwarf/VCompileUnitReader.h"
+#include "dwarf/VDie2.h"
+#include "dwarf/VDwarf2Section.h"
+#include "emit/VCLIFactoryWrapper.h"
+#include "host/VDWARFReaderWrapper.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// Time of the log's clock when the section was begun.
+double gLogBeginSectionTimer = 0;
+
+constexpr std::array<std::uint32_t, 5> sUnknownEntryTypeSizes = {0, 1, 2, 4, 8};
+
+} // namespace
+
+bool VDwarf2Section::ProcessDebugSection() {
+    const Elf64_Shdr& debugInfo = mElfFile->mSecDebugInfo;
+    if (mReader != nullptr) {
+        mReader->SetProgressInterval(0, static_cast<std::int32_t>(debugInfo.sh_size));
+    }
+    if (VElfOptions::mIsLogFile != 0) {
+        elflog("%s: Processing DWARF2 Debug Section: sh_offset = 0x%8.8x, sh_size = 0x%8.8x",
+               GetLogTimeStamp(), static_cast<std::uint32_t>(debugInfo.sh_offset),
+               static_cast<std::uint32_t>(debugInfo.sh_size));
+        gLogBeginSectionTimer = GetLogTimeMs();
+    }
+    CreateUnknownEntryTypes();
+    if (!MapCompileUnits() || !ProcessCompileUnits()) {
+        return false;
+    }
+    ResolveNodes();
+    if (EmitNodes() && VElfOptions::mIsLogFile != 0) {
+        elflog("\n%s: End of DWARF2 Debug Section (dt:%.3f ms) ", GetLogTimeStamp(),
+               GetLogTimeMs() - gLogBeginSectionTimer);
+        elfelog("\n");
+    }
+    return true;
+}
+
+void VDwarf2Section::CreateUnknownEntryTypes() {
+    VCLIFactoryWrapper& factory = *mElfFile->mFactory;
+    const std::uint64_t globalNamespace = factory.GetGlobalNamespace();
+    for (std::size_t index = 0; index < mUnknownEntryTypes.size(); ++index) {
+        const std::uint32_t size = sUnknownEntryTypeSizes[index];
+        std::uint64_t& type = mUnknownEntryTypes[index];
+        type = factory.GetUnknownEntryType(size, globalNamespace);
+        if (type == 0) {
+            type = factory.CreateUnknownEntryType(size, globalNamespace);
+        }
+    }
+}
+
+bool VDwarf2Section::ProcessCompileUnits() {
+    for (VCompileUnitHeader* header : mCompileUnits) {
+        if (!ProcessCompileUnit(*header)) {
+            if (VElfOptions::mIsLogFile != 0) {
+                elflog("%s: Failed to process debug section.", GetLogTimeStamp());
+            }
+            return false;
+        }
+    }
+    return true;
+}
+
+bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
+    VCompileUnitReader reader(*this, header);
+    header.mUnitReader = &reader;
+    bool result = LoadCompileUnit(reader);
+    if (result) {
+        VDie2 root(reader);
+        while (result && !reader.mBuffer->IsEOF()) {
+            result = root.ReadDieTree(&header);
+        }
+    }
+    header.mUnitReader = nullptr;
+    return result;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,100 @@
+#include "dwarf/VAbrTab.h"
+
+#include "container/VElfBuffer.h"
+
+#include <limits>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::uint32_t sMaximumSkip = std::numeric_limits<std::uint16_t>::max();
+
+/// Codes up to this multiple of the number of items are looked up in a flat table.
+constexpr std::size_t sCodesPerItem = 4;
+constexpr std::size_t sSmallestFlatTable = 64;
+
+bool HasPassedEnd(const VElfBuffer& section) {
+    return section.GetOffset() > section.GetBufferLength();
+}
+
+} // namespace
+
+bool VAbrTab::Read(VElfBuffer& section, std::uint32_t offset) {
+    section.SetOffset(static_cast<std::int32_t>(offset));
+    while (!section.IsEOF()) {
+        const std::uint32_t code = section.GetULEB128();
+        if (code == 0 || Find(code) != nullptr || !ReadItem(section, code)) {
+            break;
+        }
+    }
+    mItems.shrink_to_fit();
+    mAttributes.shrink_to_fit();
+    return !mItems.empty();
+}
+
+bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
+    TAbrTabItem item;
+    item.mCode = code;
+    item.mTag = section.GetULEB128();
+    item.mHasChildren = section.GetUByte();
+    item.mFirstAttribute = static_cast<std::uint32_t>(mAttributes.size());
+    ReadAttributes(section);
+    item.mAttributeCount = static_cast<std::uint32_t>(mAttributes.size()) - item.mFirstAttribute;
+    if (HasPassedEnd(section)) {
+        mAttributes.resize(item.mFirstAttribute);
+        return false;
+    }
+    mItems.push_back(item);
+    Enter(code);
+    return true;
+}
+
+void VAbrTab::ReadAttributes(VElfBuffer& section) {
+    std::uint32_t skip = 0;
+    while (true) {
+        const std::uint32_t attribute = section.GetULEB128();
+        const std::uint32_t form = section.GetULEB128();
+        if (attribute == 0 || form == 0) {
+            break;
+        }
+        AddAttribute(attribute, form, skip);
+    }
+    if (skip > 0) {
+        mAttributes.push_back({.mSkip = static_cast<std::uint16_t>(skip)});
+    }
+}
+
+void VAbrTab::AddAttribute(std::uint32_t attribute, std::uint32_t form, std::uint32_t& skip) {
+    const AttributeTarget target = TargetOfAttribute(attribute);
+    const FormReading reading = ReadingOfForm(form);
+    const std::uint32_t width = FixedWidth(reading);
+    if (target == AttributeTarget::None && reading == FormReading::Present) {
+        return;
+    }
+    if (target == AttributeTarget::None && width != 0 && skip + width <= sMaximumSkip) {
+        skip += width;
+        return;
+    }
+    mAttributes.push_back({static_cast<std::uint16_t>(skip), target, reading, form});
+    skip = 0;
+}
+
+void VAbrTab::Enter(std::uint32_t code) {
+    const auto place = static_cast<std::uint32_t>(mItems.size());
+    if (code >= mIndexByCode.size() && code < sSmallestFlatTable + sCodesPerItem * place) {
+        mIndexByCode.resize(std::size_t{code} + 1);
+    }
+    if (code < mIndexByCode.size()) {
+        mIndexByCode[code] = place;
+    } else {
+        mIndexByLargeCode.emplace(code, place);
+    }
+}
+
+const TAbrTabItem* VAbrTab::FindLargeCode(std::uint32_t code) const {
+    const auto found = mIndexByLargeCode.find(code);
+    return found != mIndexByLargeCode.end() ? &mItems[found->second - 1] : nullptr;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

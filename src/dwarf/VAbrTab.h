@@ -1,0 +1,74 @@
+// The abbreviations of compile units (DWARF 4, 7.5.3), prepared for the reading of debug entries:
+// attributes that the reader has no use for are melted into distances to skip where their width is
+// known.
+#pragma once
+
+#include "dwarf/DieForms.h"
+#include "dwarf/DwarfConstants.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VElfBuffer;
+
+/// One step of reading an entry: bytes to pass, then the value of an attribute.
+struct TDieAttribute {
+    /// Bytes of attributes in front that are passed unread.
+    std::uint16_t mSkip = 0;
+    AttributeTarget mTarget = AttributeTarget::None;
+    FormReading mReading = FormReading::Present;
+    std::uint32_t mForm = 0;
+};
+
+/// One abbreviation. Its attributes are those of `VAbrTab::AttributesOf`.
+struct TAbrTabItem {
+    std::uint32_t mCode = 0;
+    dwarf_tag mTag = 0;
+    /// As stored; only 1 means that entries have children.
+    std::uint8_t mHasChildren = 0;
+    std::uint32_t mFirstAttribute = 0;
+    std::uint32_t mAttributeCount = 0;
+};
+
+/// The abbreviations of all units that name one offset of `.debug_abbrev`.
+class VAbrTab {
+public:
+    /// Reads the table at an offset of the loaded section. It ends with the code 0, at a code that
+    /// it has already, or with the section; an abbreviation that the section's end cuts off does
+    /// not count.
+    /// @return true if the table has any abbreviation
+    bool Read(VElfBuffer& section, std::uint32_t offset);
+
+    /// The abbreviation of a code, null if there is none. Good as long as the table.
+    [[nodiscard]] const TAbrTabItem* Find(std::uint32_t code) const {
+        if (code < mIndexByCode.size() && mIndexByCode[code] != 0) {
+            return &mItems[mIndexByCode[code] - 1];
+        }
+        return mIndexByLargeCode.empty() ? nullptr : FindLargeCode(code);
+    }
+
+    /// The steps that read an entry of an abbreviation of this table, in order.
+    [[nodiscard]] std::span<const TDieAttribute> AttributesOf(const TAbrTabItem& item) const {
+        return {mAttributes.data() + item.mFirstAttribute, item.mAttributeCount};
+    }
+
+private:
+    bool ReadItem(VElfBuffer& section, std::uint32_t code);
+    void ReadAttributes(VElfBuffer& section);
+    void AddAttribute(std::uint32_t attribute, std::uint32_t form, std::uint32_t& skip);
+    void Enter(std::uint32_t code);
+    [[nodiscard]] const TAbrTabItem* FindLargeCode(std::uint32_t code) const;
+
+    std::vector<TAbrTabItem> mItems;
+    std::vector<TDieAttribute> mAttributes;
+    /// By code, place in `mItems` from 1, or 0. Reaches only so far as the number of items allows.
+    std::vector<std::uint32_t> mIndexByCode;
+    std::unordered_map<std::uint32_t, std::uint32_t> mIndexByLargeCode;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

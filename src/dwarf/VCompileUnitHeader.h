@@ -1,0 +1,33 @@
+// The header of one compile unit as the mapping of units found it.
+#pragma once
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VCompileUnitReader;
+class VDebugInfoNode;
+
+/// One compile unit (DWARF 4, 7.5.1.1). Nodes keep a pointer to it; it lives as long as the section
+/// reader.
+struct VCompileUnitHeader {
+    /// File position of the unit's first byte.
+    std::uint32_t mFilePos = 0;
+    /// Whole unit in bytes, its length field included.
+    std::uint32_t mLength = 0;
+    /// 11 bytes, or 23 in 64-bit DWARF.
+    std::uint32_t mHeaderSize = 0;
+    /// Set while the unit is being read, else null. Borrowed.
+    VCompileUnitReader* mUnitReader = nullptr;
+    bool mIs64BitDwarf = false;
+    std::uint8_t mTargetAddressSize = 0;
+    std::int32_t mDwarfVersion = 0;
+    /// Offset of the unit's abbreviations in `.debug_abbrev`, low 32 bits.
+    std::uint32_t mAbbrevOffset = 0;
+    /// Place in the list of units, from 0.
+    std::uint32_t mIndex = 0;
+    /// The node whose host object stands for this unit; null until it is delivered.
+    VDebugInfoNode* mCompileUnitNode = nullptr;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

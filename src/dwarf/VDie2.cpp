@@ -1,0 +1,333 @@
+// Decoding of debug entries: the walk over a unit and the attributes of each entry. Locations are
+// in DieLocation.cpp, the making of nodes in nodes/.
+#include "dwarf/VDie2.h"
+
+#include "container/VElfFile.h"
+#include "core/CutText.h"
+#include "core/ErrorState.h"
+#include "diagnostics/ElfLog.h"
+#include "dwarf/VAbrTab.h"
+#include "dwarf/VCompileUnitHeader.h"
+#include "dwarf/VCompileUnitReader.h"
+#include "dwarf/VDwarf2Section.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::size_t sMaximumPathLength = 2047;
+constexpr std::size_t sMaximumProducerLength = 1024;
+constexpr std::size_t sMaximumUnitNameLength = 79;
+
+/// Attributes of a unit: this many a byte and a few more. Attributes that take no bytes could else
+/// make a small unit a long work.
+constexpr std::int64_t sAttributesPerByte = 64;
+constexpr std::int64_t sFreeAttributes = 0x10000;
+
+} // namespace
+
+VDie2::VDie2(VCompileUnitReader& reader)
+    : mBuffer(reader.mBuffer.get())
+    , mAbbrevTable(reader.mAbbrevTable)
+    , mLocTabBuffer(reader.mSection.mLocTabBuffer.get())
+    , mSection(&reader.mSection)
+    , mUnitReader(&reader)
+    , mImageBase(reader.mSection.mElfFile->mImageBase)
+    , mAttributesLeft(sAttributesPerByte * mBuffer->GetBufferLength() + sFreeAttributes) {}
+
+bool VDie2::ReadDieTree(VCompileUnitHeader* header) {
+    do {
+        ++recCnt;
+        const Entry entry = mBuffer->IsEOF() ? Entry::Null : ReadEntry();
+        if (entry == Entry::Decoded) {
+            if (!MapCurrentDieToNode(header)) {
+                return false;
+            }
+            if (mItem->mHasChildren == 1) {
+                mOpenNodes.push_back(mNode);
+            }
+        } else if (entry == Entry::Null && !mOpenNodes.empty()) {
+            mOpenNodes.pop_back();
+        }
+    } while (!mOpenNodes.empty());
+    return true;
+}
+
+VDie2::Entry VDie2::ReadEntry() {
+    const Entry entry = ReadAbbrevCode();
+    if (entry != Entry::Decoded) {
+        return entry;
+    }
+    mAttributesLeft -= mItem->mAttributeCount;
+    if (mAttributesLeft < 0) {
+        elflog("Error: Compile unit has too many attributes, the rest of it is left out.");
+        mBuffer->SetOffset(mBuffer->GetBufferLength());
+        return Entry::Unknown;
+    }
+    ReadAttributes();
+    return HasPassedEnd() ? Entry::Unknown : Entry::Decoded;
+}
+
+VDie2::Entry VDie2::ReadAbbrevCode() {
+    const auto unitOffset = static_cast<std::uint32_t>(mBuffer->GetOffset());
+    const std::uint32_t code = mBuffer->GetULEB128();
+    if (code == 0) {
+        return Entry::Null;
+    }
+    mItem = mAbbrevTable->Find(code);
+    if (mItem == nullptr) {
+        return Entry::Unknown;
+    }
+    static_cast<VDieAttributes&>(*this) = VDieAttributes{};
+    mNode = nullptr;
+    mOffset = mSection->UnitToSectionOffset(mUnitReader->mHeader, unitOffset);
+    mRecordNumber = recCnt;
+    mAbbrevCode = code;
+    mTag = mItem->mTag;
+    return Entry::Decoded;
+}
+
+void VDie2::ReadAttributes() {
+    for (const TDieAttribute& attribute : mAbbrevTable->AttributesOf(*mItem)) {
+        mBuffer->MoveOffset(attribute.mSkip);
+        ReadAttribute(attribute);
+        if (HasPassedEnd()) {
+            return;
+        }
+    }
+    if (mTag == DW_TAG_enumeration_type && !mHasByteSize) {
+        mTag = DW_TAG_namespace;
+    }
+}
+
+bool VDie2::HasPassedEnd() const {
+    return static_cast<std::uint32_t>(mBuffer->GetOffset()) >
+           static_cast<std::uint32_t>(mBuffer->GetBufferLength());
+}
+
+void VDie2::ReadAttribute(const TDieAttribute& attribute) {
+    if (attribute.mReading == FormReading::Indirect) {
+        ReadIndirectAttribute(attribute);
+        return;
+    }
+    if (attribute.mTarget == AttributeTarget::Location ||
+        attribute.mTarget == AttributeTarget::MemberLocation) {
+        ReadLocation(attribute);
+        return;
+    }
+    VDieFormValue value;
+    if (ReadFormValue(attribute.mReading, value)) {
+        StoreAttribute(attribute, value);
+    }
+}
+
+void VDie2::ReadIndirectAttribute(const TDieAttribute& attribute) {
+    TDieAttribute direct = attribute;
+    do {
+        direct.mForm = mBuffer->GetULEB128();
+        direct.mReading = ReadingOfForm(direct.mForm);
+    } while (direct.mReading == FormReading::Indirect);
+    ReadAttribute(direct);
+}
+
+bool VDie2::ReadFormValue(FormReading reading, VDieFormValue& value) {
+    switch (reading) {
+    case FormReading::Present:
+        value.mNumber = 1;
+        return true;
+    case FormReading::OneByte:
+        value.mNumber = mBuffer->GetUByte();
+        return true;
+    case FormReading::TwoBytes:
+        value.mNumber = mBuffer->GetUShort();
+        return true;
+    case FormReading::FourBytes:
+        value.mNumber = mBuffer->GetULong();
+        return true;
+    case FormReading::EightBytes:
+        value.mNumber = static_cast<std::uint32_t>(mBuffer->GetUInt64());
+        return true;
+    case FormReading::Address:
+        value.mNumber = static_cast<std::uint32_t>(mBuffer->GetADDRESS());
+        return true;
+    case FormReading::Offset:
+        value.mNumber = ReadOffset();
+        return true;
+    case FormReading::ReferenceAddress:
+        value.mNumber = ReadReferenceAddress();
+        return true;
+    case FormReading::UnsignedLeb128:
+        value.mNumber = mBuffer->GetULEB128();
+        return true;
+    case FormReading::SignedLeb128:
+        value.mNumber = static_cast<std::uint32_t>(mBuffer->GetSLEB128());
+        return true;
+    case FormReading::Text:
+        value.mString = mBuffer->GetNullTStr();
+        return true;
+    case FormReading::TextOffset:
+        value.mString = mSection->GetDebugString(ReadOffset());
+        return true;
+    case FormReading::Block1:
+    case FormReading::Block2:
+    case FormReading::Block4:
+    case FormReading::BlockLeb128:
+        MoveBehindBlock(ReadBlockLength(reading));
+        value.mNumber = static_cast<std::uint32_t>(mBuffer->GetOffset());
+        return true;
+    default:
+        SetErrorState(ELFReadErrorEnum::ELFERR_DWARF_FORM);
+        return false;
+    }
+}
+
+std::uint32_t VDie2::ReadBlockLength(FormReading reading) {
+    switch (reading) {
+    case FormReading::Block1:
+        return mBuffer->GetUByte();
+    case FormReading::Block2:
+        return mBuffer->GetUShort();
+    case FormReading::Block4:
+        return mBuffer->GetULong();
+    default:
+        return mBuffer->GetULEB128();
+    }
+}
+
+std::uint32_t VDie2::ReadOffset() {
+    return mUnitReader->mHeader.mIs64BitDwarf ? static_cast<std::uint32_t>(mBuffer->GetUInt64())
+                                              : mBuffer->GetULong();
+}
+
+std::uint32_t VDie2::ReadReferenceAddress() {
+    const bool hasOffsetWidth =
+        mUnitReader->mHeader.mIs64BitDwarf || VElfOptions::mHandle_DW_FORM_REF_ADDR_AS_DW3 == 1;
+    const std::uint32_t reference =
+        hasOffsetWidth ? ReadOffset() : static_cast<std::uint32_t>(mBuffer->GetADDRESS());
+    if (VElfOptions::mFixReferencesWithFileRelativeOffset != 1) {
+        return reference;
+    }
+    return reference - static_cast<std::uint32_t>(mSection->mElfFile->mSecDebugInfo.sh_offset);
+}
+
+void VDie2::MoveBehindBlock(std::uint32_t length) {
+    const std::int64_t end = std::int64_t{mBuffer->GetOffset()} + length;
+    const std::int64_t passedEnd = std::int64_t{mBuffer->GetBufferLength()} + 1;
+    mBuffer->SetOffset(static_cast<std::int32_t>(std::min(end, passedEnd)));
+}
+
+void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value) {
+    switch (attribute.mTarget) {
+    case AttributeTarget::Name:
+        StoreName(value.mString);
+        break;
+    case AttributeTarget::ByteSize:
+        mHasByteSize = true;
+        mByteSize = mBuffer->IsWordAddressedTarget() ? value.mNumber * 2 : value.mNumber;
+        break;
+    case AttributeTarget::BitOffset:
+        mBitOffset = value.mNumber;
+        break;
+    case AttributeTarget::BitSize:
+        mBitSize = value.mNumber;
+        break;
+    case AttributeTarget::CompDir:
+        if (value.mString != nullptr) {
+            mCompDir = MakeAttributeString(value.mString);
+        }
+        break;
+    case AttributeTarget::ConstValue:
+        mConstValue = VAttributeValue::Integer(value.mNumber);
+        break;
+    case AttributeTarget::LowerBound:
+        mLowerBound = MakeAttributeValue(attribute, value.mNumber);
+        break;
+    case AttributeTarget::Producer:
+        StoreProducer(value.mString);
+        break;
+    case AttributeTarget::UpperBound:
+        mUpperBound = MakeAttributeValue(attribute, value.mNumber);
+        break;
+    case AttributeTarget::Accessibility:
+        mAccessibility = MakeAttributeValue(attribute, value.mNumber);
+        break;
+    case AttributeTarget::Count:
+        mCount = MakeAttributeValue(attribute, value.mNumber);
+        break;
+    case AttributeTarget::Declaration:
+        mIsDeclaration = value.mNumber != 0;
+        break;
+    case AttributeTarget::Encoding:
+        mEncoding = value.mNumber;
+        mHasEncoding = true;
+        break;
+    case AttributeTarget::External:
+        mIsExternal = value.mNumber != 0;
+        break;
+    case AttributeTarget::Specification:
+        mSpecification = MakeAttributeValue(attribute, value.mNumber);
+        break;
+    case AttributeTarget::Type:
+        mTypeRef = value.mNumber;
+        mTypeRefIsSectionOffset = attribute.mForm == DW_FORM_ref_addr;
+        break;
+    case AttributeTarget::LinkageName:
+        mLinkageName = MakeAttributeString(value.mString);
+        break;
+    default:
+        break;
+    }
+}
+
+void VDie2::StoreName(const char* name) {
+    mHasName = true;
+    mName = name != nullptr ? name : "unknown";
+    if (name != nullptr && mTag == DW_TAG_compile_unit) {
+        ShortenUnitName();
+    }
+}
+
+void VDie2::ShortenUnitName() {
+    const std::string_view path = CutText(mName, sMaximumPathLength);
+    // Without a separator, npos + 1 is the start of the text.
+    std::string_view last = path.substr(path.find_last_of("/\\") + 1);
+    last.remove_prefix(last.size() - std::min(last.size(), sMaximumUnitNameLength));
+    std::string name(last);
+    std::ranges::replace(name, '.', '_');
+    mName = mSection->mArena.KeepText(name);
+}
+
+void VDie2::StoreProducer(const char* producer) {
+    mProducer.mValue = producer != nullptr ? CutText(producer, sMaximumProducerLength) : "<NULL>";
+    mProducer.mDefined = true;
+    OnProducer();
+}
+
+void VDie2::OnProducer() {
+    if (mTag != DW_TAG_compile_unit) {
+        return;
+    }
+    mUnitReader->mProducer = mProducer.mValue;
+    mSection->AutodetectProducerOptions(mProducer.mValue, mUnitReader);
+}
+
+VAttributeString VDie2::MakeAttributeString(const char* text) const {
+    return {text != nullptr ? mSection->MeasureText(text) : std::string_view(), true};
+}
+
+VAttributeValue VDie2::MakeAttributeValue(const TDieAttribute& attribute,
+                                          std::uint32_t value) const {
+    if (!IsReferenceForm(attribute.mForm)) {
+        return VAttributeValue::Integer(value);
+    }
+    return VAttributeValue::Reference(
+        attribute.mForm == DW_FORM_ref_addr
+            ? value
+            : mSection->UnitToSectionOffset(mUnitReader->mHeader, value));
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,134 @@
+// The decoded form of the debug entry (DIE) that is being read. One object serves all entries of a
+// unit, one after the other: each is decoded, turned into a node and forgotten.
+#pragma once
+
+#include "dwarf/DieForms.h"
+#include "dwarf/DwarfConstants.h"
+#include "dwarf/VAttributeValue.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VAbrTab;
+class VCompileUnitReader;
+class VDebugInfoNode;
+class VDwarf2Section;
+class VElfBuffer;
+class VLocTabBuffer;
+struct TAbrTabItem;
+struct TDieAttribute;
+struct VCompileUnitHeader;
+
+/// What the attributes of one entry tell. Values are 32 bits wide; wider forms are cut.
+struct VDieAttributes {
+    dwarf_tag mTag = 0;
+    /// Section offset of the entry.
+    std::uint32_t mOffset = 0;
+    std::uint32_t mAbbrevCode = 0;
+    /// `recCnt` when the entry was read.
+    std::uint32_t mRecordNumber = 0;
+    /// Value of the type attribute: a section offset if the next field says so, else a unit offset;
+    /// 0 if there is none.
+    std::uint32_t mTypeRef = 0;
+    bool mTypeRefIsSectionOffset = false;
+    bool mIsRegisterOrStackLocation = false;
+    bool mHasName = false;
+    bool mBitFieldFromLocation = false;
+    bool mHasEncoding = false;
+    bool mHasByteSize = false;
+    bool mIsDeclaration = false;
+    bool mIsExternal = false;
+    bool mHasMemberLocation = false;
+    bool mHasLocation = false;
+    std::uint32_t mLocationAddress = 0;
+    std::uint32_t mMemberOffset = 0;
+    std::uint32_t mBitOffset = 0;
+    std::uint32_t mBitSize = 0;
+    std::uint32_t mByteSize = 0;
+    std::uint32_t mEncoding = 0;
+    /// Terminated; of it the first `sMaximumNameLength` characters count. Lives in the unit's
+    /// bytes, in `.debug_str`, in the arena of the tree or for ever. Never null.
+    const char* mName = "";
+    VAttributeString mLinkageName;
+    VAttributeString mCompDir;
+    /// At most 1024 characters.
+    VAttributeString mProducer;
+    VAttributeValue mSpecification;
+    VAttributeValue mCount;
+    VAttributeValue mUpperBound;
+    VAttributeValue mLowerBound;
+    VAttributeValue mConstValue;
+    VAttributeValue mAccessibility;
+};
+
+/// The number or text that a form gave.
+struct VDieFormValue {
+    std::uint32_t mNumber = 0;
+    /// Null for forms that are no texts and for texts that aren't there.
+    const char* mString = nullptr;
+};
+
+/// The current debug entry of one unit.
+class VDie2 : public VDieAttributes {
+public:
+    /// The reader has its bytes and abbreviations loaded.
+    explicit VDie2(VCompileUnitReader& reader);
+
+    /// Reads the entry at the cursor with all its descendants and makes a node of each (DWARF 4,
+    /// 2.3 and 7.5.2). Unknown abbreviation codes are passed over byte by byte; an entry that is
+    /// cut off by the end of the unit makes no node and ends the walk.
+    /// @return false only on a failure that ends the unit
+    bool ReadDieTree(VCompileUnitHeader* header);
+
+private:
+    enum class Entry { Null, Unknown, Decoded };
+
+    Entry ReadEntry();
+    Entry ReadAbbrevCode();
+    void ReadAttributes();
+    void ReadAttribute(const TDieAttribute& attribute);
+    void ReadIndirectAttribute(const TDieAttribute& attribute);
+    bool ReadFormValue(FormReading reading, VDieFormValue& value);
+    std::uint32_t ReadBlockLength(FormReading reading);
+    std::uint32_t ReadOffset();
+    std::uint32_t ReadReferenceAddress();
+    /// Moves behind a block; one that passes the end of the unit cuts the entry off.
+    void MoveBehindBlock(std::uint32_t length);
+    [[nodiscard]] bool HasPassedEnd() const;
+
+    void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
+    void StoreName(const char* name);
+    void StoreProducer(const char* producer);
+    [[nodiscard]] VAttributeString MakeAttributeString(const char* text) const;
+    [[nodiscard]] VAttributeValue MakeAttributeValue(const TDieAttribute& attribute,
+                                                     std::uint32_t value) const;
+    void OnProducer();
+    void ShortenUnitName();
+
+    void ReadLocation(const TDieAttribute& attribute);
+    bool ReadLocationBlock(FormReading reading, std::uint32_t& value);
+    bool ReadLocationNumber(const TDieAttribute& attribute, std::uint32_t& value);
+
+    /// Makes the node of the entry under the innermost open node and files it. Always true.
+    bool MapCurrentDieToNode(VCompileUnitHeader* header);
+    VDebugInfoNode* CreateNodeByTag(VCompileUnitHeader* header);
+
+    VElfBuffer* mBuffer;
+    VAbrTab* mAbbrevTable;
+    VLocTabBuffer* mLocTabBuffer;
+    VDwarf2Section* mSection;
+    VCompileUnitReader* mUnitReader;
+    /// Taken off the addresses of variables; 0 unless the container has set it.
+    std::uint64_t mImageBase;
+    const TAbrTabItem* mItem = nullptr;
+    /// The node made of the current entry.
+    VDebugInfoNode* mNode = nullptr;
+    /// Nodes whose children are being read, outermost first.
+    std::vector<VDebugInfoNode*> mOpenNodes;
+    /// Attributes that the unit may still have.
+    std::int64_t mAttributesLeft;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

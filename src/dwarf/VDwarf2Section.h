@@ -1,0 +1,142 @@
+// The reader of one file's DWARF 2, 3 or 4 information. It turns `.debug_info` into a tree of
+// nodes, has the tree resolved and delivered, and ends with the read. Decoding is implemented in
+// dwarf/, the passes over the tree and its delivery in emit/.
+#pragma once
+
+#include "container/VElfFileCache.h"
+#include "container/VValueRangeMap.h"
+#include "dwarf/VCompileUnitHeader.h"
+#include "nodes/VDieNodeMap.h"
+#include "nodes/VNodeArena.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VAbrSectionBuffer;
+class VCompileUnitReader;
+class VDWARFReaderWrapper;
+class VDebugInfoNode;
+class VElfFile;
+class VLocTabBuffer;
+struct Elf64_Shdr;
+
+/// The count of debug entries visited in this read, null entries included.
+extern std::uint32_t recCnt;
+
+/// Section reader of one read.
+///
+/// Three kinds of offset occur, and each name says which is meant: a file position; a unit offset,
+/// which counts from the first byte of its unit; a section offset, which counts from the start of
+/// `.debug_info` and is the key of all nodes. All of it is 32-bit arithmetic.
+class VDwarf2Section {
+public:
+    VDwarf2Section();
+    ~VDwarf2Section();
+    VDwarf2Section(const VDwarf2Section&) = delete;
+    VDwarf2Section& operator=(const VDwarf2Section&) = delete;
+    VDwarf2Section(VDwarf2Section&&) = delete;
+    VDwarf2Section& operator=(VDwarf2Section&&) = delete;
+
+    /// Loads the sections that stay in memory for the whole read. The file and the reader, which
+    /// may be null, are borrowed. Errors: those of loading, `ELFERR_NO_MEMORY`.
+    bool Init(VElfFile& file, VDWARFReaderWrapper* reader);
+
+    /// Reads, resolves and delivers. Errors: those of mapping and loading units. After a failure
+    /// nothing of the debug information is delivered but the unknown types.
+    bool ProcessDebugSection();
+
+    /// @name Reading
+    /// @{
+
+    /// Finds every unit of the section; see `VCompileUnitHeader`. True may come with error
+    /// `ELFERR_COMPILE_UNIT_SIZE` set, when a search for damaged units was given up.
+    bool MapCompileUnits();
+    /// Reads the entries of all units into nodes.
+    bool ProcessCompileUnits();
+    /// Loads bytes and abbreviations of a unit. Errors: those of loading, `ELFERR_DWARF_VERSION`.
+    bool LoadCompileUnit(VCompileUnitReader& reader);
+    /// Decides the options whose value 2 means "by the compiler" from the first producer text.
+    void AutodetectProducerOptions(std::string_view producer, VCompileUnitReader* reader);
+    /// Bucket count for a table with an entry for each debug entry, from the size of the section.
+    [[nodiscard]] std::int32_t EstimateBestHashMapBucketsCountFromDebugSectionSize() const;
+
+    [[nodiscard]] std::uint32_t UnitToSectionOffset(const VCompileUnitHeader& unit,
+                                                    std::uint32_t unitOffset) const;
+    [[nodiscard]] std::uint32_t SectionToUnitOffset(const VCompileUnitHeader& unit,
+                                                    std::uint32_t sectionOffset) const;
+
+    /// The terminated text at an offset of `.debug_str`, null if there is none.
+    [[nodiscard]] const char* GetDebugString(std::uint32_t offset) const;
+    /// A terminated text that lives as long as the tree: the text itself if it lies in
+    /// `.debug_str`, else a copy of its first `limit` characters.
+    const char* KeepText(const char* text, std::size_t limit);
+    /// The same for a text of known length. What is copied is terminated.
+    std::string_view KeepText(std::string_view text);
+    /// All of a terminated text; very long texts are cut when a file has far too many of them.
+    std::string_view MeasureText(const char* text);
+
+    /// @}
+    /// @name Resolution and delivery
+    /// @{
+
+    /// Runs the nine passes that finish the tree. Always true.
+    bool ResolveNodes();
+    /// Asks each root of delivery for its host object. Always true.
+    bool EmitNodes();
+    /// True if the node is delivered for its own sake.
+    /// @param allTypes types count as roots too
+    static bool IsEmissionRoot(const VDebugInfoNode& node, bool allTypes);
+    /// The host's unknown type of a size in the global namespace.
+    std::uint64_t GetUnknownEntryTypeObject(std::uint32_t byteSize);
+    /// The host's void type in the global namespace.
+    std::uint64_t GetVoidEntryTypeObject();
+    /// Writes the whole tree to files beside the input. False if one can't be opened.
+    bool DumpDebugInfoNodes();
+
+    /// @}
+
+    VElfFile* mElfFile = nullptr;
+    VDWARFReaderWrapper* mReader = nullptr;
+    /// The nodes, their texts and the unit headers live here.
+    VNodeArena mArena;
+    std::unique_ptr<VLocTabBuffer> mLocTabBuffer;
+    std::unique_ptr<VAbrSectionBuffer> mAbrSectionBuffer;
+    /// Whole `.debug_info`, compressed; of dsPIC targets alone.
+    VElfFileCachePtr mDebugInfoCache;
+    /// Whole `.debug_str`; none if the section is missing or empty.
+    VElfFileCachePtr mDebugStrCache;
+    /// Every unit found, in file order; they lie in the arena.
+    std::vector<VCompileUnitHeader*> mCompileUnits;
+    VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
+    bool mAutodetectPending = true;
+    VDieNodeMap mDieNodes;
+    /// Host object to the node that was delivered as it first.
+    std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
+    /// Host objects of the unknown types of 0, 1, 2, 4 and 8 bytes.
+    std::array<std::uint64_t, 5> mUnknownEntryTypes{};
+    std::uint64_t mVoidEntryType = 0;
+
+private:
+    bool LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section);
+    [[nodiscard]] bool IsInDebugStr(const char* text) const;
+    void AutodetectFileRelativeReferences(const std::string& producer);
+    void AutodetectReferenceWidth(const std::string& producer, const VCompileUnitHeader& unit);
+    bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
+                          std::int32_t record);
+    void CreateUnknownEntryTypes();
+    bool ProcessCompileUnit(VCompileUnitHeader& header);
+
+    /// Characters that very long texts may still have in all.
+    std::uint64_t mLongTextBudget = 0;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

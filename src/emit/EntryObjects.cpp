@@ -1,0 +1,325 @@
+// What the factory receives for each kind of node, once scope and type are at hand: the versions of
+// `CreateEntryObject`, and the needs that they rely on.
+#include "core/ModuleInfo.h"
+#include "dwarf/VDwarf2Section.h"
+#include "emit/BaseTypes.h"
+#include "emit/VCLIFactoryWrapper.h"
+#include "emit/VNodeEmission.h"
+#include "nodes/VDebugInfoNodeArray.h"
+#include "nodes/VDebugInfoNodeConstants.h"
+#include "nodes/VDebugInfoNodeDerivedTypes.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr EntryNeed sScopeNeed[] = {EntryNeed::Scope};
+constexpr EntryNeed sTypeNeeds[] = {EntryNeed::Scope, EntryNeed::Type};
+constexpr EntryNeed sEnumerationNeeds[] = {EntryNeed::Scope, EntryNeed::BaseType};
+constexpr EntryNeed sFunctionTypeNeeds[] = {EntryNeed::Scope, EntryNeed::Type,
+                                            EntryNeed::Parameters};
+constexpr EntryNeed sCompileUnitNeeds[] = {EntryNeed::FirstUnit};
+constexpr EntryNeed sSubprogramNeeds[] = {EntryNeed::Scope, EntryNeed::CompileUnit,
+                                          EntryNeed::Guard, EntryNeed::FunctionScope,
+                                          EntryNeed::ReturnType};
+
+constexpr std::int16_t sNoExtension = 0;
+
+std::uint64_t Widened(std::int32_t byteSize) {
+    return static_cast<std::uint64_t>(std::int64_t{byteSize});
+}
+
+/// One delivery: the node, and what was found for it.
+class EntryObject {
+public:
+    EntryObject(VDebugInfoNode& node, VNodeEmission& emission, const EmissionInputs& inputs)
+        : mNode(node)
+        , mEmission(emission)
+        , mFactory(emission.Factory())
+        , mInputs(inputs) {}
+
+    ObjectId CreateClass(bool isStruct) {
+        const std::string_view name = Name();
+        return mFactory.CreateClassEntryType(name, UnsignedSize(), mInputs.scope, {},
+                                             mNode.HasAnonymousName(), isStruct);
+    }
+
+    ObjectId CreateUnion() {
+        const std::string_view name = Name();
+        return mFactory.CreateUnionEntryType(name, UnsignedSize(), mInputs.scope,
+                                             mNode.HasAnonymousName());
+    }
+
+    ObjectId CreatePointer() {
+        return mFactory.CreatePointerEntryType(mInputs.type, Widened(mNode.GetByteSize()),
+                                               mInputs.scope);
+    }
+
+    ObjectId CreateBaseType() {
+        return mFactory.CreateBaseEntryType(mNode.ConvertBaseTypeForSymbolProvider(),
+                                            Widened(mNode.GetByteSize()), mInputs.scope);
+    }
+
+    ObjectId CreateUnspecifiedType() {
+        return mFactory.CreateBaseEntryType(BasicType::Void, 0, mInputs.scope);
+    }
+
+    ObjectId CreateTypedef(bool& alreadyRegistered) {
+        Name();
+        if (mNode.IsTypedefOfSameName()) {
+            alreadyRegistered = true;
+            return mInputs.type;
+        }
+        return mFactory.CreateTypedefEntryType(mNode.GetName(), mInputs.type, mInputs.scope);
+    }
+
+    ObjectId GetOrCreateNamespace() {
+        const std::string_view name = Name();
+        const ObjectId existing = mFactory.GetNamespace(name, mInputs.scope);
+        return existing != 0 ? existing : mFactory.CreateNamespace(name, mInputs.scope);
+    }
+
+    ObjectId CreateBlock() {
+        std::string name;
+        mNode.GetLexicalBlockName(name);
+        return mFactory.CreateBlockScope(name, mInputs.scope);
+    }
+
+    ObjectId CreateCompileUnit(bool& alreadyRegistered) {
+        const std::string_view name = Name();
+        VDebugInfoNode* first = mNode.GetFirstKindOfCompileUnit();
+        alreadyRegistered = first != &mNode;
+        const ObjectId object =
+            alreadyRegistered ? mInputs.compileUnit : mFactory.CreateCompileUnit(name);
+        mNode.GetCompileUnitHeader()->mCompileUnitNode = first;
+        return object;
+    }
+
+    ObjectId CreateMember() {
+        const std::string_view name = Name();
+        const VDebugInfoNode* parent = mNode.GetParent();
+        if (parent != nullptr && parent->GetTag() == DW_TAG_union_type) {
+            return mFactory.CreateUnionMemberData(name, mInputs.type, mInputs.scope,
+                                                  mNode.GetMemberOffset(), sNoExtension, false);
+        }
+        if (mNode.GetBitSize() != 0) {
+            return mFactory.CreateBitfieldInUdt(name, mInputs.type, mInputs.scope,
+                                                mNode.GetMemberOffset(), mNode.GetBitOffset(),
+                                                mNode.GetBitSize(), sNoExtension, false);
+        }
+        return mFactory.CreateMemberData(name, mInputs.type, mInputs.scope, mNode.GetMemberOffset(),
+                                         sNoExtension, false);
+    }
+
+    ObjectId CreateSubprogram() {
+        const std::string_view name = Name();
+        const ObjectId type = mFactory.CreateFunctionType(mInputs.type, {}, mInputs.functionScope);
+        return mFactory.CreateFunction(name, type, mInputs.scope, mInputs.compileUnit);
+    }
+
+    bool CreateVariable(ObjectId& object) {
+        std::string name(Name());
+        const bool isInGlobalNamespace = mNode.IsGlobalVariable() && mInputs.scopeNode != nullptr &&
+                                         mInputs.scopeNode->GetTag() == DW_TAG_compile_unit;
+        const ObjectId scope = isInGlobalNamespace ? mFactory.GetGlobalNamespace() : mInputs.scope;
+        const std::uint64_t address = mNode.GetLocationAddress() - ModuleInfo::GetModuleOffset();
+        if (mFactory.GetGlobalData(name, scope) != 0) {
+            std::string newName;
+            if (!mEmission.MakeUniqueGlobalName(scope, name, newName, address)) {
+                return false;
+            }
+            name = std::move(newName);
+        }
+        object = mFactory.CreateGlobalData(name, mInputs.type, scope, address, true, sNoExtension,
+                                           false);
+        mEmission.RegisterVariable(object, mNode);
+        return true;
+    }
+
+    ObjectId CreateEnumeration() {
+        const std::string_view name = Name();
+        const ObjectId table =
+            mFactory.CreateEnumTable(name, mInputs.type, mInputs.scope, mNode.HasAnonymousName());
+        if (table != 0) {
+            AddEnumerators(table);
+        }
+        return table;
+    }
+
+    ObjectId CreateArray() {
+        return mFactory.CreateArrayEntryType(mNode.AsArrayNode()->GetDimensions(), mInputs.type,
+                                             Widened(mNode.GetByteSize()), mInputs.scope);
+    }
+
+    ObjectId CreateFunctionType() {
+        Name();
+        return mFactory.CreateFunctionType(
+            mInputs.type, {mInputs.parameters.begin(), mInputs.parameters.end()}, mInputs.scope);
+    }
+
+private:
+    /// The name for the host. Tells also whether it is an anonymous one, so it comes first.
+    std::string_view Name() {
+        std::string_view name;
+        mNode.GetEntryName(name, mEmission.Section());
+        return name;
+    }
+
+    [[nodiscard]] std::uint32_t UnsignedSize() const {
+        return static_cast<std::uint32_t>(mNode.GetByteSize());
+    }
+
+    void AddEnumerators(ObjectId table) {
+        for (const VDebugInfoNode* child : mNode.Children()) {
+            if (child->GetTag() == DW_TAG_enumerator && child->GetNameOrNull() != nullptr) {
+                const auto value =
+                    static_cast<std::int32_t>(child->GetConstValueAttribute().ToInteger());
+                mFactory.AddEnumDescriptionToEnumTable(table, value, child->GetName());
+            }
+        }
+    }
+
+    VDebugInfoNode& mNode;
+    VNodeEmission& mEmission;
+    VCLIFactoryWrapper& mFactory;
+    const EmissionInputs& mInputs;
+};
+
+} // namespace
+
+std::span<const EntryNeed> NeedsOf(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_class_type:
+    case DW_TAG_structure_type:
+    case DW_TAG_union_type:
+    case DW_TAG_base_type:
+    case DW_TAG_unspecified_type:
+    case DW_TAG_namespace:
+    case DW_TAG_lexical_block:
+        return sScopeNeed;
+    case DW_TAG_pointer_type:
+    case DW_TAG_reference_type:
+    case DW_TAG_typedef:
+    case DW_TAG_array_type:
+    case DW_TAG_member:
+    case DW_TAG_variable:
+        return sTypeNeeds;
+    case DW_TAG_enumeration_type:
+        return sEnumerationNeeds;
+    case DW_TAG_subroutine_type:
+        return sFunctionTypeNeeds;
+    case DW_TAG_compile_unit:
+        return sCompileUnitNeeds;
+    case DW_TAG_subprogram:
+        return sSubprogramNeeds;
+    default:
+        return {};
+    }
+}
+
+bool IsDelivered(dwarf_tag tag) {
+    return !NeedsOf(tag).empty();
+}
+
+ObjectId VDebugInfoNode::GetOrCreateEntryObject(VDwarf2Section& section,
+                                                VCLIFactoryWrapper& factory,
+                                                const char* /*label*/) {
+    return VNodeEmission(section, factory).Deliver(*this);
+}
+
+bool VDebugInfoNode::CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
+                                       ObjectId& id, bool& alreadyRegistered) {
+    if (mEntryObject != 0 && mTag != DW_TAG_compile_unit) {
+        return false;
+    }
+    EntryObject object(*this, emission, inputs);
+    switch (mTag) {
+    case DW_TAG_class_type:
+        id = object.CreateClass(false);
+        return true;
+    case DW_TAG_structure_type:
+        id = object.CreateClass(true);
+        return true;
+    case DW_TAG_union_type:
+        id = object.CreateUnion();
+        return true;
+    case DW_TAG_pointer_type:
+    case DW_TAG_reference_type:
+        id = object.CreatePointer();
+        return true;
+    case DW_TAG_base_type:
+        id = object.CreateBaseType();
+        return true;
+    case DW_TAG_unspecified_type:
+        id = object.CreateUnspecifiedType();
+        return true;
+    case DW_TAG_typedef:
+        id = object.CreateTypedef(alreadyRegistered);
+        return true;
+    case DW_TAG_namespace:
+        id = object.GetOrCreateNamespace();
+        return true;
+    case DW_TAG_lexical_block:
+        id = object.CreateBlock();
+        return true;
+    case DW_TAG_compile_unit:
+        id = object.CreateCompileUnit(alreadyRegistered);
+        return true;
+    case DW_TAG_member:
+        id = object.CreateMember();
+        return true;
+    case DW_TAG_subprogram:
+        id = object.CreateSubprogram();
+        return true;
+    case DW_TAG_variable:
+        return object.CreateVariable(id);
+    default:
+        return false;
+    }
+}
+
+bool VDebugInfoNodeEnumType::CreateEntryObject(VNodeEmission& emission,
+                                               const EmissionInputs& inputs, ObjectId& id,
+                                               bool& /*alreadyRegistered*/) {
+    if (GetEntryObject() != 0) {
+        return false;
+    }
+    id = EntryObject(*this, emission, inputs).CreateEnumeration();
+    return true;
+}
+
+bool VDebugInfoNodeEnumerator::CreateEntryObject(VNodeEmission& /*emission*/,
+                                                 const EmissionInputs& /*inputs*/, ObjectId& /*id*/,
+                                                 bool& /*alreadyRegistered*/) {
+    return false;
+}
+
+bool VDebugInfoNodeArray::CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
+                                            ObjectId& id, bool& /*alreadyRegistered*/) {
+    if (GetEntryObject() != 0) {
+        return false;
+    }
+    id = EntryObject(*this, emission, inputs).CreateArray();
+    return true;
+}
+
+bool VDebugInfoSubroutineType::CreateEntryObject(VNodeEmission& emission,
+                                                 const EmissionInputs& inputs, ObjectId& id,
+                                                 bool& /*alreadyRegistered*/) {
+    if (GetEntryObject() != 0) {
+        return false;
+    }
+    id = EntryObject(*this, emission, inputs).CreateFunctionType();
+    return true;
+}
+
+BasicType VDebugInfoNode::ConvertBaseTypeForSymbolProvider() const {
+    return BasicTypeOfEncoding(GetEncoding(), static_cast<std::uint32_t>(mByteSize));
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

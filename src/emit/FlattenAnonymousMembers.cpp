@@ -1,0 +1,69 @@
+#include "dwarf/VDwarf2Section.h"
+#include "emit/ResolutionPasses.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <unordered_set>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+bool IsAggregate(const VDebugInfoNode& node) {
+    return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type ||
+           node.GetTag() == DW_TAG_union_type;
+}
+
+bool IsNameless(const VDebugInfoNode& node) {
+    return node.GetNameOrNull() == nullptr;
+}
+
+/// The nameless type of a nameless member, declared where the member stands; null for any other
+/// node.
+VDebugInfoNode* AnonymousTypeOf(const VDebugInfoNode& member) {
+    const VDebugInfoNode* parent = member.GetParent();
+    if (member.GetTag() != DW_TAG_member || !IsNameless(member) || parent == nullptr ||
+        !IsAggregate(*parent)) {
+        return nullptr;
+    }
+    VDebugInfoNode* type = member.GetTypeNode();
+    return type != nullptr && IsNameless(*type) && type->GetParent() == parent ? type : nullptr;
+}
+
+/// Moves members out of anonymous types. A type that has no member left is not walked again,
+/// however many members name it.
+class MemberMover {
+public:
+    void Move(VDebugInfoNode& type, const VDebugInfoNode& member) {
+        if (!mEmptied.insert(&type).second) {
+            return;
+        }
+        VDebugInfoNode* parent = member.GetParent();
+        mEmptied.erase(parent);
+        for (VDebugInfoNode* children = type.DetachChildren(); children != nullptr;) {
+            VDebugInfoNode* child = VDebugInfoNode::TakeNext(children);
+            if (child->GetTag() != DW_TAG_member) {
+                type.AddChild(child);
+                continue;
+            }
+            child->SetParent(parent);
+            parent->AddChild(child);
+            child->SetMemberOffset(child->GetMemberOffset() + member.GetMemberOffset());
+        }
+    }
+
+private:
+    std::unordered_set<const VDebugInfoNode*> mEmptied;
+};
+
+} // namespace
+
+void FlattenAnonymousMembers(VDwarf2Section& section) {
+    MemberMover mover;
+    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
+        if (VDebugInfoNode* type = AnonymousTypeOf(*node)) {
+            mover.Move(*type, *node);
+        }
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

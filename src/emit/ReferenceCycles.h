@@ -1,0 +1,48 @@
+// Finds the cycles that links of types and specifications form, each link looked at once for all
+// nodes of a tree. The pass that cuts cycles asks it node by node.
+#pragma once
+
+#include "nodes/VDebugInfoNode.h"
+
+#include <cstddef>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// What is known of the cycles of one tree.
+///
+/// Two kinds of chain are looked at: the type chain, which goes on with the specification where
+/// there is no type, and the chain of specifications alone. From a node on, a chain is either safe,
+/// which means that it doesn't come back to the node, or the node is part of a cycle. Cutting a
+/// link never makes a safe chain unsafe, so that each node is walked over once for each kind.
+class ReferenceCycles {
+public:
+    /// True if the type chain of the node leads back to it.
+    bool IsOnTypeCycle(VDebugInfoNode& node);
+    /// True if the chain of specifications of the node leads back to it.
+    bool IsOnSpecificationCycle(VDebugInfoNode& node);
+    /// Cuts type and specification of the node.
+    void CutTypeAndSpecification(VDebugInfoNode& node);
+    /// Cuts the specification of the node.
+    void CutSpecification(VDebugInfoNode& node);
+
+private:
+    /// Nodes of the cycles of one kind; a cycle that was cut stands for no node any more.
+    struct CycleSet {
+        std::unordered_map<const VDebugInfoNode*, std::size_t> numbers;
+        std::vector<bool> isWhole;
+
+        [[nodiscard]] bool IsOnWholeCycle(const VDebugInfoNode& node) const;
+        void Cut(const VDebugInfoNode& node);
+    };
+
+    template <typename Chain>
+    void Explore(VDebugInfoNode& start, CycleSet& cycles);
+
+    CycleSet mTypeCycles;
+    CycleSet mSpecificationCycles;
+    std::vector<VDebugInfoNode*> mPath;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,39 @@
+// The passes that finish the tree of nodes, in their fixed order; a later one relies on the earlier
+// ones. `ResolveNodes` runs them, each once: none is repeatable. None of them fails: what can't be
+// resolved stays as it is, and later stages take it as absent.
+#pragma once
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VDwarf2Section;
+
+/// 1. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second
+/// family.
+void DemangleNames(VDwarf2Section& section);
+
+/// 2. Turns the references of all nodes into links.
+void ResolveAllReferences(VDwarf2Section& section);
+
+/// 3. Groups types by their type texts: declarations get their definition, and of several equal
+/// definitions the largest represents all.
+void GroupTypesOfSameName(VDwarf2Section& section);
+
+/// 4. Cuts each cycle of type or specification links once.
+void BreakAllReferenceCycles(VDwarf2Section& section);
+
+/// 5. Gives each unit the first one of its name and directory.
+void UnifyCompileUnits(VDwarf2Section& section);
+
+/// 6. Finds addresses of variables without location in the symbol table.
+void ResolveExternVariables(VDwarf2Section& section);
+
+/// 7. Settles byte sizes, bit offsets and encodings.
+void ResolveAllSizes(VDwarf2Section& section);
+
+/// 8. Of variables of one name and address all but the richest become redundant.
+void MarkRedundantVariables(VDwarf2Section& section);
+
+/// 9. Moves the members of anonymous members into the enclosing type.
+void FlattenAnonymousMembers(VDwarf2Section& section);
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,89 @@
+#include "container/VElfFile.h"
+#include "diagnostics/ElfLog.h"
+#include "dwarf/VDwarf2Section.h"
+#include "emit/ResolutionPasses.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <cinttypes>
+#include <cstdint>
+#include <string>
+#include <unordered_set>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// The walk over the variables without location.
+class ExternVariables {
+public:
+    explicit ExternVariables(VDwarf2Section& section)
+        : mFile(*section.mElfFile) {
+        for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
+            VDebugInfoNode* specification =
+                node->GetTag() == DW_TAG_variable ? node->GetSpecificationNode() : nullptr;
+            if (specification != nullptr) {
+                mCompleted.insert(specification);
+            }
+        }
+    }
+
+    void Resolve(VDebugInfoNode& variable) {
+        if (mCompleted.contains(&variable)) {
+            LogCompleted(variable);
+            return;
+        }
+        const VElfSymbolAddress* symbol = FindSymbol(variable);
+        if (symbol != nullptr) {
+            variable.SetLocationFromSymbolTable(symbol->mAddress);
+        } else {
+            LogMissing(variable);
+        }
+    }
+
+private:
+    const VElfSymbolAddress* FindSymbol(const VDebugInfoNode& variable) {
+        if (const VAttributeString linkageName = variable.GetLinkageNameAttribute();
+            linkageName.mDefined) {
+            if (const VElfSymbolAddress* symbol =
+                    mFile.FindSymbolByName(std::string(linkageName.mValue))) {
+                return symbol;
+            }
+        }
+        return mFile.mSymbolNamesMap.FindByName(std::string(variable.GetName()).c_str());
+    }
+
+    void LogCompleted(const VDebugInfoNode& variable) {
+        if (VElfOptions::mIsLogFile != 0) {
+            elflog("%d. Resolving Extern Variable without location attribute. (section offset: "
+                   "0x%8.8" PRIx64 "): Variable is used as specification. OK! ",
+                   mLineNumber++, std::uint64_t{variable.GetOffset()});
+        }
+    }
+
+    void LogMissing(const VDebugInfoNode& variable) {
+        if (VElfOptions::mIsLogFile != 0) {
+            elflog("%d. Resolving Extern Variable without location attribute. (section offset: "
+                   "0x%8.8" PRIx64 "): Failed!: Variable '%s' not found in symbol table!! ",
+                   mLineNumber++, std::uint64_t{variable.GetOffset()},
+                   std::string(variable.GetName()).c_str());
+        }
+    }
+
+    VElfFile& mFile;
+    /// Variables that another one names as its specification.
+    std::unordered_set<const VDebugInfoNode*> mCompleted;
+    int mLineNumber = 0;
+};
+
+} // namespace
+
+void ResolveExternVariables(VDwarf2Section& section) {
+    ExternVariables variables(section);
+    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
+        if (node->GetTag() == DW_TAG_variable && !node->HasLocation()) {
+            variables.Resolve(*node);
+        }
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

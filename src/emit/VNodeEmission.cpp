@@ -1,0 +1,420 @@
+#include "emit/VNodeEmission.h"
+
+#include "core/VElfOptions.h"
+#include "diagnostics/ElfLog.h"
+#include "dwarf/VDwarf2Section.h"
+#include "emit/VCLIFactoryWrapper.h"
+#include "nodes/VDebugInfoNodeStructures.h"
+
+#include <algorithm>
+#include <iostream>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// Links that are followed one by one before shortcuts are looked for and left.
+constexpr int sShortcutDistance = 64;
+
+/// Deliveries of one node that may be in progress at a time, and inner deliveries of all nodes.
+/// Types that name each other through many structures nest a few.
+constexpr std::uint32_t sMaximumDeliveriesOfNode = 100;
+constexpr std::size_t sMaximumInnerDeliveries = 100'000;
+
+/// When so many variables share a name in a scope, their numbers aren't tried one by one any more.
+constexpr std::uint32_t sManyVariables = 100;
+
+bool HasBaseClasses(const VDebugInfoNode& node) {
+    return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type;
+}
+
+bool HasDeliveredChildren(const VDebugInfoNode& node) {
+    return HasBaseClasses(node) || node.GetTag() == DW_TAG_union_type;
+}
+
+VDebugInfoNode* TypeOrSpecification(const VDebugInfoNode& node) {
+    VDebugInfoNode* type = node.GetTypeNode();
+    return type != nullptr ? type : node.GetSpecificationNode();
+}
+
+bool IsDeliveredVariable(const VDebugInfoNode& variable) {
+    return variable.HasLocation() && !variable.IsRegisterOrStackLocation() &&
+           (variable.GetLocationAddress() != 0 || !variable.IsExternal()) &&
+           !variable.IsRedundantDeclaration();
+}
+
+/// A member that is declared only is a static one: the variable that defines it is delivered.
+bool IsDeliveredMember(const VDebugInfoNode& member) {
+    return !member.IsDeclaration() || member.HasMemberOffset() || member.HasLocation();
+}
+
+bool PassesFilter(const VDebugInfoNode& node) {
+    switch (node.GetTag()) {
+    case DW_TAG_variable:
+        return IsDeliveredVariable(node);
+    case DW_TAG_member:
+        return IsDeliveredMember(node);
+    default:
+        return IsDelivered(node.GetTag());
+    }
+}
+
+/// True for a node of which it is known that it has no object and that asking for one has no
+/// effect.
+bool IsUndelivered(const VDebugInfoNode& node) {
+    return node.IsDeliveryRefused() || node.IsDropped() || !PassesFilter(node);
+}
+
+} // namespace
+
+ObjectId VNodeEmission::Deliver(VDebugInfoNode& node) {
+    const std::size_t outerFrames = mFrames.size();
+    if (Open(node)) {
+        while (mFrames.size() > outerFrames) {
+            Advance();
+        }
+        mHasResult = false;
+    }
+    return mResult;
+}
+
+bool VNodeEmission::Open(VDebugInfoNode& node) {
+    const std::uint32_t outerFrame = node.GetEmissionFrame();
+    const bool hasAnswer = node.GetEntryObject() != 0 || node.IsDeliveryRefused();
+    mIsInVain = !hasAnswer && outerFrame != 0 && IsInVain(mFrames[outerFrame - 1]);
+    if (mIsInVain && IsFindingReturnType(mFrames[outerFrame - 1])) {
+        // The return type lies in the function itself: it has to do without.
+        CreateObject(mFrames[outerFrame - 1]);
+    }
+    if (hasAnswer || mIsInVain) {
+        mResult = node.GetEntryObject();
+        return false;
+    }
+    const std::uint32_t outerFrameCount =
+        outerFrame != 0 ? mFrames[outerFrame - 1].outerFrameCount + 1 : 0;
+    mInnerFrameCount += outerFrame != 0 ? 1 : 0;
+    Frame& frame = mFrames.emplace_back();
+    frame.node = &node;
+    frame.outerFrame = outerFrame;
+    frame.outerFrameCount = outerFrameCount;
+    frame.objectCount = mObjectCount;
+    frame.firstParameter = mParameters.size();
+    node.SetEmissionFrame(static_cast<std::uint32_t>(mFrames.size()));
+    return true;
+}
+
+void VNodeEmission::Close() {
+    const Frame& frame = mFrames.back();
+    frame.node->SetEmissionFrame(frame.outerFrame);
+    mParameters.resize(frame.firstParameter);
+    mInnerFrameCount -= frame.outerFrame != 0 ? 1 : 0;
+    mResult = frame.node->GetEntryObject();
+    mHasResult = true;
+    mIsInVain = false;
+    mFrames.pop_back();
+}
+
+void VNodeEmission::Advance() {
+    switch (mFrames.back().stage) {
+    case Stage::Needs:
+        if (MeetNeeds()) {
+            mFrames.back().stage = Stage::BaseClasses;
+        }
+        break;
+    case Stage::BaseClasses:
+        AdvanceBaseClasses(mFrames.back());
+        break;
+    case Stage::Children:
+        AdvanceChildren(mFrames.back());
+        break;
+    }
+}
+
+/// @return false if a frame was opened whose result has to come first
+bool VNodeEmission::Await(VDebugInfoNode& node, ObjectId& object) {
+    if (!mHasResult && Open(node)) {
+        return false;
+    }
+    mHasResult = false;
+    object = mResult;
+    return true;
+}
+
+bool VNodeEmission::IsInVain(const Frame& outerFrame) const {
+    return outerFrame.objectCount == mObjectCount ||
+           outerFrame.outerFrameCount + 1 >= sMaximumDeliveriesOfNode ||
+           mInnerFrameCount >= sMaximumInnerDeliveries;
+}
+
+bool VNodeEmission::IsFindingReturnType(const Frame& frame) {
+    const std::span<const EntryNeed> needs = NeedsOf(frame.node->GetTag());
+    return frame.stage == Stage::Needs && frame.metNeeds < needs.size() &&
+           needs[frame.metNeeds] == EntryNeed::ReturnType;
+}
+
+/// @return false if a frame was opened whose result has to come first
+bool VNodeEmission::MeetNeeds() {
+    const std::size_t index = mFrames.size() - 1;
+    if (!mFrames[index].hasStarted) {
+        mFrames[index].hasStarted = true;
+        if (!PassesFilter(*mFrames[index].node)) {
+            return true;
+        }
+    }
+    const std::span<const EntryNeed> needs = NeedsOf(mFrames[index].node->GetTag());
+    while (mFrames[index].metNeeds < needs.size()) {
+        const EntryNeed need = needs[mFrames[index].metNeeds];
+        if (need == EntryNeed::Guard && mFrames[index].node->GetEntryObject() != 0) {
+            return true;
+        }
+        if (!MeetNeed(mFrames[index], need)) {
+            return false;
+        }
+        ++mFrames[index].metNeeds;
+    }
+    CreateObject(mFrames[index]);
+    return true;
+}
+
+bool VNodeEmission::MeetNeed(Frame& frame, EntryNeed need) {
+    switch (need) {
+    case EntryNeed::Scope:
+        return MeetScope(frame, frame.inputs.scope);
+    case EntryNeed::Type:
+        return MeetType(frame, *frame.node, frame.inputs.type);
+    case EntryNeed::BaseType:
+        return MeetBaseType(frame);
+    case EntryNeed::CompileUnit:
+        return MeetCompileUnit(frame);
+    case EntryNeed::FirstUnit:
+        return MeetFirstUnit(frame);
+    case EntryNeed::Parameters:
+        return MeetParameters(frame);
+    case EntryNeed::FunctionScope:
+        return MeetScope(frame, frame.inputs.functionScope);
+    case EntryNeed::ReturnType:
+        return MeetReturnType(frame);
+    case EntryNeed::Guard:
+        break;
+    }
+    return true;
+}
+
+bool VNodeEmission::MeetScope(Frame& frame, ObjectId& scope) {
+    frame.inputs.scopeNode = frame.node->FindScopeNode();
+    if (frame.inputs.scopeNode == nullptr) {
+        scope = mFactory.GetGlobalNamespace();
+        return true;
+    }
+    return Await(*frame.inputs.scopeNode, scope);
+}
+
+bool VNodeEmission::MeetType(Frame& frame, VDebugInfoNode& node, ObjectId& type) {
+    if (frame.chain == nullptr) {
+        frame.chain = SkipUndelivered(&node);
+    }
+    while (VDebugInfoNode* next = frame.chain->GetTypeNode()) {
+        if (!Await(*next, type)) {
+            return false;
+        }
+        if (type == 0 && mIsInVain) {
+            type = UnknownTypeFor(*next);
+        }
+        if (type != 0 || mIsInVain) {
+            frame.chain = nullptr;
+            return true;
+        }
+        frame.chain = SkipUndelivered(next);
+    }
+    type = TypeAtEndOfChain(*frame.chain);
+    frame.chain = nullptr;
+    return true;
+}
+
+/// Goes along the chain to the node whose type delivers an object, or to the chain's end. Nodes
+/// without object on the way would answer 0 and pass the question on.
+VDebugInfoNode* VNodeEmission::SkipUndelivered(VDebugInfoNode* node) {
+    std::vector<VDebugInfoNode*> landmarks;
+    for (int link = 1;; ++link) {
+        VDebugInfoNode* type = node->GetTypeNode();
+        VDebugInfoNode* next = type != nullptr ? type : node->GetSpecificationNode();
+        if (next == nullptr || (type != nullptr && !IsUndelivered(*type))) {
+            break;
+        }
+        node = next;
+        if (link < sShortcutDistance) {
+            continue;
+        }
+        if (const auto shortcut = mChainShortcuts.find(node); shortcut != mChainShortcuts.end()) {
+            node = shortcut->second;
+            break;
+        }
+        if (link % sShortcutDistance == 0) {
+            landmarks.push_back(node);
+        }
+    }
+    for (const VDebugInfoNode* landmark : landmarks) {
+        mChainShortcuts.emplace(landmark, node);
+    }
+    return node;
+}
+
+ObjectId VNodeEmission::TypeAtEndOfChain(const VDebugInfoNode& node) {
+    return node.GetTag() == DW_TAG_pointer_type ? mSection.GetVoidEntryTypeObject()
+                                                : UnknownTypeFor(node);
+}
+
+ObjectId VNodeEmission::UnknownTypeFor(const VDebugInfoNode& node) {
+    return mSection.GetUnknownEntryTypeObject(static_cast<std::uint32_t>(node.GetByteSize()));
+}
+
+bool VNodeEmission::MeetBaseType(Frame& frame) {
+    if (frame.chain == nullptr) {
+        frame.chain = frame.node->GetBaseTypeNode();
+    }
+    ObjectId& type = frame.inputs.type;
+    if (frame.chain != nullptr && !Await(*frame.chain, type)) {
+        return false;
+    }
+    frame.chain = nullptr;
+    if (type == 0) {
+        type = UnknownTypeFor(*frame.node);
+    }
+    return true;
+}
+
+bool VNodeEmission::MeetCompileUnit(Frame& frame) {
+    VDebugInfoNode* compileUnit = frame.node->GetCompileUnitHeader()->mCompileUnitNode;
+    return compileUnit == nullptr || Await(*compileUnit, frame.inputs.compileUnit);
+}
+
+bool VNodeEmission::MeetFirstUnit(Frame& frame) {
+    VDebugInfoNode* first = frame.node->GetFirstKindOfCompileUnit();
+    return first == nullptr || first == frame.node || Await(*first, frame.inputs.compileUnit);
+}
+
+bool VNodeEmission::MeetParameters(Frame& frame) {
+    if (frame.child == nullptr) {
+        frame.child = frame.node->FirstChild();
+    }
+    for (; frame.child != nullptr; frame.child = frame.child->NextSiblingIn(*frame.node)) {
+        if (frame.child->GetTag() != DW_TAG_formal_parameter) {
+            continue;
+        }
+        ObjectId type = 0;
+        if (!MeetType(frame, *frame.child, type)) {
+            return false;
+        }
+        if (type != 0) {
+            mParameters.push_back(type);
+        }
+    }
+    return true;
+}
+
+bool VNodeEmission::MeetReturnType(Frame& frame) {
+    return TypeOrSpecification(*frame.node) == nullptr ||
+           MeetType(frame, *frame.node, frame.inputs.type);
+}
+
+void VNodeEmission::CreateObject(Frame& frame) {
+    VDebugInfoNode& node = *frame.node;
+    if (node.IsDeliveryRefused()) {
+        return;
+    }
+    frame.inputs.parameters = std::span(mParameters).subspan(frame.firstParameter);
+    ObjectId object = 0;
+    bool isAlreadyRegistered = false;
+    if (!node.CreateEntryObject(*this, frame.inputs, object, isAlreadyRegistered)) {
+        if (node.GetEntryObject() == 0) {
+            node.SetDropped();
+        }
+        return;
+    }
+    frame.object = object;
+    node.SetEntryObject(object);
+    ++mObjectCount;
+    if (object == 0) {
+        node.SetDeliveryRefused();
+        std::cout << "Object ID = 0 (node-rec.: " << node.GetNodeRecord() << ")";
+    }
+}
+
+void VNodeEmission::AdvanceBaseClasses(Frame& frame) {
+    VDebugInfoNode& node = *frame.node;
+    if (frame.object == 0 || !HasBaseClasses(node)) {
+        frame.child = nullptr;
+        frame.stage = Stage::Children;
+        return;
+    }
+    const auto& structure = static_cast<const VDebugInfoNodeStructuresBase&>(node);
+    if (frame.child == nullptr) {
+        frame.child = structure.FirstInheritance();
+    }
+    while (VDebugInfoNode* inheritance = frame.child) {
+        if (VDebugInfoNode* type = inheritance->GetTypeNode()) {
+            ObjectId baseClass = 0;
+            if (!Await(*type->FindStructuredTypeNode(), baseClass)) {
+                return;
+            }
+            if (baseClass != 0) {
+                mFactory.AddBaseClass(frame.object, baseClass, inheritance->GetMemberOffset());
+            }
+        } else if (VElfOptions::mIsLogFile != 0) {
+            elflog("%s[Class Reference %8.8x  defined in Inheritance tag %8.8x not found!]",
+                   tag_alignment.c_str(), inheritance->GetTypeReferenceOffset(),
+                   inheritance->GetOffset());
+        }
+        frame.child = structure.NextInheritance(*inheritance);
+    }
+    frame.stage = Stage::Children;
+}
+
+void VNodeEmission::AdvanceChildren(Frame& frame) {
+    VDebugInfoNode& node = *frame.node;
+    if (HasDeliveredChildren(node)) {
+        if (frame.child == nullptr) {
+            frame.child = node.FirstChild();
+        }
+        while (frame.child != nullptr) {
+            ObjectId object = 0;
+            if (frame.child->GetNameOrNull() != nullptr && !Await(*frame.child, object)) {
+                return;
+            }
+            frame.child = frame.child->NextSiblingIn(node);
+        }
+    }
+    Close();
+}
+
+bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name,
+                                         std::string& newName, std::uint64_t address) {
+    TakenNames& taken = mTakenNames[scope][name];
+    const bool areMany = taken.nextNumber > sManyVariables;
+    if (areMany && taken.addresses.contains(address)) {
+        return false;
+    }
+    for (std::uint32_t number = areMany ? taken.nextNumber : 1;; ++number) {
+        newName = number == 1 ? name : name + '.' + std::to_string(number);
+        const ObjectId existing = mFactory.GetGlobalData(newName, scope);
+        if (existing == 0) {
+            return true;
+        }
+        taken.nextNumber = std::max(taken.nextNumber, number + 1);
+        const auto known = mSection.mObjectNodes.find(existing);
+        if (known == mSection.mObjectNodes.end()) {
+            continue;
+        }
+        const std::uint64_t takenAddress = known->second->GetLocationAddress();
+        if (takenAddress == address) {
+            return false;
+        }
+        taken.addresses.insert(takenAddress);
+    }
+}
+
+void VNodeEmission::RegisterVariable(ObjectId object, VDebugInfoNode& variable) {
+    mSection.mObjectNodes.try_emplace(object, &variable);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,35 @@
+// Whether two types, also of two models, lay their leaves out alike. A comparison of two builds
+// asks, so that it expands only what has changed; it reads the model and keeps what it found out.
+#pragma once
+
+#include "model/DataModel.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// Gives each type of one model a number. Types have the same number, in all models of a process,
+/// if they have the same leaves with the same names, offsets, sizes, bits and type texts. Names of
+/// structures count for nothing. All types of a model take time in proportion to the model.
+class LayoutFingerprints {
+public:
+    /// @param model borrowed; must not change during the life of this object
+    explicit LayoutFingerprints(const DataModel& model)
+        : mModel(model) {}
+
+    std::uint64_t Of(ObjectId type) { return Fingerprint(type, 0); }
+
+private:
+    std::uint64_t Fingerprint(ObjectId type, std::size_t depth);
+    std::uint64_t OfLeaf(ObjectId type) const;
+    std::uint64_t OfArray(ObjectId array, std::size_t depth);
+    std::uint64_t OfClass(ObjectId classType, std::size_t depth);
+
+    const DataModel& mModel;
+    /// A type that is being looked at has the number of one that contains itself.
+    std::unordered_map<ObjectId, std::uint64_t> mKnown;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel

@@ -1,0 +1,274 @@
+#include "model/LeafWalk.h"
+
+#include <algorithm>
+#include <deque>
+#include <string>
+#include <unordered_set>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+namespace {
+
+using Place = DataModel::Place;
+
+/// Beyond these, which no real variable reaches, a place is delivered whole.
+constexpr std::size_t sDeepestNesting = 100;
+constexpr std::size_t sLongestSteps = 4096;
+constexpr std::size_t sMostParts = 1000;
+/// Characters that an index takes at least.
+constexpr std::size_t sShortestIndex = 3;
+
+constexpr bool HasMembers(ObjectKind kind) {
+    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
+}
+
+void AppendIndices(std::string& path, std::uint64_t element,
+                   std::span<const std::uint32_t> dimensions) {
+    std::vector<std::uint64_t> indices(dimensions.size());
+    for (std::size_t dimension = dimensions.size(); dimension-- > 0;) {
+        indices[dimension] = element % dimensions[dimension];
+        element /= dimensions[dimension];
+    }
+    for (const std::uint64_t index : indices) {
+        path.append("[").append(std::to_string(index)).append("]");
+    }
+}
+
+} // namespace
+
+/// A class or union whose members count as those of the class that is flattened: that class itself,
+/// its anonymous members, its base classes and theirs.
+struct LeafWalk::Part {
+    ObjectId type = 0;
+    std::uint64_t offset = 0;
+    /// Position of the part that this one is a base class or an anonymous member of.
+    std::size_t derived = 0;
+    bool isBase = false;
+    /// What makes a hidden member of this part found, with a separator at the end; empty if nothing
+    /// does.
+    std::string qualifier;
+};
+
+/// Makes the list of all members of one class, in the order of their offsets.
+class LeafWalk::Flattening {
+public:
+    explicit Flattening(LeafWalk& walk)
+        : mWalk(walk)
+        , mModel(walk.mModel) {}
+
+    std::vector<FlatMember> Flatten(ObjectId type) {
+        mParts.push_back({type, 0, 0, false, {}});
+        mPending.push_back(0);
+        while (!mPending.empty()) {
+            const std::size_t part = mPending.front();
+            mPending.pop_front();
+            AddMembers(part);
+            for (const BaseClass& base : mModel.BaseClasses(mParts[part].type)) {
+                AddBase(part, base);
+            }
+        }
+        std::ranges::stable_sort(mMembers, {},
+                                 [](const FlatMember& member) { return member.place.address; });
+        return std::move(mMembers);
+    }
+
+private:
+    void AddMembers(std::size_t part) {
+        std::vector<std::size_t> anonymousParts;
+        std::vector<std::string_view> names;
+        for (const ObjectId id : mWalk.OwnMembers(mParts[part].type)) {
+            const ModelObject member = mModel.Object(id);
+            if (!member.name.empty()) {
+                AddMember(part, member);
+                names.push_back(member.name);
+            } else if (const ObjectId type = mModel.WithoutTypedefs(member.type);
+                       HasMembers(mModel.Object(type).kind) && IsNew(type, part)) {
+                anonymousParts.push_back(mParts.size());
+                mParts.push_back({type, mParts[part].offset + member.offset, part, false, {}});
+            }
+        }
+        mNames.insert(names.begin(), names.end());
+        mPending.insert(mPending.begin(), anonymousParts.begin(), anonymousParts.end());
+    }
+
+    void AddMember(std::size_t part, const ModelObject& member) {
+        FlatMember flat;
+        flat.step = ".";
+        if (mNames.contains(member.name)) {
+            flat.step += mParts[part].qualifier;
+        }
+        flat.step += member.name;
+        flat.place.type = member.type;
+        flat.place.size = mModel.SizeOf(member.type);
+        flat.place.address = mParts[part].offset + member.offset;
+        flat.place.isBitField = member.kind == ObjectKind::BitField;
+        flat.place.bitOffset = member.bitOffset;
+        flat.place.bitSize = member.bitSize;
+        mMembers.push_back(std::move(flat));
+    }
+
+    void AddBase(std::size_t part, const BaseClass& base) {
+        const ObjectId type = mModel.WithoutTypedefs(base.type);
+        const std::string_view name = mModel.Object(type).name;
+        if (!HasMembers(mModel.Object(type).kind) || !IsNew(type, part)) {
+            return;
+        }
+        // A second base class of a name is found only through the class that it is a base of.
+        const bool isFirst = mBaseNames.insert(name).second;
+        std::string qualifier;
+        if (!name.empty()) {
+            qualifier = (isFirst ? std::string() : mParts[part].qualifier).append(name) + "::";
+        }
+        mPending.push_back(mParts.size());
+        mParts.push_back(
+            {type, mParts[part].offset + base.offset, part, true, std::move(qualifier)});
+    }
+
+    /// False for a class that contains itself, and beyond the limit of parts.
+    [[nodiscard]] bool IsNew(ObjectId type, std::size_t within) const {
+        while (within != 0 && mParts[within].type != type) {
+            within = mParts[within].derived;
+        }
+        return mParts[within].type != type && mParts.size() < sMostParts;
+    }
+
+    LeafWalk& mWalk;
+    const DataModel& mModel;
+    std::vector<Part> mParts;
+    std::deque<std::size_t> mPending;
+    std::vector<FlatMember> mMembers;
+    std::unordered_set<std::string_view> mNames;
+    std::unordered_set<std::string_view> mBaseNames;
+};
+
+LeafWalk::LeafWalk(const DataModel& model, const LeafLimits& limits)
+    : mModel(model)
+    , mLimits(limits) {}
+
+void LeafWalk::Walk(ObjectId global, const Visitor& visit) {
+    const ModelObject variable = mModel.Object(global);
+    mVisit = &visit;
+    mPath = mModel.QualifiedName(global);
+    mHeadLength = mPath.size();
+    Place place;
+    place.global = global;
+    place.type = variable.type;
+    place.address = variable.address;
+    place.size = mModel.SizeOf(variable.type);
+    Expand(place, 0);
+}
+
+// Calls itself through members and elements, no deeper than sDeepestNesting.
+void LeafWalk::Expand(const Place& place, std::size_t depth) { // NOLINT(misc-no-recursion)
+    const ObjectId type = mModel.WithoutTypedefs(place.type);
+    const ObjectKind kind = mModel.Object(type).kind;
+    const bool mayHaveParts = type != 0 && !place.isBitField && !mCuts.isExhausted;
+    if (mayHaveParts && HasMembers(kind) && ExpandMembers(type, place, depth)) {
+        return;
+    }
+    if (mayHaveParts && kind == ObjectKind::Array && ExpandElements(type, place, depth)) {
+        return;
+    }
+    Deliver(place);
+}
+
+// NOLINTNEXTLINE(misc-no-recursion)
+bool LeafWalk::ExpandMembers(ObjectId type, const Place& place, std::size_t depth) {
+    if (Members(type).empty() || !EnterClass(type, depth)) {
+        return false;
+    }
+    const std::size_t length = mPath.size();
+    for (const FlatMember& member : Members(type)) {
+        if (mCuts.isExhausted) {
+            break;
+        }
+        Place inside = member.place;
+        inside.global = place.global;
+        inside.address += place.address;
+        mPath += member.step;
+        Expand(inside, depth + 1);
+        mPath.resize(length);
+    }
+    mClasses.pop_back();
+    return true;
+}
+
+// NOLINTNEXTLINE(misc-no-recursion)
+bool LeafWalk::ExpandElements(ObjectId array, const Place& place, std::size_t depth) {
+    const std::uint64_t count = mModel.ElementCount(array);
+    const std::span<const std::uint32_t> dimensions = mModel.Dimensions(array);
+    const std::size_t length = mPath.size();
+    if (count == 0) {
+        return false;
+    }
+    if (depth == sDeepestNesting ||
+        length - mHeadLength + sShortestIndex * dimensions.size() > sLongestSteps) {
+        NoteWhole();
+        return false;
+    }
+    if (count > mLimits.arrayElements && mCuts.arrays++ == 0) {
+        mCuts.firstArray = mPath;
+    }
+    Place element = place;
+    element.type = mModel.Object(array).type;
+    const std::uint64_t stride = mModel.ElementStride(array);
+    const std::uint64_t ownSize = mModel.SizeOf(element.type);
+    element.size = ownSize != 0 ? ownSize : stride;
+    const std::uint64_t end = std::min(count, mLimits.arrayElements);
+    for (std::uint64_t index = 0; index < end && !mCuts.isExhausted; ++index) {
+        AppendIndices(mPath, index, dimensions);
+        element.address = place.address + index * stride;
+        Expand(element, depth + 1);
+        mPath.resize(length);
+    }
+    return true;
+}
+
+bool LeafWalk::EnterClass(ObjectId type, std::size_t depth) {
+    const bool containsItself = std::ranges::find(mClasses, type) != mClasses.end();
+    if (containsItself || depth == sDeepestNesting || mPath.size() - mHeadLength > sLongestSteps) {
+        NoteWhole();
+        return false;
+    }
+    mClasses.push_back(type);
+    return true;
+}
+
+void LeafWalk::NoteWhole() {
+    if (mCuts.wholes++ == 0) {
+        mCuts.firstWhole = mPath;
+    }
+}
+
+void LeafWalk::Deliver(const Place& place) {
+    if (mLimits.leaves == 0) {
+        mCuts.isExhausted = true;
+        return;
+    }
+    --mLimits.leaves;
+    (*mVisit)(mPath, place);
+}
+
+const std::vector<LeafWalk::FlatMember>& LeafWalk::Members(ObjectId type) {
+    const auto [known, isNew] = mMembers.try_emplace(type);
+    if (isNew) {
+        known->second = Flattening(*this).Flatten(type);
+    }
+    return known->second;
+}
+
+const std::vector<ObjectId>& LeafWalk::OwnMembers(ObjectId type) {
+    const auto [known, isNew] = mOwnMembers.try_emplace(type);
+    if (isNew) {
+        mModel.ForEachIn(type, [&members = known->second](const ModelObject& object) {
+            if (object.kind == ObjectKind::Member || object.kind == ObjectKind::UnionMember ||
+                object.kind == ObjectKind::BitField) {
+                members.push_back(object.id);
+            }
+        });
+    }
+    return known->second;
+}
+
+} // namespace Tessel::Norn::Brindle::DataModel

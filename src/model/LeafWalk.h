@@ -1,0 +1,91 @@
+// Variables taken apart into what has no parts: the places that a host measures or calibrates one
+// by one. A host makes one walk for a model and gives it variables; it reads the model and follows
+// no pointer.
+#pragma once
+
+#include "model/DataModel.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// How far a walk goes. Both limits are at least 1.
+struct LeafLimits {
+    /// Elements of each array, counted over all its dimensions.
+    std::uint64_t arrayElements = 1000;
+    /// Leaves of all variables of the walk together. It bounds the time of a walk over a model
+    /// whose types hold each other many times over.
+    std::uint64_t leaves = 1'000'000;
+};
+
+/// What a walk left out so far.
+struct LeafCuts {
+    /// Arrays of which only the first elements were delivered, and the path of the first of them.
+    std::uint64_t arrays = 0;
+    std::string firstArray;
+    /// Places that were delivered whole although they have parts, since they contain themselves or
+    /// are nested too deep, and the path of the first of them.
+    std::uint64_t wholes = 0;
+    std::string firstWhole;
+    /// The limit of leaves was reached; later ones are missing.
+    bool isExhausted = false;
+};
+
+/// Expands variables to leaves: base types, pointers, enums, types of which only the size is known,
+/// bit fields, and classes and arrays without contents.
+class LeafWalk {
+public:
+    /// @param path the name of the variable with the steps to the leaf, as `ResolvePath` takes it;
+    ///     valid during the call
+    /// @param place where the leaf lies
+    using Visitor = std::function<void(std::string_view path, const DataModel::Place& place)>;
+
+    /// @param model borrowed; must not change during the life of the walk
+    explicit LeafWalk(const DataModel& model, const LeafLimits& limits = {});
+
+    /// Visits all leaves of a global, in the order of their offsets; members of a union in the
+    /// order of their delivery. Inherited and anonymous members come like own ones. An inherited
+    /// one that a nearer member of its name hides has the name of its class in front:
+    /// "motor.Named::id".
+    void Walk(ObjectId global, const Visitor& visit);
+
+    [[nodiscard]] const LeafCuts& Cuts() const { return mCuts; }
+
+private:
+    struct FlatMember {
+        DataModel::Place place;
+        std::string step;
+    };
+    struct Part;
+    class Flattening;
+
+    void Expand(const DataModel::Place& place, std::size_t depth);
+    bool ExpandMembers(ObjectId type, const DataModel::Place& place, std::size_t depth);
+    bool ExpandElements(ObjectId array, const DataModel::Place& place, std::size_t depth);
+    bool EnterClass(ObjectId type, std::size_t depth);
+    void Deliver(const DataModel::Place& place);
+    void NoteWhole();
+    const std::vector<FlatMember>& Members(ObjectId type);
+    const std::vector<ObjectId>& OwnMembers(ObjectId type);
+
+    const DataModel& mModel;
+    LeafLimits mLimits;
+    LeafCuts mCuts;
+    const Visitor* mVisit = nullptr;
+    std::string mPath;
+    /// Length of the variable's name in `mPath`.
+    std::size_t mHeadLength = 0;
+    /// Classes around the current place, outermost first.
+    std::vector<ObjectId> mClasses;
+    /// What was found out of a class once, since arrays ask for it with each element.
+    std::unordered_map<ObjectId, std::vector<FlatMember>> mMembers;
+    std::unordered_map<ObjectId, std::vector<ObjectId>> mOwnMembers;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel

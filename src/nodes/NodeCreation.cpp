@@ -1,0 +1,119 @@
+// From the decoded entry to its node: which class a tag gets, and what is done at once when a node
+// is made. No entry goes without a node; what has no class of its own becomes a general one.
+#include "container/VElfFile.h"
+#include "core/CutText.h"
+#include "dwarf/VCompileUnitReader.h"
+#include "dwarf/VDie2.h"
+#include "dwarf/VDwarf2Section.h"
+#include "host/VDWARFReaderWrapper.h"
+#include "nodes/VDebugInfoNodeArray.h"
+#include "nodes/VDebugInfoNodeConstants.h"
+#include "nodes/VDebugInfoNodeDerivedTypes.h"
+#include "nodes/VDebugInfoNodeScopes.h"
+#include "nodes/VDebugInfoNodeStructures.h"
+#include "nodes/VDebugInfoNodeVariable.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// Units report progress when their root entry lies before this unit offset, as it does behind a
+/// header of normal size.
+constexpr std::uint32_t sProgressOffset = 16;
+
+constexpr std::uint8_t sGlobalBinding = 0x10;
+
+} // namespace
+
+bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header) {
+    if (mTag == DW_TAG_compile_unit && mSection->mReader != nullptr &&
+        mSection->SectionToUnitOffset(*header, mOffset) < sProgressOffset) {
+        mSection->mReader->SetProgressValue(static_cast<std::int32_t>(mOffset));
+    }
+    if (mTag == DW_TAG_variable && mLocationAddress != 0) {
+        const Elf32_Sym* symbol = mSection->mElfFile->FindSymbolByAddress(
+            mLocationAddress, CutText(mName, sMaximumNameLength));
+        mIsExternal = mIsExternal || (symbol != nullptr && (symbol->st_info & sGlobalBinding) != 0);
+    }
+    mNode = CreateNodeByTag(header);
+    mNode->InitFromDie(*this, *mSection);
+    mSection->mDieNodes.Insert(mOffset, mNode);
+    return true;
+}
+
+VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
+    VNodeArena& arena = mSection->mArena;
+    VDebugInfoNode* parent = mOpenNodes.empty() ? nullptr : mOpenNodes.back();
+    const auto plain = [&]<typename Node>() { return arena.Create<Node>(mOffset, header, parent); };
+    const auto name = [&] { return mSection->KeepText(mName, sMaximumNameLength); };
+    const auto named = [&]<typename Node>() {
+        return arena.Create<Node>(mOffset, header, parent, name());
+    };
+    const auto constant = [&]<typename Node>() {
+        return arena.Create<Node>(mOffset, header, parent, name(), mConstValue);
+    };
+    const auto markTemplate = [parent](VDebugInfoNode* parameter) {
+        if (parent != nullptr) {
+            parent->SetHasTemplateParameters(true);
+        }
+        return parameter;
+    };
+    switch (mTag) {
+    case DW_TAG_array_type:
+        return plain.operator()<VDebugInfoNodeArray>();
+    case DW_TAG_class_type:
+        return named.operator()<VDebugInfoNodeClass>();
+    case DW_TAG_enumeration_type:
+        return named.operator()<VDebugInfoNodeEnumType>();
+    case DW_TAG_lexical_block:
+        return plain.operator()<VDebugInfoNodeBlock>();
+    case DW_TAG_member:
+        return named.operator()<VDebugInfoNodeMember>();
+    case DW_TAG_pointer_type:
+        return plain.operator()<VDebugInfoNodePointerType>();
+    case DW_TAG_reference_type:
+        return plain.operator()<VDebugInfoNodeReferenceType>();
+    case DW_TAG_compile_unit:
+        return arena.Create<VDebugInfoNodeCompileUnit>(
+            mOffset, header, name(),
+            VAttributeString{mSection->KeepText(mProducer.mValue), mProducer.mDefined});
+    case DW_TAG_structure_type:
+        return named.operator()<VDebugInfoNodeStructure>();
+    case DW_TAG_subroutine_type:
+        return plain.operator()<VDebugInfoSubroutineType>();
+    case DW_TAG_typedef:
+        return named.operator()<VDebugInfoNodeTypeDefinition>();
+    case DW_TAG_union_type:
+        return named.operator()<VDebugInfoNodeUnion>();
+    case DW_TAG_inheritance: {
+        auto* inheritance = plain.operator()<VDebugInfoNodeInheritance>();
+        if (parent != nullptr) {
+            parent->AddInheritance(inheritance);
+        }
+        return inheritance;
+    }
+    case DW_TAG_subrange_type:
+        return plain.operator()<VDebugInfoNodeSubrange>();
+    case DW_TAG_base_type:
+        return named.operator()<VDebugInfoNodeBaseType>();
+    case DW_TAG_enumerator:
+        return constant.operator()<VDebugInfoNodeEnumerator>();
+    case DW_TAG_subprogram:
+        return named.operator()<VDebugInfoNodeSubprogram>();
+    case DW_TAG_template_type_param:
+        return markTemplate(named.operator()<VDebugInfoNodeTemplateTypeParameter>());
+    case DW_TAG_template_value_param:
+        return markTemplate(constant.operator()<VDebugInfoNodeTemplateValueParam>());
+    case DW_TAG_variable:
+        return arena.Create<VDebugInfoNodeVariable>(mOffset, header, parent, name(),
+                                                    mLocationAddress);
+    case DW_TAG_namespace:
+        return named.operator()<VDebugInfoNodeNamespace>();
+    case DW_TAG_class_template:
+        return named.operator()<VDebugInfoNodeClassTemplate>();
+    default:
+        return arena.Create<VDebugInfoNodeGeneral>(mTag, mOffset, header, parent, name());
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

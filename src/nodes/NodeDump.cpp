@@ -1,0 +1,268 @@
+// The dump of the node tree to text files beside the input, for a person who looks into a file that
+// was read wrongly. Nothing reads it back.
+#include "container/VElfFile.h"
+#include "dwarf/DwarfNames.h"
+#include "dwarf/VDwarf2Section.h"
+#include "host/VDWARFReaderWrapper.h"
+#include "nodes/ReferenceText.h"
+#include "nodes/VDebugInfoNodeArray.h"
+#include "nodes/VDebugInfoNodeScopes.h"
+#include "nodes/VDebugInfoNodeStructures.h"
+#include "nodes/VDebugInfoNodeVariable.h"
+
+#include <cinttypes>
+#include <cstdarg>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#if defined(__GNUC__)
+#define BRINDLE_PRINTF_TO_STREAM __attribute__((format(printf, 2, 3)))
+#else
+#define BRINDLE_PRINTF_TO_STREAM
+#endif
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::size_t sMaximumIndent = 28;
+
+/// A file that has grown longer than this, looked at every so many nodes, is followed by another.
+constexpr std::streamoff sMaximumFileSize = 184320000;
+constexpr std::size_t sFileSizeCheckInterval = 200;
+
+constexpr std::int32_t sNoRecord = -1;
+
+BRINDLE_PRINTF_TO_STREAM void Print(std::ostream& stream, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::va_list argumentsForLength;
+    va_copy(argumentsForLength, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, argumentsForLength);
+    va_end(argumentsForLength);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+    va_end(arguments);
+    stream << text;
+}
+
+std::string NameOf(const VDebugInfoNode* node, const char* otherwise) {
+    return node != nullptr ? std::string(node->GetName()) : otherwise;
+}
+
+/// Parents up to the root, as far as they matter for an indent.
+std::size_t IndentOf(const VDebugInfoNode& node) {
+    std::size_t depth = 0;
+    const VDebugInfoNode* parent = node.GetParent();
+    for (; parent != nullptr && depth < sMaximumIndent; parent = parent->GetParent()) {
+        ++depth;
+    }
+    return depth;
+}
+
+void DumpLink(std::ostream& stream, const VDebugInfoNode& node, const VDebugInfoNode* target,
+              const char* indent, const char* kind) {
+    if (target == nullptr) {
+        return;
+    }
+    Print(stream, "%s  [1LNr offset: 0x%8.8" PRIx64 " %s '%16.16s' %s->", indent,
+          std::uint64_t{node.GetOffset()}, GetDwarfTagName(node.GetTag()),
+          NameOf(&node, "").c_str(), kind);
+    target->DumpSummary(stream);
+    stream << "]\n";
+}
+
+void DumpReferences(std::ostream& stream, const VDebugInfoNode& node, const char* indent) {
+    if (node.GetTypeReferenceOffset() != 0) {
+        Print(stream, "%s  Type-Reference....: 0x%8.8" PRIx64 " -> {%s}\n", indent,
+              std::uint64_t{node.GetTypeReferenceOffset()}, GetReferenceText(node, 0).c_str());
+    }
+    if (const VAttributeValue specification = node.GetSpecificationAttribute();
+        specification.IsDefined()) {
+        Print(stream, "%s  Specification.....: 0x%8.8" PRIx64 " -> {%s}\n", indent,
+              specification.IsReference() ? specification.mValue : 0,
+              GetReferenceText(node, 1).c_str());
+    }
+}
+
+void DumpSizes(std::ostream& stream, const VDebugInfoNode& node, const char* indent) {
+    if (node.HasMemberOffset()) {
+        Print(stream, "%s  Address Offset....: 0x%8.8" PRIx64 "\n", indent,
+              static_cast<std::uint64_t>(
+                  std::int64_t{static_cast<std::int32_t>(node.GetMemberOffset())}));
+    }
+    if (node.HasByteSize()) {
+        Print(stream, "%s  Byte-size.........: %d\n", indent, node.GetByteSize());
+    }
+    if (node.HasEncoding()) {
+        Print(stream, "%s  Encoding..........: %s\n", indent,
+              GetDwarfEncodingName(node.GetEncoding()));
+    }
+}
+
+void DumpProperties(std::ostream& stream, const VDebugInfoNode& node, const char* indent) {
+    if (node.IsDeclaration()) {
+        Print(stream, "%s  Declaration       : Yes\n", indent);
+    }
+    if (node.IsExternal()) {
+        Print(stream, "%s  External(global)  : Yes\n", indent);
+    }
+    if (node.IsBitFieldFromLocation()) {
+        Print(stream, "%s  [BIT-FIELD INFO FROM LOCATION (address)]\n", indent);
+    }
+    if (node.GetBitSize() != 0) {
+        Print(stream, "%s  Bit size..........: %d\n", indent,
+              static_cast<std::int32_t>(node.GetBitSize()));
+        Print(stream, "%s  Bit offset........: %d\n", indent,
+              static_cast<std::int32_t>(node.GetBitOffset()));
+    }
+    if (node.HasAnonymousName()) {
+        Print(stream, "%s  [Has ANONYMOUS (generated) name]\n", indent);
+    }
+}
+
+void DumpBound(std::ostream& stream, const VAttributeValue& bound, const std::string& indent,
+               const char* label) {
+    if (bound.IsDefined()) {
+        Print(stream, "%s  %s\n", indent.c_str(), bound.ToString(label).c_str());
+    }
+}
+
+} // namespace
+
+void VDebugInfoNode::Dump(std::ostream& stream, const std::string& indentText) const {
+    const char* indent = indentText.c_str();
+    if (HasNameAttribute()) {
+        Print(stream, "%s  Name..............: \"%s\" [Parent name \"%s\"]\n", indent,
+              NameOf(this, "").c_str(), NameOf(GetParent(), "").c_str());
+    }
+    DumpReferences(stream, *this, indent);
+    DumpSizes(stream, *this, indent);
+    DumpProperties(stream, *this, indent);
+    if (const VDebugInfoNode* definition = GetDeclarationResolved()) {
+        Print(stream, "%s  Declaration Resolv:", indent);
+        definition->DumpSummary(stream);
+        stream << '\n';
+    }
+    if (IsByteSizeFromTypeReference()) {
+        Print(stream, "%s  [Byte-size resolved from type-reference]\n", indent);
+    }
+    DumpLink(stream, *this, GetTypeNode(), indent, "type");
+    DumpLink(stream, *this, GetSpecificationNode(), indent, "specification-type");
+}
+
+void VDebugInfoNodeVariable::Dump(std::ostream& stream, const std::string& indentText) const {
+    VDebugInfoNode::Dump(stream, indentText);
+    const char* indent = indentText.c_str();
+    Print(stream, "%s  Has Location      : %s\n", indent, HasLocation() ? "Yes" : "No");
+    if (HasLocation()) {
+        Print(stream, "%s  Address (location): 0x%8.8" PRIx64 " %s\n", indent, GetLocationAddress(),
+              IsRegisterOrStackLocation() ? "[REGISTER/STACK ADDRESS]" : " ");
+    }
+    if (IsAddressFromSymbolTable()) {
+        Print(stream, "%s  Addr. from.symtab : Yes\n", indent);
+    }
+    if (IsRedundantDeclaration()) {
+        Print(stream, "%s  Is-Redundant-Decl.: Yes\n", indent);
+    }
+}
+
+void VDebugInfoNodeCompileUnit::Dump(std::ostream& stream, const std::string& indentText) const {
+    VDebugInfoNode::Dump(stream, indentText);
+    const char* indent = indentText.c_str();
+    Print(stream, "%s  Compile Directory : \"%s\"\n", indent,
+          mCompUnitDir.mDefined ? std::string(mCompUnitDir.mValue).c_str() : "<none>");
+    const VDebugInfoNode* first = GetFirstKindOfCompileUnit();
+    if (first != nullptr && first != this) {
+        Print(stream, "%s  First-Kind-Of c.u.: 0x%8.8" PRIx64 " [name = \"%s\"]\n", indent,
+              std::uint64_t{first->GetOffset()}, NameOf(first, "").c_str());
+    }
+}
+
+void VDebugInfoNodeSubrange::Dump(std::ostream& stream, const std::string& indentText) const {
+    VDebugInfoNode::Dump(stream, indentText);
+    DumpBound(stream, mLowerBound, indentText, "Lower Bound");
+    DumpBound(stream, mUpperBound, indentText, "Upper Bound");
+    DumpBound(stream, mCount, indentText, "Array Items Count");
+}
+
+void VDebugInfoNode::DumpSummary(std::ostream& stream) const {
+    Print(stream, "0x%8.8" PRIx64 " %s, tag-rec.: %d, Name:'%16.16s', Parent:'%16.16s'",
+          std::uint64_t{GetOffset()}, GetDwarfTagName(GetTag()), GetTagRecord(),
+          NameOf(this, "").c_str(), NameOf(GetParent(), "<none>").c_str());
+}
+
+void VDebugInfoNodeStructuresBase::DumpSummary(std::ostream& stream) const {
+    VDebugInfoNode::DumpSummary(stream);
+    std::ptrdiff_t childCount = 0;
+    int memberCount = 0;
+    std::string names;
+    for (const VDebugInfoNode* child : Children()) {
+        if (child->GetTag() == DW_TAG_member) {
+            names.append(childCount > 0 ? ", '" : "'").append(child->GetName()) += '\'';
+            ++memberCount;
+        }
+        ++childCount;
+    }
+    Print(stream, ", children: %td, members: %d {%s}", childCount, memberCount, names.c_str());
+}
+
+bool VDwarf2Section::DumpDebugInfoNodes() {
+    if (VElfOptions::mIsLoggingPaused) {
+        return true;
+    }
+    std::ofstream file;
+    int part = 0;
+    if (!OpenNextDumpFile(file, mElfFile->GetInputFileName(), part, 0)) {
+        return false;
+    }
+    int count = 0;
+    bool isChangeDue = false;
+    for (const VDebugInfoNode* node : mDieNodes.InOffsetOrder()) {
+        if (static_cast<std::size_t>(count) % sFileSizeCheckInterval == 0) {
+            isChangeDue = isChangeDue || file.tellp() > sMaximumFileSize;
+        }
+        if (isChangeDue && node->GetParent() == nullptr) {
+            isChangeDue = false;
+            if (!OpenNextDumpFile(file, mElfFile->GetInputFileName(), part,
+                                  node->GetNodeRecord())) {
+                return false;
+            }
+        }
+        ++count;
+        const std::string indent(IndentOf(*node), '\t');
+        Print(file, "%s%8.8x {%d. node-rec.: %d; tag-rec.: %d; )}\n", indent.c_str(),
+              node->GetOffset(), count, node->GetNodeRecord(), node->GetTagRecord());
+        Print(file, "%s%s(0x%x)>\n", indent.c_str(), GetDwarfTagName(node->GetTag()),
+              node->GetTag());
+        node->Dump(file, indent);
+        file << '\n';
+    }
+    file.close();
+    if (mReader != nullptr) {
+        mReader->SetProgressText("  Done!");
+    }
+    return true;
+}
+
+bool VDwarf2Section::OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
+                                      std::int32_t record) {
+    if (file.is_open()) {
+        file << "log continues in next file.....\n";
+        file.close();
+    }
+    std::string name = inputName + ".debugInfoNodes" + std::to_string(part++);
+    if (record != sNoRecord) {
+        name += ".rec" + std::to_string(record);
+    }
+    name += ".log.txt";
+    if (mReader != nullptr) {
+        mReader->SetProgressText(("Writing dump file..." + name).c_str());
+    }
+    file.clear();
+    file.open(name, std::ios::out | std::ios::trunc);
+    return file.is_open();
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

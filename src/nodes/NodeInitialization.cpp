@@ -1,0 +1,86 @@
+// How nodes take the attributes of their decoded entry. Texts that don't outlive the entry are
+// copied into the tree's arena.
+#include "dwarf/VDie2.h"
+#include "dwarf/VDwarf2Section.h"
+#include "nodes/VDebugInfoNodeArray.h"
+#include "nodes/VDebugInfoNodeScopes.h"
+#include "nodes/VDebugInfoNodeStructures.h"
+#include "nodes/VDebugInfoNodeVariable.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+bool HasExtras(const VDie2& die) {
+    return die.mHasEncoding || die.mBitSize != 0 || die.mBitOffset != 0 ||
+           die.mSpecification.IsDefined() || die.mLinkageName.mDefined ||
+           die.mAccessibility.IsDefined();
+}
+
+/// Types that are grouped by name, and so may get links to a definition or a representative.
+bool IsGroupedType(dwarf_tag tag) {
+    return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type ||
+           tag == DW_TAG_typedef;
+}
+
+VAttributeString Keep(const VAttributeString& text, VDwarf2Section& section) {
+    return {text.mDefined ? section.KeepText(text.mValue) : std::string_view(), text.mDefined};
+}
+
+} // namespace
+
+void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    mTagRecord = static_cast<std::int32_t>(die.mRecordNumber);
+    mByteSize = static_cast<std::int32_t>(die.mByteSize);
+    mHasByteSize = die.mHasByteSize;
+    mIsDeclaration = die.mIsDeclaration;
+    mIsExternal = die.mIsExternal;
+    mHasNameAttribute = die.mHasName;
+    mBitFieldFromLocation = die.mBitFieldFromLocation;
+    mHasEncoding = die.mHasEncoding;
+    mTypeReferenceOffset = die.mTypeRef != 0 && !die.mTypeRefIsSectionOffset
+                               ? section.UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
+                               : die.mTypeRef;
+    if (HasExtras(die) || IsGroupedType(mTag)) {
+        VNodeExtras& extras = MakeExtras(section.mArena);
+        extras.mBitOffset = die.mBitOffset;
+        extras.mBitSize = die.mBitSize;
+        extras.mEncoding = die.mEncoding;
+        extras.mSpecification = die.mSpecification;
+        extras.mLinkageName = Keep(die.mLinkageName, section);
+        extras.mAccessibility = die.mAccessibility;
+    }
+}
+
+void VDebugInfoNodeCompileUnit::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    VDebugInfoNode::InitFromDie(die, section);
+    mCompUnitDir = Keep(die.mCompDir, section);
+}
+
+void VDebugInfoNodeVariable::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    VDebugInfoNode::InitFromDie(die, section);
+    mLocationAddress = die.mLocationAddress;
+    mHasLocation = die.mHasLocation;
+    mIsRegisterOrStackLocation = die.mIsRegisterOrStackLocation;
+}
+
+void VDebugInfoNodeMember::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    VDebugInfoNode::InitFromDie(die, section);
+    mMemberOffset = die.mMemberOffset;
+    mHasMemberOffset = die.mHasMemberLocation;
+}
+
+void VDebugInfoNodeInheritance::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    VDebugInfoNode::InitFromDie(die, section);
+    mMemberOffset = die.mMemberOffset;
+    mHasMemberOffset = die.mHasMemberLocation;
+}
+
+void VDebugInfoNodeSubrange::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    VDebugInfoNode::InitFromDie(die, section);
+    mLowerBound = die.mLowerBound;
+    mUpperBound = die.mUpperBound;
+    mCount = die.mCount;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,241 @@
+// How nodes turn references into links and find their sizes: the operations of `VDebugInfoNode` and
+// its family that the resolution passes call node by node. Chains of any length are followed
+// without recursion.
+#include "nodes/VDebugInfoNode.h"
+#include "nodes/VDebugInfoNodeArray.h"
+#include "nodes/VDebugInfoNodeDerivedTypes.h"
+#include "nodes/VDieNodeMap.h"
+
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// Calls that may nest before a chain is followed by a list.
+constexpr int sMaximumNesting = 100;
+
+bool IsPointerOrReference(const VDebugInfoNode& node) {
+    return node.GetTag() == DW_TAG_pointer_type || node.GetTag() == DW_TAG_reference_type;
+}
+
+bool IsStructured(const VDebugInfoNode& node) {
+    return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type ||
+           node.GetTag() == DW_TAG_union_type;
+}
+
+/// Entries that never have a size of their own.
+bool IsWithoutSize(dwarf_tag tag) {
+    switch (tag) {
+    case 0:
+    case DW_TAG_imported_declaration:
+    case DW_TAG_label:
+    case DW_TAG_lexical_block:
+    case DW_TAG_compile_unit:
+    case DW_TAG_unspecified_parameters:
+    case DW_TAG_common_block:
+    case DW_TAG_common_inclusion:
+    case DW_TAG_inlined_subroutine:
+    case DW_TAG_with_stmt:
+    case DW_TAG_access_declaration:
+    case DW_TAG_catch_block:
+    case DW_TAG_enumerator:
+    case DW_TAG_file_type:
+    case DW_TAG_friend:
+    case DW_TAG_namelist:
+    case DW_TAG_namelist_item:
+    case DW_TAG_subprogram:
+    case DW_TAG_try_block:
+    case DW_TAG_namespace:
+    case DW_TAG_imported_module:
+    case DW_TAG_partial_unit:
+    case DW_TAG_imported_unit:
+    case DW_TAG_condition:
+    case DW_TAG_MIPS_loop:
+    case DW_TAG_format_label:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// The node that a reference names, null for other values.
+VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& nodes) {
+    return value.IsDefined() && value.IsReference() && value.mValue != 0
+               ? nodes.Find(static_cast<std::uint32_t>(value.mValue))
+               : nullptr;
+}
+
+} // namespace
+
+void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
+    if (mTypeReferenceOffset != 0) {
+        if (VDebugInfoNode* type = nodes.Find(mTypeReferenceOffset)) {
+            mTypeNode = type;
+        }
+        if (mTypeNode == this) {
+            ClearType();
+        }
+    }
+    if (mExtras != nullptr) {
+        if (VDebugInfoNode* specification = FindReferred(mExtras->mSpecification, nodes)) {
+            mExtras->mSpecificationNode = specification;
+        }
+        if (mExtras->mSpecificationNode == this) {
+            ClearSpecification();
+        }
+    }
+}
+
+void VDebugInfoNodeSubrange::ResolveReferences(const VDieNodeMap& nodes) {
+    VDebugInfoNode::ResolveReferences(nodes);
+    mLowerBoundNode = FindReferred(mLowerBound, nodes);
+    mUpperBoundNode = FindReferred(mUpperBound, nodes);
+    mCountNode = FindReferred(mCount, nodes);
+}
+
+bool VDebugInfoNode::ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& /*section*/) {
+    ResolveByteSize(nodes);
+    ConvertBitOffset();
+    return NormalizeEncoding();
+}
+
+bool VDebugInfoNodeArray::ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section) {
+    VDebugInfoNode::ResolveSizes(nodes, section);
+    ResolveArrayDimensions(nodes);
+    return true;
+}
+
+bool VDebugInfoNode::ResolveByteSize(const VDieNodeMap& nodes) {
+    SettleByteSize(nodes, 0);
+    return true;
+}
+
+void VDebugInfoNode::SettleByteSize(const VDieNodeMap& nodes, int nesting) {
+    if (nesting == sMaximumNesting) {
+        SettleByteSizeOfChain(nodes);
+        return;
+    }
+    if (PrepareByteSize(nodes) != SizeSource::Type) {
+        return;
+    }
+    VDebugInfoNode* type = GetTypeNode();
+    if (!type->HasByteSize()) {
+        type->SettleByteSize(nodes, nesting + 1);
+    }
+    TakeByteSizeOfType(*type);
+}
+
+void VDebugInfoNode::SettleByteSizeOfChain(const VDieNodeMap& nodes) {
+    std::vector<VDebugInfoNode*> chain;
+    for (VDebugInfoNode* node = this;
+         !node->HasByteSize() && node->PrepareByteSize(nodes) == SizeSource::Type;
+         node = node->GetTypeNode()) {
+        chain.push_back(node);
+        if (chain.size() > nodes.Size()) {
+            break;
+        }
+    }
+    for (auto node = chain.rbegin(); node != chain.rend(); ++node) {
+        (*node)->TakeByteSizeOfType(*(*node)->GetTypeNode());
+    }
+}
+
+VDebugInfoNode::SizeSource VDebugInfoNode::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
+    if (HasByteSize()) {
+        return SizeSource::Known;
+    }
+    const VDebugInfoNode* type = GetTypeNode();
+    return type == nullptr || type == this || IsWithoutSize(mTag) ? SizeSource::None
+                                                                  : SizeSource::Type;
+}
+
+void VDebugInfoNode::TakeByteSizeOfType(const VDebugInfoNode& type) {
+    SetByteSize(type.GetByteSize());
+}
+
+VDebugInfoNode::SizeSource
+VDebugInfoNodePointerType::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
+    if (!HasByteSize()) {
+        SetByteSize(GetCompileUnitHeader()->mTargetAddressSize);
+    }
+    return SizeSource::Known;
+}
+
+VDebugInfoNode::SizeSource
+VDebugInfoNodeReferenceType::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
+    if (!HasByteSize()) {
+        SetByteSize(GetCompileUnitHeader()->mTargetAddressSize);
+    }
+    return SizeSource::Known;
+}
+
+VDebugInfoNode::SizeSource VDebugInfoNodeArray::PrepareByteSize(const VDieNodeMap& nodes) {
+    if (HasByteSize()) {
+        return SizeSource::Known;
+    }
+    ResolveArrayDimensions(nodes);
+    const VDebugInfoNode* type = GetTypeNode();
+    if (type == nullptr || type == this) {
+        SetByteSize(0);
+        return SizeSource::Known;
+    }
+    return SizeSource::Type;
+}
+
+void VDebugInfoNodeArray::TakeByteSizeOfType(const VDebugInfoNode& type) {
+    SetByteSize(static_cast<std::int32_t>(static_cast<std::uint32_t>(type.GetByteSize()) *
+                                          GetTotalElementCount()));
+}
+
+std::int32_t VDebugInfoNode::GetResolvedByteSize(bool& isAddressSize) const {
+    const VDebugInfoNode* node = this;
+    for (int link = 0; link < sMaximumChainLength; ++link) {
+        if (node->mByteSize > 0) {
+            return node->mByteSize;
+        }
+        const VDebugInfoNode* type = node->GetTypeNode();
+        if (type == nullptr) {
+            return 0;
+        }
+        if (IsPointerOrReference(*type)) {
+            isAddressSize = true;
+            return node->mCompileUnitHeader->mTargetAddressSize;
+        }
+        node = type;
+    }
+    return 0;
+}
+
+VDebugInfoNode* VDebugInfoNode::GetBaseTypeNode() {
+    std::vector<VDebugInfoNode*> open{this};
+    for (int visit = 0; visit < sMaximumChainLength && !open.empty(); ++visit) {
+        VDebugInfoNode* node = open.back();
+        open.pop_back();
+        if (node->mTag == DW_TAG_base_type) {
+            return node;
+        }
+        // The type is looked at first, hence pushed last.
+        for (VDebugInfoNode* next : {node->GetSpecificationNode(), node->GetTypeNode()}) {
+            if (next != nullptr && !IsPointerOrReference(*next)) {
+                open.push_back(next);
+            }
+        }
+    }
+    return nullptr;
+}
+
+VDebugInfoNode* VDebugInfoNode::FindStructuredTypeNode() {
+    VDebugInfoNode* node = this;
+    for (int link = 0; link < sMaximumChainLength && !IsStructured(*node); ++link) {
+        VDebugInfoNode* type = node->GetTypeNode();
+        VDebugInfoNode* next = type != nullptr ? type : node->GetSpecificationNode();
+        if (next == nullptr) {
+            break;
+        }
+        node = next;
+    }
+    return node;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

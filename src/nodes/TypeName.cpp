@@ -1,0 +1,225 @@
+#include "nodes/TypeName.h"
+
+#include "nodes/VDebugInfoNode.h"
+
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr int sMaximumChainDepth = 32;
+constexpr int sMaximumScopeDepth = 10;
+
+/// What a scope adds on each level.
+constexpr int sScopeDepthStep = 2;
+
+constexpr std::string_view sClassSeparator = "::";
+constexpr std::string_view sFunctionSeparator = "$";
+
+/// Text of a tag that qualifies the type behind it, empty for all other tags.
+std::string_view ModifierOf(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_pointer_type:
+        return "*";
+    case DW_TAG_reference_type:
+        return "&";
+    case DW_TAG_rvalue_reference_type:
+        return "&&";
+    case DW_TAG_const_type:
+        return "const ";
+    case DW_TAG_volatile_type:
+        return "volatile ";
+    case DW_TAG_restrict_type:
+        return "restricted ";
+    case DW_TAG_shared_type:
+        return "shared ";
+    case DW_TAG_packed_type:
+        return "packed ";
+    case DW_TAG_file_type:
+        return "filetype ";
+    case DW_TAG_thrown_type:
+        return "throw_type ";
+    default:
+        return {};
+    }
+}
+
+/// How a scope that is no class stands in a type text.
+struct ScopeText {
+    std::string_view placeholder;
+    std::string_view separator;
+};
+
+/// Empty separator for tags that are no scope in a type text.
+ScopeText ScopeTextOf(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_enumeration_type:
+        return {"<anonymous>", sClassSeparator};
+    case DW_TAG_namespace:
+        return {"<anonymous-namespace>", sClassSeparator};
+    case DW_TAG_subprogram:
+        return {"<anonymous-subprogram>", sFunctionSeparator};
+    case DW_TAG_subroutine_type:
+    case DW_TAG_inlined_subroutine:
+        return {"<anonymous-subroutine>", sFunctionSeparator};
+    case DW_TAG_class_template:
+        return {"<anonymous>", sFunctionSeparator};
+    default:
+        return {};
+    }
+}
+
+VDebugInfoNode* TypeOrSpecification(const VDebugInfoNode& node) {
+    VDebugInfoNode* type = node.GetTypeNode();
+    return type != nullptr ? type : node.GetSpecificationNode();
+}
+
+bool IsStructural(dwarf_tag tag) {
+    return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type ||
+           tag == DW_TAG_interface_type;
+}
+
+} // namespace
+
+void TypeNameBuilder::AppendTypeName(VDebugInfoNode* node, int depth, std::string& out,
+                                     bool withRecordNumbers) {
+    while (node != nullptr && depth <= sMaximumChainDepth && !IsFull(out)) {
+        ++depth;
+        AppendScopePrefix(node, depth, out, withRecordNumbers);
+        const std::string_view modifier = ModifierOf(node->GetTag());
+        if (!modifier.empty()) {
+            out += modifier;
+            node = TypeOrSpecification(*node);
+            continue;
+        }
+        switch (node->GetTag()) {
+        case DW_TAG_class_type:
+        case DW_TAG_structure_type:
+        case DW_TAG_union_type:
+        case DW_TAG_interface_type:
+            AppendNameOr(*node, "<anonymouse-structural>", out, withRecordNumbers);
+            AppendTemplatePart(*node, depth, out, withRecordNumbers);
+            break;
+        case DW_TAG_enumeration_type:
+            AppendNameOr(*node, "<anonymouse-enum>", out, withRecordNumbers);
+            break;
+        case DW_TAG_typedef:
+            AppendNameOr(*node, "<anonymouse-typedef>", out, withRecordNumbers);
+            break;
+        case DW_TAG_base_type:
+        case DW_TAG_enumerator:
+            AppendNameOr(*node, "", out, withRecordNumbers);
+            break;
+        case DW_TAG_ptr_to_member_type:
+            out += "ptr_to_member_type(unsupported) ";
+            break;
+        case DW_TAG_set_type:
+        case DW_TAG_subrange_type:
+            out.append("subrange ").append(node->GetName()) += ' ';
+            break;
+        case DW_TAG_unspecified_type:
+            out.append("unspecified_type ").append(node->GetName());
+            break;
+        case DW_TAG_subroutine_type:
+            AppendFunctionType(*node, depth, out, withRecordNumbers);
+            break;
+        default:
+            break;
+        }
+        return;
+    }
+}
+
+void TypeNameBuilder::AppendScopePrefix(const VDebugInfoNode* node, int depth, std::string& out,
+                                        bool withRecordNumbers) {
+    if (node == nullptr || depth > sMaximumScopeDepth || node->GetParent() == nullptr) {
+        return;
+    }
+    VDebugInfoNode* parent = node->GetParent();
+    if (IsStructural(parent->GetTag())) {
+        std::string scope;
+        AppendTypeName(parent, depth + sScopeDepthStep, scope, withRecordNumbers);
+        out.append(scope).append(sClassSeparator);
+        return;
+    }
+    const ScopeText text = ScopeTextOf(parent->GetTag());
+    if (!text.separator.empty()) {
+        AppendScopePrefix(parent, depth + sScopeDepthStep, out, withRecordNumbers);
+        const std::string_view name = parent->GetName();
+        out.append(name.empty() ? text.placeholder : name).append(text.separator);
+    }
+}
+
+void TypeNameBuilder::AppendTemplateParameters(const VDebugInfoNode& node, int depth,
+                                               std::string& out, bool withRecordNumbers) {
+    out += '<';
+    bool isFirst = true;
+    for (VDebugInfoNode* child : node.Children()) {
+        const bool isType = child->GetTag() == DW_TAG_template_type_param;
+        if (IsFull(out) || (!isType && child->GetTag() != DW_TAG_template_value_param)) {
+            continue;
+        }
+        if (!isFirst) {
+            out += ',';
+        }
+        isFirst = false;
+        if (withRecordNumbers) {
+            out.append(child->GetName()).append(" = ");
+        }
+        if (isType) {
+            AppendTypeName(TypeOrSpecification(*child), depth, out, withRecordNumbers);
+        } else {
+            out += std::to_string(
+                static_cast<std::int32_t>(child->GetConstValueAttribute().ToInteger()));
+        }
+    }
+    out += '>';
+}
+
+void TypeNameBuilder::AppendParameterList(const VDebugInfoNode& node, int depth, std::string& out,
+                                          bool withRecordNumbers) {
+    out += '(';
+    bool isFirst = true;
+    for (VDebugInfoNode* child : node.Children()) {
+        if (IsFull(out) || child->GetTag() != DW_TAG_formal_parameter) {
+            continue;
+        }
+        if (!isFirst) {
+            out += ',';
+        }
+        isFirst = false;
+        AppendTypeName(TypeOrSpecification(*child), depth, out, withRecordNumbers);
+    }
+    out += ") ";
+}
+
+void TypeNameBuilder::AppendNameOr(const VDebugInfoNode& node, const char* placeholder,
+                                   std::string& out, bool withRecordNumbers) const {
+    const std::string_view name = node.GetName();
+    out += name.empty() ? placeholder : name;
+    if (withRecordNumbers) {
+        out += '(' + std::to_string(node.GetTagRecord()) + ')';
+    }
+}
+
+void TypeNameBuilder::AppendTemplatePart(VDebugInfoNode& node, int depth, std::string& out,
+                                         bool withRecordNumbers) {
+    if (!node.HasTemplateParameters()) {
+        return;
+    }
+    if (node.GetName().find('<') == std::string_view::npos) {
+        AppendTemplateParameters(node, depth, out, withRecordNumbers);
+    } else {
+        node.SetHasTemplateParameters(false);
+    }
+}
+
+void TypeNameBuilder::AppendFunctionType(VDebugInfoNode& node, int depth, std::string& out,
+                                         bool withRecordNumbers) {
+    AppendTypeName(TypeOrSpecification(node), depth, out, withRecordNumbers);
+    AppendTemplatePart(node, depth, out, withRecordNumbers);
+    AppendParameterList(node, depth, out, withRecordNumbers);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,51 @@
+// The canonical text of a type, by which the same type is recognised in different units. It also
+// becomes the name of a class template's instance. Builds the text and nothing else; called by the
+// grouping of types.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VDebugInfoNode;
+
+/// Builder of one type text.
+///
+/// Modifiers read from left to right from the outermost, scopes stand in front, template arguments
+/// and parameters behind. Chains are followed 33 nodes deep, scopes to a depth of 10; what lies
+/// beyond is left out. Each operation adds to `out` and stops adding when `out` has reached the
+/// limit of the builder, so that template arguments that name their own template many times over
+/// can't make the text grow without bound.
+class TypeNameBuilder {
+public:
+    /// @param limit length in characters from which on nothing is added
+    explicit TypeNameBuilder(std::size_t limit)
+        : mLimit(limit) {}
+
+    /// The text of the type that the node is. The node may be null.
+    /// @param withRecordNumbers add record numbers and the names of template parameters
+    void AppendTypeName(VDebugInfoNode* node, int depth, std::string& out, bool withRecordNumbers);
+    /// The scopes of a node, each with its separator.
+    void AppendScopePrefix(const VDebugInfoNode* node, int depth, std::string& out,
+                           bool withRecordNumbers);
+    /// The template arguments of a node in angle brackets.
+    void AppendTemplateParameters(const VDebugInfoNode& node, int depth, std::string& out,
+                                  bool withRecordNumbers);
+    /// The parameter types of a function type in parentheses, and a blank.
+    void AppendParameterList(const VDebugInfoNode& node, int depth, std::string& out,
+                             bool withRecordNumbers);
+
+private:
+    void AppendNameOr(const VDebugInfoNode& node, const char* placeholder, std::string& out,
+                      bool withRecordNumbers) const;
+    void AppendTemplatePart(VDebugInfoNode& node, int depth, std::string& out,
+                            bool withRecordNumbers);
+    void AppendFunctionType(VDebugInfoNode& node, int depth, std::string& out,
+                            bool withRecordNumbers);
+    [[nodiscard]] bool IsFull(const std::string& out) const { return out.size() >= mLimit; }
+
+    std::size_t mLimit;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

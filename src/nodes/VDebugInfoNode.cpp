@@ -1,0 +1,247 @@
+#include "nodes/VDebugInfoNode.h"
+
+#include "core/CutText.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+std::uint32_t nGlobalLexicalBlockCounter = 0;
+
+VDebugInfoNode::VDebugInfoNode(dwarf_tag tag, std::uint32_t sectionOffset,
+                               VCompileUnitHeader* header, VDebugInfoNode* parent)
+    : mParent(parent)
+    , mCompileUnitHeader(header)
+    , mTag(tag)
+    , mOffset(sectionOffset) {
+    static std::uint32_t sCurrentDebugNodeRecord = 0;
+    mNodeRecord = static_cast<std::int32_t>(sCurrentDebugNodeRecord++);
+    if (parent != nullptr) {
+        parent->AddChild(this);
+    }
+}
+
+VNodeExtras& VDebugInfoNode::MakeExtras(VNodeArena& arena) {
+    if (mExtras == nullptr) {
+        mExtras = arena.Create<VNodeExtras>();
+    }
+    return *mExtras;
+}
+
+std::size_t VDebugInfoNode::GetDepth() const {
+    std::size_t depth = 0;
+    for (const VDebugInfoNode* parent = mParent; parent != nullptr; parent = parent->mParent) {
+        ++depth;
+    }
+    return depth;
+}
+
+void VDebugInfoNode::AddChild(VDebugInfoNode* child) {
+    if (VDebugInfoNode* last = mLastChild) {
+        child->mNextSibling = last->mNextSibling;
+        last->mNextSibling = child;
+    } else {
+        child->mNextSibling = child;
+    }
+    mLastChild = child;
+}
+
+VDebugInfoNode* VDebugInfoNode::DetachChildren() {
+    VDebugInfoNode* first = FirstChild();
+    if (first != nullptr) {
+        mLastChild->mNextSibling = nullptr;
+        mLastChild = nullptr;
+    }
+    return first;
+}
+
+VDebugInfoNode* VDebugInfoNode::TakeNext(VDebugInfoNode*& chain) {
+    VDebugInfoNode* node = chain;
+    chain = node->mNextSibling;
+    node->mNextSibling = nullptr;
+    return node;
+}
+
+bool VDebugInfoNode::NormalizeEncoding() {
+    if (mHasEncoding && mExtras->mEncoding == DW_ATE_address) {
+        mExtras->mEncoding = DW_ATE_signed;
+        if (!HasByteSize()) {
+            mHasByteSize = mCompileUnitHeader->mTargetAddressSize != 0;
+        }
+    }
+    return true;
+}
+
+void VDebugInfoNode::ConvertBitOffset() {
+    if (GetBitSize() == 0) {
+        return;
+    }
+    bool isAddressSize = false;
+    const std::int32_t resolvedSize = GetResolvedByteSize(isAddressSize);
+    const auto storageSize = static_cast<std::uint32_t>(resolvedSize > 0 ? resolvedSize : mByteSize);
+    // In 32 bits, since a field that begins before its storage has a negative offset as read.
+    const std::uint32_t bitOffset = storageSize * 8 - GetBitOffset() - GetBitSize();
+    if (static_cast<std::int32_t>(bitOffset) >= 0) {
+        SetBitOffset(bitOffset);
+    }
+}
+
+std::string_view VDebugInfoNode::GetName() const {
+    return mHasUncutName ? std::string_view(mName) : CutText(mName, sMaximumNameLength);
+}
+
+void VDebugInfoNode::SetName(const char* text) {
+    mName = text;
+    mHasUncutName = true;
+}
+
+void VDebugInfoNode::GetEntryName(std::string_view& out, VDwarf2Section& /*section*/) {
+    VDebugInfoNode* node = this;
+    for (int link = 0; link < sMaximumChainLength; ++link) {
+        if (node->mHasNameAttribute && *node->mName != '\0') {
+            out = node->GetName();
+            return;
+        }
+        VDebugInfoNode* specification = node->GetSpecificationNode();
+        if (specification == nullptr) {
+            break;
+        }
+        node->mHasAnonymousName = false;
+        if (!specification->mHasNameAttribute) {
+            return;
+        }
+        node = specification;
+    }
+    const VAttributeString linkageName = node->GetLinkageNameAttribute();
+    out = linkageName.mDefined ? linkageName.mValue : node->GetDefaultName();
+    node->mHasAnonymousName = !linkageName.mDefined;
+}
+
+std::string_view VDebugInfoNode::GetNameOrAnonymous() const {
+    return *mName != '\0' ? GetName() : "<anonymous>";
+}
+
+const char* VDebugInfoNode::GetNameOrNull() const {
+    return *mName != '\0' ? mName : nullptr;
+}
+
+/// The subprogram or outer block that numbers this one, null if there is none.
+VDebugInfoNode* VDebugInfoNode::FindNumberingOwner() const {
+    VDebugInfoNode* owner = mParent;
+    for (int link = 0; link < sMaximumChainLength && owner != nullptr; ++link) {
+        if (owner->mTag == DW_TAG_subprogram) {
+            return owner;
+        }
+        VDebugInfoNode* outer = owner->mParent;
+        if (owner->mTag == DW_TAG_lexical_block) {
+            return outer != nullptr && outer->mTag == DW_TAG_subprogram ? outer : owner;
+        }
+        owner = outer;
+    }
+    return nullptr;
+}
+
+void VDebugInfoNode::GetLexicalBlockName(std::string& out) {
+    VDebugInfoNode* owner = FindNumberingOwner();
+    out = std::to_string(owner != nullptr ? owner->GetNextLexicalBlockNumber()
+                                          : nGlobalLexicalBlockCounter++);
+}
+
+VAttributeString VDebugInfoNode::GetLinkageNameAttribute() const {
+    return mExtras != nullptr ? mExtras->mLinkageName : VAttributeString{};
+}
+
+VAttributeValue VDebugInfoNode::GetSpecificationAttribute() const {
+    return mExtras != nullptr ? mExtras->mSpecification : VAttributeValue{};
+}
+
+VAttributeValue VDebugInfoNode::GetAccessibilityAttribute() const {
+    return mExtras != nullptr ? mExtras->mAccessibility : VAttributeValue{};
+}
+
+void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode* node) {
+    if (mExtras != nullptr) {
+        mExtras->mSpecificationNode = node;
+    }
+}
+
+void VDebugInfoNode::ClearSpecification() {
+    if (mExtras != nullptr) {
+        mExtras->mSpecification = {};
+        mExtras->mSpecificationNode = nullptr;
+    }
+}
+
+void VDebugInfoNode::ClearType() {
+    mTypeReferenceOffset = 0;
+    mTypeNode = nullptr;
+}
+
+VDebugInfoNode* VDebugInfoNode::GetDeclarationResolved() const {
+    return mExtras != nullptr ? mExtras->mDeclarationResolved.Get() : nullptr;
+}
+
+void VDebugInfoNode::SetDeclarationResolved(VDebugInfoNode* definition) {
+    if (mExtras != nullptr) {
+        mExtras->mDeclarationResolved = definition;
+        mIsDeclarationResolved = definition != nullptr;
+    }
+}
+
+VDebugInfoNode* VDebugInfoNode::GetCanonicalTypeNode() const {
+    return mExtras != nullptr ? mExtras->mCanonicalTypeNode.Get() : nullptr;
+}
+
+void VDebugInfoNode::SetCanonicalTypeNode(VDebugInfoNode* node) {
+    if (mExtras != nullptr) {
+        mExtras->mCanonicalTypeNode = node;
+    }
+}
+
+std::uint32_t VDebugInfoNode::GetEncoding() const {
+    return mExtras != nullptr ? mExtras->mEncoding : 0;
+}
+
+std::uint32_t VDebugInfoNode::GetBitOffset() const {
+    return mExtras != nullptr ? mExtras->mBitOffset : 0;
+}
+
+std::uint32_t VDebugInfoNode::GetBitSize() const {
+    return mExtras != nullptr ? mExtras->mBitSize : 0;
+}
+
+void VDebugInfoNode::SetBitOffset(std::uint32_t bitOffset) {
+    if (mExtras != nullptr) {
+        mExtras->mBitOffset = bitOffset;
+    }
+}
+
+void VDebugInfoNode::SetBitSize(std::uint32_t bitSize) {
+    if (mExtras != nullptr) {
+        mExtras->mBitSize = bitSize;
+    }
+}
+
+void VDebugInfoNode::SetByteSize(std::int32_t byteSize) {
+    mByteSize = byteSize;
+    mHasByteSize = true;
+    mByteSizeFromTypeReference = true;
+}
+
+bool VDebugInfoNode::IsTypedefOfSameName() const {
+    const VDebugInfoNode* type = GetTypeNode();
+    return type != nullptr && type->mHasNameAttribute && type->GetName() == GetName();
+}
+
+VDebugInfoNode* VDebugInfoNode::FindScopeNode() const {
+    const VDebugInfoNode* node = this;
+    for (int link = 0; link < sMaximumChainLength; ++link) {
+        const VDebugInfoNode* specification = node->GetSpecificationNode();
+        VDebugInfoNode* scope = specification != nullptr ? specification->mParent : node->mParent;
+        if (scope == nullptr || scope->IsEntryScope()) {
+            return scope;
+        }
+        node = scope;
+    }
+    return nullptr;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

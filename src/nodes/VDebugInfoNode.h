@@ -1,0 +1,422 @@
+// The in-memory form of one debug entry (DIE): the base class of all nodes. Every stage behind the
+// decoding of entries works through its operations; it carries each field that any entry can fill,
+// so that nobody has to ask a node for its class. Nodes live in the arena of their tree and own
+// nothing.
+#pragma once
+
+#include "dwarf/DwarfConstants.h"
+#include "dwarf/VAttributeValue.h"
+#include "dwarf/VCompileUnitHeader.h"
+#include "nodes/VNodeArena.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <iterator>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VCLIFactoryWrapper;
+class VDebugInfoNodeArray;
+class VDie2;
+class VDieNodeMap;
+class VDwarf2Section;
+class ReferenceCycles;
+class VNodeEmission;
+enum class BasicType : std::int32_t;
+struct EmissionInputs;
+
+/// Names one object of the host's data model; 0 means none.
+using ObjectId = std::uint64_t;
+
+/// Numbers the scopes that lexical blocks outside of any subprogram make. Runs on over all reads.
+extern std::uint32_t nGlobalLexicalBlockCounter;
+
+/// Characters of a name as read; what lies behind is cut.
+constexpr std::size_t sMaximumNameLength = 2047;
+
+/// Links that a chain of types, specifications or scopes is followed for by questions that need no
+/// exact end; longer ones occur in damaged files only.
+constexpr int sMaximumChainLength = 1000;
+
+/// Attributes and links that few nodes have.
+struct VNodeExtras {
+    VAttributeValue mSpecification;
+    VAttributeValue mAccessibility;
+    VAttributeString mLinkageName;
+    VNodeLink<class VDebugInfoNode> mSpecificationNode;
+    VNodeLink<class VDebugInfoNode> mDeclarationResolved;
+    VNodeLink<class VDebugInfoNode> mCanonicalTypeNode;
+    std::uint32_t mBitOffset = 0;
+    std::uint32_t mBitSize = 0;
+    std::uint32_t mEncoding = 0;
+};
+
+/// One debug entry.
+///
+/// A node is a child of its parent from construction on. Links to other nodes are non-owning, and
+/// null where the reference did not resolve. An operation that a class of the family replaces is
+/// virtual; the base version of such a query answers 0, false, null or an empty value.
+class VDebugInfoNode {
+public:
+    /// Appends the node to the children of the parent, if there is one.
+    VDebugInfoNode(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,
+                   VDebugInfoNode* parent);
+    VDebugInfoNode(const VDebugInfoNode&) = delete;
+    VDebugInfoNode& operator=(const VDebugInfoNode&) = delete;
+    VDebugInfoNode(VDebugInfoNode&&) = delete;
+    VDebugInfoNode& operator=(VDebugInfoNode&&) = delete;
+    virtual ~VDebugInfoNode() = default;
+
+    /// @name Identity
+    /// @{
+
+    [[nodiscard]] dwarf_tag GetTag() const { return mTag; }
+    /// Section offset of the entry.
+    [[nodiscard]] std::uint32_t GetOffset() const { return mOffset; }
+    [[nodiscard]] VCompileUnitHeader* GetCompileUnitHeader() const { return mCompileUnitHeader; }
+    /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
+    [[nodiscard]] std::int32_t GetTagRecord() const { return mTagRecord; }
+    /// Running number of the node in the process.
+    [[nodiscard]] std::int32_t GetNodeRecord() const { return mNodeRecord; }
+
+    /// @}
+    /// @name Tree
+    /// @{
+
+    [[nodiscard]] VDebugInfoNode* GetParent() const { return mParent; }
+    void SetParent(VDebugInfoNode* parent) { mParent = parent; }
+    /// Number of parents up to the root.
+    [[nodiscard]] std::size_t GetDepth() const;
+
+    /// The children of a node, in order.
+    class ChildRange;
+    [[nodiscard]] ChildRange Children() const;
+    [[nodiscard]] VDebugInfoNode* FirstChild() const;
+    /// The child behind this one among the children of `parent`, null behind the last.
+    [[nodiscard]] VDebugInfoNode* NextSiblingIn(const VDebugInfoNode& parent) const;
+    /// Appends a node that is in no list of children, without touching its parent.
+    void AddChild(VDebugInfoNode* child);
+    /// Takes out all children and gives them as a chain to `TakeNext`.
+    VDebugInfoNode* DetachChildren();
+    /// Cuts the first node off a detached chain; `chain` becomes the rest, null at its end.
+    static VDebugInfoNode* TakeNext(VDebugInfoNode*& chain);
+
+    /// @}
+    /// @name Filling and resolving
+    /// @{
+
+    /// Takes the attributes of the decoded entry. Runs once, right after construction.
+    virtual void InitFromDie(const VDie2& die, VDwarf2Section& section);
+    /// Turns offsets into links. A reference to the node itself is cut.
+    virtual void ResolveReferences(const VDieNodeMap& nodes);
+    /// Finds the byte size of a node without one, from its type where it has one. Always true.
+    bool ResolveByteSize(const VDieNodeMap& nodes);
+    /// Cuts the links of the node if a chain of types or specifications leads from it back to it.
+    /// @return true if a link was cut
+    bool BreakReferenceCycles(ReferenceCycles& cycles);
+    /// Address encodings become signed ones. Always true.
+    bool NormalizeEncoding();
+    /// Byte size, bit offset and encoding in their final form. Always true.
+    virtual bool ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section);
+    /// Turns the bit offset, which counts from the most significant bit of the storage, into one
+    /// that counts from the least significant bit.
+    void ConvertBitOffset();
+
+    /// @}
+    /// @name Names
+    /// @{
+
+    [[nodiscard]] std::string_view GetName() const;
+    /// @param text terminated; has to live as long as the tree
+    void SetName(const char* text);
+    [[nodiscard]] bool HasNameAttribute() const { return mHasNameAttribute; }
+    /// True if the name given to the host was made by the reader.
+    [[nodiscard]] bool HasAnonymousName() const { return mHasAnonymousName; }
+    void SetAnonymousName(bool isAnonymous) { mHasAnonymousName = isAnonymous; }
+    /// The name for the host. `out` stays as it is where the specification should tell the name and
+    /// can't.
+    void GetEntryName(std::string_view& out, VDwarf2Section& section);
+    [[nodiscard]] virtual const char* GetDefaultName() const { return "<unnamed-entry>"; }
+    /// The name, or "<anonymous>" where there is none.
+    [[nodiscard]] std::string_view GetNameOrAnonymous() const;
+    /// The name's text, or null where there is none.
+    [[nodiscard]] const char* GetNameOrNull() const;
+    /// Takes the next number of a lexical block's owner as name.
+    void GetLexicalBlockName(std::string& out);
+    virtual std::uint32_t GetNextLexicalBlockNumber() { return 0; }
+    [[nodiscard]] VAttributeString GetLinkageNameAttribute() const;
+
+    /// @}
+    /// @name Links
+    /// @{
+
+    /// Section offset that the type attribute names, 0 if there is none.
+    [[nodiscard]] std::uint32_t GetTypeReferenceOffset() const { return mTypeReferenceOffset; }
+    /// The type; the definition in place of a declaration that was resolved to one.
+    [[nodiscard]] VDebugInfoNode* GetTypeNode() const;
+    void SetTypeNode(VDebugInfoNode* node) { mTypeNode = node; }
+    [[nodiscard]] VAttributeValue GetSpecificationAttribute() const;
+    /// The entry that this one completes; a definition in place of a resolved declaration.
+    [[nodiscard]] VDebugInfoNode* GetSpecificationNode() const;
+    /// For nodes that have a specification attribute; no others keep the link.
+    void SetSpecificationNode(VDebugInfoNode* node);
+    /// Cuts the link to the specification, and the reference with it.
+    void ClearSpecification();
+    /// Cuts the link to the type, and the reference with it.
+    void ClearType();
+    /// For a declaration: the definition that stands in for it.
+    [[nodiscard]] VDebugInfoNode* GetDeclarationResolved() const;
+    /// For class, structure, union and typedef nodes; no others keep the link.
+    void SetDeclarationResolved(VDebugInfoNode* definition);
+    /// The node that represents all types of this name.
+    [[nodiscard]] VDebugInfoNode* GetCanonicalTypeNode() const;
+    /// For class, structure, union and typedef nodes; no others keep the link.
+    void SetCanonicalTypeNode(VDebugInfoNode* node);
+    /// The base type at the end of the type chain, or null. Pointers and references end the chain.
+    [[nodiscard]] VDebugInfoNode* GetBaseTypeNode();
+    /// The class, structure or union at the end of the type chain, or the chain's last node.
+    [[nodiscard]] VDebugInfoNode* FindStructuredTypeNode();
+    /// True if the type has a name attribute and the name of this node.
+    [[nodiscard]] bool IsTypedefOfSameName() const;
+    virtual VDebugInfoNodeArray* AsArrayNode() { return nullptr; }
+    [[nodiscard]] virtual VDebugInfoNode* GetFirstKindOfCompileUnit() const { return nullptr; }
+    virtual void SetFirstKindOfCompileUnit(VDebugInfoNode* /*node*/) {}
+    virtual void AddInheritance(VDebugInfoNode* /*node*/) {}
+
+    /// @}
+    /// @name Sizes and encoding
+    /// @{
+
+    [[nodiscard]] std::int32_t GetByteSize() const { return mByteSize; }
+    void SetByteSize(std::int32_t byteSize);
+    [[nodiscard]] virtual bool HasByteSize() const { return mHasByteSize; }
+    [[nodiscard]] bool IsByteSizeFromTypeReference() const { return mByteSizeFromTypeReference; }
+    /// The own size if it is positive, else that of the type.
+    /// @param isAddressSize set if the size is that of an address; else left alone
+    [[nodiscard]] std::int32_t GetResolvedByteSize(bool& isAddressSize) const;
+    [[nodiscard]] std::uint32_t GetEncoding() const;
+    [[nodiscard]] bool HasEncoding() const { return mHasEncoding; }
+    /// Base type code of the encoding.
+    [[nodiscard]] BasicType ConvertBaseTypeForSymbolProvider() const;
+    [[nodiscard]] std::uint32_t GetBitOffset() const;
+    [[nodiscard]] std::uint32_t GetBitSize() const;
+    /// For nodes that have extras; no others keep the value.
+    void SetBitOffset(std::uint32_t bitOffset);
+    void SetBitSize(std::uint32_t bitSize);
+    [[nodiscard]] bool IsBitFieldFromLocation() const { return mBitFieldFromLocation; }
+    /// The dimensions as text; one blank for what is no array.
+    [[nodiscard]] virtual std::string GetArrayDimensionText() const { return " "; }
+
+    /// @}
+    /// @name Properties
+    /// @{
+
+    [[nodiscard]] bool IsDeclaration() const { return mIsDeclaration; }
+    [[nodiscard]] bool IsExternal() const { return mIsExternal; }
+    [[nodiscard]] bool HasTemplateParameters() const { return mHasTemplateParameters; }
+    void SetHasTemplateParameters(bool hasThem) { mHasTemplateParameters = hasThem; }
+    [[nodiscard]] VAttributeValue GetAccessibilityAttribute() const;
+    [[nodiscard]] virtual VAttributeValue GetConstValueAttribute() const { return {}; }
+    [[nodiscard]] virtual VAttributeString GetCompUnitDirAttribute() const { return {}; }
+    [[nodiscard]] virtual VAttributeString GetProducer() const { return {}; }
+
+    /// @}
+    /// @name Locations
+    /// @{
+
+    [[nodiscard]] virtual bool IsGlobalVariable() const { return false; }
+    [[nodiscard]] virtual std::uint64_t GetLocationAddress() const { return 0; }
+    virtual void SetLocationAddress(std::uint64_t /*address*/) {}
+    virtual void SetLocationFromSymbolTable(std::uint64_t /*address*/) {}
+    [[nodiscard]] virtual bool HasLocation() const { return false; }
+    [[nodiscard]] virtual bool IsRegisterOrStackLocation() const { return false; }
+    [[nodiscard]] virtual bool IsAddressFromSymbolTable() const { return false; }
+    [[nodiscard]] virtual bool IsRedundantDeclaration() const { return false; }
+    virtual void SetRedundantDeclaration(bool /*isRedundant*/) {}
+    [[nodiscard]] virtual std::uint32_t GetMemberOffset() const { return 0; }
+    virtual void SetMemberOffset(std::uint32_t /*offset*/) {}
+    [[nodiscard]] virtual bool HasMemberOffset() const { return false; }
+
+    /// @}
+    /// @name Delivery
+    /// @{
+
+    /// The host's object of this node, 0 until it is delivered.
+    [[nodiscard]] ObjectId GetEntryObject() const { return mEntryObject; }
+    void SetEntryObject(ObjectId object) { mEntryObject = object; }
+    /// True if the children look up to this node for their scope.
+    [[nodiscard]] virtual bool IsEntryScope() const { return false; }
+    /// The node that is the scope of this one's object, null for the global namespace.
+    [[nodiscard]] VDebugInfoNode* FindScopeNode() const;
+    /// The node's object, delivered now if it wasn't yet; 0 if the node delivers none.
+    ObjectId GetOrCreateEntryObject(VDwarf2Section& section, VCLIFactoryWrapper& factory,
+                                    const char* label);
+    /// Makes the object from what the delivery has at hand: the guard against re-entry, the name
+    /// and the factory call.
+    /// @param id the object, if the result is true
+    /// @param alreadyRegistered true if the object belongs to another node
+    virtual bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
+                                   ObjectId& id, bool& alreadyRegistered);
+    /// Place of the node's innermost delivery in progress, 0 if there is none.
+    [[nodiscard]] std::uint32_t GetEmissionFrame() const { return mEmissionFrame; }
+    void SetEmissionFrame(std::uint32_t frame) { mEmissionFrame = frame; }
+
+    /// True if the host gave no object when it was asked for one; it isn't asked again.
+    [[nodiscard]] bool IsDeliveryRefused() const { return mIsDeliveryRefused; }
+    void SetDeliveryRefused() { mIsDeliveryRefused = true; }
+    /// True for a variable that the host has already from another node.
+    [[nodiscard]] bool IsDropped() const { return mIsDropped; }
+    void SetDropped() { mIsDropped = true; }
+
+    /// @}
+    /// @name Dump for a person
+    /// @{
+
+    /// Writes the lines that tell what the node knows, each behind the indent.
+    virtual void Dump(std::ostream& stream, const std::string& indent) const;
+    /// Writes the node in one line without line end.
+    virtual void DumpSummary(std::ostream& stream) const;
+
+    /// @}
+    /// @name Marks of the search for reference cycles
+    /// @{
+
+    /// How far the search has come with the chain that begins here.
+    enum class WalkState : std::uint8_t { Unseen, Walking, Safe, OnCycle };
+
+    [[nodiscard]] WalkState GetTypeWalkState() const { return mTypeWalkState; }
+    void SetTypeWalkState(WalkState state) { mTypeWalkState = state; }
+    [[nodiscard]] WalkState GetSpecificationWalkState() const { return mSpecificationWalkState; }
+    void SetSpecificationWalkState(WalkState state) { mSpecificationWalkState = state; }
+
+    /// @}
+
+protected:
+    /// What a node starts with when it has no size: asks for the size of its type.
+    enum class SizeSource { Known, Type, None };
+
+    /// Where `ResolveByteSize` takes a missing size from; a source other than the type is used at
+    /// once.
+    virtual SizeSource PrepareByteSize(const VDieNodeMap& nodes);
+    /// Takes the size of the type, which is settled by now.
+    virtual void TakeByteSizeOfType(const VDebugInfoNode& type);
+
+    void StoreName(const char* text) { mName = text; }
+    /// Makes room for what few nodes have.
+    VNodeExtras& MakeExtras(VNodeArena& arena);
+
+private:
+    friend class VDie2;
+
+    void SettleByteSize(const VDieNodeMap& nodes, int nesting);
+    void SettleByteSizeOfChain(const VDieNodeMap& nodes);
+    [[nodiscard]] VDebugInfoNode* FindNumberingOwner() const;
+    static VDebugInfoNode* WithDefinition(VDebugInfoNode* node);
+
+    const char* mName = "";
+    ObjectId mEntryObject = 0;
+    VNodeLink<VDebugInfoNode> mParent;
+    /// The next child of the parent; of the last child the first.
+    VNodeLink<VDebugInfoNode> mNextSibling;
+    VNodeLink<VDebugInfoNode> mLastChild;
+    VNodeLink<VDebugInfoNode> mTypeNode;
+    VNodeLink<VNodeExtras> mExtras;
+    VNodeLink<VCompileUnitHeader> mCompileUnitHeader;
+    dwarf_tag mTag;
+    std::uint32_t mOffset;
+    std::uint32_t mTypeReferenceOffset = 0;
+    std::int32_t mByteSize = 0;
+    std::int32_t mTagRecord = -1;
+    std::int32_t mNodeRecord;
+    std::uint32_t mEmissionFrame = 0;
+    bool mIsDeclaration : 1 = false;
+    bool mIsExternal : 1 = false;
+    bool mHasEncoding : 1 = false;
+    bool mHasByteSize : 1 = false;
+    bool mByteSizeFromTypeReference : 1 = false;
+    bool mHasNameAttribute : 1 = false;
+    bool mHasAnonymousName : 1 = false;
+    bool mHasUncutName : 1 = false;
+    bool mBitFieldFromLocation : 1 = false;
+    bool mHasTemplateParameters : 1 = false;
+    bool mIsDeclarationResolved : 1 = false;
+    bool mIsDeliveryRefused : 1 = false;
+    bool mIsDropped : 1 = false;
+    WalkState mTypeWalkState = WalkState::Unseen;
+    WalkState mSpecificationWalkState = WalkState::Unseen;
+};
+
+/// A view of the children of a node that ends with the next change of the list.
+class VDebugInfoNode::ChildRange {
+public:
+    class Iterator {
+    public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = VDebugInfoNode*;
+        using difference_type = std::ptrdiff_t;
+        using pointer = VDebugInfoNode* const*;
+        using reference = VDebugInfoNode*;
+
+        Iterator() = default;
+        Iterator(const VDebugInfoNode* parent, VDebugInfoNode* child)
+            : mParent(parent)
+            , mChild(child) {}
+
+        VDebugInfoNode* operator*() const { return mChild; }
+        Iterator& operator++() {
+            mChild = mChild->NextSiblingIn(*mParent);
+            return *this;
+        }
+        Iterator operator++(int) {
+            Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator& other) const { return mChild == other.mChild; }
+
+    private:
+        const VDebugInfoNode* mParent = nullptr;
+        VDebugInfoNode* mChild = nullptr;
+    };
+
+    explicit ChildRange(const VDebugInfoNode& parent)
+        : mParent(&parent) {}
+
+    [[nodiscard]] Iterator begin() const { return {mParent, mParent->FirstChild()}; }
+    [[nodiscard]] Iterator end() const { return {mParent, nullptr}; }
+
+private:
+    const VDebugInfoNode* mParent;
+};
+
+inline VDebugInfoNode::ChildRange VDebugInfoNode::Children() const {
+    return ChildRange(*this);
+}
+
+inline VDebugInfoNode* VDebugInfoNode::FirstChild() const {
+    const VDebugInfoNode* last = mLastChild;
+    return last == nullptr ? nullptr : last->mNextSibling.Get();
+}
+
+inline VDebugInfoNode* VDebugInfoNode::NextSiblingIn(const VDebugInfoNode& parent) const {
+    return this == parent.mLastChild.Get() ? nullptr : mNextSibling.Get();
+}
+
+inline VDebugInfoNode* VDebugInfoNode::WithDefinition(VDebugInfoNode* node) {
+    return node != nullptr && node->mIsDeclarationResolved ? node->GetDeclarationResolved() : node;
+}
+
+inline VDebugInfoNode* VDebugInfoNode::GetTypeNode() const {
+    return WithDefinition(mTypeNode);
+}
+
+inline VDebugInfoNode* VDebugInfoNode::GetSpecificationNode() const {
+    const VNodeExtras* extras = mExtras;
+    return extras == nullptr ? nullptr : WithDefinition(extras->mSpecificationNode);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,76 @@
+// Arrays and the subranges that give their dimensions.
+#pragma once
+
+#include "nodes/VDebugInfoNode.h"
+
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// One dimension of an array, as a child of the array node.
+class VDebugInfoNodeSubrange final : public VDebugInfoNode {
+public:
+    VDebugInfoNodeSubrange(std::uint32_t sectionOffset, VCompileUnitHeader* header,
+                           VDebugInfoNode* parent)
+        : VDebugInfoNode(DW_TAG_subrange_type, sectionOffset, header, parent) {}
+
+    void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
+    void Dump(std::ostream& stream, const std::string& indent) const override;
+    void ResolveReferences(const VDieNodeMap& nodes) override;
+
+    [[nodiscard]] const VAttributeValue& GetLowerBound() const { return mLowerBound; }
+    [[nodiscard]] const VAttributeValue& GetUpperBound() const { return mUpperBound; }
+    [[nodiscard]] const VAttributeValue& GetCount() const { return mCount; }
+    [[nodiscard]] VDebugInfoNode* GetLowerBoundNode() const { return mLowerBoundNode; }
+    [[nodiscard]] VDebugInfoNode* GetUpperBoundNode() const { return mUpperBoundNode; }
+    [[nodiscard]] VDebugInfoNode* GetCountNode() const { return mCountNode; }
+
+    /// Works out the number of elements from the bounds, which may be variables in memory.
+    void ResolveDimension(const VDieNodeMap& nodes);
+    /// Number of elements; 0 if the bounds give none.
+    [[nodiscard]] std::uint32_t GetDimension() const { return mDimension; }
+
+private:
+    VAttributeValue mCount;
+    VAttributeValue mLowerBound;
+    VAttributeValue mUpperBound;
+    VNodeLink<VDebugInfoNode> mCountNode;
+    VNodeLink<VDebugInfoNode> mLowerBoundNode;
+    VNodeLink<VDebugInfoNode> mUpperBoundNode;
+    std::uint32_t mDimension = 0;
+};
+
+/// An array. Its dimensions are those of its subranges, outermost first.
+class VDebugInfoNodeArray final : public VDebugInfoNode {
+public:
+    VDebugInfoNodeArray(std::uint32_t sectionOffset, VCompileUnitHeader* header,
+                        VDebugInfoNode* parent)
+        : VDebugInfoNode(DW_TAG_array_type, sectionOffset, header, parent) {}
+
+    bool ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section) override;
+    VDebugInfoNodeArray* AsArrayNode() override { return this; }
+    bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs, ObjectId& id,
+                           bool& alreadyRegistered) override;
+    /// Each dimension as "[n]".
+    [[nodiscard]] std::string GetArrayDimensionText() const override;
+
+    /// Settles the dimensions, once.
+    void ResolveArrayDimensions(const VDieNodeMap& nodes);
+    /// The dimensions; none before they are settled, and never none afterwards: an array without
+    /// usable bounds has the single dimension 0.
+    [[nodiscard]] std::vector<std::uint32_t> GetDimensions() const;
+    /// Product of the dimensions in 32 bits; 0 before they are settled.
+    [[nodiscard]] std::uint32_t GetTotalElementCount() const;
+
+protected:
+    SizeSource PrepareByteSize(const VDieNodeMap& nodes) override;
+    void TakeByteSizeOfType(const VDebugInfoNode& type) override;
+
+private:
+    template <typename Visitor>
+    void ForEachDimension(Visitor&& visit) const;
+
+    bool mHasDimensions = false;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,21 @@
+#include "nodes/VDebugInfoNodeStructures.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+VDebugInfoNode* VDebugInfoNodeStructuresBase::FirstInheritance() const {
+    return mHasInheritances ? InheritanceFrom(FirstChild()) : nullptr;
+}
+
+VDebugInfoNode*
+VDebugInfoNodeStructuresBase::NextInheritance(const VDebugInfoNode& inheritance) const {
+    return InheritanceFrom(inheritance.NextSiblingIn(*this));
+}
+
+VDebugInfoNode* VDebugInfoNodeStructuresBase::InheritanceFrom(VDebugInfoNode* child) const {
+    while (child != nullptr && child->GetTag() != DW_TAG_inheritance) {
+        child = child->NextSiblingIn(*this);
+    }
+    return child;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,66 @@
+#include "nodes/VNodeArena.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::size_t sTextChunkSize = std::size_t{256} * 1024;
+
+} // namespace
+
+VNodeArena::~VNodeArena() {
+    for (const std::uint32_t number : mChunkNumbers) {
+        ::operator delete (std::exchange(sChunks[number], nullptr), std::align_val_t{kChunkSize});
+    }
+}
+
+void VNodeArena::AddChunk() {
+    const auto* const unused = std::ranges::find(sChunks, nullptr);
+    if (unused == sChunks.end()) {
+        throw std::bad_alloc();
+    }
+    const auto number = static_cast<std::uint32_t>(unused - sChunks.begin());
+    const auto release = [](void* chunk) {
+        ::operator delete (chunk, std::align_val_t{kChunkSize});
+    };
+    std::unique_ptr<void, decltype(release)> memory(
+        ::operator new (kChunkSize, std::align_val_t{kChunkSize}), release);
+    mChunkNumbers.push_back(number);
+    auto* chunk = static_cast<std::byte*>(memory.release());
+    sChunks[number] = chunk;
+    new (chunk) ChunkHeader{number};
+    mNext = chunk + sizeof(ChunkHeader);
+    mEnd = chunk + kChunkSize;
+}
+
+const char* VNodeArena::KeepText(std::string_view text) {
+    char* copy = AllocateText(text.size() + 1);
+    text.copy(copy, text.size());
+    copy[text.size()] = '\0';
+    return copy;
+}
+
+const std::uint32_t* VNodeArena::KeepNumbers(const std::uint32_t* numbers, std::size_t count) {
+    auto* copy = static_cast<std::uint32_t*>(
+        count * sizeof *numbers <= kChunkSize / 2
+            ? Allocate(count * sizeof *numbers)
+            : static_cast<void*>(AllocateText(count * sizeof *numbers)));
+    std::copy_n(numbers, count, copy);
+    return copy;
+}
+
+char* VNodeArena::AllocateText(std::size_t size) {
+    if (size > sTextChunkSize / 4) {
+        return mTextChunks.emplace_back(std::make_unique<char[]>(size)).get();
+    }
+    if (static_cast<std::size_t>(mTextEnd - mNextText) < size) {
+        mNextText = mTextChunks.emplace_back(new char[sTextChunkSize]).get();
+        mTextEnd = mNextText + sTextChunkSize;
+    }
+    return std::exchange(mNextText, mNextText + size);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,593 @@
+// Whole reads of images with debug information, as the host sees them: which calls reach the data
+// model, in which order, and what stands in the model afterwards.
+#include "core/ModuleInfo.h"
+#include "core/VElfOptions.h"
+#include "host/CurrentDataModel.h"
+#include "host/VDWARFReader.h"
+#include "model/RecordingDataModel.h"
+#include "support/DwarfSections.h"
+#include "support/ElfImage.h"
+#include "support/ReadRun.h"
+#include "support/ScopedReaderState.h"
+#include "support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <regex>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+/// A call without the names of its arguments and without the fixed ones at its end.
+std::string Brief(const std::string& call) {
+    static const std::regex sNames(R"(([(,] ?)[A-Za-z]+=)");
+    static const std::regex sFixed(R"((, true)?, 0, false\))");
+    return std::regex_replace(std::regex_replace(call, sNames, "$1"), sFixed, ")");
+}
+
+bool IsOfUnknownTypes(const std::string& call) {
+    return call.starts_with("GetUnknown") || call.starts_with("CreateUnknown");
+}
+
+/// The calls that the debug information makes, behind those for the unknown types and before those
+/// for the symbol table.
+std::vector<std::string> Delivered(const std::vector<std::string>& calls) {
+    std::vector<std::string> delivered;
+    // The global namespace and two calls for each of the five unknown types come first.
+    for (std::size_t index = 11; index < calls.size(); ++index) {
+        if (calls[index].find("_Symbol_Table_BKR_") != std::string::npos) {
+            delivered.pop_back();
+            break;
+        }
+        delivered.push_back(Brief(calls[index]));
+    }
+    return delivered;
+}
+
+class DeliveryTest : public testing::Test {
+protected:
+    static ReadRun Read(const DwarfSections& sections, bool allTypes = false) {
+        // A function makes a symbol table of which nothing is delivered.
+        const std::string image =
+            (ElfImage().Symbol({"main", 0x8000, 4, sFunction}) + sections).Build();
+        ReadRun run = allTypes ? ReadAllTypes(image) : ReadImage(image);
+        EXPECT_TRUE(run.result);
+        EXPECT_EQ(run.standardOutput, "");
+        return run;
+    }
+
+    static std::vector<std::string> CallsOf(const DwarfSections& sections, bool allTypes = false) {
+        return Delivered(Read(sections, allTypes).calls);
+    }
+
+    static ReadRun ReadAllTypes(const std::string& image) {
+        const TemporaryFolder folder;
+        ReadRun run;
+        run.model = std::make_unique<DataModel::DataModel>();
+        DataModel::RecordingDataModel recorder(*run.model);
+        const DataModel::Factory::CurrentDataModel current(recorder);
+        VDWARFReader reader;
+        reader.ReadAllTypes(true);
+        run.result =
+            reader.Read(folder.Write("image.elf", image), DWARFContainerType::Container_ELF);
+        for (const DataModel::RecordedCall& call : recorder.Calls()) {
+            run.calls.push_back(call.Text());
+        }
+        return run;
+    }
+
+    /// A unit named "a.c" with these entries.
+    static std::vector<Die> Unit(std::vector<Die> entries) {
+        return {Die(DW_TAG_compile_unit, {Name("a.c")}, std::move(entries))};
+    }
+
+    static Die IntType(DieLabel label) {
+        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
+    }
+
+    static Die Variable(const std::string& name, DieLabel type, std::uint64_t address) {
+        return Die(DW_TAG_variable, {Name(name), Type(type), External(), Address(address)});
+    }
+
+    static Die Member(const std::string& name, DieLabel type, std::uint64_t offset) {
+        return Die(DW_TAG_member, {Name(name), Type(type), MemberOffset(offset)});
+    }
+
+    ScopedReaderState mState;
+};
+
+TEST_F(DeliveryTest, UnknownTypesComeFirstAndTheSymbolTableLast) {
+    const DieLabel number;
+    const ReadRun run =
+        ReadImage((ElfImage().Symbol({"seen", 0x1000, 4}).Symbol({"symbolOnly", 0x2000, 2}) +
+                   DwarfSections().Unit(Unit({IntType(number), Variable("seen", number, 0x1000)})))
+                      .Build());
+    EXPECT_TRUE(run.result);
+    EXPECT_EQ(run.calls.front(), "GetGlobalNamespace() -> 1");
+    EXPECT_TRUE(std::all_of(run.calls.begin() + 1, run.calls.begin() + 11, IsOfUnknownTypes));
+    EXPECT_THAT(run.Variables(), ElementsAre("seen@1000:4", "symbolOnly@2000:2"));
+}
+
+TEST_F(DeliveryTest, AStructureThatRefersToItselfIsDeliveredDepthFirst) {
+    const DieLabel structure;
+    const DieLabel pointer;
+    const DieLabel number;
+    EXPECT_THAT(
+        CallsOf(DwarfSections().Unit(Unit({
+            Variable("v", structure, 0x1000),
+            Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(8)},
+                {Member("next", pointer, 0), Member("a", number, 4)}),
+            Die(pointer, DW_TAG_pointer_type, {Type(structure)}),
+            IntType(number),
+            Variable("w", structure, 0x1008),
+        }))),
+        ElementsAre(
+            R"(CreateCompileUnit("a_c") -> 7)",
+            R"(CreateClassEntryType("s", 8, 7, [], false, true) -> 8)",
+            "CreatePointerEntryType(8, 4, 7) -> 9", R"(CreateMemberData("next", 9, 8, 0) -> 10)",
+            "CreateBaseEntryType(4, 4, 7) -> 11", R"(CreateMemberData("a", 11, 8, 4) -> 12)",
+            "GetGlobalNamespace() -> 1", R"(GetGlobalData("v", 1) -> 0)",
+            R"(CreateGlobalData("v", 8, 4096, 1) -> 13)", "GetGlobalNamespace() -> 1",
+            R"(GetGlobalData("w", 1) -> 0)", R"(CreateGlobalData("w", 8, 4104, 1) -> 14)"));
+}
+
+TEST_F(DeliveryTest, ANestedClassIsDeliveredOnceByItsParent) {
+    const DieLabel nested;
+    const DieLabel number;
+    EXPECT_THAT(CallsOf(DwarfSections().Unit(Unit({
+                    Variable("v", nested, 0x1000),
+                    Die(DW_TAG_class_type, {Name("Outer"), ByteSize(4)},
+                        {
+                            Member("m", number, 0),
+                            Die(nested, DW_TAG_class_type, {Name("Inner"), ByteSize(4)},
+                                {Member("i", number, 0)}),
+                        }),
+                    IntType(number),
+                }))),
+                ElementsAre(R"(CreateCompileUnit("a_c") -> 7)",
+                            R"(CreateClassEntryType("Outer", 4, 7, [], false, false) -> 8)",
+                            "CreateBaseEntryType(4, 4, 7) -> 9",
+                            R"(CreateMemberData("m", 9, 8, 0) -> 10)",
+                            R"(CreateClassEntryType("Inner", 4, 8, [], false, false) -> 11)",
+                            R"(CreateMemberData("i", 9, 11, 0) -> 12)", "GetGlobalNamespace() -> 1",
+                            R"(GetGlobalData("v", 1) -> 0)",
+                            R"(CreateGlobalData("v", 11, 4096, 1) -> 13)"));
+}
+
+TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
+    const DieLabel voidPointer;
+    const DieLabel constVoid;
+    const DieLabel constVoidPointer;
+    const DieLabel number;
+    const DieLabel constNumber;
+    const DieLabel volatileNumber;
+    const DieLabel oddSize;
+    const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit({
+        Die(voidPointer, DW_TAG_pointer_type),
+        Die(constVoid, DW_TAG_const_type),
+        Die(constVoidPointer, DW_TAG_pointer_type, {Type(constVoid)}),
+        IntType(number),
+        Die(constNumber, DW_TAG_const_type, {Type(volatileNumber)}),
+        Die(volatileNumber, DW_TAG_volatile_type, {Type(number)}),
+        Die(oddSize, DW_TAG_const_type, {ByteSize(3)}),
+        Variable("p", voidPointer, 0x1000),
+        Variable("q", constVoidPointer, 0x1004),
+        Variable("c", constNumber, 0x1008),
+        Variable("o", oddSize, 0x100C),
+    })));
+    EXPECT_THAT(calls, Contains("GetBaseEntryType(1, 1) -> 0"));
+    EXPECT_THAT(calls, Contains("CreateBaseEntryType(1, 0, 1) -> 8"));
+    EXPECT_THAT(calls, Contains("CreatePointerEntryType(8, 4, 7) -> 9"));
+    EXPECT_THAT(calls, Contains("CreatePointerEntryType(2, 4, 7) -> 11"));
+    EXPECT_THAT(calls, Contains(R"(CreateGlobalData("c", 13, 4104, 1) -> 14)"));
+    EXPECT_THAT(calls, Contains("CreateUnknownEntryType(3, 1) -> 15"));
+}
+
+TEST_F(DeliveryTest, ATypedefOfTheSameNameIsItsType) {
+    const DieLabel structure;
+    const DieLabel sameName;
+    const DieLabel otherName;
+    const ReadRun run = Read(DwarfSections().Unit(Unit({
+        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(4)}),
+        Die(sameName, DW_TAG_typedef, {Name("s"), Type(structure)}),
+        Die(otherName, DW_TAG_typedef, {Name("t"), Type(sameName)}),
+        Variable("v", otherName, 0x1000),
+        Variable("w", sameName, 0x1004),
+    })));
+    EXPECT_THAT(Delivered(run.calls), Contains(R"(CreateTypedefEntryType("t", 8, 7) -> 9)"));
+    EXPECT_THAT(Delivered(run.calls), Contains(R"(CreateGlobalData("w", 8, 4100, 1) -> 11)"));
+}
+
+TEST_F(DeliveryTest, ScopesOfStaticVariables) {
+    const DieLabel number;
+    const auto local = [&](const std::string& name, std::uint64_t address) {
+        return Die(DW_TAG_variable, {Name(name), Type(number), Address(address)});
+    };
+    const ReadRun run = Read(DwarfSections().Unit(Unit({
+        IntType(number),
+        local("inFile", 0x1000),
+        Die(DW_TAG_namespace, {Name("n")}, {Variable("inNamespace", number, 0x1004)}),
+        Die(DW_TAG_subprogram, {Name("f"), Type(number)},
+            {
+                local("inFunction", 0x1008),
+                Die(DW_TAG_lexical_block, {},
+                    {
+                        local("inOuterBlock", 0x100C),
+                        Die(DW_TAG_lexical_block, {}, {local("inBlock", 0x1010)}),
+                        Die(DW_TAG_lexical_block, {}, {local("inSecondBlock", 0x1014)}),
+                    }),
+                Die(DW_TAG_variable,
+                    {Name("onStack"), Type(number), Location({{DW_OP_fbreg, {-4}}})}),
+            }),
+    })));
+    std::vector<std::string> names;
+    run.model->ForEach(DataModel::ObjectKind::Global, [&](const DataModel::ModelObject& variable) {
+        names.push_back(run.model->QualifiedName(variable.id));
+    });
+    EXPECT_THAT(names, ElementsAre("inFile", "n::inNamespace", "f::inFunction", "f::inOuterBlock",
+                                   "f::1::inBlock", "f::2::inSecondBlock"));
+    EXPECT_THAT(Delivered(run.calls), Contains("CreateFunctionType(8, [], 7) -> 12"));
+    EXPECT_THAT(Delivered(run.calls), Contains(R"(CreateFunction("f", 12, 7, 7, false) -> 13)"));
+}
+
+TEST_F(DeliveryTest, VariablesOfOneNameGetNumbersAndOneAddressStandsOnce) {
+    const DieLabel number;
+    std::vector<Die> entries{IntType(number)};
+    for (const std::uint64_t address : {0x1000U, 0x1004U, 0x1008U, 0x1004U}) {
+        entries.push_back(Variable("x", number, address));
+    }
+    const ReadRun run = Read(DwarfSections().Unit(Unit(entries)));
+    EXPECT_THAT(run.Variables(), ElementsAre("x@1000:4", "x.2@1004:4", "x.3@1008:4"));
+
+    // The redundancy of the two at 0x2000 isn't seen, since one has its name from its declaration's
+    // linkage name; the host is asked whether it has the address under the name.
+    const DieLabel declaration;
+    const ReadRun byLinkageName = Read(DwarfSections().Unit(Unit({
+        IntType(number),
+        Variable("y", number, 0x2000),
+        Die(declaration, DW_TAG_variable, {Name("y"), Type(number), External(), Declaration()}),
+        Die(DW_TAG_variable, {Name(""), Specification(declaration), External(), Address(0x2000)}),
+    })));
+    EXPECT_THAT(byLinkageName.Variables(), ElementsAre("y@2000:4"));
+}
+
+TEST_F(DeliveryTest, ManyVariablesOfOneNameKeepTheirNumbersAndAddresses) {
+    constexpr std::uint64_t sCount = 1000;
+    const DieLabel number;
+    std::vector<Die> entries{IntType(number)};
+    for (std::uint64_t index = 0; index < sCount; ++index) {
+        entries.push_back(Variable("x", number, 0x1000 + 4 * index));
+    }
+    const std::vector<std::string> variables =
+        Read(DwarfSections().Unit(Unit(entries))).Variables();
+    ASSERT_EQ(variables.size(), sCount);
+    EXPECT_EQ(variables[499], "x.500@17cc:4");
+    EXPECT_EQ(variables[999], "x.1000@1f9c:4");
+}
+
+TEST_F(DeliveryTest, WhichVariablesAreDelivered) {
+    const DieLabel number;
+    const DieLabel declaration;
+    const ReadRun run = Read(DwarfSections().Unit(Unit({
+        IntType(number),
+        Die(DW_TAG_variable, {Name("externAtNull"), Type(number), External(), Address(0)}),
+        Die(DW_TAG_variable, {Name("staticAtNull"), Type(number), Address(0)}),
+        Die(DW_TAG_variable, {Name("inRegister"), Type(number), Location({{DW_OP_reg0}})}),
+        Die(DW_TAG_variable, {Name("optimisedAway"), Type(number), Location({})}),
+        Die(DW_TAG_variable, {Name("noLocation"), Type(number)}),
+        Die(declaration, DW_TAG_variable,
+            {Name("declared"), Type(number), External(), Declaration()}),
+        Die(DW_TAG_variable, {Specification(declaration), Address(0x1000)}),
+        Die(DW_TAG_variable, {Type(number), Address(0x1004)}),
+    })));
+    EXPECT_THAT(run.Variables(), ElementsAre("staticAtNull@0:4", "declared@1000:4"));
+}
+
+TEST_F(DeliveryTest, AddressesAreTakenRelativeToTheModule) {
+    ModuleInfo::mModuleOffset = 0x800;
+    const DieLabel number;
+    const ReadRun run =
+        Read(DwarfSections().Unit(Unit({IntType(number), Variable("v", number, 0x1000)})));
+    EXPECT_THAT(run.Variables(), ElementsAre("v@800:4"));
+}
+
+TEST_F(DeliveryTest, MembersBitFieldsAndWhatIsHoisted) {
+    const DieLabel structure;
+    const DieLabel anonymousUnion;
+    const DieLabel number;
+    const DieLabel flags;
+    const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit({
+        IntType(number),
+        Die(flags, DW_TAG_union_type, {Name("u"), ByteSize(4)},
+            {Die(DW_TAG_member, {Name("low"), Type(number), BitSize(3), BitOffset(29)})}),
+        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(16)},
+            {
+                Die(DW_TAG_member,
+                    {Name("bits"), Type(number), BitSize(3), BitOffset(2), MemberOffset(0)}),
+                Die(anonymousUnion, DW_TAG_union_type, {ByteSize(4)},
+                    {Member("first", number, 0), Member("second", number, 0)}),
+                Die(DW_TAG_member, {Type(anonymousUnion), MemberOffset(4)}),
+                Die(DW_TAG_member, {Name("shared"), Type(number), External(), Declaration()}),
+                Member("f", flags, 8),
+            }),
+        Variable("v", structure, 0x1000),
+    })));
+    EXPECT_THAT(calls, ElementsAre(R"(CreateCompileUnit("a_c") -> 7)",
+                                   R"(CreateClassEntryType("s", 16, 7, [], false, true) -> 8)",
+                                   "CreateBaseEntryType(4, 4, 7) -> 9",
+                                   R"(CreateBitfieldInUdt("bits", 9, 8, 0, 27, 3) -> 10)",
+                                   R"(CreateUnionEntryType("u", 4, 7, false) -> 11)",
+                                   R"(CreateUnionMemberData("low", 9, 11, 0) -> 12)",
+                                   R"(CreateMemberData("f", 11, 8, 8) -> 13)",
+                                   R"(CreateMemberData("first", 9, 8, 4) -> 14)",
+                                   R"(CreateMemberData("second", 9, 8, 4) -> 15)",
+                                   "GetGlobalNamespace() -> 1", R"(GetGlobalData("v", 1) -> 0)",
+                                   R"(CreateGlobalData("v", 8, 4096, 1) -> 16)"));
+}
+
+TEST_F(DeliveryTest, ArraysEnumerationsAndFunctionTypes) {
+    const DieLabel number;
+    const DieLabel array;
+    const DieLabel enumeration;
+    const DieLabel function;
+    const DieLabel functionPointer;
+    const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit({
+        IntType(number),
+        Die(array, DW_TAG_array_type, {Type(number)},
+            {Die(DW_TAG_subrange_type, {UpperBound(2)}),
+             Die(DW_TAG_subrange_type, {LowerBound(1), UpperBound(3)})}),
+        Die(enumeration, DW_TAG_enumeration_type, {Name("e"), ByteSize(1)},
+            {Die(DW_TAG_enumerator, {Name("minus"), ConstValue(-1)}),
+             Die(DW_TAG_enumerator, {ConstValue(1)})}),
+        Die(function, DW_TAG_subroutine_type, {},
+            {Die(DW_TAG_formal_parameter, {Type(number)}),
+             Die(DW_TAG_formal_parameter, {Type(functionPointer)}),
+             Die(DW_TAG_unspecified_parameters)}),
+        Die(functionPointer, DW_TAG_pointer_type, {Type(function)}),
+        Variable("a", array, 0x1000),
+        Variable("e", enumeration, 0x1010),
+        Variable("f", function, 0x1014),
+    })));
+    EXPECT_THAT(calls, Contains("CreateArrayEntryType([3, 3], 8, 36, 7) -> 9"));
+    EXPECT_THAT(calls, Contains(R"(CreateEnumTable("e", 3, 7, false) -> 11)"));
+    EXPECT_THAT(calls, Contains(R"(AddEnumDescriptionToEnumTable(11, -1, "minus") -> true)"));
+    EXPECT_THAT(calls, Not(Contains(testing::HasSubstr("(11, 1, "))));
+    // The pointer among the parameters leads back to the function type, which is not there yet.
+    EXPECT_THAT(calls, Contains(testing::StartsWith("CreateFunctionType(2, [8, ")));
+}
+
+TEST_F(DeliveryTest, BaseClassesAreLinkedAtTheirOffsets) {
+    const DieLabel base;
+    const DieLabel alias;
+    const DieLabel derived;
+    const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit({
+        Die(base, DW_TAG_class_type, {Name("Base"), ByteSize(4)}),
+        Die(alias, DW_TAG_typedef, {Name("Alias"), Type(base)}),
+        Die(derived, DW_TAG_class_type, {Name("Derived"), ByteSize(8)},
+            {Die(DW_TAG_inheritance, {Type(alias), MemberOffset(4)}), Die(DW_TAG_inheritance)}),
+        Variable("v", derived, 0x1000),
+    })));
+    EXPECT_THAT(calls, Contains("AddBaseClass(8, 9, 4) -> true"));
+}
+
+TEST_F(DeliveryTest, AFunctionWhoseReturnTypeLiesInItselfIsDeliveredOnce) {
+    const DieLabel number;
+    const DieLabel local;
+    const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit({
+        IntType(number),
+        Die(DW_TAG_subprogram, {Name("make"), Type(local)},
+            {
+                Die(local, DW_TAG_structure_type, {Name("Local"), ByteSize(4)},
+                    {Member("m", number, 0)}),
+                Die(DW_TAG_variable, {Name("kept"), Type(local), Address(0x1000)}),
+            }),
+    })));
+    EXPECT_EQ(std::ranges::count_if(
+                  calls, [](const auto& call) { return call.starts_with("CreateFunction("); }),
+              1);
+    EXPECT_EQ(
+        std::ranges::count_if(
+            calls, [](const auto& call) { return call.starts_with("CreateClassEntryType("); }),
+        1);
+}
+
+TEST_F(DeliveryTest, UnitsOfOneKindShareAnObjectAndDeclarationsFindTheirDefinition) {
+    const DieLabel number;
+    const DieLabel declaration;
+    const DieLabel definition;
+    const ReadRun run = Read(
+        DwarfSections()
+            .Unit({Die(DW_TAG_compile_unit, {Name("x/a.c"), CompDir("/d")},
+                       {Die(declaration, DW_TAG_structure_type, {Name("s"), Declaration()}),
+                        Variable("v", declaration, 0x1000)})})
+            .Unit({Die(DW_TAG_compile_unit, {Name("y/a.c"), CompDir("/d")},
+                       {IntType(number), Die(definition, DW_TAG_structure_type,
+                                             {Name("s"), ByteSize(4)}, {Member("m", number, 0)})})})
+            .Unit({Die(DW_TAG_compile_unit, {Name("a.c"), CompDir("/other")},
+                       {Die(DW_TAG_variable,
+                            {Name("w"), Type(definition, DW_FORM_ref_addr), Address(0x1004)})})}));
+    const std::vector<std::string> calls = Delivered(run.calls);
+    EXPECT_THAT(calls, Contains(R"(CreateCompileUnit("a_c") -> 7)"));
+    EXPECT_EQ(std::ranges::count_if(
+                  calls, [](const auto& call) { return call.starts_with("CreateCompileUnit"); }),
+              2);
+    EXPECT_EQ(run.model->ResolvePath("v.m").place.address, 0x1000U);
+    EXPECT_EQ(run.model->ResolvePath("w.m").place.address, 0x1004U);
+}
+
+TEST_F(DeliveryTest, AllTypesAreDeliveredOnRequestAndOnceForEachGroup) {
+    const DieLabel number;
+    const auto structure = [&](std::uint64_t size) {
+        return Die(DW_TAG_structure_type, {Name("s"), ByteSize(size)});
+    };
+    const DwarfSections sections =
+        DwarfSections()
+            .Unit(Unit({IntType(number), structure(8), Die(DW_TAG_structure_type, {ByteSize(1)}),
+                        Die(DW_TAG_union_type, {Name("declared"), Declaration()})}))
+            .Unit({Die(DW_TAG_compile_unit, {Name("b.c")},
+                       {structure(12), Die(DW_TAG_enumeration_type, {Name("e"), ByteSize(4)})})});
+    EXPECT_THAT(CallsOf(sections), IsEmpty());
+    EXPECT_THAT(CallsOf(sections, true),
+                ElementsAre(R"(CreateCompileUnit("b_c") -> 7)",
+                            R"(CreateClassEntryType("s", 12, 7, [], false, true) -> 8)",
+                            R"(CreateEnumTable("e", 5, 7, false) -> 9)"));
+}
+
+TEST_F(DeliveryTest, WithoutADataModelTheReadEnds) {
+    const DieLabel structure;
+    const DieLabel pointer;
+    const TemporaryFolder folder;
+    const std::string path = folder.Write(
+        "image.elf", (ElfImage().Symbol({"main", 0x8000, 4, sFunction}) +
+                      DwarfSections().Unit(Unit({
+                          Variable("v", structure, 0x1000),
+                          Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(8)},
+                              {Member("next", pointer, 0), Member("other", structure, 0)}),
+                          Die(pointer, DW_TAG_pointer_type, {Type(structure)}),
+                      })))
+                         .Build());
+    VDWARFReader reader;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(reader.Read(path, DWARFContainerType::Container_ELF));
+    EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("Object ID = 0 ("));
+}
+
+/// Trees that no compiler writes. The reads must end, soon and with a stack of normal size.
+class HostileTreeTest : public DeliveryTest {
+protected:
+    static constexpr std::size_t kMany = 30'000;
+};
+
+TEST_F(HostileTreeTest, LongChainsOfTypes) {
+    for (const dwarf_tag tag : {DW_TAG_pointer_type, DW_TAG_const_type, DW_TAG_typedef}) {
+        std::vector<DieLabel> labels(kMany);
+        std::vector<Die> entries;
+        for (std::size_t index = 0; index < kMany; ++index) {
+            std::vector<DieAttribute> attributes{Name(std::to_string(index))};
+            if (index + 1 < kMany) {
+                attributes.push_back(Type(labels[index + 1]));
+            }
+            entries.emplace_back(labels[index], tag, attributes);
+        }
+        for (std::size_t index = 0; index < kMany; index += 100) {
+            entries.push_back(Variable("v" + std::to_string(index), labels[index], 0x1000 + index));
+        }
+        EXPECT_EQ(Read(DwarfSections().Unit(Unit(entries))).Variables().size(), kMany / 100);
+    }
+}
+
+TEST_F(HostileTreeTest, LongChainsOfMembersAndScopes) {
+    std::vector<DieLabel> labels(kMany);
+    std::vector<Die> entries;
+    for (std::size_t index = 0; index < kMany; ++index) {
+        std::vector<Die> members;
+        if (index + 1 < kMany) {
+            members.push_back(Member("next", labels[index + 1], 0));
+        }
+        entries.emplace_back(labels[index], DW_TAG_structure_type,
+                             std::vector{Name("s" + std::to_string(index)), ByteSize(4)}, members);
+    }
+    entries.push_back(Variable("v", labels[0], 0x1000));
+    EXPECT_EQ(Read(DwarfSections().Unit(Unit(entries))).Variables().size(), 1U);
+
+    // Namespaces without end, with a variable at the bottom.
+    DwarfSections sections;
+    const std::uint64_t table = sections.RawAbbreviations(
+        Uleb128(1) + Uleb128(DW_TAG_namespace) + '\1' + std::string(2, '\0') + Uleb128(2) +
+        Uleb128(DW_TAG_variable) + '\0' + Uleb128(DW_AT_name) + Uleb128(DW_FORM_string) +
+        Uleb128(DW_AT_location) + Uleb128(DW_FORM_block1) + std::string(3, '\0'));
+    const std::string variable = std::string("\2v\0\5\3\0\x10\0\0", 9);
+    DwarfUnit unit;
+    unit.entries = {Die::Raw(std::string(kMany, '\1') + variable)};
+    unit.abbreviationOffset = table;
+    sections.Unit(unit);
+    EXPECT_EQ(Read(sections).Variables().size(), 1U);
+}
+
+TEST_F(HostileTreeTest, CyclesOfAllKinds) {
+    const DieLabel first;
+    const DieLabel second;
+    const DieLabel third;
+    const DieLabel ownScope;
+    const DieLabel inner;
+    const DieLabel base;
+    const DieLabel derived;
+    const DieLabel function;
+    const DieLabel functionPointer;
+    const ReadRun run = Read(DwarfSections().Unit(Unit({
+        // A chain into a cycle that doesn't contain its beginning.
+        Die(first, DW_TAG_const_type, {Type(second)}),
+        Die(second, DW_TAG_typedef, {Name("t"), Type(third)}),
+        Die(third, DW_TAG_volatile_type, {Type(second)}),
+        Variable("a", first, 0x1000),
+        // A class whose specification lies in itself.
+        Die(ownScope, DW_TAG_class_type, {Name("c"), ByteSize(4), Specification(inner)},
+            {Die(inner, DW_TAG_class_type, {Name("i"), ByteSize(4), Specification(ownScope)})}),
+        Variable("b", ownScope, 0x1004),
+        // Two classes that inherit from each other.
+        Die(base, DW_TAG_class_type, {Name("base"), ByteSize(4)},
+            {Die(DW_TAG_inheritance, {Type(derived)})}),
+        Die(derived, DW_TAG_class_type, {Name("derived"), ByteSize(4)},
+            {Die(DW_TAG_inheritance, {Type(base)}), Member("self", derived, 0)}),
+        Variable("c", base, 0x1008),
+        // A function type that takes itself.
+        Die(function, DW_TAG_subroutine_type, {Type(functionPointer)},
+            {Die(DW_TAG_formal_parameter, {Type(functionPointer)}),
+             Die(DW_TAG_formal_parameter, {Type(function)})}),
+        Die(functionPointer, DW_TAG_pointer_type, {Type(function)}),
+        Variable("d", function, 0x100C),
+    })));
+    EXPECT_EQ(run.Variables().size(), 4U);
+}
+
+TEST_F(HostileTreeTest, TemplateArgumentsThatNameTheirOwnTemplate) {
+    const DieLabel self;
+    const DieLabel other;
+    std::vector<Die> arguments;
+    for (int index = 0; index < 50; ++index) {
+        arguments.emplace_back(DW_TAG_template_type_param,
+                               std::vector{Name("T"), Type(index % 2 == 0 ? self : other)});
+    }
+    const ReadRun run = Read(DwarfSections().Unit(Unit({
+        Die(self, DW_TAG_class_type, {Name("t"), ByteSize(4)}, arguments),
+        Die(other, DW_TAG_class_type, {Name("u"), ByteSize(4)}, arguments),
+        Variable("v", self, 0x1000),
+    })));
+    const DataModel::ModelObject type = run.model->Object(run.model->ResolvePath("v").place.type);
+    EXPECT_LT(type.name.size(), 100'000U);
+    EXPECT_TRUE(type.name.starts_with("t<t<t<"));
+}
+
+TEST_F(HostileTreeTest, ManyVariablesOfOneName) {
+    const DieLabel number;
+    std::vector<Die> entries{IntType(number)};
+    for (std::size_t index = 0; index < kMany; ++index) {
+        entries.push_back(Variable("x", number, 0x1000 + index));
+    }
+    EXPECT_EQ(Read(DwarfSections().Unit(Unit(entries))).Variables().back(), "x.30000@852f:4");
+}
+
+TEST_F(HostileTreeTest, ArraysOfHugeDimensions) {
+    const DieLabel number;
+    const DieLabel array;
+    const ReadRun run = Read(DwarfSections().Unit(Unit({
+        IntType(number),
+        Die(array, DW_TAG_array_type, {Type(number)},
+            {Die(DW_TAG_subrange_type, {UpperBound(0x7FFFFFFE)}),
+             Die(DW_TAG_subrange_type, {UpperBound(0x7FFFFFFF)}),
+             Die(DW_TAG_subrange_type, {Count(0x7FFFFFFF)})}),
+        Variable("v", array, 0x1000),
+    })));
+    EXPECT_THAT(Delivered(run.calls),
+                Contains(testing::StartsWith("CreateArrayEntryType([2147483647, 2147483647], ")));
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests

@@ -1,0 +1,678 @@
+#!/usr/bin/env python3
+"""Compares the variables and types that brindle reads from debug information with what gdb says of the
+same images: addresses, sizes, members, bit positions, dimensions, enumerators.
+
+BRINDLE_PROGRAM names the program, BRINDLE_SAMPLE_IMAGES the folder of the sample images. Where the
+reader tells something else than gdb on purpose, a function marked with @rule says so; there is no other
+tolerance.
+"""
+
+import collections
+import functools
+import json
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+import debug_entries
+import symbols_check
+
+PROGRAM = os.environ["BRINDLE_PROGRAM"]
+SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
+ORACLE_SCRIPT = pathlib.Path(__file__).with_name("gdb_oracle.py")
+
+MEMBER_KINDS = {"member", "unionMember", "bitField"}
+TYPE_SCOPES = {"namespace", "class", "struct", "union"}
+FUNCTION_SCOPES = {"function", "block"}
+
+VOID = 1
+SIGNED_INTEGERS = {1: 11, 2: 13, 4: 4, 8: 15}
+UNSIGNED_INTEGERS = {1: 12, 2: 14, 4: 5, 8: 16}
+OTHER_INTEGER = 10
+FLOATS = {2: 18, 4: 6}
+OTHER_FLOAT = 10
+COMPLEX = 10
+BOOLEAN = 7
+
+
+def rule(function):
+    """Marks an intended difference between gdb and the reader; its docstring is the reason."""
+    assert function.__doc__
+    return function
+
+
+# What the reader tells otherwise than gdb ---------------------------------------------------------
+
+
+@rule
+def without_template_arguments(name):
+    """gdb respells template arguments in its own canonical way, the reader keeps those of the file. The
+    layout behind the names is compared all the same."""
+    return name if name.startswith("<") else name.split("<", 1)[0]
+
+
+@rule
+def reader_scope_name(name):
+    """A namespace without a name is spoken of by a placeholder, each tool having its own."""
+    return "<unnamed-namespace>" if name == "(anonymous namespace)" else without_template_arguments(name)
+
+
+@rule
+def is_folded_typedef(typedef, target):
+    """A typedef that gives a type the type's own name isn't delivered."""
+    return bool(target.get("name")) and last_component(typedef["name"]) == last_component(target["name"])
+
+
+@rule
+def is_transparent(kind):
+    """Pointers to members and rvalue references aren't delivered; what they lead to stands for them."""
+    return kind["code"] in ("memberPointer", "methodPointer", "rvalueReference")
+
+
+@rule
+def is_signed_character(kind):
+    """Unicode characters count as signed integers."""
+    return kind["code"] == "character" or kind["signed"]
+
+
+@rule
+def is_unknown_instead_of_void(owner):
+    """No type is void for a plain pointer alone; a function without result, and a void with qualifiers,
+    are of the unknown type of size 0."""
+    return owner["code"] == "function" or owner["targetIsQualifiedVoid"]
+
+
+@rule
+def delivered_dimensions(counts):
+    """A dimension without elements is dropped; an array without any other has the one dimension 0."""
+    return [count for count in counts if count > 0] or [0]
+
+
+@rule
+def base_offset(member):
+    """The place of a virtual base is known at run time only; it is delivered at 0."""
+    return 0 if member["bits"] is None else member["bits"] // 8
+
+
+@rule
+def is_static_member(member):
+    """A static member is no part of the layout; it is delivered as the variable that defines it."""
+    return member["isStatic"]
+
+
+@rule
+def hoists_members(kind, facts):
+    """The members of an anonymous structure or union become members of the enclosing one if its type is
+    declared inside; of a type declared elsewhere, as many C compilers write it, nothing is delivered. The
+    types of anonymous members in anonymous members count as elsewhere when they stand behind the member
+    that they are the type of."""
+    return facts.is_hoisted(kind)
+
+
+@rule
+def is_unspecified_type(variable, facts):
+    """A type that the compiler doesn't specify, such as that of nullptr, is void; gdb takes int."""
+    return facts.is_unspecified(variable["address"], variable["name"])
+
+
+@rule
+def is_hidden_from_gdb(variable, facts):
+    """gdb leaves out the static variables of functions that exist as inlined copies only, and takes a
+    static member whose declaration tells a value for a constant without address."""
+    place = variable["address"], variable["name"]
+    return facts.function_without_code(*place) is not None or facts.has_constant_declaration(*place)
+
+
+@rule
+def owning_functions(variable, variables, facts):
+    """The static variables of an inlined function belong to that function, whatever it was inlined to."""
+    inlined = facts.function_without_code(variable["address"], variable["name"])
+    return {inlined} if inlined else {function_name(known["function"]) for known in variables}
+
+
+@rule
+def known_part(kind, item, facts):
+    """DWARF 2 without namespaces completes a class of a namespace by an entry without a name. The reader
+    joins types by name alone, so that what refers to the declaration finds no size and no members, and
+    what refers to the completing entry finds all."""
+    is_split = kind["name"] and facts.is_completed_without_name(components(kind["name"])[-1])
+    if is_split and item["size"] == 0:
+        return {**kind, "size": 0, "members": []}
+    return kind
+
+
+@rule
+def told_scopes(scopes, delivered, facts):
+    """DWARF 2 has no namespaces; gdb guesses them from linkage names."""
+    return scopes if facts.has_namespaces else scopes[len(scopes) - len(delivered):]
+
+
+@rule
+def unconverted_bit_position(found, unit):
+    """A bit field that reaches over the end of its storage unit keeps the compiler's count, which runs
+    from the highest bit of the unit on."""
+    start = found["offset"] * 8
+    return start + found["bitOffset"] if unit - found["bitOffset"] - found["bitSize"] < 0 else None
+
+
+@rule
+def has_no_data_symbol(variable, symbol_names):
+    """A variable that is only declared takes its address from a data symbol; one that the linker makes up
+    has none."""
+    return variable["isDeclaration"] and last_component(variable["name"]) not in symbol_names
+
+
+@rule
+def is_numbered_name(name, scope, dump):
+    """Of variables of one name in one scope, those behind the first are numbered from 2 on."""
+    plain, point, number = name.rpartition(".")
+    if not (point and number.isdigit() and int(number) >= 2):
+        return False
+    return any(item["name"] == plain and item["scope"] == scope for item in dump.of_kind("global"))
+
+
+# Names and documents ------------------------------------------------------------------------------
+
+
+def components(name):
+    """The parts of a qualified name; colons within brackets don't part."""
+    parts, depth, start = [], 0, 0
+    for place, character in enumerate(name):
+        if character in "<({":
+            depth += 1
+        elif character in ">)}":
+            depth -= 1
+        elif depth == 0 and name.startswith("::", place):
+            parts.append(name[start:place])
+            start = place + 2
+    return parts + [name[start:]]
+
+
+def last_component(name):
+    return without_template_arguments(components(name)[-1])
+
+
+def function_name(name):
+    """The plain name of a function that gdb gives with scope and parameters."""
+    without_parameters = name[:name.index("(", 1)] if "(" in name[1:] else name
+    return last_component(without_parameters)
+
+
+class Dump:
+    """The document that `brindle dump` writes."""
+
+    def __init__(self, document):
+        self.objects = {item["id"]: item for item in document["objects"]}
+        self._members = collections.defaultdict(list)
+        for item in document["objects"]:
+            if item["kind"] in MEMBER_KINDS:
+                self._members[item["scope"]].append(item)
+
+    def of_kind(self, kind):
+        return [item for item in self.objects.values() if item["kind"] == kind]
+
+    def members(self, identifier):
+        return self._members[identifier]
+
+    def scopes(self, item):
+        """The scopes of an object from the innermost on, without the global namespace."""
+        found = []
+        while (item := self.objects.get(item["scope"])) is not None:
+            if item["kind"] != "namespace" or item["name"]:
+                found.append(item)
+        return found
+
+    def variables(self):
+        """The variables with debug information, and those of the symbol table alone."""
+        described, symbols = [], []
+        for item in self.of_kind("global"):
+            names = [scope.get("name") for scope in self.scopes(item)]
+            (symbols if names == ["_Symbol_Table_BKR_"] else described).append(item)
+        return described, symbols
+
+    def array_shape(self, item):
+        """The dimensions of an array, those of arrays of arrays together, and the id of its element."""
+        dimensions, arrays = [], set()
+        while item["kind"] == "array":
+            assert item["id"] not in arrays, f"array {item['id']} contains itself"
+            arrays.add(item["id"])
+            dimensions += item["dimensions"]
+            element = item["type"]
+            item = self.objects[element]
+        return dimensions, element
+
+    def size_of(self, identifier):
+        item = self.objects[identifier]
+        return item["size"] if "size" in item else self.size_of(item["type"])
+
+
+class Oracle:
+    """What gdb says of an image."""
+
+    def __init__(self, image, units):
+        with tempfile.TemporaryDirectory(prefix="brindle-oracle-") as folder:
+            output = pathlib.Path(folder, "oracle.json")
+            done = subprocess.run(
+                ["gdb-multiarch", "-nx", "-batch", "-iex", "set auto-load off", str(image), "-x",
+                 str(ORACLE_SCRIPT)],
+                env={**os.environ, "ORACLE_OUTPUT": str(output), "ORACLE_UNITS": "\n".join(units)},
+                capture_output=True, text=True, errors="replace", timeout=300)
+            if not output.exists():
+                raise AssertionError(f"gdb failed: {done.stdout}{done.stderr}")
+            document = json.loads(output.read_text(encoding="utf-8", errors="surrogateescape"))
+        self.variables, self.types = document["variables"], document["types"]
+
+
+class EntryFacts:
+    """What the rules need to know and gdb doesn't tell: how the compiler wrote the entries."""
+
+    def __init__(self, entries):
+        self._by_offset = {entry.offset: entry for entry in entries}
+        self.units = [entry.name() for entry in entries if entry.tag == "DW_TAG_compile_unit"]
+        self.has_namespaces = any(entry.tag == "DW_TAG_namespace" for entry in entries)
+        self._variables = collections.defaultdict(list)
+        for entry in entries:
+            if entry.tag == "DW_TAG_variable" and (address := entry.address()) is not None:
+                self._variables[address, self._declaration(entry).name()].append(entry)
+        self._hoisting = self._find_hoisted_members(entries)
+        self._completed_without_name = self._find_completions_without_name(entries)
+
+    def is_hoisted(self, kind):
+        """Whether the anonymous members of a type of gdb's are hoisted."""
+        answers = self._hoisting[shape_of_type(kind)]
+        assert len(answers) == 1, f"{kind['name']}: no single answer for its anonymous members"
+        return next(iter(answers))
+
+    def is_unspecified(self, address, name):
+        """Whether a variable is of an unspecified type."""
+        kinds = [self._by_offset.get(self._declaration(entry).reference("DW_AT_type"))
+                 for entry in self._variables[address, name]]
+        return any(kind is not None and kind.tag == "DW_TAG_unspecified_type" for kind in kinds)
+
+    def has_constant_declaration(self, address, name):
+        """Whether the declaration of a static member tells a constant value."""
+        return any("DW_AT_const_value" in self._declaration(entry).attributes
+                   for entry in self._variables[address, name])
+
+    def function_without_code(self, address, name):
+        """The function of a static variable, if it exists as inlined copies only; else None."""
+        for entry in self._variables[address, name]:
+            owner = entry.parent
+            while owner is not None and owner.tag != "DW_TAG_subprogram":
+                owner = owner.parent
+            if owner is not None and not {"DW_AT_low_pc", "DW_AT_ranges"} & set(owner.attributes):
+                return self._declaration(owner).name() or "<unnamed-subprogram>"
+        return None
+
+    def is_completed_without_name(self, name):
+        """Whether a class is completed by an entry that has no name."""
+        return name in self._completed_without_name
+
+    def _find_completions_without_name(self, entries):
+        return {self._declaration(entry).name() for entry in entries
+                if "DW_AT_specification" in entry.attributes
+                and entry.tag in ("DW_TAG_class_type", "DW_TAG_structure_type")}
+
+    def _declaration(self, entry):
+        return self._by_offset.get(entry.reference("DW_AT_specification"), entry)
+
+    def _find_hoisted_members(self, entries):
+        """For each shape of a structure with members that have no name: whether these are hoisted.
+
+        It goes as the reader does, in file order, and with every step that moves a member on."""
+        parents = {}
+        hoisting = collections.defaultdict(set)
+        for entry in entries:
+            if entry.tag != "DW_TAG_member" or entry.name() is not None:
+                continue
+            kind = self._by_offset[entry.reference("DW_AT_type")]
+            parent = parents.get(entry.offset, entry.parent)
+            is_hoisted = kind.parent is parent and kind.name() is None
+            hoisting[shape_of_entry(entry.parent)].add(is_hoisted)
+            if is_hoisted:
+                parents.update((child.offset, parent) for child in kind.children
+                               if child.tag == "DW_TAG_member")
+        return hoisting
+
+
+def shape_of_entry(entry):
+    members = tuple(child.name() or "" for child in entry.children if child.tag == "DW_TAG_member"
+                    and not {"DW_AT_declaration", "DW_AT_external"} & set(child.attributes))
+    return entry.tag == "DW_TAG_union_type", entry.name(), entry.number("DW_AT_byte_size"), members
+
+
+def shape_of_type(kind):
+    members = tuple(member["name"] for member in kind["members"]
+                    if not member["isBase"] and not is_static_member(member))
+    name = components(kind["name"])[-1] if kind["name"] else None
+    return kind["code"] == "union", name, kind["size"], members
+
+
+# Comparison ---------------------------------------------------------------------------------------
+
+
+class Comparison:
+    """Collects the differences between an oracle and a dump in `differences`, one text each."""
+
+    def __init__(self, oracle, facts, dump, is_big_endian, symbol_names):
+        self.differences = []
+        self._oracle = oracle
+        self._facts = facts
+        self._dump = dump
+        self._is_big_endian = is_big_endian
+        self._symbol_names = symbol_names
+        self._compared = set()
+        self._waiting = []
+
+    def run(self):
+        known = collections.defaultdict(list)
+        for variable in self._oracle.variables:
+            known[variable["address"], last_component(variable["name"])].append(variable)
+        described, _ = self._dump.variables()
+        delivered = collections.Counter()
+        for item in described:
+            key = (item["address"], self._plain_name(item))
+            delivered[key] += 1
+            if key in known:
+                self._compare_variable(item, known[key])
+            elif not is_hidden_from_gdb(item, self._facts):
+                self._differ(f"{item['name']} at {item['address']:#x}", "unknown to gdb")
+        for key, variables in known.items():
+            if delivered[key] != 1 and not all(has_no_data_symbol(variable, self._symbol_names)
+                                               for variable in variables):
+                self._differ(f"{variables[0]['name']} at {key[0]:#x}", f"delivered {delivered[key]} times")
+        while self._waiting:
+            self._compare_type(*self._waiting.pop())
+        return self.differences
+
+    def _differ(self, where, text):
+        self.differences.append(f"{where}: {text}")
+
+    def _expect(self, where, what, delivered, expected):
+        if delivered != expected:
+            self._differ(where, f"{what} is {delivered!r}, gdb says {expected!r}")
+
+    def _plain_name(self, item):
+        name = item["name"]
+        if is_numbered_name(name, item["scope"], self._dump):
+            name = name.rpartition(".")[0]
+        return without_template_arguments(name)
+
+    # Variables
+
+    def _compare_variable(self, item, variables):
+        # An incomplete declaration of an array tells less than the definition.
+        best = max(variables, key=lambda variable: self._oracle.types[variable["type"]].get("size", 0))
+        self._compare_variable_scope(item, variables)
+        if is_unspecified_type(item, self._facts):
+            kind = self._dump.objects[item["type"]]
+            self._expect(item["name"], "type", (kind["kind"], kind.get("basicType")), ("base", VOID))
+        else:
+            self._compare_later(best["type"], item["type"], item["name"])
+
+    def _compare_variable_scope(self, item, variables):
+        scopes = self._dump.scopes(item)
+        units = [scope["name"] for scope in scopes if scope["kind"] == "compileUnit"]
+        functions = [scope["name"] for scope in scopes if scope["kind"] == "function"]
+        if units and units[0] not in {variable["unit"].replace(".", "_") for variable in variables}:
+            self._differ(item["name"], f"lies in unit {units[0]}")
+        if functions and functions[0] not in owning_functions(item, variables, self._facts):
+            self._differ(item["name"], f"lies in function {functions[0]}")
+        if not scopes and not any(variable["isGlobal"] or variable["isDeclaration"]
+                                  or last_component(variable["name"]) in self._symbol_names
+                                  for variable in variables):
+            self._differ(item["name"], "is delivered as global")
+        if not functions:
+            self._compare_scope_names(item, variables[0]["name"])
+
+    def _compare_scope_names(self, item, qualified_name):
+        expected = [reader_scope_name(part) for part in components(qualified_name)[:-1]]
+        delivered = [without_template_arguments(scope["name"])
+                     for scope in reversed(self._dump.scopes(item)) if scope["kind"] in TYPE_SCOPES]
+        if expected or any(scope["kind"] == "namespace" for scope in self._dump.scopes(item)):
+            self._expect(item["name"], "scope", delivered, told_scopes(expected, delivered, self._facts))
+
+    # Types
+
+    def _compare_later(self, key, identifier, where):
+        if (key, identifier) not in self._compared:
+            self._compared.add((key, identifier))
+            self._waiting.append((key, identifier, where))
+
+    def _compare_type(self, key, identifier, where):
+        kind = self._oracle.types[key]
+        item = self._dump.objects[identifier]
+        if is_transparent(kind):
+            self._compare_later(kind["target"], identifier, where)
+        elif kind["code"] == "typedef":
+            self._compare_typedef(kind, item, where)
+        else:
+            compare = self._COMPARE.get(kind["code"], Comparison._compare_scalar)
+            compare(self, kind, item, where)
+
+    def _compare_typedef(self, kind, item, where):
+        if is_folded_typedef(kind, self._oracle.types[kind["target"]]):
+            self._compare_later(kind["target"], item["id"], where)
+        elif self._is_kind(item, {"typedef"}, where):
+            self._expect(where, "typedef", without_template_arguments(item["name"]),
+                         last_component(kind["name"]))
+            self._compare_later(kind["target"], item["type"], where)
+
+    def _is_kind(self, item, kinds, where):
+        if item["kind"] in kinds:
+            return True
+        self._differ(where, f"is delivered as {item['kind']}, gdb says {' or '.join(sorted(kinds))}")
+        return False
+
+    def _compare_scalar(self, kind, item, where):
+        if self._is_kind(item, {"base"}, where):
+            self._expect(where, "size", item["size"], kind["size"])
+            self._expect(where, "basic type", item["basicType"], expected_basic_type(kind))
+
+    def _compare_void(self, owner, identifier, where):
+        item = self._dump.objects[identifier]
+        if is_unknown_instead_of_void(owner):
+            self._expect(where, "void", (item["kind"], item["size"]), ("unknown", 0))
+        else:
+            self._expect(where, "void", (item["kind"], item.get("basicType")), ("base", VOID))
+
+    def _compare_target(self, kind, identifier, where):
+        if self._oracle.types[kind["target"]]["code"] == "void":
+            self._compare_void(kind, identifier, where)
+        else:
+            self._compare_later(kind["target"], identifier, where)
+
+    def _compare_pointer(self, kind, item, where):
+        if self._is_kind(item, {"pointer"}, where):
+            self._expect(where, "size", item["size"], kind["size"])
+            self._compare_target(kind, item["type"], where + "*")
+
+    def _compare_function(self, kind, item, where):
+        if self._is_kind(item, {"functionType"}, where):
+            self._compare_target(kind, item["type"], where + "()")
+            self._expect(where, "number of parameters", len(item["parameters"]), len(kind["parameters"]))
+            for number, (key, identifier) in enumerate(zip(kind["parameters"], item["parameters"])):
+                self._compare_later(key, identifier, f"{where}({number})")
+
+    def _compare_array(self, kind, item, where):
+        if not self._is_kind(item, {"array"}, where):
+            return
+        self._expect(where, "size", item["size"], kind["size"])
+        counts = [kind["count"]]
+        while (target := self._oracle.types[kind["target"]])["code"] == "array":
+            kind = target
+            counts.append(kind["count"])
+        dimensions, element = self._dump.array_shape(item)
+        self._expect(where, "dimensions", delivered_dimensions(dimensions), delivered_dimensions(counts))
+        self._compare_later(kind["target"], element, where + "[]")
+
+    def _compare_enum(self, kind, item, where):
+        if self._is_kind(item, {"enum"}, where):
+            self._compare_type_name(kind, item, where)
+            self._expect(where, "size", self._dump.size_of(item["type"]), kind["size"])
+            self._expect(where, "enumerators",
+                         [[entry["name"], entry["value"] & 0xFFFFFFFF] for entry in item["enumerators"]],
+                         [[components(name)[-1], value & 0xFFFFFFFF] for name, value in kind["enumerators"]])
+
+    def _compare_type_name(self, kind, item, where):
+        self._expect(where, "anonymous", item["anonymous"], not kind["name"])
+        if kind["name"]:
+            self._expect(where, "type name", without_template_arguments(item["name"]),
+                         last_component(kind["name"]))
+            if not any(scope["kind"] in FUNCTION_SCOPES for scope in self._dump.scopes(item)):
+                self._compare_scope_names(item, kind["name"])
+
+    def _compare_structure(self, kind, item, where):
+        kind = known_part(kind, item, self._facts)
+        is_union = kind["code"] == "union"
+        if not self._is_kind(item, {"union"} if is_union else {"class", "struct"}, where):
+            return
+        self._compare_type_name(kind, item, where)
+        self._expect(where, "size", item["size"], kind["size"])
+        if not is_union:
+            self._compare_bases(kind, item, where)
+        expected = list(self._delivered_members(kind))
+        members = self._dump.members(item["id"])
+        self._expect(where, "members", [member["name"] for member in members],
+                     [member["name"] for member in expected])
+        for found, member in zip(members, expected):
+            if found["name"] == member["name"]:
+                self._compare_member(member, found, is_union, f"{where}.{member['name']}")
+
+    def _compare_bases(self, kind, item, where):
+        expected = [member for member in kind["members"] if member["isBase"]]
+        self._expect(where, "base offsets", [base["offset"] for base in item["bases"]],
+                     [base_offset(member) for member in expected])
+        for base, member in zip(item["bases"], expected):
+            self._compare_later(member["type"], base["type"], f"{where}:{member['name']}")
+
+    def _delivered_members(self, kind, bits=0):
+        """The members in the order of delivery, those of anonymous members behind all others."""
+        hoisted = []
+        for member in kind["members"]:
+            if member["isBase"] or is_static_member(member):
+                continue
+            if member["name"]:
+                yield {**member, "bits": member["bits"] + bits}
+            elif hoists_members(kind, self._facts):
+                hoisted.append(member)
+        for member in hoisted:
+            yield from self._delivered_members(self._oracle.types[member["type"]], bits + member["bits"])
+
+    def _compare_member(self, member, found, is_in_union, where):
+        is_bit_field = member["bitSize"] != 0
+        kind = "unionMember" if is_in_union else "bitField" if is_bit_field else "member"
+        if not self._is_kind(found, {kind}, where):
+            return
+        if is_in_union and is_bit_field:
+            self._compare_union_bit_field(member, found, where)
+        elif is_bit_field:
+            self._expect(where, "bit size", found["bitSize"], member["bitSize"])
+            self._expect(where, "bit position", self._bit_position(found), member["bits"])
+        else:
+            self._expect(where, "offset", found["offset"] * 8, member["bits"])
+        self._compare_later(member["type"], found["type"], where)
+
+    def _bit_position(self, found):
+        """The place of a bit field in gdb's count: from the lowest bit of the structure's first byte on
+        in little-endian targets, from the highest one in big-endian ones. The reader counts from the
+        lowest bit of the storage unit in both."""
+        start = found["offset"] * 8
+        if not self._is_big_endian:
+            return start + found["bitOffset"]
+        unit = self._dump.size_of(found["type"]) * 8
+        unconverted = unconverted_bit_position(found, unit)
+        return start + unit - found["bitOffset"] - found["bitSize"] if unconverted is None else unconverted
+
+    @rule
+    def _compare_union_bit_field(self, member, found, where):
+        """A bit field of a union is delivered as a plain member: its storage unit, without bits."""
+        start = found["offset"] * 8
+        end = start + self._dump.size_of(found["type"]) * 8
+        if not start <= member["bits"] <= member["bits"] + member["bitSize"] <= end:
+            self._differ(where, f"bits {start} to {end}, gdb says {member['bits']} and {member['bitSize']} more")
+
+    _COMPARE = {"pointer": _compare_pointer, "reference": _compare_pointer, "array": _compare_array,
+                "enum": _compare_enum, "structure": _compare_structure, "union": _compare_structure,
+                "function": _compare_function}
+
+
+def expected_basic_type(kind):
+    size = kind["size"]
+    if kind["code"] in ("integer", "character"):
+        return (SIGNED_INTEGERS if is_signed_character(kind) else UNSIGNED_INTEGERS).get(size, OTHER_INTEGER)
+    if kind["code"] == "float":
+        return FLOATS.get(size, OTHER_FLOAT)
+    return {"boolean": BOOLEAN, "complex": COMPLEX, "void": VOID}.get(kind["code"])
+
+
+# The check ----------------------------------------------------------------------------------------
+
+
+@functools.cache
+def facts_of(image):
+    return EntryFacts(debug_entries.debug_entries(image))
+
+
+def is_big_endian(image):
+    return image.read_bytes()[5] == 2
+
+
+class LayoutCheck(unittest.TestCase):
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        if shutil.which("gdb-multiarch") is None:
+            raise unittest.SkipTest("gdb-multiarch isn't there")
+
+    def images(self):
+        """The linked images with debug information. In a relocatable object the addresses aren't
+        settled, so that it says nothing here."""
+        found = sorted(SAMPLE_IMAGES.glob("*-dwarf*.elf"))
+        self.assertGreater(len(found), 12, f"images are missing in {SAMPLE_IMAGES}")
+        return found
+
+    def dump(self, image):
+        done = subprocess.run([PROGRAM, "dump", str(image)], capture_output=True, text=True, timeout=60)
+        document = json.loads(done.stdout)
+        if image.name == symbols_check.WITHOUT_SYMBOLS:
+            # The debug information is delivered before the missing symbol table ends the read.
+            self.assertEqual(document["error"], "The ELF file is missing .strtab section.")
+        else:
+            self.assertEqual((done.returncode, done.stderr, document["ok"]), (0, "", True))
+        return Dump(document)
+
+    def test_variables_and_their_types_are_those_that_gdb_knows(self):
+        for image in self.images():
+            with self.subTest(image=image.name):
+                facts = facts_of(image)
+                oracle = Oracle(image, facts.units)
+                self.assertGreater(len(oracle.variables), 20)
+                symbol_names = {name for name, value, _, kind in symbols_check.raw_symbols(image)
+                                if kind == "OBJECT" and value != 0}
+                comparison = Comparison(oracle, facts, self.dump(image), is_big_endian(image), symbol_names)
+                self.assertEqual(comparison.run(), [])
+
+    def test_symbols_are_delivered_for_what_debug_information_does_not_describe(self):
+        for image in self.images():
+            with self.subTest(image=image.name):
+                described, symbols = self.dump(image).variables()
+                expected = symbols_check.expected_variables(
+                    image, {item["name"] for item in described}, {item["address"] for item in described})
+                self.assertEqual([(item["address"], symbols_check.SCOPE + item["name"]) for item in symbols],
+                                 [(address, name) for address, _, name in expected])
+
+    def test_a_document_is_the_same_on_every_run(self):
+        for image in self.images():
+            with self.subTest(image=image.name):
+                first, second = (subprocess.run([PROGRAM, "dump", str(image)], capture_output=True,
+                                                timeout=60).stdout for _ in range(2))
+                self.assertEqual(first, second)
+
+
+if __name__ == "__main__":
+    unittest.main()

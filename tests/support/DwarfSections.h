@@ -1,0 +1,261 @@
+// Builds `.debug_info`, `.debug_abbrev`, `.debug_str` and `.debug_loc` from declarations of debug
+// entries (DIEs), so that a test reads as the tree that it is about. Damaged contents come in as
+// raw bytes.
+#pragma once
+
+#include "dwarf/DwarfConstants.h"
+#include "support/ByteWriter.h"
+#include "support/ElfImage.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Tests {
+
+using Reader::DWARF::dwarf_tag;
+
+/// @name Codes that tests use beyond those that the reader knows by name
+/// @{
+
+enum : std::uint32_t {
+    DW_AT_sibling = 0x01,
+    DW_AT_stmt_list = 0x10,
+    DW_AT_low_pc = 0x11,
+    DW_AT_high_pc = 0x12,
+    DW_AT_language = 0x13,
+    DW_AT_abstract_origin = 0x31,
+    DW_AT_decl_file = 0x3a,
+    DW_AT_decl_line = 0x3b,
+    DW_AT_frame_base = 0x40,
+    DW_AT_data_bit_offset = 0x6b,
+    DW_AT_MIPS_linkage_name = 0x2007,
+};
+
+enum : std::uint8_t {
+    DW_OP_deref = 0x06,
+    DW_OP_const8u = 0x0e,
+    DW_OP_const8s = 0x0f,
+    DW_OP_lit0 = 0x30,
+    DW_OP_reg0 = 0x50,
+    DW_OP_breg0 = 0x70,
+    DW_OP_regx = 0x90,
+    DW_OP_fbreg = 0x91,
+    DW_OP_piece = 0x93,
+    DW_OP_stack_value = 0x9f,
+};
+
+enum : std::uint8_t {
+    DW_ATE_boolean = 2,
+    DW_ATE_float = 4,
+    DW_ATE_signed_char = 6,
+    DW_ATE_unsigned = 7,
+    DW_ATE_unsigned_char = 8,
+};
+
+/// @}
+
+/// Names a debug entry. Copies name the same entry; each new one names another.
+class DieLabel {
+public:
+    DieLabel();
+    bool operator<(const DieLabel& other) const { return mNumber < other.mNumber; }
+
+private:
+    int mNumber;
+};
+
+/// One operation of a location expression. The operands' encoding follows from the code.
+struct Operation {
+    std::uint8_t code;
+    std::vector<std::int64_t> operands = {};
+};
+
+/// One attribute of a debug entry: name, form and value. The functions below make the usual ones.
+struct DieAttribute {
+    using Value = std::variant<std::uint64_t, std::string, DieLabel, std::vector<Operation>>;
+
+    std::uint32_t attribute;
+    std::uint32_t form;
+    /// A number; a text or the bytes of a block; the entry referred to; an expression.
+    Value value;
+    /// How often the value is preceded by a form, `DW_FORM_indirect` standing in the abbreviation.
+    int indirections = 0;
+};
+
+/// @name Any attribute in any form
+/// @{
+
+/// A number in a form for numbers or references; in one for blocks the block is empty.
+DieAttribute Number(std::uint32_t attribute, std::uint32_t form, std::uint64_t value);
+/// A text in a form for texts; `DW_FORM_strp` puts it into `.debug_str`.
+DieAttribute Text(std::uint32_t attribute, std::uint32_t form, std::string text);
+/// Bytes in a form for blocks; in any other form they are the value as it stands in the unit.
+DieAttribute Block(std::uint32_t attribute, std::uint32_t form, std::string bytes);
+DieAttribute Reference(std::uint32_t attribute, std::uint32_t form, DieLabel target);
+DieAttribute Expression(std::uint32_t attribute, std::uint32_t form,
+                        std::vector<Operation> operations);
+/// The same attribute through `DW_FORM_indirect`.
+DieAttribute Indirect(DieAttribute attribute, int times = 1);
+
+/// @}
+/// @name The usual attributes
+/// @{
+
+DieAttribute Name(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
+DieAttribute Producer(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
+DieAttribute CompDir(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
+DieAttribute LinkageName(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
+DieAttribute Type(DieLabel target, std::uint32_t form = Reader::DWARF::DW_FORM_ref4);
+DieAttribute Specification(DieLabel target, std::uint32_t form = Reader::DWARF::DW_FORM_ref4);
+DieAttribute ByteSize(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_udata);
+DieAttribute Encoding(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
+DieAttribute BitSize(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
+DieAttribute BitOffset(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
+DieAttribute ConstValue(std::int64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_sdata);
+DieAttribute LowerBound(std::int64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_sdata);
+DieAttribute UpperBound(std::int64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_sdata);
+DieAttribute Count(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_udata);
+DieAttribute Accessibility(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
+DieAttribute External();
+DieAttribute Declaration();
+DieAttribute Location(std::vector<Operation> operations,
+                      std::uint32_t form = Reader::DWARF::DW_FORM_block1);
+/// The location of a variable with a static address.
+DieAttribute Address(std::uint64_t address, std::uint32_t form = Reader::DWARF::DW_FORM_block1);
+DieAttribute MemberOffset(std::uint64_t offset, std::uint32_t form = Reader::DWARF::DW_FORM_udata);
+DieAttribute MemberLocation(std::vector<Operation> operations,
+                            std::uint32_t form = Reader::DWARF::DW_FORM_block1);
+
+/// @}
+
+/// One debug entry with its descendants.
+class Die {
+public:
+    /// An entry has children in the sense of its abbreviation if some are given.
+    explicit Die(dwarf_tag tag, std::vector<DieAttribute> attributes = {},
+                 std::vector<Die> children = {});
+    /// An entry to which others refer.
+    Die(DieLabel label, dwarf_tag tag, std::vector<DieAttribute> attributes = {},
+        std::vector<Die> children = {});
+    /// Bytes in the place of an entry.
+    static Die Raw(std::string bytes);
+
+    /// Sets the children byte of the abbreviation. Only with 1 a list of children is written.
+    Die& ChildrenByte(std::uint8_t value);
+    /// Leaves out the null entry behind the children.
+    Die& WithoutTerminator();
+
+private:
+    friend class DwarfSections;
+
+    std::optional<DieLabel> mLabel;
+    dwarf_tag mTag;
+    std::vector<DieAttribute> mAttributes;
+    std::vector<Die> mChildren;
+    std::uint8_t mChildrenByte;
+    bool mHasTerminator = true;
+    std::optional<std::string> mRawBytes;
+};
+
+/// One compile unit. The last fields, where set, replace what is filled in rightly.
+struct DwarfUnit {
+    std::vector<Die> entries = {};
+    int version = 4;
+    int addressSize = 4;
+    bool is64BitDwarf = false;
+    /// Width of `DW_FORM_ref_addr`: by default the address size in version 2, from version 3 on
+    /// that of an offset.
+    std::optional<int> referenceSize = {};
+    /// The unit length as written.
+    std::optional<std::uint64_t> length = {};
+    /// Place of a table in `.debug_abbrev`; the unit then adds no table of its own, and its entries
+    /// have to be raw.
+    std::optional<std::uint64_t> abbreviationOffset = {};
+};
+
+/// The four sections of one file.
+class DwarfSections {
+public:
+    explicit DwarfSections(ByteOrder byteOrder = ByteOrder::Little);
+
+    DwarfSections& Unit(DwarfUnit unit);
+    /// A unit of version 4 for 32-bit targets.
+    DwarfSections& Unit(std::vector<Die> entries) { return Unit(DwarfUnit{std::move(entries)}); }
+    /// Bytes between units.
+    DwarfSections& RawInfo(std::string_view bytes);
+    /// Adds bytes to `.debug_abbrev`. Gives their offset.
+    std::uint64_t RawAbbreviations(std::string_view bytes);
+    /// Adds a text to `.debug_str`, unless it is there. Gives its offset.
+    std::uint64_t String(const std::string& text);
+    /// Adds an entry of a location list, with 4-byte addresses. Gives its offset.
+    std::uint64_t LocationListEntry(std::uint64_t begin, std::uint64_t end,
+                                    const std::vector<Operation>& operations,
+                                    std::optional<std::uint16_t> length = {});
+    std::uint64_t RawLocations(std::string_view bytes);
+
+    [[nodiscard]] const std::string& Info() const { return mInfo; }
+    [[nodiscard]] const std::string& Abbreviations() const { return mAbbreviations; }
+    /// Empty unless a text uses it.
+    [[nodiscard]] const std::string& Strings() const { return mStrings; }
+    [[nodiscard]] const std::string& Locations() const { return mLocations; }
+    /// Puts the sections into an image; those that are empty are left out, except `.debug_info` and
+    /// `.debug_abbrev`.
+    void AddTo(ElfImage& image, ElfSectionOverrides debugInfo = {}) const;
+
+    /// Section offset of an entry that was added.
+    [[nodiscard]] std::uint32_t OffsetOf(DieLabel label) const;
+    [[nodiscard]] ByteWriter Writer() const { return ByteWriter(mByteOrder); }
+
+private:
+    struct UnitState;
+    /// A reference to an entry whose place isn't known yet.
+    struct OpenReference {
+        std::size_t position;
+        std::size_t size;
+        std::uint64_t base;
+        bool isLeb128;
+        DieLabel target;
+    };
+
+    void WriteEntry(UnitState& state, const Die& die);
+    void WriteAttribute(UnitState& state, const DieAttribute& attribute);
+    void WriteValue(UnitState& state, const DieAttribute& attribute);
+    void WriteReference(UnitState& state, std::uint32_t form, DieLabel target);
+    void WriteAbbreviations(const UnitState& state);
+    std::uint64_t AbbreviationCode(UnitState& state, const Die& die);
+    void ResolveReferences();
+
+    ByteOrder mByteOrder;
+    std::string mInfo;
+    std::string mAbbreviations;
+    std::string mStrings;
+    std::string mLocations;
+    std::map<std::string, std::uint64_t> mStringOffsets;
+    std::map<DieLabel, std::uint32_t> mOffsets;
+    std::vector<OpenReference> mOpenReferences;
+};
+
+/// The image with the sections.
+ElfImage operator+(ElfImage image, const DwarfSections& sections);
+
+/// @name LEB128 texts
+/// @{
+
+std::string Uleb128(std::uint64_t value);
+std::string Sleb128(std::int64_t value);
+/// An unsigned value in exactly this many bytes.
+std::string PaddedUleb128(std::uint64_t value, std::size_t size);
+
+/// @}
+
+/// The bytes of an expression.
+std::string EncodeExpression(const std::vector<Operation>& operations, ByteOrder byteOrder,
+                             int addressSize);
+
+} // namespace Tessel::Norn::Brindle::Tests
