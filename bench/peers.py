@@ -71,9 +71,12 @@ class Measurement:
 
 def run_once(tool, image, limit):
     """One run of a tool, killed after `limit` seconds. Its output goes to a file that is thrown away."""
-    with tempfile.TemporaryFile() as output:
+    # A process begins with the peak memory of the one that started it, so a small one does it: time,
+    # which writes what its child took.
+    with tempfile.TemporaryFile() as output, tempfile.NamedTemporaryFile("r") as peak:
         start = time.monotonic()
-        process = subprocess.Popen([*tool.command, str(image)], stdin=subprocess.DEVNULL,
+        process = subprocess.Popen(["time", "--quiet", "--format=%M", f"--output={peak.name}",
+                                    *tool.command, str(image)], stdin=subprocess.DEVNULL,
                                    stdout=output, stderr=subprocess.DEVNULL, start_new_session=True)
         signal.signal(signal.SIGALRM, lambda *_: os.killpg(process.pid, signal.SIGKILL))
         signal.alarm(limit)
@@ -81,7 +84,8 @@ def run_once(tool, image, limit):
         signal.alarm(0)
         process.returncode = os.waitstatus_to_exitcode(status)
         wall = time.monotonic() - start
-    measurement = Measurement(usage.ru_utime + usage.ru_stime, wall, usage.ru_maxrss / 1024)
+        memory = int(peak.read() or 0) / 1024
+    measurement = Measurement(usage.ru_utime + usage.ru_stime, wall, memory)
     if process.returncode == -signal.SIGKILL and wall >= limit:
         measurement.failure = f"stopped after {limit} s"
     elif process.returncode != 0:

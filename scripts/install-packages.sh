@@ -15,7 +15,7 @@ samples)
     packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu)
     ;;
 bench)
-    packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb)
+    packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)
     ;;
 esac
 
