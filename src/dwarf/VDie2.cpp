@@ -111,9 +111,13 @@ bool VDie2::HasPassedEnd() const {
 
 void VDie2::ReadAttribute(const TDieAttribute& attribute) {
     if (attribute.mReading == FormReading::Indirect) {
-        ReadIndirectAttribute(attribute);
-        return;
+        ReadDirectAttribute(FollowIndirectForm(attribute));
+    } else {
+        ReadDirectAttribute(attribute);
     }
+}
+
+void VDie2::ReadDirectAttribute(const TDieAttribute& attribute) {
     if (attribute.mTarget == AttributeTarget::Location ||
         attribute.mTarget == AttributeTarget::MemberLocation) {
         ReadLocation(attribute);
@@ -125,13 +129,13 @@ void VDie2::ReadAttribute(const TDieAttribute& attribute) {
     }
 }
 
-void VDie2::ReadIndirectAttribute(const TDieAttribute& attribute) {
+TDieAttribute VDie2::FollowIndirectForm(const TDieAttribute& attribute) {
     TDieAttribute direct = attribute;
     do {
         direct.mForm = mBuffer->GetULEB128();
         direct.mReading = ReadingOfForm(direct.mForm);
     } while (direct.mReading == FormReading::Indirect);
-    ReadAttribute(direct);
+    return direct;
 }
 
 bool VDie2::ReadFormValue(FormReading reading, VDieFormValue& value) {

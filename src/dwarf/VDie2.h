@@ -89,7 +89,8 @@ private:
     Entry ReadAbbrevCode();
     void ReadAttributes();
     void ReadAttribute(const TDieAttribute& attribute);
-    void ReadIndirectAttribute(const TDieAttribute& attribute);
+    void ReadDirectAttribute(const TDieAttribute& attribute);
+    TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
     bool ReadFormValue(FormReading reading, VDieFormValue& value);
     std::uint32_t ReadBlockLength(FormReading reading);
     std::uint32_t ReadOffset();

@@ -82,6 +82,9 @@ bool IsStructural(dwarf_tag tag) {
 
 } // namespace
 
+// The operations call each other down to the limits of depth above.
+// NOLINTBEGIN(misc-no-recursion)
+
 void TypeNameBuilder::AppendTypeName(VDebugInfoNode* node, int depth, std::string& out,
                                      bool withRecordNumbers) {
     while (node != nullptr && depth <= sMaximumChainDepth && !IsFull(out)) {
@@ -221,5 +224,7 @@ void TypeNameBuilder::AppendFunctionType(VDebugInfoNode& node, int depth, std::s
     AppendTemplatePart(node, depth, out, withRecordNumbers);
     AppendParameterList(node, depth, out, withRecordNumbers);
 }
+
+// NOLINTEND(misc-no-recursion)
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -106,7 +106,8 @@ private:
     static std::uint32_t NumberOf(T* object) {
         const auto address = reinterpret_cast<std::uintptr_t>(object);
         const std::uintptr_t offset = address & (VNodeArena::kChunkSize - 1);
-        const auto* header = reinterpret_cast<const VNodeArena::ChunkHeader*>(address - offset);
+        const std::byte* chunk = reinterpret_cast<const std::byte*>(object) - offset;
+        const auto* header = reinterpret_cast<const VNodeArena::ChunkHeader*>(chunk);
         return (header->number << VNodeArena::kUnitBits) |
                static_cast<std::uint32_t>(offset / VNodeArena::kAlignment);
     }
