@@ -118,7 +118,7 @@ TEST_F(AbbreviationTest, UnitsShareTables) {
     // One table, three widths of addresses and offsets.
     for (const auto& [addressSize, is64Bit] :
          {std::pair{4, false}, std::pair{8, true}, std::pair{2, false}, std::pair{8, false}}) {
-        const std::size_t address = static_cast<std::size_t>(addressSize);
+        const auto address = static_cast<std::size_t>(addressSize);
         ByteWriter entry;
         entry.U8(1).Integer(1, address).Integer(2, is64Bit ? 8 : address);
         entry.Integer(3, is64Bit ? 8 : 4).Text("x");

@@ -264,7 +264,9 @@ TEST_F(BufferTest, CountedPointersKeepTheCacheAlive) {
         const VElfFileCachePtr first(new VElfFileCache(mInput, 0));
         ASSERT_TRUE(first->LoadRange(0, 3, false));
         second = first;
-        second = second;
+        const VElfFileCachePtr& same = second;
+        second = same;
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
         const VElfFileCachePtr third = first;
         EXPECT_EQ(static_cast<VElfFileCache*>(third), static_cast<VElfFileCache*>(second));
     }

@@ -551,6 +551,7 @@ TEST_F(HostileTreeTest, TemplateArgumentsThatNameTheirOwnTemplate) {
     const DieLabel self;
     const DieLabel other;
     std::vector<Die> arguments;
+    arguments.reserve(50);
     for (int index = 0; index < 50; ++index) {
         arguments.emplace_back(DW_TAG_template_type_param,
                                std::vector{Name("T"), Type(index % 2 == 0 ? self : other)});

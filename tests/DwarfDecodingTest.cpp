@@ -438,7 +438,7 @@ TEST_F(DwarfDecodingTest, RecordNumbersCountTheWholeWalk) {
     const DieLabel last;
     DwarfSections sections;
     sections.Unit({UnitDie({Die(DW_TAG_namespace, {Name("n")}, {Die(DW_TAG_variable)})})});
-    sections.Unit({UnitDie({Die(DW_TAG_namespace, {Name("n")}, {Die::Raw("\x7D")})
+    sections.Unit({UnitDie({Die(DW_TAG_namespace, {Name("n")}, {Die::Raw("}")})
                                 .ChildrenByte(1)
                                 .WithoutTerminator()})
                        .WithoutTerminator()});

@@ -228,7 +228,7 @@ TEST_F(LocationTest, StackHolds127Values) {
 
 TEST_F(LocationTest, OperandsEndWithTheirExpression) {
     for (const std::string_view bytes :
-         {"\x03\1\2\3", "\x08", "\x0b\1", "\x10\x80", "\x23", "\x9d\3"}) {
+         {"\x03\1\2\3", "\x08", "\x0b\1", "\x10\x80", "#", "\x9d\3"}) {
         EXPECT_EQ(Evaluate(Block(DW_AT_location, DW_FORM_block1, std::string(bytes))).value,
                   sNotStatic);
     }

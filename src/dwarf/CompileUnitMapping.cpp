@@ -255,8 +255,7 @@ bool VDwarf2Section::MapCompileUnits() {
         return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
     }
     const auto start = static_cast<std::int64_t>(debugInfo.sh_offset);
-    const std::uint64_t limit =
-        static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max() - start);
+    const auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max() - start);
     const std::int64_t end = start + static_cast<std::int64_t>(std::min(size, limit));
     CompileUnitMapper mapper(*this, alignment > 0 ? alignment - 1 : 0, start, end);
     const CompileUnitMapper::Outcome outcome = mapper.Run();
@@ -270,7 +269,7 @@ bool VDwarf2Section::MapCompileUnits() {
     return outcome != CompileUnitMapper::Outcome::Failed;
 }
 
-bool VDwarf2Section::LoadCompileUnit(VCompileUnitReader& reader) {
+bool VDwarf2Section::LoadCompileUnit(VCompileUnitReader& reader) const {
     const VCompileUnitHeader& header = reader.mHeader;
     if (!reader.mBuffer) {
         reader.mBuffer.reset(new (std::nothrow) VElfBuffer(*mElfFile, 0, mDebugInfoCache));

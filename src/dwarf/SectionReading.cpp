@@ -57,6 +57,7 @@ void VDwarf2Section::CreateUnknownEntryTypes() {
 }
 
 bool VDwarf2Section::ProcessCompileUnits() {
+    // NOLINTNEXTLINE(readability-use-anyofallof): reading is no question
     for (VCompileUnitHeader* header : mCompileUnits) {
         if (!ProcessCompileUnit(*header)) {
             if (VElfOptions::mIsLogFile != 0) {

@@ -73,7 +73,7 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     return mAbrSectionBuffer->Load();
 }
 
-bool VDwarf2Section::LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section) {
+bool VDwarf2Section::LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section) const {
     constexpr std::uint64_t maximum = std::numeric_limits<std::int32_t>::max();
     if (section.sh_offset > maximum) {
         return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);

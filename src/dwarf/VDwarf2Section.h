@@ -63,7 +63,7 @@ public:
     /// Reads the entries of all units into nodes.
     bool ProcessCompileUnits();
     /// Loads bytes and abbreviations of a unit. Errors: those of loading, `ELFERR_DWARF_VERSION`.
-    bool LoadCompileUnit(VCompileUnitReader& reader);
+    bool LoadCompileUnit(VCompileUnitReader& reader) const;
     /// Decides the options whose value 2 means "by the compiler" from the first producer text.
     void AutodetectProducerOptions(std::string_view producer, VCompileUnitReader* reader);
     /// Bucket count for a table with an entry for each debug entry, from the size of the section.
@@ -126,12 +126,12 @@ public:
     std::uint64_t mVoidEntryType = 0;
 
 private:
-    bool LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section);
+    bool LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section) const;
     [[nodiscard]] bool IsInDebugStr(const char* text) const;
     void AutodetectFileRelativeReferences(const std::string& producer);
     void AutodetectReferenceWidth(const std::string& producer, const VCompileUnitHeader& unit);
     bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
-                          std::int32_t record);
+                          std::int32_t record) const;
     void CreateUnknownEntryTypes();
     bool ProcessCompileUnit(VCompileUnitHeader& header);
 

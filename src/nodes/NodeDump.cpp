@@ -247,7 +247,7 @@ bool VDwarf2Section::DumpDebugInfoNodes() {
 }
 
 bool VDwarf2Section::OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
-                                      std::int32_t record) {
+                                      std::int32_t record) const {
     if (file.is_open()) {
         file << "log continues in next file.....\n";
         file.close();

@@ -136,8 +136,8 @@ void VDebugInfoNode::SettleByteSizeOfChain(const VDieNodeMap& nodes) {
             break;
         }
     }
-    for (auto node = chain.rbegin(); node != chain.rend(); ++node) {
-        (*node)->TakeByteSizeOfType(*(*node)->GetTypeNode());
+    for (; !chain.empty(); chain.pop_back()) {
+        chain.back()->TakeByteSizeOfType(*chain.back()->GetTypeNode());
     }
 }
 

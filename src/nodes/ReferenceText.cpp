@@ -81,8 +81,8 @@ public:
 
     std::string Run(int which) {
         std::string text = TextOf(which);
-        for (auto mark = mMarks.rbegin(); mark != mMarks.rend(); ++mark) {
-            text += *mark;
+        for (; !mMarks.empty(); mMarks.pop_back()) {
+            text += mMarks.back();
         }
         return mPrefix + text;
     }
@@ -174,8 +174,8 @@ std::string GetScopeText(const VDebugInfoNode& node) {
         parent = grandparent != nullptr ? grandparent->GetParent() : nullptr;
     }
     std::string text;
-    for (auto level = levels.rbegin(); level != levels.rend(); ++level) {
-        AppendScopeOfParent(**level, text);
+    for (; !levels.empty(); levels.pop_back()) {
+        AppendScopeOfParent(*levels.back(), text);
     }
     return text;
 }

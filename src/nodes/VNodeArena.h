@@ -34,7 +34,8 @@ public:
     /// @throws std::bad_alloc
     template <typename T, typename... Arguments>
     T* Create(Arguments&&... arguments) {
-        static_assert(alignof(T) <= kAlignment && sizeof(T) <= kChunkSize / 2);
+        static_assert(alignof(T) <= kAlignment);
+        static_assert(sizeof(T) <= kChunkSize / 2);
         return new (Allocate(sizeof(T))) T(std::forward<Arguments>(arguments)...);
     }
 

@@ -11,9 +11,9 @@ namespace {
 enum class OperandKind { Address, Fixed, Unsigned, Signed };
 
 struct OperandEncoding {
-    std::uint8_t firstCode;
-    std::uint8_t lastCode;
-    OperandKind kind;
+    std::uint8_t firstCode = 0;
+    std::uint8_t lastCode = 0;
+    OperandKind kind = OperandKind::Fixed;
     int size = 0;
 };
 
@@ -243,7 +243,7 @@ struct DwarfSections::UnitState {
 DwarfSections::DwarfSections(ByteOrder byteOrder)
     : mByteOrder(byteOrder) {}
 
-DwarfSections& DwarfSections::Unit(DwarfUnit unit) {
+DwarfSections& DwarfSections::Unit(const DwarfUnit& unit) {
     // The bytes behind the length come first, since the length counts them.
     UnitState state(unit, mByteOrder, mInfo.size());
     const std::size_t lengthSize = unit.is64BitDwarf ? 12 : 4;

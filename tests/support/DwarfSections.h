@@ -184,7 +184,7 @@ class DwarfSections {
 public:
     explicit DwarfSections(ByteOrder byteOrder = ByteOrder::Little);
 
-    DwarfSections& Unit(DwarfUnit unit);
+    DwarfSections& Unit(const DwarfUnit& unit);
     /// A unit of version 4 for 32-bit targets.
     DwarfSections& Unit(std::vector<Die> entries) { return Unit(DwarfUnit{std::move(entries)}); }
     /// Bytes between units.
@@ -216,10 +216,10 @@ private:
     struct UnitState;
     /// A reference to an entry whose place isn't known yet.
     struct OpenReference {
-        std::size_t position;
-        std::size_t size;
-        std::uint64_t base;
-        bool isLeb128;
+        std::size_t position = 0;
+        std::size_t size = 0;
+        std::uint64_t base = 0;
+        bool isLeb128 = false;
         DieLabel target;
     };
 
