@@ -1,16 +1,13 @@
 #include "container/SymbolName.h"
 
+#include "core/CutText.h"
 #include "core/VElfOptions.h"
 #include "demangle/Demangler.h"
-
-#include <cstring>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 std::string_view CutSymbolName(const char* name) {
-    const void* terminator = std::memchr(name, 0, sSymbolNameBufferSize - 1);
-    return terminator != nullptr ? std::string_view(name, static_cast<const char*>(terminator))
-                                 : std::string_view(name, sSymbolNameBufferSize - 1);
+    return CutText(name, sSymbolNameBufferSize - 1);
 }
 
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): one of the two ways below writes the name

@@ -18,11 +18,6 @@ constexpr std::int32_t sMaximumSize = std::numeric_limits<std::int32_t>::max();
 /// Stands for every size that no buffer can hold.
 constexpr std::int32_t sUnloadableSize = -1;
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 template <typename Integer>
 Integer DecodeLittleEndian(const std::uint8_t* bytes) {
     std::uint64_t value = 0;

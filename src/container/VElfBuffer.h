@@ -62,6 +62,10 @@ public:
     std::int32_t MoveOffset(std::int32_t distance);
     /// True if no byte lies at the cursor.
     [[nodiscard]] bool IsEOF() const { return mOffset >= mLength || mOffset < 0; }
+    /// True if the cursor stands outside of the loaded bytes and not right at their end.
+    [[nodiscard]] bool HasPassedEnd() const {
+        return static_cast<std::uint32_t>(mOffset) > static_cast<std::uint32_t>(mLength);
+    }
     /// True if a read since the last load passed the end.
     [[nodiscard]] bool IsOverrun() const { return mIsOverrun; }
 

@@ -18,11 +18,6 @@ constexpr std::int32_t sMinimumCacheSize = 1024;
 /// Kept in front of a wanted position, so that a reader that steps back a little stays inside.
 constexpr std::int32_t sLeadingBytes = 1024;
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 } // namespace
 
 VElfFileCache::VElfFileCache(VElfInput& input, std::int32_t cacheSize)

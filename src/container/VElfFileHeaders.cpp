@@ -19,11 +19,6 @@ constexpr std::int32_t sClassIndex = 4;
 constexpr std::int32_t sDataIndex = 5;
 constexpr std::int32_t sVersionIndex = 6;
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 /// A field of 4 bytes in class 32 and 8 bytes in class 64.
 std::uint64_t GetWord(VElfBuffer& buffer, bool is64Bit) {
     return is64Bit ? buffer.GetUInt64() : buffer.GetULong();

@@ -16,11 +16,6 @@ namespace {
 
 constexpr std::uint64_t sMaximum32Bit = std::numeric_limits<std::uint32_t>::max();
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 bool IsWantedInMaps(const Elf32_Sym& symbol) {
     const bool isData = symbol.Type() == sSymbolTypeObject ||
                         (symbol.Type() == sSymbolTypeNone && VElfOptions::mSymTabSearchMode != 0);

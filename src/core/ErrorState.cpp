@@ -17,6 +17,11 @@ void SetErrorState(ELFReadErrorEnum code) {
     }
 }
 
+bool Fail(ELFReadErrorEnum code) {
+    SetErrorState(code);
+    return false;
+}
+
 void ReportElfError(std::string& text) {
     text = VElfResourceManager::Instance().GetText(gElfReaderErrorFlag);
 }

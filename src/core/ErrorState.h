@@ -14,6 +14,9 @@ extern ELFReadErrorEnum gElfReaderErrorFlag;
 /// Stores the code and, if a log is written, logs its text.
 void SetErrorState(ELFReadErrorEnum code);
 
+/// Stores the code for an operation that fails with it. Always false.
+bool Fail(ELFReadErrorEnum code);
+
 /// Gives the text of the current error state in the current language, UTF-8.
 void ReportElfError(std::string& text);
 

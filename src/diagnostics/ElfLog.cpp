@@ -1,5 +1,6 @@
 #include "diagnostics/ElfLog.h"
 
+#include "core/FormatText.h"
 #include "core/VElfOptions.h"
 
 #include <algorithm>
@@ -7,7 +8,6 @@
 #include <chrono>
 #include <cstdarg>
 #include <cstddef>
-#include <cstdio>
 #include <ctime>
 #include <filesystem>
 #include <iostream>
@@ -61,16 +61,6 @@ bool ReportFailedCreation(const std::string& name, std::errc error) {
     return false;
 }
 
-std::string Format(const char* format, std::va_list arguments) {
-    std::va_list argumentsForLength;
-    va_copy(argumentsForLength, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, argumentsForLength);
-    va_end(argumentsForLength);
-    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
-    return text;
-}
-
 void Write(std::string_view text) {
     VElfOptions::mLogFile.write(text.data(), static_cast<std::streamsize>(text.size()));
     if (VElfOptions::mLogAutoFlush) {
@@ -119,7 +109,7 @@ void elflog(const char* format, ...) {
     }
     std::va_list arguments;
     va_start(arguments, format);
-    Write(Format(format, arguments) + '\n');
+    Write(FormatText(format, arguments) + '\n');
     va_end(arguments);
 }
 
@@ -129,7 +119,7 @@ void elfelog(const char* format, ...) {
     }
     std::va_list arguments;
     va_start(arguments, format);
-    Write(Format(format, arguments));
+    Write(FormatText(format, arguments));
     va_end(arguments);
 }
 
@@ -139,7 +129,7 @@ void elfilog(const char* format, ...) {
     }
     std::va_list arguments;
     va_start(arguments, format);
-    Write(Indentation() + Format(format, arguments) + '\n');
+    Write(Indentation() + FormatText(format, arguments) + '\n');
     va_end(arguments);
 }
 

@@ -34,11 +34,6 @@ constexpr int sLastRetry = 80;
 
 constexpr std::int64_t sMaximumPosition = std::numeric_limits<std::int32_t>::max();
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 /// The walk and the state of its search. Positions are file positions.
 class CompileUnitMapper {
 public:

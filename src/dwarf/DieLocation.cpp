@@ -37,7 +37,7 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint32_t& value) {
     const std::uint32_t length = ReadBlockLength(reading);
     const std::int32_t start = mBuffer->GetOffset();
     MoveBehindBlock(length);
-    if (length == 0 || HasPassedEnd()) {
+    if (length == 0 || mBuffer->HasPassedEnd()) {
         return false;
     }
     const std::int32_t end = mBuffer->GetOffset();

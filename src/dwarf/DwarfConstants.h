@@ -66,6 +66,16 @@ enum : dwarf_tag {
     DW_TAG_class_template = 0x4103,
 };
 
+/// Classes, structures and unions.
+constexpr bool IsAggregate(dwarf_tag tag) {
+    return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type;
+}
+
+/// Types that are grouped by name, and so may get links to a definition or a representative.
+constexpr bool IsGroupedType(dwarf_tag tag) {
+    return IsAggregate(tag) || tag == DW_TAG_typedef;
+}
+
 /// Attributes that are picked out of a debug entry.
 enum : std::uint32_t {
     DW_AT_location = 0x02,

@@ -15,8 +15,6 @@ namespace {
 /// Time of the log's clock when the section was begun.
 double gLogBeginSectionTimer = 0;
 
-constexpr std::array<std::uint32_t, 5> sUnknownEntryTypeSizes = {0, 1, 2, 4, 8};
-
 } // namespace
 
 bool VDwarf2Section::ProcessDebugSection() {
@@ -47,12 +45,8 @@ void VDwarf2Section::CreateUnknownEntryTypes() {
     VCLIFactoryWrapper& factory = *mElfFile->mFactory;
     const std::uint64_t globalNamespace = factory.GetGlobalNamespace();
     for (std::size_t index = 0; index < mUnknownEntryTypes.size(); ++index) {
-        const std::uint32_t size = sUnknownEntryTypeSizes[index];
-        std::uint64_t& type = mUnknownEntryTypes[index];
-        type = factory.GetUnknownEntryType(size, globalNamespace);
-        if (type == 0) {
-            type = factory.CreateUnknownEntryType(size, globalNamespace);
-        }
+        mUnknownEntryTypes[index] = sGetSymbolTableBaseEntryTypeObjId(
+            factory, globalNamespace, kUnknownEntryTypeSizes[index]);
     }
 }
 

@@ -14,10 +14,6 @@ constexpr std::uint32_t sMaximumSkip = std::numeric_limits<std::uint16_t>::max()
 constexpr std::size_t sCodesPerItem = 4;
 constexpr std::size_t sSmallestFlatTable = 64;
 
-bool HasPassedEnd(const VElfBuffer& section) {
-    return section.GetOffset() > section.GetBufferLength();
-}
-
 } // namespace
 
 bool VAbrTab::Read(VElfBuffer& section, std::uint32_t offset) {
@@ -41,7 +37,7 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
     item.mFirstAttribute = static_cast<std::uint32_t>(mAttributes.size());
     ReadAttributes(section);
     item.mAttributeCount = static_cast<std::uint32_t>(mAttributes.size()) - item.mFirstAttribute;
-    if (HasPassedEnd(section)) {
+    if (section.HasPassedEnd()) {
         mAttributes.resize(item.mFirstAttribute);
         return false;
     }

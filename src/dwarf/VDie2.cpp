@@ -69,7 +69,7 @@ VDie2::Entry VDie2::ReadEntry() {
         return Entry::Unknown;
     }
     ReadAttributes();
-    return HasPassedEnd() ? Entry::Unknown : Entry::Decoded;
+    return mBuffer->HasPassedEnd() ? Entry::Unknown : Entry::Decoded;
 }
 
 VDie2::Entry VDie2::ReadAbbrevCode() {
@@ -95,18 +95,13 @@ void VDie2::ReadAttributes() {
     for (const TDieAttribute& attribute : mAbbrevTable->AttributesOf(*mItem)) {
         mBuffer->MoveOffset(attribute.mSkip);
         ReadAttribute(attribute);
-        if (HasPassedEnd()) {
+        if (mBuffer->HasPassedEnd()) {
             return;
         }
     }
     if (mTag == DW_TAG_enumeration_type && !mHasByteSize) {
         mTag = DW_TAG_namespace;
     }
-}
-
-bool VDie2::HasPassedEnd() const {
-    return static_cast<std::uint32_t>(mBuffer->GetOffset()) >
-           static_cast<std::uint32_t>(mBuffer->GetBufferLength());
 }
 
 void VDie2::ReadAttribute(const TDieAttribute& attribute) {

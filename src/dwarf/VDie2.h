@@ -97,7 +97,6 @@ private:
     std::uint32_t ReadReferenceAddress();
     /// Moves behind a block; one that passes the end of the unit cuts the entry off.
     void MoveBehindBlock(std::uint32_t length);
-    [[nodiscard]] bool HasPassedEnd() const;
 
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
     void StoreName(const char* name);

@@ -35,11 +35,6 @@ constexpr std::size_t sOrdinaryTextLength = 2047;
 /// Longer texts may have this many characters for each byte of the file.
 constexpr std::uint64_t sLongTextPerByte = 16;
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 } // namespace
 
 std::uint32_t recCnt = 0;

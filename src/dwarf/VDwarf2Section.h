@@ -121,8 +121,10 @@ public:
     VDieNodeMap mDieNodes;
     /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
-    /// Host objects of the unknown types of 0, 1, 2, 4 and 8 bytes.
-    std::array<std::uint64_t, 5> mUnknownEntryTypes{};
+    /// Sizes of the unknown types that are kept at hand.
+    static constexpr std::array<std::uint32_t, 5> kUnknownEntryTypeSizes = {0, 1, 2, 4, 8};
+    /// Host objects of the unknown types of these sizes.
+    std::array<std::uint64_t, kUnknownEntryTypeSizes.size()> mUnknownEntryTypes{};
     std::uint64_t mVoidEntryType = 0;
 
 private:

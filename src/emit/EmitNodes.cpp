@@ -8,14 +8,10 @@
 #include "nodes/VDebugInfoNode.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
-
-/// Sizes of the unknown types that are kept at hand, in the order of their places.
-constexpr std::uint32_t sKeptUnknownSizes[] = {0, 1, 2, 4, 8};
 
 /// From this number of nodes on, progress is told a hundred times.
 constexpr std::size_t sManyNodes = 200;
@@ -79,10 +75,10 @@ bool VDwarf2Section::EmitNodes() {
 }
 
 ObjectId VDwarf2Section::GetUnknownEntryTypeObject(std::uint32_t byteSize) {
-    const auto* const kept = std::ranges::find(sKeptUnknownSizes, byteSize);
-    if (kept != std::end(sKeptUnknownSizes)) {
+    const auto* const kept = std::ranges::find(kUnknownEntryTypeSizes, byteSize);
+    if (kept != kUnknownEntryTypeSizes.end()) {
         const ObjectId object =
-            mUnknownEntryTypes[static_cast<std::size_t>(kept - sKeptUnknownSizes)];
+            mUnknownEntryTypes[static_cast<std::size_t>(kept - kUnknownEntryTypeSizes.begin())];
         if (object != 0) {
             return object;
         }

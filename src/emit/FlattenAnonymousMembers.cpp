@@ -8,11 +8,6 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-bool IsAggregate(const VDebugInfoNode& node) {
-    return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type ||
-           node.GetTag() == DW_TAG_union_type;
-}
-
 bool IsNameless(const VDebugInfoNode& node) {
     return node.GetNameOrNull() == nullptr;
 }
@@ -22,7 +17,7 @@ bool IsNameless(const VDebugInfoNode& node) {
 VDebugInfoNode* AnonymousTypeOf(const VDebugInfoNode& member) {
     const VDebugInfoNode* parent = member.GetParent();
     if (member.GetTag() != DW_TAG_member || !IsNameless(member) || parent == nullptr ||
-        !IsAggregate(*parent)) {
+        !IsAggregate(parent->GetTag())) {
         return nullptr;
     }
     VDebugInfoNode* type = member.GetTypeNode();

@@ -31,11 +31,6 @@ constexpr std::size_t sScarceTextLength = 256;
 constexpr std::size_t sTextsPerSectionByte = 16;
 constexpr std::size_t sAlwaysAllowedTexts = std::size_t{16} * 1024 * 1024;
 
-bool IsGroupedType(dwarf_tag tag) {
-    return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_typedef ||
-           tag == DW_TAG_union_type;
-}
-
 /// All groups of one tree, in the order of their first nodes.
 class TypeGroups {
 public:
@@ -136,11 +131,7 @@ private:
 
     /// A definition that is itself a typedef of the declaration would form a loop.
     static void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) {
-        const VDebugInfoNode* type = definition.GetTypeNode();
-        if (type == nullptr) {
-            type = definition.GetSpecificationNode();
-        }
-        if (type != &declaration) {
+        if (definition.GetTypeOrSpecificationNode() != &declaration) {
             declaration.SetDeclarationResolved(&definition);
         }
     }

@@ -21,10 +21,7 @@ public:
     std::uint32_t RichnessOf(const VDebugInfoNode& variable) {
         const VDebugInfoNode* node = &variable;
         for (int link = 0; link < sMaximumChainLength; ++link) {
-            VDebugInfoNode* type = node->GetTypeNode();
-            if (type == nullptr) {
-                type = node->GetSpecificationNode();
-            }
+            VDebugInfoNode* type = node->GetTypeOrSpecificationNode();
             if (type == nullptr || type == node) {
                 return 0;
             }

@@ -8,8 +8,7 @@ using WalkState = VDebugInfoNode::WalkState;
 
 struct TypeChain {
     static VDebugInfoNode* Next(const VDebugInfoNode& node) {
-        VDebugInfoNode* type = node.GetTypeNode();
-        return type != nullptr ? type : node.GetSpecificationNode();
+        return node.GetTypeOrSpecificationNode();
     }
     static WalkState Get(const VDebugInfoNode& node) { return node.GetTypeWalkState(); }
     static void Set(VDebugInfoNode& node, WalkState state) { node.SetTypeWalkState(state); }

@@ -28,15 +28,6 @@ bool HasBaseClasses(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type;
 }
 
-bool HasDeliveredChildren(const VDebugInfoNode& node) {
-    return HasBaseClasses(node) || node.GetTag() == DW_TAG_union_type;
-}
-
-VDebugInfoNode* TypeOrSpecification(const VDebugInfoNode& node) {
-    VDebugInfoNode* type = node.GetTypeNode();
-    return type != nullptr ? type : node.GetSpecificationNode();
-}
-
 bool IsDeliveredVariable(const VDebugInfoNode& variable) {
     return variable.HasLocation() && !variable.IsRegisterOrStackLocation() &&
            (variable.GetLocationAddress() != 0 || !variable.IsExternal()) &&
@@ -237,7 +228,7 @@ VDebugInfoNode* VNodeEmission::SkipUndelivered(VDebugInfoNode* node) {
     std::vector<VDebugInfoNode*> landmarks;
     for (int link = 1;; ++link) {
         VDebugInfoNode* type = node->GetTypeNode();
-        VDebugInfoNode* next = type != nullptr ? type : node->GetSpecificationNode();
+        VDebugInfoNode* next = node->GetTypeOrSpecificationNode();
         if (next == nullptr || (type != nullptr && !IsUndelivered(*type))) {
             break;
         }
@@ -313,7 +304,7 @@ bool VNodeEmission::MeetParameters(Frame& frame) {
 }
 
 bool VNodeEmission::MeetReturnType(Frame& frame) {
-    return TypeOrSpecification(*frame.node) == nullptr ||
+    return frame.node->GetTypeOrSpecificationNode() == nullptr ||
            MeetType(frame, *frame.node, frame.inputs.type);
 }
 
@@ -372,7 +363,7 @@ void VNodeEmission::AdvanceBaseClasses(Frame& frame) {
 
 void VNodeEmission::AdvanceChildren(Frame& frame) {
     VDebugInfoNode& node = *frame.node;
-    if (HasDeliveredChildren(node)) {
+    if (IsAggregate(node.GetTag())) {
         if (frame.child == nullptr) {
             frame.child = node.FirstChild();
         }

@@ -29,11 +29,6 @@ struct ReadSelection {
     [[nodiscard]] bool IsEmpty() const { return !dwarf2 && !dwarf1 && !nec; }
 };
 
-bool Fail(ELFReadErrorEnum code) {
-    SetErrorState(code);
-    return false;
-}
-
 void StartLog(const std::string& path) {
     if (VElfOptions::mIsLogFile == 0) {
         return;

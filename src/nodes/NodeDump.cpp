@@ -1,6 +1,7 @@
 // The dump of the node tree to text files beside the input, for a person who looks into a file that
 // was read wrongly. Nothing reads it back.
 #include "container/VElfFile.h"
+#include "core/FormatText.h"
 #include "dwarf/DwarfNames.h"
 #include "dwarf/VDwarf2Section.h"
 #include "host/VDWARFReaderWrapper.h"
@@ -12,7 +13,6 @@
 
 #include <cinttypes>
 #include <cstdarg>
-#include <cstdio>
 #include <fstream>
 #include <string>
 
@@ -37,14 +37,8 @@ constexpr std::int32_t sNoRecord = -1;
 BRINDLE_PRINTF_TO_STREAM void Print(std::ostream& stream, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    std::va_list argumentsForLength;
-    va_copy(argumentsForLength, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, argumentsForLength);
-    va_end(argumentsForLength);
-    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
+    stream << FormatText(format, arguments);
     va_end(arguments);
-    stream << text;
 }
 
 std::string NameOf(const VDebugInfoNode* node, const char* otherwise) {

@@ -17,12 +17,6 @@ bool HasExtras(const VDie2& die) {
            die.mAccessibility.IsDefined();
 }
 
-/// Types that are grouped by name, and so may get links to a definition or a representative.
-bool IsGroupedType(dwarf_tag tag) {
-    return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type ||
-           tag == DW_TAG_typedef;
-}
-
 VAttributeString Keep(const VAttributeString& text, VDwarf2Section& section) {
     return {text.mDefined ? section.KeepText(text.mValue) : std::string_view(), text.mDefined};
 }

@@ -19,11 +19,6 @@ bool IsPointerOrReference(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_pointer_type || node.GetTag() == DW_TAG_reference_type;
 }
 
-bool IsStructured(const VDebugInfoNode& node) {
-    return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type ||
-           node.GetTag() == DW_TAG_union_type;
-}
-
 /// Entries that never have a size of their own.
 bool IsWithoutSize(dwarf_tag tag) {
     switch (tag) {
@@ -227,9 +222,8 @@ VDebugInfoNode* VDebugInfoNode::GetBaseTypeNode() {
 
 VDebugInfoNode* VDebugInfoNode::FindStructuredTypeNode() {
     VDebugInfoNode* node = this;
-    for (int link = 0; link < sMaximumChainLength && !IsStructured(*node); ++link) {
-        VDebugInfoNode* type = node->GetTypeNode();
-        VDebugInfoNode* next = type != nullptr ? type : node->GetSpecificationNode();
+    for (int link = 0; link < sMaximumChainLength && !IsAggregate(node->GetTag()); ++link) {
+        VDebugInfoNode* next = node->GetTypeOrSpecificationNode();
         if (next == nullptr) {
             break;
         }

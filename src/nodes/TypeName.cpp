@@ -70,14 +70,8 @@ ScopeText ScopeTextOf(dwarf_tag tag) {
     }
 }
 
-VDebugInfoNode* TypeOrSpecification(const VDebugInfoNode& node) {
-    VDebugInfoNode* type = node.GetTypeNode();
-    return type != nullptr ? type : node.GetSpecificationNode();
-}
-
 bool IsStructural(dwarf_tag tag) {
-    return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type ||
-           tag == DW_TAG_interface_type;
+    return IsAggregate(tag) || tag == DW_TAG_interface_type;
 }
 
 } // namespace
@@ -93,7 +87,7 @@ void TypeNameBuilder::AppendTypeName(VDebugInfoNode* node, int depth, std::strin
         const std::string_view modifier = ModifierOf(node->GetTag());
         if (!modifier.empty()) {
             out += modifier;
-            node = TypeOrSpecification(*node);
+            node = node->GetTypeOrSpecificationNode();
             continue;
         }
         switch (node->GetTag()) {
@@ -171,7 +165,7 @@ void TypeNameBuilder::AppendTemplateParameters(const VDebugInfoNode& node, int d
             out.append(child->GetName()).append(" = ");
         }
         if (isType) {
-            AppendTypeName(TypeOrSpecification(*child), depth, out, withRecordNumbers);
+            AppendTypeName(child->GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
         } else {
             out += std::to_string(
                 static_cast<std::int32_t>(child->GetConstValueAttribute().ToInteger()));
@@ -192,7 +186,7 @@ void TypeNameBuilder::AppendParameterList(const VDebugInfoNode& node, int depth,
             out += ',';
         }
         isFirst = false;
-        AppendTypeName(TypeOrSpecification(*child), depth, out, withRecordNumbers);
+        AppendTypeName(child->GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
     }
     out += ") ";
 }
@@ -220,7 +214,7 @@ void TypeNameBuilder::AppendTemplatePart(VDebugInfoNode& node, int depth, std::s
 
 void TypeNameBuilder::AppendFunctionType(VDebugInfoNode& node, int depth, std::string& out,
                                          bool withRecordNumbers) {
-    AppendTypeName(TypeOrSpecification(node), depth, out, withRecordNumbers);
+    AppendTypeName(node.GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
     AppendTemplatePart(node, depth, out, withRecordNumbers);
     AppendParameterList(node, depth, out, withRecordNumbers);
 }

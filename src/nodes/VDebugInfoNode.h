@@ -162,6 +162,8 @@ public:
     [[nodiscard]] VAttributeValue GetSpecificationAttribute() const;
     /// The entry that this one completes; a definition in place of a resolved declaration.
     [[nodiscard]] VDebugInfoNode* GetSpecificationNode() const;
+    /// The type, or the specification of a node without type; null if it has neither.
+    [[nodiscard]] VDebugInfoNode* GetTypeOrSpecificationNode() const;
     /// For nodes that have a specification attribute; no others keep the link.
     void SetSpecificationNode(VDebugInfoNode* node);
     /// Cuts the link to the specification, and the reference with it.
@@ -310,8 +312,6 @@ protected:
     VNodeExtras& MakeExtras(VNodeArena& arena);
 
 private:
-    friend class VDie2;
-
     void SettleByteSize(const VDieNodeMap& nodes, int nesting);
     void SettleByteSizeOfChain(const VDieNodeMap& nodes);
     [[nodiscard]] VDebugInfoNode* FindNumberingOwner() const;
@@ -417,6 +417,11 @@ inline VDebugInfoNode* VDebugInfoNode::GetTypeNode() const {
 inline VDebugInfoNode* VDebugInfoNode::GetSpecificationNode() const {
     const VNodeExtras* extras = mExtras;
     return extras == nullptr ? nullptr : WithDefinition(extras->mSpecificationNode);
+}
+
+inline VDebugInfoNode* VDebugInfoNode::GetTypeOrSpecificationNode() const {
+    VDebugInfoNode* type = GetTypeNode();
+    return type != nullptr ? type : GetSpecificationNode();
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

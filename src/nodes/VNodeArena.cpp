@@ -43,15 +43,6 @@ const char* VNodeArena::KeepText(std::string_view text) {
     return copy;
 }
 
-const std::uint32_t* VNodeArena::KeepNumbers(const std::uint32_t* numbers, std::size_t count) {
-    auto* copy = static_cast<std::uint32_t*>(
-        count * sizeof *numbers <= kChunkSize / 2
-            ? Allocate(count * sizeof *numbers)
-            : static_cast<void*>(AllocateText(count * sizeof *numbers)));
-    std::copy_n(numbers, count, copy);
-    return copy;
-}
-
 char* VNodeArena::AllocateText(std::size_t size) {
     if (size > sTextChunkSize / 4) {
         return mTextChunks.emplace_back(std::make_unique<char[]>(size)).get();

@@ -43,9 +43,6 @@ public:
     /// @throws std::bad_alloc
     const char* KeepText(std::string_view text);
 
-    /// Makes a copy of the numbers that lives as long as the arena.
-    const std::uint32_t* KeepNumbers(const std::uint32_t* numbers, std::size_t count);
-
 private:
     template <typename T>
     friend class VNodeLink;
