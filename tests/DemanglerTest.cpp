@@ -1,5 +1,7 @@
 #include "demangle/Demangler.h"
 
+#include "demangle/NameText.h"
+
 #include <algorithm>
 #include <gtest/gtest.h>
 #include <memory>

@@ -2,6 +2,8 @@
 // text, which is UTF-8.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <string>
 #include <string_view>
 
@@ -10,6 +12,6 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Narrow text as host text: valid UTF-8 passes through, anything else is read as Windows-1252, so
 /// that no name is lost and the result is always valid UTF-8. The five bytes that Windows-1252
 /// leaves undefined become the control characters of the same number.
-std::string ToHostText(std::string_view narrowText);
+BRINDLE_EXPORT std::string ToHostText(std::string_view narrowText);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,12 +1,14 @@
 // What is known of the module that the input file will be loaded as.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// Process-wide facts about the loaded module.
-struct ModuleInfo {
+struct BRINDLE_EXPORT ModuleInfo {
     /// Subtracted from the address of each global before delivery; 0 leaves it unchanged.
     static inline std::uint32_t mModuleOffset = 0;
 

@@ -2,6 +2,8 @@
 // to restore them. The reader itself uses the variables of `VElfOptions` directly.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -18,14 +20,14 @@ struct OptionDescription {
 };
 
 /// All options, in the order of their documentation.
-std::span<const OptionDescription> OptionTable();
+BRINDLE_EXPORT std::span<const OptionDescription> OptionTable();
 
 /// The option of a name, or null. Names are case sensitive.
-const OptionDescription* FindOption(std::string_view name);
+BRINDLE_EXPORT const OptionDescription* FindOption(std::string_view name);
 
 /// Sets an option from text: a number, decimal or with 0x, with a sign where the type has one;
 /// 0, 1, true or false; or the text itself.
 /// @return false, with the option unchanged, if the text is no value of the option's type
-bool AssignOption(const OptionDescription& option, std::string_view text);
+BRINDLE_EXPORT bool AssignOption(const OptionDescription& option, std::string_view text);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -3,8 +3,9 @@
 // one.
 #pragma once
 
-#include "core/VString.h"
-#include "demangle/VDemanglingOptions.h"
+#include "../core/Export.h"
+#include "../core/VString.h"
+#include "../demangle/VDemanglingOptions.h"
 
 #include <cstdint>
 #include <fstream>
@@ -14,7 +15,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// The options, process-wide and unprotected. A host assigns them before `VDWARFReader::Read`; they
 /// survive from one read to the next.
-class VElfOptions {
+class BRINDLE_EXPORT VElfOptions {
 public:
     /// @name Options
     /// @{

@@ -2,13 +2,15 @@
 // apart from emptiness.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <cstddef>
 #include <string>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// A byte string that can be made from null pointers and tells whether it holds a character.
-class VString : public std::string {
+class BRINDLE_EXPORT VString : public std::string {
 public:
     VString() = default;
     VString(const std::string& text);

@@ -1,13 +1,15 @@
 // What a host asks of a datatype, whoever made it. `VDatatypeWrapper` implements it.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <cstdint>
 #include <string>
 
 namespace Tessel::Norn::BrindleReader {
 
 /// A datatype with a name, a type number and a length, each to be read and set.
-class IDataType {
+class BRINDLE_EXPORT IDataType {
 public:
     IDataType() = default;
     virtual ~IDataType() = default;

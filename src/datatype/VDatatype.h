@@ -2,6 +2,8 @@
 // the entries of map files; it needs no reader, and no reader uses it.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <cstdint>
 #include <string>
 
@@ -13,7 +15,7 @@ namespace Tessel::Norn::BrindleReader {
 /// The word: bits 8 to 31 are the length of a string. Bit 7 marks an integer; then bit 6 means
 /// signed and bits 0 to 5 are the width less 1. With bit 7 clear the low byte is the kind: one of
 /// the `sKind` values, anything else counts as 4 bytes of an unknown kind.
-class VDatatype {
+class BRINDLE_EXPORT VDatatype {
 public:
     static constexpr std::uint32_t sKindNone = 0;
     static constexpr std::uint32_t sKindFloat = 1;

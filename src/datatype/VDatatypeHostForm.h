@@ -2,7 +2,8 @@
 // and `VDatatypeWrapper`, which derive from it.
 #pragma once
 
-#include "datatype/VDatatype.h"
+#include "../core/Export.h"
+#include "../datatype/VDatatype.h"
 
 #include <cstdint>
 #include <string>
@@ -11,7 +12,7 @@ namespace Tessel::Norn::BrindleReader {
 
 /// A datatype that is read, not changed in its parts; see `VDatatype` for the meaning of each
 /// answer.
-class VDatatypeHostForm {
+class BRINDLE_EXPORT VDatatypeHostForm {
 public:
     /// Takes over the word of a datatype.
     void AssignNativeDataType(VDatatype datatype) { mTypAndLen = datatype.Word(); }

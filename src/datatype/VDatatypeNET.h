@@ -1,12 +1,13 @@
 // The datatype as a plain value of the host.
 #pragma once
 
-#include "datatype/VDatatypeHostForm.h"
+#include "../core/Export.h"
+#include "../datatype/VDatatypeHostForm.h"
 
 namespace Tessel::Norn::BrindleReader {
 
 /// A datatype by value; nothing at the start.
-class VDatatypeNET final : public VDatatypeHostForm {
+class BRINDLE_EXPORT VDatatypeNET final : public VDatatypeHostForm {
 public:
     VDatatypeNET() = default;
     explicit VDatatypeNET(VDatatype datatype)

@@ -1,14 +1,15 @@
 // The datatype as an object of the host, for code that knows `IDataType` alone.
 #pragma once
 
-#include "datatype/IDataType.h"
-#include "datatype/VDatatypeHostForm.h"
+#include "../core/Export.h"
+#include "../datatype/IDataType.h"
+#include "../datatype/VDatatypeHostForm.h"
 
 namespace Tessel::Norn::BrindleReader {
 
 /// A datatype behind `IDataType`. It is what it was made or assigned from: setting one of its
 /// properties changes nothing.
-class VDatatypeWrapper final : public IDataType, public VDatatypeHostForm {
+class BRINDLE_EXPORT VDatatypeWrapper final : public IDataType, public VDatatypeHostForm {
 public:
     explicit VDatatypeWrapper(VDatatype datatype)
         : VDatatypeHostForm(datatype) {}

@@ -3,8 +3,8 @@
 // qualified name and nothing else, allocates nothing, and touches no error state.
 #pragma once
 
-#include "demangle/NameText.h"
-#include "demangle/VDemanglingOptions.h"
+#include "../core/Export.h"
+#include "../demangle/VDemanglingOptions.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -18,7 +18,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// @return true if `out` holds a text: the qualified name if `demangled`, else a copy of the name
 ///         in which characters that no name may hold are replaced. False if there is nothing to
 ///         change, or if the name is too deeply qualified to be read; `out` is then not to be used.
-bool DemangleName(char* out, int outSize, const char* name, int length, bool& demangled,
-                  const VDemanglingOptions& options);
+BRINDLE_EXPORT bool DemangleName(char* out, int outSize, const char* name, int length,
+                                 bool& demangled, const VDemanglingOptions& options);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

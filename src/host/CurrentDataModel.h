@@ -2,13 +2,15 @@
 // the length of the read; the factory picks it up when the read begins.
 #pragma once
 
+#include "../core/Export.h"
+
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 
 class HostDataModel;
 
 /// Makes a data model current from construction to destruction. Scopes may nest: the model that was
 /// current before becomes current again. The model is borrowed and must outlive the scope.
-class CurrentDataModel {
+class BRINDLE_EXPORT CurrentDataModel {
 public:
     explicit CurrentDataModel(HostDataModel& dataModel);
     ~CurrentDataModel();

@@ -3,7 +3,8 @@
 // it current with `CurrentDataModel`, and calls `VDWARFReader::Read`.
 #pragma once
 
-#include "host/BasicTypes.h"
+#include "../core/Export.h"
+#include "../host/BasicTypes.h"
 
 #include <cstdint>
 #include <string>
@@ -30,7 +31,7 @@ using ObjectId = std::uint64_t;
 /// Order of calls: a scope before what lies in it, a type before the object that uses it, a class
 /// before its members (whose order is that of delivery), an enum table before its descriptions, and
 /// the data of the symbol table last. The operations marked spare are never called by the reader.
-class HostDataModel {
+class BRINDLE_EXPORT HostDataModel {
 public:
     HostDataModel() = default;
     HostDataModel(const HostDataModel&) = delete;

@@ -2,6 +2,8 @@
 // host sets. The reader's face, `VDWARFReader`, derives from it.
 #pragma once
 
+#include "../core/Export.h"
+
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -27,7 +29,7 @@ using SetProgressValueDelegate = std::function<void(std::int32_t)>;
 
 /// Holder of the callbacks. Each is empty until the host sets it; an empty one is not called. They
 /// are called on the thread of the read, and what they throw passes through it.
-class IProgressNotifier {
+class BRINDLE_EXPORT IProgressNotifier {
 public:
     SignalErrorDelegate SignalErrorCallback;
     SetProgressTextDelegate SetProgressTextCallback;

@@ -2,8 +2,9 @@
 // into the data model that the host has made current.
 #pragma once
 
-#include "host/DWARFContainerType.h"
-#include "host/IProgressNotifier.h"
+#include "../core/Export.h"
+#include "../host/DWARFContainerType.h"
+#include "../host/IProgressNotifier.h"
 
 #include <cstdint>
 #include <string>
@@ -15,7 +16,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Order of calls: construct; optionally `InitLanguage` and `ReadAllTypes`; set the callbacks; make
 /// a data model current; `Read`, as often as wanted; `Dispose`. The options of the read are the
 /// class variables of `VElfOptions`. At most one `Read` may run in a process at a time.
-class VDWARFReader : public Contract::Interfaces::IProgressNotifier {
+class BRINDLE_EXPORT VDWARFReader : public Contract::Interfaces::IProgressNotifier {
 public:
     /// Reads the file at `path` and delivers it. The path goes to the system unchanged.
     ///

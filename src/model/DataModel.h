@@ -2,8 +2,9 @@
 // `HostDataModel` asks for by index, and answers the questions of a host afterwards.
 #pragma once
 
-#include "host/HostDataModel.h"
-#include "model/ModelObject.h"
+#include "../core/Export.h"
+#include "../host/HostDataModel.h"
+#include "../model/ModelObject.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,7 +29,7 @@ class ModelStore;
 /// Every query ends soon whatever was delivered: scopes and types are followed 1000 links far, and
 /// what lies beyond counts as missing. Texts are cut at 64 KiB, between characters, with "..."
 /// where something is left out.
-class DataModel final : public Factory::HostDataModel {
+class BRINDLE_EXPORT DataModel final : public Factory::HostDataModel {
 public:
     DataModel();
     ~DataModel() override;

@@ -2,7 +2,8 @@
 // asks, so that it expands only what has changed; it reads the model and keeps what it found out.
 #pragma once
 
-#include "model/DataModel.h"
+#include "../core/Export.h"
+#include "../model/DataModel.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,7 +14,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 /// Gives each type of one model a number. Types have the same number, in all models of a process,
 /// if they have the same leaves with the same names, offsets, sizes, bits and type texts. Names of
 /// structures count for nothing. All types of a model take time in proportion to the model.
-class LayoutFingerprints {
+class BRINDLE_EXPORT LayoutFingerprints {
 public:
     /// @param model borrowed; must not change during the life of this object
     explicit LayoutFingerprints(const DataModel& model)

@@ -3,7 +3,8 @@
 // no pointer.
 #pragma once
 
-#include "model/DataModel.h"
+#include "../core/Export.h"
+#include "../model/DataModel.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -39,7 +40,7 @@ struct LeafCuts {
 
 /// Expands variables to leaves: base types, pointers, enums, types of which only the size is known,
 /// bit fields, and classes and arrays without contents.
-class LeafWalk {
+class BRINDLE_EXPORT LeafWalk {
 public:
     /// @param path the name of the variable with the steps to the leaf, as `ResolvePath` takes it;
     ///     valid during the call

@@ -2,8 +2,8 @@
 // `DataModel`.
 #pragma once
 
-#include "host/BasicTypes.h"
-#include "host/HostDataModel.h"
+#include "../host/BasicTypes.h"
+#include "../host/HostDataModel.h"
 
 #include <cstdint>
 #include <string_view>

@@ -2,7 +2,8 @@
 // `RecordingDataModel` makes them; tests compare their texts and the program prints them.
 #pragma once
 
-#include "host/HostDataModel.h"
+#include "../core/Export.h"
+#include "../host/HostDataModel.h"
 
 #include <cstdint>
 #include <string>
@@ -23,7 +24,7 @@ struct RecordedArgument {
     RecordedValue value;
 };
 
-struct RecordedCall {
+struct BRINDLE_EXPORT RecordedCall {
     /// The operation's name in `HostDataModel`.
     std::string_view operation;
     /// In the order of the parameters.

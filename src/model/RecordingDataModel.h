@@ -2,8 +2,9 @@
 // of a delivery, and the program's trace. It holds no objects of its own.
 #pragma once
 
-#include "host/HostDataModel.h"
-#include "model/RecordedCall.h"
+#include "../core/Export.h"
+#include "../host/HostDataModel.h"
+#include "../model/RecordedCall.h"
 
 #include <cstdint>
 #include <functional>
@@ -17,7 +18,7 @@ using Factory::ObjectId;
 
 /// Forwards each operation to the next data model, then records it with its result. A call that the
 /// next model leaves by an exception is not recorded, and the exception passes through.
-class RecordingDataModel final : public Factory::HostDataModel {
+class BRINDLE_EXPORT RecordingDataModel final : public Factory::HostDataModel {
 public:
     using Sink = std::function<void(const RecordedCall&)>;
 
