@@ -12,7 +12,8 @@ packages=(
 )
 case "${1:-}" in
 samples)
-    packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu)
+    packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu
+        g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32)
     ;;
 bench)
     packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

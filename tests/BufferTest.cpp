@@ -20,7 +20,7 @@ class BufferTest : public testing::Test {
 protected:
     /// Opens an input of these bytes.
     void Open(const std::string& content) {
-        ASSERT_TRUE(mInput.OpenForReading(mFolder.Write("input", content)));
+        ASSERT_EQ(mInput.OpenForReading(mFolder.Write("input", content)), 0);
     }
 
     /// A buffer that has loaded exactly these bytes.

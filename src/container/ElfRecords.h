@@ -2,6 +2,7 @@
 // (System V ABI, chapters "ELF Header", "Sections" and "Symbol Table"). ELF 32 values are widened.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -40,6 +41,9 @@ struct Elf64_Shdr {
 
     [[nodiscard]] bool IsPresent() const { return sh_name != 0; }
 };
+
+/// Longer section names are cut; none that the reader looks for comes near.
+constexpr std::size_t sMaximumSectionNameLength = 1023;
 
 /// Symbol record.
 struct Elf32_Sym {

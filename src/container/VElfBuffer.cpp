@@ -1,5 +1,6 @@
 #include "container/VElfBuffer.h"
 
+#include "container/ByteOrder.h"
 #include "core/ErrorState.h"
 
 #include <cerrno>
@@ -17,24 +18,6 @@ constexpr std::int32_t sMaximumSize = std::numeric_limits<std::int32_t>::max();
 
 /// Stands for every size that no buffer can hold.
 constexpr std::int32_t sUnloadableSize = -1;
-
-template <typename Integer>
-Integer DecodeLittleEndian(const std::uint8_t* bytes) {
-    std::uint64_t value = 0;
-    for (std::size_t index = 0; index < sizeof(Integer); ++index) {
-        value |= std::uint64_t{bytes[index]} << (8 * index);
-    }
-    return static_cast<Integer>(value);
-}
-
-template <typename Integer>
-Integer DecodeBigEndian(const std::uint8_t* bytes) {
-    std::uint64_t value = 0;
-    for (std::size_t index = 0; index < sizeof(Integer); ++index) {
-        value = (value << 8U) | bytes[index];
-    }
-    return static_cast<Integer>(value);
-}
 
 } // namespace
 

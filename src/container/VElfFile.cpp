@@ -2,11 +2,33 @@
 
 #include "emit/VCLIFactoryWrapper.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
 constexpr std::size_t sMaximumFileNameLength = 260;
+
+struct SectionName {
+    std::string_view name;
+    Elf64_Shdr VElfFile::*section;
+};
+
+constexpr SectionName sSectionNames[] = {
+    {".debug", &VElfFile::mSecDebug},
+    {".debug_info", &VElfFile::mSecDebugInfo},
+    {".symtab", &VElfFile::mSecSymtab},
+    {".strtab", &VElfFile::mSecStrtab},
+    {".debug_abbrev", &VElfFile::mSecDebugAbbrev},
+    {".debug_loc", &VElfFile::mSecDebugLoc},
+    {".debug_str", &VElfFile::mSecDebugStr},
+    {".pubtypes", &VElfFile::mSecPubtypes},
+    {".debug_line", &VElfFile::mSecDebugLine},
+    {".debug_pubnames", &VElfFile::mSecDebugPubnames},
+    {".debug_aranges", &VElfFile::mSecDebugAranges},
+};
 
 } // namespace
 
@@ -18,8 +40,13 @@ VElfFile::VElfFile(const std::string& path, VDWARFReaderWrapper* reader)
 
 VElfFile::~VElfFile() = default;
 
-bool VElfFile::OpenInput() {
-    return OpenForReading(mPath);
+bool VElfFile::AssignSection(std::string_view name, const Elf64_Shdr& section) {
+    const auto* known = std::ranges::find(sSectionNames, name, &SectionName::name);
+    if (known == std::end(sSectionNames)) {
+        return false;
+    }
+    this->*known->section = section;
+    return true;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -6,11 +6,13 @@
 
 #include "container/ElfRecords.h"
 #include "container/IElfSymbolMap.h"
+#include "container/VCoffFileHeader.h"
 #include "container/VElfBuffer.h"
 #include "container/VElfInput.h"
 #include "container/VElfNamesObjectMap.h"
 #include "container/VElfSymbolMap.h"
 #include "container/VElfSymbolNamesMap.h"
+#include "container/VPEImage.h"
 #include "core/VElfOptions.h"
 
 #include <cstddef>
@@ -38,8 +40,6 @@ public:
     VElfFile(VElfFile&&) = delete;
     VElfFile& operator=(VElfFile&&) = delete;
 
-    /// Opens the file of the path and takes its length. Error: `ELFERR_OPEN_FAILED`.
-    bool OpenInput();
     /// Path of the input as the host gave it.
     [[nodiscard]] const std::string& GetInputPath() const { return mPath; }
     /// Path of the input, cut to 260 characters.
@@ -48,9 +48,10 @@ public:
     /// @name ELF header and sections
     /// @{
 
-    /// Opens the file and fills the header and the target flags (ELF header, e_ident). Errors:
-    /// `ELFERR_OPEN_FAILED`, `ELFERR_READ_FAILED`, `ELFERR_SEEK_FAILED`, `ELFERR_NOT_ELF`,
-    /// `ELFERR_ELF_CLASS`, `ELFERR_BYTE_ENCODING`, `ELFERR_ELF_VERSION`.
+    /// Opens the file and fills the header and the target flags (ELF header, e_ident). That the
+    /// file can't be opened also goes to standard output. Errors: `ELFERR_OPEN_FAILED`,
+    /// `ELFERR_READ_FAILED`, `ELFERR_SEEK_FAILED`, `ELFERR_NOT_ELF`, `ELFERR_ELF_CLASS`,
+    /// `ELFERR_BYTE_ENCODING`, `ELFERR_ELF_VERSION`.
     bool ReadElfHeader();
     /// Fills the section records. Errors: those of loading, `ELFERR_NO_SYMTAB`, `ELFERR_NO_STRTAB`.
     bool LoadSectionInfos();
@@ -63,6 +64,36 @@ public:
                                   bool is64Bit);
 
     /// @}
+    /// @name COFF header and sections, TI layout
+    /// @{
+
+    /// Opens the file and fills the header and the target flags; `mCoffDwarfAddressMode` and the
+    /// target id decide on word addressing. Errors: `ELFERR_OPEN_FAILED`, `ELFERR_READ_FAILED`,
+    /// `ELFERR_SEEK_FAILED`, `ELFERR_FILE_IS_ELF`. A file that isn't COFF passes, and fails later
+    /// on its sizes.
+    bool ReadCoffHeader(VCoffFileHeader& header);
+    /// Fills the section records. Errors: those of loading; `ELFERR_CORRUPTED` (more symbols or
+    /// sections than the file can hold); `ELFERR_WRONG_READER` (the name of a section lies outside
+    /// of the string table).
+    bool ReadCoffSectionHeader(const VCoffFileHeader& header);
+
+    /// @}
+    /// @name PE image
+    /// @{
+
+    /// Maps the image, fills the section records and opens the file. Whatever fails, the error
+    /// state is `ELFERR_OPEN_FAILED` in the end.
+    bool ReadPEFileDwarfSections();
+    /// Fills `mSymbolMap` with the symbols of the image. False without error state if the map isn't
+    /// empty or no image is mapped.
+    bool ReadPEFileSymbolTable();
+
+    /// @}
+    /// Stores a section that a container holds under its name, in place of an earlier one of that
+    /// name.
+    /// @return false if the reader has no use for the name
+    bool AssignSection(std::string_view name, const Elf64_Shdr& section);
+
     /// @name Symbols
     /// @{
 
@@ -94,6 +125,7 @@ public:
 
     /// @}
 
+    VPEImage mPEImage;
     /// Image base of a PE file that is a DLL, else 0.
     std::uint64_t mImageBase = 0;
     Elf64_Ehdr mElfHeader;
@@ -122,7 +154,9 @@ public:
 private:
     bool CheckIdentification(VElfBuffer& buffer);
     void ReadHeaderFields(VElfBuffer& buffer);
-    void AssignSection(const char* name, const Elf64_Shdr& section);
+    void AssignNecSection(std::string_view name, const Elf64_Shdr& section);
+    bool ReadCoffSection(VElfBuffer& table, const VElfBuffer& names);
+    static bool HasElfMagic(const VElfBuffer& buffer);
     bool CheckFoundSections() const;
 
     std::string mPath;

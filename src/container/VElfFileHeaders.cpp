@@ -1,9 +1,11 @@
 // The ELF side of `VElfFile`: its header and its section table (System V ABI, chapters "ELF Header"
 // and "Sections").
 #include "container/VElfFile.h"
+#include "core/CutText.h"
 #include "core/ErrorState.h"
 
 #include <cstring>
+#include <iostream>
 #include <limits>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -24,35 +26,12 @@ std::uint64_t GetWord(VElfBuffer& buffer, bool is64Bit) {
     return is64Bit ? buffer.GetUInt64() : buffer.GetULong();
 }
 
-bool HasMagic(const VElfBuffer& buffer) {
-    return buffer[0] == 0x7F && buffer[1] == 'E' && buffer[2] == 'L' && buffer[3] == 'F';
-}
-
-struct SectionName {
-    const char* name;
-    Elf64_Shdr VElfFile::*section;
-};
-
-constexpr SectionName sSectionNames[] = {
-    {".debug", &VElfFile::mSecDebug},
-    {".debug_info", &VElfFile::mSecDebugInfo},
-    {".symtab", &VElfFile::mSecSymtab},
-    {".strtab", &VElfFile::mSecStrtab},
-    {".debug_abbrev", &VElfFile::mSecDebugAbbrev},
-    {".debug_loc", &VElfFile::mSecDebugLoc},
-    {".debug_str", &VElfFile::mSecDebugStr},
-    {".vdebug", &VElfFile::mSecVdebug},
-    {".vdbstrtab", &VElfFile::mSecVdbstrtab},
-    {".pubtypes", &VElfFile::mSecPubtypes},
-    {".debug_line", &VElfFile::mSecDebugLine},
-    {".debug_pubnames", &VElfFile::mSecDebugPubnames},
-    {".debug_aranges", &VElfFile::mSecDebugAranges},
-};
-
 } // namespace
 
 bool VElfFile::ReadElfHeader() {
-    if (!OpenInput()) {
+    if (const int systemError = OpenForReading(mPath); systemError != 0) {
+        SetErrorState(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
+        std::cout << "Failed to open " << mPath << ": Error Code " << systemError;
         return false;
     }
     VElfBuffer buffer(*this);
@@ -69,8 +48,12 @@ bool VElfFile::ReadElfHeader() {
     return true;
 }
 
+bool VElfFile::HasElfMagic(const VElfBuffer& buffer) {
+    return buffer[0] == 0x7F && buffer[1] == 'E' && buffer[2] == 'L' && buffer[3] == 'F';
+}
+
 bool VElfFile::CheckIdentification(VElfBuffer& buffer) {
-    if (!HasMagic(buffer)) {
+    if (!HasElfMagic(buffer)) {
         return Fail(ELFReadErrorEnum::ELFERR_NOT_ELF);
     }
     const std::int8_t elfClass = buffer[sClassIndex];
@@ -165,19 +148,23 @@ bool VElfFile::LoadSectionInfos() {
         }
         Elf64_Shdr section;
         ReadSectionHeader(section, table, index * mElfHeader.e_shentsize, mIs64Bit);
-        if (const char* name = names.GetTextAt(section.sh_name)) {
-            AssignSection(name, section);
+        const char* text = names.GetTextAt(section.sh_name);
+        if (text == nullptr) {
+            continue;
+        }
+        const std::string_view name = CutText(text, sMaximumSectionNameLength);
+        if (!AssignSection(name, section)) {
+            AssignNecSection(name, section);
         }
     }
     return CheckFoundSections();
 }
 
-void VElfFile::AssignSection(const char* name, const Elf64_Shdr& section) {
-    for (const SectionName& known : sSectionNames) {
-        if (std::strcmp(name, known.name) == 0) {
-            this->*known.section = section;
-            return;
-        }
+void VElfFile::AssignNecSection(std::string_view name, const Elf64_Shdr& section) {
+    if (name == ".vdebug") {
+        mSecVdebug = section;
+    } else if (name == ".vdbstrtab") {
+        mSecVdbstrtab = section;
     }
 }
 

@@ -12,9 +12,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Input stream and target flags of one file.
 class VElfInput {
 public:
-    /// Opens the file and takes its length. On failure the error state is `ELFERR_OPEN_FAILED`, and
-    /// a text goes to standard output.
-    bool OpenForReading(const std::string& path);
+    /// Opens the file and takes its length. Sets no error state.
+    /// @return 0, or the system's error code
+    int OpenForReading(const std::string& path);
 
     VInputStream mFile;
     /// Length of the input file in bytes.

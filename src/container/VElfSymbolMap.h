@@ -16,6 +16,7 @@ public:
     void AddSymbol(const Elf32_Sym& symbol) override;
     void Clear() override;
     void DeleteAll() { Clear(); }
+    [[nodiscard]] bool IsEmpty() const { return mSymbols.empty(); }
 
     /// The symbol at an address, null if there is none. Of several it is the first; with
     /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first.

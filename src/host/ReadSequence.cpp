@@ -117,6 +117,17 @@ bool FinishWithoutDebugSection(DWARFContainerType container, VElfFile& file,
     }
 }
 
+bool ReadPEHeaders(VElfFile& file) {
+    if (!file.ReadPEFileDwarfSections()) {
+        return false;
+    }
+    file.mIsMSBData = false;
+    VElfOptions::mUseCppExtensionDWARF2 = 1;
+    // Debug information is worth having without the symbols.
+    file.ReadPEFileSymbolTable();
+    return true;
+}
+
 bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper* wrapper) {
     if (!_ReadElfAndSectionHeaders(container, file)) {
         return false;
@@ -159,9 +170,12 @@ bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* 
 
 bool _ReadElfAndSectionHeaders(DWARFContainerType container, VElfFile& file) {
     switch (container) {
-    case DWARFContainerType::Container_COFF:
+    case DWARFContainerType::Container_COFF: {
+        VCoffFileHeader header;
+        return file.ReadCoffHeader(header) && file.ReadCoffSectionHeader(header);
+    }
     case DWARFContainerType::Container_PE:
-        return file.OpenInput() && Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
+        return ReadPEHeaders(file);
     default:
         return file.ReadElfHeader() && file.LoadSectionInfos();
     }

@@ -7,7 +7,7 @@ objects=$(mktemp -d)
 trap 'rm -rf "$objects"' EXIT
 
 # Projects: c, cpp, or both in one image. An image that ends in .o is the unit motor.c alone, not
-# linked.
+# linked. Images for Windows end in .exe or .dll.
 image_table='
 # image                           processor compiler project flags
 arm-symbols.elf                   arm       gcc      both    -O1 -g0
@@ -32,6 +32,14 @@ x86_64-c-dwarf4-O0.elf            x86_64    gcc      c       -O0 -gdwarf-4
 x86_64-cpp-dwarf4-O2.elf          x86_64    gcc      cpp     -O2 -gdwarf-4
 x86_64-clang-c-dwarf4-O2.elf      x86_64    clang    c       -O2 -gdwarf-4
 x86_64-clang-cpp-dwarf4-O0.elf    x86_64    clang    cpp     -O0 -gdwarf-4
+i686-c-dwarf2-O0.exe              windows32 gcc      c       -O0 -gdwarf-2 -gstrict-dwarf
+i686-c-dwarf4-O2.dll              windows32 gcc      c       -O2 -gdwarf-4 -Wl,--image-base=0x10000000
+i686-cpp-dwarf4-O0.exe            windows32 gcc      cpp     -O0 -gdwarf-4
+i686-cpp-dwarf2-O2.dll            windows32 gcc      cpp     -O2 -gdwarf-2 -Wl,--image-base=0x10000000
+x86_64-c-dwarf4-O0.exe            windows64 gcc      c       -O0 -gdwarf-4 -gstrict-dwarf
+x86_64-c-dwarf2-O2.dll            windows64 gcc      c       -O2 -gdwarf-2 -Wl,--image-base=0x10000000
+x86_64-cpp-dwarf2-O2.exe          windows64 gcc      cpp     -O2 -gdwarf-2 -gstrict-dwarf
+x86_64-cpp-dwarf4-O0.dll          windows64 gcc      cpp     -O0 -gdwarf-4 -Wl,--image-base=0x180000000
 '
 
 common=(
@@ -40,7 +48,7 @@ common=(
 )
 c_language=(-std=c11 -fcommon)
 cpp_language=(-std=c++20 -fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-use-cxa-atexit)
-link_flags=(-nostdlib -static "-Wl,--script=$samples/controller.ld" -Wl,--build-id=none -Wl,--nmagic)
+elf_link_flags=(-nostdlib -static "-Wl,--script=$samples/controller.ld" -Wl,--build-id=none -Wl,--nmagic)
 
 choose_toolchain() {
     local processor=$1 compiler=$2
@@ -59,6 +67,16 @@ choose_toolchain() {
             prefix=x86_64-linux-gnu-
             machine=(-mno-red-zone -fcf-protection=none)
             flash=0x00400000 ram=0x20000000
+            ;;
+        windows32)
+            prefix=i686-w64-mingw32-
+            machine=()
+            underscore=_
+            ;;
+        windows64)
+            prefix=x86_64-w64-mingw32-
+            machine=()
+            underscore=
             ;;
     esac
     [[ "${flags[*]}" != *-mcmodel=kernel* ]] || flash=0xffffffff80000000 ram=0xffffffff90000000
@@ -90,6 +108,25 @@ units_of() {
     esac
 }
 
+link_elf() {
+    local target=$1
+    shift
+    "$cc" "${machine[@]}" "${elf_link_flags[@]}" "-Wl,--defsym=FLASH_START=$flash" \
+        "-Wl,--defsym=RAM_START=$ram" "$@" -o "$target"
+}
+
+link_exe() {
+    local target=$1 constructors=${underscore}__CTOR_LIST__
+    shift
+    "$cc" "${flags[@]}" -nostdlib -Wl,--no-insert-timestamp "-Wl,--entry=${underscore}reset" \
+        "-Wl,--defsym=${underscore}__init_array_start=$constructors" \
+        "-Wl,--defsym=${underscore}__init_array_end=$constructors" "$@" -o "$target"
+}
+
+link_dll() {
+    link_exe "$@" -shared -Wl,--exclude-all-symbols
+}
+
 build_image() {
     local image=$1 processor=$2 compiler=$3 project=$4 unit linked=()
     shift 4
@@ -103,8 +140,7 @@ build_image() {
         cp "${linked[0]}" "$target"
         return
     fi
-    "$cc" "${machine[@]}" "${link_flags[@]}" "-Wl,--defsym=FLASH_START=$flash" "-Wl,--defsym=RAM_START=$ram" \
-        "${linked[@]}" -o "$target"
+    link_"${image##*.}" "$target" "${linked[@]}"
     chmod a-x "$target"
     [[ $image != *nosymtab* ]] || "${prefix}objcopy" --strip-all --keep-section='.debug_*' "$target"
 }

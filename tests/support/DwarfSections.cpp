@@ -299,15 +299,17 @@ std::uint64_t DwarfSections::RawLocations(std::string_view bytes) {
     return mLocations.size() - bytes.size();
 }
 
-void DwarfSections::AddTo(ElfImage& image, ElfSectionOverrides debugInfo) const {
+std::vector<std::pair<std::string, std::string>> DwarfSections::Sections() const {
     EXPECT_TRUE(mOpenReferences.empty()) << "a label is referred to that names no entry";
-    image.Section(".debug_info", mInfo, debugInfo).Section(".debug_abbrev", mAbbreviations);
+    std::vector<std::pair<std::string, std::string>> sections = {{".debug_info", mInfo},
+                                                                 {".debug_abbrev", mAbbreviations}};
     if (!mStrings.empty()) {
-        image.Section(".debug_str", mStrings);
+        sections.emplace_back(".debug_str", mStrings);
     }
     if (!mLocations.empty()) {
-        image.Section(".debug_loc", mLocations);
+        sections.emplace_back(".debug_loc", mLocations);
     }
+    return sections;
 }
 
 std::uint32_t DwarfSections::OffsetOf(DieLabel label) const {
@@ -489,11 +491,6 @@ void DwarfSections::WriteAbbreviations(const UnitState& state) {
         mAbbreviations += std::string(2, '\0');
     }
     mAbbreviations += '\0';
-}
-
-ElfImage operator+(ElfImage image, const DwarfSections& sections) {
-    sections.AddTo(image);
-    return image;
 }
 
 std::string Uleb128(std::uint64_t value) {

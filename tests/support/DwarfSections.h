@@ -5,7 +5,6 @@
 
 #include "dwarf/DwarfConstants.h"
 #include "support/ByteWriter.h"
-#include "support/ElfImage.h"
 
 #include <cstdint>
 #include <map>
@@ -204,9 +203,9 @@ public:
     /// Empty unless a text uses it.
     [[nodiscard]] const std::string& Strings() const { return mStrings; }
     [[nodiscard]] const std::string& Locations() const { return mLocations; }
-    /// Puts the sections into an image; those that are empty are left out, except `.debug_info` and
-    /// `.debug_abbrev`.
-    void AddTo(ElfImage& image, ElfSectionOverrides debugInfo = {}) const;
+    /// Names and contents of the sections; those that are empty are left out, except `.debug_info`
+    /// and `.debug_abbrev`.
+    [[nodiscard]] std::vector<std::pair<std::string, std::string>> Sections() const;
 
     /// Section offset of an entry that was added.
     [[nodiscard]] std::uint32_t OffsetOf(DieLabel label) const;
@@ -241,8 +240,14 @@ private:
     std::vector<OpenReference> mOpenReferences;
 };
 
-/// The image with the sections.
-ElfImage operator+(ElfImage image, const DwarfSections& sections);
+/// The image with the sections, in any container.
+template <typename Image>
+Image operator+(Image image, const DwarfSections& sections) {
+    for (const auto& [name, content] : sections.Sections()) {
+        image.Section(name, content);
+    }
+    return image;
+}
 
 /// @name LEB128 texts
 /// @{

@@ -1,0 +1,135 @@
+// The COFF side of `VElfFile`: the file header and the section headers of the TI layout (TI
+// application report SPRAAO8, "Common Object File Format"). The symbol entries aren't read: they
+// tell where the string table begins, and nothing else.
+#include "container/VElfFile.h"
+#include "core/CutText.h"
+#include "core/ErrorState.h"
+
+#include <limits>
+#include <span>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::uint32_t sFileHeaderSize = 22;
+/// No COFF file with a section is shorter, and the ELF magic lies within.
+constexpr std::int32_t sShortestFile = 24;
+constexpr std::uint32_t sSectionHeaderSize = 48;
+constexpr std::uint32_t sSymbolSize = 18;
+constexpr std::int32_t sShortNameSize = 8;
+/// Fields of a section header that nothing needs: the two addresses, and all behind the position of
+/// the contents.
+constexpr std::int32_t sAddressesSize = 8;
+constexpr std::int32_t sUnusedFieldsSize = 24;
+
+constexpr std::uint16_t sBigEndianFlag = 0x200;
+
+/// Values of `mCoffDwarfAddressMode`.
+constexpr std::int32_t sAddressModeByTarget = 0;
+constexpr std::int32_t sAddressModeWord = 16;
+
+bool IsWordAddressed(std::uint16_t targetId) {
+    switch (VElfOptions::mCoffDwarfAddressMode) {
+    case sAddressModeByTarget:
+        return targetId == 0x92 || targetId == 0x98 || targetId == 0x9D;
+    case sAddressModeWord:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Loads the string table, which begins with its own length.
+bool LoadStringTable(VElfBuffer& names, const VCoffFileHeader& header) {
+    const std::uint64_t filePosition =
+        header.mSymbolTableOffset + std::uint64_t{header.mSymbolCount} * sSymbolSize;
+    if (filePosition > std::numeric_limits<std::int32_t>::max()) {
+        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
+    const std::uint32_t size = names.ReadULongAtFilePos(static_cast<std::int32_t>(filePosition));
+    return names.LoadFromFile(filePosition, size);
+}
+
+} // namespace
+
+bool VElfFile::ReadCoffHeader(VCoffFileHeader& header) {
+    if (OpenForReading(mPath) != 0) {
+        return Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
+    }
+    VElfBuffer buffer(*this);
+    buffer.SetSwapBytes(false);
+    if (!buffer.LoadFromFile(0, sShortestFile)) {
+        return false;
+    }
+    if (HasElfMagic(buffer)) {
+        return Fail(ELFReadErrorEnum::ELFERR_FILE_IS_ELF);
+    }
+    header.mVersionId = buffer.GetUShort();
+    header.mSectionCount = buffer.GetUShort();
+    header.mTimeStamp = buffer.GetULong();
+    header.mSymbolTableOffset = buffer.GetULong();
+    header.mSymbolCount = buffer.GetULong();
+    header.mOptionalHeaderSize = buffer.GetUShort();
+    header.mFlags = buffer.GetUShort();
+    header.mTargetId = buffer.GetUShort();
+    mIsMSBData = (header.mFlags & sBigEndianFlag) != 0;
+    if (IsWordAddressed(header.mTargetId)) {
+        mIsWordAddressedTarget = true;
+        mIncrementBitFieldAddress = 0;
+    }
+    return true;
+}
+
+bool VElfFile::ReadCoffSectionHeader(const VCoffFileHeader& header) {
+    const auto fileSize = static_cast<std::uint32_t>(mFileSize);
+    const std::uint32_t symbolsSize = header.mSymbolCount * sSymbolSize;
+    const std::uint32_t tableSize = header.mSectionCount * sSectionHeaderSize;
+    if (symbolsSize >= fileSize || tableSize >= fileSize) {
+        return Fail(ELFReadErrorEnum::ELFERR_CORRUPTED);
+    }
+    VElfBuffer table(*this);
+    VElfBuffer names(*this);
+    table.SetSwapBytes(false);
+    names.SetSwapBytes(false);
+    if (!table.LoadFromFile(sFileHeaderSize + header.mOptionalHeaderSize, tableSize) ||
+        !LoadStringTable(names, header)) {
+        return false;
+    }
+    for (std::uint32_t index = 0; index < header.mSectionCount; ++index) {
+        if (!ReadCoffSection(table, names)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool VElfFile::ReadCoffSection(VElfBuffer& table, const VElfBuffer& names) {
+    char shortName[sShortNameSize + 1] = {};
+    for (char& character : std::span(shortName).first<sShortNameSize>()) {
+        character = static_cast<char>(table.GetUByte());
+    }
+    // The second half of the name field is an offset if the first one is 0.
+    table.MoveOffset(-4);
+    Elf64_Shdr section;
+    section.sh_name = table.GetULong();
+    table.MoveOffset(sAddressesSize);
+    section.sh_size = table.GetULong();
+    section.sh_offset = table.GetULong();
+    table.MoveOffset(sUnusedFieldsSize);
+
+    if (shortName[0] != '\0') {
+        AssignSection(shortName, section);
+        return true;
+    }
+    const auto namesSize = static_cast<std::uint32_t>(names.GetBufferLength());
+    if (section.sh_name < 1 || section.sh_name > namesSize) {
+        return Fail(ELFReadErrorEnum::ELFERR_WRONG_READER);
+    }
+    if (const char* longName = names.GetTextAt(section.sh_name)) {
+        AssignSection(CutText(longName, sMaximumSectionNameLength), section);
+    }
+    return true;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,191 @@
+#include "container/VPEImage.h"
+
+#include "container/ByteOrder.h"
+#include "core/CutText.h"
+#include "core/ErrorState.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+#include <limits>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::uint16_t sMark = 0x5A4D;
+/// File position of the field that tells where the PE signature lies, and the end of that field.
+constexpr std::uint64_t sSignatureField = 0x3C;
+constexpr std::uint64_t sDosHeaderSize = 64;
+
+/// Fields of the COFF file header and the optional header, from the PE signature on.
+constexpr std::uint64_t sMachineField = 4;
+constexpr std::uint64_t sSectionCountField = 6;
+constexpr std::uint64_t sSymbolTableField = 12;
+constexpr std::uint64_t sSymbolCountField = 16;
+constexpr std::uint64_t sOptionalHeaderSizeField = 20;
+constexpr std::uint64_t sCharacteristicsField = 22;
+constexpr std::uint64_t sOptionalHeader = 24;
+constexpr std::uint64_t sImageBaseField64 = 48;
+constexpr std::uint64_t sImageBaseField32 = 52;
+constexpr std::uint64_t sImageBaseEnd = 56;
+
+constexpr std::uint16_t sMachineX86_64 = 0x8664;
+constexpr std::uint16_t sDllFlag = 0x2000;
+
+/// Section header.
+constexpr std::uint64_t sSectionHeaderSize = 40;
+constexpr std::uint64_t sVirtualSizeField = 8;
+constexpr std::uint64_t sVirtualAddressField = 12;
+constexpr std::uint64_t sRawDataField = 20;
+
+/// Symbol entry.
+constexpr std::uint64_t sSymbolSize = 18;
+constexpr std::uint64_t sNameOffsetField = 4;
+constexpr std::uint64_t sValueField = 8;
+constexpr std::uint64_t sSectionNumberField = 12;
+
+constexpr std::size_t sShortNameSize = 8;
+
+/// Value of `sh_name` that marks a record as present.
+constexpr std::uint32_t sPresentName = 0xFFFFFFFF;
+
+/// Reads a section name of the form "/123", the offset of the name proper in the string table.
+bool IsNameOffset(std::string_view name, std::uint32_t& offset) {
+    if (!name.starts_with('/')) {
+        return false;
+    }
+    const char* end = name.data() + name.size();
+    return std::from_chars(name.data() + 1, end, offset).ptr == end && name.size() > 1;
+}
+
+} // namespace
+
+bool VPEImage::MapPEImage(const std::string& path) {
+    if (!mFile.Map(path)) {
+        return Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
+    }
+    if (!HasMark()) {
+        return Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
+    }
+    mSignature = Get<std::uint32_t>(sSignatureField);
+    const std::uint64_t sectionCount = Get<std::uint16_t>(mSignature + sSectionCountField);
+    const std::uint64_t sectionTable =
+        mSignature + sOptionalHeader + Get<std::uint16_t>(mSignature + sOptionalHeaderSizeField);
+    if (!Holds(0, sDosHeaderSize) || !Holds(mSignature, sImageBaseEnd) ||
+        !Holds(sectionTable, sectionCount * sSectionHeaderSize)) {
+        return Fail(ELFReadErrorEnum::ELFERR_CORRUPTED);
+    }
+    ReadFileHeader();
+    for (std::uint64_t index = 0; index < sectionCount; ++index) {
+        if (!ReadSectionHeader(sectionTable + index * sSectionHeaderSize)) {
+            return Fail(ELFReadErrorEnum::ELFERR_CORRUPTED);
+        }
+    }
+    return true;
+}
+
+bool VPEImage::HasMark() const {
+    return Get<std::uint16_t>(0) == sMark;
+}
+
+void VPEImage::ReadFileHeader() {
+    mSymbolTable = Get<std::uint32_t>(mSignature + sSymbolTableField);
+    mSymbolCount = Get<std::uint32_t>(mSignature + sSymbolCountField);
+    mIsDll = (Get<std::uint16_t>(mSignature + sCharacteristicsField) & sDllFlag) != 0;
+    const bool is64Bit = Get<std::uint16_t>(mSignature + sMachineField) == sMachineX86_64;
+    mHeaderImageBase = is64Bit ? Get<std::uint64_t>(mSignature + sImageBaseField64)
+                               : Get<std::uint32_t>(mSignature + sImageBaseField32);
+    const auto lastTerminator = std::ranges::find(mFile.Bytes().rbegin(), mFile.Bytes().rend(), 0);
+    mTextsEnd = static_cast<std::uint64_t>(std::distance(lastTerminator, mFile.Bytes().rend()));
+}
+
+bool VPEImage::ReadSectionHeader(std::uint64_t filePosition) {
+    std::string_view name = CutText(CharactersAt(filePosition), sShortNameSize);
+    std::uint32_t nameOffset = 0;
+    if (mSymbolTable != 0 && IsNameOffset(name, nameOffset)) {
+        const char* longName = GetStringTableText(nameOffset);
+        if (longName == nullptr) {
+            return false;
+        }
+        name = CutText(longName, sMaximumSectionNameLength);
+    }
+    mSectionNames.push_back(name);
+    Elf64_Shdr& section = mSections.emplace_back();
+    section.sh_name = sPresentName;
+    section.sh_addr = Get<std::uint32_t>(filePosition + sVirtualAddressField);
+    section.sh_offset = Get<std::uint32_t>(filePosition + sRawDataField);
+    section.sh_size = Get<std::uint32_t>(filePosition + sVirtualSizeField);
+    return true;
+}
+
+bool VPEImage::ReadImageSymbols(IElfSymbolMap& map) {
+    const std::uint64_t fileSize = mFile.Bytes().size();
+    if (fileSize == 0) {
+        return false;
+    }
+    if (!HasMark()) {
+        return Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
+    }
+    const std::uint64_t symbolsInFile =
+        mSymbolTable != 0 && mSymbolTable < fileSize ? (fileSize - mSymbolTable) / sSymbolSize : 0;
+    const std::uint64_t count = std::min<std::uint64_t>(mSymbolCount, symbolsInFile);
+    for (std::uint64_t index = 0; index < count; ++index) {
+        const std::uint64_t entry = mSymbolTable + index * sSymbolSize;
+        const auto number =
+            static_cast<std::int16_t>(Get<std::uint16_t>(entry + sSectionNumberField));
+        if (number < 1 || static_cast<std::size_t>(number) > mSections.size()) {
+            continue;
+        }
+        Elf32_Sym symbol;
+        symbol.st_value = mSections[static_cast<std::size_t>(number) - 1].sh_addr +
+                          Get<std::uint32_t>(entry + sValueField);
+        if (symbol.st_value == 0) {
+            continue;
+        }
+        symbol.name = KeepSymbolName(entry);
+        if (symbol.name != nullptr && *symbol.name != '\0') {
+            map.AddSymbol(symbol);
+        }
+    }
+    return true;
+}
+
+const char* VPEImage::KeepSymbolName(std::uint64_t entryPosition) {
+    if (Get<std::uint32_t>(entryPosition) == 0) {
+        const auto nameOffset = Get<std::uint32_t>(entryPosition + sNameOffsetField);
+        return nameOffset != 0 ? GetStringTableText(nameOffset) : nullptr;
+    }
+    const std::string_view name = CutText(CharactersAt(entryPosition), sShortNameSize);
+    if (name.size() < sShortNameSize) {
+        return name.data();
+    }
+    // A name that fills its field has no terminator in the file.
+    ShortName& copy = mShortNames.emplace_back();
+    std::ranges::copy(name, copy.begin());
+    return copy.data();
+}
+
+bool VPEImage::Holds(std::uint64_t filePosition, std::uint64_t size) const {
+    const std::uint64_t fileSize = mFile.Bytes().size();
+    return filePosition <= fileSize && size <= fileSize - filePosition;
+}
+
+template <typename Integer>
+Integer VPEImage::Get(std::uint64_t filePosition) const {
+    return Holds(filePosition, sizeof(Integer))
+               ? DecodeLittleEndian<Integer>(mFile.Bytes().data() + filePosition)
+               : Integer{0};
+}
+
+const char* VPEImage::CharactersAt(std::uint64_t filePosition) const {
+    return reinterpret_cast<const char*>(mFile.Bytes().data()) + filePosition;
+}
+
+const char* VPEImage::GetStringTableText(std::uint32_t offset) const {
+    const std::uint64_t stringTable = mSymbolTable + mSymbolCount * sSymbolSize;
+    const std::uint64_t filePosition = stringTable + offset;
+    return filePosition < mTextsEnd ? CharactersAt(filePosition) : nullptr;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

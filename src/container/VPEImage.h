@@ -1,0 +1,69 @@
+// A Windows image as it lies in its file: the section headers and the COFF symbols (Microsoft PE
+// and COFF Specification). `VElfFile` holds one and takes the section records and the symbols from
+// it; the contents of sections are none of its business.
+#pragma once
+
+#include "container/ElfRecords.h"
+#include "container/IElfSymbolMap.h"
+#include "container/VFileMapping.h"
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VElfFile;
+
+/// A mapped image. It is little-endian, whatever the machine that reads it.
+class VPEImage {
+public:
+    /// Maps the file and lists its sections; once in the life of the object. Errors:
+    /// `ELFERR_OPEN_FAILED`; `ELFERR_FILE_TYPE` (no "MZ" at the start); `ELFERR_CORRUPTED` (the
+    /// headers, or the name of a section, lie outside of the file).
+    bool MapPEImage(const std::string& path);
+
+    /// Stores the sections that the reader knows in their fields of the file, and the image base if
+    /// the image is a DLL. Always true.
+    bool CopySectionRecords(VElfFile& file) const;
+
+    /// Adds the symbols that have a name and an address and lie in a section: `st_value` is
+    /// relative to the image base, all other fields are 0. The names live as long as this object. A
+    /// symbol table that is cut off ends with the file. Errors: `ELFERR_OPEN_FAILED` if the file
+    /// isn't an image; none if no file is mapped.
+    bool ReadImageSymbols(IElfSymbolMap& map);
+
+private:
+    /// A name of the symbol table's own eight bytes, terminated.
+    using ShortName = std::array<char, 9>;
+
+    [[nodiscard]] bool HasMark() const;
+    [[nodiscard]] bool Holds(std::uint64_t filePosition, std::uint64_t size) const;
+    template <typename Integer>
+    [[nodiscard]] Integer Get(std::uint64_t filePosition) const;
+    [[nodiscard]] const char* CharactersAt(std::uint64_t filePosition) const;
+    [[nodiscard]] const char* GetStringTableText(std::uint32_t offset) const;
+    void ReadFileHeader();
+    bool ReadSectionHeader(std::uint64_t filePosition);
+    const char* KeepSymbolName(std::uint64_t entryPosition);
+
+    VFileMapping mFile;
+    /// File position of the PE signature.
+    std::uint64_t mSignature = 0;
+    /// File position of the symbol entries; 0: there is neither symbol nor string table.
+    std::uint64_t mSymbolTable = 0;
+    std::uint32_t mSymbolCount = 0;
+    /// Bytes of the file up to the last one that terminates a text.
+    std::uint64_t mTextsEnd = 0;
+    std::uint64_t mHeaderImageBase = 0;
+    bool mIsDll = false;
+    std::vector<Elf64_Shdr> mSections;
+    /// Names of `mSections`, each in the mapped file.
+    std::vector<std::string_view> mSectionNames;
+    std::deque<ShortName> mShortNames;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
