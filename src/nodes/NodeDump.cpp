@@ -208,7 +208,7 @@ bool VDwarf2Section::DumpDebugInfoNodes() {
     }
     std::ofstream file;
     int part = 0;
-    if (!OpenNextDumpFile(file, mElfFile->GetInputFileName(), part, 0)) {
+    if (!OpenNextDumpFile(file, mElfFile->GetInputPath(), part, 0)) {
         return false;
     }
     int count = 0;
@@ -219,8 +219,7 @@ bool VDwarf2Section::DumpDebugInfoNodes() {
         }
         if (isChangeDue && node->GetParent() == nullptr) {
             isChangeDue = false;
-            if (!OpenNextDumpFile(file, mElfFile->GetInputFileName(), part,
-                                  node->GetNodeRecord())) {
+            if (!OpenNextDumpFile(file, mElfFile->GetInputPath(), part, node->GetNodeRecord())) {
                 return false;
             }
         }
