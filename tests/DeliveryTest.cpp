@@ -272,6 +272,49 @@ TEST_F(DeliveryTest, ManyVariablesOfOneNameKeepTheirNumbersAndAddresses) {
     EXPECT_EQ(variables[999], "x.1000@1f9c:4");
 }
 
+TEST_F(DeliveryTest, TheAddressesOfManyVariablesOfOneNameAreKnown) {
+    // The last two are the one before them once more, under the name of their declaration.
+    const DieLabel number;
+    const DieLabel declaration;
+    std::vector<Die> entries{
+        IntType(number),
+        Die(declaration, DW_TAG_variable, {Name("x"), Type(number), External(), Declaration()})};
+    for (std::uint64_t index = 0; index < 101; ++index) {
+        entries.push_back(Variable("x", number, 0x1000 + 4 * index));
+    }
+    entries.insert(
+        entries.end(), 2,
+        Die(DW_TAG_variable, {Name(""), Specification(declaration), External(), Address(0x1190)}));
+    const std::vector<std::string> variables =
+        Read(DwarfSections().Unit(Unit(entries))).Variables();
+    EXPECT_EQ(variables.size(), 101U);
+    EXPECT_EQ(variables.back(), "x.101@1190:4");
+}
+
+TEST_F(DeliveryTest, ProgressIsToldAboutAHundredTimes) {
+    for (const auto& [nodeCount, step] :
+         {std::pair{199, 2}, std::pair{200, 3}, std::pair{350, 4}}) {
+        const TemporaryFolder folder;
+        const std::string path = folder.Write(
+            "image.elf", (ElfImage().Symbol({"main", 0x8000, 4, sFunction}) +
+                          DwarfSections().Unit(Unit(std::vector<Die>(
+                              static_cast<std::size_t>(nodeCount) - 1, Die(DW_TAG_namespace)))))
+                             .Build());
+        DataModel::DataModel model;
+        const DataModel::Factory::CurrentDataModel current(model);
+        std::vector<int> values;
+        VDWARFReader reader;
+        reader.SetProgressIntervalCallback = [&](int start, int end) { values = {start, end}; };
+        reader.SetProgressValueCallback = [&](int value) { values.push_back(value); };
+        EXPECT_TRUE(reader.Read(path, DWARFContainerType::Container_ELF));
+        std::vector<int> expected{0, nodeCount, 0};
+        for (int value = step; value < nodeCount; value += step) {
+            expected.push_back(value);
+        }
+        EXPECT_EQ(values, expected);
+    }
+}
+
 TEST_F(DeliveryTest, WhichVariablesAreDelivered) {
     const DieLabel number;
     const DieLabel declaration;
@@ -497,18 +540,45 @@ TEST_F(HostileTreeTest, LongChainsOfMembersAndScopes) {
     entries.push_back(Variable("v", labels[0], 0x1000));
     EXPECT_EQ(Read(DwarfSections().Unit(Unit(entries))).Variables().size(), 1U);
 
-    // Namespaces without end, with a variable at the bottom.
+    // Scopes without end, with a variable at the bottom.
+    for (const dwarf_tag tag :
+         {DW_TAG_namespace, DW_TAG_structure_type, DW_TAG_subprogram, DW_TAG_lexical_block}) {
+        DwarfSections sections;
+        const std::uint64_t table = sections.RawAbbreviations(
+            Uleb128(1) + Uleb128(tag) + '\1' + std::string(2, '\0') + Uleb128(2) +
+            Uleb128(DW_TAG_variable) + '\0' + Uleb128(DW_AT_name) + Uleb128(DW_FORM_string) +
+            Uleb128(DW_AT_location) + Uleb128(DW_FORM_block1) + std::string(3, '\0'));
+        const std::string variable = std::string("\2v\0\5\3\0\x10\0\0", 9);
+        DwarfUnit unit;
+        unit.entries = {Die::Raw(std::string(kMany, '\1') + variable)};
+        unit.abbreviationOffset = table;
+        sections.Unit(unit);
+        EXPECT_EQ(Read(sections).Variables().size(), 1U) << tag;
+    }
+}
+
+TEST_F(HostileTreeTest, AnonymousTypesNestedWithoutEnd) {
+    // Each level is a structure with a member, and a nameless member of its type behind it.
     DwarfSections sections;
     const std::uint64_t table = sections.RawAbbreviations(
-        Uleb128(1) + Uleb128(DW_TAG_namespace) + '\1' + std::string(2, '\0') + Uleb128(2) +
-        Uleb128(DW_TAG_variable) + '\0' + Uleb128(DW_AT_name) + Uleb128(DW_FORM_string) +
-        Uleb128(DW_AT_location) + Uleb128(DW_FORM_block1) + std::string(3, '\0'));
-    const std::string variable = std::string("\2v\0\5\3\0\x10\0\0", 9);
+        Uleb128(1) + Uleb128(DW_TAG_structure_type) + '\1' + std::string(2, '\0') + Uleb128(2) +
+        Uleb128(DW_TAG_member) + '\0' + Uleb128(DW_AT_name) + Uleb128(DW_FORM_string) +
+        std::string(2, '\0') + Uleb128(3) + Uleb128(DW_TAG_member) + '\0' + Uleb128(DW_AT_type) +
+        Uleb128(DW_FORM_ref4) + std::string(3, '\0'));
+    constexpr std::size_t sHeaderSize = 11;
+    const std::string opening("\1\2m\0", 4);
+    ByteWriter entries;
+    for (std::size_t level = 0; level < kMany; ++level) {
+        entries.Bytes(opening);
+    }
+    for (std::size_t level = kMany; level-- > 1;) {
+        entries.U8(0).U8(3).U32(sHeaderSize + level * opening.size());
+    }
     DwarfUnit unit;
-    unit.entries = {Die::Raw(std::string(kMany, '\1') + variable)};
+    unit.entries = {Die::Raw(entries.Content() + '\0')};
     unit.abbreviationOffset = table;
     sections.Unit(unit);
-    EXPECT_EQ(Read(sections).Variables().size(), 1U);
+    EXPECT_THAT(Read(sections).Variables(), IsEmpty());
 }
 
 TEST_F(HostileTreeTest, CyclesOfAllKinds) {
@@ -564,6 +634,26 @@ TEST_F(HostileTreeTest, TemplateArgumentsThatNameTheirOwnTemplate) {
     const DataModel::ModelObject type = run.model->Object(run.model->ResolvePath("v").place.type);
     EXPECT_LT(type.name.size(), 100'000U);
     EXPECT_TRUE(type.name.starts_with("t<t<t<"));
+}
+
+TEST_F(HostileTreeTest, TemplateArgumentsBehindManyMembersAndOfManyEqualNames) {
+    const DieLabel number;
+    const DieLabel big;
+    constexpr std::size_t sCount = kMany / 3;
+    std::vector<Die> children(sCount, Die(DW_TAG_member, {Name("m"), Type(number)}));
+    children.emplace_back(DW_TAG_template_type_param, std::vector{Name("T"), Type(number)});
+    std::vector<Die> entries{IntType(number), Die(big, DW_TAG_class_type,
+                                                  {Name("big"), ByteSize(4)}, std::move(children))};
+    for (std::size_t index = 0; index < sCount; ++index) {
+        const DieLabel self;
+        entries.emplace_back(self, DW_TAG_class_type, std::vector{Name("user"), ByteSize(4)},
+                             std::vector{Die(DW_TAG_template_type_param, {Type(big)}),
+                                         Die(DW_TAG_template_type_param, {Type(self)}),
+                                         Die(DW_TAG_template_type_param, {Type(self)})});
+    }
+    entries.push_back(Variable("v", big, 0x1000));
+    const ReadRun run = Read(DwarfSections().Unit(Unit(entries)));
+    EXPECT_EQ(run.model->TypeText(run.model->ResolvePath("v").place.type), "big<int>");
 }
 
 TEST_F(HostileTreeTest, ManyVariablesOfOneName) {

@@ -1,10 +1,13 @@
 #include "core/ErrorState.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
+#include "support/ElfImage.h"
+#include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"
 
 #include <filesystem>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
 
@@ -73,6 +76,30 @@ TEST_F(LogFileTest, FailedCreationCostsOneText) {
     const std::regex expected("\n\\d{4}/\\d\\d/\\d\\d \\d\\d:\\d\\d:\\d\\d : error_code='[^']+': "
                               "Failed to create log file: '.*/missing/x\\.log' ");
     EXPECT_TRUE(std::regex_match(mOutput, expected)) << mOutput;
+}
+
+TEST_F(LogFileTest, ALogThatCannotBeWrittenCostsNothingElse) {
+    const std::string image = mFolder.Write("image.elf", ElfImage().Symbol({"a", 0x10, 4}).Build());
+    const std::string log = mFolder.Path("image.log");
+    std::filesystem::create_directory(log);
+    ReadRun run = ReadFile(image);
+    EXPECT_TRUE(run.result);
+    EXPECT_THAT(run.Variables(), testing::ElementsAre("a@10:4"));
+    EXPECT_THAT(run.signals, testing::IsEmpty());
+    EXPECT_THAT(run.standardOutput, testing::MatchesRegex("\n[0-9/]+ [0-9:]+ : error_code='[^']+': "
+                                                          "Failed to create log file: '" +
+                                                          log + "' "));
+    EXPECT_EQ(VElfOptions::mIsLogFile, 0);
+
+    VElfOptions::mIsLogFile = 1;
+    std::filesystem::remove(log);
+    std::filesystem::create_symlink("/dev/full", log);
+    run = ReadFile(image);
+    EXPECT_TRUE(run.result);
+    EXPECT_EQ(run.standardOutput, "");
+    std::filesystem::remove(log);
+    EXPECT_FALSE(ReadFile(mFolder.Write("image.elf", "damaged")).result);
+    EXPECT_THAT(mFolder.Read("image.log"), testing::HasSubstr("Error occurred: "));
 }
 
 TEST_F(LogFileTest, NeverOverwritesItsInput) {

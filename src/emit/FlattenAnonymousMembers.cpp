@@ -2,11 +2,16 @@
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
 
+#include <cstddef>
 #include <unordered_set>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
+
+/// Moves that the members of a tree may take together, for each of its nodes. A member moves once
+/// for each level of anonymous types around it, of which compilers write a few.
+constexpr std::size_t sMovesPerNode = 64;
 
 bool IsNameless(const VDebugInfoNode& node) {
     return node.GetNameOrNull() == nullptr;
@@ -25,17 +30,21 @@ VDebugInfoNode* AnonymousTypeOf(const VDebugInfoNode& member) {
 }
 
 /// Moves members out of anonymous types. A type that has no member left is not walked again,
-/// however many members name it.
+/// however many members name it; types that nest beyond all measure keep their members.
 class MemberMover {
 public:
+    explicit MemberMover(std::size_t nodeCount)
+        : mMovesLeft(sMovesPerNode * nodeCount) {}
+
     void Move(VDebugInfoNode& type, const VDebugInfoNode& member) {
-        if (!mEmptied.insert(&type).second) {
+        if (mMovesLeft == 0 || !mEmptied.insert(&type).second) {
             return;
         }
         VDebugInfoNode* parent = member.GetParent();
         mEmptied.erase(parent);
         for (VDebugInfoNode* children = type.DetachChildren(); children != nullptr;) {
             VDebugInfoNode* child = VDebugInfoNode::TakeNext(children);
+            mMovesLeft -= mMovesLeft > 0 ? 1 : 0;
             if (child->GetTag() != DW_TAG_member) {
                 type.AddChild(child);
                 continue;
@@ -47,13 +56,14 @@ public:
     }
 
 private:
+    std::size_t mMovesLeft;
     std::unordered_set<const VDebugInfoNode*> mEmptied;
 };
 
 } // namespace
 
 void FlattenAnonymousMembers(VDwarf2Section& section) {
-    MemberMover mover;
+    MemberMover mover(section.mDieNodes.Size());
     for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
         if (VDebugInfoNode* type = AnonymousTypeOf(*node)) {
             mover.Move(*type, *node);

@@ -25,7 +25,8 @@ struct VDataTypeNameEntryStruct {
 };
 
 /// Lengths of type texts. Together the texts of one tree stay in proportion to the section,
-/// whatever its template arguments say.
+/// whatever its template arguments say: what is kept counts in full, what is only built counts as
+/// far as it is long.
 constexpr std::size_t sMaximumTextLength = std::size_t{64} * 1024;
 constexpr std::size_t sScarceTextLength = 256;
 constexpr std::size_t sTextsPerSectionByte = 16;
@@ -72,21 +73,24 @@ private:
 
     void Add(VDebugInfoNode& node) {
         mText.clear();
-        TypeNameBuilder(std::clamp(mTextsLeft, sScarceTextLength, sMaximumTextLength))
-            .AppendTypeName(&node, 0, mText, false);
+        mTypeNames.SetLimit(std::clamp(mTextsLeft, sScarceTextLength, sMaximumTextLength));
+        mTypeNames.AppendTypeName(&node, 0, mText, false);
         const auto entry = static_cast<std::uint32_t>(mEntries.size());
         mEntries.push_back({&node});
         if (const auto found = mGroupsByKey.find(mText); found != mGroupsByKey.end()) {
+            Spend(mText.size() - std::min(mText.size(), sScarceTextLength));
             Group& group = mGroups[found->second];
             mEntries[group.last].mNext = entry;
             group.last = entry;
             return;
         }
-        mTextsLeft -= std::min(mTextsLeft, mText.size());
+        Spend(mText.size());
         const std::string_view key = mSection.KeepText(std::string_view(mText));
         mGroupsByKey.emplace(key, static_cast<std::uint32_t>(mGroups.size()));
         mGroups.push_back({key, entry, entry});
     }
+
+    void Spend(std::size_t textLength) { mTextsLeft -= std::min(mTextsLeft, textLength); }
 
     template <typename Visitor>
     void ForEachNode(const Group& group, Visitor&& visit) const {
@@ -138,6 +142,7 @@ private:
 
     VDwarf2Section& mSection;
     std::size_t mTextsLeft;
+    TypeNameBuilder mTypeNames{sMaximumTextLength};
     std::string mText;
     std::vector<VDataTypeNameEntryStruct> mEntries;
     std::vector<Group> mGroups;

@@ -49,7 +49,11 @@ private:
                 return symbol;
             }
         }
-        return mFile.mSymbolNamesMap.FindByName(std::string(variable.GetName()).c_str());
+        // A symbol without a name is nobody's.
+        const char* name = variable.GetNameOrNull();
+        return name != nullptr
+                   ? mFile.mSymbolNamesMap.FindByName(std::string(variable.GetName()).c_str())
+                   : nullptr;
     }
 
     void LogCompleted(const VDebugInfoNode& variable) {

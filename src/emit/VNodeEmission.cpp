@@ -397,10 +397,10 @@ bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name
             continue;
         }
         const std::uint64_t takenAddress = known->second->GetLocationAddress();
+        taken.addresses.insert(takenAddress);
         if (takenAddress == address) {
             return false;
         }
-        taken.addresses.insert(takenAddress);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "nodes/VDebugInfoNodeStructures.h"
 #include "nodes/VDebugInfoNodeVariable.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdarg>
 #include <fstream>
@@ -31,6 +32,14 @@ constexpr std::size_t sMaximumIndent = 28;
 /// A file that has grown longer than this, looked at every so many nodes, is followed by another.
 constexpr std::streamoff sMaximumFileSize = 184320000;
 constexpr std::size_t sFileSizeCheckInterval = 200;
+
+/// Bytes that all files together may take. Summaries repeat what they tell of a structure for each
+/// node that refers to it, so that a small damaged file could else fill a disk.
+constexpr std::uint64_t sAlwaysDumped = std::uint64_t{1} << 30U;
+constexpr std::uint64_t sDumpedPerSectionByte = 1024;
+
+/// A list of members ends at about this length.
+constexpr std::size_t sMaximumListLength = std::size_t{1} << 20U;
 
 constexpr std::int32_t sNoRecord = -1;
 
@@ -116,11 +125,31 @@ void DumpProperties(std::ostream& stream, const VDebugInfoNode& node, const char
     }
 }
 
+/// Bytes in the file so far, 0 if it can't be written.
+std::uint64_t LengthOf(std::ofstream& file) {
+    return static_cast<std::uint64_t>(std::max(std::streamoff{file.tellp()}, std::streamoff{0}));
+}
+
+std::uint64_t MostDumpedBytes(const VElfFile& file) {
+    const std::uint64_t sectionSize =
+        std::min(file.mSecDebugInfo.sh_size, static_cast<std::uint64_t>(file.mFileSize));
+    return sAlwaysDumped + sDumpedPerSectionByte * sectionSize;
+}
+
 void DumpBound(std::ostream& stream, const VAttributeValue& bound, const std::string& indent,
                const char* label) {
     if (bound.IsDefined()) {
         Print(stream, "%s  %s\n", indent.c_str(), bound.ToString(label).c_str());
     }
+}
+
+void DumpNode(std::ostream& stream, const VDebugInfoNode& node, int count) {
+    const std::string indent(IndentOf(node), '\t');
+    Print(stream, "%s%8.8x {%d. node-rec.: %d; tag-rec.: %d; )}\n", indent.c_str(),
+          node.GetOffset(), count, node.GetNodeRecord(), node.GetTagRecord());
+    Print(stream, "%s%s(0x%x)>\n", indent.c_str(), GetDwarfTagName(node.GetTag()), node.GetTag());
+    node.Dump(stream, indent);
+    stream << '\n';
 }
 
 } // namespace
@@ -194,7 +223,9 @@ void VDebugInfoNodeStructuresBase::DumpSummary(std::ostream& stream) const {
     std::string names;
     for (const VDebugInfoNode* child : Children()) {
         if (child->GetTag() == DW_TAG_member) {
-            names.append(childCount > 0 ? ", '" : "'").append(child->GetName()) += '\'';
+            if (names.size() < sMaximumListLength) {
+                names.append(childCount > 0 ? ", '" : "'").append(child->GetName()) += '\'';
+            }
             ++memberCount;
         }
         ++childCount;
@@ -208,30 +239,29 @@ bool VDwarf2Section::DumpDebugInfoNodes() {
     }
     std::ofstream file;
     int part = 0;
-    if (!OpenNextDumpFile(file, mElfFile->GetInputFileName(), part, 0)) {
+    if (!OpenNextDumpFile(file, mElfFile->GetInputPath(), part, 0)) {
         return false;
     }
+    const std::uint64_t mostBytes = MostDumpedBytes(*mElfFile);
+    std::uint64_t bytesInEarlierFiles = 0;
     int count = 0;
     bool isChangeDue = false;
     for (const VDebugInfoNode* node : mDieNodes.InOffsetOrder()) {
         if (static_cast<std::size_t>(count) % sFileSizeCheckInterval == 0) {
             isChangeDue = isChangeDue || file.tellp() > sMaximumFileSize;
+            if (bytesInEarlierFiles + LengthOf(file) > mostBytes) {
+                file << "log is too long, the rest is left out.....\n";
+                break;
+            }
         }
         if (isChangeDue && node->GetParent() == nullptr) {
             isChangeDue = false;
-            if (!OpenNextDumpFile(file, mElfFile->GetInputFileName(), part,
-                                  node->GetNodeRecord())) {
+            bytesInEarlierFiles += LengthOf(file);
+            if (!OpenNextDumpFile(file, mElfFile->GetInputPath(), part, node->GetNodeRecord())) {
                 return false;
             }
         }
-        ++count;
-        const std::string indent(IndentOf(*node), '\t');
-        Print(file, "%s%8.8x {%d. node-rec.: %d; tag-rec.: %d; )}\n", indent.c_str(),
-              node->GetOffset(), count, node->GetNodeRecord(), node->GetTagRecord());
-        Print(file, "%s%s(0x%x)>\n", indent.c_str(), GetDwarfTagName(node->GetTag()),
-              node->GetTag());
-        node->Dump(file, indent);
-        file << '\n';
+        DumpNode(file, *node, ++count);
     }
     file.close();
     if (mReader != nullptr) {

@@ -14,6 +14,9 @@ constexpr int sMaximumScopeDepth = 10;
 /// What a scope adds on each level.
 constexpr int sScopeDepthStep = 2;
 
+/// Children that are looked at anew for each text.
+constexpr int sFewChildren = 64;
+
 constexpr std::string_view sClassSeparator = "::";
 constexpr std::string_view sFunctionSeparator = "$";
 
@@ -68,6 +71,15 @@ ScopeText ScopeTextOf(dwarf_tag tag) {
     default:
         return {};
     }
+}
+
+bool HasFewChildren(const VDebugInfoNode& node) {
+    int count = 0;
+    const VDebugInfoNode* child = node.FirstChild();
+    for (; child != nullptr && count < sFewChildren; child = child->NextSiblingIn(node)) {
+        ++count;
+    }
+    return child == nullptr;
 }
 
 bool IsStructural(dwarf_tag tag) {
@@ -152,25 +164,21 @@ void TypeNameBuilder::AppendTemplateParameters(const VDebugInfoNode& node, int d
                                                std::string& out, bool withRecordNumbers) {
     out += '<';
     bool isFirst = true;
-    for (VDebugInfoNode* child : node.Children()) {
-        const bool isType = child->GetTag() == DW_TAG_template_type_param;
-        if (IsFull(out) || (!isType && child->GetTag() != DW_TAG_template_value_param)) {
-            continue;
-        }
+    ForEachParameter(node, Parameters::OfTemplate, out, [&](VDebugInfoNode& parameter) {
         if (!isFirst) {
             out += ',';
         }
         isFirst = false;
         if (withRecordNumbers) {
-            out.append(child->GetName()).append(" = ");
+            out.append(parameter.GetName()).append(" = ");
         }
-        if (isType) {
-            AppendTypeName(child->GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
+        if (parameter.GetTag() == DW_TAG_template_type_param) {
+            AppendTypeName(parameter.GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
         } else {
             out += std::to_string(
-                static_cast<std::int32_t>(child->GetConstValueAttribute().ToInteger()));
+                static_cast<std::int32_t>(parameter.GetConstValueAttribute().ToInteger()));
         }
-    }
+    });
     out += '>';
 }
 
@@ -178,17 +186,34 @@ void TypeNameBuilder::AppendParameterList(const VDebugInfoNode& node, int depth,
                                           bool withRecordNumbers) {
     out += '(';
     bool isFirst = true;
-    for (VDebugInfoNode* child : node.Children()) {
-        if (IsFull(out) || child->GetTag() != DW_TAG_formal_parameter) {
-            continue;
-        }
+    ForEachParameter(node, Parameters::OfFunction, out, [&](VDebugInfoNode& parameter) {
         if (!isFirst) {
             out += ',';
         }
         isFirst = false;
-        AppendTypeName(child->GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
-    }
+        AppendTypeName(parameter.GetTypeOrSpecificationNode(), depth, out, withRecordNumbers);
+    });
     out += ") ";
+}
+
+/// Calls `visit` with the parameters of a node, in order, until the text is full.
+template <typename Visitor>
+void TypeNameBuilder::ForEachParameter(const VDebugInfoNode& node, Parameters kind,
+                                       const std::string& out, Visitor&& visit) {
+    if (!HasFewChildren(node)) {
+        for (VDebugInfoNode* parameter : KnownParameters(node, kind)) {
+            if (IsFull(out)) {
+                return;
+            }
+            visit(*parameter);
+        }
+        return;
+    }
+    for (VDebugInfoNode* child : node.Children()) {
+        if (!IsFull(out) && IsParameter(child->GetTag(), kind)) {
+            visit(*child);
+        }
+    }
 }
 
 void TypeNameBuilder::AppendNameOr(const VDebugInfoNode& node, const char* placeholder,
@@ -220,5 +245,25 @@ void TypeNameBuilder::AppendFunctionType(VDebugInfoNode& node, int depth, std::s
 }
 
 // NOLINTEND(misc-no-recursion)
+
+bool TypeNameBuilder::IsParameter(dwarf_tag tag, Parameters kind) {
+    if (kind == Parameters::OfFunction) {
+        return tag == DW_TAG_formal_parameter;
+    }
+    return tag == DW_TAG_template_type_param || tag == DW_TAG_template_value_param;
+}
+
+const std::vector<VDebugInfoNode*>& TypeNameBuilder::KnownParameters(const VDebugInfoNode& node,
+                                                                     Parameters kind) {
+    const auto [known, isNew] = mKnownParameters.try_emplace({&node, kind});
+    if (isNew) {
+        for (VDebugInfoNode* child : node.Children()) {
+            if (IsParameter(child->GetTag(), kind)) {
+                known->second.push_back(child);
+            }
+        }
+    }
+    return known->second;
+}
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -3,14 +3,19 @@
 // grouping of types.
 #pragma once
 
+#include "dwarf/DwarfConstants.h"
+
 #include <cstddef>
+#include <map>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// Builder of one type text.
+/// Builder of the type texts of one tree, one after the other.
 ///
 /// Modifiers read from left to right from the outermost, scopes stand in front, template arguments
 /// and parameters behind. Chains are followed 33 nodes deep, scopes to a depth of 10; what lies
@@ -22,6 +27,9 @@ public:
     /// @param limit length in characters from which on nothing is added
     explicit TypeNameBuilder(std::size_t limit)
         : mLimit(limit) {}
+
+    /// Another limit for the texts to come.
+    void SetLimit(std::size_t limit) { mLimit = limit; }
 
     /// The text of the type that the node is. The node may be null.
     /// @param withRecordNumbers add record numbers and the names of template parameters
@@ -37,6 +45,15 @@ public:
                              bool withRecordNumbers);
 
 private:
+    /// What a walk over the children of a node looks for.
+    enum class Parameters { OfTemplate, OfFunction };
+
+    static bool IsParameter(dwarf_tag tag, Parameters kind);
+    template <typename Visitor>
+    void ForEachParameter(const VDebugInfoNode& node, Parameters kind, const std::string& out,
+                          Visitor&& visit);
+    const std::vector<VDebugInfoNode*>& KnownParameters(const VDebugInfoNode& node,
+                                                        Parameters kind);
     void AppendNameOr(const VDebugInfoNode& node, const char* placeholder, std::string& out,
                       bool withRecordNumbers) const;
     void AppendTemplatePart(VDebugInfoNode& node, int depth, std::string& out,
@@ -46,6 +63,9 @@ private:
     [[nodiscard]] bool IsFull(const std::string& out) const { return out.size() >= mLimit; }
 
     std::size_t mLimit;
+    /// Parameters of nodes with very many children, found once however many texts name the node.
+    std::map<std::pair<const VDebugInfoNode*, Parameters>, std::vector<VDebugInfoNode*>>
+        mKnownParameters;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -384,6 +384,17 @@ class SampleImagesTest(ProgramTest):
                 self.assertEqual([row["address"] for row in rows],
                                  [item["address"] for item in dumped])
 
+    def test_two_runs_give_the_same_bytes(self):
+        images = sorted(SAMPLE_IMAGES.glob("*-c*.elf"))
+        self.assertTrue(images, f"no images in {SAMPLE_IMAGES}")
+        for image in images:
+            with self.subTest(image=image.name):
+                command = [PROGRAM, "dump", "--all-types", str(image)]
+                first, second = (subprocess.run(command, capture_output=True, timeout=60).stdout
+                                 for _ in range(2))
+                self.assertGreater(len(first), 1000)
+                self.assertEqual(first, second)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,0 +1,338 @@
+// The passes that finish a tree, seen at the nodes: what they join, find, mark and move.
+#include "core/VElfOptions.h"
+#include "support/NodeTree.h"
+#include "support/ScopedReaderState.h"
+
+#include <cstdio>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::ElementsAre;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+class ResolutionTest : public testing::Test {
+protected:
+    static Die UnitDie(std::vector<Die> entries, std::vector<DieAttribute> attributes = {}) {
+        if (attributes.empty()) {
+            attributes.push_back(Name("a.c"));
+        }
+        return Die(DW_TAG_compile_unit, std::move(attributes), std::move(entries));
+    }
+
+    static DwarfSections Unit(std::vector<Die> entries) {
+        return DwarfSections().Unit({UnitDie(std::move(entries))});
+    }
+
+    static Die Int(DieLabel label) {
+        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
+    }
+
+    static Die Member(const std::string& name, std::uint64_t offset) {
+        return Die(DW_TAG_member, {Name(name), MemberOffset(offset)});
+    }
+
+    /// "name@offset" of each child; of those without a name the tag as well.
+    static std::vector<std::string> ChildrenOf(const VDebugInfoNode& node) {
+        std::vector<std::string> children;
+        for (const VDebugInfoNode* child : node.Children()) {
+            EXPECT_EQ(child->GetParent(), &node);
+            children.push_back((child->GetNameOrNull() != nullptr
+                                    ? std::string(child->GetName())
+                                    : "tag" + std::to_string(child->GetTag())) +
+                               "@" + std::to_string(child->GetMemberOffset()));
+        }
+        return children;
+    }
+
+    ScopedReaderState mState;
+};
+
+TEST_F(ResolutionTest, OfEqualDefinitionsTheLargestStandsForAll) {
+    const DieLabel eight;
+    const DieLabel twelve;
+    const DieLabel alsoTwelve;
+    const DieLabel alias;
+    const DieLabel other;
+    NodeTree tree(DwarfSections()
+                      .Unit({UnitDie({
+                          Die(eight, DW_TAG_structure_type, {Name("s"), ByteSize(8)}),
+                          Die(other, DW_TAG_structure_type, {Name("o"), ByteSize(80)}),
+                      })})
+                      .Unit({UnitDie({
+                          Die(twelve, DW_TAG_class_type, {Name("s"), ByteSize(12)}),
+                          Die(alsoTwelve, DW_TAG_structure_type, {Name("s"), ByteSize(12)}),
+                          Die(alias, DW_TAG_typedef, {Name("s"), Type(other, DW_FORM_ref_addr)}),
+                      })}));
+    tree.Resolve();
+    for (const DieLabel label : {eight, twelve, alsoTwelve, alias}) {
+        EXPECT_EQ(tree[label].GetCanonicalTypeNode(), &tree[twelve]);
+    }
+    EXPECT_EQ(tree[other].GetCanonicalTypeNode(), &tree[other]);
+}
+
+TEST_F(ResolutionTest, DeclarationsFindTheirFirstDefinitionInAnyUnit) {
+    const DieLabel declared;
+    const DieLabel pointer;
+    const DieLabel declaredLater;
+    const DieLabel definition;
+    const DieLabel second;
+    const DieLabel elsewhere;
+    NodeTree tree(DwarfSections()
+                      .Unit({UnitDie({
+                          Die(declared, DW_TAG_structure_type, {Name("s"), Declaration()}),
+                          Die(pointer, DW_TAG_pointer_type, {Type(declared)}),
+                          Die(DW_TAG_namespace, {Name("N")},
+                              {Die(elsewhere, DW_TAG_structure_type, {Name("s"), Declaration()})}),
+                      })})
+                      .Unit({UnitDie({
+                          Die(definition, DW_TAG_structure_type, {Name("s"), ByteSize(4)}),
+                          Die(second, DW_TAG_structure_type, {Name("s"), ByteSize(40)}),
+                          Die(declaredLater, DW_TAG_class_type, {Name("s"), Declaration()}),
+                      })}));
+    tree.Resolve();
+    EXPECT_EQ(tree[declared].GetDeclarationResolved(), &tree[definition]);
+    EXPECT_EQ(tree[declaredLater].GetDeclarationResolved(), &tree[definition]);
+    EXPECT_EQ(tree[pointer].GetTypeNode(), &tree[definition]);
+    EXPECT_EQ(tree[definition].GetDeclarationResolved(), nullptr);
+    EXPECT_EQ(tree[second].GetDeclarationResolved(), nullptr);
+    EXPECT_EQ(tree[definition].GetCanonicalTypeNode(), nullptr);
+    EXPECT_EQ(tree[second].GetCanonicalTypeNode(), nullptr);
+    EXPECT_EQ(tree[elsewhere].GetDeclarationResolved(), nullptr);
+}
+
+TEST_F(ResolutionTest, ATypedefOfADeclarationOfItsNameLeavesItAlone) {
+    const DieLabel declared;
+    const DieLabel alsoDeclared;
+    const DieLabel alias;
+    NodeTree tree(Unit({
+        Die(declared, DW_TAG_structure_type, {Name("s"), Declaration()}),
+        Die(alsoDeclared, DW_TAG_structure_type, {Name("s"), Declaration()}),
+        Die(alias, DW_TAG_typedef, {Name("s"), Type(declared)}),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(tree[declared].GetDeclarationResolved(), nullptr);
+    EXPECT_EQ(tree[alsoDeclared].GetDeclarationResolved(), &tree[alias]);
+    EXPECT_EQ(tree[alias].GetTypeNode(), &tree[declared]);
+}
+
+TEST_F(ResolutionTest, TemplateInstancesAreNamedWithScopeAndArguments) {
+    const DieLabel number;
+    const DieLabel instance;
+    const DieLabel named;
+    const auto parameter = [&] {
+        return Die(DW_TAG_template_type_param, {Name("T"), Type(number)});
+    };
+    NodeTree tree(Unit({
+        Int(number),
+        Die(DW_TAG_namespace, {Name("N")},
+            {
+                Die(instance, DW_TAG_class_type, {Name("vec"), ByteSize(4)}, {parameter()}),
+                Die(named, DW_TAG_class_type, {Name("list<int>"), ByteSize(4)}, {parameter()}),
+            }),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(tree[instance].GetName(), "N::vec<int>");
+    EXPECT_EQ(tree[named].GetName(), "list<int>");
+}
+
+TEST_F(ResolutionTest, NamesAreDemangledInTheStyleOfTheirUnit) {
+    std::vector<DieLabel> labels(6);
+    const auto variables = [&](std::size_t first) {
+        return std::vector{Die(labels[first], DW_TAG_variable, {Name("_ZN1a1bE")}),
+                           Die(labels[first + 1], DW_TAG_variable, {Name("b__1a")})};
+    };
+    NodeTree tree(DwarfSections()
+                      .Unit({UnitDie(variables(0), {Name("a.c"), Producer("a Tasking compiler")})})
+                      .Unit({UnitDie(variables(2), {Name("b.c")})})
+                      .Unit({UnitDie(variables(4), {Name("c.c"), Producer("another")})}));
+    tree.Resolve();
+    std::vector<std::string> names;
+    for (const DieLabel label : labels) {
+        names.emplace_back(tree[label].GetName());
+    }
+    EXPECT_THAT(names, ElementsAre("a::b", "b__1a", "_ZN1a1bE", "a::b", "_ZN1a1bE", "a::b"));
+}
+
+TEST_F(ResolutionTest, UnitsOfOneNameAndDirectoryAreOneKind) {
+    std::vector<DieLabel> labels(6);
+    const std::vector<std::vector<DieAttribute>> attributes = {
+        {Name("a.c"), CompDir("/d")},
+        {Name("a.c"), CompDir("/e")},
+        {Name("a.c")},
+        {Name("a.c"), CompDir("/d")},
+        {Name("a.c")},
+        {Name("b.c"), CompDir("/d")},
+    };
+    DwarfSections sections;
+    for (std::size_t index = 0; index < labels.size(); ++index) {
+        sections.Unit({Die(labels[index], DW_TAG_compile_unit, attributes[index])});
+    }
+    NodeTree tree(sections);
+    tree.Resolve();
+    const std::size_t firsts[] = {0, 1, 2, 0, 2, 5};
+    for (std::size_t index = 0; index < labels.size(); ++index) {
+        EXPECT_EQ(tree[labels[index]].GetFirstKindOfCompileUnit(), &tree[labels[firsts[index]]])
+            << index;
+    }
+}
+
+TEST_F(ResolutionTest, ExternVariablesAreFoundByTheirSymbols) {
+    VElfOptions::mIsLogFile = 1;
+    const DieLabel declared;
+    const DieLabel early;
+    const DieLabel linked;
+    const DieLabel late;
+    const DieLabel notRetried;
+    const DieLabel nameless;
+    NodeTree tree(Unit({
+                      Die(declared, DW_TAG_variable, {Name("plain"), Declaration()}),
+                      Die(DW_TAG_variable, {Specification(declared), Address(0x4000)}),
+                      // The names of the symbols are loaded for the first linkage name.
+                      Die(early, DW_TAG_variable, {Name("plain")}),
+                      Die(linked, DW_TAG_variable, {Name("plain"), LinkageName("linked")}),
+                      Die(late, DW_TAG_variable, {Name("plain"), LinkageName("nowhere")}),
+                      Die(notRetried, DW_TAG_variable, {Name("linked")}),
+                      Die(nameless, DW_TAG_variable, {Specification(declared)}),
+                  }),
+                  ElfImage()
+                      .Symbol({"plain", 0x1000, 4})
+                      .Symbol({"_linked", 0x2000, 4})
+                      .Symbol({"", 0x3000, 4}));
+    tree.Resolve();
+    EXPECT_FALSE(tree[declared].HasLocation());
+    EXPECT_FALSE(tree[early].HasLocation());
+    EXPECT_TRUE(tree[linked].IsAddressFromSymbolTable());
+    EXPECT_EQ(tree[linked].GetLocationAddress(), 0x2000U);
+    EXPECT_EQ(tree[late].GetLocationAddress(), 0x1000U);
+    EXPECT_FALSE(tree[notRetried].HasLocation());
+    EXPECT_FALSE(tree[nameless].HasLocation());
+    const auto line = [&](int number, DieLabel label, const std::string& ending) {
+        char start[120];
+        std::snprintf(start, sizeof start,
+                      "%d. Resolving Extern Variable without location attribute. "
+                      "(section offset: 0x%08x): ",
+                      number, tree[label].GetOffset());
+        return start + ending + "\n";
+    };
+    const auto failed = [](const std::string& name) {
+        return "Failed!: Variable '" + name + "' not found in symbol table!! ";
+    };
+    EXPECT_THAT(tree.Log(),
+                testing::EndsWith(line(0, declared, "Variable is used as specification. OK! ") +
+                                  line(1, early, failed("plain")) +
+                                  line(2, notRetried, failed("linked")) +
+                                  line(3, nameless, failed(""))));
+}
+
+TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
+    const DieLabel number;
+    const DieLabel array;
+    const DieLabel declared;
+    const DieLabel pointer;
+    const DieLabel complete;
+    const DieLabel alias;
+    const DieLabel structure;
+    const DieLabel specified;
+    struct Placed {
+        DieLabel label;
+        std::string name;
+        DieLabel type;
+        std::uint64_t address;
+        bool isRedundant;
+    };
+    const std::vector<Placed> variables = {
+        {{}, "x", number, 0x1000, true},     {{}, "x", declared, 0x1000, true},
+        {{}, "x", array, 0x1000, false},     {{}, "other", number, 0x1000, false},
+        {{}, "y", pointer, 0x2000, true},    {{}, "y", structure, 0x2000, true},
+        {{}, "y", alias, 0x2000, false},     {{}, "y", complete, 0x2000, true},
+        {{}, "z", structure, 0x3000, false}, {{}, "z", structure, 0x3000, true},
+        {{}, "n", number, 0x4000, false},    {{}, "n", number, 0x4004, false},
+        {{}, "null", number, 0, false},      {{}, "null", number, 0, false},
+        {{}, "s", array, 0x5000, false},
+    };
+    std::vector<Die> entries{
+        Int(number),
+        Die(array, DW_TAG_array_type, {Type(number)}, {Die(DW_TAG_subrange_type, {UpperBound(9)})}),
+        Die(declared, DW_TAG_structure_type, {Name("d"), Declaration()}),
+        Die(pointer, DW_TAG_pointer_type, {Type(number)}),
+        Die(complete, DW_TAG_union_type, {Name("u"), ByteSize(4)},
+            {Member("a", 0), Member("b", 0)}),
+        Die(alias, DW_TAG_typedef, {Name("t"), Type(complete)}),
+        Die(structure, DW_TAG_structure_type, {Name("big"), ByteSize(8)},
+            {Member("a", 0), Member("b", 0), Member("c", 0)}),
+        Die(specified, DW_TAG_variable, {Name("s"), Type(number), Declaration()}),
+    };
+    for (const Placed& variable : variables) {
+        entries.emplace_back(
+            variable.label, DW_TAG_variable,
+            std::vector{Name(variable.name), Type(variable.type), Address(variable.address)});
+    }
+    const DieLabel completing;
+    entries.emplace_back(completing, DW_TAG_variable,
+                         std::vector{Specification(specified), Address(0x5000)});
+    NodeTree tree(Unit(entries));
+    tree.Resolve();
+    for (const Placed& variable : variables) {
+        EXPECT_EQ(tree[variable.label].IsRedundantDeclaration(), variable.isRedundant)
+            << variable.name << '@' << variable.address;
+    }
+    // It has its name from what it completes, and that is no type to be rich.
+    EXPECT_TRUE(tree[completing].IsRedundantDeclaration());
+}
+
+TEST_F(ResolutionTest, MembersOfAnonymousMembersMoveOutwards) {
+    const DieLabel structure;
+    const DieLabel anonymous;
+    const DieLabel outside;
+    const DieLabel holder;
+    NodeTree tree(Unit({
+        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(16)},
+            {
+                Member("a", 0),
+                Die(anonymous, DW_TAG_union_type, {ByteSize(8)},
+                    {Member("first", 0), Die(DW_TAG_typedef, {Name("t")}), Member("second", 4)}),
+                Die(DW_TAG_member, {Type(anonymous), MemberOffset(8)}),
+                Member("z", 16),
+                // Nothing is left for another one.
+                Die(DW_TAG_member, {Type(anonymous), MemberOffset(20)}),
+            }),
+        Die(outside, DW_TAG_union_type, {ByteSize(4)}, {Member("stays", 0)}),
+        Die(holder, DW_TAG_structure_type, {Name("h"), ByteSize(4)},
+            {Die(DW_TAG_member, {Type(outside), MemberOffset(0)})}),
+    }));
+    tree.Resolve();
+    EXPECT_THAT(ChildrenOf(tree[structure]), ElementsAre("a@0", "tag23@0", "tag13@8", "z@16",
+                                                         "tag13@20", "first@8", "second@12"));
+    EXPECT_THAT(ChildrenOf(tree[anonymous]), ElementsAre("t@0"));
+    EXPECT_THAT(ChildrenOf(tree[outside]), ElementsAre("stays@0"));
+    EXPECT_THAT(ChildrenOf(tree[holder]), ElementsAre("tag13@0"));
+}
+
+TEST_F(ResolutionTest, NestedAnonymousMembersMoveAllTheWay) {
+    const DieLabel structure;
+    const DieLabel outer;
+    const DieLabel inner;
+    NodeTree tree(Unit({
+        Die(structure, DW_TAG_class_type, {Name("s"), ByteSize(32)},
+            {
+                Die(outer, DW_TAG_structure_type, {ByteSize(16)},
+                    {
+                        Die(inner, DW_TAG_union_type, {ByteSize(4)}, {Member("deep", 1)}),
+                        Die(DW_TAG_member, {Type(inner), MemberOffset(4)}),
+                        Member("shallow", 0),
+                    }),
+                Die(DW_TAG_member, {Type(outer), MemberOffset(8)}),
+            }),
+    }));
+    tree.Resolve();
+    EXPECT_THAT(ChildrenOf(tree[structure]),
+                ElementsAre("tag19@0", "tag13@8", "tag13@12", "shallow@8", "deep@13"));
+    EXPECT_THAT(ChildrenOf(tree[outer]), ElementsAre("tag23@0"));
+    EXPECT_THAT(ChildrenOf(tree[inner]), testing::IsEmpty());
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests

@@ -1,0 +1,292 @@
+// The texts of types: the one by which equal types of different units are found, and the one for
+// the dump of the tree.
+#include "nodes/TypeName.h"
+
+#include "emit/ResolutionPasses.h"
+#include "nodes/ReferenceText.h"
+#include "support/NodeTree.h"
+#include "support/ScopedReaderState.h"
+
+#include <gtest/gtest.h>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+constexpr std::size_t sLimit = 64 * 1024;
+
+class TypeNameTest : public testing::Test {
+protected:
+    /// The tree of one unit with links, so that texts can be built.
+    static NodeTree& Linked(NodeTree& tree) {
+        ResolveAllReferences(tree.Section());
+        return tree;
+    }
+
+    static DwarfSections Unit(std::vector<Die> entries) {
+        return DwarfSections().Unit({Die(DW_TAG_compile_unit, {Name("a.c")}, std::move(entries))});
+    }
+
+    static std::string TextOf(VDebugInfoNode& node, bool withRecordNumbers = false) {
+        std::string text;
+        TypeNameBuilder(sLimit).AppendTypeName(&node, 0, text, withRecordNumbers);
+        return text;
+    }
+
+    static Die Structure(DieLabel label, std::vector<DieAttribute> attributes = {Name("S")}) {
+        return Die(label, DW_TAG_structure_type, std::move(attributes));
+    }
+
+    static Die Int(DieLabel label) { return Die(label, DW_TAG_base_type, {Name("int")}); }
+
+    ScopedReaderState mState;
+};
+
+TEST_F(TypeNameTest, ScopesStandInFront) {
+    const DieLabel anonymous;
+    const DieLabel inNamespace;
+    const DieLabel inUnnamedNamespace;
+    const DieLabel inFunction;
+    const DieLabel inBlock;
+    const DieLabel inClass;
+    const DieLabel inAnonymousUnion;
+    const DieLabel pointerInClass;
+    const DieLabel number;
+    NodeTree tree(Unit({
+        Structure(anonymous, {}),
+        Die(DW_TAG_namespace, {Name("N")},
+            {
+                Structure(inNamespace),
+                Die(DW_TAG_namespace, {}, {Structure(inUnnamedNamespace)}),
+                Die(DW_TAG_subprogram, {Name("f")},
+                    {
+                        Structure(inFunction),
+                        Die(DW_TAG_lexical_block, {}, {Structure(inBlock)}),
+                    }),
+            }),
+        Die(DW_TAG_class_type, {Name("B")},
+            {Structure(inClass, {Name("C")}),
+             Die(pointerInClass, DW_TAG_pointer_type, {Type(number)})}),
+        Die(DW_TAG_union_type, {}, {Structure(inAnonymousUnion)}),
+        Int(number),
+    }));
+    Linked(tree);
+    EXPECT_EQ(TextOf(tree[anonymous]), "<anonymouse-structural>");
+    EXPECT_EQ(TextOf(tree[inNamespace]), "N::S");
+    EXPECT_EQ(TextOf(tree[inUnnamedNamespace]), "N::<anonymous-namespace>::S");
+    EXPECT_EQ(TextOf(tree[inFunction]), "N::f$S");
+    EXPECT_EQ(TextOf(tree[inBlock]), "S");
+    EXPECT_EQ(TextOf(tree[inClass]), "B::C");
+    EXPECT_EQ(TextOf(tree[inAnonymousUnion]), "<anonymouse-structural>::S");
+    EXPECT_EQ(TextOf(tree[pointerInClass]), "B::*int");
+}
+
+TEST_F(TypeNameTest, FarScopesAreLeftOut) {
+    const DieLabel innermost;
+    Die scopes = Structure(innermost);
+    for (int level = 7; level >= 1; --level) {
+        scopes = Die(DW_TAG_namespace, {Name("n" + std::to_string(level))}, {scopes});
+    }
+    NodeTree tree(Unit({scopes}));
+    EXPECT_EQ(TextOf(tree[innermost]), "n3::n4::n5::n6::n7::S");
+}
+
+TEST_F(TypeNameTest, ModifiersReadFromTheOutermost) {
+    const DieLabel number;
+    const DieLabel alias;
+    const DieLabel constNumber;
+    const DieLabel constPointer;
+    const DieLabel voidPointer;
+    const DieLabel reference;
+    const DieLabel volatileAlias;
+    const DieLabel array;
+    const DieLabel arrayPointer;
+    const DieLabel function;
+    const DieLabel functionPointer;
+    const DieLabel memberPointer;
+    const DieLabel unnamedEnumeration;
+    NodeTree tree(Unit({
+        Int(number),
+        Die(alias, DW_TAG_typedef, {Name("t"), Type(number)}),
+        Die(constNumber, DW_TAG_const_type, {Type(number)}),
+        Die(constPointer, DW_TAG_pointer_type, {Type(constNumber)}),
+        Die(voidPointer, DW_TAG_pointer_type),
+        Die(volatileAlias, DW_TAG_volatile_type, {Type(alias)}),
+        Die(reference, DW_TAG_rvalue_reference_type, {Type(volatileAlias)}),
+        Die(array, DW_TAG_array_type, {Type(number)}),
+        Die(arrayPointer, DW_TAG_pointer_type, {Type(array)}),
+        Die(function, DW_TAG_subroutine_type, {Type(number)},
+            {Die(DW_TAG_formal_parameter, {Type(number)}), Die(DW_TAG_unspecified_parameters),
+             Die(DW_TAG_formal_parameter, {Type(constPointer)})}),
+        Die(functionPointer, DW_TAG_pointer_type, {Type(function)}),
+        Die(memberPointer, DW_TAG_ptr_to_member_type, {Type(number)}),
+        Die(unnamedEnumeration, DW_TAG_enumeration_type, {ByteSize(1)}),
+    }));
+    Linked(tree);
+    EXPECT_EQ(TextOf(tree[alias]), "t");
+    EXPECT_EQ(TextOf(tree[constPointer]), "*const int");
+    EXPECT_EQ(TextOf(tree[voidPointer]), "*");
+    EXPECT_EQ(TextOf(tree[reference]), "&&volatile t");
+    EXPECT_EQ(TextOf(tree[arrayPointer]), "*");
+    EXPECT_EQ(TextOf(tree[functionPointer]), "*int(int,*const int) ");
+    EXPECT_EQ(TextOf(tree[memberPointer]), "ptr_to_member_type(unsupported) ");
+    EXPECT_EQ(TextOf(tree[unnamedEnumeration]), "<anonymouse-enum>");
+}
+
+TEST_F(TypeNameTest, LongChainsAreCut) {
+    std::vector<DieLabel> labels(40);
+    std::vector<Die> pointers;
+    for (std::size_t index = 0; index < labels.size(); ++index) {
+        pointers.emplace_back(labels[index], DW_TAG_pointer_type,
+                              std::vector{Type(labels[(index + 1) % labels.size()])});
+    }
+    NodeTree tree(Unit(pointers));
+    EXPECT_EQ(TextOf(Linked(tree)[labels[0]]), std::string(33, '*'));
+}
+
+TEST_F(TypeNameTest, TemplateArgumentsStandBehind) {
+    const DieLabel number;
+    const DieLabel function;
+    const DieLabel vector;
+    const DieLabel named;
+    const DieLabel nested;
+    NodeTree tree(Unit({
+        Int(number),
+        Die(function, DW_TAG_subroutine_type, {Type(number)},
+            {Die(DW_TAG_formal_parameter, {Type(number)})}),
+        Die(vector, DW_TAG_class_type, {Name("vec")},
+            {
+                Die(DW_TAG_member, {Name("m"), Type(number)}),
+                Die(DW_TAG_template_type_param, {Name("T"), Type(number)}),
+                Die(DW_TAG_template_value_param, {Name("N"), Type(number), ConstValue(-5)}),
+            }),
+        Die(named, DW_TAG_class_type, {Name("vec<int>")},
+            {Die(DW_TAG_template_type_param, {Name("T"), Type(number)})}),
+        Die(nested, DW_TAG_class_type, {Name("pair")},
+            {Die(DW_TAG_template_type_param, {Name("A"), Type(vector)}),
+             Die(DW_TAG_template_type_param, {Name("B"), Type(function)})}),
+    }));
+    Linked(tree);
+    EXPECT_EQ(TextOf(tree[vector]), "vec<int,-5>");
+    EXPECT_TRUE(tree[vector].HasTemplateParameters());
+    EXPECT_EQ(TextOf(tree[named]), "vec<int>");
+    EXPECT_FALSE(tree[named].HasTemplateParameters());
+    EXPECT_EQ(TextOf(tree[nested]), "pair<vec<int,-5>,int(int) >");
+    const auto record = [&](DieLabel label) {
+        return "(" + std::to_string(tree[label].GetTagRecord()) + ")";
+    };
+    EXPECT_EQ(TextOf(tree[vector], true),
+              "vec" + record(vector) + "<T = int" + record(number) + ",N = -5>");
+}
+
+TEST_F(TypeNameTest, ArgumentsAreFoundBehindManyOtherChildren) {
+    const DieLabel number;
+    const DieLabel big;
+    std::vector<Die> children(100, Die(DW_TAG_member, {Name("m"), Type(number)}));
+    children.insert(children.begin() + 40,
+                    Die(DW_TAG_template_type_param, {Name("T"), Type(number)}));
+    children.emplace_back(DW_TAG_template_value_param, std::vector{ConstValue(7)});
+    NodeTree tree(Unit({Int(number), Die(big, DW_TAG_class_type, {Name("big")}, children)}));
+    Linked(tree);
+    std::string text;
+    TypeNameBuilder builder(sLimit);
+    builder.AppendTypeName(&tree[big], 0, text, false);
+    builder.AppendTypeName(&tree[big], 0, text, false);
+    EXPECT_EQ(text, "big<int,7>big<int,7>");
+    text.clear();
+    builder.SetLimit(5);
+    builder.AppendTypeName(&tree[big], 0, text, false);
+    EXPECT_EQ(text, "big<int>");
+}
+
+TEST_F(TypeNameTest, ReferencesReadInwards) {
+    const DieLabel number;
+    const DieLabel structure;
+    const DieLabel constStructure;
+    const DieLabel array;
+    const DieLabel pointer;
+    const DieLabel constPointer;
+    const DieLabel packed;
+    const DieLabel alias;
+    const DieLabel constNothing;
+    const DieLabel declared;
+    const DieLabel variable;
+    const DieLabel unresolved;
+    NodeTree tree(Unit({
+        Int(number),
+        Die(DW_TAG_namespace, {Name("N")}, {Structure(structure, {Name("S"), ByteSize(4)})}),
+        Die(constStructure, DW_TAG_const_type, {Type(structure)}),
+        Die(array, DW_TAG_array_type, {Type(constStructure)},
+            {Die(DW_TAG_subrange_type, {UpperBound(1)}),
+             Die(DW_TAG_subrange_type, {UpperBound(2)})}),
+        Die(pointer, DW_TAG_pointer_type, {Type(array)}),
+        Die(alias, DW_TAG_typedef, {Name("t"), Type(pointer)}),
+        Die(packed, DW_TAG_packed_type, {Name("p"), Type(alias)}),
+        Die(constNothing, DW_TAG_const_type),
+        Die(DW_TAG_class_type, {Name("C")},
+            {Die(declared, DW_TAG_variable, {Name("s"), Type(number), Declaration()})}),
+        Die(variable, DW_TAG_variable, {Name("v"), Type(pointer), Specification(declared)}),
+        Die(unresolved, DW_TAG_variable, {Name("u"), Number(DW_AT_type, DW_FORM_ref4, 0x7777)}),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(GetReferenceText(tree[variable], 0), "const (nsp>)N::(<struct) S[2][3]* ");
+    EXPECT_EQ(GetReferenceText(tree[variable], 1),
+              "(<base_type) int(class>)C::s;// variable specification ");
+    EXPECT_EQ(GetReferenceText(tree[packed], 0), "(<typedef) t");
+    EXPECT_EQ(GetReferenceText(tree[constNothing], 0), "<no-reference>");
+    EXPECT_EQ(GetReferenceText(tree[unresolved], 0),
+              " <referenced debug info node not found/resolved yet!!!>");
+    EXPECT_EQ(GetReferenceText(tree[unresolved], 1),
+              " <referenced debug info node not found/resolved yet!!!>");
+}
+
+TEST_F(TypeNameTest, OtherTagsReplaceWhatStandsBeforeThem) {
+    const DieLabel constNothing;
+    const DieLabel packed;
+    const DieLabel volatilePacked;
+    const DieLabel pointer;
+    const DieLabel constPointer;
+    const DieLabel variable;
+    const DieLabel endsEarly;
+    NodeTree tree(Unit({
+        Die(constNothing, DW_TAG_const_type),
+        Die(packed, DW_TAG_packed_type, {Name("p"), Type(constNothing)}),
+        Die(volatilePacked, DW_TAG_volatile_type, {Type(packed)}),
+        Die(pointer, DW_TAG_pointer_type, {Type(volatilePacked)}),
+        Die(constPointer, DW_TAG_const_type, {Type(pointer)}),
+        Die(variable, DW_TAG_variable, {Name("v"), Type(constPointer)}),
+        Die(endsEarly, DW_TAG_variable, {Name("w"), Type(packed)}),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(GetReferenceText(tree[variable], 0), "const <DW_TAG_packed_type> p const * ");
+    EXPECT_EQ(GetReferenceText(tree[endsEarly], 0), "<DW_TAG_packed_type> p const ");
+}
+
+TEST_F(TypeNameTest, ScopeTextTellsEverySecondLevel) {
+    const DieLabel inOne;
+    const DieLabel inThree;
+    const DieLabel inStructure;
+    const DieLabel inUnnamed;
+    const DieLabel inBlock;
+    NodeTree tree(Unit({
+        Die(DW_TAG_namespace, {Name("N1")},
+            {
+                Structure(inOne),
+                Die(DW_TAG_namespace, {Name("N2")},
+                    {Die(DW_TAG_namespace, {Name("N3")}, {Structure(inThree)})}),
+                Die(DW_TAG_subprogram, {Name("f")},
+                    {Die(DW_TAG_lexical_block, {}, {Structure(inBlock)})}),
+            }),
+        Die(DW_TAG_structure_type, {Name("O")}, {Structure(inStructure)}),
+        Die(DW_TAG_namespace, {}, {Structure(inUnnamed)}),
+    }));
+    EXPECT_EQ(GetScopeText(tree[inOne]), "(nsp>)N1::");
+    EXPECT_EQ(GetScopeText(tree[inThree]), "(nsp>)N1::(nsp>)N3::");
+    EXPECT_EQ(GetScopeText(tree[inStructure]), "(DW_TAG_structure_type>)O::");
+    EXPECT_EQ(GetScopeText(tree[inUnnamed]), "(nsp>)<anonymous>::");
+    EXPECT_EQ(GetScopeText(tree[inBlock]), "(nsp>)N1::");
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
