@@ -1,12 +1,14 @@
-"""The debug entries of an image as readelf shows them, for the checks of this folder.
+"""The debug entries of an image as binutils show them, for the checks of this folder.
 
-Everything here is parsed from the text of `readelf --debug-dump=info`; the program under test is never
-asked.
+Everything here is parsed from the text of `readelf --debug-dump=info` or, for Windows images, from that of
+`objdump --dwarf=info`, which is the same; the program under test is never asked.
 """
 
 import dataclasses
 import re
 import subprocess
+
+import windows_images
 
 ENTRY_LINE = re.compile(r"\s*<([0-9a-f]+)><([0-9a-f]+)>: Abbrev Number: (\d+)(?: \((\S+)\))?")
 ATTRIBUTE_LINE = re.compile(r"\s*<[0-9a-f]+>\s+(DW_AT_\S+?)\s*: ?(.*)")
@@ -46,8 +48,10 @@ class DebugEntry:
 
 def debug_entries(image):
     """All entries of the image in file order; null entries are none."""
-    done = subprocess.run(["readelf", "--debug-dump=info", str(image)], capture_output=True,
-                          text=True, errors="surrogateescape", check=True, timeout=120)
+    is_windows_image = windows_images.is_windows_image(image)
+    command = ["objdump", "--dwarf=info"] if is_windows_image else ["readelf", "--debug-dump=info"]
+    done = subprocess.run([*command, str(image)], capture_output=True, text=True,
+                          errors="surrogateescape", check=True, timeout=120)
     entries = []
     open_entries = []
     for line in done.stdout.splitlines():

@@ -132,7 +132,7 @@ class VariableList:
             self._add_function(unit, function)
 
     def _add_function(self, unit, function):
-        outermost = gdb.block_for_pc(int(function.value().address) & ~1)
+        outermost = gdb.block_for_pc(int(function.value().address))
         if outermost is None:
             return
         # gdb hands out a block for an address only, so every address of the function is asked for.

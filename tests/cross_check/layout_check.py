@@ -19,6 +19,7 @@ import unittest
 
 import debug_entries
 import symbols_check
+import windows_images
 
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
@@ -252,7 +253,7 @@ class Dump:
 
 
 class Oracle:
-    """What gdb says of an image."""
+    """What gdb says of an image, at the addresses that the reader is to tell."""
 
     def __init__(self, image, units):
         with tempfile.TemporaryDirectory(prefix="brindle-oracle-") as folder:
@@ -266,18 +267,22 @@ class Oracle:
                 raise AssertionError(f"gdb failed: {done.stdout}{done.stderr}")
             document = json.loads(output.read_text(encoding="utf-8", errors="surrogateescape"))
         self.variables, self.types = document["variables"], document["types"]
+        for variable in self.variables:
+            variable["address"] = windows_images.delivered_address(image, variable["address"])
 
 
 class EntryFacts:
     """What the rules need to know and gdb doesn't tell: how the compiler wrote the entries."""
 
-    def __init__(self, entries):
+    def __init__(self, image):
+        entries = debug_entries.debug_entries(image)
         self._by_offset = {entry.offset: entry for entry in entries}
         self.units = [entry.name() for entry in entries if entry.tag == "DW_TAG_compile_unit"]
         self.has_namespaces = any(entry.tag == "DW_TAG_namespace" for entry in entries)
         self._variables = collections.defaultdict(list)
         for entry in entries:
             if entry.tag == "DW_TAG_variable" and (address := entry.address()) is not None:
+                address = windows_images.delivered_address(image, address)
                 self._variables[address, self._declaration(entry).name()].append(entry)
         self._found_by_name = self._find_variables_looked_up(entries)
         self._hoisting = self._find_hoisted_members(entries)
@@ -634,7 +639,7 @@ def expected_basic_type(kind):
 
 @functools.cache
 def facts_of(image):
-    return EntryFacts(debug_entries.debug_entries(image))
+    return EntryFacts(image)
 
 
 def is_big_endian(image):
@@ -652,8 +657,8 @@ class LayoutCheck(unittest.TestCase):
     def images(self):
         """The linked images with debug information. In a relocatable object the addresses aren't
         settled, so that it says nothing here."""
-        found = sorted(SAMPLE_IMAGES.glob("*-dwarf*.elf"))
-        self.assertGreater(len(found), 12, f"images are missing in {SAMPLE_IMAGES}")
+        found = sorted(image for image in SAMPLE_IMAGES.glob("*-dwarf*.*") if image.suffix != ".o")
+        self.assertGreater(len(found), 20, f"images are missing in {SAMPLE_IMAGES}")
         return found
 
     def dump(self, image):

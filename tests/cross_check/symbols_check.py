@@ -13,6 +13,8 @@ import pathlib
 import subprocess
 import unittest
 
+import windows_images
+
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
 
@@ -29,7 +31,10 @@ def readelf(*arguments):
 
 
 def raw_symbols(image):
-    """All records of .symtab in table order: (name, value, size, type)."""
+    """All records of .symtab in table order: (name, value, size, type). A Windows image has no such
+    section."""
+    if windows_images.is_windows_image(image):
+        return
     for line in readelf("--symbols", str(image)).splitlines():
         fields = line.split(maxsplit=7)
         if len(fields) >= 7 and fields[0].rstrip(":").isdigit():
@@ -89,7 +94,7 @@ class SymbolsCheck(unittest.TestCase):
                 self.assert_agreement(image)
 
     def test_symbol_tables_of_images_with_debug_information(self):
-        for image in self.images("*-dwarf*"):
+        for image in self.images("*-dwarf*.elf") + self.images("*-dwarf*.o"):
             with self.subTest(image=image.name):
                 self.assert_agreement(image, *SYMBOLS_ONLY)
 
@@ -112,6 +117,23 @@ class SymbolsCheck(unittest.TestCase):
         done = run_vars(SAMPLE_IMAGES / WITHOUT_SYMBOLS, *SYMBOLS_ONLY)
         self.assertEqual(done.returncode, 1)
         self.assertIn("The ELF file is missing .strtab section.", done.stderr)
+
+    def test_windows_images_have_their_variables_where_nm_says(self):
+        images = self.images("*.exe") + self.images("*.dll")
+        self.assertEqual(len(images), 8)
+        for image in images:
+            with self.subTest(image=image.name):
+                done = run_vars(image)
+                self.assertEqual((done.returncode, done.stderr), (0, ""))
+                symbols = windows_images.data_symbols(image)
+                compared = 0
+                for row in csv.DictReader(io.StringIO(done.stdout)):
+                    addresses = symbols.get(windows_images.last_part(row["name"]), set())
+                    compared += bool(addresses)
+                    expected = {windows_images.delivered_address(image, address) for address in addresses}
+                    self.assertTrue(not addresses or int(row["address"], 16) in expected,
+                                    f"{row['name']} at {row['address']}, nm says {expected}")
+                self.assertGreater(compared, 20)
 
 
 if __name__ == "__main__":

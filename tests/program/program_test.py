@@ -370,6 +370,17 @@ class OutputTest(ProgramTest):
 
 
 class SampleImagesTest(ProgramTest):
+    def test_the_container_of_every_image_is_found(self):
+        containers = {".elf": "elf", ".o": "elf", ".exe": "pe", ".dll": "pe"}
+        images = sorted(SAMPLE_IMAGES.iterdir())
+        self.assertGreater(len(images), 25)
+        for image in images:
+            with self.subTest(image=image.name):
+                status = 1 if "nosymtab" in image.name else 0
+                document = self.run_json("dump", str(image), status=status)
+                self.assertEqual(document["container"], containers[image.suffix])
+                self.assertTrue(any(item["kind"] == "global" for item in document["objects"]))
+
     def test_every_image_gives_the_same_variables_in_vars_and_dump(self):
         images = [image for image in sorted(SAMPLE_IMAGES.glob("*.elf"))
                   if "nosymtab" not in image.name]

@@ -1,0 +1,214 @@
+// Whole reads of the same debug information in each container: what is delivered, which phases run,
+// and what the reader says when the file is of another kind than it was told.
+#include "core/ErrorState.h"
+#include "core/VElfOptions.h"
+#include "core/VElfResourceManager.h"
+#include "support/CoffImage.h"
+#include "support/DwarfSections.h"
+#include "support/ElfImage.h"
+#include "support/PeImage.h"
+#include "support/ReadRun.h"
+#include "support/ScopedReaderState.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::Each;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+using enum DWARFContainerType;
+
+/// `gMotor` at 0x10001000 with the members `speed` at 0 and `limit` at 4, and `gCount` at 0x500.
+DwarfSections MotorSections(ByteOrder byteOrder = ByteOrder::Little, int addressSize = 4,
+                            std::uint64_t motorAddress = 0x10001000) {
+    const DieLabel number;
+    const DieLabel motor;
+    const DwarfUnit unit{
+        .entries = {Die(
+            DW_TAG_compile_unit, {Name("motor.c", DW_FORM_strp)},
+            {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(5)}),
+             Die(motor, DW_TAG_structure_type, {Name("motor", DW_FORM_strp), ByteSize(8)},
+                 {Die(DW_TAG_member, {Name("speed"), Type(number), MemberOffset(0)}),
+                  Die(DW_TAG_member, {Name("limit"), Type(number), MemberOffset(4)})}),
+             Die(DW_TAG_variable, {Name("gMotor"), Type(motor), External(), Address(motorAddress)}),
+             Die(DW_TAG_variable, {Name("gCount"), Type(number), External(), Address(0x500)})})},
+        .addressSize = addressSize};
+    return DwarfSections(byteOrder).Unit(unit);
+}
+
+/// Variables and the members of structures, as "name@address:size" and "name+offset".
+std::vector<std::string> LayoutOf(const ReadRun& run) {
+    EXPECT_TRUE(run.result) << run.message;
+    EXPECT_THAT(run.signals, IsEmpty());
+    EXPECT_EQ(run.standardOutput, "");
+    std::vector<std::string> layout = run.Variables();
+    run.model->ForEach(DataModel::ObjectKind::Member, [&](const DataModel::ModelObject& member) {
+        layout.push_back(std::string(member.name) + "+" + std::to_string(member.offset));
+    });
+    return layout;
+}
+
+template <typename Image>
+ReadRun ReadAs(DWARFContainerType container, const Image& image) {
+    return ReadImage(image.Build(), container);
+}
+
+class ContainerReadTest : public testing::Test {
+protected:
+    ScopedReaderState mState;
+};
+
+TEST_F(ContainerReadTest, DebugInformationIsDeliveredAlikeFromEveryContainer) {
+    const auto isTheMotor = ElementsAre("gMotor@10001000:8", "gCount@500:4", "speed+0", "limit+4");
+    for (const ByteOrder byteOrder : {ByteOrder::Little, ByteOrder::Big}) {
+        const DwarfSections sections = MotorSections(byteOrder);
+        EXPECT_THAT(LayoutOf(ReadAs(
+                        Container_ELF,
+                        ElfImage(ElfClass::Class32, byteOrder).Symbol({"main", 1, 4, sFunction}) +
+                            sections)),
+                    isTheMotor);
+        EXPECT_THAT(LayoutOf(ReadAs(Container_COFF, CoffImage(byteOrder) + sections)), isTheMotor);
+        EXPECT_THAT(
+            LayoutOf(ReadAs(Container_COFF,
+                            CoffImage(byteOrder).OptionalHeaderSize(28).SymbolsFirst() + sections)),
+            isTheMotor);
+    }
+    EXPECT_THAT(LayoutOf(ReadAs(Container_PE, PeImage() + MotorSections())), isTheMotor);
+    EXPECT_THAT(LayoutOf(ReadAs(Container_PE, PeImage(PeMachine::X86_64).SymbolsFirst() +
+                                                  MotorSections(ByteOrder::Little, 8))),
+                isTheMotor);
+}
+
+TEST_F(ContainerReadTest, WordAddressedTargetsAreDeliveredInBytes) {
+    const CoffImage image = CoffImage().Target(sCoffTargetC2800) + MotorSections();
+    EXPECT_THAT(LayoutOf(ReadAs(Container_COFF, image)),
+                ElementsAre("gMotor@20002000:16", "gCount@a00:8", "speed+0", "limit+8"));
+    VElfOptions::mCoffDwarfAddressMode = 1;
+    EXPECT_THAT(LayoutOf(ReadAs(Container_COFF, image)),
+                ElementsAre("gMotor@10001000:8", "gCount@500:4", "speed+0", "limit+4"));
+}
+
+TEST_F(ContainerReadTest, VariablesOfALibraryAreRelativeToItsImageBase) {
+    const auto variables = [](const PeImage& image, const DwarfSections& sections) {
+        return ReadAs(Container_PE, image + sections).Variables();
+    };
+    const PeImage library = PeImage().Dll().ImageBase(0x10000000);
+    EXPECT_THAT(variables(library, MotorSections()), ElementsAre("gMotor@1000:8", "gCount@500:4"));
+    EXPECT_THAT(variables(PeImage().ImageBase(0x10000000), MotorSections()),
+                ElementsAre("gMotor@10001000:8", "gCount@500:4"));
+    // An address at the base itself isn't above it.
+    EXPECT_THAT(variables(library, MotorSections(ByteOrder::Little, 4, 0x10000000)),
+                ElementsAre("gMotor@10000000:8", "gCount@500:4"));
+    // Addresses have 32 bits, and none of these is above a base of more.
+    EXPECT_THAT(variables(PeImage(PeMachine::X86_64).Dll().ImageBase(0x180000000),
+                          MotorSections(ByteOrder::Little, 8, 0x180001000)),
+                ElementsAre("gMotor@80001000:8", "gCount@500:4"));
+}
+
+TEST_F(ContainerReadTest, OnlyElfFilesDeliverSymbols) {
+    const auto symbolScope = HasSubstr("_Symbol_Table_BKR_");
+    const PeImage image =
+        PeImage().Section(".data", "data").Symbol({"gOther", 4, 1}) + MotorSections();
+    for (const std::int32_t forced : {0, 2}) {
+        VElfOptions::mElfForceSymbolTable = forced;
+        const ReadRun run = ReadAs(Container_PE, image);
+        EXPECT_TRUE(run.result);
+        EXPECT_THAT(run.Variables(), ElementsAre("gMotor@10001000:8", "gCount@500:4"));
+        EXPECT_THAT(run.calls, Each(Not(symbolScope)));
+    }
+    VElfOptions::mElfForceSymbolTable = 1;
+    const ReadRun symbolsOnly = ReadAs(Container_PE, image);
+    EXPECT_TRUE(symbolsOnly.result);
+    EXPECT_THAT(symbolsOnly.calls, IsEmpty());
+
+    VElfOptions::mElfForceSymbolTable = 0;
+    EXPECT_THAT(ReadAs(Container_COFF, CoffImage() + MotorSections()).calls,
+                Each(Not(symbolScope)));
+    VElfOptions::mElfForceSymbolTable = 2;
+    const ReadRun forcedCoff = ReadAs(Container_COFF, CoffImage() + MotorSections());
+    EXPECT_EQ(forcedCoff.message, "The ELF file is missing .strtab section.");
+    EXPECT_THAT(forcedCoff.Variables(), ElementsAre("gMotor@10001000:8", "gCount@500:4"));
+}
+
+TEST_F(ContainerReadTest, SectionsNamedLikeElfSymbolTablesHaveNoEntrySize) {
+    const CoffImage coff = CoffImage().Section(".symtab", "x").Section(".strtab", "x");
+    const PeImage pe = PeImage().Section(".symtab", "x").Section(".strtab", "x");
+    for (const ReadRun& run : {ReadAs(Container_COFF, coff + MotorSections()),
+                               ReadAs(Container_PE, pe + MotorSections())}) {
+        EXPECT_EQ(run.message, "Section item size is unknown.");
+        EXPECT_THAT(run.Variables(), IsEmpty());
+    }
+    EXPECT_TRUE(
+        ReadAs(Container_COFF, CoffImage().Section(".symtab", "x") + MotorSections()).result);
+}
+
+TEST_F(ContainerReadTest, FilesWithoutDebugInformation) {
+    const ReadRun pe = ReadAs(Container_PE, PeImage().Section(".text", "x").Symbol({"main", 1, 1}));
+    EXPECT_TRUE(pe.result);
+    EXPECT_THAT(pe.calls, IsEmpty());
+    EXPECT_EQ(VElfOptions::mUseCppExtensionDWARF2, 1);
+
+    for (const CoffImage& image :
+         {CoffImage(), CoffImage().Section(".text", "x"), CoffImage().Section(".vdebug", "x")}) {
+        EXPECT_EQ(ReadAs(Container_COFF, image).message,
+                  "COFF/DWARF: Input file is missing (DWARF) debug information. Please use COFF "
+                  "reader without DWARF extension to read the file.");
+    }
+    const auto isOld = HasSubstr("deprecated DWARF1 format");
+    EXPECT_THAT(ReadAs(Container_COFF, CoffImage().Section(".debug", "x")).message, isOld);
+    EXPECT_THAT(ReadAs(Container_PE, PeImage().Section(".debug", "x")).message, isOld);
+}
+
+TEST_F(ContainerReadTest, EveryWrongPairingHasItsMessage) {
+    const std::string elf = (ElfImage().Symbol({"main", 1}) + MotorSections()).Build();
+    const std::string coff = (CoffImage() + MotorSections()).Build();
+    const std::string pe = (PeImage() + MotorSections()).Build();
+    struct Case {
+        std::string file;
+        DWARFContainerType container;
+        std::string message;
+    };
+    const std::string notElf = "The file is not in ELF format.";
+    const std::string notOpened = "ELF file Open has failed.";
+    const Case cases[] = {
+        {elf, Container_COFF,
+         "The file contains ELF format, Please use ELF reader to read the file."},
+        {elf, Container_PE, notOpened},
+        {coff, Container_ELF, notElf},
+        {coff, Container_PE, notOpened},
+        {pe, Container_ELF, notElf},
+        {std::string(100, 't'), Container_ELF, notElf},
+        {std::string(100, 't'), Container_COFF, "File is corrupted!"},
+        {std::string(100, 't'), Container_PE, notOpened},
+        {"", Container_COFF, "ELF file Seek has failed."},
+        {"", Container_PE, notOpened},
+        {std::string(23, 't'), Container_COFF, "ELF file Read has failed."},
+    };
+    for (const Case& each : cases) {
+        const ReadRun run = ReadImage(each.file, each.container);
+        EXPECT_FALSE(run.result);
+        EXPECT_THAT(run.signals, ElementsAre("2 4112 '' '" + each.message + "'"));
+        EXPECT_THAT(run.calls, IsEmpty());
+    }
+    VElfResourceManager::Instance().SetLanguage(49);
+    EXPECT_EQ(ReadImage(elf, Container_COFF).message,
+              "Die Datei enthält ELF Format. Nehmen Sie den ELF reader zum Lesen der Datei.");
+}
+
+TEST_F(ContainerReadTest, TheLogKeepsTheReasonBehindAnImageThatCannotBeOpened) {
+    const TemporaryFolder folder;
+    VElfOptions::mIsLogFile = 1;
+    EXPECT_FALSE(ReadFile(folder.Write("text.exe", "text"), Container_PE).result);
+    EXPECT_EQ(folder.Read("text.log"), "Error occurred: 'Unsupported file type.'\n"
+                                       "Error occurred: 'ELF file Open has failed.'\n");
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
