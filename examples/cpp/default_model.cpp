@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
     DataModel::DataModel model;
     const DataModel::Factory::CurrentDataModel current(model);
 
-    Reader::DWARF::VElfOptions::mTryReadCorruptedCompileUnits = 1;
+    Reader::DWARF::VElfOptions::mTryReadCorruptedCompileUnits = 1; // an option of the reader
     Reader::DWARF::VDWARFReader reader;
     reader.SignalErrorCallback = [](auto /*severity*/, std::uint32_t /*code*/,
                                     const auto& /*empty*/,
