@@ -12,6 +12,7 @@ struct BRINDLE_EXPORT ModuleInfo {
     /// Subtracted from the address of each global before delivery; 0 leaves it unchanged.
     static inline std::uint32_t mModuleOffset = 0;
 
+    /// The value of `mModuleOffset`.
     static std::uint32_t GetModuleOffset() { return mModuleOffset; }
 };
 

@@ -12,10 +12,13 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// One option: its name, the variable that holds it and what it does in one sentence.
+/// One option.
 struct OptionDescription {
+    /// Its name, which is that of the variable.
     std::string_view name;
+    /// The variable that holds it, for the life of the process.
     std::variant<std::int32_t*, std::uint32_t*, bool*, std::string*> variable;
+    /// What it does, in one line.
     std::string_view meaning;
 };
 

@@ -71,6 +71,7 @@ public:
     static inline std::int32_t mIncrementBitFieldAddress = 1;
     /// The log while a read with a log runs; closed otherwise.
     static inline std::ofstream mLogFile;
+    /// Path of the last log that was opened.
     static inline std::string mLogFileName;
     /// The dump of the node tree is passed over while this is set. Cleared with each new log.
     static inline bool mIsLoggingPaused = false;

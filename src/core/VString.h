@@ -13,6 +13,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class BRINDLE_EXPORT VString : public std::string {
 public:
     VString() = default;
+    /// A copy of a standard string.
     VString(const std::string& text);
     /// Up to `count` characters of `text` from `position` on; `position` may not pass its end.
     VString(const std::string& text, std::size_t position, std::size_t count);
@@ -26,9 +27,11 @@ public:
 
     /// True for an empty string.
     [[nodiscard]] bool is_null() const;
+    /// True if the character occurs in the string.
     [[nodiscard]] bool contains(char character) const;
-    /// Converts in place, byte by byte, by the C locale in force.
+    /// Converts to upper case in place, byte by byte, by the C locale in force.
     void make_upper();
+    /// Converts to lower case in place, byte by byte, by the C locale in force.
     void make_lower();
 };
 

@@ -17,12 +17,12 @@ namespace Tessel::Norn::BrindleReader {
 /// the `sKind` values, anything else counts as 4 bytes of an unknown kind.
 class BRINDLE_EXPORT VDatatype {
 public:
-    static constexpr std::uint32_t sKindNone = 0;
-    static constexpr std::uint32_t sKindFloat = 1;
-    static constexpr std::uint32_t sKindDouble = 2;
-    static constexpr std::uint32_t sKindString = 3;
-    static constexpr std::uint32_t sKindFloat16 = 4;
-    static constexpr std::uint32_t sMaximumLength = 0xFFFFFF;
+    static constexpr std::uint32_t sKindNone = 0;             ///< nothing
+    static constexpr std::uint32_t sKindFloat = 1;            ///< a float of 4 bytes
+    static constexpr std::uint32_t sKindDouble = 2;           ///< a float of 8 bytes
+    static constexpr std::uint32_t sKindString = 3;           ///< a string of a length in bytes
+    static constexpr std::uint32_t sKindFloat16 = 4;          ///< a float of 2 bytes
+    static constexpr std::uint32_t sMaximumLength = 0xFFFFFF; ///< longest string in bytes
 
     /// The datatype of a word as `Word` gives it; without one, nothing.
     explicit VDatatype(std::uint32_t typAndLen = sKindNone)
@@ -34,11 +34,15 @@ public:
     /// @param oneBitIsUnsigned BIT1 means UBIT1
     VDatatype(const std::string& str, bool oneBitIsUnsigned);
 
+    /// The whole word.
     [[nodiscard]] std::uint32_t Word() const { return mTypAndLen; }
     /// The low byte: the kind, or what describes an integer.
     [[nodiscard]] std::uint32_t InternalType() const { return mTypAndLen & 0xFFU; }
+    /// The upper 24 bits: the length of a string in bytes.
     [[nodiscard]] std::uint32_t InternalLength() const { return mTypAndLen >> 8U; }
+    /// True for an integer of any width.
     [[nodiscard]] bool IsIntTyp() const { return (mTypAndLen & sIntegerBit) != 0; }
+    /// True for a signed integer; floats are none.
     [[nodiscard]] bool IsSigned() const {
         return (mTypAndLen & (sIntegerBit | sSignedBit)) == (sIntegerBit | sSignedBit);
     }

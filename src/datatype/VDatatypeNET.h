@@ -10,6 +10,7 @@ namespace Tessel::Norn::BrindleReader {
 class BRINDLE_EXPORT VDatatypeNET final : public VDatatypeHostForm {
 public:
     VDatatypeNET() = default;
+    /// Takes over the word of a datatype.
     explicit VDatatypeNET(VDatatype datatype)
         : VDatatypeHostForm(datatype) {}
 };

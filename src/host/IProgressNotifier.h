@@ -31,18 +31,24 @@ using SetProgressValueDelegate = std::function<void(std::int32_t)>;
 /// are called on the thread of the read, and what they throw passes through it.
 class BRINDLE_EXPORT IProgressNotifier {
 public:
+    /// Receives the reason of a failed read, once, before `Read` returns false.
     SignalErrorDelegate SignalErrorCallback;
+    /// Receives the name of each phase of a read that takes long enough to show.
     SetProgressTextDelegate SetProgressTextCallback;
+    /// Receives the limits of the values that follow.
     SetProgressIntervalDelegate SetProgressIntervalCallback;
+    /// Receives how far the phase has come.
     SetProgressValueDelegate SetProgressValueCallback;
 
 protected:
+    /// @cond
     IProgressNotifier() = default;
     ~IProgressNotifier() = default;
     IProgressNotifier(const IProgressNotifier&) = default;
     IProgressNotifier& operator=(const IProgressNotifier&) = default;
     IProgressNotifier(IProgressNotifier&&) = default;
     IProgressNotifier& operator=(IProgressNotifier&&) = default;
+    /// @endcond
 };
 
 } // namespace Tessel::Norn::Brindle::Contract::Interfaces

@@ -33,15 +33,21 @@ public:
     /// Whether types that no delivered variable uses are delivered too. Off at the start; keeps its
     /// value across calls of `Read`.
     void ReadAllTypes(bool readAllTypes);
+    /// What `ReadAllTypes` was last called with.
     [[nodiscard]] bool IsReadAllTypes() const;
 
     /// @name Signals to the host
-    /// Each calls the callback of its name if that is set. Texts are narrow; the callback gets
-    /// UTF-8.
+    /// What a running read calls. Each calls the callback of its name if that is set. Texts are
+    /// narrow; the callback gets UTF-8.
     /// @{
+
+    /// Calls `SetProgressValueCallback`.
     void SetProgressValue(std::int32_t value);
+    /// Calls `SetProgressIntervalCallback`.
     void SetProgressInterval(std::int32_t start, std::int32_t end);
+    /// Calls `SetProgressTextCallback`.
     void SetProgressText(const char* text);
+    /// Calls `SignalErrorCallback`.
     void SignalError(std::int32_t severity, std::uint32_t code, const char* firstText,
                      const char* secondText);
     /// @}

@@ -123,15 +123,18 @@ public:
         /// Type at the place: that of the variable, the member or the array element. After fewer
         /// indices than the array has dimensions it is the array type itself, without typedefs.
         ObjectId type = 0;
+        /// Address of the first byte.
         std::uint64_t address = 0;
         /// Size in bytes of what lies at the place; for an array with some of its indices given, of
         /// the part that is left.
         std::uint64_t size = 0;
         /// Dimensions of the array `type` that have their index already; 0 for anything else.
         std::size_t indexedDimensions = 0;
+        /// The place is a bit field, whose storage unit lies at `address`.
         bool isBitField = false;
-        /// Position in the storage unit at `address` and width, in bits; for bit fields.
+        /// Position of a bit field in its storage unit, in bits from the least significant.
         std::int32_t bitOffset = 0;
+        /// Width of a bit field in bits.
         std::uint64_t bitSize = 0;
     };
 
@@ -139,6 +142,7 @@ public:
     struct PathResult {
         /// True if the whole path resolved; `place` then tells where it leads.
         bool found = false;
+        /// Where the path leads; of no meaning unless `found`.
         Place place;
         /// Number of characters of the path that resolved.
         std::size_t resolvedLength = 0;

@@ -20,6 +20,7 @@ public:
     explicit LayoutFingerprints(const DataModel& model)
         : mModel(model) {}
 
+    /// The number of a type. An identifier that names no type has one as well.
     std::uint64_t Of(ObjectId type) { return Fingerprint(type, 0); }
 
 private:

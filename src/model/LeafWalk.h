@@ -27,12 +27,14 @@ struct LeafLimits {
 
 /// What a walk left out so far.
 struct LeafCuts {
-    /// Arrays of which only the first elements were delivered, and the path of the first of them.
+    /// Arrays of which only the first elements were delivered.
     std::uint64_t arrays = 0;
+    /// Path of the first of these arrays.
     std::string firstArray;
     /// Places that were delivered whole although they have parts, since they contain themselves or
-    /// are nested too deep, and the path of the first of them.
+    /// are nested too deep.
     std::uint64_t wholes = 0;
+    /// Path of the first of these places.
     std::string firstWhole;
     /// The limit of leaves was reached; later ones are missing.
     bool isExhausted = false;
@@ -56,6 +58,7 @@ public:
     /// "motor.Named::id".
     void Walk(ObjectId global, const Visitor& visit);
 
+    /// What the walks of this object left out so far.
     [[nodiscard]] const LeafCuts& Cuts() const { return mCuts; }
 
 private:

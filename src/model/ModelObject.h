@@ -10,7 +10,8 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-using Factory::ObjectId;
+/// Names one object of a model; 0 is none.
+using ObjectId = Factory::ObjectId;
 
 /// What an object is. The last four are made by spare operations alone.
 enum class ObjectKind : std::uint8_t {
@@ -38,22 +39,28 @@ enum class ObjectKind : std::uint8_t {
     Segment,
 };
 
-/// A base class of a class or structure. `offset` in bytes from the start of the derived class.
+/// A base class of a class or structure.
 struct BaseClass {
+    /// The class, or the typedef that names it.
     ObjectId type = 0;
+    /// Bytes from the start of the derived class.
     std::uint32_t offset = 0;
 };
 
-/// One value of an enum table. The text is owned by the model.
+/// One value of an enum table.
 struct Enumerator {
+    /// The value in a variable of the enumeration.
     std::int32_t value = 0;
+    /// What the value is called. Owned by the model.
     std::string_view name;
 };
 
 /// An object of the model. Which fields say something depends on `kind`; the others are 0. The name
 /// is owned by the model and stays valid as long as the model lives.
 struct ModelObject {
+    /// Identifier of the object; 0 if there is no such object.
     ObjectId id = 0;
+    /// What the object is, and so which of the fields below count.
     ObjectKind kind = ObjectKind::Namespace;
     /// Enclosing scope; 0 for the global namespace itself, for compile units and segments.
     ObjectId scope = 0;
@@ -69,9 +76,12 @@ struct ModelObject {
     std::uint64_t address = 0;
     /// Offset in bytes of member, union member and bit field in their class or union.
     std::uint32_t offset = 0;
-    /// Position and width in bits of bit field and old bit field.
+    /// Position of a bit field or old bit field in its storage unit, in bits from the least
+    /// significant.
     std::int32_t bitOffset = 0;
+    /// Width of a bit field or old bit field in bits.
     std::uint64_t bitSize = 0;
+    /// Which scalar type a base type is.
     BasicTypes basicType = BasicTypes::NoType;
     /// The name of a class, structure, union or enum was made by the reader.
     bool anonymous = false;

@@ -18,12 +18,15 @@ namespace Tessel::Norn::Brindle::DataModel {
 using RecordedValue =
     std::variant<std::uint64_t, std::int64_t, bool, std::string, std::vector<std::uint64_t>>;
 
+/// One argument of a call.
 struct RecordedArgument {
     /// The parameter's name in `HostDataModel`.
     std::string_view name;
+    /// What was passed.
     RecordedValue value;
 };
 
+/// One call with what it was given and what it answered.
 struct BRINDLE_EXPORT RecordedCall {
     /// The operation's name in `HostDataModel`.
     std::string_view operation;

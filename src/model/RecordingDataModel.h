@@ -14,12 +14,13 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-using Factory::ObjectId;
+using ObjectId = Factory::ObjectId;
 
 /// Forwards each operation to the next data model, then records it with its result. A call that the
 /// next model leaves by an exception is not recorded, and the exception passes through.
 class BRINDLE_EXPORT RecordingDataModel final : public Factory::HostDataModel {
 public:
+    /// Receives each call once it is answered. The call is valid as long as the sink runs.
     using Sink = std::function<void(const RecordedCall&)>;
 
     /// Keeps the calls for `Calls`. The next model is borrowed and must outlive this one.
