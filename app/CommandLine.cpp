@@ -1,56 +1,68 @@
 #include "CommandLine.h"
 
+#include "Message.h"
+#include "NearNames.h"
+#include "OptionList.h"
 #include "ResultOutput.h"
-#include "TableWriter.h"
-#include "Terminal.h"
 
-#include "core/OptionTable.h"
-
-#include <array>
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 #include <utility>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-std::string UsageMessage(const CLI::App* /*program*/, const CLI::Error& error) {
-    return std::string("brindle: ") + error.what() +
-           "\nTry 'brindle --help' or 'brindle COMMAND --help'.\n";
+bool IsOption(const std::string& argument) {
+    return argument.size() > 1 && argument.front() == '-';
 }
 
-ExitStatus ListReaderOptions(ResultOutput& output) {
-    static constexpr std::array sColumns = {Column{"option"}, Column{"meaning"}};
-    const auto table =
-        MakeTableWriter(TableFormat::Table, sColumns, output, IsStandardOutputColoured());
-    for (const Reader::DWARF::OptionDescription& option : Reader::DWARF::OptionTable()) {
-        table->AddRow(std::array<Cell, sColumns.size()>{option.name, option.meaning});
+std::string UnknownOptionProblem(const CLI::App& command, const std::string& argument) {
+    const std::string name = argument.substr(0, argument.find('='));
+    NearNames near(name);
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& known : option->get_lnames()) {
+            near.Offer("--" + known);
+        }
     }
-    table->Finish();
-    return ExitStatus::Success;
+    return command.get_name() + " has no option '" + name + "'" + near.Text();
+}
+
+std::string UnknownCommandProblem(const CLI::App& program, const std::string& argument) {
+    NearNames near(argument);
+    for (const CLI::App* command : program.get_subcommands({})) {
+        near.Offer(command->get_name());
+    }
+    return "there is no command '" + argument + "'" + near.Text();
 }
 
 } // namespace
 
 CommandLine::CommandLine()
     : mProgram("Reads the symbols of a firmware image and prints them.", "brindle") {
-    mProgram.set_version_flag("--version", "brindle " BRINDLE_VERSION);
+    mProgram.set_version_flag("--version", "brindle " BRINDLE_VERSION,
+                              "Print the version and exit");
+    mProgram.set_help_flag("-h,--help", "Print this help and exit");
     mProgram.add_flag_callback(
         "--list-options", [this] { mChosenAction = ListReaderOptions; },
         "List the options of the reader, which --set takes");
     mProgram.require_subcommand(0, 1);
     mProgram.allow_windows_style_options(false);
-    mProgram.failure_message(UsageMessage);
+    mProgram.get_formatter()->label("SUBCOMMAND", "COMMAND ...");
+    mProgram.get_formatter()->label("Positionals", "Arguments");
+    mProgram.get_formatter()->label("REQUIRED", "(required)");
     mProgram.footer("Results go to standard output, progress and messages to standard error.\n"
                     "Exit status: 0 success, 1 a read failed, 2 wrong usage.\n"
                     "'brindle COMMAND --help' shows the options of a command and an example.");
 }
 
-CLI::App& CommandLine::AddCommand(const std::string& name, const std::string& purpose,
-                                  const std::string& example, Action action) {
-    CLI::App& command = *mProgram.add_subcommand(name, purpose);
-    command.footer("Example:\n  " + example);
+CLI::App& CommandLine::AddCommand(const CommandDescription& description, Action action) {
+    CLI::App& command = *mProgram.add_subcommand(description.name, description.purpose);
+    command.group("Commands");
+    command.footer((description.details.empty() ? "" : description.details + "\n\n") +
+                   "Example:\n  " + description.example);
     command.callback([this, action = std::move(action)] { mChosenAction = action; });
     return command;
 }
@@ -59,15 +71,49 @@ ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, Res
     try {
         mProgram.parse(argumentCount, arguments);
         if (!mChosenAction) {
-            throw CLI::RequiredError("A command");
+            throw CLI::RequiredError("a command");
         }
     } catch (const CLI::ParseError& error) {
-        std::ostringstream result;
-        const int code = mProgram.exit(error, result, std::cerr);
-        output.Write(result.view());
-        return code == 0 ? ExitStatus::Success : ExitStatus::WrongUsage;
+        return EndParsing(error, output);
     }
     return mChosenAction(output);
+}
+
+ExitStatus CommandLine::EndParsing(const CLI::ParseError& error, ResultOutput& output) const {
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+        std::ostringstream result;
+        mProgram.exit(error, result, std::cerr);
+        output.Write(result.view());
+        return ExitStatus::Success;
+    }
+    const CLI::App* const command = ChosenCommand();
+    Tell(UsageProblem(error));
+    std::cerr << "Try 'brindle " << (command == nullptr ? "" : command->get_name() + " ")
+              << "--help'.\n";
+    return ExitStatus::WrongUsage;
+}
+
+std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) {
+        return error.what();
+    }
+    const CLI::App* const command = ChosenCommand();
+    const std::vector<std::string> unknown = mProgram.remaining(true);
+    const auto option = std::ranges::find_if(unknown, IsOption);
+    if (option != unknown.end()) {
+        return UnknownOptionProblem(command == nullptr ? mProgram : *command, *option);
+    }
+    if (unknown.empty()) {
+        return error.what();
+    }
+    return command == nullptr ? UnknownCommandProblem(mProgram, unknown.front())
+                              : "nothing is expected behind the last argument, but there is '" +
+                                    unknown.front() + "'";
+}
+
+const CLI::App* CommandLine::ChosenCommand() const {
+    const std::vector<CLI::App*> commands = mProgram.get_subcommands();
+    return commands.empty() ? nullptr : commands.back();
 }
 
 } // namespace Tessel::Norn::Brindle::Program

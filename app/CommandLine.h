@@ -14,6 +14,17 @@ namespace Tessel::Norn::Brindle::Program {
 
 class ResultOutput;
 
+/// What the help tells of a command.
+struct CommandDescription {
+    std::string name;
+    /// One sentence without its full stop, short enough for the list of commands.
+    std::string purpose;
+    /// One call of the command.
+    std::string example;
+    /// What else a user has to know; may be empty.
+    std::string details;
+};
+
 /// Owns the parser. Wrong usage is told on standard error; help and version are results.
 class CommandLine {
 public:
@@ -23,15 +34,17 @@ public:
     CommandLine();
 
     /// Adds a command, to whose parser the caller adds the arguments.
-    /// @param example one call of the command, shown by its help
     /// @return the parser of the command, owned by this object
-    CLI::App& AddCommand(const std::string& name, const std::string& purpose,
-                         const std::string& example, Action action);
+    CLI::App& AddCommand(const CommandDescription& description, Action action);
 
     /// Reads the arguments and runs the command that they name.
     ExitStatus Run(int argumentCount, const char* const* arguments, ResultOutput& output);
 
 private:
+    ExitStatus EndParsing(const CLI::ParseError& error, ResultOutput& output) const;
+    [[nodiscard]] std::string UsageProblem(const CLI::ParseError& error) const;
+    [[nodiscard]] const CLI::App* ChosenCommand() const;
+
     CLI::App mProgram;
     Action mChosenAction;
 };

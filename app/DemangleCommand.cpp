@@ -55,8 +55,10 @@ ExitStatus RunDemangle(const DemangleArguments& arguments, ResultOutput& output)
 void AddDemangleCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<DemangleArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "demangle", "Write the plain qualified name of each symbol name, one a line",
-        "brindle demangle value__3Foo",
+        {"demangle",
+         "Write the plain qualified name of each symbol name, one a line",
+         "brindle demangle value__3Foo",
+         {}},
         [arguments](ResultOutput& output) { return RunDemangle(*arguments, output); });
     command
         .add_option("NAME", arguments->names,
@@ -64,7 +66,7 @@ void AddDemangleCommand(CommandLine& commandLine) {
         ->required()
         ->type_name("");
     command.add_flag("--itanium", arguments->itanium,
-                     "Read names in the style of the Itanium ABI instead of the double underscore");
+                     "The names are in the style of the Itanium ABI");
     AddReaderOptionArgument(command);
 }
 

@@ -61,12 +61,10 @@ ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
 void AddDiffCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<DiffArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "diff",
-        "Tell what has changed from one build to the next, for each variable and each leaf.\n"
-        "The exit status is 0 with differences too; 1 means that a file could not be read, and "
-        "then "
-        "nothing is compared",
-        "brindle diff --format csv old.elf new.elf",
+        {"diff", "Tell what has changed from one build to the next, variable by variable",
+         "brindle diff --format csv old.elf new.elf 'motor*'",
+         "A row for each variable and each leaf that appeared, vanished, moved, was resized or "
+         "retyped.\nThe exit status is 0 with differences too."},
         [arguments](ResultOutput& output) { return RunDiff(*arguments, output); });
     command.add_option("OLD", arguments->oldFile, "The file of the earlier build")
         ->required()

@@ -32,8 +32,10 @@ ExitStatus RunDump(const DumpArguments& arguments, ResultOutput& output) {
 void AddDumpCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<DumpArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "dump", "Write the whole data model of a file as one JSON document",
-        "brindle dump --all-types firmware.elf > firmware.json",
+        {"dump",
+         "Write the whole data model of a file as one JSON document",
+         "brindle dump --all-types firmware.elf > firmware.json",
+         {}},
         [arguments](ResultOutput& output) { return RunDump(*arguments, output); });
     AddFileArgument(command, arguments->file);
     AddReadArguments(command, arguments->read);

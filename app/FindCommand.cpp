@@ -43,15 +43,15 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
 void AddFindCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<FindArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "find", "Tell address, size and type of each expression",
-        "brindle find firmware.elf 'motor.pid[2].gain' Motor::count",
+        {"find", "Tell address, size and type of each expression",
+         "brindle find firmware.elf 'motor.pid[2].gain' Motor::count",
+         "An expression that does not resolve is told on standard error, with how far it got; the "
+         "exit\nstatus is then 1."},
         [arguments](ResultOutput& output) { return RunFind(*arguments, output); });
     AddFileArgument(command, arguments->file);
     command
-        .add_option(
-            "EXPR", arguments->expressions,
-            "Variables by name, with members and elements: motor.pid[2].gain. One that does "
-            "not resolve is told on standard error; the exit status is then 1")
+        .add_option("EXPR", arguments->expressions,
+                    "Variables by name, with members and elements: motor.pid[2].gain")
         ->required()
         ->type_name("");
     AddReadArguments(command, arguments->read);

@@ -46,11 +46,13 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
 void AddLeavesCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<LeavesArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "leaves", "List the variables of a file, expanded to scalars",
-        "brindle leaves --max-elements 16 firmware.elf 'motor.pid[*].gain'",
+        {"leaves",
+         "List the variables of a file, expanded to scalars",
+         "brindle leaves --max-elements 16 firmware.elf 'motor.pid[*].gain'",
+         {}},
         [arguments](ResultOutput& output) { return RunLeaves(*arguments, output); });
     AddFileArgument(command, arguments->file);
-    AddPatternArgument(command, "variables or leaves", arguments->pattern);
+    AddPatternArgument(command, "variables and leaves", arguments->pattern);
     AddReadArguments(command, arguments->read);
     AddLeafLimitArguments(command, arguments->limits);
     AddFormatArgument(command, arguments->format);

@@ -8,7 +8,10 @@
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
+#include <algorithm>
 #include <charconv>
+#include <limits>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -28,8 +31,26 @@ void ApplyReaderOptions(const std::vector<std::string>& settings) {
 void AddChoice(CLI::App& command, const std::string& name, std::string& value,
                const std::vector<std::string>& choices, const std::string& purpose) {
     command.add_option(name, value, purpose)
-        ->check(CLI::IsMember(choices))
+        ->check([choices](const std::string& text) {
+            return std::ranges::find(choices, text) != choices.end()
+                       ? std::string()
+                       : "'" + text + "' is none of " + CLI::detail::join(choices, ", ");
+        })
         ->option_text(CLI::detail::join(choices, "|") + " (" + value + ")");
+}
+
+/// @param expected what the number should be, for the message
+template <typename Number>
+Number ParseNumber(const std::string& name, const std::string& text, Number least,
+                   std::string_view expected) {
+    Number number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < least) {
+        throw CLI::ValidationError(
+            name, std::string("'").append(text).append("' is no ").append(expected));
+    }
+    return number;
 }
 
 void AddLimit(CLI::App& command, const std::string& name, std::uint64_t& limit,
@@ -38,11 +59,7 @@ void AddLimit(CLI::App& command, const std::string& name, std::uint64_t& limit,
         .add_option_function<std::string>(
             name,
             [name, &limit](const std::string& text) {
-                const char* const end = text.data() + text.size();
-                const auto [rest, error] = std::from_chars(text.data(), end, limit);
-                if (error != std::errc() || rest != end || limit == 0) {
-                    throw CLI::ValidationError(name, "'" + text + "' is no number from 1 on");
-                }
+                limit = ParseNumber<std::uint64_t>(name, text, 1, "number from 1 on");
             },
             purpose)
         ->option_text("N (" + std::to_string(limit) + ")");
@@ -56,18 +73,24 @@ void AddReadArguments(CLI::App& command, ReadArguments& arguments) {
     command.add_flag("--all-types", arguments.allTypes,
                      "Deliver types that no variable uses as well");
     command
-        .add_option("--language", arguments.language,
-                    "Language of messages: 49 is German, any other number English")
-        ->type_name("N");
+        .add_option_function<std::string>(
+            "--language",
+            [&arguments](const std::string& text) {
+                arguments.language = ParseNumber<std::int32_t>(
+                    "--language", text, std::numeric_limits<std::int32_t>::min(), "number");
+            },
+            "Language of messages: 49 is German, any other number English")
+        ->option_text("N");
     AddReaderOptionArgument(command);
     command.add_flag("--no-progress", arguments.noProgress, "Draw no progress bar");
 }
 
 void AddReaderOptionArgument(CLI::App& command) {
     command
-        .add_option_function<std::vector<std::string>>("--set", ApplyReaderOptions,
-                                                       "Set an option of the reader; repeatable")
-        ->type_name("OPTION=VALUE")
+        .add_option_function<std::vector<std::string>>(
+            "--set", ApplyReaderOptions,
+            "Set an option of the reader, which --list-options lists; repeatable")
+        ->option_text("OPTION=VALUE")
         ->allow_extra_args(false);
 }
 
@@ -78,8 +101,8 @@ void AddFileArgument(CLI::App& command, std::string& file) {
 void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern) {
     command
         .add_option("PATTERN", pattern,
-                    "List the " + things +
-                        " of this name alone; * stands for any characters, ? for one")
+                    "Those " + things +
+                        " alone whose name fits: * stands for any characters, ? for one")
         ->type_name("");
 }
 

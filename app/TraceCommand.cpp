@@ -134,8 +134,10 @@ ExitStatus RunTrace(const TraceArguments& arguments, ResultOutput& output) {
 void AddTraceCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<TraceArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "trace", "Write every call of the reader to its host, in order, as lines of JSON",
-        "brindle trace old.elf new.elf > calls.jsonl",
+        {"trace",
+         "Write every call of the reader to its host, in order, as lines of JSON",
+         "brindle trace old.elf new.elf > calls.jsonl",
+         {}},
         [arguments](ResultOutput& output) { return RunTrace(*arguments, output); });
     command.add_option("FILE", arguments->files, "The files to read, one after the other")
         ->required()

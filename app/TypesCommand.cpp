@@ -38,8 +38,10 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
 void AddTypesCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<TypesArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "types", "Write the layouts of types as C, with offsets, sizes, holes and bit fields",
-        "brindle types firmware.elf 'Motor*'",
+        {"types", "Write the layouts of types as C, with offsets, sizes and holes",
+         "brindle types firmware.elf 'Motor*'",
+         "All types are read, as with --all-types. Declarations that read alike in several compile "
+         "units\nare written once."},
         [arguments](ResultOutput& output) { return RunTypes(*arguments, output); });
     AddFileArgument(command, arguments->file);
     AddPatternArgument(command, "types", arguments->pattern);

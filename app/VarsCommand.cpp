@@ -41,8 +41,10 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
 void AddVarsCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<VarsArguments>();
     CLI::App& command = commandLine.AddCommand(
-        "vars", "List the variables of a file, with address, size and type",
-        "brindle vars --format csv firmware.elf 'Motor::*'",
+        {"vars",
+         "List the variables of a file, with address, size and type",
+         "brindle vars --format csv firmware.elf 'Motor::*'",
+         {}},
         [arguments](ResultOutput& output) { return RunVars(*arguments, output); });
     AddFileArgument(command, arguments->file);
     AddPatternArgument(command, "variables", arguments->pattern);

@@ -23,6 +23,8 @@ SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
 GLOBAL_OBJECT = 0x11
 FUNCTION = 0x12
 
+COMMANDS = ["vars", "leaves", "find", "types", "diff", "dump", "trace", "demangle"]
+
 SYMBOL_SCOPE = "_Symbol_Table_BKR_"
 TWO_SYMBOLS = [("gSpeed", 0x20001000, 4, GLOBAL_OBJECT),
                ("main", 0x08000100, 32, FUNCTION),
@@ -81,17 +83,22 @@ class UsageTest(ProgramTest):
     def test_wrong_usage_ends_with_2_and_says_what_is_wrong(self):
         file = self.file("two.elf", elf_image(TWO_SYMBOLS))
         for arguments, text in [
-                ([], "A command is required"),
-                (["paint", file], "paint"),
+                ([], "a command is required"),
+                (["paint", file], "no command 'paint'\n"),
+                (["var", file], "no command 'var'; nearest names: vars\n"),
+                (["-v"], "has no option '-v'"),
                 (["vars"], "FILE is required"),
                 (["trace"], "FILE is required"),
                 (["demangle"], "NAME is required"),
-                (["vars", file, "x", "y"], "y"),
-                (["vars", file, "--bogus"], "--bogus"),
-                (["vars", file, "--container", "zip"], "zip"),
-                (["vars", file, "--format", "xml"], "xml"),
-                (["dump", file, "--format", "csv"], "--format"),
-                (["vars", file, "--language", "german"], "german"),
+                (["vars", file, "x", "y"], "there is 'y'"),
+                (["vars", file, "--bogus"], "vars has no option '--bogus'\n"),
+                (["vars", file, "--formt=csv"], "'--formt'; nearest names: --format\n"),
+                (["vars", file, "--container", "zip"], "'zip' is none of auto, elf, coff, pe"),
+                (["vars", file, "--format", "xml"], "'xml' is none of table, csv, json"),
+                (["dump", "--format", "csv", file], "dump has no option '--format'"),
+                (["vars", file, "--language", "german"], "'german' is no number"),
+                (["leaves", file, "--max-leaves", "0"], "'0' is no number from 1 on"),
+                (["diff", file], "NEW is required"),
                 (["vars", file, "--set", "mSymTabSearchMode"], "OPTION=VALUE"),
                 (["vars", file, "--set", "mSymTabSearchMode=yes"], "'yes' is no value"),
                 (["vars", file, "--set", "mSymTabSearchMode=99999999999"], "is no value"),
@@ -108,7 +115,7 @@ class UsageTest(ProgramTest):
     def test_help_of_every_command_has_an_example_that_names_it(self):
         output, error = self.run_program("--help")
         self.assertEqual(error, "")
-        for command in ["vars", "dump", "trace", "demangle"]:
+        for command in COMMANDS:
             with self.subTest(command=command):
                 self.assertIn(f"\n  {command} ", output)
                 help_text, error = self.run_program(command, "--help")

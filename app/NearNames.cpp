@@ -1,0 +1,82 @@
+#include "NearNames.h"
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+constexpr std::size_t sCount = 3;
+constexpr std::size_t sLongestWanted = 100;
+constexpr std::size_t sLongestName = 300;
+
+void AssignLowerCase(std::string& result, std::string_view text) {
+    result.assign(text);
+    std::ranges::transform(result, result.begin(), [](unsigned char character) {
+        return static_cast<char>(std::tolower(character));
+    });
+}
+
+/// How many characters have to be changed, added or removed to turn one text into the other.
+std::size_t EditDistance(std::string_view from, std::string_view to,
+                         std::vector<std::size_t>& row) {
+    row.resize(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t line = 0; line < from.size(); ++line) {
+        std::size_t diagonal = std::exchange(row[0], line + 1);
+        for (std::size_t column = 0; column < to.size(); ++column) {
+            const std::size_t replaced = diagonal + (from[line] == to[column] ? 0 : 1);
+            diagonal = row[column + 1];
+            row[column + 1] = std::min({replaced, diagonal + 1, row[column] + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+NearNames::NearNames(std::string_view wanted) {
+    if (wanted.size() <= sLongestWanted) {
+        AssignLowerCase(mWanted, wanted);
+        mFarthest = 1 + wanted.size() / 4;
+    }
+}
+
+void NearNames::Offer(std::string_view name) {
+    if (mWanted.empty() || name.empty() || name.size() > sLongestName) {
+        return;
+    }
+    const std::size_t distance = DistanceTo(name);
+    const bool isFarther = mNearest.size() == sCount && distance >= mNearest.back().first;
+    const bool isKnown =
+        std::ranges::any_of(mNearest, [name](const auto& known) { return known.second == name; });
+    if (distance > mFarthest || isFarther || isKnown) {
+        return;
+    }
+    const auto place = std::ranges::upper_bound(mNearest, distance, {},
+                                                &std::pair<std::size_t, std::string>::first);
+    mNearest.emplace(place, distance, name);
+    mNearest.resize(std::min(mNearest.size(), sCount));
+}
+
+std::string NearNames::Text() const {
+    std::string text;
+    for (const auto& [distance, name] : mNearest) {
+        text.append(text.empty() ? "; nearest names: " : ", ").append(name);
+    }
+    return text;
+}
+
+std::size_t NearNames::DistanceTo(std::string_view name) {
+    AssignLowerCase(mLowerCase, name);
+    if (mLowerCase.find(mWanted) != std::string::npos) {
+        return 0;
+    }
+    const std::size_t least =
+        name.size() > mWanted.size() ? name.size() - mWanted.size() : mWanted.size() - name.size();
+    return least > mFarthest ? least : EditDistance(mWanted, mLowerCase, mRow);
+}
+
+} // namespace Tessel::Norn::Brindle::Program
