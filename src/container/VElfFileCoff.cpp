@@ -25,6 +25,11 @@ constexpr std::int32_t sUnusedFieldsSize = 24;
 
 constexpr std::uint16_t sBigEndianFlag = 0x200;
 
+/// Targets that count memory in words of 16 bits.
+constexpr std::uint16_t sTargetC2400 = 0x92;
+constexpr std::uint16_t sTargetC5400 = 0x98;
+constexpr std::uint16_t sTargetC2800 = 0x9D;
+
 /// Values of `mCoffDwarfAddressMode`.
 constexpr std::int32_t sAddressModeByTarget = 0;
 constexpr std::int32_t sAddressModeWord = 16;
@@ -32,7 +37,7 @@ constexpr std::int32_t sAddressModeWord = 16;
 bool IsWordAddressed(std::uint16_t targetId) {
     switch (VElfOptions::mCoffDwarfAddressMode) {
     case sAddressModeByTarget:
-        return targetId == 0x92 || targetId == 0x98 || targetId == 0x9D;
+        return targetId == sTargetC2400 || targetId == sTargetC5400 || targetId == sTargetC2800;
     case sAddressModeWord:
         return true;
     default:
