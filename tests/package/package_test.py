@@ -156,6 +156,12 @@ class InstalledLibraryTest(unittest.TestCase):
             "-I", folder, source)
 
 
+def qualified_name(symbol):
+    """The name of a demangled symbol, without result, arguments and what says that it is a table."""
+    head = re.sub(r"^(?:vtable|typeinfo|typeinfo name) for ", "", symbol).split("(")[0]
+    return re.search(r"([\w:~=]+)(?:<.*>)?(?:\[abi:\w+\])?$", head).group(1)
+
+
 class ExportedSymbolsTest(unittest.TestCase):
     def exported_names(self):
         """The names that the public headers mark, qualified: those of classes and of functions."""
@@ -182,8 +188,7 @@ class ExportedSymbolsTest(unittest.TestCase):
 
         strangers, seen = [], set()
         for symbol in symbols:
-            name = re.sub(r"^(?:vtable|typeinfo|typeinfo name) for ", "", symbol)
-            name = re.match(r"[\w:~]+", name).group(0)
+            name = qualified_name(symbol)
             seen.add(name)
             parts = name.split("::")
             owners = {"::".join(parts[:length]) for length in range(1, len(parts) + 1)}
