@@ -1,19 +1,23 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building and testing need, those that are missing alone. With the
-# argument "samples" also the cross compilers that rebuild the sample images; with "bench" also what
-# makes the big images and the tools that brindle is measured beside.
+# argument "samples" also the cross compilers that rebuild the sample images; with "docs" also what
+# builds the reference; with "bench" also what makes the big images and the tools that brindle is
+# measured beside.
 set -euo pipefail
 
 packages=(
     cmake g++ ninja-build
     libboost-dev libcli11-dev libcsv-dev rapidjson-dev
     libbenchmark-dev libgmock-dev libgtest-dev
-    binutils clang-format-14 clang-tidy-14 gdb-multiarch python3
+    binutils clang-format-14 clang-tidy-14 gdb-multiarch pkgconf python3
 )
 case "${1:-}" in
 samples)
     packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu
         g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32)
+    ;;
+docs)
+    packages+=(doxygen)
     ;;
 bench)
     packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

@@ -50,9 +50,9 @@ int main(int argc, char** argv) {
 
     Reader::DWARF::VElfOptions::mTryReadCorruptedCompileUnits = 1; // an option of the reader
     Reader::DWARF::VDWARFReader reader;
-    reader.SignalErrorCallback = [](auto /*severity*/, std::uint32_t /*code*/,
-                                    const auto& /*empty*/,
-                                    const std::string& message) { std::cerr << message << '\n'; };
+    reader.SignalErrorCallback = [](auto, auto, const auto&, const std::string& message) {
+        std::cerr << message << '\n';
+    };
     bool isComplete = reader.Read(argv[1], Reader::DWARF::DWARFContainerType::Container_ELF);
 
     if (argc == 2) {

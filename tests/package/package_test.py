@@ -26,7 +26,7 @@ WORK = BUILD / "package-test"
 PREFIX = WORK / "prefix"
 EXAMPLES = SOURCE / "examples" / "cpp"
 IMAGES = [SOURCE / "tests" / "samples" / "images" / name
-          for name in ("arm-cpp-dwarf4-O0.elf", "powerpc-c-dwarf2-O0.elf", "x86_64-symbols.elf")]
+          for name in ("arm-c-dwarf4-O0.elf", "arm-cpp-dwarf4-O0.elf", "powerpc-c-dwarf2-O0.elf", "x86_64-symbols.elf")]
 
 
 def run(*command, expect_success=True, **options):
@@ -99,17 +99,19 @@ class InstalledLibraryTest(unittest.TestCase):
             self.assertIn(soname, needed_libraries(folder / host))
             self.assert_same_variables(folder / host)
 
-        paths = ["sDevices[1].mLabel", "plant::Device::sCount"]
-        paths = [path for path in paths
-                 if run(PROGRAM, "find", IMAGES[0], path, expect_success=False).startswith(" ")]
+        paths = ["motors[1].loops[0].gain", "motors[0].status.phase", "motor_step::stops"]
+        lines = run(folder / "default_model", IMAGES[0], *paths).splitlines()
         rows = program_rows("find", IMAGES[0], *paths)
-        self.assertTrue(rows)
-        found = [line.split(" ", 2) for line in
-                 run(folder / "default_model", IMAGES[0], *paths).splitlines()]
-        self.assertEqual([(int(address, 0), size, type_text) for address, size, type_text in found],
-                         [(int(row["address"], 0), row["size"], row["type"]) for row in rows])
-
-        run(folder / "default_model", IMAGES[0], "no.such", expect_success=False)
+        self.assertEqual(len(rows), len(paths))
+        for line, row in zip(lines, rows, strict=True):
+            expected = f"{int(row['address'], 0):#x} {row['size']} {row['type']}"
+            if row["bitSize"]:
+                first = int(row["bitOffset"])
+                expected += f" bits {first} to {first + int(row['bitSize']) - 1}"
+            self.assertEqual(line, expected)
+        self.assertRegex(run(folder / "default_model", IMAGES[0], "motors[1].no.such",
+                             expect_success=False),
+                         r"^motors\[1\]\.no\.such: .* behind 'motors\[1\]'")
 
     def test_a_project_without_shared_libraries_gets_the_static_one(self):
         folder = WORK / "static-examples"
@@ -154,6 +156,12 @@ class InstalledLibraryTest(unittest.TestCase):
             "-I", folder, source)
 
 
+def qualified_name(symbol):
+    """The name of a demangled symbol, without result, arguments and what says that it is a table."""
+    head = re.sub(r"^(?:vtable|typeinfo|typeinfo name) for ", "", symbol).split("(")[0]
+    return re.search(r"([\w:~=]+)(?:<.*>)?(?:\[abi:\w+\])?$", head).group(1)
+
+
 class ExportedSymbolsTest(unittest.TestCase):
     def exported_names(self):
         """The names that the public headers mark, qualified: those of classes and of functions."""
@@ -180,8 +188,7 @@ class ExportedSymbolsTest(unittest.TestCase):
 
         strangers, seen = [], set()
         for symbol in symbols:
-            name = re.sub(r"^(?:vtable|typeinfo|typeinfo name) for ", "", symbol)
-            name = re.match(r"[\w:~]+", name).group(0)
+            name = qualified_name(symbol)
             seen.add(name)
             parts = name.split("::")
             owners = {"::".join(parts[:length]) for length in range(1, len(parts) + 1)}

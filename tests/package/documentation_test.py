@@ -1,0 +1,49 @@
+#!/usr/bin/env python3
+"""Holds the code of the documentation against the examples: what a reader copies was compiled.
+
+BRINDLE_SOURCE names the sources.
+"""
+
+import os
+import pathlib
+import re
+import unittest
+
+SOURCE = pathlib.Path(os.environ["BRINDLE_SOURCE"])
+PAGES = ["README.md", "docs/hosting.md", "docs/data-model.md", "docs/options.md"]
+BLOCK = re.compile(r"^```(cpp|cmake)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+
+
+def significant_lines(text):
+    return [line.strip() for line in text.splitlines() if line.strip()]
+
+
+def contains(lines, part):
+    return any(lines[start:start + len(part)] == part for start in range(len(lines)))
+
+
+class DocumentationTest(unittest.TestCase):
+    def test_code_blocks_are_excerpts_of_the_examples(self):
+        folder = SOURCE / "examples" / "cpp"
+        examples = {"cpp": folder.glob("*.cpp"), "cmake": folder.glob("CMakeLists.txt")}
+        examples = {language: [significant_lines(path.read_text()) for path in paths]
+                    for language, paths in examples.items()}
+        count = 0
+        for page in PAGES:
+            for language, block in BLOCK.findall((SOURCE / page).read_text()):
+                count += 1
+                with self.subTest(page=page, block=block):
+                    part = significant_lines(block)
+                    self.assertTrue(any(contains(lines, part) for lines in examples[language]))
+        self.assertGreater(count, 5)
+
+    def test_links_lead_to_files(self):
+        for page in [*PAGES, "CONTRIBUTING.md", "docs/architecture.md"]:
+            path = SOURCE / page
+            for target in re.findall(r"\]\(([^)#:]+)\)", path.read_text()):
+                with self.subTest(page=page, target=target):
+                    self.assertTrue((path.parent / target).exists())
+
+
+if __name__ == "__main__":
+    unittest.main()
