@@ -26,19 +26,19 @@ static class FindVariable
         public UIntPtr Candidates;
     }
 
-    [DllImport("brindle")]
+    [DllImport("brindle", CallingConvention = CallingConvention.Cdecl)]
     static extern int brindle_reader_create(out IntPtr reader);
-    [DllImport("brindle")]
+    [DllImport("brindle", CallingConvention = CallingConvention.Cdecl)]
     static extern int brindle_reader_destroy(IntPtr reader);
-    [DllImport("brindle")]
+    [DllImport("brindle", CallingConvention = CallingConvention.Cdecl)]
     static extern int brindle_reader_error_text(IntPtr reader, byte[] buffer, UIntPtr capacity,
                                                 out UIntPtr length);
-    [DllImport("brindle")]
+    [DllImport("brindle", CallingConvention = CallingConvention.Cdecl)]
     static extern int brindle_reader_read(IntPtr reader, byte[] path, int container,
                                           out IntPtr model);
-    [DllImport("brindle")]
+    [DllImport("brindle", CallingConvention = CallingConvention.Cdecl)]
     static extern int brindle_model_destroy(IntPtr model);
-    [DllImport("brindle")]
+    [DllImport("brindle", CallingConvention = CallingConvention.Cdecl)]
     static extern int brindle_model_resolve_path(IntPtr model, byte[] path, UIntPtr index,
                                                  ref Place place);
 
