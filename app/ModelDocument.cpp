@@ -1,11 +1,11 @@
 #include "ModelDocument.h"
 
-#include "ContainerDetection.h"
 #include "JsonOutput.h"
 #include "ReadSession.h"
 #include "ResultOutput.h"
 
 #include "core/HostText.h"
+#include "host/ContainerDetection.h"
 #include "model/DataModel.h"
 
 #include <cstdint>
@@ -216,7 +216,7 @@ private:
 
 void WriteHead(const std::string& file, const ReadResult& result, JsonWriter& json) {
     WriteField(json, "file", Reader::DWARF::ToHostText(file));
-    WriteField(json, "container", ContainerName(result.container));
+    WriteField(json, "container", Reader::DWARF::ContainerName(result.container));
     WriteField(json, "ok", result.isOk);
     WriteKey(json, "error");
     if (result.isOk) {

@@ -1,12 +1,12 @@
 #include "ReadSession.h"
 
 #include "CapturedStandardOutput.h"
-#include "ContainerDetection.h"
 #include "Message.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 #include "Terminal.h"
 
+#include "host/ContainerDetection.h"
 #include "host/CurrentDataModel.h"
 
 #include <exception>
@@ -24,7 +24,7 @@ namespace {
 
 DWARFContainerType ChooseContainer(std::string_view choice, const std::string& file) {
     if (choice == "auto") {
-        return DetectContainer(file);
+        return Reader::DWARF::DetectContainer(file);
     }
     if (choice == "coff") {
         return DWARFContainerType::Container_COFF;

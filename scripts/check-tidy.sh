@@ -4,4 +4,4 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 cmake --preset debug >/dev/null
-run-clang-tidy-14 -quiet -p build/debug "^$PWD/(src|app|tests|bench)/.*\.cpp$"
+run-clang-tidy-14 -quiet -p build/debug "^$PWD/(src|capi|app|tests|bench)/.*\.cpp$"

@@ -10,6 +10,7 @@ packages=(
     libboost-dev libcli11-dev libcsv-dev rapidjson-dev
     libbenchmark-dev libgmock-dev libgtest-dev
     binutils clang-format-14 clang-tidy-14 gdb-multiarch pkgconf python3
+    mono-mcs mono-runtime
 )
 case "${1:-}" in
 samples)

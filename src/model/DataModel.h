@@ -57,6 +57,11 @@ public:
         }
     }
 
+    /// The same by steps: the first object that names `scope` as its scope, and the one behind `id`
+    /// in its scope; 0 if there is none.
+    [[nodiscard]] ObjectId FirstIn(ObjectId scope) const;
+    [[nodiscard]] ObjectId NextIn(ObjectId id) const;
+
     /// Calls `visit` with each object of a kind, in the order of creation.
     template <typename Visitor>
     void ForEach(ObjectKind kind, Visitor&& visit) const {
@@ -260,8 +265,6 @@ public:
 
 private:
     [[nodiscard]] ObjectKind KindOf(ObjectId id) const;
-    [[nodiscard]] ObjectId FirstIn(ObjectId scope) const;
-    [[nodiscard]] ObjectId NextIn(ObjectId id) const;
 
     std::unique_ptr<ModelStore> mStore;
 };

@@ -1,13 +1,11 @@
-#include "ContainerDetection.h"
+#include "host/ContainerDetection.h"
 
 #include <array>
 #include <cstddef>
 #include <fstream>
 #include <ios>
 
-namespace Tessel::Norn::Brindle::Program {
-
-using Reader::DWARF::DWARFContainerType;
+namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 DWARFContainerType DetectContainer(const std::string& file) {
     std::array<char, 4> bytes{};
@@ -33,4 +31,4 @@ std::string_view ContainerName(DWARFContainerType container) {
     }
 }
 
-} // namespace Tessel::Norn::Brindle::Program
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

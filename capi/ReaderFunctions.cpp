@@ -1,0 +1,193 @@
+// The entries of the C interface that concern a reader.
+#include "Calls.h"
+#include "ModelState.h"
+#include "ReadGate.h"
+#include "ReaderState.h"
+#include "TableDataModel.h"
+
+#include "core/VElfResourceManager.h"
+#include "host/ContainerDetection.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+using namespace Tessel::Norn::Brindle;
+using CInterface::GiveText;
+using CInterface::Guarded;
+using CInterface::ModelState;
+using CInterface::ModelTable;
+using CInterface::Outcome;
+using CInterface::ReaderState;
+using CInterface::ReaderTable;
+using CInterface::ReadGate;
+using CInterface::TextTarget;
+using Reader::DWARF::DWARFContainerType;
+
+namespace {
+
+/// Runs `work`, which takes the reader and returns an outcome, and keeps the outcome in the reader.
+template <typename Work>
+brindle_status ForReader(brindle_reader reader, Work&& work) {
+    return Guarded([&]() -> brindle_status {
+        const std::shared_ptr<ReaderState> state = ReaderTable::Instance().Find(reader);
+        if (state == nullptr) {
+            return BRINDLE_INVALID_HANDLE;
+        }
+        Outcome outcome;
+        outcome.status = Guarded([&] {
+            outcome = work(*state);
+            return outcome.status;
+        });
+        const brindle_status status = outcome.status;
+        state->Remember(std::move(outcome));
+        return status;
+    });
+}
+
+/// What a host asks for with its number, or nothing if it has no meaning.
+std::optional<DWARFContainerType> ContainerOf(brindle_container container, const char* path) {
+    switch (container) {
+    case BRINDLE_CONTAINER_AUTO:
+        return Reader::DWARF::DetectContainer(path);
+    case BRINDLE_CONTAINER_ELF:
+    case BRINDLE_CONTAINER_COFF:
+    case BRINDLE_CONTAINER_PE:
+        return static_cast<DWARFContainerType>(container);
+    default:
+        return std::nullopt;
+    }
+}
+
+Outcome ReadInto(ReaderState& state, const char* path, brindle_container container,
+                 DataModel::Factory::HostDataModel& model) {
+    if (path == nullptr) {
+        return {BRINDLE_INVALID_ARGUMENT, "the path is null"};
+    }
+    const std::optional<DWARFContainerType> chosen = ContainerOf(container, path);
+    if (!chosen) {
+        return {BRINDLE_INVALID_ARGUMENT, "there is no container of this number"};
+    }
+    return state.Read(path, *chosen, model);
+}
+
+/// False where the read never began, so that there is nothing to keep of it.
+bool HasRead(brindle_status status) {
+    return status != BRINDLE_BUSY && status != BRINDLE_INVALID_ARGUMENT;
+}
+
+} // namespace
+
+brindle_status brindle_reader_create(brindle_reader* reader) {
+    if (reader == nullptr) {
+        return BRINDLE_INVALID_ARGUMENT;
+    }
+    *reader = nullptr;
+    return Guarded([&] {
+        *reader = ReaderTable::Instance().Add(std::make_shared<ReaderState>());
+        return BRINDLE_OK;
+    });
+}
+
+brindle_status brindle_reader_destroy(brindle_reader reader) {
+    return Guarded([&] {
+        const bool isEnded = reader == nullptr || ReaderTable::Instance().Remove(reader) != nullptr;
+        return isEnded ? BRINDLE_OK : BRINDLE_INVALID_HANDLE;
+    });
+}
+
+brindle_status brindle_reader_last_status(brindle_reader reader) {
+    return Guarded([&]() -> brindle_status {
+        const std::shared_ptr<ReaderState> state = ReaderTable::Instance().Find(reader);
+        return state == nullptr ? BRINDLE_INVALID_HANDLE : state->LastOutcome().status;
+    });
+}
+
+brindle_status brindle_reader_error_text(brindle_reader reader, char* buffer, size_t capacity,
+                                         size_t* length) {
+    return Guarded([&]() -> brindle_status {
+        const TextTarget target{buffer, capacity, length};
+        GiveText({}, target);
+        const std::shared_ptr<ReaderState> state = ReaderTable::Instance().Find(reader);
+        if (state == nullptr) {
+            return BRINDLE_INVALID_HANDLE;
+        }
+        const Outcome outcome = state->LastOutcome();
+        const bool isTold = outcome.status == BRINDLE_OK || !outcome.text.empty();
+        return GiveText(isTold ? outcome.text : brindle_status_text(outcome.status), target);
+    });
+}
+
+brindle_status brindle_reader_set_language(brindle_reader reader, int32_t language) {
+    return ForReader(reader, [&](ReaderState& /*state*/) -> Outcome {
+        return {ReadGate::BetweenReads<brindle_status>(BRINDLE_BUSY, [&] {
+            Reader::DWARF::VElfResourceManager::Instance().SetLanguage(language);
+            return BRINDLE_OK;
+        })};
+    });
+}
+
+brindle_status brindle_reader_set_read_all_types(brindle_reader reader,
+                                                 brindle_bool read_all_types) {
+    return ForReader(reader, [&](ReaderState& state) -> Outcome {
+        state.SetReadAllTypes(read_all_types != 0);
+        return {};
+    });
+}
+
+brindle_status brindle_reader_set_callbacks(brindle_reader reader,
+                                            const brindle_callbacks* callbacks) {
+    return ForReader(reader, [&](ReaderState& state) -> Outcome {
+        brindle_callbacks known = {};
+        if (callbacks != nullptr && !CInterface::TakeStructure(callbacks, known)) {
+            return {BRINDLE_INVALID_ARGUMENT, "the callbacks have no size"};
+        }
+        state.SetCallbacks(known);
+        return {};
+    });
+}
+
+brindle_status brindle_reader_read(brindle_reader reader, const char* path,
+                                   brindle_container container, brindle_model* model) {
+    if (model != nullptr) {
+        *model = nullptr;
+    }
+    return ForReader(reader, [&](ReaderState& state) -> Outcome {
+        if (model == nullptr) {
+            return {BRINDLE_INVALID_ARGUMENT, "the place for the model is null"};
+        }
+        const auto modelState = std::make_shared<ModelState>();
+        // Before the read, so that nothing can fail once it has run.
+        const brindle_model handle = ModelTable::Instance().Add(modelState);
+        Outcome outcome = ReadInto(state, path, container, modelState->Model());
+        if (HasRead(outcome.status)) {
+            *model = handle;
+        } else {
+            ModelTable::Instance().Remove(handle);
+        }
+        return outcome;
+    });
+}
+
+brindle_status brindle_reader_deliver(brindle_reader reader, const char* path,
+                                      brindle_container container, const brindle_factory* factory) {
+    return ForReader(reader, [&](ReaderState& state) -> Outcome {
+        brindle_factory known = {};
+        if (!CInterface::TakeStructure(factory, known)) {
+            return {BRINDLE_INVALID_ARGUMENT, "the factory is null or has no size"};
+        }
+        CInterface::TableDataModel model(known, state.IsCancelled());
+        return ReadInto(state, path, container, model);
+    });
+}
+
+brindle_status brindle_reader_cancel(brindle_reader reader) {
+    return Guarded([&] {
+        const std::shared_ptr<ReaderState> state = ReaderTable::Instance().Find(reader);
+        if (state == nullptr) {
+            return BRINDLE_INVALID_HANDLE;
+        }
+        state->Cancel();
+        return BRINDLE_OK;
+    });
+}

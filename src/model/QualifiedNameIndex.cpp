@@ -1,0 +1,65 @@
+#include "model/QualifiedNameIndex.h"
+
+#include "model/KeyMixing.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+namespace {
+
+/// Names may hold the separator themselves, so that several ends of a qualified name are tried as
+/// an object's own name.
+constexpr std::size_t sMostOwnNames = 256;
+constexpr std::string_view sSeparator = "::";
+
+} // namespace
+
+QualifiedNameIndex::QualifiedNameIndex(const DataModel& model)
+    : mModel(model)
+    , mSeed(ProcessSeed()) {
+    for (ObjectId id = 1; id <= model.ObjectCount(); ++id) {
+        const std::string_view name = model.Object(id).name;
+        if (!name.empty()) {
+            mEntries.push_back({HashOf(name), static_cast<std::uint32_t>(id)});
+        }
+    }
+    std::ranges::sort(mEntries);
+}
+
+std::uint32_t QualifiedNameIndex::HashOf(std::string_view name) const {
+    return static_cast<std::uint32_t>(HashOfText(name, mSeed));
+}
+
+std::vector<ObjectId> QualifiedNameIndex::Find(std::string_view qualifiedName) const {
+    std::vector<ObjectId> found;
+    AppendNamed(qualifiedName, qualifiedName, found);
+    if (qualifiedName.starts_with(sSeparator)) {
+        qualifiedName.remove_prefix(sSeparator.size());
+        AppendNamed(qualifiedName, qualifiedName, found);
+    }
+    std::size_t start = qualifiedName.size();
+    for (std::size_t tries = 0; tries < sMostOwnNames && start > 0; ++tries) {
+        start = qualifiedName.rfind(sSeparator, start - 1);
+        if (start == std::string_view::npos) {
+            break;
+        }
+        AppendNamed(qualifiedName.substr(start + sSeparator.size()), qualifiedName, found);
+    }
+    std::ranges::sort(found);
+    return found;
+}
+
+void QualifiedNameIndex::AppendNamed(std::string_view ownName, std::string_view qualifiedName,
+                                     std::vector<ObjectId>& found) const {
+    const auto candidates = std::ranges::equal_range(mEntries, HashOf(ownName), {}, &Entry::hash);
+    for (const Entry& candidate : candidates) {
+        if (mModel.Object(candidate.id).name == ownName &&
+            mModel.QualifiedName(candidate.id) == qualifiedName) {
+            found.push_back(candidate.id);
+        }
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::DataModel

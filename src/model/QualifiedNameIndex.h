@@ -1,0 +1,41 @@
+// Objects of a finished model by their qualified names. A host that looks up types or scopes by
+// name makes one; for variables and what lies in them there is `DataModel::ResolvePath`.
+#pragma once
+
+#include "model/DataModel.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// Takes 8 bytes for each named object of the model.
+class QualifiedNameIndex {
+public:
+    /// @param model borrowed; must not change during the life of the index
+    explicit QualifiedNameIndex(const DataModel& model);
+
+    /// The objects whose `DataModel::QualifiedName` is this text, in the order of delivery. "::" in
+    /// front of the text is left aside.
+    [[nodiscard]] std::vector<ObjectId> Find(std::string_view qualifiedName) const;
+
+private:
+    /// An object by the hash of its own name.
+    struct Entry {
+        std::uint32_t hash;
+        std::uint32_t id;
+
+        auto operator<=>(const Entry&) const = default;
+    };
+
+    [[nodiscard]] std::uint32_t HashOf(std::string_view name) const;
+    void AppendNamed(std::string_view ownName, std::string_view qualifiedName,
+                     std::vector<ObjectId>& found) const;
+
+    const DataModel& mModel;
+    std::uint64_t mSeed;
+    std::vector<Entry> mEntries;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel

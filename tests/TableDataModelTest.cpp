@@ -1,0 +1,211 @@
+// The way from the contract of data models to the table of the C interface: each operation reaches
+// the function of its name with its arguments in order.
+#include "TableDataModel.h"
+
+#include <atomic>
+#include <cstddef>
+#include <gtest/gtest.h>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+using CInterface::TableDataModel;
+using DataModel::BasicTypes;
+using DataModel::Factory::HostDataModel;
+using DataModel::Factory::ObjectId;
+
+/// Arguments as text. A list comes as a pointer and its length.
+class ArgumentTexts {
+public:
+    void Add(const char* text) { mTexts.emplace_back(text); }
+    void Add(const std::string& text) { mTexts.push_back(text); }
+    void Add(BasicTypes type) { Add(static_cast<std::int32_t>(type)); }
+    template <typename Item>
+    void Add(const std::vector<Item>& list) {
+        std::string text;
+        for (const Item item : list) {
+            text.append(std::to_string(item)).append(";");
+        }
+        mTexts.push_back(text);
+    }
+    void Add(const std::uint64_t* list) { mIdentifiers = list; }
+    void Add(const std::uint32_t* list) { mNumbers = list; }
+    template <typename Number>
+    requires std::is_integral_v<Number>
+    void Add(Number number) {
+        const auto length = static_cast<std::size_t>(number);
+        if (mIdentifiers != nullptr) {
+            Add(std::vector<std::uint64_t>(mIdentifiers, mIdentifiers + length));
+            mIdentifiers = nullptr;
+        } else if (mNumbers != nullptr) {
+            Add(std::vector<std::uint32_t>(mNumbers, mNumbers + length));
+            mNumbers = nullptr;
+        } else {
+            mTexts.push_back(std::to_string(number));
+        }
+    }
+
+    [[nodiscard]] const std::vector<std::string>& Texts() const { return mTexts; }
+
+private:
+    std::vector<std::string> mTexts;
+    const std::uint64_t* mIdentifiers = nullptr;
+    const std::uint32_t* mNumbers = nullptr;
+};
+
+/// A value of a parameter's type that no other parameter of the call has, two booleans in a row
+/// included.
+template <typename Value>
+Value Distinct(int& last) {
+    ++last;
+    if constexpr (std::is_same_v<Value, std::string>) {
+        return "text" + std::to_string(last);
+    } else if constexpr (std::is_same_v<Value, bool>) {
+        return last % 2 == 0;
+    } else if constexpr (std::is_same_v<Value, BasicTypes>) {
+        return static_cast<BasicTypes>(last);
+    } else if constexpr (std::is_class_v<Value>) {
+        return {100, 200, 300};
+    } else {
+        return static_cast<Value>(-last);
+    }
+}
+
+/// A function of the table that writes down its arguments and answers 1.
+template <typename Result, typename... Parameters>
+Result WriteDown(void* user, Parameters... parameters) {
+    (static_cast<ArgumentTexts*>(user)->Add(parameters), ...);
+    return static_cast<Result>(1);
+}
+
+template <typename Result, typename... Parameters, typename FieldResult, typename... Fields>
+void ExpectPassedOn(const char* name, Result (HostDataModel::*operation)(Parameters...),
+                    FieldResult (*brindle_factory::*field)(void*, Fields...)) {
+    ArgumentTexts received;
+    brindle_factory table = {};
+    table.user_data = &received;
+    table.*field = WriteDown<FieldResult, Fields...>;
+    const std::atomic<bool> isCancelled = false;
+    TableDataModel model(table, isCancelled);
+    int last = 0;
+    // Braces keep the order of the arguments.
+    const std::tuple<std::remove_cvref_t<Parameters>...> arguments{
+        Distinct<std::remove_cvref_t<Parameters>>(last)...};
+    ArgumentTexts given;
+    std::apply(
+        [&](const auto&... argument) {
+            (given.Add(argument), ...);
+            EXPECT_EQ((static_cast<HostDataModel&>(model).*operation)(argument...), Result(1))
+                << name;
+        },
+        arguments);
+    EXPECT_EQ(received.Texts(), given.Texts()) << name;
+    TableDataModel empty(brindle_factory{}, isCancelled);
+    std::apply(
+        [&](const auto&... argument) {
+            EXPECT_EQ((static_cast<HostDataModel&>(empty).*operation)(argument...), Result(0))
+                << name << " without function";
+        },
+        arguments);
+}
+
+TEST(TableDataModelTest, EachOperationReachesTheFunctionOfItsName) {
+    ExpectPassedOn("GetGlobalNamespace", &HostDataModel::GetGlobalNamespace,
+                   &brindle_factory::GetGlobalNamespace);
+    ExpectPassedOn("GetNamespace", &HostDataModel::GetNamespace, &brindle_factory::GetNamespace);
+    ExpectPassedOn("CreateNamespace", &HostDataModel::CreateNamespace,
+                   &brindle_factory::CreateNamespace);
+    ExpectPassedOn("GetBlockScope", &HostDataModel::GetBlockScope, &brindle_factory::GetBlockScope);
+    ExpectPassedOn("CreateBlockScope", &HostDataModel::CreateBlockScope,
+                   &brindle_factory::CreateBlockScope);
+    ExpectPassedOn("GetCompileUnit", &HostDataModel::GetCompileUnit,
+                   &brindle_factory::GetCompileUnit);
+    ExpectPassedOn("CreateCompileUnit", &HostDataModel::CreateCompileUnit,
+                   &brindle_factory::CreateCompileUnit);
+    ExpectPassedOn("GetOrCreateCompileUnit", &HostDataModel::GetOrCreateCompileUnit,
+                   &brindle_factory::GetOrCreateCompileUnit);
+    ExpectPassedOn("GetBaseEntryType", &HostDataModel::GetBaseEntryType,
+                   &brindle_factory::GetBaseEntryType);
+    ExpectPassedOn("CreateBaseEntryType", &HostDataModel::CreateBaseEntryType,
+                   &brindle_factory::CreateBaseEntryType);
+    ExpectPassedOn("GetUnknownEntryType", &HostDataModel::GetUnknownEntryType,
+                   &brindle_factory::GetUnknownEntryType);
+    ExpectPassedOn("CreateUnknownEntryType", &HostDataModel::CreateUnknownEntryType,
+                   &brindle_factory::CreateUnknownEntryType);
+    ExpectPassedOn("GetClassEntryType", &HostDataModel::GetClassEntryType,
+                   &brindle_factory::GetClassEntryType);
+    ExpectPassedOn("CreateClassEntryType", &HostDataModel::CreateClassEntryType,
+                   &brindle_factory::CreateClassEntryType);
+    ExpectPassedOn("GetUnionEntryType", &HostDataModel::GetUnionEntryType,
+                   &brindle_factory::GetUnionEntryType);
+    ExpectPassedOn("CreateUnionEntryType", &HostDataModel::CreateUnionEntryType,
+                   &brindle_factory::CreateUnionEntryType);
+    ExpectPassedOn("AddBaseClass", &HostDataModel::AddBaseClass, &brindle_factory::AddBaseClass);
+    ExpectPassedOn("CreateMemberData", &HostDataModel::CreateMemberData,
+                   &brindle_factory::CreateMemberData);
+    ExpectPassedOn("CreateUnionMemberData", &HostDataModel::CreateUnionMemberData,
+                   &brindle_factory::CreateUnionMemberData);
+    ExpectPassedOn("CreateMemberStaticData", &HostDataModel::CreateMemberStaticData,
+                   &brindle_factory::CreateMemberStaticData);
+    ExpectPassedOn("CreateBitfieldInUdt", &HostDataModel::CreateBitfieldInUdt,
+                   &brindle_factory::CreateBitfieldInUdt);
+    ExpectPassedOn("CreateArrayEntryType", &HostDataModel::CreateArrayEntryType,
+                   &brindle_factory::CreateArrayEntryType);
+    ExpectPassedOn("CreatePointerEntryType", &HostDataModel::CreatePointerEntryType,
+                   &brindle_factory::CreatePointerEntryType);
+    ExpectPassedOn("GetEnumTable", &HostDataModel::GetEnumTable, &brindle_factory::GetEnumTable);
+    ExpectPassedOn("CreateEnumTable", &HostDataModel::CreateEnumTable,
+                   &brindle_factory::CreateEnumTable);
+    ExpectPassedOn("AddEnumDescriptionToEnumTable", &HostDataModel::AddEnumDescriptionToEnumTable,
+                   &brindle_factory::AddEnumDescriptionToEnumTable);
+    ExpectPassedOn("GetTypedefEntryType", &HostDataModel::GetTypedefEntryType,
+                   &brindle_factory::GetTypedefEntryType);
+    ExpectPassedOn("CreateTypedefEntryType", &HostDataModel::CreateTypedefEntryType,
+                   &brindle_factory::CreateTypedefEntryType);
+    ExpectPassedOn("GetGlobalDataByAddress", &HostDataModel::GetGlobalDataByAddress,
+                   &brindle_factory::GetGlobalDataByAddress);
+    ExpectPassedOn("CreateGlobalData", &HostDataModel::CreateGlobalData,
+                   &brindle_factory::CreateGlobalData);
+    ExpectPassedOn("GetFunction", &HostDataModel::GetFunction, &brindle_factory::GetFunction);
+    ExpectPassedOn("GetFunctionType", &HostDataModel::GetFunctionType,
+                   &brindle_factory::GetFunctionType);
+    ExpectPassedOn("CreateFunctionType", &HostDataModel::CreateFunctionType,
+                   &brindle_factory::CreateFunctionType);
+    ExpectPassedOn("GetOldBitfieldEntryType", &HostDataModel::GetOldBitfieldEntryType,
+                   &brindle_factory::GetOldBitfieldEntryType);
+    ExpectPassedOn("CreateOldBitfieldEntryType", &HostDataModel::CreateOldBitfieldEntryType,
+                   &brindle_factory::CreateOldBitfieldEntryType);
+    ExpectPassedOn("GetSectionEntryType", &HostDataModel::GetSectionEntryType,
+                   &brindle_factory::GetSectionEntryType);
+    ExpectPassedOn("CreateSectionEntryType", &HostDataModel::CreateSectionEntryType,
+                   &brindle_factory::CreateSectionEntryType);
+    ExpectPassedOn("GetSegment", &HostDataModel::GetSegment, &brindle_factory::GetSegment);
+    ExpectPassedOn("CreateSegment", &HostDataModel::CreateSegment, &brindle_factory::CreateSegment);
+    using Text = const std::string&;
+    ExpectPassedOn<ObjectId, Text, ObjectId>("GetGlobalData", &HostDataModel::GetGlobalData,
+                                             &brindle_factory::GetGlobalData);
+    ExpectPassedOn<ObjectId, Text>("GetGlobalDataByName", &HostDataModel::GetGlobalData,
+                                   &brindle_factory::GetGlobalDataByName);
+    ExpectPassedOn<ObjectId, Text, ObjectId, ObjectId, ObjectId, bool>(
+        "CreateFunction", &HostDataModel::CreateFunction, &brindle_factory::CreateFunction);
+    ExpectPassedOn<ObjectId, Text, ObjectId, bool>("CreateFunctionWithoutScope",
+                                                   &HostDataModel::CreateFunction,
+                                                   &brindle_factory::CreateFunctionWithoutScope);
+
+    static bool sIsTransformed = false;
+    brindle_factory table = {};
+    table.SetTransformed = [](void*, brindle_bool isTransformed) {
+        sIsTransformed = isTransformed != 0;
+    };
+    const std::atomic<bool> isCancelled = false;
+    TableDataModel(table, isCancelled).SetTransformed(true);
+    EXPECT_TRUE(sIsTransformed);
+    TableDataModel(brindle_factory{}, isCancelled).SetTransformed(true);
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
