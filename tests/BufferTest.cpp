@@ -260,6 +260,13 @@ TEST_F(BufferTest, WindowRefusesWhatItCannotHold) {
     EXPECT_FALSE(cache->ReadThrough(destination, 0, -1));
     EXPECT_FALSE(cache->ReadThrough(destination, -8, 4));
     EXPECT_TRUE(cache->ReadThrough(destination, 9990, 10));
+    VElfBuffer buffer(mInput, 100);
+    for (const std::uint64_t position : {std::uint64_t{10000}, ~std::uint64_t{0} >> 1U,
+                                         (~std::uint64_t{0} >> 1U) + 1, ~std::uint64_t{0}}) {
+        gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_UNKNOWN;
+        EXPECT_FALSE(buffer.LoadFromFile(position, 1));
+        EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_READ_FAILED);
+    }
 }
 
 TEST_F(BufferTest, CacheHoldsAWholeSectionUpToTheEndOfTheFile) {
