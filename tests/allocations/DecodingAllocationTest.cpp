@@ -20,7 +20,6 @@ std::size_t sAllocationCount = 0;
 void* CountAndAllocate(std::size_t size, std::size_t alignment) {
     ++sAllocationCount;
     const std::size_t wanted = (size + alignment) / alignment * alignment;
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc)
     if (void* memory = std::aligned_alloc(alignment, wanted)) {
         return memory;
     }
