@@ -132,23 +132,29 @@ TEST_F(AbbreviationTest, UnitsShareTables) {
     EXPECT_EQ(run.Outline(), std::vector<std::string>(4, "0:variable x"));
 }
 
-// Each unit names another offset of one table that goes on to the end of the section.
+// Each unit names another offset of one table that goes on to the end of the section: a table of
+// many abbreviations, and one abbreviation whose list of attributes has no end.
 TEST_F(AbbreviationTest, OverlappingTablesAreBounded) {
     VElfOptions::mIsLogFile = 1;
-    constexpr std::uint64_t count = 100'000;
-    DwarfSections sections;
-    std::string table;
-    for (std::uint32_t code = 1; code <= 60'000; ++code) {
-        table += Plain(code + 0x200000, DW_TAG_label);
+    constexpr std::uint32_t count = 20'000;
+    std::string items;
+    std::string attributes = Uleb128(1) + Uleb128(DW_TAG_label) + '\0';
+    for (std::uint32_t index = 0; index < count; ++index) {
+        items += Plain(index + 0x200000, DW_TAG_label);
+        attributes += Uleb128(DW_AT_name) + Uleb128(DW_FORM_string);
     }
-    sections.RawAbbreviations(table + '\0');
-    for (std::uint64_t index = 0; index < count; ++index) {
-        sections.Unit(
-            {.entries = {Die::Raw(std::string(5, '\1'))}, .abbreviationOffset = index * 3});
+    for (const std::string& table : {items, attributes}) {
+        DwarfSections sections;
+        sections.RawAbbreviations(table);
+        for (std::uint64_t index = 0; index < count; ++index) {
+            sections.Unit(
+                {.entries = {Die::Raw(std::string(5, '\1'))}, .abbreviationOffset = index * 2});
+        }
+        SectionRun run(ElfImage() + sections);
+        ASSERT_TRUE(run.Read());
+        EXPECT_THAT(run.Log(),
+                    testing::HasSubstr("Error: Too many overlapping abbreviation tables"));
     }
-    SectionRun run(ElfImage() + sections);
-    ASSERT_TRUE(run.Read());
-    EXPECT_THAT(run.Log(), testing::HasSubstr("Error: Too many overlapping abbreviation tables"));
 }
 
 } // namespace

@@ -216,6 +216,38 @@ TEST_F(BufferTest, ReadsSingleValuesFromTheFile) {
     EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_SEEK_FAILED);
 }
 
+// Small reads share a read of the file; nobody may notice.
+TEST_F(BufferTest, StreamReadsTheSameWhateverCameBefore) {
+    std::string content;
+    for (int part = 0; part < 10; ++part) {
+        content += NumberedBytes();
+        content += static_cast<char>(part);
+    }
+    Open(content);
+    VInputStream& stream = mInput.mFile;
+    std::string bytes(20'000, '\0');
+    for (const std::size_t size : {0U, 1U, 4U, 8191U, 8192U, 20'000U}) {
+        for (const std::size_t position :
+             {0U, 8191U, 8193U, 8000U, 50'000U, 49'999U, 49'872U, 49'871U, 58'190U, 99'900U,
+              100'006U, 100'010U, 100'011U, 200'000U, 10U}) {
+            ASSERT_TRUE(stream.Seek(position));
+            const std::string wanted =
+                position < content.size() ? content.substr(position, size) : std::string();
+            ASSERT_EQ(stream.Read(bytes.data(), size), wanted.size()) << position;
+            EXPECT_EQ(bytes.substr(0, wanted.size()), wanted) << position;
+            const std::string next =
+                content.substr(std::min(position + wanted.size(), content.size()), 3);
+            const bool isBehind = position > content.size();
+            ASSERT_EQ(stream.Read(bytes.data(), 3), isBehind ? 0 : next.size()) << position;
+            EXPECT_EQ(bytes.substr(0, isBehind ? 0 : next.size()), isBehind ? "" : next);
+        }
+    }
+    ASSERT_EQ(stream.Open(mFolder.Write("other", "other bytes")), 0);
+    ASSERT_TRUE(stream.Seek(6));
+    EXPECT_EQ(stream.Read(bytes.data(), 100), 5U);
+    EXPECT_EQ(bytes.substr(0, 5), "bytes");
+}
+
 TEST_F(BufferTest, WindowRefusesWhatItCannotHold) {
     Open(NumberedBytes());
     const VElfFileCachePtr cache(new VElfFileCache(mInput, 100));
@@ -228,6 +260,13 @@ TEST_F(BufferTest, WindowRefusesWhatItCannotHold) {
     EXPECT_FALSE(cache->ReadThrough(destination, 0, -1));
     EXPECT_FALSE(cache->ReadThrough(destination, -8, 4));
     EXPECT_TRUE(cache->ReadThrough(destination, 9990, 10));
+    VElfBuffer buffer(mInput, 100);
+    for (const std::uint64_t position : {std::uint64_t{10000}, ~std::uint64_t{0} >> 1U,
+                                         (~std::uint64_t{0} >> 1U) + 1, ~std::uint64_t{0}}) {
+        gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_UNKNOWN;
+        EXPECT_FALSE(buffer.LoadFromFile(position, 1));
+        EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_READ_FAILED);
+    }
 }
 
 TEST_F(BufferTest, CacheHoldsAWholeSectionUpToTheEndOfTheFile) {

@@ -319,6 +319,37 @@ TEST_F(CompileUnitMappingTest, EveryByteMayStartASearch) {
     EXPECT_TRUE(mResult);
 }
 
+TEST_F(CompileUnitMappingTest, UnitsWithoutEntriesByTheHundredThousand) {
+    VElfOptions::mIsLogFile = 0;
+    constexpr std::size_t count = 200'000;
+    std::string units;
+    for (std::size_t index = 0; index < count; ++index) {
+        units += UnitBytes(12);
+    }
+    SectionRun run(ImageOf(units));
+    ASSERT_TRUE(run.Read());
+    EXPECT_EQ(run.Section().mCompileUnits.size(), count);
+    EXPECT_EQ(run.Section().mDieNodes.Size(), 0U);
+}
+
+// Every unit reaches over nearly all of the next one, and takes its entries for its own.
+TEST_F(CompileUnitMappingTest, UnitsThatAllOverlap) {
+    VElfOptions::mIsLogFile = 0;
+    VElfOptions::mTryReadCorruptedCompileUnits = 1;
+    constexpr std::size_t count = 10'000;
+    constexpr std::size_t entryCount = 21;
+    std::string info;
+    for (std::size_t index = 0; index < count; ++index) {
+        info += UnitBytes(59).substr(0, 11) + std::string(entryCount, '\1');
+    }
+    info += std::string(31, '\0');
+    const std::string abbreviations = "\1" + Uleb128(DW_TAG_label) + std::string(3, '\0');
+    SectionRun run(ElfImage().Section(".debug_info", info).Section(".debug_abbrev", abbreviations));
+    ASSERT_TRUE(run.Read());
+    EXPECT_EQ(run.Section().mCompileUnits.size(), count);
+    EXPECT_EQ(run.Section().mDieNodes.InOffsetOrder().size(), count * entryCount);
+}
+
 TEST_F(CompileUnitMappingTest, BucketsFollowTheSizeOfTheSection) {
     const auto buckets = [](std::uint64_t size) {
         SectionRun run(ImageOf("x", {}, ElfClass::Class64));

@@ -218,6 +218,14 @@ TEST_F(DwarfDecodingTest, FileRelativeReferencesAreDetectedByTheWholeProducer) {
     };
     EXPECT_EQ(read("ICCRL78", "other"), 1);
     EXPECT_EQ(read("ICCRL78 V2", "ICCRL78"), 0);
+    // A producer that the unit cuts off decides nothing.
+    VElfOptions::mFixReferencesWithFileRelativeOffset = 2;
+    DwarfSections sections;
+    sections.Unit(
+        {Die(DW_TAG_compile_unit, {Block(DW_AT_producer, DW_FORM_indirect, "\x08without end")})});
+    sections.Unit({UnitDie({}, {Producer("ICCRL78")})});
+    EXPECT_THAT(OutlineOf(sections), ElementsAre("0:compile_unit "));
+    EXPECT_EQ(VElfOptions::mFixReferencesWithFileRelativeOffset, 1);
     VElfOptions::mIsLogFile = 1;
     VElfOptions::mFixReferencesWithFileRelativeOffset = 2;
     SectionRun run(ElfImage() + DwarfSections().Unit({UnitDie({}, {Producer("ICCRL78")})}));
@@ -532,18 +540,19 @@ TEST_F(HostileUnitTest, NumbersOfTwentyBytes) {
                 IsEmpty());
 }
 
-// Each entry is one byte and has a million attributes that take none.
+// Each entry is one byte and has very many attributes that take none.
 TEST_F(HostileUnitTest, AttributesWithoutBytesAreBounded) {
+    constexpr std::size_t count = 300'000;
     for (const DieAttribute& attribute :
          {Number(DW_AT_external, DW_FORM_flag_present, 0), Block(DW_AT_decl_line, 0x55, ""),
           Block(DW_AT_byte_size, DW_FORM_addr, "")}) {
         std::string abbreviation = Uleb128(1) + Uleb128(DW_TAG_variable) + '\0';
-        for (int index = 0; index < 1'000'000; ++index) {
+        for (std::size_t index = 0; index < count; ++index) {
             abbreviation += Uleb128(attribute.attribute) + Uleb128(attribute.form);
         }
         DwarfSections sections;
         const std::uint64_t table = sections.RawAbbreviations(abbreviation + std::string(3, '\0'));
-        sections.Unit({.entries = {Die::Raw(std::string(1'000'000, '\1'))},
+        sections.Unit({.entries = {Die::Raw(std::string(count, '\1'))},
                        .addressSize = 3,
                        .abbreviationOffset = table});
         sections.Unit({UnitDie({})});

@@ -82,6 +82,18 @@ TEST_F(SymbolMapsTest, SearchModePrefersAnAgreeingName) {
     EXPECT_EQ(file.NameAt(0x10, "other"), "alone");
 }
 
+TEST_F(SymbolMapsTest, SearchModeLooksAtSoManyNamesOnly) {
+    ElfImage image;
+    for (int number = 0; number < 20'000; ++number) {
+        image.Symbol({"s" + std::to_string(number), 0x30, 4});
+    }
+    FileWithSymbols file(image);
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    VElfOptions::mSymTabSearchMode = 1;
+    EXPECT_EQ(file.NameAt(0x30, "s500"), "s500");
+    EXPECT_EQ(file.NameAt(0x30, "s19999"), "s0");
+}
+
 TEST_F(SymbolMapsTest, NamesAreFoundDemangledAndWithALeadingUnderscore) {
     const ElfImage image = ElfImage()
                                .Symbol({"value__3Foo", 0x10, 4})

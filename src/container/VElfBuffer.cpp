@@ -45,9 +45,6 @@ bool VElfBuffer::LoadFromFile(std::uint64_t filePosition, std::int32_t size) {
     mOffset = 0;
     mLength = 0;
     mIsOverrun = false;
-    if (mInput.mFileSize < 0 || filePosition >= static_cast<std::uint64_t>(mInput.mFileSize)) {
-        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
-    }
     if (!LoadFromStream(filePosition, size)) {
         return false;
     }
@@ -57,9 +54,14 @@ bool VElfBuffer::LoadFromFile(std::uint64_t filePosition, std::int32_t size) {
 }
 
 bool VElfBuffer::LoadFromStream(std::uint64_t filePosition, std::int32_t size) {
+    const std::uint64_t fileSize =
+        mInput.mFileSize > 0 ? static_cast<std::uint64_t>(mInput.mFileSize) : 0;
+    if (mCache == nullptr && filePosition >= fileSize) {
+        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    }
     // Looked at before memory is taken: a header may claim any size.
-    const std::int64_t available = mInput.mFileSize - static_cast<std::int64_t>(filePosition);
-    const bool isInsideFile = size >= 0 && size < sMaximumSize && size <= available;
+    const bool isInsideFile = size >= 0 && size < sMaximumSize && filePosition <= fileSize &&
+                              static_cast<std::uint64_t>(size) <= fileSize - filePosition;
     if (isInsideFile && !EnsureCapacity(size)) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
     }

@@ -34,8 +34,8 @@ public:
 
     /// Replaces the contents by a range of the file and sets the cursor to 0. Texts given out
     /// before end here. On failure the buffer is empty, and the error state is `ELFERR_NO_MEMORY`,
-    /// `ELFERR_SEEK_FAILED` (the range begins beyond the file) or `ELFERR_READ_FAILED` (it ends
-    /// beyond the file, or is larger than 2 GiB).
+    /// `ELFERR_SEEK_FAILED` (the range begins beyond the file, and there is no cache) or
+    /// `ELFERR_READ_FAILED` (it ends beyond the file, or is larger than 2 GiB).
     bool LoadFromFile(std::uint64_t filePosition, std::int32_t size);
     bool LoadFromFile(std::uint64_t filePosition, std::uint32_t size);
     bool LoadFromFile(std::uint64_t filePosition, std::uint64_t size);

@@ -3,11 +3,16 @@
 #include "core/VElfOptions.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
+
+/// Names of one address that are compared at most; else a file with many symbols and many variables
+/// at one place would take a time of their product.
+constexpr std::ptrdiff_t sMaximumComparisons = 1000;
 
 std::uint32_t Address(const Elf32_Sym& symbol) {
     return static_cast<std::uint32_t>(symbol.st_value);
@@ -36,8 +41,8 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view 
         return nullptr;
     }
     if (VElfOptions::mSymTabSearchMode != 0) {
-        for (auto symbol = first; symbol != mSymbols.end() && Address(*symbol) == address;
-             ++symbol) {
+        const auto last = first + std::min(sMaximumComparisons, mSymbols.end() - first);
+        for (auto symbol = first; symbol != last && Address(*symbol) == address; ++symbol) {
             if (NameBeginsWith(*symbol, name)) {
                 return &*symbol;
             }

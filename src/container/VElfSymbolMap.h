@@ -19,7 +19,8 @@ public:
     [[nodiscard]] bool IsEmpty() const { return mSymbols.empty(); }
 
     /// The symbol at an address, null if there is none. Of several it is the first; with
-    /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first.
+    /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first. Of very
+    /// many the first 1000 are looked at.
     Elf32_Sym* FindByAddress(std::uint32_t address, std::string_view name);
 
 private:

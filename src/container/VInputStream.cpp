@@ -1,5 +1,6 @@
 #include "container/VInputStream.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <limits>
@@ -7,12 +8,25 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+namespace {
+
+/// Reads of at least this size go to the file.
+constexpr std::size_t sWindowSize = 8192;
+
+/// Kept in front of a wanted position, since the search for unit headers steps back.
+constexpr std::uint64_t sLeadingBytes = 128;
+
+} // namespace
+
 int VInputStream::Open(const std::string& path) {
     // Some systems open a directory like a file and fail at the first read only.
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) {
         return EISDIR;
     }
+    mStream.close();
+    mPosition = 0;
+    mWindow.clear();
     errno = 0;
     mStream.open(path, std::ios::in | std::ios::binary);
     if (mStream.is_open()) {
@@ -28,17 +42,40 @@ std::int64_t VInputStream::Length() {
 }
 
 bool VInputStream::Seek(std::uint64_t filePosition) {
-    if (filePosition > std::numeric_limits<std::int64_t>::max()) {
-        return false;
-    }
-    mStream.clear();
-    mStream.seekg(static_cast<std::streamoff>(filePosition));
-    return mStream.good();
+    mPosition = filePosition;
+    return mStream.is_open() && filePosition <= std::numeric_limits<std::int64_t>::max();
 }
 
 std::size_t VInputStream::Read(void* destination, std::size_t size) {
+    if (size >= sWindowSize) {
+        const std::size_t count = ReadFile(mPosition, destination, size);
+        mPosition += count;
+        return count;
+    }
+    if (!WindowHolds(size)) {
+        mWindowStart = mPosition - std::min(mPosition, sLeadingBytes);
+        mWindow.resize(sWindowSize + sLeadingBytes);
+        mWindow.resize(ReadFile(mWindowStart, mWindow.data(), mWindow.size()));
+    }
+    const std::uint64_t start = std::min(mPosition - mWindowStart, std::uint64_t{mWindow.size()});
+    const std::size_t count = std::min(size, mWindow.size() - static_cast<std::size_t>(start));
+    std::copy_n(mWindow.begin() + static_cast<std::ptrdiff_t>(start), count,
+                static_cast<char*>(destination));
+    mPosition += count;
+    return count;
+}
+
+std::size_t VInputStream::ReadFile(std::uint64_t filePosition, void* destination,
+                                   std::size_t size) {
+    mStream.clear();
+    mStream.seekg(static_cast<std::streamoff>(filePosition));
     mStream.read(static_cast<char*>(destination), static_cast<std::streamsize>(size));
     return static_cast<std::size_t>(mStream.gcount());
+}
+
+bool VInputStream::WindowHolds(std::size_t size) const {
+    const std::uint64_t windowEnd = mWindowStart + mWindow.size();
+    return mPosition >= mWindowStart && mPosition <= windowEnd && size <= windowEnd - mPosition;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

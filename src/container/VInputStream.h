@@ -1,18 +1,21 @@
 // The stream behind an input file: positioned reads of bytes, and nothing else. It knows no format
-// and sets no error state; its users tell what a failure means.
+// and sets no error state; its users tell what a failure means. Small reads close to each other, as
+// the walk over unit headers makes them by the million, are served from one read of the file.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// A file opened for reading, without text translation. Positions and lengths are in bytes.
 class VInputStream {
 public:
-    /// Opens a file; a directory counts as a file that can't be opened.
+    /// Opens a file in place of the one that was open; a directory counts as a file that can't be
+    /// opened.
     /// @return 0, or the system's error code
     int Open(const std::string& path);
 
@@ -27,7 +30,15 @@ public:
     std::size_t Read(void* destination, std::size_t size);
 
 private:
+    std::size_t ReadFile(std::uint64_t filePosition, void* destination, std::size_t size);
+    [[nodiscard]] bool WindowHolds(std::size_t size) const;
+
     std::ifstream mStream;
+    /// File position of the next read.
+    std::uint64_t mPosition = 0;
+    /// Bytes of the file from `mWindowStart` on.
+    std::vector<char> mWindow;
+    std::uint64_t mWindowStart = 0;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

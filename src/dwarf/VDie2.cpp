@@ -25,7 +25,7 @@ constexpr std::size_t sMaximumUnitNameLength = 79;
 
 /// Attributes of a unit: this many a byte and a few more. Attributes that take no bytes could else
 /// make a small unit a long work.
-constexpr std::int64_t sAttributesPerByte = 64;
+constexpr std::int64_t sAttributesPerByte = 16;
 constexpr std::int64_t sFreeAttributes = 0x10000;
 
 } // namespace
@@ -307,7 +307,8 @@ void VDie2::StoreProducer(const char* producer) {
 }
 
 void VDie2::OnProducer() {
-    if (mTag != DW_TAG_compile_unit) {
+    // A producer that the unit cuts off decides nothing.
+    if (mTag != DW_TAG_compile_unit || mBuffer->HasPassedEnd()) {
         return;
     }
     mUnitReader->mProducer = mProducer.mValue;

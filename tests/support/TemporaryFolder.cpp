@@ -1,8 +1,8 @@
 #include "support/TemporaryFolder.h"
 
 #include <fstream>
-#include <iterator>
 #include <random>
+#include <sstream>
 
 namespace Tessel::Norn::Brindle::Tests {
 
@@ -31,7 +31,7 @@ std::string TemporaryFolder::Write(std::string_view name, std::string_view conte
 
 std::string TemporaryFolder::Read(std::string_view name) const {
     std::ifstream file(mPath / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    return (std::ostringstream() << file.rdbuf()).str();
 }
 
 } // namespace Tessel::Norn::Brindle::Tests
