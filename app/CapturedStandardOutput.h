@@ -4,11 +4,11 @@
 
 #include <sstream>
 #include <streambuf>
+#include <string>
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// From construction to destruction `std::cout` writes into memory. The destructor gives
-/// `std::cout` its buffer back and passes what was caught to standard error, one text a line.
+/// From construction to destruction `std::cout` writes into memory.
 class CapturedStandardOutput {
 public:
     CapturedStandardOutput();
@@ -17,6 +17,9 @@ public:
     CapturedStandardOutput& operator=(const CapturedStandardOutput&) = delete;
     CapturedStandardOutput(CapturedStandardOutput&&) = delete;
     CapturedStandardOutput& operator=(CapturedStandardOutput&&) = delete;
+
+    /// Tells on standard error what was caught, one message a line.
+    void Tell(const std::string& file) const;
 
 private:
     std::stringbuf mCaught;

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "DifferenceTable.h"
 #include "Message.h"
+#include "ModelComparison.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
@@ -24,6 +25,7 @@ struct DiffArguments {
     DataModel::LeafLimits limits;
     std::string oldFile;
     std::string newFile;
+    std::string pattern;
     std::string format = "table";
 };
 
@@ -31,6 +33,12 @@ void TellCuts(const std::string& file, const DataModel::LeafCuts& cuts,
               const DataModel::LeafLimits& limits) {
     for (const std::string& cut : DescribeCuts(cuts, limits)) {
         Tell(file, cut);
+    }
+}
+
+void TellMissing(const std::string& file, const ReadResult& result, const std::string& change) {
+    if (!result.isOk) {
+        Tell(file, "not read to its end, so nothing is told of variables that " + change);
     }
 }
 
@@ -43,17 +51,19 @@ ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     ReportResult(arguments.oldFile, oldResult);
     ReportResult(arguments.newFile, newResult);
     // What a read that failed did not deliver would look as if it had vanished or appeared.
-    if (!oldResult.isOk || !newResult.isOk) {
-        Tell("nothing is compared, since not both files could be read to the end");
-        return ExitStatus::Failed;
-    }
+    const ComparisonScope scope{arguments.limits, NameFilter(arguments.pattern), oldResult.isOk,
+                                newResult.isOk};
+    TellMissing(arguments.oldFile, oldResult, "appeared");
+    TellMissing(arguments.newFile, newResult, "vanished");
     const auto table = MakeTableWriter(TableFormatOf(arguments.format), DifferenceColumns(), output,
                                        IsStandardOutputColoured());
-    const std::vector<DataModel::LeafCuts> cuts =
-        WriteDifferences(oldModel, newModel, arguments.limits, *table);
-    TellCuts(arguments.oldFile, cuts.front(), arguments.limits);
-    TellCuts(arguments.newFile, cuts.back(), arguments.limits);
-    return ExitStatus::Success;
+    const DifferenceCount count = WriteDifferences(oldModel, newModel, scope, *table);
+    TellCuts(arguments.oldFile, count.cuts.front(), arguments.limits);
+    TellCuts(arguments.newFile, count.cuts.back(), arguments.limits);
+    if (count.rows == 0 && !arguments.pattern.empty()) {
+        Tell("nothing that matches '" + arguments.pattern + "' has changed");
+    }
+    return oldResult.isOk && newResult.isOk ? ExitStatus::Success : ExitStatus::Failed;
 }
 
 } // namespace
@@ -72,6 +82,7 @@ void AddDiffCommand(CommandLine& commandLine) {
     command.add_option("NEW", arguments->newFile, "The file of the later build")
         ->required()
         ->type_name("");
+    AddPatternArgument(command, "variables and leaves", arguments->pattern);
     AddReadArguments(command, arguments->read);
     AddLeafLimitArguments(command, arguments->limits);
     AddFormatArgument(command, arguments->format);

@@ -10,8 +10,6 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-using DataModel::LeafCuts;
-
 constexpr std::array sColumns = {Column{"change"},
                                  Column{"kind"},
                                  Column{"name"},
@@ -84,11 +82,13 @@ std::span<const Column> DifferenceColumns() {
     return sColumns;
 }
 
-std::vector<LeafCuts> WriteDifferences(const DataModel::DataModel& oldModel,
-                                       const DataModel::DataModel& newModel,
-                                       const DataModel::LeafLimits& limits, TableWriter& table) {
-    ModelComparison comparison(oldModel, newModel, limits);
+DifferenceCount WriteDifferences(const DataModel::DataModel& oldModel,
+                                 const DataModel::DataModel& newModel, const ComparisonScope& scope,
+                                 TableWriter& table) {
+    ModelComparison comparison(oldModel, newModel, scope);
+    DifferenceCount count;
     comparison.Run([&](const Difference& difference) {
+        ++count.rows;
         const bool isNew = difference.newPlace != nullptr;
         const ComparedPlace& latest = isNew ? *difference.newPlace : *difference.oldPlace;
         const DataModel::DataModel& model = isNew ? newModel : oldModel;
@@ -104,7 +104,8 @@ std::vector<LeafCuts> WriteDifferences(const DataModel::DataModel& oldModel,
             ColourOf(difference));
     });
     table.Finish();
-    return {comparison.OldCuts(), comparison.NewCuts()};
+    count.cuts = {comparison.OldCuts(), comparison.NewCuts()};
+    return count;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

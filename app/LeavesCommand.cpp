@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Message.h"
+#include "NearObjects.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
@@ -36,7 +37,8 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
         Tell(arguments.file, cut);
     }
     if (!list.hasMatch) {
-        Tell(arguments.file, "no leaf matches '" + arguments.pattern + "'");
+        Tell(arguments.file, "no leaf matches '" + arguments.pattern + "'" +
+                                 NearVariables(model, arguments.pattern));
     }
     return status;
 }

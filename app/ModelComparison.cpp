@@ -33,10 +33,10 @@ ModelComparison::Side::Side(const DataModel::DataModel& sideModel,
     , typeTexts(sideModel) {}
 
 ModelComparison::ModelComparison(const DataModel::DataModel& oldModel,
-                                 const DataModel::DataModel& newModel,
-                                 const DataModel::LeafLimits& limits)
-    : mOld(oldModel, limits)
-    , mNew(newModel, limits) {}
+                                 const DataModel::DataModel& newModel, const ComparisonScope& scope)
+    : mScope(scope)
+    , mOld(oldModel, scope.limits)
+    , mNew(newModel, scope.limits) {}
 
 void ModelComparison::Run(const Sink& sink) {
     mSink = &sink;
@@ -44,18 +44,29 @@ void ModelComparison::Run(const Sink& sink) {
     for (const VariableMatching::Pair& pair : matching.pairs) {
         if (pair.newGlobal != 0) {
             ComparePair(pair.oldGlobal, pair.newGlobal);
-        } else {
+        } else if (mScope.hasAllOfNew) {
             PassVanished(pair.oldGlobal);
         }
     }
-    for (const ObjectId global : matching.appeared) {
-        PassAppeared(global);
+    if (mScope.hasAllOfOld) {
+        for (const ObjectId global : matching.appeared) {
+            PassAppeared(global);
+        }
     }
+}
+
+bool ModelComparison::BeginVariable(const Side& side, const ComparedPlace& variable) {
+    mOwnName = OwnNameStart(variable.name, side.model.Object(variable.place.global).name);
+    mIsWholeWanted = mScope.filter.Takes(variable.name, mOwnName);
+    return mIsWholeWanted || mScope.filter.MayTakeBehind(variable.name, mOwnName);
 }
 
 void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
     const ComparedPlace oldVariable = VariableOf(mOld, oldGlobal);
     const ComparedPlace newVariable = VariableOf(mNew, newGlobal);
+    if (!BeginVariable(mOld, oldVariable)) {
+        return;
+    }
     PassChanged(oldVariable, newVariable, false);
     const bool haveSameLeaves = oldVariable.place.address == newVariable.place.address &&
                                 mOld.fingerprints.Of(oldVariable.place.type) ==
@@ -79,7 +90,7 @@ void ModelComparison::CompareLeaves(const Places& oldLeaves, const Places& newLe
     for (const ComparedPlace& oldLeaf : oldLeaves) {
         const auto known = unmatched.find(oldLeaf.name);
         if (known == unmatched.end()) {
-            (*mSink)({&oldLeaf, nullptr, true});
+            Pass({&oldLeaf, nullptr, true});
             continue;
         }
         PassChanged(oldLeaf, *known->second.back(), true);
@@ -91,24 +102,30 @@ void ModelComparison::CompareLeaves(const Places& oldLeaves, const Places& newLe
     for (const ComparedPlace& newLeaf : newLeaves) {
         const auto known = unmatched.find(newLeaf.name);
         if (known != unmatched.end()) {
-            (*mSink)({nullptr, &newLeaf, true});
+            Pass({nullptr, &newLeaf, true});
         }
     }
 }
 
 void ModelComparison::PassVanished(ObjectId oldGlobal) {
     const ComparedPlace variable = VariableOf(mOld, oldGlobal);
-    (*mSink)({&variable, nullptr, false});
+    if (!BeginVariable(mOld, variable)) {
+        return;
+    }
+    Pass({&variable, nullptr, false});
     for (const ComparedPlace& leaf : LeavesOf(mOld, oldGlobal)) {
-        (*mSink)({&leaf, nullptr, true});
+        Pass({&leaf, nullptr, true});
     }
 }
 
 void ModelComparison::PassAppeared(ObjectId newGlobal) {
     const ComparedPlace variable = VariableOf(mNew, newGlobal);
-    (*mSink)({nullptr, &variable, false});
+    if (!BeginVariable(mNew, variable)) {
+        return;
+    }
+    Pass({nullptr, &variable, false});
     for (const ComparedPlace& leaf : LeavesOf(mNew, newGlobal)) {
-        (*mSink)({nullptr, &leaf, true});
+        Pass({nullptr, &leaf, true});
     }
 }
 
@@ -116,6 +133,14 @@ void ModelComparison::PassChanged(const ComparedPlace& oldPlace, const ComparedP
                                   bool isLeaf) {
     const Difference difference{&oldPlace, &newPlace, isLeaf};
     if (difference.IsMoved() || difference.IsResized() || difference.IsRetyped()) {
+        Pass(difference);
+    }
+}
+
+void ModelComparison::Pass(const Difference& difference) const {
+    const ComparedPlace& place =
+        difference.newPlace != nullptr ? *difference.newPlace : *difference.oldPlace;
+    if (mIsWholeWanted || mScope.filter.Takes(place.name, mOwnName)) {
         (*mSink)(difference);
     }
 }

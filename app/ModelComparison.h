@@ -2,14 +2,17 @@
 // prints it; nothing else is kept of the models.
 #pragma once
 
+#include "NamePattern.h"
 #include "TypeTexts.h"
 
 #include "model/DataModel.h"
 #include "model/LayoutFingerprints.h"
 #include "model/LeafWalk.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -41,13 +44,26 @@ struct Difference {
     /// @}
 };
 
+/// What a comparison tells.
+struct ComparisonScope {
+    DataModel::LeafLimits limits;
+    /// Fits the names of the variables and leaves that are wanted; all leaves of a variable whose
+    /// name it fits are wanted too.
+    NameFilter filter{std::string_view()};
+    /// @name Whether a variable that one of the models lacks is missing from the build as well
+    /// @{
+    bool hasAllOfOld = true;
+    bool hasAllOfNew = true;
+    /// @}
+};
+
 /// Compares two models. Both are borrowed and must not change during the life of the comparison.
 class ModelComparison {
 public:
     using Sink = std::function<void(const Difference&)>;
 
     ModelComparison(const DataModel::DataModel& oldModel, const DataModel::DataModel& newModel,
-                    const DataModel::LeafLimits& limits);
+                    const ComparisonScope& scope);
 
     /// Passes on all differences: old variables in the order of their delivery, each with its
     /// leaves behind it, then those that appeared, likewise. What has no parts has no leaves. Once
@@ -74,12 +90,18 @@ private:
     void PassVanished(DataModel::ObjectId oldGlobal);
     void PassAppeared(DataModel::ObjectId newGlobal);
     void PassChanged(const ComparedPlace& oldPlace, const ComparedPlace& newPlace, bool isLeaf);
+    void Pass(const Difference& difference) const;
+    bool BeginVariable(const Side& side, const ComparedPlace& variable);
     [[nodiscard]] bool IsExhausted() const;
     static ComparedPlace VariableOf(Side& side, DataModel::ObjectId global);
     static Places LeavesOf(Side& side, DataModel::ObjectId global);
 
+    ComparisonScope mScope;
     Side mOld;
     Side mNew;
+    /// Where the own name of the variable begins that is being compared.
+    std::size_t mOwnName = 0;
+    bool mIsWholeWanted = true;
     const Sink* mSink = nullptr;
 };
 

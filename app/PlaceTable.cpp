@@ -1,6 +1,7 @@
 #include "PlaceTable.h"
 
 #include "NamePattern.h"
+#include "NearObjects.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
 
@@ -48,11 +49,11 @@ private:
     TypeTexts mTypeTexts;
 };
 
-std::string ProblemText(const std::string& expression,
+std::string ProblemText(const DataModel::DataModel& model, const std::string& expression,
                         const DataModel::DataModel::PathResult& result) {
-    std::string text = "'" + expression + "': ";
+    const std::string text = "'" + expression + "': ";
     if (result.resolvedLength == 0) {
-        return text + result.problem;
+        return text + result.problem + NearVariables(model, expression);
     }
     return text + "resolves up to '" + expression.substr(0, result.resolvedLength) + "', then " +
            result.problem;
@@ -106,7 +107,7 @@ std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
             if (result.found) {
                 rows.Add(expression, result.place);
             } else {
-                problems.push_back(ProblemText(expression, result));
+                problems.push_back(ProblemText(model, expression, result));
             }
         }
     }

@@ -1,48 +1,67 @@
 #include "ProgressBar.h"
 
 #include <algorithm>
-#include <boost/timer/progress_display.hpp>
+#include <cstddef>
 #include <ostream>
 
 namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+/// Wide enough for the longest name of a phase.
+constexpr std::size_t sPhaseWidth = 12;
+constexpr std::size_t sBarWidth = 40;
+constexpr std::int64_t sHundred = 100;
+
+} // namespace
 
 ProgressBar::ProgressBar(std::ostream& stream)
     : mStream(stream) {}
 
 ProgressBar::~ProgressBar() {
-    EndBar();
+    Draw({});
+    mStream << '\r' << std::flush;
 }
 
-void ProgressBar::SetText(const std::string& text) {
-    mHeading = text.empty() ? text : text + '\n';
+void ProgressBar::SetPhase(std::string_view phase) {
+    mPhase = phase;
+    mExtent = 0;
+    mPercent = sNoBar;
+    Draw(mPhase);
 }
 
 void ProgressBar::SetInterval(std::int32_t start, std::int32_t end) {
-    EndBar();
-    if (end <= start) {
-        return;
-    }
     mStart = start;
-    const auto extent = static_cast<unsigned long>(std::int64_t{end} - mStart);
-    mBar = std::make_unique<boost::timer::progress_display>(extent, mStream, mHeading);
+    mExtent = std::max<std::int64_t>(std::int64_t{end} - start, 0);
+    SetPercent(mExtent == 0 ? sNoBar : 0);
 }
 
 void ProgressBar::SetValue(std::int32_t value) {
-    if (!mBar || value <= mStart) {
-        return;
-    }
-    const auto reached =
-        std::min(static_cast<unsigned long>(value - mStart), mBar->expected_count());
-    if (reached > mBar->count()) {
-        *mBar += reached - mBar->count();
+    if (mExtent != 0) {
+        const std::int64_t reached = std::clamp<std::int64_t>(value - mStart, 0, mExtent);
+        SetPercent(reached * sHundred / mExtent);
     }
 }
 
-void ProgressBar::EndBar() {
-    if (mBar && mBar->count() < mBar->expected_count()) {
-        mStream << std::endl;
+void ProgressBar::SetPercent(std::int64_t percent) {
+    if (percent == mPercent) {
+        return;
     }
-    mBar.reset();
+    mPercent = percent;
+    std::string line = mPhase;
+    if (percent != sNoBar) {
+        const auto full = static_cast<std::size_t>(percent) * sBarWidth / sHundred;
+        line.resize(std::max(sPhaseWidth, line.size()), ' ');
+        line.append("[").append(full, '#').append(sBarWidth - full, '.').append("] ");
+        line.append(std::to_string(percent)).append("%");
+    }
+    Draw(line);
+}
+
+void ProgressBar::Draw(const std::string& line) {
+    const std::size_t rest = mDrawnLength - std::min(line.size(), mDrawnLength);
+    mStream << '\r' << line << std::string(rest, ' ') << std::flush;
+    mDrawnLength = line.size();
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -1,23 +1,19 @@
-// The bar that a person sees while a long read runs. A read session feeds it from the progress
-// callbacks; it writes to the stream it is given and nowhere else.
+// The bar that a person sees while a long read runs. A read session feeds it from the callbacks of
+// the reader; it writes to the stream it is given and nowhere else.
 #pragma once
 
 #include <cstdint>
 #include <iosfwd>
-#include <memory>
 #include <string>
-
-namespace boost::timer {
-class progress_display;
-}
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Draws one bar for each progress interval. A bar that is not complete ends with the next
-/// interval or with the object.
+/// One line that is drawn over itself: what the read does, and how far it is with it. The line is
+/// wiped out at the end of the object.
 class ProgressBar {
 public:
-    /// @param stream where the bar is drawn; borrowed
+    /// @param stream a terminal; borrowed
     explicit ProgressBar(std::ostream& stream);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
@@ -25,20 +21,25 @@ public:
     ProgressBar(ProgressBar&&) = delete;
     ProgressBar& operator=(ProgressBar&&) = delete;
 
-    /// Heading of the bars that follow.
-    void SetText(const std::string& text);
-    /// Starts a bar. An interval without extent has none.
+    /// Begins a phase, of which nothing is told yet.
+    void SetPhase(std::string_view phase);
+    /// What the values of the phase count from and to. An interval without extent has no bar.
     void SetInterval(std::int32_t start, std::int32_t end);
-    /// Moves the bar forward; values outside the interval count as its ends.
+    /// Moves the bar; values outside the interval count as its ends.
     void SetValue(std::int32_t value);
 
 private:
-    void EndBar();
+    static constexpr std::int64_t sNoBar = -1;
+
+    void SetPercent(std::int64_t percent);
+    void Draw(const std::string& line);
 
     std::ostream& mStream;
-    std::string mHeading;
+    std::string mPhase;
     std::int64_t mStart = 0;
-    std::unique_ptr<boost::timer::progress_display> mBar;
+    std::int64_t mExtent = 0;
+    std::int64_t mPercent = sNoBar;
+    std::size_t mDrawnLength = 0;
 };
 
 } // namespace Tessel::Norn::Brindle::Program

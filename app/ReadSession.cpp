@@ -9,18 +9,52 @@
 #include "host/ContainerDetection.h"
 #include "host/CurrentDataModel.h"
 
+#include <cerrno>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <new>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
 using Contract::Interfaces::ErrorSeverity;
 using Reader::DWARF::DWARFContainerType;
+using Reader::DWARF::ReadPhase;
 
 namespace {
+
+std::string_view PhaseName(ReadPhase phase) {
+    switch (phase) {
+    case ReadPhase::Reading:
+        return "reading";
+    case ReadPhase::Resolving:
+        return "resolving";
+    default:
+        return "delivering";
+    }
+}
+
+/// What the system says of a file that can't be read at all; empty if it can.
+std::string SystemProblem(const std::string& file) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(file, error);
+    if (error) {
+        return error.message();
+    }
+    if (std::filesystem::is_directory(status)) {
+        return std::make_error_code(std::errc::is_a_directory).message();
+    }
+    errno = 0;
+    const std::ifstream stream(file, std::ios::binary);
+    if (!stream) {
+        return std::generic_category().message(errno);
+    }
+    return std::filesystem::file_size(file, error) == 0 && !error ? "The file is empty" : "";
+}
 
 DWARFContainerType ChooseContainer(std::string_view choice, const std::string& file) {
     if (choice == "auto") {
@@ -54,10 +88,12 @@ void ReadSession::ConnectCallbacks() {
                 {std::int64_t{static_cast<std::int32_t>(severity)}, std::int64_t{code}, firstText,
                  secondText}});
     };
-    mReader.SetProgressTextCallback = [this](const std::string& text) {
+    mReader.PhaseCallback = [this](ReadPhase phase) {
         if (mProgressBar) {
-            mProgressBar->SetText(text);
+            mProgressBar->SetPhase(PhaseName(phase));
         }
+    };
+    mReader.SetProgressTextCallback = [this](const std::string& text) {
         Signal({"SetProgressText", {text}});
     };
     mReader.SetProgressIntervalCallback = [this](std::int32_t start, std::int32_t end) {
@@ -85,6 +121,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     ReadResult result;
     result.container = ChooseContainer(mContainer, file);
     mError.clear();
+    CapturedStandardOutput captured;
     try {
         result.isOk = RunReader(file, result.container);
     } catch (const OutputError&) {
@@ -96,12 +133,20 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     }
     if (!result.isOk) {
         result.error = std::exchange(mError, {});
+        result.remark = SystemProblem(file);
+        if (result.remark.empty() && mContainer == "auto" &&
+            result.container == DWARFContainerType::Container_COFF) {
+            result.remark = "Read as COFF, being neither ELF nor a Windows image";
+        }
+    }
+    // The reader's own words on such a file are numbers alone.
+    if (result.remark.empty()) {
+        captured.Tell(file);
     }
     return result;
 }
 
 bool ReadSession::RunReader(const std::string& file, DWARFContainerType container) {
-    const CapturedStandardOutput captured;
     std::optional<ProgressBar> progressBar;
     if (mIsProgressDrawn) {
         progressBar.emplace(std::cerr);
@@ -114,7 +159,11 @@ ExitStatus ReportResult(const std::string& file, const ReadResult& result) {
     if (result.isOk) {
         return ExitStatus::Success;
     }
-    Tell(file, result.error.empty() ? "The file could not be read." : result.error);
+    std::string message = result.error.empty() ? "The file could not be read." : result.error;
+    if (!result.remark.empty()) {
+        message += " (" + result.remark + ")";
+    }
+    Tell(file, message);
     return ExitStatus::Failed;
 }
 

@@ -33,6 +33,9 @@ struct ReadResult {
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
     /// What the host was told of a failure, which may be nothing; empty after success.
     std::string error;
+    /// What explains the error to a person, where the program knows more: why the system refuses
+    /// the file, or what it was taken for.
+    std::string remark;
 };
 
 /// One reader for any number of reads, one after the other.

@@ -14,14 +14,21 @@ using Kind = LayoutEntry::Kind;
 
 constexpr std::uint64_t sBitsOfByte = 8;
 
-bool IsMember(ObjectKind kind) {
-    return kind == ObjectKind::Member || kind == ObjectKind::UnionMember ||
-           kind == ObjectKind::BitField;
-}
-
 std::uint64_t EndOf(const LayoutEntry& entry) {
     return entry.offset +
            std::min(entry.size, std::numeric_limits<std::uint64_t>::max() - entry.offset);
+}
+
+/// Bytes from the storage unit on that a member takes: packed bit fields reach beyond their unit.
+std::uint64_t ExtentOf(const ModelObject& member, std::uint64_t size) {
+    if (member.kind != ObjectKind::BitField || member.bitOffset < 0) {
+        return size;
+    }
+    const auto firstBit = static_cast<std::uint64_t>(member.bitOffset);
+    const std::uint64_t lastByte =
+        firstBit / sBitsOfByte + member.bitSize / sBitsOfByte +
+        (firstBit % sBitsOfByte + member.bitSize % sBitsOfByte + sBitsOfByte - 1) / sBitsOfByte;
+    return std::max(size, lastByte);
 }
 
 /// Base classes and members alone.
@@ -32,7 +39,8 @@ std::vector<LayoutEntry> Contents(const DataModel::DataModel& model, ObjectId ty
     }
     model.ForEachIn(type, [&](const ModelObject& member) {
         if (IsMember(member.kind)) {
-            contents.push_back({Kind::Member, member.id, member.offset, model.SizeOf(member.id)});
+            contents.push_back({Kind::Member, member.id, member.offset,
+                                ExtentOf(member, model.SizeOf(member.id))});
         }
     });
     return contents;
@@ -42,10 +50,11 @@ std::vector<LayoutEntry> Contents(const DataModel::DataModel& model, ObjectId ty
 /// cluster, whose unused bits are what its members leave over.
 class GapFinder {
 public:
-    explicit GapFinder(const DataModel::DataModel& model)
-        : mModel(model) {}
+    GapFinder(const DataModel::DataModel& model, std::uint64_t size)
+        : mModel(model)
+        , mSize(size) {}
 
-    std::vector<LayoutEntry> Find(const std::vector<LayoutEntry>& contents, std::uint64_t size) {
+    std::vector<LayoutEntry> Find(const std::vector<LayoutEntry>& contents) {
         for (const LayoutEntry& entry : contents) {
             if (entry.offset >= mEnd) {
                 EndCluster();
@@ -58,7 +67,7 @@ public:
         }
         EndCluster();
         if (!contents.empty()) {
-            AddGap(Kind::Padding, size);
+            AddGap(Kind::Padding, mSize);
         }
         return std::move(mResult);
     }
@@ -72,7 +81,9 @@ private:
     }
 
     void EndCluster() {
-        const std::uint64_t bits = (mEnd - mClusterStart) * sBitsOfByte;
+        // The storage unit of a bit field may be larger than the structure.
+        const std::uint64_t end = std::clamp(mSize, mClusterStart, mEnd);
+        const std::uint64_t bits = (end - mClusterStart) * sBitsOfByte;
         if (mHasBitFields && mUsedBits < bits) {
             mResult.push_back({Kind::UnusedBits, 0, mClusterStart, bits - mUsedBits});
         }
@@ -88,6 +99,7 @@ private:
     }
 
     const DataModel::DataModel& mModel;
+    std::uint64_t mSize;
     std::vector<LayoutEntry> mResult;
     std::uint64_t mEnd = 0;
     std::uint64_t mClusterStart = 0;
@@ -97,13 +109,18 @@ private:
 
 } // namespace
 
+bool IsMember(ObjectKind kind) {
+    return kind == ObjectKind::Member || kind == ObjectKind::UnionMember ||
+           kind == ObjectKind::BitField;
+}
+
 std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, ObjectId type) {
     std::vector<LayoutEntry> contents = Contents(model, type);
     if (model.Object(type).kind == ObjectKind::Union) {
         return contents;
     }
     std::ranges::stable_sort(contents, {}, &LayoutEntry::offset);
-    return GapFinder(model).Find(contents, model.SizeOf(type));
+    return GapFinder(model, model.SizeOf(type)).Find(contents);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

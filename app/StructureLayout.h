@@ -30,6 +30,9 @@ struct LayoutEntry {
     std::uint64_t size = 0;
 };
 
+/// True for what has a place in a class, structure or union.
+bool IsMember(DataModel::ObjectKind kind);
+
 /// The layout of a class, structure or union; a union has no holes.
 std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, DataModel::ObjectId type);
 

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -28,6 +29,7 @@ constexpr std::size_t sCommentColumn = 44;
 /// Types without a name are written within each other to this depth.
 constexpr std::size_t sDeepestNesting = 32;
 constexpr std::size_t sLongestArrayChain = 1000;
+constexpr std::string_view sCommentEnd = " */";
 
 bool IsClass(ObjectKind kind) {
     return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
@@ -63,25 +65,96 @@ bool IsNameless(const ModelObject& type) {
     return type.kind != ObjectKind::Typedef && (type.anonymous || type.name.empty());
 }
 
+/// One declaration as it reads, without its compile units.
+struct Declaration {
+    std::string text;
+    /// Where in the text the compile units are told.
+    std::size_t unitPosition = std::string::npos;
+    bool isOneLine = false;
+};
+
+/// Keeps declarations until all compile units of each are known.
+class DeclarationList {
+public:
+    explicit DeclarationList(const DataModel::DataModel& model)
+        : mModel(model) {}
+
+    [[nodiscard]] bool IsEmpty() const { return mInOrder.empty(); }
+
+    void Add(Declaration declaration, ObjectId unit) {
+        const auto [known, isNew] = mByText.try_emplace(std::move(declaration.text));
+        if (isNew) {
+            known->second.unitPosition = declaration.unitPosition;
+            known->second.isOneLine = declaration.isOneLine;
+            mInOrder.push_back(&*known);
+        }
+        std::vector<ObjectId>& units = known->second.units;
+        if (unit != 0 && (units.empty() || units.back() != unit)) {
+            units.push_back(unit);
+        }
+    }
+
+    void Write(ResultOutput& output) const {
+        bool wasOneLine = true;
+        for (const auto* declaration : mInOrder) {
+            const auto& [text, details] = *declaration;
+            // Typedefs that follow each other need no line between them.
+            if (declaration != mInOrder.front() && !(details.isOneLine && wasOneLine)) {
+                output.Put('\n');
+            }
+            wasOneLine = details.isOneLine;
+            const std::size_t head = std::min(details.unitPosition, text.size());
+            output.Write(std::string_view(text).substr(0, head));
+            output.Write(head < text.size() ? UnitText(details.units) : std::string());
+            output.Write(std::string_view(text).substr(head));
+        }
+    }
+
+private:
+    struct Details {
+        std::size_t unitPosition = std::string::npos;
+        bool isOneLine = false;
+        std::vector<ObjectId> units;
+    };
+
+    [[nodiscard]] std::string UnitText(std::vector<ObjectId> units) const {
+        if (units.empty()) {
+            return {};
+        }
+        std::string text(", in ");
+        text.append(mModel.Object(units.front()).name);
+        ReplaceControlCharacters(text);
+        std::ranges::sort(units);
+        const auto repeated = std::ranges::unique(units);
+        const auto more = units.size() - repeated.size() - 1;
+        return more == 0 ? text : text + " and " + std::to_string(more) + " more";
+    }
+
+    const DataModel::DataModel& mModel;
+    std::unordered_map<std::string, Details> mByText;
+    std::vector<const std::pair<const std::string, Details>*> mInOrder;
+};
+
 class LayoutWriter {
 public:
-    LayoutWriter(const DataModel::DataModel& model, std::string_view pattern, ResultOutput& output)
+    LayoutWriter(const DataModel::DataModel& model, std::string_view pattern)
         : mModel(model)
         , mFilter(pattern)
-        , mOutput(output)
+        , mList(model)
         , mIsWritten(model.ObjectCount() + 1) {}
 
-    bool Write() {
+    bool Write(ResultOutput& output) {
         FindHolders();
         for (const bool areHeldWanted : {false, true}) {
             // What is held by nothing that was written comes last, by itself.
             for (ObjectId id = 1; id <= mModel.ObjectCount(); ++id) {
                 if (!mIsWritten[id] && (areHeldWanted || !mHolders.contains(id)) && IsWanted(id)) {
-                    WriteDeclaration(mModel.Object(id));
+                    AddDeclaration(mModel.Object(id));
                 }
             }
         }
-        return mFilter.TakesAll() || mHasMatch;
+        mList.Write(output);
+        return mFilter.TakesAll() || !mList.IsEmpty();
     }
 
 private:
@@ -112,7 +185,8 @@ private:
 
     [[nodiscard]] bool IsWanted(ObjectId id) const {
         const ModelObject type = mModel.Object(id);
-        if (!IsListed(type.kind) || (type.kind == ObjectKind::Typedef && type.name.empty())) {
+        if (!IsListed(type.kind) || (type.kind == ObjectKind::Typedef && type.name.empty()) ||
+            (IsNameless(type) && !HasContents(id))) {
             return false;
         }
         if (mFilter.TakesAll()) {
@@ -122,21 +196,27 @@ private:
         return mFilter.Takes(name, OwnNameStart(name, type.name));
     }
 
-    void WriteDeclaration(const ModelObject& type) {
-        const bool isOneLine = type.kind == ObjectKind::Typedef && !IsBodyDue(type, 0);
-        if (mHasMatch && !(isOneLine && mWasOneLine)) {
-            mOutput.Put('\n');
-        }
-        mHasMatch = true;
-        mWasOneLine = isOneLine;
+    /// What is left of a nameless structure whose members went to the one around it has none.
+    [[nodiscard]] bool HasContents(ObjectId type) const {
+        bool hasContents = !mModel.BaseClasses(type).empty() || !mModel.Enumerators(type).empty();
+        mModel.ForEachIn(type, [&hasContents](const ModelObject& content) {
+            hasContents = hasContents || IsMember(content.kind);
+        });
+        return hasContents;
+    }
+
+    void AddDeclaration(const ModelObject& type) {
+        mDeclaration = {};
+        mDeclaration.isOneLine = type.kind == ObjectKind::Typedef && !IsBodyDue(type, 0);
         const std::string name = mModel.QualifiedName(type.id);
         if (type.kind == ObjectKind::Typedef) {
             mIsWritten[type.id] = true;
             WriteHeld("typedef ", type, name, "size " + std::to_string(mModel.SizeOf(type.id)), 0);
-            return;
+        } else {
+            WriteBody(type, IsNameless(type) ? std::string() : name, 0);
+            WriteLine(0, "};", {});
         }
-        WriteBody(type, IsNameless(type) ? std::string() : name, 0);
-        WriteLine(0, "};", {});
+        mList.Add(std::move(mDeclaration), mModel.CompileUnitOf(type.id));
     }
 
     /// True for the holder of a type that is not written yet.
@@ -182,12 +262,10 @@ private:
         mIsWritten[type.id] = true;
         std::string head = std::string(lead).append(Keyword(type.kind));
         head.append(name.empty() ? "" : " ").append(name).append(Heritage(type)).append(" {");
-        std::string comment = "size " + std::to_string(mModel.SizeOf(type.id));
-        const ModelObject unit = mModel.Object(mModel.CompileUnitOf(type.id));
-        if (depth == 0 && !unit.name.empty()) {
-            comment.append(", in ").append(unit.name);
+        WriteLine(depth, head, "size " + std::to_string(mModel.SizeOf(type.id)));
+        if (depth == 0) {
+            mDeclaration.unitPosition = mDeclaration.text.size() - sCommentEnd.size() - 1;
         }
-        WriteLine(depth, head, comment);
         if (type.kind == ObjectKind::Enum) {
             WriteEnumerators(type, depth + 1);
             return;
@@ -258,29 +336,27 @@ private:
                 const std::size_t length = CharacterCount(line);
                 line.append(std::max(sCommentColumn, length + 1) - length, ' ');
             }
-            line.append("/* ").append(comment).append(" */");
+            line.append("/* ").append(comment).append(sCommentEnd);
         }
         ReplaceControlCharacters(line);
-        mOutput.Write(line);
-        mOutput.Put('\n');
+        mDeclaration.text.append(line).append(1, '\n');
     }
 
     const DataModel::DataModel& mModel;
     NameFilter mFilter;
-    ResultOutput& mOutput;
+    DeclarationList mList;
+    /// The one that is being written.
+    Declaration mDeclaration;
     /// The typedef or member that a nameless type is written with.
     std::unordered_map<ObjectId, ObjectId> mHolders;
     std::vector<bool> mIsWritten;
-    bool mHasMatch = false;
-    /// Typedefs that follow each other need no line between them.
-    bool mWasOneLine = false;
 };
 
 } // namespace
 
 bool WriteTypeLayouts(const DataModel::DataModel& model, std::string_view pattern,
                       ResultOutput& output) {
-    return LayoutWriter(model, pattern, output).Write();
+    return LayoutWriter(model, pattern).Write(output);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -12,9 +12,10 @@ namespace Tessel::Norn::Brindle::Program {
 
 class ResultOutput;
 
-/// Writes classes, structures, unions, enums and typedefs, each once and in the order of delivery.
-/// A type without a name of its own stands within the first typedef or member that holds it.
-/// Offsets within a type count from its start.
+/// Writes classes, structures, unions, enums and typedefs in the order of delivery. Declarations
+/// that read alike are written once, with the first of their compile units and the number of the
+/// others. A type without a name of its own stands within the first typedef or member that holds
+/// it. Offsets within a type count from its start.
 /// @param pattern fits the names of the types that are wanted; empty for all
 /// @return false if there is a pattern that no type matches
 bool WriteTypeLayouts(const DataModel::DataModel& model, std::string_view pattern,

@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Message.h"
+#include "NearObjects.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TypeLayouts.h"
@@ -28,7 +29,8 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
     const ReadResult result = ReadSession(read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
     if (!WriteTypeLayouts(model, arguments.pattern, output)) {
-        Tell(arguments.file, "no type matches '" + arguments.pattern + "'");
+        Tell(arguments.file,
+             "no type matches '" + arguments.pattern + "'" + NearTypes(model, arguments.pattern));
     }
     return status;
 }

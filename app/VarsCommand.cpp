@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "Message.h"
+#include "NearObjects.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TableWriter.h"
@@ -31,7 +32,8 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
     const auto table = MakeTableWriter(TableFormatOf(arguments.format), VariableColumns(), output,
                                        IsStandardOutputColoured());
     if (!WriteVariables(model, arguments.pattern, *table)) {
-        Tell(arguments.file, "no variable matches '" + arguments.pattern + "'");
+        Tell(arguments.file, "no variable matches '" + arguments.pattern + "'" +
+                                 NearVariables(model, arguments.pattern));
     }
     return status;
 }

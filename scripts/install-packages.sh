@@ -7,7 +7,7 @@ set -euo pipefail
 
 packages=(
     cmake g++ ninja-build
-    libboost-dev libcli11-dev libcsv-dev rapidjson-dev
+    libcli11-dev libcsv-dev rapidjson-dev
     libbenchmark-dev libgmock-dev libgtest-dev
     binutils clang-format-14 clang-tidy-14 gdb-multiarch pkgconf python3
     mono-mcs mono-runtime

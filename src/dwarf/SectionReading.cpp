@@ -15,10 +15,17 @@ namespace {
 /// Time of the log's clock when the section was begun.
 double gLogBeginSectionTimer = 0;
 
+void TellPhase(VDWARFReaderWrapper* reader, ReadPhase phase) {
+    if (reader != nullptr) {
+        reader->SetPhase(phase);
+    }
+}
+
 } // namespace
 
 bool VDwarf2Section::ProcessDebugSection() {
     const Elf64_Shdr& debugInfo = mElfFile->mSecDebugInfo;
+    TellPhase(mReader, ReadPhase::Reading);
     if (mReader != nullptr) {
         mReader->SetProgressInterval(0, static_cast<std::int32_t>(debugInfo.sh_size));
     }
@@ -32,7 +39,9 @@ bool VDwarf2Section::ProcessDebugSection() {
     if (!MapCompileUnits() || !ProcessCompileUnits()) {
         return false;
     }
+    TellPhase(mReader, ReadPhase::Resolving);
     ResolveNodes();
+    TellPhase(mReader, ReadPhase::Delivering);
     if (EmitNodes() && VElfOptions::mIsLogFile != 0) {
         elflog("\n%s: End of DWARF2 Debug Section (dt:%.3f ms) ", GetLogTimeStamp(),
                GetLogTimeMs() - gLogBeginSectionTimer);

@@ -17,6 +17,12 @@ bool VDWARFReader::IsReadAllTypes() const {
     return mReadAllTypes;
 }
 
+void VDWARFReader::SetPhase(ReadPhase phase) {
+    if (PhaseCallback) {
+        PhaseCallback(phase);
+    }
+}
+
 void VDWARFReader::SetProgressValue(std::int32_t value) {
     if (SetProgressValueCallback) {
         SetProgressValueCallback(value);

@@ -5,6 +5,7 @@
 #include "../core/Export.h"
 #include "../host/DWARFContainerType.h"
 #include "../host/IProgressNotifier.h"
+#include "../host/ReadPhase.h"
 
 #include <cstdint>
 #include <string>
@@ -51,6 +52,12 @@ public:
     void SignalError(std::int32_t severity, std::uint32_t code, const char* firstText,
                      const char* secondText);
     /// @}
+
+    /// Called on the thread of `Read` when a phase of a read with debug information begins; may be
+    /// empty. Progress and its texts do not depend on it.
+    PhaseDelegate PhaseCallback;
+    /// Calls `PhaseCallback`.
+    void SetPhase(ReadPhase phase);
 
     /// Ends the use of the object. The reader holds nothing beyond a run, so nothing is released.
     void Dispose();

@@ -20,4 +20,8 @@ void VDWARFReaderWrapper::SetProgressText(const char* text) {
     mBridge->GetReader().SetProgressText(text);
 }
 
+void VDWARFReaderWrapper::SetPhase(ReadPhase phase) {
+    mBridge->GetReader().SetPhase(phase);
+}
+
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -2,6 +2,8 @@
 // alone; wrapper and bridge live on the stack of one `VDWARFReader::Read`.
 #pragma once
 
+#include "host/ReadPhase.h"
+
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -31,6 +33,7 @@ public:
     void SetProgressValue(std::int32_t value);
     void SetProgressInterval(std::int32_t start, std::int32_t end);
     void SetProgressText(const char* text);
+    void SetPhase(ReadPhase phase);
 
 private:
     VDWARFReaderWrapperBridge* mBridge;

@@ -109,8 +109,9 @@ public:
     [[nodiscard]] std::string QualifiedName(ObjectId id) const;
 
     /// The type as a C declaration without a name, such as "uint16[4][2]", "Motor*",
-    /// "void (*)(int32)". A type of which only the size is known reads "unknown(4)". Empty for an
-    /// object that is no type; "?" stands for one that a type refers to and that does not exist.
+    /// "void (*)(int32)". A type of which only the size is known reads "unknown(4)"; one of size 0
+    /// behind a pointer or as a result reads "void". Empty for an object that is no type; "?"
+    /// stands for one that a type refers to and that does not exist.
     [[nodiscard]] std::string TypeText(ObjectId type) const;
 
     /// The type as a C declaration of a name, such as "uint16 table[4][2]" or

@@ -124,8 +124,12 @@ public:
     // NOLINTNEXTLINE(misc-no-recursion)
     std::string Text(ObjectId type, std::string_view name, int depth) {
         Declarator declarator;
+        bool isReferredTo = false;
         for (std::size_t length = 0; length < kLongestChain && Take(1); ++length) {
             const ObjectKind kind = mStore.At(type).kind;
+            if (isReferredTo && kind == ObjectKind::Unknown && mModel.SizeOf(type) == 0) {
+                return declarator.Around("void", name);
+            }
             if (!mStore.Has(type) || !IsDerived(type)) {
                 return declarator.Around(Specifier(type), name);
             }
@@ -139,6 +143,7 @@ public:
                     return declarator.Around("void", name);
                 }
             }
+            isReferredTo = kind == ObjectKind::Pointer || kind == ObjectKind::FunctionType;
             type = mStore.At(type).type;
         }
         return declarator.Around(sEllipsis, name);

@@ -10,6 +10,8 @@ import io
 import json
 import os
 import pathlib
+import pty
+import re
 import shutil
 import signal
 import struct
@@ -135,9 +137,26 @@ class FailedReadTest(ProgramTest):
             for command in ["vars", "dump", "trace"]:
                 with self.subTest(command=command, language=language):
                     output, error = self.run_program(command, missing, *language, status=1)
-                    self.assertEqual(error.splitlines(), [
-                        f"Failed to open {missing}: Error Code 2", f"brindle: {missing}: {text}"])
+                    self.assertEqual(
+                        error, f"brindle: {missing}: {text} (No such file or directory)\n")
                     self.assertNotIn("Failed to open", output)
+
+    def test_a_file_that_is_none_of_the_kinds_or_cut_off_is_told(self):
+        elf = elf_image(TWO_SYMBOLS)
+        for content, text in [
+                (b"", "ELF file Seek has failed. (The file is empty)"),
+                (b"a text, not an image\n", "ELF file Read has failed. (Read as COFF, being neither "
+                                           "ELF nor a Windows image)"),
+                (elf[:20], "ELF file Read has failed."),
+                (elf[:-1], "ELF file Read has failed."),
+        ]:
+            with self.subTest(content=content[:20], length=len(content)):
+                file = self.file("input", content)
+                for command in ["vars", "leaves", "types", "dump", "trace"]:
+                    error = self.run_program(command, file, status=1)[1]
+                    self.assertEqual(error.splitlines()[-1], f"brindle: {file}: {text}")
+        error = self.run_program("vars", str(self.folder), status=1)[1]
+        self.assertIn("(Is a directory)", error)
 
     def test_container_follows_from_the_first_bytes_unless_named(self):
         elf = elf_image(TWO_SYMBOLS)
@@ -260,6 +279,158 @@ class VarsTest(ProgramTest):
             with self.subTest(settings=settings):
                 rows = self.run_json("vars", *settings, file, "--format", "json")
                 self.assertEqual([row["name"] for row in rows], [f"{SYMBOL_SCOPE}::{name}"])
+
+
+class SampleNamesTest(ProgramTest):
+    """Names, places and types of a sample image with debug information."""
+
+    IMAGE = str(SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf")
+    OTHER = str(SAMPLE_IMAGES / "arm-c-dwarf4-O2.elf")
+
+    def rows(self, *arguments, status=0):
+        return self.run_json(*arguments, "--format", "json", status=status)
+
+    def test_find_agrees_with_leaves(self):
+        leaves = self.rows("leaves", self.IMAGE, "motors")
+        self.assertGreater(len(leaves), 90)
+        found = self.rows("find", self.IMAGE, *[leaf["name"] for leaf in leaves])
+        self.assertEqual(found, leaves)
+        phase = next(leaf for leaf in leaves if leaf["name"] == "motors[1].status.phase")
+        self.assertEqual((phase["bitOffset"], phase["bitSize"]), (13, 12))
+        gains = self.rows("leaves", self.IMAGE, "motors[?].loops[1].gain")
+        self.assertEqual([leaf["name"] for leaf in gains],
+                         [f"motors[{motor}].loops[1].gain" for motor in range(3)])
+
+    def test_an_expression_that_stops_resolving_is_told_with_the_place(self):
+        good = "main_supply.cells[1].millivolts"
+        for expression, text in [
+                ("motors[1].loops[5].gain",
+                 "resolves up to 'motors[1].loops', then index 5 is beyond the dimension of 2"),
+                ("motors[0].loopz", "resolves up to 'motors[0]', then no member named \"loopz\""),
+                ("motors[0].next.name", "resolves up to 'motors[0].next', then a pointer is not"),
+                ("motor[0].name", "no variable of this name; nearest names: motors"),
+                ("", "no variable of this name\n"),
+        ]:
+            with self.subTest(expression=expression):
+                output, error = self.run_program("find", self.IMAGE, expression, good, status=1)
+                self.assertTrue(
+                    error.startswith(f"brindle: {self.IMAGE}: '{expression}': {text}"), error)
+                self.assertIn(good, output)
+
+    def test_a_pattern_without_a_match_is_told_with_near_names(self):
+        for command, pattern, text in [
+                ("vars", "Motors2", "no variable matches 'Motors2'; nearest names: motors"),
+                ("leaves", "motors[9].name", "no leaf matches 'motors[9].name'"),
+                ("types", "moter", "no type matches 'moter'; nearest names: motor"),
+                ("vars", "nothing*", "no variable matches 'nothing*'\n"),
+        ]:
+            with self.subTest(command=command, pattern=pattern):
+                output, error = self.run_program(command, self.IMAGE, pattern)
+                self.assertEqual(output, "")
+                self.assertIn(text, error)
+
+    def test_types_gives_declarations_once_with_nameless_types_in_place(self):
+        output, error = self.run_program("types", self.IMAGE, "supply")
+        self.assertEqual(error, "")
+        self.assertEqual(output, """\
+struct supply {                             /* size 56, in supply_c */
+    limits voltage;                         /* offset 0, size 8 */
+    word identity;                          /* offset 8, size 4 */
+    enum : uint16 {                         /* size 2 */
+        SUPPLY_BATTERY = 0,
+        SUPPLY_MAINS = 300,
+    } source;                               /* offset 12, size 2 */
+    /* hole of 2 bytes at offset 14 */
+    cell cells[4];                          /* offset 16, size 32 */
+    double energy;                          /* offset 48, size 8 */
+};
+""")
+        whole = self.run_program("types", self.IMAGE)[0]
+        self.assertEqual(whole.count("\nstruct motor {"), 1)
+        self.assertIn("typedef void (*fault_handler_t)(motor*, alarm_t);", whole)
+        self.assertEqual(whole, self.run_program("types", self.IMAGE, "*")[0])
+
+    def test_diff_tells_each_variable_and_leaf_between_real_builds(self):
+        before = {row["name"]: row for row in self.rows("vars", self.IMAGE)}
+        after = {row["name"]: row for row in self.rows("vars", self.OTHER)}
+        rows = [row for row in self.rows("diff", self.IMAGE, self.OTHER)
+                if row["kind"] == "variable"]
+        told = {row["name"]: row for row in rows}
+        unique = {name for name in before if name in after and "::" not in name} - {"counter"}
+        self.assertGreater(len(unique), 20)
+        for name in unique:
+            is_moved = before[name]["address"] != after[name]["address"]
+            self.assertEqual(name in told, is_moved, name)
+            if is_moved:
+                self.assertEqual((told[name]["change"], told[name]["oldAddress"],
+                                  told[name]["newAddress"]),
+                                 ("moved", before[name]["address"], after[name]["address"]))
+        leaves = self.rows("diff", self.IMAGE, self.OTHER, "*.output.low")
+        self.assertEqual([row["name"] for row in leaves],
+                         [f"motors[{motor}].loops[{loop}].output.low"
+                          for motor in range(3) for loop in range(2)])
+        self.assertEqual(self.run_program("diff", self.IMAGE, self.IMAGE), ("", ""))
+        self.assertEqual(self.run_program("diff", self.IMAGE, self.OTHER, "no*thing"),
+                         ("", "brindle: nothing that matches 'no*thing' has changed\n"))
+
+    def test_diff_of_a_build_that_could_not_be_read_to_its_end_claims_nothing_missing(self):
+        cut = str(SAMPLE_IMAGES / "arm-c-dwarf4-O2-nosymtab.elf")
+        rows = self.rows("diff", self.IMAGE, cut, status=1)
+        self.assertIn("moved", {row["change"] for row in rows})
+        self.assertNotIn("vanished", {row["change"] for row in rows if row["kind"] == "variable"})
+        missing = str(self.folder / "missing.elf")
+        for files in [(missing, self.IMAGE), (self.IMAGE, missing)]:
+            output, error = self.run_program("diff", *files, status=1)
+            self.assertEqual(output, "")
+            self.assertIn(f"{missing}: not read to its end", error)
+
+    def test_the_order_is_the_same_in_every_run(self):
+        for command in [["vars"], ["leaves"], ["types"], ["dump"], ["diff", self.OTHER]]:
+            with self.subTest(command=command):
+                self.assertEqual(self.run_program(*command, self.IMAGE),
+                                 self.run_program(*command, self.IMAGE))
+
+
+class TerminalTest(ProgramTest):
+    """The program on a terminal: a pair of pseudo terminals plays the screen."""
+
+    IMAGE = str(SAMPLE_IMAGES / "arm-cpp-dwarf4-O0.elf")
+
+    def screen(self, *arguments, on_screen, environment=None):
+        """What arrives on the screen; the other stream of the two goes nowhere."""
+        ours, theirs = pty.openpty()
+        environment = {**os.environ, "TERM": "xterm", "NO_COLOR": "", **(environment or {})}
+        streams = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL, on_screen: theirs}
+        program = subprocess.Popen([PROGRAM, *arguments], env=environment, **streams)
+        os.close(theirs)
+        text = b""
+        try:
+            while chunk := os.read(ours, 65536):
+                text += chunk
+        except OSError:
+            pass  # the other end is closed
+        os.close(ours)
+        program.wait(timeout=60)
+        return text.decode()
+
+    def test_progress_tells_the_phases_and_leaves_a_clean_line(self):
+        text = self.screen("vars", self.IMAGE, on_screen="stderr")
+        phases = re.findall(r"reading|resolving|delivering", text)
+        self.assertEqual(list(dict.fromkeys(phases)), ["reading", "resolving", "delivering"])
+        self.assertNotIn("\n", text)
+        self.assertRegex(text, r"\r +\r\Z")
+        self.assertEqual(self.screen("vars", self.IMAGE, "--no-progress", on_screen="stderr"), "")
+
+    def test_colours_are_for_a_screen_that_wants_them(self):
+        for arguments, stream in [(["vars", self.IMAGE], "stdout"), (["paint"], "stderr")]:
+            for environment, is_coloured in [({}, True), ({"NO_COLOR": "1"}, False),
+                                             ({"TERM": "dumb"}, False)]:
+                with self.subTest(arguments=arguments, environment=environment):
+                    text = self.screen(*arguments, on_screen=stream, environment=environment)
+                    self.assertNotEqual(text, "")
+                    self.assertEqual("\x1b[" in text, is_coloured)
+        text = self.screen("vars", self.IMAGE, "--format", "csv", on_screen="stdout")
+        self.assertNotIn("\x1b[", text)
 
 
 class DumpTest(ProgramTest):

@@ -1,0 +1,22 @@
+// The names in a model that are near to one that it does not have. The commands that look for names
+// end their messages with them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::DataModel {
+class DataModel;
+}
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// @name Each gives "; nearest names: a, b", empty without any.
+/// @param wanted a name or an expression, of which the head counts; patterns have no near names.
+///     With "::" in it whole qualified names are compared, else own names
+/// @{
+std::string NearVariables(const DataModel::DataModel& model, std::string_view wanted);
+std::string NearTypes(const DataModel::DataModel& model, std::string_view wanted);
+/// @}
+
+} // namespace Tessel::Norn::Brindle::Program

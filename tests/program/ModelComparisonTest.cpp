@@ -1,0 +1,112 @@
+// What `diff` finds between two models filled by hand.
+#include "ModelComparison.h"
+
+#include "support/ModelBuilder.h"
+
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::BasicTypes;
+using DataModel::ObjectId;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A build with a structure `motor` of the members that `fill` gives it.
+class Build : public Tests::ModelBuilder {
+public:
+    Build(std::uint64_t address, const std::function<void(Build&)>& fill) {
+        fill(*this);
+        Global("motor", mMotor, address);
+    }
+
+    ObjectId mInt8 = Base(BasicTypes::Int8, 1);
+    ObjectId mInt16 = Base(BasicTypes::Int16, 2);
+    ObjectId mInt32 = Base(BasicTypes::Int32, 4);
+    ObjectId mMotor = Struct("Motor", 16);
+};
+
+std::string Text(const Difference& difference) {
+    const bool isOld = difference.oldPlace != nullptr;
+    std::string text = difference.isLeaf ? "." : "";
+    text += isOld ? difference.oldPlace->name : difference.newPlace->name;
+    if (!isOld || difference.newPlace == nullptr) {
+        return text + (isOld ? " vanished" : " appeared");
+    }
+    text += difference.IsMoved() ? " moved" : "";
+    text += difference.IsResized() ? " resized" : "";
+    return text + (difference.IsRetyped() ? " retyped" : "");
+}
+
+std::vector<std::string> Compare(const Build& before, const Build& after,
+                                 const ComparisonScope& scope = {}) {
+    std::vector<std::string> texts;
+    ModelComparison(before.mModel, after.mModel, scope).Run([&](const Difference& difference) {
+        texts.push_back(Text(difference));
+    });
+    return texts;
+}
+
+TEST(ModelComparisonTest, EachVariableAndLeafThatIsNotTheSameIsTold) {
+    const Build before(0x1000, [](Build& build) {
+        build.Member("same", build.mInt32, build.mMotor, 0);
+        build.Member("wider", build.mInt16, build.mMotor, 4);
+        build.Member("gone", build.mInt8, build.mMotor, 6);
+        build.BitField("shifted", build.mInt32, build.mMotor, 8, 0, 4);
+        build.BitField("grown", build.mInt32, build.mMotor, 8, 8, 4);
+        build.Global("old", build.mInt32, 0x10);
+        build.Global("sign", build.mInt32, 0x20);
+    });
+    const Build after(0x1000, [](Build& build) {
+        build.Member("same", build.mInt32, build.mMotor, 0);
+        build.Member("wider", build.mInt32, build.mMotor, 4);
+        build.BitField("shifted", build.mInt32, build.mMotor, 8, 4, 4);
+        build.BitField("grown", build.mInt32, build.mMotor, 8, 8, 5);
+        build.Member("come", build.mInt8, build.mMotor, 12);
+        build.Global("sign", build.Base(BasicTypes::UInt32, 4), 0x20);
+        build.Global("new", build.mInt32, 0x30);
+    });
+    EXPECT_THAT(Compare(before, after),
+                ElementsAre("old vanished", "sign retyped", ".motor.wider resized retyped",
+                            ".motor.gone vanished", ".motor.shifted moved", ".motor.grown resized",
+                            ".motor.come appeared", "new appeared"));
+    EXPECT_THAT(Compare(before, before), IsEmpty());
+}
+
+TEST(ModelComparisonTest, APatternAndMissingPartsLimitWhatIsTold) {
+    const auto fill = [](Build& build) {
+        build.Member("speed", build.mInt32, build.mMotor, 0);
+        build.Member("step", build.mInt32, build.mMotor, 4);
+    };
+    const Build before(0x1000, [&fill](Build& build) {
+        fill(build);
+        build.Global("old", build.mInt32, 0x10);
+    });
+    const Build after(0x2000, [&fill](Build& build) {
+        fill(build);
+        build.Global("new", build.mInt32, 0x30);
+    });
+    ComparisonScope scope;
+    scope.filter = NameFilter("motor");
+    EXPECT_THAT(Compare(before, after, scope),
+                ElementsAre("motor moved", ".motor.speed moved", ".motor.step moved"));
+    scope.filter = NameFilter("*speed");
+    EXPECT_THAT(Compare(before, after, scope), ElementsAre(".motor.speed moved"));
+    scope.filter = NameFilter("[no]*");
+    EXPECT_THAT(Compare(before, after, scope), IsEmpty());
+
+    scope.filter = NameFilter("???");
+    EXPECT_THAT(Compare(before, after, scope), ElementsAre("old vanished", "new appeared"));
+    scope.hasAllOfOld = false;
+    EXPECT_THAT(Compare(before, after, scope), ElementsAre("old vanished"));
+    scope.hasAllOfNew = false;
+    EXPECT_THAT(Compare(before, after, scope), IsEmpty());
+}
+
+} // namespace
+
+} // namespace Tessel::Norn::Brindle::Program

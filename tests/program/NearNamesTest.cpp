@@ -1,0 +1,38 @@
+// Which names count as near to a wrong one.
+#include "NearNames.h"
+
+#include <gtest/gtest.h>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+std::string NearTo(std::string_view wanted) {
+    NearNames near(wanted);
+    for (const char* name :
+         {"motor", "motors", "moto", "rotor", "gMotorSpeed", "supply", "motor", "x", ""}) {
+        near.Offer(name);
+    }
+    return near.Text();
+}
+
+TEST(NearNamesTest, TheNearestThreeAreKeptInTheirOrder) {
+    EXPECT_EQ(NearTo("motor"), "; nearest names: motor, motors, gMotorSpeed");
+    EXPECT_EQ(NearTo("SUPLY"), "; nearest names: supply");
+    EXPECT_EQ(NearTo("rotors"), "; nearest names: motors, rotor, motor");
+    EXPECT_EQ(NearTo("temperature"), "");
+    EXPECT_EQ(NearTo(""), "");
+    EXPECT_EQ(NearTo(std::string(1000, 'x')), "");
+}
+
+TEST(NearNamesTest, AllMayCountAsNear) {
+    NearNames near("mode");
+    near.TakeAll();
+    near.Offer("something else");
+    near.Offer("mood");
+    EXPECT_EQ(near.Text(), "; nearest names: mood, something else");
+}
+
+} // namespace
+
+} // namespace Tessel::Norn::Brindle::Program
