@@ -72,9 +72,7 @@ public:
                             Id scope) override {
         return Add({}, scope, size);
     }
-    Id CreatePointerEntryType(Id, std::uint64_t size, Id scope) override {
-        return Add({}, scope, size);
-    }
+    Id CreatePointerEntryType(Id, std::uint64_t size, Id) override { return Add({}, 0, size); }
     Id CreateEnumTable(const Text&, Id type, Id scope, bool) override {
         return Add({}, scope, mObjects[type].size);
     }
