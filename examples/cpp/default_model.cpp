@@ -1,7 +1,8 @@
-// A host on the data model that comes with the library. It prints every variable of an ELF file or,
+// A host on the data model that comes with the library. It prints every variable of a file or,
 // when paths such as 'motor.pid[2].gain' follow, where each of them leads.
 
 #include <brindle/core/VElfOptions.h>
+#include <brindle/host/ContainerDetection.h>
 #include <brindle/host/CurrentDataModel.h>
 #include <brindle/host/VDWARFReader.h>
 #include <brindle/model/DataModel.h>
@@ -53,7 +54,7 @@ int main(int argc, char** argv) {
     reader.SignalErrorCallback = [](auto, auto, const auto&, const std::string& message) {
         std::cerr << message << '\n';
     };
-    bool isComplete = reader.Read(argv[1], Reader::DWARF::DWARFContainerType::Container_ELF);
+    bool isComplete = reader.Read(argv[1], Reader::DWARF::DetectContainer(argv[1]));
 
     if (argc == 2) {
         PrintVariables(model);

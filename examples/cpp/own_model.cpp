@@ -1,6 +1,7 @@
-// A host with a data model of its own. It prints address, size and name of every variable of an ELF
+// A host with a data model of its own. It prints address, size and name of every variable of a
 // file, so it keeps what these three depend on and lets the rest go.
 
+#include <brindle/host/ContainerDetection.h>
 #include <brindle/host/CurrentDataModel.h>
 #include <brindle/host/HostDataModelBase.h>
 #include <brindle/host/VDWARFReader.h>
@@ -71,9 +72,7 @@ public:
                             Id scope) override {
         return Add({}, scope, size);
     }
-    Id CreatePointerEntryType(Id, std::uint64_t size, Id scope) override {
-        return Add({}, scope, size);
-    }
+    Id CreatePointerEntryType(Id, std::uint64_t size, Id) override { return Add({}, 0, size); }
     Id CreateEnumTable(const Text&, Id type, Id scope, bool) override {
         return Add({}, scope, mObjects[type].size);
     }
@@ -144,7 +143,7 @@ int main(int argc, char** argv) {
     reader.SignalErrorCallback = [](auto, auto, const Text&, const Text& message) {
         std::cerr << message << '\n';
     };
-    const bool isComplete = reader.Read(argv[1], Reader::DWARF::DWARFContainerType::Container_ELF);
+    const bool isComplete = reader.Read(argv[1], Reader::DWARF::DetectContainer(argv[1]));
     variables.Print();
     return isComplete ? 0 : 1;
 }

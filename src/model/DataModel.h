@@ -57,9 +57,9 @@ public:
         }
     }
 
-    /// The same by steps: the first object that names `scope` as its scope, and the one behind `id`
-    /// in its scope; 0 if there is none.
+    /// The same by steps: the first object that names `scope` as its scope; 0 if there is none.
     [[nodiscard]] ObjectId FirstIn(ObjectId scope) const;
+    /// The object behind `id` in its scope, in the order of creation; 0 if it is the last.
     [[nodiscard]] ObjectId NextIn(ObjectId id) const;
 
     /// Calls `visit` with each object of a kind, in the order of creation.

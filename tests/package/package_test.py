@@ -26,7 +26,8 @@ WORK = BUILD / "package-test"
 PREFIX = WORK / "prefix"
 EXAMPLES = SOURCE / "examples" / "cpp"
 IMAGES = [SOURCE / "tests" / "samples" / "images" / name
-          for name in ("arm-c-dwarf4-O0.elf", "arm-cpp-dwarf4-O0.elf", "powerpc-c-dwarf2-O0.elf", "x86_64-symbols.elf")]
+          for name in ("arm-c-dwarf4-O0.elf", "arm-cpp-dwarf4-O0.elf", "powerpc-c-dwarf2-O0.elf",
+                       "x86_64-symbols.elf", "i686-cpp-dwarf4-O0.exe")]
 
 
 def run(*command, expect_success=True, **options):
