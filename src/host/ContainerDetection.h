@@ -2,7 +2,8 @@
 // choice to it; whether the file is sound is for the reader to say.
 #pragma once
 
-#include "host/DWARFContainerType.h"
+#include "../core/Export.h"
+#include "../host/DWARFContainerType.h"
 
 #include <string>
 #include <string_view>
@@ -11,9 +12,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// ELF by its magic number and PE by "MZ"; any other content is COFF, which has no magic number of
 /// its own. A file without content, or that can't be read, counts as ELF.
-DWARFContainerType DetectContainer(const std::string& file);
+BRINDLE_EXPORT DWARFContainerType DetectContainer(const std::string& file);
 
 /// The name of a container in short: "elf", "coff" or "pe".
-std::string_view ContainerName(DWARFContainerType container);
+BRINDLE_EXPORT std::string_view ContainerName(DWARFContainerType container);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
