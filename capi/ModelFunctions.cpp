@@ -75,6 +75,14 @@ brindle_status ForModel(brindle_model model, Work&& work) {
     });
 }
 
+/// Refuses a call whose arguments make no sense.
+brindle_status Refused(brindle_id* result) {
+    if (result != nullptr) {
+        *result = 0;
+    }
+    return BRINDLE_INVALID_ARGUMENT;
+}
+
 /// Gives out what `find` finds in the model: a number, or nothing.
 template <typename Value, typename Find>
 brindle_status GiveValue(brindle_model model, Value* value, Find&& find) {
@@ -235,7 +243,7 @@ brindle_status brindle_model_object(brindle_model model, brindle_id id, brindle_
 brindle_status brindle_model_next_of_kind(brindle_model model, brindle_kind kind, brindle_id after,
                                           brindle_id* next) {
     if (!IsKnown(kind)) {
-        return BRINDLE_INVALID_ARGUMENT;
+        return Refused(next);
     }
     return GiveValue(model, next, [&](const Model& data) { return NextOfKind(data, kind, after); });
 }
@@ -322,13 +330,13 @@ brindle_status brindle_model_type_text(brindle_model model, brindle_id type, cha
 
 brindle_status brindle_model_find(brindle_model model, const char* qualified_name,
                                   brindle_kind kind, brindle_id after, brindle_id* found) {
+    if (qualified_name == nullptr || !IsKnown(kind)) {
+        return Refused(found);
+    }
     if (found == nullptr) {
         return BRINDLE_INVALID_ARGUMENT;
     }
     *found = 0;
-    if (qualified_name == nullptr || !IsKnown(kind)) {
-        return BRINDLE_INVALID_ARGUMENT;
-    }
     return ForModel(model, [&](ModelState& state) -> brindle_status {
         for (const brindle_id id : state.Names().Find(qualified_name)) {
             if (id > after && IsWanted(kind, state.Model().Object(id))) {
@@ -342,10 +350,11 @@ brindle_status brindle_model_find(brindle_model model, const char* qualified_nam
 
 brindle_status brindle_model_resolve_path(brindle_model model, const char* path, size_t index,
                                           brindle_place* place) {
+    if (path == nullptr) {
+        CInterface::GiveStructure(brindle_place{}, place);
+        return BRINDLE_INVALID_ARGUMENT;
+    }
     return GiveFound(model, place, [&](const Model& data) -> std::optional<brindle_place> {
-        if (path == nullptr) {
-            return std::nullopt;
-        }
         const std::vector<Model::PathResult> results = data.ResolvePaths(path);
         if (!results.front().found || index >= results.size()) {
             return std::nullopt;

@@ -2,7 +2,8 @@
 // name makes one; for variables and what lies in them there is `DataModel::ResolvePath`.
 #pragma once
 
-#include "model/DataModel.h"
+#include "../core/Export.h"
+#include "../model/DataModel.h"
 
 #include <cstdint>
 #include <string_view>
@@ -11,7 +12,7 @@
 namespace Tessel::Norn::Brindle::DataModel {
 
 /// Takes 8 bytes for each named object of the model.
-class QualifiedNameIndex {
+class BRINDLE_EXPORT QualifiedNameIndex {
 public:
     /// @param model borrowed; must not change during the life of the index
     explicit QualifiedNameIndex(const DataModel& model);
