@@ -6,11 +6,9 @@
 #include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
-using testing::ElementsAre;
 
 namespace Tessel::Norn::Brindle::Tests {
 namespace {

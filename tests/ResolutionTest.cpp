@@ -150,6 +150,7 @@ TEST_F(ResolutionTest, NamesAreDemangledInTheStyleOfTheirUnit) {
                       .Unit({UnitDie(variables(4), {Name("c.c"), Producer("another")})}));
     tree.Resolve();
     std::vector<std::string> names;
+    names.reserve(labels.size());
     for (const DieLabel label : labels) {
         names.emplace_back(tree[label].GetName());
     }
