@@ -77,7 +77,7 @@ Value Distinct(int& last) {
 
 /// A function of the table that writes down its arguments and answers 1.
 template <typename Result, typename... Parameters>
-Result WriteDown(void* user, Parameters... parameters) {
+Result WriteDown([[maybe_unused]] void* user, Parameters... parameters) {
     (static_cast<ArgumentTexts*>(user)->Add(parameters), ...);
     return static_cast<Result>(1);
 }
@@ -91,7 +91,7 @@ void ExpectPassedOn(const char* name, Result (HostDataModel::*operation)(Paramet
     table.*field = WriteDown<FieldResult, Fields...>;
     const std::atomic<bool> isCancelled = false;
     TableDataModel model(table, isCancelled);
-    int last = 0;
+    [[maybe_unused]] int last = 0;
     // Braces keep the order of the arguments.
     const std::tuple<std::remove_cvref_t<Parameters>...> arguments{
         Distinct<std::remove_cvref_t<Parameters>>(last)...};

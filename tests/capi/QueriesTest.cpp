@@ -213,7 +213,7 @@ TEST_F(QueriesTest, LeavesAreVisitedUntilTheHostHasEnough) {
     EXPECT_EQ(all.paths.size(), 2U * 9 + 2);
     EXPECT_EQ(all.paths.front(), "motors[0].id");
 
-    Visits few{.most = 3};
+    Visits few{.paths = {}, .most = 3};
     auto limits = Sized<brindle_leaf_limits>();
     limits.array_elements = 1;
     auto cuts = Sized<brindle_leaf_cuts>();
