@@ -19,8 +19,14 @@ static class TypeText
         string before = "";
         string behind = "";
         FirmwareObject current = model.Find(type);
+        bool isReferredTo = false;
         for (int length = 0; length < LongestChain; ++length)
         {
+            if (isReferredTo && current != null && current.Kind == Kind.Unknown &&
+                current.Size == 0)
+            {
+                return Declaration("void", before, behind);
+            }
             if (current == null || !IsDerived(current))
             {
                 return Declaration(Specifier(model, current), before, behind);
@@ -43,6 +49,7 @@ static class TypeText
                     return Declaration("void", before, behind);
                 }
             }
+            isReferredTo = current.Kind == Kind.Pointer || current.Kind == Kind.FunctionType;
             current = model.Find(current.Type);
         }
         return Declaration("...", before, behind);
