@@ -125,8 +125,8 @@ private:
         text.append(mModel.Object(units.front()).name);
         ReplaceControlCharacters(text);
         std::ranges::sort(units);
-        const auto repeated = std::ranges::unique(units);
-        const auto more = units.size() - repeated.size() - 1;
+        units.erase(std::unique(units.begin(), units.end()), units.end());
+        const auto more = units.size() - 1;
         return more == 0 ? text : text + " and " + std::to_string(more) + " more";
     }
 

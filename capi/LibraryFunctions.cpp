@@ -124,7 +124,7 @@ brindle_status brindle_option_get(const char* name, char* buffer, size_t capacit
             return BRINDLE_NOT_FOUND;
         }
         std::string text;
-        const brindle_status status = ReadGate::BetweenReads<brindle_status>(BRINDLE_BUSY, [&] {
+        const auto status = ReadGate::BetweenReads<brindle_status>(BRINDLE_BUSY, [&] {
             text = ValueText(*option);
             return BRINDLE_OK;
         });

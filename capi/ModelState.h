@@ -17,7 +17,7 @@ namespace Tessel::Norn::Brindle::CInterface {
 class ModelState {
 public:
     DataModel::DataModel& Model() { return mModel; }
-    const DataModel::DataModel& Model() const { return mModel; }
+    [[nodiscard]] const DataModel::DataModel& Model() const { return mModel; }
 
     /// The index of the finished model, made with the first call.
     const DataModel::QualifiedNameIndex& Names() {

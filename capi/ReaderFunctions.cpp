@@ -158,7 +158,7 @@ brindle_status brindle_reader_read(brindle_reader reader, const char* path,
         }
         const auto modelState = std::make_shared<ModelState>();
         // Before the read, so that nothing can fail once it has run.
-        const brindle_model handle = ModelTable::Instance().Add(modelState);
+        brindle_model handle = ModelTable::Instance().Add(modelState);
         Outcome outcome = ReadInto(state, path, container, modelState->Model());
         if (HasRead(outcome.status)) {
             *model = handle;

@@ -40,6 +40,8 @@
 #ifndef BRINDLE_H
 #define BRINDLE_H
 
+/* The ways of C++ to say this are none of C. */
+/* NOLINTBEGIN(modernize-deprecated-headers, modernize-use-using) */
 #include <stddef.h>
 #include <stdint.h>
 
@@ -750,5 +752,7 @@ BRINDLE_C_API brindle_status brindle_model_visit_leaves(brindle_model model, bri
 #ifdef __cplusplus
 }
 #endif
+
+/* NOLINTEND(modernize-deprecated-headers, modernize-use-using) */
 
 #endif

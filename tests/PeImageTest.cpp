@@ -120,7 +120,7 @@ TEST_F(PeImageTest, NamesByOffsetAreDecimalAndLieInTheFile) {
 }
 
 TEST_F(PeImageTest, OnlyALibraryHasAnImageBase) {
-    const auto imageBase = [](PeImage image) { return OpenedImage(image)->mImageBase; };
+    const auto imageBase = [](const PeImage& image) { return OpenedImage(image)->mImageBase; };
     EXPECT_EQ(imageBase(PeImage(PeMachine::I386).ImageBase(0x10000000)), 0U);
     EXPECT_EQ(imageBase(PeImage(PeMachine::X86_64).ImageBase(0x140000000)), 0U);
     EXPECT_EQ(imageBase(PeImage(PeMachine::I386).ImageBase(0x10000000).Dll()), 0x10000000U);

@@ -17,7 +17,7 @@ bool VDWARFReader::IsReadAllTypes() const {
     return mReadAllTypes;
 }
 
-void VDWARFReader::SetPhase(ReadPhase phase) {
+void VDWARFReader::SetPhase(ReadPhase phase) const {
     if (PhaseCallback) {
         PhaseCallback(phase);
     }

@@ -57,7 +57,7 @@ public:
     /// empty. Progress and its texts do not depend on it.
     PhaseDelegate PhaseCallback;
     /// Calls `PhaseCallback`.
-    void SetPhase(ReadPhase phase);
+    void SetPhase(ReadPhase phase) const;
 
     /// Ends the use of the object. The reader holds nothing beyond a run, so nothing is released.
     void Dispose();

@@ -25,7 +25,7 @@ QualifiedNameIndex::QualifiedNameIndex(const DataModel& model)
             mEntries.push_back({HashOf(name), static_cast<std::uint32_t>(id)});
         }
     }
-    std::ranges::sort(mEntries);
+    std::sort(mEntries.begin(), mEntries.end());
 }
 
 std::uint32_t QualifiedNameIndex::HashOf(std::string_view name) const {
@@ -53,11 +53,12 @@ std::vector<ObjectId> QualifiedNameIndex::Find(std::string_view qualifiedName) c
 
 void QualifiedNameIndex::AppendNamed(std::string_view ownName, std::string_view qualifiedName,
                                      std::vector<ObjectId>& found) const {
-    const auto candidates = std::ranges::equal_range(mEntries, HashOf(ownName), {}, &Entry::hash);
-    for (const Entry& candidate : candidates) {
-        if (mModel.Object(candidate.id).name == ownName &&
-            mModel.QualifiedName(candidate.id) == qualifiedName) {
-            found.push_back(candidate.id);
+    const std::uint32_t hash = HashOf(ownName);
+    auto candidate = std::ranges::lower_bound(mEntries, hash, {}, &Entry::hash);
+    for (; candidate != mEntries.end() && candidate->hash == hash; ++candidate) {
+        if (mModel.Object(candidate->id).name == ownName &&
+            mModel.QualifiedName(candidate->id) == qualifiedName) {
+            found.push_back(candidate->id);
         }
     }
 }

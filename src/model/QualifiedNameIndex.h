@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::DataModel {
@@ -27,7 +28,9 @@ private:
         std::uint32_t hash;
         std::uint32_t id;
 
-        auto operator<=>(const Entry&) const = default;
+        bool operator<(const Entry& other) const {
+            return std::tie(hash, id) < std::tie(other.hash, other.id);
+        }
     };
 
     [[nodiscard]] std::uint32_t HashOf(std::string_view name) const;

@@ -26,7 +26,8 @@ void* CountAndAllocate(std::size_t size, std::size_t alignment) {
     throw std::bad_alloc();
 }
 
-void Release(void* memory) {
+// Not inlined: g++ would take std::free for a mismatch of the operator new that it has inlined.
+[[gnu::noinline]] void Release(void* memory) {
     std::free(memory);
 }
 

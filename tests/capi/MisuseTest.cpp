@@ -17,7 +17,6 @@ namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
 using namespace Reader::DWARF;
-using testing::Contains;
 using testing::ElementsAre;
 
 brindle_bool IgnoreLeaf(void* /*user*/, const brindle_text* /*path*/,
@@ -46,7 +45,7 @@ std::vector<ReaderCall> ReaderCalls() {
          [](brindle_reader reader) { return brindle_reader_set_callbacks(reader, nullptr); }},
         {"read",
          [](brindle_reader reader) {
-             brindle_model model = std::bit_cast<brindle_model>(std::uintptr_t{1});
+             auto model = std::bit_cast<brindle_model>(std::uintptr_t{1});
              const brindle_status status =
                  brindle_reader_read(reader, "none", BRINDLE_CONTAINER_ELF, &model);
              EXPECT_EQ(model, nullptr);

@@ -70,13 +70,13 @@ protected:
         return (ElfImage().Symbol({"motors", 0x1000, 80}) + sections).Build();
     }
 
-    brindle_object Object(brindle_id id) const {
+    [[nodiscard]] brindle_object Object(brindle_id id) const {
         auto object = Sized<brindle_object>();
         EXPECT_EQ(brindle_model_object(mModel, id, &object), BRINDLE_OK);
         return object;
     }
 
-    std::string TypeText(brindle_id type) const {
+    [[nodiscard]] std::string TypeText(brindle_id type) const {
         std::array<char, 64> text = {};
         EXPECT_EQ(brindle_model_type_text(mModel, type, text.data(), text.size(), nullptr),
                   BRINDLE_OK);

@@ -13,7 +13,7 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-using DataModel::BasicTypes;
+using BasicTypes = DataModel::BasicTypes;
 using DataModel::ObjectId;
 using testing::HasSubstr;
 using testing::Not;
