@@ -1,6 +1,5 @@
 #include "container/VElfBuffer.h"
 
-#include "container/ByteOrder.h"
 #include "core/ErrorState.h"
 
 #include <cerrno>
@@ -123,47 +122,6 @@ bool VElfBuffer::ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destinat
            Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
 }
 
-std::int32_t VElfBuffer::MoveOffset(std::int32_t distance) {
-    mOffset = static_cast<std::int32_t>(static_cast<std::uint32_t>(mOffset) +
-                                        static_cast<std::uint32_t>(distance));
-    return mOffset;
-}
-
-const std::uint8_t* VElfBuffer::Take(std::int32_t size) {
-    const bool isInside = mOffset >= 0 && mOffset <= mLength - size;
-    const std::uint8_t* bytes = isInside ? mBuffer.get() + mOffset : nullptr;
-    mIsOverrun = mIsOverrun || !isInside;
-    MoveOffset(size);
-    return bytes;
-}
-
-template <typename Integer>
-Integer VElfBuffer::Decode(const std::uint8_t* bytes) const {
-    return mSwapBytes ? DecodeBigEndian<Integer>(bytes) : DecodeLittleEndian<Integer>(bytes);
-}
-
-template <typename Integer>
-Integer VElfBuffer::Get() {
-    const std::uint8_t* bytes = Take(sizeof(Integer));
-    return bytes != nullptr ? Decode<Integer>(bytes) : Integer{0};
-}
-
-std::uint8_t VElfBuffer::GetUByte() {
-    return Get<std::uint8_t>();
-}
-
-std::uint16_t VElfBuffer::GetUShort() {
-    return Get<std::uint16_t>();
-}
-
-std::uint32_t VElfBuffer::GetULong() {
-    return Get<std::uint32_t>();
-}
-
-std::uint64_t VElfBuffer::GetUInt64() {
-    return Get<std::uint64_t>();
-}
-
 std::uint64_t VElfBuffer::GetADDRESS() {
     switch (mAddressSize) {
     case 0:
@@ -180,7 +138,7 @@ std::uint64_t VElfBuffer::GetADDRESS() {
     }
 }
 
-std::uint32_t VElfBuffer::GetULEB128() {
+std::uint32_t VElfBuffer::GetLongULEB128() {
     std::uint32_t value = 0;
     std::uint32_t shift = 0;
     std::uint8_t byte = 0;

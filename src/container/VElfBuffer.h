@@ -3,9 +3,11 @@
 // decoding code needs no test of its own.
 #pragma once
 
+#include "container/ByteOrder.h"
 #include "container/VElfFileCache.h"
 #include "container/VElfInput.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -59,7 +61,11 @@ public:
     [[nodiscard]] std::int32_t GetBufferLength() const { return mLength; }
     /// Both give the new cursor and check nothing: a cursor outside is met by the next read.
     std::int32_t SetOffset(std::int32_t offset) { return mOffset = offset; }
-    std::int32_t MoveOffset(std::int32_t distance);
+    std::int32_t MoveOffset(std::int32_t distance) {
+        mOffset = static_cast<std::int32_t>(static_cast<std::uint32_t>(mOffset) +
+                                            static_cast<std::uint32_t>(distance));
+        return mOffset;
+    }
     /// True if no byte lies at the cursor.
     [[nodiscard]] bool IsEOF() const { return mOffset >= mLength || mOffset < 0; }
     /// True if the cursor stands outside of the loaded bytes and not right at their end.
@@ -73,19 +79,25 @@ public:
     /// @name Decoding at the cursor
     /// @{
 
-    std::uint8_t GetUByte();
-    std::uint16_t GetUShort();
-    std::uint32_t GetULong();
+    std::uint8_t GetUByte() { return Get<std::uint8_t>(); }
+    std::uint16_t GetUShort() { return Get<std::uint16_t>(); }
+    std::uint32_t GetULong() { return Get<std::uint32_t>(); }
     /// Four bytes, not sign-extended.
     std::uint32_t GetLong() { return GetULong(); }
     [[nodiscard]] static std::uint16_t GetLongSize() { return 4; }
-    std::uint64_t GetUInt64();
+    std::uint64_t GetUInt64() { return Get<std::uint64_t>(); }
     /// A target address by the address size. A size other than 0, 1, 2, 4 and 8 gives 0 and leaves
     /// the cursor.
     std::uint64_t GetADDRESS();
     /// LEB128 in 32 bits, of any length: groups past the fifth fold into the low bits (DWARF
     /// 4, 7.6).
-    std::uint32_t GetULEB128();
+    std::uint32_t GetULEB128() {
+        const bool isInside = mOffset >= 0 && mOffset < mLength;
+        if (isInside && mBuffer[static_cast<std::size_t>(mOffset)] < 0x80) {
+            return mBuffer[static_cast<std::size_t>(mOffset++)];
+        }
+        return GetLongULEB128();
+    }
     std::int32_t GetSLEB128();
     /// The text at the cursor, terminated and not copied; the cursor moves past its terminator.
     /// Null if no byte lies at the cursor. Valid until the next load.
@@ -107,14 +119,27 @@ protected:
     std::uint8_t* GetLoadedBytes() { return mBuffer.get(); }
 
 private:
-    const std::uint8_t* Take(std::int32_t size);
+    /// The next bytes, null if they pass the end. Moves the cursor behind them.
+    const std::uint8_t* Take(std::int32_t size) {
+        const bool isInside = mOffset >= 0 && mOffset <= mLength - size;
+        const std::uint8_t* bytes = isInside ? mBuffer.get() + mOffset : nullptr;
+        mIsOverrun = mIsOverrun || !isInside;
+        MoveOffset(size);
+        return bytes;
+    }
+    std::uint32_t GetLongULEB128();
     bool EnsureCapacity(std::int32_t size);
     bool LoadFromStream(std::uint64_t filePosition, std::int32_t size);
     bool ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destination, std::int32_t size);
     template <typename Integer>
-    Integer Decode(const std::uint8_t* bytes) const;
+    Integer Decode(const std::uint8_t* bytes) const {
+        return mSwapBytes ? DecodeBigEndian<Integer>(bytes) : DecodeLittleEndian<Integer>(bytes);
+    }
     template <typename Integer>
-    Integer Get();
+    Integer Get() {
+        const std::uint8_t* bytes = Take(sizeof(Integer));
+        return bytes != nullptr ? Decode<Integer>(bytes) : Integer{0};
+    }
 
     VElfInput& mInput;
     std::unique_ptr<std::uint8_t[]> mBuffer;
