@@ -228,6 +228,32 @@ TEST_F(DataModelTest, FunctionTypesOfOneResultAndLongerListsStayApart) {
     EXPECT_EQ(mModel.GetFunctionType(1, {}, 3), 0U);
 }
 
+TEST_F(DataModelTest, QuestionsBetweenCreationsFindTheFirstOfAKeyAndTheNew) {
+    const ObjectId first = mModel.CreateTypedefEntryType("a", 0, sGlobalNamespace);
+    EXPECT_EQ(mModel.GetTypedefEntryType("a", sGlobalNamespace), first);
+    mModel.CreateTypedefEntryType("a", 0, sGlobalNamespace);
+    const ObjectId other = mModel.CreateTypedefEntryType("b", 0, sGlobalNamespace);
+    EXPECT_EQ(mModel.GetTypedefEntryType("b", sGlobalNamespace), other);
+    EXPECT_EQ(mModel.GetTypedefEntryType("a", sGlobalNamespace), first);
+}
+
+TEST_F(DataModelTest, NumbersKeepTheirUpperHalves) {
+    constexpr std::uint64_t sWide = 0x1'0000'0002U;
+    const ObjectId pointer = mModel.CreatePointerEntryType(sWide, sWide, sGlobalNamespace);
+    EXPECT_EQ(mModel.Object(pointer).type, sWide);
+    EXPECT_EQ(mModel.Object(pointer).size, sWide);
+    const ObjectId narrow = mModel.CreatePointerEntryType(pointer, 4, sWide);
+    EXPECT_EQ(mModel.Object(narrow).scope, sWide);
+    EXPECT_EQ(mModel.Object(narrow).size, 4U);
+    const ObjectId array = mModel.CreateArrayEntryType({3}, narrow, sWide, sGlobalNamespace);
+    EXPECT_EQ(mModel.Object(array).size, sWide);
+    EXPECT_THAT(mModel.Dimensions(array), ElementsAre(3));
+    const ObjectId variable = Global("v", pointer, sWide);
+    const ObjectId second = Global("v", pointer, sWide + 1);
+    EXPECT_EQ(mModel.Object(variable).address, sWide);
+    EXPECT_EQ(mModel.Object(second).address, sWide + 1);
+}
+
 TEST_F(DataModelTest, GlobalsAreFoundByScopeNameAndAddressEach) {
     const ObjectId scope = mModel.CreateNamespace("n", sGlobalNamespace);
     const ObjectId inScope = Global("v", 0, 0x10, scope);

@@ -46,6 +46,41 @@ LookupKey OldBitFieldKey(Index& index, ObjectId baseType, std::int32_t bitOffset
             Combined(index, {LookupKind::Pair, position, bitSize})};
 }
 
+/// The key that an object is found under only when a host asks; kind `Pair` if it has none.
+LookupKey LateKeyOf(ModelStore& store, ObjectId id) {
+    const Record& record = store.At(id);
+    LookupIndex& index = store.Index();
+    switch (record.kind) {
+    case ObjectKind::Block:
+        return {LookupKind::Block, record.name, record.scope};
+    case ObjectKind::CompileUnit:
+        return {LookupKind::CompileUnit, record.name, record.scope};
+    case ObjectKind::Class:
+    case ObjectKind::Struct:
+        return {LookupKind::Class, record.name, record.scope};
+    case ObjectKind::Union:
+        return {LookupKind::Union, record.name, record.scope};
+    case ObjectKind::Enum:
+        return {LookupKind::Enum, record.name, record.scope};
+    case ObjectKind::Typedef:
+        return {LookupKind::Typedef, record.name, record.scope};
+    case ObjectKind::Function:
+        return {LookupKind::Function, record.name,
+                Combined(index, {LookupKind::Pair, record.type, record.scope})};
+    case ObjectKind::FunctionType:
+        return FunctionTypeKey(index, record.type, store.Parameters(id), record.scope);
+    case ObjectKind::OldBitField:
+        return OldBitFieldKey(index, record.type, static_cast<std::int32_t>(record.detail),
+                              record.value, record.scope);
+    case ObjectKind::Section:
+        return {LookupKind::Section, record.value, record.scope};
+    case ObjectKind::Segment:
+        return {LookupKind::Segment, record.name, record.scope};
+    default:
+        return {LookupKind::Pair};
+    }
+}
+
 } // namespace
 
 DataModel::DataModel()
@@ -67,22 +102,23 @@ ObjectId DataModel::CreateNamespace(const std::string& namespaceName, ObjectId o
 }
 
 ObjectId DataModel::GetBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::Block, blockIdentifier, objIdParentScope);
 }
 
 ObjectId DataModel::CreateBlockScope(const std::string& blockIdentifier,
                                      ObjectId objIdParentScope) {
-    return mStore->AddNamed(LookupKind::Block, blockIdentifier,
-                            {.scope = objIdParentScope, .kind = ObjectKind::Block});
+    return mStore->AddUnfiled(blockIdentifier,
+                              {.scope = objIdParentScope, .kind = ObjectKind::Block});
 }
 
 ObjectId DataModel::GetCompileUnit(const std::string& compileUnitName) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::CompileUnit, compileUnitName, 0);
 }
 
 ObjectId DataModel::CreateCompileUnit(const std::string& compileUnitName) {
-    return mStore->AddNamed(LookupKind::CompileUnit, compileUnitName,
-                            {.kind = ObjectKind::CompileUnit});
+    return mStore->AddUnfiled(compileUnitName, {.kind = ObjectKind::CompileUnit});
 }
 
 ObjectId DataModel::GetOrCreateCompileUnit(const std::string& compileUnitName) {
@@ -117,6 +153,7 @@ ObjectId DataModel::CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
 }
 
 ObjectId DataModel::GetClassEntryType(const std::string& className, ObjectId objIdOfParentClass) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::Class, className, objIdOfParentClass);
 }
 
@@ -124,11 +161,11 @@ ObjectId DataModel::CreateClassEntryType(const std::string& className, std::uint
                                          ObjectId objIdOfScopeParent,
                                          const std::vector<ObjectId>& vecObjIdsOfInheritances,
                                          bool anonymous, bool isStruct) {
-    const ObjectId id = mStore->AddNamed(LookupKind::Class, className,
-                                         {.scope = objIdOfScopeParent,
-                                          .value = classSize,
-                                          .kind = isStruct ? ObjectKind::Struct : ObjectKind::Class,
-                                          .anonymous = anonymous});
+    const ObjectId id =
+        mStore->AddUnfiled(className, {.scope = objIdOfScopeParent,
+                                       .value = classSize,
+                                       .kind = isStruct ? ObjectKind::Struct : ObjectKind::Class,
+                                       .anonymous = anonymous});
     for (const ObjectId base : vecObjIdsOfInheritances) {
         mStore->AddBaseClass(id, {.type = base, .offset = 0});
     }
@@ -136,16 +173,16 @@ ObjectId DataModel::CreateClassEntryType(const std::string& className, std::uint
 }
 
 ObjectId DataModel::GetUnionEntryType(const std::string& unionName, ObjectId objIdOfParentClass) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::Union, unionName, objIdOfParentClass);
 }
 
 ObjectId DataModel::CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
                                          ObjectId objIdOfParentClass, bool anonymous) {
-    return mStore->AddNamed(LookupKind::Union, unionName,
-                            {.scope = objIdOfParentClass,
-                             .value = unionSize,
-                             .kind = ObjectKind::Union,
-                             .anonymous = anonymous});
+    return mStore->AddUnfiled(unionName, {.scope = objIdOfParentClass,
+                                          .value = unionSize,
+                                          .kind = ObjectKind::Union,
+                                          .anonymous = anonymous});
 }
 
 bool DataModel::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
@@ -219,16 +256,16 @@ ObjectId DataModel::CreatePointerEntryType(ObjectId objIdOfReferencedType, std::
 }
 
 ObjectId DataModel::GetEnumTable(const std::string& tableName, ObjectId objIdOfScopeParent) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::Enum, tableName, objIdOfScopeParent);
 }
 
 ObjectId DataModel::CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
                                     ObjectId objIdOfScopeParent, bool anonymous) {
-    return mStore->AddNamed(LookupKind::Enum, tableName,
-                            {.scope = objIdOfScopeParent,
-                             .type = objIdOfUnderlyingType,
-                             .kind = ObjectKind::Enum,
-                             .anonymous = anonymous});
+    return mStore->AddUnfiled(tableName, {.scope = objIdOfScopeParent,
+                                          .type = objIdOfUnderlyingType,
+                                          .kind = ObjectKind::Enum,
+                                          .anonymous = anonymous});
 }
 
 bool DataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
@@ -241,14 +278,15 @@ bool DataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::in
 }
 
 ObjectId DataModel::GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::Typedef, aliasName, objIdParentScope);
 }
 
 ObjectId DataModel::CreateTypedefEntryType(const std::string& aliasName,
                                            ObjectId objIdReferencedType,
                                            ObjectId objIdParentScope) {
-    return mStore->AddNamed(
-        LookupKind::Typedef, aliasName,
+    return mStore->AddUnfiled(
+        aliasName,
         {.scope = objIdParentScope, .type = objIdReferencedType, .kind = ObjectKind::Typedef});
 }
 
@@ -277,6 +315,7 @@ ObjectId DataModel::CreateGlobalData(const std::string& symName, ObjectId objIdO
 
 ObjectId DataModel::GetFunction(const std::string& name, ObjectId functionType,
                                 ObjectId objIdParentScope) {
+    FileNewObjects();
     const LookupIndex& index = mStore->Index();
     return mStore->FindNamed(LookupKind::Function, name,
                              Combined(index, {LookupKind::Pair, functionType, objIdParentScope}));
@@ -285,13 +324,10 @@ ObjectId DataModel::GetFunction(const std::string& name, ObjectId functionType,
 ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
                                    ObjectId objIdParentScope, ObjectId objIdCompileUnit,
                                    bool /*flag*/) {
-    const ObjectId id = mStore->AddUnfiled(name, {.scope = objIdParentScope,
-                                                  .type = objIdFunctionType,
-                                                  .value = objIdCompileUnit,
-                                                  .kind = ObjectKind::Function});
-    const std::uint32_t typeInScope =
-        Combined(mStore->Index(), {LookupKind::Pair, objIdFunctionType, objIdParentScope});
-    return Filed(*mStore, {LookupKind::Function, mStore->At(id).name, typeInScope}, id);
+    return mStore->AddUnfiled(name, {.scope = objIdParentScope,
+                                     .type = objIdFunctionType,
+                                     .value = objIdCompileUnit,
+                                     .kind = ObjectKind::Function});
 }
 
 ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
@@ -302,6 +338,7 @@ ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFuncti
 ObjectId DataModel::GetFunctionType(ObjectId objIdOfReturnType,
                                     const std::vector<ObjectId>& vecParameterTypes,
                                     ObjectId objIdParentScope) {
+    FileNewObjects();
     const LookupIndex& index = mStore->Index();
     return index.Find(
         FunctionTypeKey(index, objIdOfReturnType, vecParameterTypes, objIdParentScope));
@@ -310,54 +347,57 @@ ObjectId DataModel::GetFunctionType(ObjectId objIdOfReturnType,
 ObjectId DataModel::CreateFunctionType(ObjectId objIdOfReturnType,
                                        const std::vector<ObjectId>& vecParameterTypes,
                                        ObjectId objIdParentScope) {
-    const ObjectId id = mStore->Add({.scope = objIdParentScope,
-                                     .type = objIdOfReturnType,
-                                     .detail = mStore->KeepParameters(vecParameterTypes),
-                                     .kind = ObjectKind::FunctionType});
-    return Filed(
-        *mStore,
-        FunctionTypeKey(mStore->Index(), objIdOfReturnType, vecParameterTypes, objIdParentScope),
-        id);
+    return mStore->Add({.scope = objIdParentScope,
+                        .type = objIdOfReturnType,
+                        .detail = mStore->KeepParameters(vecParameterTypes),
+                        .kind = ObjectKind::FunctionType});
 }
 
 ObjectId DataModel::GetOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
                                             std::uint64_t bitSize, ObjectId objIdParentScope) {
+    FileNewObjects();
     const LookupIndex& index = mStore->Index();
     return index.Find(OldBitFieldKey(index, objIdOfBaseType, bitOffset, bitSize, objIdParentScope));
 }
 
 ObjectId DataModel::CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
                                                std::uint64_t bitSize, ObjectId objIdParentScope) {
-    const ObjectId id = mStore->Add({.scope = objIdParentScope,
-                                     .type = objIdOfBaseType,
-                                     .value = bitSize,
-                                     .detail = static_cast<std::uint32_t>(bitOffset),
-                                     .kind = ObjectKind::OldBitField});
-    return Filed(
-        *mStore,
-        OldBitFieldKey(mStore->Index(), objIdOfBaseType, bitOffset, bitSize, objIdParentScope), id);
+    return mStore->Add({.scope = objIdParentScope,
+                        .type = objIdOfBaseType,
+                        .value = bitSize,
+                        .detail = static_cast<std::uint32_t>(bitOffset),
+                        .kind = ObjectKind::OldBitField});
 }
 
 ObjectId DataModel::GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
+    FileNewObjects();
     return mStore->Index().Find({LookupKind::Section, size, objIdParentScope});
 }
 
 ObjectId DataModel::CreateSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
-    return Filed(
-        *mStore, {LookupKind::Section, size, objIdParentScope},
-        mStore->Add({.scope = objIdParentScope, .value = size, .kind = ObjectKind::Section}));
+    return mStore->Add({.scope = objIdParentScope, .value = size, .kind = ObjectKind::Section});
 }
 
 ObjectId DataModel::GetSegment(const std::string& segmentName) {
+    FileNewObjects();
     return mStore->FindNamed(LookupKind::Segment, segmentName, 0);
 }
 
 ObjectId DataModel::CreateSegment(const std::string& segmentName, std::uint64_t address,
                                   std::uint64_t size) {
-    return mStore->AddNamed(LookupKind::Segment, segmentName,
-                            {.type = size, .value = address, .kind = ObjectKind::Segment});
+    return mStore->AddUnfiled(segmentName,
+                              {.type = size, .value = address, .kind = ObjectKind::Segment});
 }
 
 void DataModel::SetTransformed(bool /*transformedDataModel*/) {}
+
+void DataModel::FileNewObjects() {
+    while (mFiledCount < ObjectCount()) {
+        const ObjectId id = ++mFiledCount;
+        if (const LookupKey key = LateKeyOf(*mStore, id); key.kind != LookupKind::Pair) {
+            Filed(*mStore, key, id);
+        }
+    }
+}
 
 } // namespace Tessel::Norn::Brindle::DataModel

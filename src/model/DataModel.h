@@ -266,8 +266,13 @@ public:
 
 private:
     [[nodiscard]] ObjectKind KindOf(ObjectId id) const;
+    /// Files what the reader creates and never asks for again, as late as a host asks: most
+    /// deliveries need no entry for it.
+    void FileNewObjects();
 
     std::unique_ptr<ModelStore> mStore;
+    /// Objects that `FileNewObjects` has seen.
+    std::size_t mFiledCount = 0;
 };
 
 } // namespace Tessel::Norn::Brindle::DataModel

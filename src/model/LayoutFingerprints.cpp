@@ -1,6 +1,6 @@
 #include "model/LayoutFingerprints.h"
 
-#include "model/KeyMixing.h"
+#include "core/KeyMixing.h"
 
 #include <initializer_list>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "model/LookupIndex.h"
 
-#include "model/KeyMixing.h"
+#include "core/KeyMixing.h"
 
 #include <limits>
 #include <stdexcept>

@@ -2,7 +2,7 @@
 // object that was filed under it first. It never forgets an entry.
 #pragma once
 
-#include "model/HashSlots.h"
+#include "core/HashSlots.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -23,7 +23,7 @@ inline constexpr std::size_t kLongestChain = 1000;
 /// Texts made of names end about here, in bytes, with an ellipsis.
 inline constexpr std::size_t kLongestText = 64 * 1024;
 
-/// One object as it is stored. There may be millions, so that fields share places by kind.
+/// One object. Fields share places by kind.
 struct Record {
     /// As passed, also if it names no object.
     ObjectId scope = 0;
@@ -43,7 +43,60 @@ struct Record {
     ObjectKind kind = ObjectKind::Namespace;
     bool anonymous = false;
 };
-static_assert(sizeof(Record) == 48);
+
+/// Records in small: there may be millions, and most are functions and their types, of which each
+/// fills a few fields. What doesn't fit lies aside.
+class RecordList {
+public:
+    [[nodiscard]] std::size_t Size() const { return mSize; }
+    [[nodiscard]] Record At(std::size_t position) const;
+    void Append(const Record& record);
+
+    /// Appends an object to those that lie in a scope.
+    void AddChild(std::size_t scope, std::uint32_t child);
+    /// `Record::detail` of a kind that has one.
+    std::uint32_t& Detail(std::size_t position) { return Narrow(position).detail; }
+
+private:
+    struct NarrowRecord {
+        std::uint32_t scope = 0;
+        std::uint32_t type = 0;
+        NameId name = 0;
+        std::uint32_t nextSibling = 0;
+        /// The detail; of kinds without one the value.
+        std::uint32_t detail = 0;
+        /// Place of the rest, 0 if there is none.
+        std::uint32_t rest = 0;
+        ObjectKind kind = ObjectKind::Namespace;
+        bool anonymous = false;
+    };
+    /// Upper halves, and what only some objects have.
+    struct Rest {
+        std::uint64_t value = 0;
+        std::uint32_t scopeAbove = 0;
+        std::uint32_t typeAbove = 0;
+        std::uint32_t firstChild = 0;
+        std::uint32_t lastChild = 0;
+    };
+
+    /// Of pieces of a fixed size, so that adding a record moves none and wastes little.
+    static constexpr unsigned kPieceBits = 12;
+    static constexpr std::size_t kPieceMask = (std::size_t{1} << kPieceBits) - 1;
+
+    [[nodiscard]] const NarrowRecord& Narrow(std::size_t position) const {
+        return mPieces[position >> kPieceBits][position & kPieceMask];
+    }
+    [[nodiscard]] NarrowRecord& Narrow(std::size_t position) {
+        return mPieces[position >> kPieceBits][position & kPieceMask];
+    }
+    void AddPiece();
+    Rest& RestOf(NarrowRecord& record);
+
+    std::vector<std::vector<NarrowRecord>> mPieces;
+    /// The first is none.
+    std::vector<Rest> mRests{1};
+    std::size_t mSize = 0;
+};
 
 /// Records by identifier, which counts from 1, and all that belongs to them. Views into lists end
 /// with the next addition to a list of that sort.
@@ -55,7 +108,7 @@ public:
     /// @throws std::length_error beyond 2^32 - 1 objects
     ObjectId Add(const Record& record);
 
-    /// Stores an object with a name that no lookup asks for.
+    /// Stores an object with a name, under no key.
     ObjectId AddUnfiled(std::string_view name, Record record);
 
     /// Stores an object under its name, to be found by `FindNamed`.
@@ -66,11 +119,11 @@ public:
     /// Stores a global, which `FindNamed` finds by name and scope, and by name alone.
     ObjectId AddGlobal(std::string_view name, Record record);
 
-    [[nodiscard]] std::size_t Count() const { return mRecords.size() - 1; }
-    [[nodiscard]] bool Has(ObjectId id) const { return id != 0 && id < mRecords.size(); }
+    [[nodiscard]] std::size_t Count() const { return mRecords.Size() - 1; }
+    [[nodiscard]] bool Has(ObjectId id) const { return id != 0 && id < mRecords.Size(); }
     /// The record of an identifier. One that was never given out has a record of zeros.
-    [[nodiscard]] const Record& At(ObjectId id) const {
-        return mRecords[id < mRecords.size() ? id : 0];
+    [[nodiscard]] Record At(ObjectId id) const {
+        return mRecords.At(id < mRecords.Size() ? id : 0);
     }
     [[nodiscard]] std::string_view NameOf(ObjectId id) const { return mNames.Text(At(id).name); }
     [[nodiscard]] bool IsOfKind(ObjectId id, ObjectKind kind) const {
@@ -94,7 +147,7 @@ public:
     [[nodiscard]] const LookupIndex& Index() const { return mIndex; }
 
 private:
-    std::vector<Record> mRecords;
+    RecordList mRecords;
     NamePool mNames;
     LookupIndex mIndex;
     /// Lists of fixed length one behind the other, each after its length. The first is empty.

@@ -1,6 +1,6 @@
 #include "model/NamePool.h"
 
-#include "model/KeyMixing.h"
+#include "core/KeyMixing.h"
 
 #include <algorithm>
 #include <cstring>

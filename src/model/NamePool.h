@@ -2,7 +2,7 @@
 // its records; the bytes never move while the pool lives.
 #pragma once
 
-#include "model/HashSlots.h"
+#include "core/HashSlots.h"
 
 #include <cstddef>
 #include <cstdint>

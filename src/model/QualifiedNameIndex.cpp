@@ -1,6 +1,6 @@
 #include "model/QualifiedNameIndex.h"
 
-#include "model/KeyMixing.h"
+#include "core/KeyMixing.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Hash functions of the data model's tables. Keys come from the file that is read, so that every
+// Hash functions for tables of the library. Keys come from the file that is read, so that every
 // hash depends on a number drawn once per process: no file can be made whose keys collide. Nothing
 // that a host sees depends on a hash.
 #pragma once
@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace Tessel::Norn::Brindle::DataModel {
+namespace Tessel::Norn::Brindle {
 
 /// Spreads each bit over all 64: the finishing step of the splitmix64 generator.
 constexpr std::uint64_t Mix(std::uint64_t value) {
@@ -23,4 +23,4 @@ std::uint64_t ProcessSeed();
 /// Hash of a text, any bytes.
 std::uint64_t HashOfText(std::string_view text, std::uint64_t seed);
 
-} // namespace Tessel::Norn::Brindle::DataModel
+} // namespace Tessel::Norn::Brindle

@@ -1,12 +1,12 @@
-// The open-addressing table under the name pool and the lookup index: it finds positions in a list
-// that its owner keeps. It never sees a key, so the owner compares.
+// An open-addressing table that finds positions in a list that its owner keeps: of names, of keys,
+// of groups of types. It never sees a key, so the owner compares.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-namespace Tessel::Norn::Brindle::DataModel {
+namespace Tessel::Norn::Brindle {
 
 /// Positions by hash. A position counts from 1; 0 is none.
 class HashSlots {
@@ -45,4 +45,4 @@ private:
     std::size_t mCount = 0;
 };
 
-} // namespace Tessel::Norn::Brindle::DataModel
+} // namespace Tessel::Norn::Brindle

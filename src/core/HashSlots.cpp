@@ -1,8 +1,8 @@
-#include "model/HashSlots.h"
+#include "core/HashSlots.h"
 
 #include <utility>
 
-namespace Tessel::Norn::Brindle::DataModel {
+namespace Tessel::Norn::Brindle {
 
 namespace {
 
@@ -41,4 +41,4 @@ void HashSlots::Grow() {
     }
 }
 
-} // namespace Tessel::Norn::Brindle::DataModel
+} // namespace Tessel::Norn::Brindle

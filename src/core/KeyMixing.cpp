@@ -1,9 +1,9 @@
-#include "model/KeyMixing.h"
+#include "core/KeyMixing.h"
 
 #include <cstring>
 #include <random>
 
-namespace Tessel::Norn::Brindle::DataModel {
+namespace Tessel::Norn::Brindle {
 
 std::uint64_t ProcessSeed() {
     static const std::uint64_t sSeed = [] {
@@ -25,4 +25,4 @@ std::uint64_t HashOfText(std::string_view text, std::uint64_t seed) {
     return hash;
 }
 
-} // namespace Tessel::Norn::Brindle::DataModel
+} // namespace Tessel::Norn::Brindle
