@@ -1,6 +1,5 @@
 #include "core/HostText.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -33,8 +32,13 @@ constexpr Utf8Sequence sUtf8Sequences[] = {
     {0xF1, 0xF3, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x80, 0x8F, 4},
 };
 
-bool IsAscii(char character) {
-    return static_cast<std::uint8_t>(character) < 0x80;
+/// Looks at all characters at once, which is faster than to stop at the first that is none.
+bool IsAscii(std::string_view text) {
+    std::uint8_t bits = 0;
+    for (const char character : text) {
+        bits |= static_cast<std::uint8_t>(character);
+    }
+    return bits < 0x80;
 }
 
 /// Length of the well-formed sequence at the start of the text, 0 if there is none.
@@ -101,10 +105,17 @@ std::string FromWindows1252(std::string_view text) {
 } // namespace
 
 std::string ToHostText(std::string_view narrowText) {
-    if (std::ranges::all_of(narrowText, IsAscii) || IsUtf8(narrowText)) {
-        return std::string(narrowText);
+    std::string text;
+    AssignHostText(text, narrowText);
+    return text;
+}
+
+void AssignHostText(std::string& text, std::string_view narrowText) {
+    if (IsAscii(narrowText) || IsUtf8(narrowText)) {
+        text.assign(narrowText);
+    } else {
+        text = FromWindows1252(narrowText);
     }
-    return FromWindows1252(narrowText);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

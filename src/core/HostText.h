@@ -14,4 +14,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// leaves undefined become the control characters of the same number.
 BRINDLE_EXPORT std::string ToHostText(std::string_view narrowText);
 
+/// The same into a text that is at hand already.
+BRINDLE_EXPORT void AssignHostText(std::string& text, std::string_view narrowText);
+
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -26,44 +26,48 @@ FactoryForCliClient& VCLIFactoryWrapper::Factory() {
     return *mPrivate->mFactory;
 }
 
+const std::string& VCLIFactoryWrapper::HostText(std::string_view narrowText) {
+    AssignHostText(mHostText, narrowText);
+    return mHostText;
+}
+
 ObjectId VCLIFactoryWrapper::GetGlobalNamespace() {
     return PreCondition() ? Factory().GetGlobalNamespace() : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetNamespace(std::string_view namespaceName,
                                           ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().GetNamespace(DNetString(namespaceName), objIdParentScope) : 0;
+    return PreCondition() ? Factory().GetNamespace(HostText(namespaceName), objIdParentScope) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateNamespace(std::string_view namespaceName,
                                              ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().CreateNamespace(DNetString(namespaceName), objIdParentScope)
+    return PreCondition() ? Factory().CreateNamespace(HostText(namespaceName), objIdParentScope)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetBlockScope(std::string_view blockIdentifier,
                                            ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().GetBlockScope(DNetString(blockIdentifier), objIdParentScope)
+    return PreCondition() ? Factory().GetBlockScope(HostText(blockIdentifier), objIdParentScope)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateBlockScope(std::string_view blockIdentifier,
                                               ObjectId objIdParentScope) {
-    return PreCondition()
-               ? Factory().CreateBlockScope(DNetString(blockIdentifier), objIdParentScope)
-               : 0;
+    return PreCondition() ? Factory().CreateBlockScope(HostText(blockIdentifier), objIdParentScope)
+                          : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetCompileUnit(std::string_view compileUnitName) {
-    return PreCondition() ? Factory().GetCompileUnit(DNetString(compileUnitName)) : 0;
+    return PreCondition() ? Factory().GetCompileUnit(HostText(compileUnitName)) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateCompileUnit(std::string_view compileUnitName) {
-    return PreCondition() ? Factory().CreateCompileUnit(DNetString(compileUnitName)) : 0;
+    return PreCondition() ? Factory().CreateCompileUnit(HostText(compileUnitName)) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetOrCreateCompileUnit(std::string_view compileUnitName) {
-    return PreCondition() ? Factory().GetOrCreateCompileUnit(DNetString(compileUnitName)) : 0;
+    return PreCondition() ? Factory().GetOrCreateCompileUnit(HostText(compileUnitName)) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetBaseEntryType(BasicType basicType, std::uint64_t length,
@@ -102,13 +106,13 @@ ObjectId VCLIFactoryWrapper::CreateUnknownEntryType(std::uint32_t sizeOfUnknownT
 
 ObjectId VCLIFactoryWrapper::GetClassEntryType(std::string_view className,
                                                ObjectId objIdOfParentClass) {
-    return PreCondition() ? Factory().GetClassEntryType(DNetString(className), objIdOfParentClass)
+    return PreCondition() ? Factory().GetClassEntryType(HostText(className), objIdOfParentClass)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetStructEntryType(std::string_view structName,
                                                 ObjectId objIdOfParentStruct) {
-    return PreCondition() ? Factory().GetClassEntryType(DNetString(structName), objIdOfParentStruct)
+    return PreCondition() ? Factory().GetClassEntryType(HostText(structName), objIdOfParentStruct)
                           : 0;
 }
 
@@ -118,9 +122,8 @@ ObjectId VCLIFactoryWrapper::CreateClassEntryType(std::string_view className,
                                                   std::vector<ObjectId> vecObjIdsOfInheritances,
                                                   bool anonymous, bool isStruct) {
     return PreCondition()
-               ? Factory().CreateClassEntryType(DNetString(className), classSize,
-                                                objIdOfScopeParent, vecObjIdsOfInheritances,
-                                                anonymous, isStruct)
+               ? Factory().CreateClassEntryType(HostText(className), classSize, objIdOfScopeParent,
+                                                vecObjIdsOfInheritances, anonymous, isStruct)
                : 0;
 }
 
@@ -129,7 +132,7 @@ ObjectId VCLIFactoryWrapper::CreateStructEntryType(std::string_view structName,
                                                    ObjectId objIdOfScopeParent,
                                                    std::vector<ObjectId> vecObjIdsOfInheritances,
                                                    bool anonymous) {
-    return PreCondition() ? Factory().CreateClassEntryType(DNetString(structName), structSize,
+    return PreCondition() ? Factory().CreateClassEntryType(HostText(structName), structSize,
                                                            objIdOfScopeParent,
                                                            vecObjIdsOfInheritances, anonymous, true)
                           : 0;
@@ -137,14 +140,14 @@ ObjectId VCLIFactoryWrapper::CreateStructEntryType(std::string_view structName,
 
 ObjectId VCLIFactoryWrapper::GetUnionEntryType(std::string_view unionName,
                                                ObjectId objIdOfParentClass) {
-    return PreCondition() ? Factory().GetUnionEntryType(DNetString(unionName), objIdOfParentClass)
+    return PreCondition() ? Factory().GetUnionEntryType(HostText(unionName), objIdOfParentClass)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateUnionEntryType(std::string_view unionName,
                                                   std::uint32_t unionSize,
                                                   ObjectId objIdOfParentClass, bool anonymous) {
-    return PreCondition() ? Factory().CreateUnionEntryType(DNetString(unionName), unionSize,
+    return PreCondition() ? Factory().CreateUnionEntryType(HostText(unionName), unionSize,
                                                            objIdOfParentClass, anonymous)
                           : 0;
 }
@@ -160,7 +163,7 @@ ObjectId VCLIFactoryWrapper::CreateMemberData(std::string_view memberName,
                                               ObjectId objIdOfParentClass, std::uint32_t byteOffset,
                                               std::int16_t addressExtension,
                                               bool addressExtensionIsValid) {
-    return PreCondition() ? Factory().CreateMemberData(DNetString(memberName), objIdOfMemberType,
+    return PreCondition() ? Factory().CreateMemberData(HostText(memberName), objIdOfMemberType,
                                                        objIdOfParentClass, byteOffset,
                                                        addressExtension, addressExtensionIsValid)
                           : 0;
@@ -170,7 +173,7 @@ ObjectId VCLIFactoryWrapper::CreateUnionMemberData(
     std::string_view memberName, ObjectId objIdOfMemberType, ObjectId objIdOfParentUnion,
     std::uint32_t byteOffset, std::int16_t addressExtension, bool addressExtensionIsValid) {
     return PreCondition()
-               ? Factory().CreateUnionMemberData(DNetString(memberName), objIdOfMemberType,
+               ? Factory().CreateUnionMemberData(HostText(memberName), objIdOfMemberType,
                                                  objIdOfParentUnion, byteOffset, addressExtension,
                                                  addressExtensionIsValid)
                : 0;
@@ -183,7 +186,7 @@ ObjectId VCLIFactoryWrapper::CreateMemberStaticData(std::string_view memberName,
                                                     std::int16_t addressExtension,
                                                     bool addressExtensionIsValid) {
     return PreCondition()
-               ? Factory().CreateMemberStaticData(DNetString(memberName), objIdOfMemberType,
+               ? Factory().CreateMemberStaticData(HostText(memberName), objIdOfMemberType,
                                                   objIdOfParentClass, address, addressIsValid,
                                                   addressExtension, addressExtensionIsValid)
                : 0;
@@ -194,7 +197,7 @@ ObjectId VCLIFactoryWrapper::CreateBitfieldInUdt(
     std::uint32_t byteOffset, std::uint32_t bitOffset, std::uint32_t bitSize,
     std::int16_t addressExtension, bool addressExtensionIsValid) {
     return PreCondition()
-               ? Factory().CreateBitfieldInUdt(DNetString(memberName), objIdOfBitfieldType,
+               ? Factory().CreateBitfieldInUdt(HostText(memberName), objIdOfBitfieldType,
                                                ObjectIdOfParentUdt, byteOffset, bitOffset, bitSize,
                                                addressExtension, addressExtensionIsValid)
                : 0;
@@ -219,13 +222,13 @@ ObjectId VCLIFactoryWrapper::CreatePointerEntryType(ObjectId objIdOfReferencedTy
 }
 
 ObjectId VCLIFactoryWrapper::GetEnumTable(std::string_view tableName, ObjectId objIdOfScopeParent) {
-    return PreCondition() ? Factory().GetEnumTable(DNetString(tableName), objIdOfScopeParent) : 0;
+    return PreCondition() ? Factory().GetEnumTable(HostText(tableName), objIdOfScopeParent) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateEnumTable(std::string_view tableName,
                                              ObjectId objIdOfUnderlyingType,
                                              ObjectId objIdOfScopeParent, bool anonymous) {
-    return PreCondition() ? Factory().CreateEnumTable(DNetString(tableName), objIdOfUnderlyingType,
+    return PreCondition() ? Factory().CreateEnumTable(HostText(tableName), objIdOfUnderlyingType,
                                                       objIdOfScopeParent, anonymous)
                           : 0;
 }
@@ -234,30 +237,30 @@ bool VCLIFactoryWrapper::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable
                                                        std::int32_t enumValue,
                                                        std::string_view enumText) {
     return PreCondition() ? Factory().AddEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue,
-                                                                    DNetString(enumText))
+                                                                    HostText(enumText))
                           : false;
 }
 
 ObjectId VCLIFactoryWrapper::GetTypedefEntryType(std::string_view aliasName,
                                                  ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().GetTypedefEntryType(DNetString(aliasName), objIdParentScope)
+    return PreCondition() ? Factory().GetTypedefEntryType(HostText(aliasName), objIdParentScope)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateTypedefEntryType(std::string_view aliasName,
                                                     ObjectId objIdReferencedType,
                                                     ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().CreateTypedefEntryType(DNetString(aliasName),
+    return PreCondition() ? Factory().CreateTypedefEntryType(HostText(aliasName),
                                                              objIdReferencedType, objIdParentScope)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetGlobalData(std::string_view symName, ObjectId objIdOfScopeParent) {
-    return PreCondition() ? Factory().GetGlobalData(DNetString(symName), objIdOfScopeParent) : 0;
+    return PreCondition() ? Factory().GetGlobalData(HostText(symName), objIdOfScopeParent) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetGlobalData(std::string_view symName) {
-    return PreCondition() ? Factory().GetGlobalData(DNetString(symName)) : 0;
+    return PreCondition() ? Factory().GetGlobalData(HostText(symName)) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetGlobalDataByAddress(std::uint64_t address) {
@@ -268,7 +271,7 @@ ObjectId VCLIFactoryWrapper::CreateGlobalData(std::string_view symName, ObjectId
                                               ObjectId objIdOfScopeParent, std::uint64_t address,
                                               bool addressIsValid, std::int16_t addressExtension,
                                               bool addressExtensionIsValid) {
-    return PreCondition() ? Factory().CreateGlobalData(DNetString(symName), objIdOfSymType, address,
+    return PreCondition() ? Factory().CreateGlobalData(HostText(symName), objIdOfSymType, address,
                                                        objIdOfScopeParent, addressIsValid,
                                                        addressExtension, addressExtensionIsValid)
                           : 0;
@@ -276,22 +279,22 @@ ObjectId VCLIFactoryWrapper::CreateGlobalData(std::string_view symName, ObjectId
 
 ObjectId VCLIFactoryWrapper::GetFunction(std::string_view name, ObjectId functionType,
                                          ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().GetFunction(DNetString(name), functionType, objIdParentScope)
+    return PreCondition() ? Factory().GetFunction(HostText(name), functionType, objIdParentScope)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateFunction(std::string_view name, ObjectId objIdFunctionType,
                                             ObjectId objIdParentScope, ObjectId objIdCompileUnit) {
-    return PreCondition() ? Factory().CreateFunction(DNetString(name), objIdFunctionType,
+    return PreCondition() ? Factory().CreateFunction(HostText(name), objIdFunctionType,
                                                      objIdParentScope, objIdCompileUnit, false)
                           : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateFunction(std::string_view name, ObjectId objIdFunctionType,
                                             ObjectId objIdParentScope) {
-    return PreCondition() ? Factory().CreateFunction(DNetString(name), objIdFunctionType,
-                                                     objIdParentScope != 0)
-                          : 0;
+    return PreCondition()
+               ? Factory().CreateFunction(HostText(name), objIdFunctionType, objIdParentScope != 0)
+               : 0;
 }
 
 ObjectId VCLIFactoryWrapper::GetFunctionType(ObjectId objIdOfReturnType,
@@ -334,12 +337,12 @@ ObjectId VCLIFactoryWrapper::CreateSectionEntryType(std::uint32_t size, ObjectId
 }
 
 ObjectId VCLIFactoryWrapper::GetSegment(std::string_view segmentName) {
-    return PreCondition() ? Factory().GetSegment(DNetString(segmentName)) : 0;
+    return PreCondition() ? Factory().GetSegment(HostText(segmentName)) : 0;
 }
 
 ObjectId VCLIFactoryWrapper::CreateSegment(std::string_view segmentName, std::uint64_t address,
                                            std::uint64_t size) {
-    return PreCondition() ? Factory().CreateSegment(DNetString(segmentName), address, size) : 0;
+    return PreCondition() ? Factory().CreateSegment(HostText(segmentName), address, size) : 0;
 }
 
 void VCLIFactoryWrapper::SetTransformed(bool transformedDataModel) {

@@ -182,8 +182,12 @@ public:
 
 private:
     DataModel::Factory::FactoryForCliClient& Factory();
+    /// Host text of a narrow text, in the one place for it: calls come one after the other, and
+    /// making a new string for each name takes longer than many a call.
+    const std::string& HostText(std::string_view narrowText);
 
     std::unique_ptr<VCLIFactoryWrapperPrivate> mPrivate;
+    std::string mHostText;
 };
 
 /// The unknown entry type of a size in bytes in a scope, made if there is none yet.
