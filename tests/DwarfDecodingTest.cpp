@@ -306,6 +306,13 @@ TEST_F(DwarfDecodingTest, UnwantedAttributesArePassed) {
     }
 }
 
+TEST_F(DwarfDecodingTest, TagsKeepAllTheirBits) {
+    for (const dwarf_tag tag : {0xFFFEU, 0xFFFFU, 0x10034U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(DecodedEntry(tag, {Name("n")})->GetTag(), tag);
+        EXPECT_EQ(DecodedEntry(tag, {Name("n")})->GetName(), "n");
+    }
+}
+
 TEST_F(DwarfDecodingTest, TextsMayBeAbsent) {
     const auto numbered = [](std::uint32_t attribute) {
         return Number(attribute, DW_FORM_data1, 5);

@@ -5,8 +5,10 @@
 
 #include "container/VElfInput.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -30,6 +32,11 @@ public:
     /// The window's bytes from an offset of the window on, null outside of what it holds. A zero
     /// byte follows the last one.
     [[nodiscard]] const char* GetPointer(std::int32_t windowOffset) const;
+    /// All bytes that the window holds.
+    [[nodiscard]] std::string_view GetBytes() const {
+        return {reinterpret_cast<const char*>(mWindow.get()),
+                static_cast<std::size_t>(mValidLength)};
+    }
 
     void AddRef();
     /// Destroys the cache with the last reference.

@@ -8,6 +8,8 @@
 #include "emit/VCLIFactoryWrapper.h"
 #include "host/VDWARFReaderWrapper.h"
 
+#include <utility>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
@@ -69,11 +71,13 @@ bool VDwarf2Section::ProcessCompileUnits() {
             return false;
         }
     }
+    mUnitBuffer.reset();
     return true;
 }
 
 bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
     VCompileUnitReader reader(*this, header);
+    reader.mBuffer = std::move(mUnitBuffer);
     header.mUnitReader = &reader;
     bool result = LoadCompileUnit(reader);
     if (result) {
@@ -83,6 +87,7 @@ bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
         }
     }
     header.mUnitReader = nullptr;
+    mUnitBuffer = std::move(reader.mBuffer);
     return result;
 }
 

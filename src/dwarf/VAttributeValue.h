@@ -1,6 +1,9 @@
 // Attribute values of a debug entry that may be absent: a number or reference, and a text.
 #pragma once
 
+#include "core/CutText.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -52,6 +55,26 @@ private:
 /// section or the node tree.
 struct VAttributeString {
     std::string_view mValue;
+    bool mDefined = false;
+};
+
+/// Texts up to this length are measured whatever they cost.
+constexpr std::size_t kOrdinaryTextLength = 2047;
+
+/// A text that may be absent, as it is kept in the node tree: terminated, and measured beforehand
+/// or when it is asked for. Most are never asked for.
+struct VKeptText {
+    static constexpr std::uint32_t kUnmeasured = UINT32_MAX;
+
+    [[nodiscard]] VAttributeString Get() const {
+        return {mLength == kUnmeasured ? CutText(mStart, kOrdinaryTextLength)
+                                       : std::string_view(mStart, mLength),
+                mDefined};
+    }
+
+    const char* mStart = "";
+    /// `kUnmeasured` for a text of at most `kOrdinaryTextLength` characters.
+    std::uint32_t mLength = 0;
     bool mDefined = false;
 };
 

@@ -275,7 +275,7 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         mTypeRefIsSectionOffset = attribute.mForm == DW_FORM_ref_addr;
         break;
     case AttributeTarget::LinkageName:
-        mLinkageName = MakeAttributeString(value.mString);
+        mLinkageName = mSection->MeasureLater(value.mString);
         break;
     default:
         break;

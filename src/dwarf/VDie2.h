@@ -51,7 +51,7 @@ struct VDieAttributes {
     /// Terminated; of it the first `sMaximumNameLength` characters count. Lives in the unit's
     /// bytes, in `.debug_str`, in the arena of the tree or for ever. Never null.
     const char* mName = "";
-    VAttributeString mLinkageName;
+    VKeptText mLinkageName;
     VAttributeString mCompDir;
     /// At most 1024 characters.
     VAttributeString mProducer;

@@ -9,6 +9,7 @@
 #include "dwarf/VLocTabBuffer.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <limits>
 #include <new>
@@ -29,11 +30,25 @@ constexpr std::uint64_t sSectionBytesPerBucket = 75;
 /// Value of an option that is to be decided by the first producer text.
 constexpr std::int32_t sAutodetect = 2;
 
-/// Texts up to this length are measured whatever they cost.
-constexpr std::size_t sOrdinaryTextLength = 2047;
-
 /// Longer texts may have this many characters for each byte of the file.
 constexpr std::uint64_t sLongTextPerByte = 16;
+
+/// True if one of the terminated texts is longer than `kOrdinaryTextLength`. Looks at a few bytes
+/// of each block, since a text of that length fills one.
+bool HasLongText(std::string_view texts) {
+    constexpr std::size_t block = (kOrdinaryTextLength + 1) / 2;
+    for (std::size_t start = 0; start + block <= texts.size(); start += block) {
+        if (std::memchr(texts.data() + start, 0, block) != nullptr) {
+            continue;
+        }
+        const std::size_t before = texts.rfind('\0', start);
+        const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
+        if (std::min(texts.find('\0', start), texts.size()) - begin > kOrdinaryTextLength) {
+            return true;
+        }
+    }
+    return false;
+}
 
 } // namespace
 
@@ -51,6 +66,10 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     if (debugStr.sh_offset != 0 && debugStr.sh_size != 0 &&
         !LoadWholeSection(mDebugStrCache, debugStr)) {
         return false;
+    }
+    if (mDebugStrCache != nullptr) {
+        mDebugStr = mDebugStrCache->GetBytes();
+        mHasLongTexts = HasLongText(mDebugStr);
     }
     recCnt = 0;
     const std::uint64_t entriesAtMost =
@@ -141,19 +160,6 @@ void VDwarf2Section::AutodetectReferenceWidth(const std::string& producer,
     }
 }
 
-const char* VDwarf2Section::GetDebugString(std::uint32_t offset) const {
-    return mDebugStrCache != nullptr ? mDebugStrCache->GetPointer(static_cast<std::int32_t>(offset))
-                                     : nullptr;
-}
-
-bool VDwarf2Section::IsInDebugStr(const char* text) const {
-    const char* start = GetDebugString(0);
-    const auto distance =
-        reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(start);
-    return start != nullptr && distance <= std::numeric_limits<std::int32_t>::max() &&
-           GetDebugString(static_cast<std::uint32_t>(distance)) != nullptr;
-}
-
 const char* VDwarf2Section::KeepText(const char* text, std::size_t limit) {
     return IsInDebugStr(text) ? text : mArena.KeepText(CutText(text, limit));
 }
@@ -162,14 +168,33 @@ std::string_view VDwarf2Section::KeepText(std::string_view text) {
     return IsInDebugStr(text.data()) ? text : std::string_view(mArena.KeepText(text), text.size());
 }
 
+VKeptText VDwarf2Section::MeasureLater(const char* text) {
+    if (text == nullptr) {
+        return {.mDefined = true};
+    }
+    if (!mHasLongTexts && IsInDebugStr(text)) {
+        return {text, VKeptText::kUnmeasured, true};
+    }
+    const std::string_view measured = MeasureText(text);
+    return {measured.data(), static_cast<std::uint32_t>(measured.size()), true};
+}
+
+VKeptText VDwarf2Section::KeepText(const VKeptText& text) {
+    if (text.mLength == VKeptText::kUnmeasured || !text.mDefined) {
+        return text;
+    }
+    const std::string_view kept = KeepText(std::string_view(text.mStart, text.mLength));
+    return {kept.data(), text.mLength, true};
+}
+
 std::string_view VDwarf2Section::MeasureText(const char* text) {
-    const std::string_view ordinary = CutText(text, sOrdinaryTextLength);
-    if (ordinary.size() < sOrdinaryTextLength || mLongTextBudget == 0) {
+    const std::string_view ordinary = CutText(text, kOrdinaryTextLength);
+    if (ordinary.size() < kOrdinaryTextLength || mLongTextBudget == 0) {
         return ordinary;
     }
     // Every entry may name the same text, and measuring it costs its length each time.
-    const std::string_view whole = CutText(text, sOrdinaryTextLength + mLongTextBudget);
-    mLongTextBudget -= whole.size() - sOrdinaryTextLength;
+    const std::string_view whole = CutText(text, kOrdinaryTextLength + mLongTextBudget);
+    mLongTextBudget -= whole.size() - kOrdinaryTextLength;
     return whole;
 }
 

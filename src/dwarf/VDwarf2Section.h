@@ -5,6 +5,7 @@
 
 #include "container/VElfFileCache.h"
 #include "container/VValueRangeMap.h"
+#include "dwarf/VAttributeValue.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "nodes/VDieNodeMap.h"
 #include "nodes/VNodeArena.h"
@@ -25,6 +26,7 @@ class VAbrSectionBuffer;
 class VCompileUnitReader;
 class VDWARFReaderWrapper;
 class VDebugInfoNode;
+class VElfBuffer;
 class VElfFile;
 class VLocTabBuffer;
 struct Elf64_Shdr;
@@ -75,7 +77,15 @@ public:
                                                     std::uint32_t sectionOffset) const;
 
     /// The terminated text at an offset of `.debug_str`, null if there is none.
-    [[nodiscard]] const char* GetDebugString(std::uint32_t offset) const;
+    [[nodiscard]] const char* GetDebugString(std::uint32_t offset) const {
+        return offset < mDebugStr.size() ? mDebugStr.data() + offset : nullptr;
+    }
+    /// True if a text lies in `.debug_str`. Such texts live as long as the tree.
+    [[nodiscard]] bool IsInDebugStr(const char* text) const {
+        const auto distance = reinterpret_cast<std::uintptr_t>(text) -
+                              reinterpret_cast<std::uintptr_t>(mDebugStr.data());
+        return distance < mDebugStr.size();
+    }
     /// A terminated text that lives as long as the tree: the text itself if it lies in
     /// `.debug_str`, else a copy of its first `limit` characters.
     const char* KeepText(const char* text, std::size_t limit);
@@ -83,6 +93,10 @@ public:
     std::string_view KeepText(std::string_view text);
     /// All of a terminated text; very long texts are cut when a file has far too many of them.
     std::string_view MeasureText(const char* text);
+    /// A terminated text, or null, as an attribute that is measured now only if it has to be.
+    VKeptText MeasureLater(const char* text);
+    /// The same text so that it lives as long as the tree.
+    VKeptText KeepText(const VKeptText& text);
 
     /// @}
     /// @name Resolution and delivery
@@ -114,6 +128,8 @@ public:
     VElfFileCachePtr mDebugInfoCache;
     /// Whole `.debug_str`; none if the section is missing or empty.
     VElfFileCachePtr mDebugStrCache;
+    /// Its bytes; a terminator follows the last one.
+    std::string_view mDebugStr;
     /// Every unit found, in file order; they lie in the arena.
     std::vector<VCompileUnitHeader*> mCompileUnits;
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
@@ -129,7 +145,6 @@ public:
 
 private:
     bool LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section) const;
-    [[nodiscard]] bool IsInDebugStr(const char* text) const;
     void AutodetectFileRelativeReferences(const std::string& producer);
     void AutodetectReferenceWidth(const std::string& producer, const VCompileUnitHeader& unit);
     bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
@@ -137,6 +152,10 @@ private:
     void CreateUnknownEntryTypes();
     bool ProcessCompileUnit(VCompileUnitHeader& header);
 
+    /// The buffer of the latest unit, whose memory serves the next one.
+    std::unique_ptr<VElfBuffer> mUnitBuffer;
+    /// True if a text of `.debug_str` is longer than `kOrdinaryTextLength`.
+    bool mHasLongTexts = false;
     /// Characters that very long texts may still have in all.
     std::uint64_t mLongTextBudget = 0;
 };

@@ -5,8 +5,11 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -20,24 +23,73 @@ bool IsTaskingProducer(const VAttributeString& producer) {
     return producer.mDefined && text.find("TASKING") != std::string::npos;
 }
 
+/// Demangles names of nodes. Many entries share one text of `.debug_str`; what came of it is
+/// remembered by its offset, but for the names of the one compiler that has a scheme of its own.
+class NameDemangler {
+public:
+    explicit NameDemangler(VDwarf2Section& section)
+        : mSection(section)
+        , mStaysAsItIs(section.mDebugStr.size()) {}
+
+    void EnterUnit(const VDebugInfoNode& unit) {
+        mOptions.mIsTaskingProducer = IsTaskingProducer(unit.GetProducer());
+    }
+
+    void Demangle(VDebugInfoNode& node) {
+        const char* name = node.GetNameStart();
+        const bool isShared = !mOptions.mIsTaskingProducer && mSection.IsInDebugStr(name);
+        const char* demangled = isShared ? DemangleShared(node, name) : DemangleName(node);
+        if (demangled != nullptr) {
+            node.SetName(demangled);
+        }
+    }
+
+private:
+    const char* DemangleShared(const VDebugInfoNode& node, const char* name) {
+        const auto offset = static_cast<std::size_t>(name - mSection.mDebugStr.data());
+        if (mStaysAsItIs[offset]) {
+            return nullptr;
+        }
+        if (const auto known = mDemangled.find(name); known != mDemangled.end()) {
+            return known->second;
+        }
+        const char* demangled = DemangleName(node);
+        if (demangled != nullptr) {
+            mDemangled.emplace(name, demangled);
+        } else {
+            mStaysAsItIs[offset] = true;
+        }
+        return demangled;
+    }
+
+    /// The new name, null if the name stays.
+    const char* DemangleName(const VDebugInfoNode& node) {
+        const std::string_view name = node.GetName();
+        bool isDemangled = false;
+        const bool isWritten =
+            DWARF::DemangleName(mBuffer, sMaximumNameLength, name.data(),
+                                static_cast<int>(name.size()), isDemangled, mOptions);
+        return isWritten && isDemangled ? mSection.KeepText(std::string_view(mBuffer)).data()
+                                        : nullptr;
+    }
+
+    VDwarf2Section& mSection;
+    VDemanglingOptions mOptions;
+    char mBuffer[sMaximumNameLength + 1];
+    std::vector<bool> mStaysAsItIs;
+    std::unordered_map<const char*, const char*> mDemangled;
+};
+
 } // namespace
 
 void DemangleNames(VDwarf2Section& section) {
-    VDemanglingOptions options;
-    char demangledName[sMaximumNameLength + 1];
+    NameDemangler demangler(section);
     for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
         if (node->GetTag() == DW_TAG_compile_unit) {
-            options.mIsTaskingProducer = IsTaskingProducer(node->GetProducer());
+            demangler.EnterUnit(*node);
         }
-        const std::string_view name = node->GetName();
-        if (!node->HasNameAttribute() || name.empty()) {
-            continue;
-        }
-        bool isDemangled = false;
-        if (DemangleName(demangledName, sMaximumNameLength, name.data(),
-                         static_cast<int>(name.size()), isDemangled, options) &&
-            isDemangled) {
-            node->SetName(section.KeepText(std::string_view(demangledName)).data());
+        if (node->HasNameAttribute()) {
+            demangler.Demangle(*node);
         }
     }
 }

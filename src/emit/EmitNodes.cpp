@@ -8,6 +8,9 @@
 #include "nodes/VDebugInfoNode.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -26,6 +29,21 @@ bool IsRootType(const VDebugInfoNode& type) {
     const VDebugInfoNode* canonical = type.GetCanonicalTypeNode();
     return type.HasNameAttribute() && !type.IsDeclaration() &&
            (canonical == nullptr || canonical == &type);
+}
+
+/// Where nodes stand that may be roots, ascending.
+std::vector<std::uint32_t> PlacesOfRoots(const VDieNodeMap& nodes, bool allTypes) {
+    const std::span<const std::uint32_t> variables = nodes.PlacesOf(NodeGroup::Variables);
+    std::vector<std::uint32_t> places(variables.begin(), variables.end());
+    if (allTypes) {
+        for (const NodeGroup group : {NodeGroup::GroupedTypes, NodeGroup::MembersAndEnumerations}) {
+            std::vector<std::uint32_t> merged;
+            merged.reserve(places.size() + nodes.PlacesOf(group).size());
+            std::ranges::merge(places, nodes.PlacesOf(group), std::back_inserter(merged));
+            places = std::move(merged);
+        }
+    }
+    return places;
 }
 
 } // namespace
@@ -47,7 +65,7 @@ bool VDwarf2Section::IsEmissionRoot(const VDebugInfoNode& node, bool allTypes) {
 }
 
 bool VDwarf2Section::EmitNodes() {
-    const std::span<VDebugInfoNode* const> nodes = mDieNodes.InOffsetOrder();
+    const std::span<const VDieNodeMap::Link> nodes = mDieNodes.InOffsetOrder();
     const std::size_t step = nodes.size() >= sManyNodes ? nodes.size() / 100 : 1;
     const bool allTypes = mReader != nullptr && mReader->IsReadAllTypes();
     if (mReader != nullptr) {
@@ -57,17 +75,21 @@ bool VDwarf2Section::EmitNodes() {
     }
     VNodeEmission emission(*this, *mElfFile->mFactory);
     std::size_t last = 0;
-    for (std::size_t index = 0; index < nodes.size(); ++index) {
+    const auto tellProgressBefore = [&](std::size_t index) {
+        while (last + step + 1 < index) {
+            last += step + 1;
+            if (mReader != nullptr) {
+                mReader->SetProgressValue(static_cast<std::int32_t>(last));
+            }
+        }
+    };
+    for (const std::uint32_t index : PlacesOfRoots(mDieNodes, allTypes)) {
+        tellProgressBefore(index);
         if (IsEmissionRoot(*nodes[index], allTypes)) {
             emission.Deliver(*nodes[index]);
         }
-        if (step + last < index) {
-            if (mReader != nullptr) {
-                mReader->SetProgressValue(static_cast<std::int32_t>(index));
-            }
-            last = index;
-        }
     }
+    tellProgressBefore(nodes.size());
     if (VElfOptions::mDumpDebugInfoNodes != 0) {
         DumpDebugInfoNodes();
     }

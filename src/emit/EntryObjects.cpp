@@ -234,7 +234,7 @@ ObjectId VDebugInfoNode::GetOrCreateEntryObject(VDwarf2Section& section,
 
 bool VDebugInfoNode::CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
                                        ObjectId& id, bool& alreadyRegistered) {
-    if (mEntryObject != 0 && mTag != DW_TAG_compile_unit) {
+    if (GetEntryObject() != 0 && mTag != DW_TAG_compile_unit) {
         return false;
     }
     EntryObject object(*this, emission, inputs);

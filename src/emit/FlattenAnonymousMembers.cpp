@@ -64,11 +64,11 @@ private:
 
 void FlattenAnonymousMembers(VDwarf2Section& section) {
     MemberMover mover(section.mDieNodes.Size());
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        if (VDebugInfoNode* type = AnonymousTypeOf(*node)) {
-            mover.Move(*type, *node);
+    section.mDieNodes.ForEachOf(NodeGroup::MembersAndEnumerations, [&](const VDebugInfoNode& node) {
+        if (VDebugInfoNode* type = AnonymousTypeOf(node)) {
+            mover.Move(*type, node);
         }
-    }
+    });
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,4 +1,6 @@
 #include "container/VElfFile.h"
+#include "core/HashSlots.h"
+#include "core/KeyMixing.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/TypeName.h"
@@ -9,7 +11,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -20,7 +21,7 @@ constexpr std::uint32_t sNoEntry = UINT32_MAX;
 
 /// One record of the grouping: a node, and the next one of its group.
 struct VDataTypeNameEntryStruct {
-    VDebugInfoNode* mNode;
+    VNodeLink<VDebugInfoNode> mNode;
     std::uint32_t mNext = sNoEntry;
 };
 
@@ -42,11 +43,8 @@ public:
                          static_cast<std::size_t>(section.mElfFile->mSecDebugInfo.sh_size)) {}
 
     void Collect() {
-        for (VDebugInfoNode* node : mSection.mDieNodes.InOffsetOrder()) {
-            if (IsGroupedType(node->GetTag())) {
-                Add(*node);
-            }
-        }
+        mSection.mDieNodes.ForEachOf(NodeGroup::GroupedTypes,
+                                     [this](VDebugInfoNode& node) { Add(node); });
     }
 
     void Resolve() const {
@@ -57,10 +55,9 @@ public:
 
 private:
     struct Group {
-        /// Lives as long as the tree, since it may become the name of nodes.
         std::string_view key;
-        std::uint32_t first;
-        std::uint32_t last;
+        std::uint32_t first = sNoEntry;
+        std::uint32_t last = sNoEntry;
     };
 
     /// What a walk over a group found.
@@ -77,19 +74,34 @@ private:
         mTypeNames.AppendTypeName(&node, 0, mText, false);
         const auto entry = static_cast<std::uint32_t>(mEntries.size());
         mEntries.push_back({&node});
-        if (const auto found = mGroupsByKey.find(mText); found != mGroupsByKey.end()) {
-            Spend(mText.size() - std::min(mText.size(), sScarceTextLength));
-            Group& group = mGroups[found->second];
-            mEntries[group.last].mNext = entry;
-            group.last = entry;
-            return;
-        }
-        Spend(mText.size());
-        const std::string_view key = mSection.KeepText(std::string_view(mText));
-        mGroupsByKey.emplace(key, static_cast<std::uint32_t>(mGroups.size()));
-        mGroups.push_back({key, entry, entry});
+        mLatestGroup = FindOrAddGroup();
+        Group& group = mGroups[mLatestGroup];
+        (group.last == sNoEntry ? group.first : mEntries[group.last].mNext) = entry;
+        group.last = entry;
     }
 
+    /// The group of `mText`. Units over the same headers have the same types in the same order, so
+    /// that it mostly is the one behind the latest.
+    std::uint32_t FindOrAddGroup() {
+        const auto count = static_cast<std::uint32_t>(mGroups.size());
+        if (mLatestGroup + 1 < count && mGroups[mLatestGroup + 1].key == mText) {
+            SpendOnBuilt();
+            return mLatestGroup + 1;
+        }
+        const std::uint64_t hash = HashOfText(mText, ProcessSeed());
+        const std::uint32_t known = mGroupSlots.Find(
+            hash, [this](std::uint32_t group) { return mGroups[group].key == mText; });
+        if (known != 0) {
+            SpendOnBuilt();
+            return known;
+        }
+        Spend(mText.size());
+        mGroups.push_back({std::string_view(mKeys.KeepText(mText), mText.size())});
+        mGroupSlots.Add(hash, count);
+        return count;
+    }
+
+    void SpendOnBuilt() { Spend(mText.size() - std::min(mText.size(), sScarceTextLength)); }
     void Spend(std::size_t textLength) { mTextsLeft -= std::min(mTextsLeft, textLength); }
 
     template <typename Visitor>
@@ -116,9 +128,11 @@ private:
 
     Candidates FindCandidates(const Group& group) const {
         Candidates candidates;
+        const char* name = nullptr;
         ForEachNode(group, [&](VDebugInfoNode& node) {
             if (node.HasTemplateParameters()) {
-                node.SetName(group.key.data());
+                name = name != nullptr ? name : mSection.KeepText(group.key).data();
+                node.SetName(name);
             }
             if (node.IsDeclaration()) {
                 candidates.hasDeclaration = true;
@@ -134,9 +148,10 @@ private:
     }
 
     /// A definition that is itself a typedef of the declaration would form a loop.
-    static void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) {
+    void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) const {
         if (definition.GetTypeOrSpecificationNode() != &declaration) {
             declaration.SetDeclarationResolved(&definition);
+            mSection.mDieNodes.NoteReferred(definition);
         }
     }
 
@@ -145,8 +160,12 @@ private:
     TypeNameBuilder mTypeNames{sMaximumTextLength};
     std::string mText;
     std::vector<VDataTypeNameEntryStruct> mEntries;
-    std::vector<Group> mGroups;
-    std::unordered_map<std::string_view, std::uint32_t> mGroupsByKey;
+    /// The keys are wanted no longer than the groups.
+    VNodeArena mKeys;
+    /// The first one is none.
+    std::vector<Group> mGroups{1};
+    HashSlots mGroupSlots;
+    std::uint32_t mLatestGroup = 0;
 };
 
 } // namespace

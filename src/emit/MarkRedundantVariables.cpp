@@ -92,12 +92,12 @@ std::string_view NameOf(const VDebugInfoNode& variable) {
 
 std::vector<PlacedVariable> CollectVariables(const VDwarf2Section& section) {
     std::vector<PlacedVariable> variables;
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        if (node->GetTag() == DW_TAG_variable && node->HasLocation() &&
-            !node->IsRegisterOrStackLocation() && node->GetLocationAddress() != 0) {
-            variables.push_back({node->GetLocationAddress(), {}, node});
+    section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& node) {
+        if (node.HasLocation() && !node.IsRegisterOrStackLocation() &&
+            node.GetLocationAddress() != 0) {
+            variables.push_back({node.GetLocationAddress(), {}, &node});
         }
-    }
+    });
     return variables;
 }
 

@@ -18,13 +18,11 @@ class ExternVariables {
 public:
     explicit ExternVariables(VDwarf2Section& section)
         : mFile(*section.mElfFile) {
-        for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-            VDebugInfoNode* specification =
-                node->GetTag() == DW_TAG_variable ? node->GetSpecificationNode() : nullptr;
-            if (specification != nullptr) {
+        section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](const VDebugInfoNode& variable) {
+            if (const VDebugInfoNode* specification = variable.GetSpecificationNode()) {
                 mCompleted.insert(specification);
             }
-        }
+        });
     }
 
     void Resolve(VDebugInfoNode& variable) {
@@ -83,11 +81,11 @@ private:
 
 void ResolveExternVariables(VDwarf2Section& section) {
     ExternVariables variables(section);
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        if (node->GetTag() == DW_TAG_variable && !node->HasLocation()) {
-            variables.Resolve(*node);
+    section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
+        if (!variable.HasLocation()) {
+            variables.Resolve(variable);
         }
-    }
+    });
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -11,6 +11,15 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+namespace {
+
+/// Sizes of parameters, of which there are more than of all other entries, are never delivered.
+bool HasSizeForDumpAlone(dwarf_tag tag) {
+    return tag == DW_TAG_formal_parameter || tag == DW_TAG_template_type_param;
+}
+
+} // namespace
+
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
     tag_alignment.clear();
@@ -34,30 +43,29 @@ void ResolveAllReferences(VDwarf2Section& section) {
 
 void BreakAllReferenceCycles(VDwarf2Section& section) {
     ReferenceCycles cycles;
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        node->BreakReferenceCycles(cycles);
-    }
+    // A node that nothing refers to is on no cycle.
+    section.mDieNodes.ForEachReferred(
+        [&](VDebugInfoNode& node) { node.BreakReferenceCycles(cycles); });
 }
 
 void ResolveAllSizes(VDwarf2Section& section) {
+    const bool isForDump = VElfOptions::mDumpDebugInfoNodes != 0;
     for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        node->ResolveSizes(section.mDieNodes, section);
+        if (isForDump || !HasSizeForDumpAlone(node->GetTag())) {
+            node->ResolveSizes(section.mDieNodes, section);
+        }
     }
 }
 
 void UnifyCompileUnits(VDwarf2Section& section) {
     std::unordered_map<std::string, VDebugInfoNode*> firstOfKind;
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        if (node->GetTag() != DW_TAG_compile_unit) {
-            continue;
-        }
-        std::string key(node->GetName());
-        if (const VAttributeString directory = node->GetCompUnitDirAttribute();
-            directory.mDefined) {
+    section.mDieNodes.ForEachOf(NodeGroup::CompileUnits, [&](VDebugInfoNode& unit) {
+        std::string key(unit.GetName());
+        if (const VAttributeString directory = unit.GetCompUnitDirAttribute(); directory.mDefined) {
             key.append(";").append(directory.mValue);
         }
-        node->SetFirstKindOfCompileUnit(firstOfKind.try_emplace(key, node).first->second);
-    }
+        unit.SetFirstKindOfCompileUnit(firstOfKind.try_emplace(key, &unit).first->second);
+    });
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -90,6 +90,7 @@ bool VNodeEmission::Open(VDebugInfoNode& node) {
     frame.outerFrameCount = outerFrameCount;
     frame.objectCount = mObjectCount;
     frame.firstParameter = mParameters.size();
+    node.BeginDelivery(mSection.mArena);
     node.SetEmissionFrame(static_cast<std::uint32_t>(mFrames.size()));
     return true;
 }

@@ -112,6 +112,9 @@ VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
     case DW_TAG_class_template:
         return named.operator()<VDebugInfoNodeClassTemplate>();
     default:
+        if (VDebugInfoNodeGeneral::IsWideTag(mTag)) {
+            return arena.Create<VDebugInfoNodeOfWideTag>(mTag, mOffset, header, parent, name());
+        }
         return arena.Create<VDebugInfoNodeGeneral>(mTag, mOffset, header, parent, name());
     }
 }

@@ -11,9 +11,12 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
+bool HasStorage(const VDie2& die) {
+    return die.mHasEncoding || die.mBitSize != 0 || die.mBitOffset != 0;
+}
+
 bool HasExtras(const VDie2& die) {
-    return die.mHasEncoding || die.mBitSize != 0 || die.mBitOffset != 0 ||
-           die.mSpecification.IsDefined() || die.mLinkageName.mDefined ||
+    return HasStorage(die) || die.mSpecification.IsDefined() || die.mLinkageName.mDefined ||
            die.mAccessibility.IsDefined();
 }
 
@@ -31,19 +34,24 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     mIsExternal = die.mIsExternal;
     mHasNameAttribute = die.mHasName;
     mBitFieldFromLocation = die.mBitFieldFromLocation;
-    mHasEncoding = die.mHasEncoding;
     mTypeReferenceOffset = die.mTypeRef != 0 && !die.mTypeRefIsSectionOffset
                                ? section.UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
                                : die.mTypeRef;
-    if (HasExtras(die) || IsGroupedType(mTag)) {
-        VNodeExtras& extras = MakeExtras(section.mArena);
-        extras.mBitOffset = die.mBitOffset;
-        extras.mBitSize = die.mBitSize;
-        extras.mEncoding = die.mEncoding;
-        extras.mSpecification = die.mSpecification;
-        extras.mLinkageName = Keep(die.mLinkageName, section);
-        extras.mAccessibility = die.mAccessibility;
+    if (HasExtras(die)) {
+        mExtras = &MakeExtras(die, section);
     }
+}
+
+VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& section) {
+    auto* extras = section.mArena.Create<VNodeExtras>();
+    extras->mLinkageName = section.KeepText(die.mLinkageName);
+    extras->SetSpecification(die.mSpecification);
+    extras->SetAccessibility(die.mAccessibility);
+    if (HasStorage(die)) {
+        extras->mStorage = section.mArena.Create<VNodeStorage>(
+            VNodeStorage{die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding});
+    }
+    return *extras;
 }
 
 void VDebugInfoNodeCompileUnit::InitFromDie(const VDie2& die, VDwarf2Section& section) {

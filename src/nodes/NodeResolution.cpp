@@ -64,16 +64,16 @@ VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& no
 } // namespace
 
 void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
-    if (mTypeReferenceOffset != 0) {
+    if (!mIsTypeResolved && mTypeReferenceOffset != 0) {
         if (VDebugInfoNode* type = nodes.Find(mTypeReferenceOffset)) {
-            mTypeNode = type;
+            SetTypeNode(*type);
         }
-        if (mTypeNode == this) {
+        if (mIsTypeResolved && mTypeNode == this) {
             ClearType();
         }
     }
     if (mExtras != nullptr) {
-        if (VDebugInfoNode* specification = FindReferred(mExtras->mSpecification, nodes)) {
+        if (VDebugInfoNode* specification = FindReferred(mExtras->GetSpecification(), nodes)) {
             mExtras->mSpecificationNode = specification;
         }
         if (mExtras->mSpecificationNode == this) {

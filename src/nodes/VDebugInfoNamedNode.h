@@ -18,6 +18,27 @@ public:
     }
 };
 
+/// A named node of a type that is grouped with others of its name, see `IsGroupedType`.
+class VDebugInfoGroupedTypeNode : public VDebugInfoNamedNode {
+public:
+    using VDebugInfoNamedNode::VDebugInfoNamedNode;
+
+protected:
+    VTypeGroupLinks* GetTypeGroupLinks() override { return &mGroupLinks; }
+    [[nodiscard]] const VTypeGroupLinks* GetTypeGroupLinks() const override { return &mGroupLinks; }
+
+private:
+    VTypeGroupLinks mGroupLinks;
+};
+
+class VDebugInfoNodeTypeDefinition final : public VDebugInfoGroupedTypeNode {
+public:
+    VDebugInfoNodeTypeDefinition(std::uint32_t sectionOffset, VCompileUnitHeader* header,
+                                 VDebugInfoNode* parent, const char* name)
+        : VDebugInfoGroupedTypeNode(DW_TAG_typedef, sectionOffset, header, parent, name) {}
+    [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-typedef>"; }
+};
+
 /// A named node of one fixed tag that adds nothing but its default name.
 #define BRINDLE_PLAIN_NAMED_NODE(Class, tag, defaultName)                                          \
     class Class final : public VDebugInfoNamedNode {                                               \
@@ -29,7 +50,6 @@ public:
     }
 
 BRINDLE_PLAIN_NAMED_NODE(VDebugInfoNodeBaseType, DW_TAG_base_type, "<unnamed-base-type>");
-BRINDLE_PLAIN_NAMED_NODE(VDebugInfoNodeTypeDefinition, DW_TAG_typedef, "<unnamed-typedef>");
 BRINDLE_PLAIN_NAMED_NODE(VDebugInfoNodeTemplateTypeParameter, DW_TAG_template_type_param,
                          "<unnamed-template-type-paramter>");
 BRINDLE_PLAIN_NAMED_NODE(VDebugInfoNodeClassTemplate, DW_TAG_class_template,
@@ -50,9 +70,27 @@ public:
 
 /// An entry of any tag that has no class of its own: const, volatile, formal parameters, vendor
 /// tags. Stages tell them apart by the tag.
-class VDebugInfoNodeGeneral final : public VDebugInfoNamedNode {
+class VDebugInfoNodeGeneral : public VDebugInfoNamedNode {
 public:
     using VDebugInfoNamedNode::VDebugInfoNamedNode;
+
+    /// True for tags that only a `VDebugInfoNodeOfWideTag` can keep.
+    static bool IsWideTag(dwarf_tag tag) { return tag >= kWideTag; }
+};
+
+/// An entry of a tag that doesn't fit the 16 bits that all standard and vendor tags fit.
+class VDebugInfoNodeOfWideTag final : public VDebugInfoNodeGeneral {
+public:
+    VDebugInfoNodeOfWideTag(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,
+                            VDebugInfoNode* parent, const char* name)
+        : VDebugInfoNodeGeneral(tag, sectionOffset, header, parent, name)
+        , mWideTag(tag) {}
+
+protected:
+    [[nodiscard]] dwarf_tag GetWideTag() const override { return mWideTag; }
+
+private:
+    dwarf_tag mWideTag;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

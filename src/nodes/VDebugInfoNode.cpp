@@ -2,6 +2,8 @@
 
 #include "core/CutText.h"
 
+#include <algorithm>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 std::uint32_t nGlobalLexicalBlockCounter = 0;
@@ -10,20 +12,13 @@ VDebugInfoNode::VDebugInfoNode(dwarf_tag tag, std::uint32_t sectionOffset,
                                VCompileUnitHeader* header, VDebugInfoNode* parent)
     : mParent(parent)
     , mCompileUnitHeader(header)
-    , mTag(tag)
-    , mOffset(sectionOffset) {
+    , mOffset(sectionOffset)
+    , mTag(static_cast<std::uint16_t>(std::min<dwarf_tag>(tag, kWideTag))) {
     static std::uint32_t sCurrentDebugNodeRecord = 0;
     mNodeRecord = static_cast<std::int32_t>(sCurrentDebugNodeRecord++);
     if (parent != nullptr) {
         parent->AddChild(this);
     }
-}
-
-VNodeExtras& VDebugInfoNode::MakeExtras(VNodeArena& arena) {
-    if (mExtras == nullptr) {
-        mExtras = arena.Create<VNodeExtras>();
-    }
-    return *mExtras;
 }
 
 std::size_t VDebugInfoNode::GetDepth() const {
@@ -61,8 +56,8 @@ VDebugInfoNode* VDebugInfoNode::TakeNext(VDebugInfoNode*& chain) {
 }
 
 bool VDebugInfoNode::NormalizeEncoding() {
-    if (mHasEncoding && mExtras->mEncoding == DW_ATE_address) {
-        mExtras->mEncoding = DW_ATE_signed;
+    if (HasEncoding() && mExtras->mStorage->mEncoding == DW_ATE_address) {
+        mExtras->mStorage->mEncoding = DW_ATE_signed;
         if (!HasByteSize()) {
             mHasByteSize = mCompileUnitHeader->mTargetAddressSize != 0;
         }
@@ -147,15 +142,15 @@ void VDebugInfoNode::GetLexicalBlockName(std::string& out) {
 }
 
 VAttributeString VDebugInfoNode::GetLinkageNameAttribute() const {
-    return mExtras != nullptr ? mExtras->mLinkageName : VAttributeString{};
+    return mExtras != nullptr ? mExtras->mLinkageName.Get() : VAttributeString{};
 }
 
 VAttributeValue VDebugInfoNode::GetSpecificationAttribute() const {
-    return mExtras != nullptr ? mExtras->mSpecification : VAttributeValue{};
+    return mExtras != nullptr ? mExtras->GetSpecification() : VAttributeValue{};
 }
 
 VAttributeValue VDebugInfoNode::GetAccessibilityAttribute() const {
-    return mExtras != nullptr ? mExtras->mAccessibility : VAttributeValue{};
+    return mExtras != nullptr ? mExtras->GetAccessibility() : VAttributeValue{};
 }
 
 void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode* node) {
@@ -166,58 +161,68 @@ void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode* node) {
 
 void VDebugInfoNode::ClearSpecification() {
     if (mExtras != nullptr) {
-        mExtras->mSpecification = {};
+        mExtras->SetSpecification({});
         mExtras->mSpecificationNode = nullptr;
     }
 }
 
 void VDebugInfoNode::ClearType() {
     mTypeReferenceOffset = 0;
-    mTypeNode = nullptr;
+    mIsTypeResolved = false;
 }
 
 VDebugInfoNode* VDebugInfoNode::GetDeclarationResolved() const {
-    return mExtras != nullptr ? mExtras->mDeclarationResolved.Get() : nullptr;
+    const VTypeGroupLinks* links = GetTypeGroupLinks();
+    return links != nullptr ? links->mDeclarationResolved.Get() : nullptr;
 }
 
 void VDebugInfoNode::SetDeclarationResolved(VDebugInfoNode* definition) {
-    if (mExtras != nullptr) {
-        mExtras->mDeclarationResolved = definition;
+    if (VTypeGroupLinks* links = GetTypeGroupLinks()) {
+        links->mDeclarationResolved = definition;
         mIsDeclarationResolved = definition != nullptr;
     }
 }
 
 VDebugInfoNode* VDebugInfoNode::GetCanonicalTypeNode() const {
-    return mExtras != nullptr ? mExtras->mCanonicalTypeNode.Get() : nullptr;
+    const VTypeGroupLinks* links = GetTypeGroupLinks();
+    return links != nullptr ? links->mCanonicalTypeNode.Get() : nullptr;
 }
 
 void VDebugInfoNode::SetCanonicalTypeNode(VDebugInfoNode* node) {
-    if (mExtras != nullptr) {
-        mExtras->mCanonicalTypeNode = node;
+    if (VTypeGroupLinks* links = GetTypeGroupLinks()) {
+        links->mCanonicalTypeNode = node;
     }
 }
 
 std::uint32_t VDebugInfoNode::GetEncoding() const {
-    return mExtras != nullptr ? mExtras->mEncoding : 0;
+    const VNodeStorage* storage = GetStorage();
+    return storage != nullptr ? storage->mEncoding : 0;
+}
+
+bool VDebugInfoNode::HasEncoding() const {
+    const VNodeStorage* storage = GetStorage();
+    return storage != nullptr && storage->mHasEncoding;
 }
 
 std::uint32_t VDebugInfoNode::GetBitOffset() const {
-    return mExtras != nullptr ? mExtras->mBitOffset : 0;
+    const VNodeStorage* storage = GetStorage();
+    return storage != nullptr ? storage->mBitOffset : 0;
 }
 
 std::uint32_t VDebugInfoNode::GetBitSize() const {
-    return mExtras != nullptr ? mExtras->mBitSize : 0;
+    const VNodeStorage* storage = GetStorage();
+    return storage != nullptr ? storage->mBitSize : 0;
 }
 
 void VDebugInfoNode::SetBitOffset(std::uint32_t bitOffset) {
-    if (mExtras != nullptr) {
-        mExtras->mBitOffset = bitOffset;
+    if (GetStorage() != nullptr) {
+        mExtras->mStorage->mBitOffset = bitOffset;
     }
 }
 
 void VDebugInfoNode::SetBitSize(std::uint32_t bitSize) {
-    if (mExtras != nullptr) {
-        mExtras->mBitSize = bitSize;
+    if (GetStorage() != nullptr) {
+        mExtras->mStorage->mBitSize = bitSize;
     }
 }
 

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <iterator>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -42,17 +43,61 @@ constexpr std::size_t sMaximumNameLength = 2047;
 /// exact end; longer ones occur in damaged files only.
 constexpr int sMaximumChainLength = 1000;
 
-/// Attributes and links that few nodes have.
-struct VNodeExtras {
-    VAttributeValue mSpecification;
-    VAttributeValue mAccessibility;
-    VAttributeString mLinkageName;
-    VNodeLink<class VDebugInfoNode> mSpecificationNode;
-    VNodeLink<class VDebugInfoNode> mDeclarationResolved;
-    VNodeLink<class VDebugInfoNode> mCanonicalTypeNode;
+/// How the value of a node lies in its storage, of bit fields and scalar types alone.
+struct VNodeStorage {
     std::uint32_t mBitOffset = 0;
     std::uint32_t mBitSize = 0;
     std::uint32_t mEncoding = 0;
+    bool mHasEncoding = false;
+};
+
+/// Attributes and links that few nodes have. Values of debug entries fill 32 bits.
+struct VNodeExtras {
+    [[nodiscard]] VAttributeValue GetSpecification() const {
+        return AsValue(mSpecificationValue, mSpecificationFlags);
+    }
+    void SetSpecification(const VAttributeValue& value) {
+        mSpecificationValue = static_cast<std::uint32_t>(value.mValue);
+        mSpecificationFlags = value.mFlags;
+    }
+    [[nodiscard]] VAttributeValue GetAccessibility() const {
+        return AsValue(mAccessibilityValue, mAccessibilityFlags);
+    }
+    void SetAccessibility(const VAttributeValue& value) {
+        mAccessibilityValue = static_cast<std::uint32_t>(value.mValue);
+        mAccessibilityFlags = value.mFlags;
+    }
+
+    VKeptText mLinkageName;
+    VNodeLink<class VDebugInfoNode> mSpecificationNode;
+    VNodeLink<VNodeStorage> mStorage;
+
+private:
+    static VAttributeValue AsValue(std::uint32_t value, std::uint16_t flags) {
+        VAttributeValue result;
+        result.mValue = value;
+        result.mFlags = flags;
+        return result;
+    }
+
+    std::uint32_t mSpecificationValue = 0;
+    std::uint32_t mAccessibilityValue = 0;
+    std::uint16_t mSpecificationFlags = 0;
+    std::uint16_t mAccessibilityFlags = 0;
+};
+
+/// What the grouping of types of one name has found for a node.
+struct VTypeGroupLinks {
+    VNodeLink<class VDebugInfoNode> mDeclarationResolved;
+    VNodeLink<class VDebugInfoNode> mCanonicalTypeNode;
+};
+
+/// The delivery of a node, of nodes that were asked for their object.
+struct VNodeDelivery {
+    ObjectId mObject = 0;
+    std::uint32_t mFrame = 0;
+    bool mIsRefused = false;
+    bool mIsDropped = false;
 };
 
 /// One debug entry.
@@ -74,7 +119,7 @@ public:
     /// @name Identity
     /// @{
 
-    [[nodiscard]] dwarf_tag GetTag() const { return mTag; }
+    [[nodiscard]] dwarf_tag GetTag() const { return mTag != kWideTag ? mTag : GetWideTag(); }
     /// Section offset of the entry.
     [[nodiscard]] std::uint32_t GetOffset() const { return mOffset; }
     [[nodiscard]] VCompileUnitHeader* GetCompileUnitHeader() const { return mCompileUnitHeader; }
@@ -131,6 +176,8 @@ public:
     /// @{
 
     [[nodiscard]] std::string_view GetName() const;
+    /// The terminated text that the name is read from, which is no cut copy of it.
+    [[nodiscard]] const char* GetNameStart() const { return mName; }
     /// @param text terminated; has to live as long as the tree
     void SetName(const char* text);
     [[nodiscard]] bool HasNameAttribute() const { return mHasNameAttribute; }
@@ -155,10 +202,16 @@ public:
     /// @{
 
     /// Section offset that the type attribute names, 0 if there is none.
-    [[nodiscard]] std::uint32_t GetTypeReferenceOffset() const { return mTypeReferenceOffset; }
+    [[nodiscard]] std::uint32_t GetTypeReferenceOffset() const {
+        return mIsTypeResolved ? mTypeNode->GetOffset() : mTypeReferenceOffset;
+    }
     /// The type; the definition in place of a declaration that was resolved to one.
     [[nodiscard]] VDebugInfoNode* GetTypeNode() const;
-    void SetTypeNode(VDebugInfoNode* node) { mTypeNode = node; }
+    /// The reference becomes one to this node.
+    void SetTypeNode(VDebugInfoNode& node) {
+        std::construct_at(&mTypeNode, &node);
+        mIsTypeResolved = true;
+    }
     [[nodiscard]] VAttributeValue GetSpecificationAttribute() const;
     /// The entry that this one completes; a definition in place of a resolved declaration.
     [[nodiscard]] VDebugInfoNode* GetSpecificationNode() const;
@@ -201,7 +254,7 @@ public:
     /// @param isAddressSize set if the size is that of an address; else left alone
     [[nodiscard]] std::int32_t GetResolvedByteSize(bool& isAddressSize) const;
     [[nodiscard]] std::uint32_t GetEncoding() const;
-    [[nodiscard]] bool HasEncoding() const { return mHasEncoding; }
+    [[nodiscard]] bool HasEncoding() const;
     /// Base type code of the encoding.
     [[nodiscard]] BasicType ConvertBaseTypeForSymbolProvider() const;
     [[nodiscard]] std::uint32_t GetBitOffset() const;
@@ -248,8 +301,17 @@ public:
     /// @{
 
     /// The host's object of this node, 0 until it is delivered.
-    [[nodiscard]] ObjectId GetEntryObject() const { return mEntryObject; }
-    void SetEntryObject(ObjectId object) { mEntryObject = object; }
+    [[nodiscard]] ObjectId GetEntryObject() const {
+        return mDelivery != nullptr ? mDelivery->mObject : 0;
+    }
+    /// For nodes whose delivery has begun, as the other setters of the delivery are.
+    void SetEntryObject(ObjectId object) { mDelivery->mObject = object; }
+    /// Makes room for what is known of the delivery.
+    void BeginDelivery(VNodeArena& arena) {
+        if (mDelivery == nullptr) {
+            mDelivery = arena.Create<VNodeDelivery>();
+        }
+    }
     /// True if the children look up to this node for their scope.
     [[nodiscard]] virtual bool IsEntryScope() const { return false; }
     /// The node that is the scope of this one's object, null for the global namespace.
@@ -264,15 +326,19 @@ public:
     virtual bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
                                    ObjectId& id, bool& alreadyRegistered);
     /// Place of the node's innermost delivery in progress, 0 if there is none.
-    [[nodiscard]] std::uint32_t GetEmissionFrame() const { return mEmissionFrame; }
-    void SetEmissionFrame(std::uint32_t frame) { mEmissionFrame = frame; }
+    [[nodiscard]] std::uint32_t GetEmissionFrame() const {
+        return mDelivery != nullptr ? mDelivery->mFrame : 0;
+    }
+    void SetEmissionFrame(std::uint32_t frame) { mDelivery->mFrame = frame; }
 
     /// True if the host gave no object when it was asked for one; it isn't asked again.
-    [[nodiscard]] bool IsDeliveryRefused() const { return mIsDeliveryRefused; }
-    void SetDeliveryRefused() { mIsDeliveryRefused = true; }
+    [[nodiscard]] bool IsDeliveryRefused() const {
+        return mDelivery != nullptr && mDelivery->mIsRefused;
+    }
+    void SetDeliveryRefused() { mDelivery->mIsRefused = true; }
     /// True for a variable that the host has already from another node.
-    [[nodiscard]] bool IsDropped() const { return mIsDropped; }
-    void SetDropped() { mIsDropped = true; }
+    [[nodiscard]] bool IsDropped() const { return mDelivery != nullptr && mDelivery->mIsDropped; }
+    void SetDropped() { mDelivery->mIsDropped = true; }
 
     /// @}
     /// @name Dump for a person
@@ -308,34 +374,49 @@ protected:
     virtual void TakeByteSizeOfType(const VDebugInfoNode& type);
 
     void StoreName(const char* text) { mName = text; }
-    /// Makes room for what few nodes have.
-    VNodeExtras& MakeExtras(VNodeArena& arena);
+    /// Tags from this one on are kept by nodes of `VDebugInfoNodeOfWideTag`.
+    static constexpr std::uint16_t kWideTag = 0xFFFF;
+    [[nodiscard]] virtual dwarf_tag GetWideTag() const { return kWideTag; }
+    /// Null for nodes of tags that aren't grouped.
+    virtual VTypeGroupLinks* GetTypeGroupLinks() { return nullptr; }
+    [[nodiscard]] virtual const VTypeGroupLinks* GetTypeGroupLinks() const { return nullptr; }
+    /// Takes note of a base class.
+    void SetHasInheritances() { mHasInheritances = true; }
+    [[nodiscard]] bool HasInheritances() const { return mHasInheritances; }
 
 private:
+    VNodeExtras& MakeExtras(const VDie2& die, VDwarf2Section& section);
+    [[nodiscard]] const VNodeStorage* GetStorage() const {
+        return mExtras != nullptr ? mExtras->mStorage.Get() : nullptr;
+    }
     void SettleByteSize(const VDieNodeMap& nodes, int nesting);
     void SettleByteSizeOfChain(const VDieNodeMap& nodes);
     [[nodiscard]] VDebugInfoNode* FindNumberingOwner() const;
     static VDebugInfoNode* WithDefinition(VDebugInfoNode* node);
 
+    // There are millions of nodes: what not all of them need lies elsewhere, and no byte is left
+    // unused.
     const char* mName = "";
-    ObjectId mEntryObject = 0;
     VNodeLink<VDebugInfoNode> mParent;
     /// The next child of the parent; of the last child the first.
     VNodeLink<VDebugInfoNode> mNextSibling;
     VNodeLink<VDebugInfoNode> mLastChild;
-    VNodeLink<VDebugInfoNode> mTypeNode;
+    /// Section offset of the type, once it is found the type itself.
+    union {
+        std::uint32_t mTypeReferenceOffset = 0;
+        VNodeLink<VDebugInfoNode> mTypeNode;
+    };
     VNodeLink<VNodeExtras> mExtras;
+    VNodeLink<VNodeDelivery> mDelivery;
     VNodeLink<VCompileUnitHeader> mCompileUnitHeader;
-    dwarf_tag mTag;
     std::uint32_t mOffset;
-    std::uint32_t mTypeReferenceOffset = 0;
     std::int32_t mByteSize = 0;
     std::int32_t mTagRecord = -1;
     std::int32_t mNodeRecord;
-    std::uint32_t mEmissionFrame = 0;
+    std::uint16_t mTag;
+    bool mIsTypeResolved : 1 = false;
     bool mIsDeclaration : 1 = false;
     bool mIsExternal : 1 = false;
-    bool mHasEncoding : 1 = false;
     bool mHasByteSize : 1 = false;
     bool mByteSizeFromTypeReference : 1 = false;
     bool mHasNameAttribute : 1 = false;
@@ -344,11 +425,11 @@ private:
     bool mBitFieldFromLocation : 1 = false;
     bool mHasTemplateParameters : 1 = false;
     bool mIsDeclarationResolved : 1 = false;
-    bool mIsDeliveryRefused : 1 = false;
-    bool mIsDropped : 1 = false;
-    WalkState mTypeWalkState = WalkState::Unseen;
-    WalkState mSpecificationWalkState = WalkState::Unseen;
+    bool mHasInheritances : 1 = false;
+    WalkState mTypeWalkState : 2 = WalkState::Unseen;
+    WalkState mSpecificationWalkState : 2 = WalkState::Unseen;
 };
+static_assert(sizeof(void*) != 8 || sizeof(VDebugInfoNode) == 64);
 
 /// A view of the children of a node that ends with the next change of the list.
 class VDebugInfoNode::ChildRange {
@@ -411,7 +492,7 @@ inline VDebugInfoNode* VDebugInfoNode::WithDefinition(VDebugInfoNode* node) {
 }
 
 inline VDebugInfoNode* VDebugInfoNode::GetTypeNode() const {
-    return WithDefinition(mTypeNode);
+    return mIsTypeResolved ? WithDefinition(mTypeNode) : nullptr;
 }
 
 inline VDebugInfoNode* VDebugInfoNode::GetSpecificationNode() const {

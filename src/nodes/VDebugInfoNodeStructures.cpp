@@ -3,7 +3,7 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 VDebugInfoNode* VDebugInfoNodeStructuresBase::FirstInheritance() const {
-    return mHasInheritances ? InheritanceFrom(FirstChild()) : nullptr;
+    return HasInheritances() ? InheritanceFrom(FirstChild()) : nullptr;
 }
 
 VDebugInfoNode*

@@ -7,14 +7,14 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// Common base of classes and structures. Members, nested types and methods are children, and so
 /// are the inheritance nodes.
-class VDebugInfoNodeStructuresBase : public VDebugInfoNamedNode {
+class VDebugInfoNodeStructuresBase : public VDebugInfoGroupedTypeNode {
 public:
-    using VDebugInfoNamedNode::VDebugInfoNamedNode;
+    using VDebugInfoGroupedTypeNode::VDebugInfoGroupedTypeNode;
 
     [[nodiscard]] bool IsEntryScope() const override { return true; }
     [[nodiscard]] bool HasByteSize() const override { return true; }
     /// Takes note of a base class; the node is a child already.
-    void AddInheritance(VDebugInfoNode* /*node*/) override { mHasInheritances = true; }
+    void AddInheritance(VDebugInfoNode* /*node*/) override { SetHasInheritances(); }
     /// The first inheritance node among the children, null if there is none.
     [[nodiscard]] VDebugInfoNode* FirstInheritance() const;
     /// The inheritance node behind this one, null behind the last.
@@ -24,8 +24,6 @@ public:
 
 private:
     [[nodiscard]] VDebugInfoNode* InheritanceFrom(VDebugInfoNode* child) const;
-
-    bool mHasInheritances = false;
 };
 
 class VDebugInfoNodeClass final : public VDebugInfoNodeStructuresBase {
@@ -46,11 +44,11 @@ public:
 };
 
 /// A union. It has no base classes.
-class VDebugInfoNodeUnion final : public VDebugInfoNamedNode {
+class VDebugInfoNodeUnion final : public VDebugInfoGroupedTypeNode {
 public:
     VDebugInfoNodeUnion(std::uint32_t sectionOffset, VCompileUnitHeader* header,
                         VDebugInfoNode* parent, const char* name)
-        : VDebugInfoNamedNode(DW_TAG_union_type, sectionOffset, header, parent, name) {}
+        : VDebugInfoGroupedTypeNode(DW_TAG_union_type, sectionOffset, header, parent, name) {}
 
     [[nodiscard]] bool IsEntryScope() const override { return true; }
     [[nodiscard]] bool HasByteSize() const override { return true; }

@@ -2,14 +2,29 @@
 
 #include "nodes/VDebugInfoNode.h"
 
-#include <algorithm>
-#include <iterator>
+#include <bit>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr unsigned sStretchBits = 5;
+constexpr unsigned sStretchBits = 6;
+constexpr std::uint32_t sStretchMask = (1U << sStretchBits) - 1;
+
+NodeGroup GroupOf(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_compile_unit:
+        return NodeGroup::CompileUnits;
+    case DW_TAG_variable:
+        return NodeGroup::Variables;
+    case DW_TAG_member:
+    case DW_TAG_enumeration_type:
+        return NodeGroup::MembersAndEnumerations;
+    default:
+        return IsGroupedType(tag) ? NodeGroup::GroupedTypes : NodeGroup::None;
+    }
+}
 
 } // namespace
 
@@ -19,37 +34,63 @@ VDieNodeMap::~VDieNodeMap() = default;
 void VDieNodeMap::Insert(std::uint32_t sectionOffset, VDebugInfoNode* node) {
     mIsSettled = false;
     if (sectionOffset > mLastOffset) {
-        mNodes.push_back(node);
+        Append(node);
         mLastOffset = sectionOffset;
     } else {
         mOutOfOrder.try_emplace(sectionOffset, node);
     }
 }
 
+void VDieNodeMap::Append(VDebugInfoNode* node) const {
+    const auto place = static_cast<std::uint32_t>(mNodes.size());
+    const std::uint32_t offset = node->GetOffset();
+    const std::size_t stretch = offset >> sStretchBits;
+    if (stretch >= mEntryStarts.size()) {
+        mEntryStarts.resize(stretch + 1);
+        mFirstInStretch.resize(stretch + 1, place);
+    }
+    mEntryStarts[stretch] |= std::uint64_t{1} << (offset & sStretchMask);
+    if (const NodeGroup group = GroupOf(node->GetTag()); group != NodeGroup::None) {
+        mPlaces[static_cast<std::size_t>(group)].push_back(place);
+    }
+    mNodes.emplace_back(node);
+}
+
 VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
     Settle();
     const std::size_t stretch = sectionOffset >> sStretchBits;
-    if (stretch >= mFirstInStretch.size()) {
+    if (stretch >= mEntryStarts.size()) {
         return nullptr;
     }
-    for (std::size_t index = mFirstInStretch[stretch]; index < mNodes.size(); ++index) {
-        const std::uint32_t offset = mNodes[index]->GetOffset();
-        if (offset >= sectionOffset) {
-            return offset == sectionOffset ? mNodes[index] : nullptr;
-        }
+    const std::uint64_t starts = mEntryStarts[stretch];
+    const std::uint64_t own = std::uint64_t{1} << (sectionOffset & sStretchMask);
+    if ((starts & own) == 0) {
+        return nullptr;
     }
-    return nullptr;
+    const auto before = static_cast<std::size_t>(std::popcount(starts & (own - 1)));
+    const std::size_t place = mFirstInStretch[stretch] + before;
+    mIsReferred[place] = true;
+    return mNodes[place];
 }
 
-std::span<VDebugInfoNode* const> VDieNodeMap::InOffsetOrder() const {
+void VDieNodeMap::NoteReferred(const VDebugInfoNode& node) const {
+    static_cast<void>(Find(node.GetOffset()));
+}
+
+std::span<const VDieNodeMap::Link> VDieNodeMap::InOffsetOrder() const {
     Settle();
     return mNodes;
+}
+
+std::span<const std::uint32_t> VDieNodeMap::PlacesOf(NodeGroup group) const {
+    Settle();
+    return mPlaces[static_cast<std::size_t>(group)];
 }
 
 void VDieNodeMap::Settle() const {
     if (!mIsSettled) {
         MergeOutOfOrder();
-        BuildIndex();
+        mIsReferred.resize(mNodes.size());
         mIsSettled = true;
     }
 }
@@ -58,32 +99,21 @@ void VDieNodeMap::MergeOutOfOrder() const {
     if (mOutOfOrder.empty()) {
         return;
     }
-    std::vector<VDebugInfoNode*> merged;
-    merged.reserve(Size());
+    const std::vector<Link> inOrder = std::exchange(mNodes, {});
+    mEntryStarts.clear();
+    mFirstInStretch.clear();
+    mPlaces = {};
     auto late = mOutOfOrder.cbegin();
-    for (VDebugInfoNode* node : mNodes) {
+    for (VDebugInfoNode* node : inOrder) {
         for (; late != mOutOfOrder.cend() && late->first < node->GetOffset(); ++late) {
-            merged.push_back(late->second);
+            Append(late->second);
         }
         if (late != mOutOfOrder.cend() && late->first == node->GetOffset()) {
             ++late;
         }
-        merged.push_back(node);
+        Append(node);
     }
-    mNodes = std::move(merged);
     mOutOfOrder.clear();
-}
-
-void VDieNodeMap::BuildIndex() const {
-    const std::uint32_t last = mNodes.empty() ? 0 : mNodes.back()->GetOffset();
-    mFirstInStretch.assign(mNodes.empty() ? 0 : (last >> sStretchBits) + std::size_t{1}, 0);
-    std::size_t stretch = 0;
-    for (std::size_t index = 0; index < mNodes.size(); ++index) {
-        const std::size_t own = mNodes[index]->GetOffset() >> sStretchBits;
-        for (; stretch <= own; ++stretch) {
-            mFirstInStretch[stretch] = static_cast<std::uint32_t>(index);
-        }
-    }
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,7 +1,11 @@
 // The nodes of a section by the section offsets of their debug entries. All references are resolved
-// through it, and the passes walk it in ascending offset order.
+// through it, and the passes walk it, whole or by the kind of node that they are for, in ascending
+// offset order.
 #pragma once
 
+#include "nodes/VNodeArena.h"
+
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -12,13 +16,25 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
+/// Nodes that are looked for among all others. A node is in one group or in none.
+enum class NodeGroup : std::uint8_t {
+    CompileUnits,
+    Variables,
+    /// See `IsGroupedType`.
+    GroupedTypes,
+    MembersAndEnumerations,
+    None
+};
+
 /// Section offset of a debug entry to its node.
 ///
 /// Entries come in the order of reading, which is nearly always the order of offsets: the map is a
-/// flat table with a sparse index over it, and only what comes out of order, as overlapping units
-/// do, is kept aside until the first question. Nodes are borrowed.
+/// flat table with an index over it, and only what comes out of order, as overlapping units do, is
+/// kept aside until the first question. Nodes are borrowed; they lie in an arena.
 class VDieNodeMap {
 public:
+    using Link = VNodeLink<VDebugInfoNode>;
+
     VDieNodeMap();
     ~VDieNodeMap();
     VDieNodeMap(const VDieNodeMap&) = delete;
@@ -32,24 +48,55 @@ public:
     /// Adds a node under its offset. An offset that is there already keeps its first node.
     void Insert(std::uint32_t sectionOffset, VDebugInfoNode* node);
 
-    /// The node of exactly this offset, or null.
+    /// The node of exactly this offset, or null. Takes note that it is referred to.
     [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const;
 
+    /// Takes note that a node of the map is referred to by a link that `Find` did not give.
+    void NoteReferred(const VDebugInfoNode& node) const;
+
     /// All nodes in ascending order of their offsets. The view ends with the next `Insert`.
-    [[nodiscard]] std::span<VDebugInfoNode* const> InOffsetOrder() const;
+    [[nodiscard]] std::span<const Link> InOffsetOrder() const;
+
+    /// Where the nodes of a group stand in `InOffsetOrder`, ascending. The view ends with the next
+    /// `Insert`.
+    [[nodiscard]] std::span<const std::uint32_t> PlacesOf(NodeGroup group) const;
+
+    /// Calls `visit` with each node of a group, in ascending order of their offsets.
+    template <typename Visitor>
+    void ForEachOf(NodeGroup group, Visitor&& visit) const {
+        for (const std::uint32_t place : PlacesOf(group)) {
+            visit(*mNodes[place]);
+        }
+    }
+
+    /// Calls `visit` with each node that is known to be referred to, in ascending order of their
+    /// offsets.
+    template <typename Visitor>
+    void ForEachReferred(Visitor&& visit) const {
+        for (std::size_t place = 0; place < mIsReferred.size(); ++place) {
+            if (mIsReferred[place]) {
+                visit(*mNodes[place]);
+            }
+        }
+    }
 
     [[nodiscard]] std::size_t Size() const { return mNodes.size() + mOutOfOrder.size(); }
 
 private:
+    void Append(VDebugInfoNode* node) const;
     void Settle() const;
     void MergeOutOfOrder() const;
-    void BuildIndex() const;
 
     // Questions settle what insertions left open, hence mutable.
-    mutable std::vector<VDebugInfoNode*> mNodes;
+    mutable std::vector<Link> mNodes;
     mutable std::map<std::uint32_t, VDebugInfoNode*> mOutOfOrder;
-    /// For each stretch of 32 bytes of the section the index of the first node in or behind it.
+    /// For each stretch of 64 bytes of the section a bit for each byte where an entry begins, and
+    /// the place of the first entry in or behind it.
+    mutable std::vector<std::uint64_t> mEntryStarts;
     mutable std::vector<std::uint32_t> mFirstInStretch;
+    mutable std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>
+        mPlaces;
+    mutable std::vector<bool> mIsReferred;
     mutable bool mIsSettled = false;
     std::int64_t mLastOffset = -1;
 };

@@ -13,7 +13,7 @@ constexpr std::size_t sTextChunkSize = std::size_t{256} * 1024;
 
 VNodeArena::~VNodeArena() {
     for (const std::uint32_t number : mChunkNumbers) {
-        ::operator delete (std::exchange(sChunks[number], nullptr), std::align_val_t{kChunkSize});
+        sChunks[number] = nullptr;
     }
 }
 
@@ -22,18 +22,23 @@ void VNodeArena::AddChunk() {
     if (unused == sChunks.end()) {
         throw std::bad_alloc();
     }
+    if (mUsedChunksOfSlab == kChunksPerSlab) {
+        AddSlab();
+    }
     const auto number = static_cast<std::uint32_t>(unused - sChunks.begin());
-    const auto release = [](void* chunk) {
-        ::operator delete (chunk, std::align_val_t{kChunkSize});
-    };
-    std::unique_ptr<void, decltype(release)> memory(
-        ::operator new (kChunkSize, std::align_val_t{kChunkSize}), release);
     mChunkNumbers.push_back(number);
-    auto* chunk = static_cast<std::byte*>(memory.release());
+    std::byte* chunk = mSlabs.back().get() + mUsedChunksOfSlab++ * kChunkSize;
     sChunks[number] = chunk;
     new (chunk) ChunkHeader{number};
     mNext = chunk + sizeof(ChunkHeader);
     mEnd = chunk + kChunkSize;
+}
+
+void VNodeArena::AddSlab() {
+    std::unique_ptr<std::byte, SlabDeleter> slab(static_cast<std::byte*>(
+        ::operator new (kChunksPerSlab* kChunkSize, std::align_val_t{kChunkSize})));
+    mSlabs.push_back(std::move(slab));
+    mUsedChunksOfSlab = 0;
 }
 
 const char* VNodeArena::KeepText(std::string_view text) {

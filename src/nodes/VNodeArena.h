@@ -47,6 +47,8 @@ private:
     template <typename T>
     friend class VNodeLink;
 
+    /// Chunks come from the system this many at a time; memory that isn't used yet costs nothing.
+    static constexpr std::size_t kChunksPerSlab = 8;
     static constexpr std::size_t kMaximumChunkCount = std::size_t{1} << 15U;
     static constexpr unsigned kUnitBits = 17;
 
@@ -64,12 +66,21 @@ private:
     }
     char* AllocateText(std::size_t size);
     void AddChunk();
+    void AddSlab();
 
     /// The chunks of all arenas by their numbers.
     static inline std::array<std::byte*, kMaximumChunkCount> sChunks{};
 
     std::byte* mNext = nullptr;
     std::byte* mEnd = nullptr;
+    struct SlabDeleter {
+        void operator()(std::byte* slab) const {
+            ::operator delete (slab, std::align_val_t{kChunkSize});
+        }
+    };
+
+    std::vector<std::unique_ptr<std::byte, SlabDeleter>> mSlabs;
+    std::size_t mUsedChunksOfSlab = kChunksPerSlab;
     std::vector<std::uint32_t> mChunkNumbers;
     char* mNextText = nullptr;
     char* mTextEnd = nullptr;

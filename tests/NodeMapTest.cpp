@@ -1,0 +1,77 @@
+// The table of nodes by offset, above all when entries come out of order, as overlapping units
+// bring it about.
+#include "nodes/VDebugInfoNamedNode.h"
+#include "nodes/VDieNodeMap.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <vector>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::ElementsAre;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+class NodeMapTest : public testing::Test {
+protected:
+    VDebugInfoNode* Insert(dwarf_tag tag, std::uint32_t offset) {
+        auto* node = mArena.Create<VDebugInfoNodeGeneral>(tag, offset, nullptr, nullptr, "");
+        mMap.Insert(offset, node);
+        return node;
+    }
+
+    [[nodiscard]] std::vector<std::uint32_t> OffsetsOf(NodeGroup group) const {
+        std::vector<std::uint32_t> offsets;
+        mMap.ForEachOf(group,
+                       [&](const VDebugInfoNode& node) { offsets.push_back(node.GetOffset()); });
+        return offsets;
+    }
+
+    [[nodiscard]] std::vector<std::uint32_t> ReferredOffsets() const {
+        std::vector<std::uint32_t> offsets;
+        mMap.ForEachReferred(
+            [&](const VDebugInfoNode& node) { offsets.push_back(node.GetOffset()); });
+        return offsets;
+    }
+
+    VNodeArena mArena;
+    VDieNodeMap mMap;
+};
+
+TEST_F(NodeMapTest, OffsetsAndGroupsHoldWhatCameOutOfOrder) {
+    Insert(DW_TAG_variable, 70);
+    VDebugInfoNode* member = Insert(DW_TAG_member, 128);
+    Insert(DW_TAG_variable, 4000);
+    VDebugInfoNode* late = Insert(DW_TAG_variable, 64);
+    Insert(DW_TAG_typedef, 127);
+    Insert(DW_TAG_variable, 128);
+
+    EXPECT_THAT(OffsetsOf(NodeGroup::Variables), ElementsAre(64, 70, 4000));
+    EXPECT_THAT(OffsetsOf(NodeGroup::GroupedTypes), ElementsAre(127));
+    EXPECT_THAT(OffsetsOf(NodeGroup::MembersAndEnumerations), ElementsAre(128));
+    EXPECT_EQ(mMap.Find(64), late);
+    EXPECT_EQ(mMap.Find(128), member) << "an offset keeps its first node";
+    for (const std::uint32_t nothing : {0U, 63U, 65U, 129U, 4001U, 5000U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(mMap.Find(nothing), nullptr) << nothing;
+    }
+
+    // What comes after a question joins the rest.
+    VDebugInfoNode* last = Insert(DW_TAG_variable, 4001);
+    EXPECT_EQ(mMap.Find(4001), last);
+    EXPECT_EQ(mMap.InOffsetOrder().size(), 6U);
+}
+
+TEST_F(NodeMapTest, ReferredNodesAreThoseThatWereFound) {
+    Insert(DW_TAG_typedef, 1);
+    VDebugInfoNode* definition = Insert(DW_TAG_structure_type, 2);
+    Insert(DW_TAG_base_type, 3);
+    EXPECT_NE(mMap.Find(3), nullptr);
+    EXPECT_EQ(mMap.Find(4), nullptr);
+    EXPECT_THAT(ReferredOffsets(), ElementsAre(3));
+    mMap.NoteReferred(*definition);
+    EXPECT_THAT(ReferredOffsets(), ElementsAre(2, 3));
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
