@@ -2,7 +2,7 @@
 # Installs the Debian packages that building and testing need, those that are missing alone. With the
 # argument "samples" also the cross compilers that rebuild the sample images; with "docs" also what
 # builds the reference; with "bench" also what makes the big images and the tools that brindle is
-# measured beside.
+# measured beside; with "fuzz" also the compiler that has libFuzzer.
 set -euo pipefail
 
 packages=(
@@ -19,6 +19,9 @@ samples)
     ;;
 docs)
     packages+=(doxygen)
+    ;;
+fuzz)
+    packages+=(clang-14 libclang-rt-14-dev llvm-14)
     ;;
 bench)
     packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

@@ -2,15 +2,11 @@
 // was read wrongly. Off by its start value; it never influences a result.
 #pragma once
 
+#include "core/FormatText.h"
+
 #include <fstream>
 #include <ios>
 #include <string>
-
-#if defined(__GNUC__)
-#define BRINDLE_PRINTF_LIKE __attribute__((format(printf, 1, 2)))
-#else
-#define BRINDLE_PRINTF_LIKE
-#endif
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -33,13 +29,13 @@ bool OpenDiagnosticFile(std::ofstream& file, const std::string& name, const std:
 
 /// Writes one line. Like its two sisters it does nothing unless `mIsLogFile` is set and the log is
 /// open; callers guard expensive arguments themselves.
-BRINDLE_PRINTF_LIKE void elflog(const char* format, ...);
+BRINDLE_PRINTF_LIKE(1, 2) void elflog(const char* format, ...);
 
 /// Writes text without a line end.
-BRINDLE_PRINTF_LIKE void elfelog(const char* format, ...);
+BRINDLE_PRINTF_LIKE(1, 2) void elfelog(const char* format, ...);
 
 /// Writes one line, indented by `mLogNestLevel`.
-BRINDLE_PRINTF_LIKE void elfilog(const char* format, ...);
+BRINDLE_PRINTF_LIKE(1, 2) void elfilog(const char* format, ...);
 
 /// Starts the clock of `GetLogTimeMs`.
 void s_initElfLogTimer();

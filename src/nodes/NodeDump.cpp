@@ -17,12 +17,6 @@
 #include <fstream>
 #include <string>
 
-#if defined(__GNUC__)
-#define BRINDLE_PRINTF_TO_STREAM __attribute__((format(printf, 2, 3)))
-#else
-#define BRINDLE_PRINTF_TO_STREAM
-#endif
-
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
@@ -43,7 +37,7 @@ constexpr std::size_t sMaximumListLength = std::size_t{1} << 20U;
 
 constexpr std::int32_t sNoRecord = -1;
 
-BRINDLE_PRINTF_TO_STREAM void Print(std::ostream& stream, const char* format, ...) {
+BRINDLE_PRINTF_LIKE(2, 3) void Print(std::ostream& stream, const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
     stream << FormatText(format, arguments);

@@ -1,0 +1,24 @@
+// Whole reads of well-formed ELF images with any section contents.
+//
+// Input: the choices of `ApplyChoices`, of which the container is ELF always; then the sections as
+// `SectionInput` tells them.
+#include "support/FuzzedRead.h"
+#include "support/InputFile.h"
+#include "support/ScopedReaderState.h"
+#include "support/SectionInput.h"
+
+using namespace Tessel::Norn::Brindle;
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    Fuzzing::SilenceStandardOutput();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const Tests::ScopedReaderState state;
+    Fuzzing::InputBytes input(data, size);
+    Fuzzing::ReadChoices choices = Fuzzing::ApplyChoices(input);
+    choices.container = Reader::DWARF::DWARFContainerType::Container_ELF;
+    Fuzzing::ReadAndQuery(choices, Fuzzing::SectionInput::Parse(input).Image());
+    return 0;
+}

@@ -1,0 +1,170 @@
+#!/usr/bin/env python3
+"""Makes the inputs that fuzzing starts from, a folder for each target, from the sample images.
+
+Whole images are cut down to the sections that the reader uses, then to one compile unit each, so that
+inputs stay small. Nothing is made of an image that isn't ELF but the image itself.
+"""
+import argparse
+import pathlib
+import random
+import struct
+
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+CHOICE_BYTES = 8
+CONTAINERS = {"elf": 0, "coff": 1, "pe": 2}
+SECTIONS = [".debug_info", ".debug_abbrev", ".debug_str", ".debug_loc", ".symtab", ".strtab"]
+ENTRY_BYTES = 14
+
+# Choices that matter, by what they are good for: all types with a search for damaged units; demangled
+# symbol names; symbols of no type; log and dumps.
+CHOICES = [
+    bytes([0, 1, 0, 0, 0, 0, 0, 0]),
+    bytes([0, 1, 1, 0, 0x40, 0, 0, 0]),
+    bytes([0, 0, 2, 0x60, 0, 0, 0, 0]),
+    bytes([0, 1, 3, 0x6F, 0x05, 0xD0, 0, 0]),
+]
+
+DEMANGLER = """
+_ZN5plant6Device6sCountE _ZN1aIiE1bE _ZNK3ns18Outer5InnerIcLi3EE4nameE _ZN12_GLOBAL__N_13fooE _ZL4gMax
+_ZZ4mainE5count _ZN3std6vectorIiSaIiEE4sizeE _ZTV6Device _ZStlsISt11char_traitsIcE _Z3fooi ___Z3foo
+count__6Device count__Q25plant6Device count__Q_12_5plant6Device f__Fv get__6DeviceCFi __ct__6DeviceFv
+__vtbl__6Device var__Q3_1a1b1c t__t4List1Zi x__10Abcdefghij __1x a.b.c <lambda> _underscore
+""".split()
+
+DATATYPES = ["", "BYTE", "UBYTE", "WORD", "UWORD", "DWORD", "UDWORD", "QWORD", "UQWORD", "INT", "UINT",
+             "LONG", "ULONG", "BIT1", "UBIT1", "BIT64", "UBIT12", "BIT65", "FLOAT", "FLOAT16", "DOUBLE",
+             "NONE", "STRING(8)", "ubit3"]
+
+PATHS = ["a", "a.n[1][2].a", "::a.u", "ns::a[0]", "a.Base::id", "a[0].n.bits", "T<a.b>.n[0][0]", "a.b",
+         "a..b", "a[", "a[99999999999999999999]", "[", "::", ""]
+
+LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "117f", "034000000023 10",
+             "0340000000 0804 22", "0340000000 0804 1c", "0340000000 9d 03 05", "9100", "2304", "50", "9f"]
+
+
+class Elf:
+    """As much of an ELF image as the sections above need."""
+
+    def __init__(self, data):
+        self.is64 = data[4] == 2
+        self.order = ">" if data[5] == 2 else "<"
+        self.machine = struct.unpack_from(self.order + "H", data, 18)[0]
+        where, table, record = ("Q", 0x28, 0x3A) if self.is64 else ("I", 0x20, 0x2E)
+        start = struct.unpack_from(self.order + where, data, table)[0]
+        size, count, names_index = struct.unpack_from(self.order + "HHH", data, record)
+        headers = [self.header(data, start + index * size) for index in range(count)]
+        names = headers[names_index][1]
+        self.sections = {}
+        for name_offset, content in headers:
+            name = names[name_offset:names.index(b"\0", name_offset)].decode()
+            self.sections[name] = content
+
+    def header(self, data, position):
+        if self.is64:
+            name, kind, _, _, offset, size = struct.unpack_from(self.order + "IIQQQQ", data, position)
+        else:
+            name, kind, _, _, offset, size = struct.unpack_from(self.order + "IIIIII", data, position)
+        return name, b"" if kind == 8 else data[offset:offset + size]
+
+    def units(self):
+        info = self.sections.get(".debug_info", b"")
+        position = 0
+        while position < len(info):
+            length = struct.unpack_from(self.order + "I", info, position)[0] + 4
+            yield info[position:position + length]
+            position += length
+
+    def target(self):
+        machines = {40: 0, 118: 1, 141: 2}
+        return self.is64 | (self.order == ">") << 1 | machines.get(self.machine, 3) << 2
+
+
+def pack_sections(elf, contents):
+    packed = bytes([elf.target(), 1])
+    for name in SECTIONS:
+        content = contents.get(name, b"")
+        packed += struct.pack("<I", len(content))[:3] + content
+    return packed
+
+
+def one_unit(elf, unit, strings):
+    """The sections of one unit, its abbreviation table alone and at the start of the section."""
+    offset = struct.unpack_from(elf.order + "I", unit, 6)[0]
+    abbreviations = elf.sections[".debug_abbrev"][offset:]
+    following = [struct.unpack_from(elf.order + "I", other, 6)[0] for other in elf.units()]
+    end = min((other - offset for other in following if other > offset), default=len(abbreviations))
+    contents = {
+        ".debug_info": unit[:6] + bytes(4) + unit[10:],
+        ".debug_abbrev": abbreviations[:end],
+        ".debug_loc": elf.sections.get(".debug_loc", b""),
+    }
+    if strings:
+        contents[".debug_str"] = elf.sections.get(".debug_str", b"")
+        contents[".symtab"] = elf.sections.get(".symtab", b"")[:1024]
+        contents[".strtab"] = elf.sections.get(".strtab", b"")[:2048]
+    return contents
+
+
+class Seeds:
+    def __init__(self, folder):
+        self.folder = folder
+
+    def add(self, target, name, content):
+        folder = self.folder / target
+        folder.mkdir(parents=True, exist_ok=True)
+        (folder / name).write_bytes(content)
+
+    def images(self, samples):
+        for path in samples:
+            data = path.read_bytes()
+            is_elf = data.startswith(b"\x7fELF")
+            container = "elf" if is_elf else "pe" if data.startswith(b"MZ") else "coff"
+            for index, choices in enumerate(CHOICES[:2] if len(data) > 20000 else CHOICES):
+                head = bytes([CONTAINERS[container]]) + choices[1:]
+                self.add("read", f"{path.name}-{index}", head + data)
+            if is_elf:
+                self.sections(path.name, Elf(data))
+
+    def sections(self, name, elf):
+        for index, unit in enumerate(elf.units()):
+            choices = CHOICES[index % len(CHOICES)]
+            packed = pack_sections(elf, one_unit(elf, unit, strings=index % 2 == 0))
+            self.add("sections", f"{name}-{index}", choices + packed)
+        symbols = {key: elf.sections.get(key, b"") for key in (".symtab", ".strtab")}
+        self.add("sections", f"{name}-symbols", CHOICES[2] + pack_sections(elf, symbols))
+
+    def entries(self, count):
+        numbers = random.Random(1)
+        for index in range(count):
+            size = ENTRY_BYTES * numbers.choice([4, 10, 30, 80])
+            target = bytes([numbers.choice([0, 1, 2, 4, 8, 11])])
+            content = CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size)
+            self.add("entries", f"random-{index}", content)
+
+    def texts(self):
+        for index, name in enumerate(DEMANGLER):
+            for choice in (0, 1, 0x40, 0x4F):
+                self.add("demangler", f"{index}-{choice}", bytes([choice, 200]) + name.encode())
+        for index, text in enumerate(DATATYPES):
+            self.add("datatype", str(index), bytes([0x80 + index, 1, 0, 0, index, 0]) + text.encode())
+        for index, text in enumerate(PATHS):
+            self.add("paths", str(index), text.encode())
+        for index, text in enumerate(LOCATIONS):
+            expression = bytes.fromhex(text.replace(" ", ""))
+            self.add("locations", f"entry-{index}", bytes([4, 0, len(expression), 0]) + expression)
+            entry = struct.pack("<IIH", 0, 8, len(expression)) + expression
+            self.add("locations", f"list-{index}", bytes([4, 4, 10, 0]) + entry)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("folder", type=pathlib.Path)
+    seeds = Seeds(parser.parse_args().folder)
+    images = sorted((ROOT / "tests" / "samples" / "images").iterdir())
+    seeds.images(path for path in images if path.stat().st_size < 40000)
+    seeds.entries(60)
+    seeds.texts()
+
+
+if __name__ == "__main__":
+    main()

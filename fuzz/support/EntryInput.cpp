@@ -1,0 +1,251 @@
+#include "support/EntryInput.h"
+
+#include "support/DwarfSections.h"
+
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Fuzzing {
+
+using namespace Reader::DWARF;
+using namespace Tests;
+
+namespace {
+
+constexpr dwarf_tag sTags[] = {
+    DW_TAG_variable,
+    DW_TAG_structure_type,
+    DW_TAG_member,
+    DW_TAG_base_type,
+    DW_TAG_class_type,
+    DW_TAG_union_type,
+    DW_TAG_typedef,
+    DW_TAG_pointer_type,
+    DW_TAG_array_type,
+    DW_TAG_subrange_type,
+    DW_TAG_const_type,
+    DW_TAG_volatile_type,
+    DW_TAG_enumeration_type,
+    DW_TAG_enumerator,
+    DW_TAG_namespace,
+    DW_TAG_subprogram,
+    DW_TAG_formal_parameter,
+    DW_TAG_lexical_block,
+    DW_TAG_inheritance,
+    DW_TAG_subroutine_type,
+    DW_TAG_template_type_param,
+    DW_TAG_template_value_param,
+    DW_TAG_compile_unit,
+    DW_TAG_reference_type,
+    DW_TAG_ptr_to_member_type,
+    DW_TAG_class_template,
+    DW_TAG_unspecified_type,
+    DW_TAG_unspecified_parameters,
+    DW_TAG_restrict_type,
+    DW_TAG_packed_type,
+    DW_TAG_set_type,
+    DW_TAG_file_type,
+    DW_TAG_label,
+    DW_TAG_imported_declaration,
+    DW_TAG_imported_module,
+    DW_TAG_inlined_subroutine,
+    DW_TAG_common_block,
+    DW_TAG_common_inclusion,
+    DW_TAG_partial_unit,
+    DW_TAG_rvalue_reference_type,
+    DW_TAG_interface_type,
+    DW_TAG_access_declaration,
+    DW_TAG_friend,
+    DW_TAG_namelist,
+    DW_TAG_with_stmt,
+    DW_TAG_format_label,
+    DW_TAG_MIPS_loop,
+    0x5555,
+};
+
+const std::string sNames[] = {
+    "a",
+    "b",
+    "c",
+    "T",
+    "U",
+    "T<int>",
+    "T<U>",
+    "T<T<T<a> > >",
+    "outer",
+    "",
+    "_ZN5outer1aE",
+    "a__5outer",
+    "__0",
+    "x.y",
+    "_a",
+    "int",
+    "unsigned char",
+    "<anonymous>",
+    "\xFF\xFE",
+    "operator<",
+    std::string(300, 'n'),
+    std::string(3000, '<'),
+};
+
+constexpr std::uint64_t sNumbers[] = {
+    0, 1, 4, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF, 0xFFFFFFFFFFFFFFFF};
+
+template <typename Values>
+const auto& Choose(const Values& values, std::size_t choice) {
+    return values[choice % std::size(values)];
+}
+
+enum class Structure : std::uint8_t { Sibling, Parent, LastChild, LastUnit };
+
+struct Record {
+    Structure structure = Structure::Sibling;
+    dwarf_tag tag = 0;
+    std::uint32_t attributes = 0;
+    std::uint8_t name = 0;
+    std::uint32_t type = 0;
+    std::uint32_t specification = 0;
+    std::uint64_t number = 0;
+    std::uint8_t location = 0;
+    std::uint8_t forms = 0;
+    DieLabel label;
+};
+
+Record TakeRecord(InputBytes& input) {
+    Record record;
+    record.structure = static_cast<Structure>(input.Byte() % 4);
+    record.tag = Choose(sTags, input.Byte());
+    record.attributes = input.Number(2);
+    record.name = input.Byte();
+    record.type = input.Number(2);
+    record.specification = input.Number(2);
+    record.number = input.Number(2);
+    record.location = input.Byte();
+    record.forms = input.Byte();
+    // Most numbers are small; the others stand at the borders of their types.
+    if (input.Byte() >= 0xF0) {
+        record.number = Choose(sNumbers, record.number);
+    }
+    return record;
+}
+
+class TreeBuilder {
+public:
+    explicit TreeBuilder(std::vector<Record> records)
+        : mRecords(std::move(records)) {}
+
+    [[nodiscard]] bool IsAtEnd() const { return mNext == mRecords.size(); }
+
+    /// The entries of the next unit.
+    std::vector<Die> Unit() {
+        std::vector<Die> roots;
+        mIsUnitOpen = true;
+        while (!IsAtEnd() && mIsUnitOpen) {
+            roots.push_back(Entry());
+        }
+        return {Die(DW_TAG_compile_unit, {Name("unit.c"), Producer("any")}, std::move(roots))};
+    }
+
+private:
+    Die Entry() {
+        const Record& record = mRecords[mNext++];
+        mIsListOpen = record.structure != Structure::LastChild;
+        mIsUnitOpen = record.structure != Structure::LastUnit;
+        std::vector<Die> children;
+        if (record.structure == Structure::Parent) {
+            while (!IsAtEnd() && mIsListOpen && mIsUnitOpen) {
+                children.push_back(Entry());
+            }
+            mIsListOpen = true;
+        }
+        return {record.label, record.tag, Attributes(record), std::move(children)};
+    }
+
+    [[nodiscard]] DieLabel Target(std::uint32_t index) const {
+        return mRecords[index % mRecords.size()].label;
+    }
+
+    [[nodiscard]] std::vector<DieAttribute> Attributes(const Record& record) const {
+        std::vector<DieAttribute> attributes;
+        const auto add = [&](std::uint32_t bit, DieAttribute attribute) {
+            if ((record.attributes & (1U << bit)) != 0) {
+                attributes.push_back(std::move(attribute));
+            }
+        };
+        const std::uint32_t textForm = (record.forms & 0x01U) != 0 ? DW_FORM_strp : DW_FORM_string;
+        const std::uint32_t numberForm =
+            (record.forms & 0x02U) != 0 ? DW_FORM_data8 : DW_FORM_udata;
+        const auto signedNumber = static_cast<std::int64_t>(record.number);
+        add(0, Name(Choose(sNames, record.name), textForm));
+        add(1, LinkageName(Choose(sNames, record.name / 8U + 9U), textForm));
+        // References into other units need the form that counts from the section's start.
+        add(2, Type(Target(record.type), DW_FORM_ref_addr));
+        add(3, Specification(Target(record.specification), DW_FORM_ref_addr));
+        add(4, ByteSize(record.number, numberForm));
+        add(5, BitSize(record.number % 256));
+        add(6, BitOffset(record.number / 256));
+        add(7, VariableLocation(record));
+        add(8, MemberOffset(record.number, numberForm));
+        add(9, Declaration());
+        add(10, External());
+        add(11, LowerBound(signedNumber));
+        add(12, UpperBound(signedNumber));
+        add(13, Count(record.number, numberForm));
+        add(14,
+            (record.forms & 0x04U) != 0 ? Encoding(record.number % 32) : ConstValue(signedNumber));
+        add(15, (record.forms & 0x08U) != 0 ? Accessibility(record.number % 4)
+                                            : CompDir(Choose(sNames, record.name)));
+        return attributes;
+    }
+
+    static DieAttribute VariableLocation(const Record& record) {
+        switch (record.location % 8) {
+        case 0:
+            return Location({{DW_OP_fbreg, {4}}});
+        case 1:
+            return Location({});
+        case 2:
+            return Number(DW_AT_location, DW_FORM_data4, record.number);
+        case 3:
+            return Location({{DW_OP_addr, {0x1000}}, {DW_OP_bit_piece, {3, record.location}}});
+        default:
+            return Address(0x1000 + record.location);
+        }
+    }
+
+    std::vector<Record> mRecords;
+    std::size_t mNext = 0;
+    bool mIsListOpen = true;
+    bool mIsUnitOpen = true;
+};
+
+} // namespace
+
+std::string ImageOfEntries(InputBytes& input) {
+    const std::uint8_t target = input.Byte();
+    const bool is64Bit = (target & 0x01U) != 0;
+    const ByteOrder byteOrder = (target & 0x02U) != 0 ? ByteOrder::Big : ByteOrder::Little;
+    DwarfUnit unit;
+    unit.version = 2 + static_cast<int>((target >> 2U) % 3U);
+    unit.addressSize = is64Bit ? 8 : 4;
+    unit.is64BitDwarf = is64Bit && (target & 0x80U) != 0;
+
+    std::vector<Record> records;
+    while (!input.IsEmpty()) {
+        records.push_back(TakeRecord(input));
+    }
+    TreeBuilder tree(std::move(records));
+    DwarfSections sections(byteOrder);
+    while (!tree.IsAtEnd()) {
+        unit.entries = tree.Unit();
+        sections.Unit(unit);
+    }
+    ElfImage image(is64Bit ? ElfClass::Class64 : ElfClass::Class32, byteOrder);
+    for (const char* name : {"a", "b", "_c", "_ZN5outer1aE", "a__5outer", "only"}) {
+        image.Symbol({name, 0x1004, 4});
+    }
+    return (image + sections).Build();
+}
+
+} // namespace Tessel::Norn::Brindle::Fuzzing

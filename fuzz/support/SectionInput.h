@@ -1,0 +1,46 @@
+// An ELF image as a fuzz input tells it: the contents of the sections that the reader uses.
+// Whatever they hold, the container around them is well-formed.
+#pragma once
+
+#include "support/InputBytes.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Fuzzing {
+
+enum class SectionKind : std::uint8_t {
+    DebugInfo,
+    DebugAbbrev,
+    DebugStr,
+    DebugLoc,
+    Symtab,
+    Strtab,
+};
+constexpr std::size_t sSectionKinds = 6;
+
+/// The sections and what is said of the target.
+///
+/// As bytes: one for class, byte order and machine, one for the alignment of `.debug_info`, then
+/// for each section its length in three bytes and its contents. A section without contents is
+/// missing.
+struct SectionInput {
+    std::uint8_t target = 0;
+    std::uint8_t alignment = 0;
+    std::array<std::string, sSectionKinds> contents;
+
+    /// Takes any bytes; those that are missing count as zero.
+    static SectionInput Parse(InputBytes& input);
+    [[nodiscard]] std::string Bytes() const;
+
+    [[nodiscard]] bool IsBigEndian() const { return (target & 0x02U) != 0; }
+    [[nodiscard]] std::string& At(SectionKind kind) {
+        return contents[static_cast<std::size_t>(kind)];
+    }
+    /// The file.
+    [[nodiscard]] std::string Image() const;
+};
+
+} // namespace Tessel::Norn::Brindle::Fuzzing

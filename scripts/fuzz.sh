@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Fuzzes one target for a time: fuzz.sh TARGET SECONDS [JOBS]. TARGET is read, sections, entries,
+# locations, demangler, datatype or paths. The search goes on from the inputs of earlier runs in
+# build/fuzz-corpus/TARGET. One input may take 10 seconds and 1 GB; an input that crashes, hangs or
+# breaks a promise ends the run and is kept in build/fuzz-findings/TARGET.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+target=$1 seconds=$2 jobs=${3:-1}
+
+scripts/install-packages.sh fuzz
+cmake --preset fuzz >&2
+cmake --build --preset fuzz --target "fuzz_$target" >&2
+
+corpus=build/fuzz-corpus/$target findings=build/fuzz-findings/$target
+mkdir -p "$corpus" "$findings"
+seeds=$(mktemp -d)
+# Inputs are files for a moment: kept in memory where the system has room for that.
+[ ! -d /dev/shm ] || TMPDIR=$(mktemp -d /dev/shm/brindle-fuzz-XXXXXX)
+export TMPDIR
+trap 'rm -rf "$seeds" ${TMPDIR:+"$TMPDIR"}' EXIT
+fuzz/make_seeds.py "$seeds"
+
+declare -A longest=([read]=40000 [sections]=12000 [entries]=3000)
+limits=(-timeout=10 -rss_limit_mb=1024 "-max_len=${longest[$target]:-1024}")
+[ "$jobs" -eq 1 ] || limits+=("-fork=$jobs")
+ASAN_OPTIONS=quarantine_size_mb=64 "build/fuzz/fuzz/fuzz_$target" "${limits[@]}" \
+    -max_total_time="$seconds" -print_final_stats=1 -dict=fuzz/dictionary.txt \
+    "-artifact_prefix=$findings/" "$corpus" "$seeds/$target" "fuzz/regressions/$target"
