@@ -47,7 +47,7 @@ constexpr std::size_t sMaximumSectionNameLength = 1023;
 
 /// Symbol record.
 struct Elf32_Sym {
-    /// Points into the string table buffer, or into the mapped image of a PE file, and is valid
+    /// Points into the string table buffer, or into the image of a PE file, and is valid
     /// while that lives. May be null.
     const char* name = nullptr;
     std::uint32_t st_name = 0;

@@ -85,7 +85,7 @@ public:
     /// state is `ELFERR_OPEN_FAILED` in the end.
     bool ReadPEFileDwarfSections();
     /// Fills `mSymbolMap` with the symbols of the image. False without error state if the map isn't
-    /// empty or no image is mapped.
+    /// empty or no image is in memory.
     bool ReadPEFileSymbolTable();
 
     /// @}

@@ -1,4 +1,4 @@
-// The PE side of `VElfFile`: its section records and its symbols come from the mapped image, its
+// The PE side of `VElfFile`: its section records and its symbols come from the image in memory, its
 // bytes from the stream, as in the other containers.
 #include "container/VElfFile.h"
 #include "core/ErrorState.h"

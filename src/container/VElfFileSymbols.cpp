@@ -76,7 +76,9 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
     }
     VElfBuffer buffer(*this);
     // A table that can't be loaded counts as empty: what else the file tells is worth having.
-    buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
+    if (!buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size) && IsOutOfMemory()) {
+        return false;
+    }
     map.Clear();
     if (mSecSymtab.sh_entsize == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
@@ -117,7 +119,9 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         return false;
     }
     VElfBuffer buffer(*this);
-    buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size);
+    if (!buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size) && IsOutOfMemory()) {
+        return false;
+    }
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
         if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {

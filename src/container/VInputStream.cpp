@@ -21,8 +21,12 @@ constexpr std::uint64_t sLeadingBytes = 128;
 int VInputStream::Open(const std::string& path) {
     // Some systems open a directory like a file and fail at the first read only.
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    if (std::filesystem::is_directory(status)) {
         return EISDIR;
+    }
+    if (std::filesystem::is_fifo(status)) {
+        return ESPIPE;
     }
     mStream.close();
     mPosition = 0;

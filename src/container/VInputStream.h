@@ -14,8 +14,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// A file opened for reading, without text translation. Positions and lengths are in bytes.
 class VInputStream {
 public:
-    /// Opens a file in place of the one that was open; a directory counts as a file that can't be
-    /// opened.
+    /// Opens a file in place of the one that was open. A directory counts as a file that can't be
+    /// opened, and so does a pipe, whose opening would wait for a writer.
     /// @return 0, or the system's error code
     int Open(const std::string& path);
 

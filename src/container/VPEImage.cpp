@@ -62,7 +62,7 @@ bool IsNameOffset(std::string_view name, std::uint32_t& offset) {
 } // namespace
 
 bool VPEImage::MapPEImage(const std::string& path) {
-    if (!mFile.Map(path)) {
+    if (!mFile.Load(path)) {
         return Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
     }
     if (!HasMark()) {

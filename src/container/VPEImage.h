@@ -5,7 +5,7 @@
 
 #include "container/ElfRecords.h"
 #include "container/IElfSymbolMap.h"
-#include "container/VFileMapping.h"
+#include "container/VWholeFile.h"
 
 #include <array>
 #include <cstdint>
@@ -18,10 +18,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VElfFile;
 
-/// A mapped image. It is little-endian, whatever the machine that reads it.
+/// An image in memory. It is little-endian, whatever the machine that reads it.
 class VPEImage {
 public:
-    /// Maps the file and lists its sections; once in the life of the object. Errors:
+    /// Reads the file and lists its sections; once in the life of the object. Errors:
     /// `ELFERR_OPEN_FAILED`; `ELFERR_FILE_TYPE` (no "MZ" at the start); `ELFERR_CORRUPTED` (the
     /// headers, or the name of a section, lie outside of the file).
     bool MapPEImage(const std::string& path);
@@ -33,7 +33,7 @@ public:
     /// Adds the symbols that have a name and an address and lie in a section: `st_value` is
     /// relative to the image base, all other fields are 0. The names live as long as this object. A
     /// symbol table that is cut off ends with the file. Errors: `ELFERR_OPEN_FAILED` if the file
-    /// isn't an image; none if no file is mapped.
+    /// isn't an image; none if no file was read.
     bool ReadImageSymbols(IElfSymbolMap& map);
 
 private:
@@ -50,7 +50,7 @@ private:
     bool ReadSectionHeader(std::uint64_t filePosition);
     const char* KeepSymbolName(std::uint64_t entryPosition);
 
-    VFileMapping mFile;
+    VWholeFile mFile;
     /// File position of the PE signature.
     std::uint64_t mSignature = 0;
     /// File position of the symbol entries; 0: there is neither symbol nor string table.
@@ -61,7 +61,7 @@ private:
     std::uint64_t mHeaderImageBase = 0;
     bool mIsDll = false;
     std::vector<Elf64_Shdr> mSections;
-    /// Names of `mSections`, each in the mapped file.
+    /// Names of `mSections`, each in the file.
     std::vector<std::string_view> mSectionNames;
     std::deque<ShortName> mShortNames;
 };

@@ -154,8 +154,8 @@ bool VDWARFReader::Read(const std::string& path, DWARFContainerType container) {
 bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* errorText,
                    std::int32_t errorTextSize, bool /*isHostCall*/, DWARFContainerType container) {
     VElfOptions::mGlobalVarInfoSource = 0;
-    StartLog(path);
     const DiagnosticsCloser diagnosticsCloser;
+    StartLog(path);
     tag_alignment.clear();
     VElfFile file(path, wrapper);
     const bool result = RunPhases(container, file, wrapper);

@@ -1,0 +1,31 @@
+#include "container/VWholeFile.h"
+
+#include "container/VInputStream.h"
+
+#include <new>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+bool VWholeFile::Load(const std::string& path) {
+    mSize = 0;
+    mBytes.reset();
+    VInputStream stream;
+    if (stream.Open(path) != 0) {
+        return false;
+    }
+    const std::int64_t length = stream.Length();
+    if (length <= 0 || !std::in_range<std::size_t>(length) || !stream.Seek(0)) {
+        return false;
+    }
+    const auto size = static_cast<std::size_t>(length);
+    mBytes.reset(new (std::nothrow) std::uint8_t[size]);
+    if (!mBytes || stream.Read(mBytes.get(), size) != size) {
+        mBytes.reset();
+        return false;
+    }
+    mSize = size;
+    return true;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
