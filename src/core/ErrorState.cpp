@@ -22,6 +22,10 @@ bool Fail(ELFReadErrorEnum code) {
     return false;
 }
 
+bool IsOutOfMemory() {
+    return gElfReaderErrorFlag == ELFReadErrorEnum::ELFERR_NO_MEMORY;
+}
+
 void ReportElfError(std::string& text) {
     text = VElfResourceManager::Instance().GetText(gElfReaderErrorFlag);
 }

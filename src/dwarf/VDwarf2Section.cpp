@@ -83,7 +83,9 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
     }
     // A section that can't be read leaves its lists unresolved.
-    mLocTabBuffer->Load();
+    if (!mLocTabBuffer->Load() && IsOutOfMemory()) {
+        return false;
+    }
     return mAbrSectionBuffer->Load();
 }
 

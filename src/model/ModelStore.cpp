@@ -31,8 +31,9 @@ std::span<const Item> ListAt(const std::vector<Item>& lists, std::uint32_t posit
 template <typename Item>
 std::vector<Item>& GrowingList(std::vector<std::vector<Item>>& lists, std::uint32_t& position) {
     if (position == 0) {
-        position = AsPosition(lists.size());
+        const std::uint32_t added = AsPosition(lists.size());
         lists.emplace_back();
+        position = added;
     }
     return lists[position];
 }

@@ -61,9 +61,9 @@ NameId NamePool::Find(std::string_view name, std::uint64_t hash) const {
 
 const char* NamePool::Keep(std::string_view bytes) {
     if (bytes.size() > mFreeSize) {
-        mFreeSize = std::max(bytes.size(), sChunkSize);
-        mChunks.push_back(std::make_unique_for_overwrite<char[]>(mFreeSize));
-        mFree = mChunks.back().get();
+        const std::size_t size = std::max(bytes.size(), sChunkSize);
+        mFree = mChunks.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
+        mFreeSize = size;
     }
     char* kept = mFree;
     std::memcpy(kept, bytes.data(), bytes.size());

@@ -53,7 +53,8 @@ char* VNodeArena::AllocateText(std::size_t size) {
         return mTextChunks.emplace_back(std::make_unique<char[]>(size)).get();
     }
     if (static_cast<std::size_t>(mTextEnd - mNextText) < size) {
-        mNextText = mTextChunks.emplace_back(new char[sTextChunkSize]).get();
+        mNextText =
+            mTextChunks.emplace_back(std::make_unique_for_overwrite<char[]>(sTextChunkSize)).get();
         mTextEnd = mNextText + sTextChunkSize;
     }
     return std::exchange(mNextText, mNextText + size);
