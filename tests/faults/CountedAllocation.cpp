@@ -1,0 +1,145 @@
+#include "faults/CountedAllocation.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace Tessel::Norn::Brindle::Tests {
+
+namespace {
+
+std::size_t gLiveCount = 0;
+/// Allocations until one fails; 0 while none is to fail.
+std::size_t gUntilFailure = 0;
+bool gHasFailed = false;
+
+bool IsDue() {
+    if (gUntilFailure == 0 || --gUntilFailure != 0) {
+        return false;
+    }
+    gHasFailed = true;
+    return true;
+}
+
+void* Allocate(std::size_t size, std::size_t alignment) {
+    if (IsDue()) {
+        return nullptr;
+    }
+    const std::size_t rounded = (size + alignment) / alignment * alignment;
+    void* memory = std::aligned_alloc(alignment, rounded);
+    gLiveCount += memory != nullptr ? 1 : 0;
+    return memory;
+}
+
+} // namespace
+
+std::size_t LiveAllocations() {
+    return gLiveCount;
+}
+
+FailingAllocation::FailingAllocation(std::size_t number) {
+    gHasFailed = false;
+    gUntilFailure = number;
+}
+
+FailingAllocation::~FailingAllocation() {
+    gUntilFailure = 0;
+}
+
+bool FailingAllocation::HasFailed() {
+    return gHasFailed;
+}
+
+void* AllocateOrThrow(std::size_t size, std::size_t alignment) {
+    void* memory = Allocate(size, alignment);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void* AllocateOrNull(std::size_t size, std::size_t alignment) noexcept {
+    return Allocate(size, alignment);
+}
+
+void Release(void* memory) noexcept {
+    gLiveCount -= memory != nullptr ? 1 : 0;
+    std::free(memory);
+}
+
+} // namespace Tessel::Norn::Brindle::Tests
+
+using namespace Tessel::Norn::Brindle::Tests;
+
+namespace {
+
+constexpr std::size_t sUsual = alignof(std::max_align_t);
+
+constexpr std::size_t Of(std::align_val_t alignment) {
+    return static_cast<std::size_t>(alignment);
+}
+
+} // namespace
+
+// All forms are replaced, since sanitizers tell blocks of their own forms from those of others.
+// NOLINTBEGIN(misc-new-delete-overloads): each form has its counterpart, of which there are fewer
+void* operator new(std::size_t size) {
+    return AllocateOrThrow(size, sUsual);
+}
+void* operator new[](std::size_t size) {
+    return AllocateOrThrow(size, sUsual);
+}
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return AllocateOrThrow(size, Of(alignment));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    return AllocateOrThrow(size, Of(alignment));
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, sUsual);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, sUsual);
+}
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, Of(alignment));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(size, Of(alignment));
+}
+void operator delete(void* memory) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory) noexcept {
+    Release(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    Release(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory, std::align_val_t) noexcept {
+    Release(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
+    Release(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+    Release(memory);
+}
+void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+    Release(memory);
+}
+void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+    Release(memory);
+}
+// NOLINTEND(misc-new-delete-overloads)

@@ -1,0 +1,70 @@
+// What the tests of faults share: an image that takes every road of a read, and reads of it that
+// something goes wrong in.
+#pragma once
+
+#include "model/DataModel.h"
+#include "support/ScopedReaderState.h"
+#include "support/TemporaryFolder.h"
+
+#include <cstddef>
+#include <functional>
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::DataModel {
+struct RecordedCall;
+}
+
+namespace Tessel::Norn::Brindle::Tests {
+
+/// A small image with variables, types of every kind, a function, declarations that are resolved
+/// in another unit and in the symbol table, and symbols without debug information.
+/// @param padding bytes that the first unit is larger by, so that it isn't read at once with others
+std::string ImageOfEverything(std::size_t padding = 0);
+/// The same debug information in a Windows image.
+std::string WindowsImageOfEverything(std::size_t padding = 0);
+
+/// How one read ended.
+struct FaultOutcome {
+    bool result = false;
+    /// Name of the exception that ended the read; empty if none did.
+    std::string exception;
+    std::string message;
+};
+
+/// Reads files while something fails. Standard output is dropped.
+class FaultTest : public testing::Test {
+protected:
+    FaultTest();
+    ~FaultTest() override;
+    FaultTest(const FaultTest&) = delete;
+    FaultTest& operator=(const FaultTest&) = delete;
+    FaultTest(FaultTest&&) = delete;
+    FaultTest& operator=(FaultTest&&) = delete;
+
+    using CallSink = std::function<void(const DataModel::RecordedCall&)>;
+
+    /// One read into a model, with all types and every callback set. A file whose name ends in
+    /// ".exe" is read as a Windows image, any other as ELF.
+    /// @param sink hears of each call after the model has answered it; may be empty
+    FaultOutcome Read(DataModel::DataModel& model, const std::string& path,
+                      const CallSink& sink = {});
+
+    /// "name@address" of each variable.
+    static std::vector<std::string> Variables(const DataModel::DataModel& model);
+
+    /// Asks every query of every object, so that a model that was left halfway shows it.
+    static void QueryAll(const DataModel::DataModel& model);
+
+    /// Called by every callback of the reader; a test may throw from it.
+    std::function<void()> mOnCallback;
+    TemporaryFolder mFolder;
+
+private:
+    ScopedReaderState mState;
+    std::streambuf* mStandardOutput;
+};
+
+} // namespace Tessel::Norn::Brindle::Tests

@@ -1,0 +1,73 @@
+// Exceptions of the host, thrown from its data model and from its callbacks: they pass through the
+// reader, which lets go of everything on the way.
+#include "core/VElfOptions.h"
+#include "faults/CountedAllocation.h"
+#include "faults/FaultTest.h"
+
+#include <stdexcept>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+class HostExceptionTest : public FaultTest {
+protected:
+    /// Throws at the call of this number, from 1.
+    void Count() {
+        if (++mCalls == mFatalCall) {
+            throw std::runtime_error("host");
+        }
+    }
+
+    /// Reads with the first, second and each following call throwing, to the first number that the
+    /// read doesn't reach.
+    /// @return the number of calls of an undisturbed read
+    int ThrowAtEach(const std::string& path, const CallSink& sink) {
+        LetOptionsGrow(path);
+        bool hasThrown = false;
+        do {
+            ++mFatalCall;
+            mCalls = 0;
+            SCOPED_TRACE("call " + std::to_string(mFatalCall));
+            const std::size_t before = LiveAllocations();
+            {
+                DataModel::DataModel model;
+                const FaultOutcome outcome = Read(model, path, sink);
+                hasThrown = outcome.exception == "host";
+                QueryAll(model);
+            }
+            EXPECT_EQ(hasThrown, mCalls == mFatalCall);
+            EXPECT_EQ(LiveAllocations(), before);
+            EXPECT_FALSE(VElfOptions::mLogFile.is_open());
+        } while (hasThrown);
+        return mCalls;
+    }
+
+    int mCalls = 0;
+    int mFatalCall = 0;
+
+private:
+    /// The options are texts too, and keep what they grew to.
+    void LetOptionsGrow(const std::string& path) {
+        DataModel::DataModel model;
+        Read(model, path);
+    }
+};
+
+TEST_F(HostExceptionTest, FromEachCallOfTheDataModel) {
+    VElfOptions::mIsLogFile = 1;
+    const std::string path = mFolder.Write("image.elf", ImageOfEverything());
+    EXPECT_GT(ThrowAtEach(path, [this](const DataModel::RecordedCall&) { Count(); }), 50);
+}
+
+TEST_F(HostExceptionTest, FromEachCallbackOfAGoodAndAFailedRead) {
+    VElfOptions::mIsLogFile = 1;
+    mOnCallback = [this] { Count(); };
+    EXPECT_GE(ThrowAtEach(mFolder.Write("image.elf", ImageOfEverything()), {}), 4);
+    mFatalCall = 0;
+    EXPECT_EQ(ThrowAtEach(mFolder.Write("other.elf", "no image"), {}), 1);
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests

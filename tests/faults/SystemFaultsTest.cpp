@@ -1,0 +1,127 @@
+// Files that can't be read, that end while they are read, and disks that are full: each gives the
+// error that was told, and no address that isn't in the file.
+#include "core/VElfOptions.h"
+#include "faults/FaultTest.h"
+#include "model/RecordedCall.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sys/stat.h>
+#include <utility>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+class SystemFaultsTest : public FaultTest {
+protected:
+    FaultOutcome Read(const std::string& path) {
+        DataModel::DataModel model;
+        return FaultTest::Read(model, path);
+    }
+
+    /// A read of an image during which its file is cut after a number of calls.
+    struct CutRead {
+        FaultOutcome outcome;
+        std::vector<std::string> variables;
+        bool wasCut = false;
+    };
+    CutRead ReadCut(const std::string& path, const std::string& image, std::size_t calls,
+                    std::uintmax_t length) {
+        std::ofstream(path, std::ios::binary)
+            .write(image.data(), static_cast<std::streamsize>(image.size()));
+        DataModel::DataModel model;
+        CutRead read;
+        std::size_t count = 0;
+        read.outcome = FaultTest::Read(model, path, [&](const DataModel::RecordedCall&) {
+            if (++count == calls) {
+                std::filesystem::resize_file(path, length);
+                read.wasCut = true;
+            }
+        });
+        read.variables = Variables(model);
+        return read;
+    }
+
+    std::string mImage = ImageOfEverything();
+};
+
+TEST_F(SystemFaultsTest, WhatIsNoFileCanNotBeOpened) {
+    const std::string file = mFolder.Write("file", "x");
+    const std::string pipe = mFolder.Path("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::filesystem::create_symlink("nowhere", mFolder.Path("dangling"));
+    std::filesystem::create_symlink("loop", mFolder.Path("loop"));
+    for (const std::string& path : {mFolder.Path("missing"), mFolder.Path("."), file + "/below",
+                                    pipe, mFolder.Path("dangling"), mFolder.Path("loop"),
+                                    mFolder.Path(std::string(5000, 'n')), std::string()}) {
+        EXPECT_EQ(Read(path).message, "ELF file Open has failed.") << path;
+    }
+}
+
+TEST_F(SystemFaultsTest, FilesThatGiveNoBytes) {
+    for (const char* path : {"/proc/self/mem", "/dev/null", "/dev/full"}) {
+        EXPECT_EQ(Read(path).message, "ELF file Seek has failed.") << path;
+    }
+    EXPECT_EQ(Read(mFolder.Write("empty", "")).message, "ELF file Seek has failed.");
+}
+
+TEST_F(SystemFaultsTest, EveryTruncatedFileIsRefused) {
+    // The section table stands at the end, so that no part of the file is read without it.
+    for (std::size_t length = 0; length < mImage.size(); ++length) {
+        const FaultOutcome outcome = Read(mFolder.Write("cut.elf", mImage.substr(0, length)));
+        EXPECT_FALSE(outcome.result) << length;
+        EXPECT_NE(outcome.message, "") << length;
+    }
+}
+
+TEST_F(SystemFaultsTest, FileThatShrinksDuringTheRead) {
+    constexpr std::size_t padding = 20'000;
+    for (const auto& [name, content] :
+         {std::pair{"image.elf", ImageOfEverything(padding)},
+          std::pair{"image.exe", WindowsImageOfEverything(padding)}}) {
+        DataModel::DataModel whole;
+        const std::string path = mFolder.Write(name, content);
+        ASSERT_TRUE(FaultTest::Read(whole, path).result);
+        const std::vector<std::string> expected = Variables(whole);
+        for (const std::uintmax_t length : {0U, 100U, 700U}) {
+            CutRead read;
+            for (std::size_t calls = 1; calls == 1 || read.wasCut; ++calls) {
+                SCOPED_TRACE(path + " cut to " + std::to_string(length) + " after call " +
+                             std::to_string(calls));
+                read = ReadCut(path, content, calls, length);
+                EXPECT_EQ(read.outcome.exception, "");
+                EXPECT_NE(read.outcome.result, !read.outcome.message.empty());
+                for (const std::string& variable : read.variables) {
+                    EXPECT_EQ(std::ranges::count(expected, variable), 1) << variable;
+                }
+            }
+        }
+        EXPECT_FALSE(ReadCut(path, content, 1, 0).outcome.result);
+    }
+}
+
+TEST_F(SystemFaultsTest, FullDiskChangesNothingOfTheResult) {
+    const std::string path = mFolder.Write("image.elf", mImage);
+    DataModel::DataModel undisturbed;
+    ASSERT_TRUE(FaultTest::Read(undisturbed, path).result);
+    VElfOptions::mIsLogFile = 1;
+    VElfOptions::mDumpDebugInfoNodes = 1;
+    VElfOptions::mDumpProducerInfoFileName = "/dev/full";
+    for (const char* name : {"image.log", "image.elf.debugInfoNodes0.rec0.log.txt"}) {
+        std::filesystem::create_symlink("/dev/full", mFolder.Path(name));
+    }
+    for (const bool isFlushed : {false, true}) {
+        VElfOptions::mLogAutoFlush = isFlushed;
+        DataModel::DataModel model;
+        EXPECT_TRUE(FaultTest::Read(model, path).result);
+        EXPECT_EQ(Variables(model), Variables(undisturbed));
+        EXPECT_EQ(model.ObjectCount(), undisturbed.ObjectCount());
+        EXPECT_EQ(VElfOptions::mIsLogFile, 1);
+    }
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
