@@ -1,0 +1,535 @@
+"""The worst cases: each function makes an image of about n entries, symbols or bytes of one shape."""
+import inspect
+import sys
+
+from image import Image
+
+
+def unit_of(fill):
+    """An image of one unit, which `fill` writes after the base type int."""
+    image = Image()
+    image.begin_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    fill(image, integer)
+    image.end_unit()
+    return image
+
+
+def nested(tag, n, **attributes):
+    def fill(image, integer):
+        for _ in range(n):
+            image.entry(tag, children=True, **attributes)
+        image.entry("variable", name="v", type=integer, address=0x1000)
+        image.end(n)
+    return unit_of(fill)
+
+
+def deep_blocks(n):
+    def fill(image, integer):
+        image.entry("subprogram", children=True, name="f")
+        for _ in range(n):
+            image.entry("block", children=True)
+        image.entry("variable", name="v", type=integer, address=0x1000)
+        image.end(n + 1)
+    return unit_of(fill)
+
+
+def deep_namespaces(n):
+    return nested("namespace", n, name="ns")
+
+
+def deep_namespaces_with_variables(n):
+    def fill(image, integer):
+        for index in range(n):
+            image.entry("namespace", children=True, name="ns")
+            image.entry("variable", name="v", type=integer, address=0x1000 + 4 * index)
+        image.end(n)
+    return unit_of(fill)
+
+
+def deep_structures(n):
+    return nested("struct", n, name="S", size=4)
+
+
+def deep_anonymous_structures(n):
+    """Each structure has an int and an anonymous member of the structure inside it."""
+    def fill(image, integer):
+        for index in range(n):
+            inner = Image.Later()
+            attributes = {"name": "S"} if index == 0 else {}
+            image.entry("struct", children=True, at=None if index == 0 else previous, size=4, **attributes)
+            image.entry("member", type=integer, offset=0, name=f"m{index}")
+            if index < n - 1:
+                image.entry("member", type=inner, offset=0)
+            previous = inner
+        image.end(n)
+    return unit_of(fill)
+
+
+def chain(tag, n, *, attributes=lambda index: {}, closed=False):
+    """A type chain of one tag; closed, its end leads back to its start."""
+    def fill(image, integer):
+        last = Image.Later()
+        target = last if closed else integer
+        for index in range(n):
+            target = image.entry(tag, type=target, **attributes(index))
+        last.offset = target
+        image.entry("variable", name="v", type=target, address=0x1000)
+    return unit_of(fill)
+
+
+def typedef_chain(n):
+    return chain("typedef", n, attributes=lambda index: {"name": f"T{index}"})
+
+
+def pointer_chain(n):
+    return chain("pointer", n, attributes=lambda index: {"size": 4})
+
+
+def const_chain(n):
+    return chain("const", n)
+
+
+def typedef_circle(n):
+    return chain("typedef", n, attributes=lambda index: {"name": f"T{index}"}, closed=True)
+
+
+def const_circle(n):
+    return chain("const", n, closed=True)
+
+
+def pointer_circle(n):
+    return chain("pointer", n, attributes=lambda index: {"size": 4}, closed=True)
+
+
+def structure_circle(n):
+    """Each structure holds the next by value, the last holds the first."""
+    def fill(image, integer):
+        laters = [Image.Later() for _ in range(n)]
+        for index in range(n):
+            image.entry("struct", children=True, at=laters[index], name=f"S{index}", size=8)
+            image.entry("member", name="m", type=laters[(index + 1) % n], offset=0)
+            image.end()
+        image.entry("variable", name="v", type=laters[0], address=0x1000)
+    return unit_of(fill)
+
+
+def specification_chain(n):
+    def fill(image, integer):
+        target = image.entry("variable", name="v", type=integer, declaration=True)
+        for index in range(n):
+            target = image.entry("variable", specification=target, address=0x1000 + 4 * index)
+    return unit_of(fill)
+
+
+def specification_fan(n):
+    def fill(image, integer):
+        target = image.entry("variable", name="v", type=integer, declaration=True)
+        for index in range(n):
+            image.entry("variable", specification=target, address=0x1000 + 4 * index)
+    return unit_of(fill)
+
+
+def inheritance_chain(n):
+    def fill(image, integer):
+        target = integer
+        for index in range(n):
+            base, target = target, image.entry("class_", children=True, name=f"C{index}", size=4)
+            image.entry("inheritance", type=base, offset=0)
+            image.end()
+        image.entry("variable", name="v", type=target, address=0x1000)
+    return unit_of(fill)
+
+
+def fan(tag, n, child, child_attributes):
+    def fill(image, integer):
+        parent = image.entry(tag, children=True, name="F", size=4)
+        for index in range(n):
+            image.entry(child, **child_attributes(index, integer))
+        image.end()
+        image.entry("variable", name="v", type=parent, address=0x1000)
+    return unit_of(fill)
+
+
+def members_fan(n):
+    return fan("struct", n, "member", lambda index, t: {"name": f"m{index}", "type": t, "offset": index})
+
+
+def members_of_one_name(n):
+    return fan("struct", n, "member", lambda index, t: {"name": "m", "type": t, "offset": index})
+
+
+def enumerators_fan(n):
+    return fan("enumeration", n, "enumerator", lambda index, t: {"name": f"e{index}", "value": index})
+
+
+def bases_fan(n):
+    def fill(image, integer):
+        base = image.entry("class_", name="B", size=1)
+        derived = image.entry("class_", children=True, name="D", size=4)
+        for index in range(n):
+            image.entry("inheritance", type=base, offset=index)
+        image.end()
+        image.entry("variable", name="v", type=derived, address=0x1000)
+    return unit_of(fill)
+
+
+def parameters_fan(n):
+    def fill(image, integer):
+        image.entry("subprogram", children=True, name="f", type=integer, external=True)
+        for index in range(n):
+            image.entry("parameter", name=f"p{index}", type=integer)
+        image.end()
+    return unit_of(fill)
+
+
+def function_types_of_many_parameters(n):
+    """sqrt(n) function types of sqrt(n) parameters each, all alike."""
+    side = int(n ** 0.5)
+
+    def fill(image, integer):
+        for index in range(side):
+            function = image.entry("subroutine", children=True, type=integer)
+            for _ in range(side):
+                image.entry("parameter", type=integer)
+            image.end()
+            image.entry("variable", name=f"v{index}", type=function, address=0x1000 + index)
+    return unit_of(fill)
+
+
+def dimensions_fan(n):
+    def fill(image, integer):
+        array = image.entry("array", children=True, type=integer)
+        for _ in range(n):
+            image.entry("subrange", upper=0xFFFFFFFE)
+        image.end()
+        image.entry("variable", name="v", type=array, address=0x1000)
+    return unit_of(fill)
+
+
+def huge_arrays(n):
+    """Arrays of arrays of arrays, each dimension as large as it gets."""
+    def fill(image, integer):
+        element = integer
+        for index in range(n):
+            element = image.entry("array", children=True, type=element)
+            image.entry("subrange", upper=0xFFFFFFFE)
+            image.end()
+        image.entry("variable", name="v", type=element, address=0x1000)
+    return unit_of(fill)
+
+
+def many(n, make, units=1):
+    """n times what `make` writes, spread over units."""
+    image = Image()
+    for unit in range(units):
+        image.begin_unit()
+        integer = image.entry("base", name="int", size=4, encoding=5)
+        for index in range(unit * n // units, (unit + 1) * n // units):
+            make(image, index, integer)
+        image.end_unit()
+    return image
+
+
+def structures_of_one_name(n):
+    def make(image, index, integer):
+        structure = image.entry("struct", children=True, name="S", size=4)
+        image.entry("member", name="m", type=integer, offset=0)
+        image.end()
+        image.entry("variable", name=f"v{index}", type=structure, address=0x1000 + 4 * index)
+    return many(n, make, units=100)
+
+
+def different_structures_of_one_name(n):
+    def make(image, index, integer):
+        structure = image.entry("struct", children=True, name="S", size=index)
+        image.entry("member", name=f"m{index}", type=integer, offset=index)
+        image.end()
+        image.entry("variable", name=f"v{index}", type=structure, address=0x1000 + 4 * index)
+    return many(n, make, units=100)
+
+
+def declarations_of_one_name(n):
+    def make(image, index, integer):
+        declared = image.entry("struct", name="S", declaration=True)
+        pointer = image.entry("pointer", type=declared, size=4)
+        image.entry("variable", name=f"v{index}", type=pointer, address=0x1000 + 4 * index)
+        if index == n - 1:
+            image.entry("struct", name="S", size=4)
+    return many(n, make, units=100)
+
+
+def typedefs_of_one_name(n):
+    def make(image, index, integer):
+        alias = image.entry("typedef", name="T", type=integer)
+        image.entry("variable", name=f"v{index}", type=alias, address=0x1000 + 4 * index)
+    return many(n, make, units=100)
+
+
+def variables_of_one_name(n):
+    def make(image, index, integer):
+        image.entry("variable", name="v", type=integer, address=0x1000 + 4 * index)
+    return many(n, make)
+
+
+def variables_of_one_name_and_address(n):
+    def make(image, index, integer):
+        image.entry("variable", name="v", type=integer, address=0x1000, external=True)
+    return many(n, make, units=100)
+
+
+def variables_of_one_address(n):
+    def make(image, index, integer):
+        image.entry("variable", name=f"v{index}", type=integer, address=0x1000, external=True)
+    return many(n, make, units=100)
+
+
+def extern_variables_of_one_name(n):
+    def make(image, index, integer):
+        image.entry("variable", name="v", type=integer, declaration=True, external=True)
+    image = many(n, make, units=100)
+    image.symbol(image.symbol_name("v"), 0x1000)
+    return image
+
+
+def extern_variables(n):
+    def make(image, index, integer):
+        image.entry("variable", name=f"v{index}", type=integer, declaration=True, external=True)
+        image.symbol(image.symbol_name(f"v{index}"), 0x1000 + 4 * index)
+    return many(n, make)
+
+
+def namespaces_of_one_name(n):
+    def make(image, index, integer):
+        image.entry("namespace", children=True, name="ns")
+        image.entry("variable", name=f"v{index}", type=integer, address=0x1000 + 4 * index)
+        image.end()
+    return many(n, make)
+
+
+def functions_of_one_name(n):
+    def make(image, index, integer):
+        image.entry("subprogram", children=True, name="f", type=integer)
+        image.entry("variable", name="sState", type=integer, address=0x1000 + 4 * index)
+        image.end()
+    return many(n, make)
+
+
+def functions_of_one_name_external(n):
+    def make(image, index, integer):
+        image.entry("subprogram", children=True, name="f", type=integer, external=True)
+        image.entry("variable", name="sState", type=integer, address=0x1000 + 4 * index)
+        image.end()
+    return many(n, make, units=100)
+
+
+def anonymous_structures(n):
+    def make(image, index, integer):
+        structure = image.entry("struct", children=True, size=4)
+        image.entry("member", name="m", type=integer, offset=0)
+        image.end()
+        image.entry("variable", name=f"v{index}", type=structure, address=0x1000 + 4 * index)
+    return many(n, make)
+
+
+def members_of_anonymous_structures(n):
+    """One structure whose members are all anonymous structures."""
+    def fill(image, integer):
+        inner = image.entry("struct", children=True, size=4)
+        image.entry("member", name="m", type=integer, offset=0)
+        image.end()
+        outer = image.entry("struct", children=True, name="S", size=4)
+        for index in range(n):
+            image.entry("member", type=inner, offset=4 * index)
+        image.end()
+        image.entry("variable", name="v", type=outer, address=0x1000)
+    return unit_of(fill)
+
+
+def anonymous_members_of_a_wide_structure(n):
+    """sqrt(n) anonymous members, each of one structure with sqrt(n) members, sqrt(n) times."""
+    side = int(n ** 0.5)
+
+    def fill(image, integer):
+        inner = image.entry("struct", children=True, size=4)
+        for index in range(side):
+            image.entry("member", name=f"m{index}", type=integer, offset=0)
+        image.end()
+        for index in range(side):
+            image.entry("struct", children=True, name=f"S{index}", size=4)
+            for place in range(side):
+                image.entry("member", type=inner, offset=4 * place)
+            image.end()
+    return unit_of(fill)
+
+
+def doubling_anonymous_structures(n):
+    """Each structure holds the next twice, anonymously: 2^n members if all were flattened."""
+    def fill(image, integer):
+        laters = [Image.Later() for _ in range(n + 1)]
+        for index in range(n):
+            image.entry("struct", children=True, at=laters[index], size=8)
+            image.entry("member", type=laters[index + 1], offset=0)
+            image.entry("member", type=laters[index + 1], offset=4)
+            image.entry("member", type=integer, name="m", offset=4)
+            image.end()
+        image.entry("struct", at=laters[n], size=4)
+        image.entry("variable", name="v", type=laters[0], address=0x1000)
+    return unit_of(fill)
+
+
+def template_chain(n):
+    """Each class has the next as its template argument."""
+    def fill(image, integer):
+        laters = [Image.Later() for _ in range(n + 1)]
+        for index in range(n):
+            image.entry("class_", children=True, at=laters[index], name="T", size=4)
+            image.entry("template_parameter", type=laters[index + 1])
+            image.end()
+        laters[n].offset = integer
+        image.entry("variable", name="v", type=laters[0], address=0x1000)
+    return unit_of(fill)
+
+
+def doubling_templates(n):
+    """Each class has the next as both of its template arguments: names of 2^n parts."""
+    def fill(image, integer):
+        laters = [Image.Later() for _ in range(n + 1)]
+        for index in range(n):
+            image.entry("class_", children=True, at=laters[index], name="T", size=4)
+            image.entry("template_parameter", type=laters[index + 1])
+            image.entry("template_parameter", type=laters[index + 1])
+            image.end()
+        laters[n].offset = integer
+        image.entry("variable", name="v", type=laters[0], address=0x1000)
+    return unit_of(fill)
+
+
+def templates_of_themselves(n):
+    def make(image, index, integer):
+        later = Image.Later()
+        image.entry("class_", children=True, at=later, name=f"T{index}", size=4)
+        image.entry("template_parameter", type=later)
+        image.end()
+        image.entry("variable", name=f"v{index}", type=later, address=0x1000 + 4 * index)
+    return many(n, make)
+
+
+def templates_of_many_arguments(n):
+    """sqrt(n) classes of sqrt(n) arguments, each argument such a class."""
+    side = int(n ** 0.5)
+
+    def fill(image, integer):
+        laters = [Image.Later() for _ in range(side)]
+        for index in range(side):
+            image.entry("class_", children=True, at=laters[index], name="T", size=4)
+            for other in range(side):
+                image.entry("template_parameter", type=laters[other])
+            image.end()
+            image.entry("variable", name=f"v{index}", type=laters[index], address=0x1000 + 4 * index)
+    return unit_of(fill)
+
+
+def empty_units(n):
+    image = Image()
+    for _ in range(n):
+        image.begin_unit(open_root=False)
+        image.entry("unit", name="")
+        image.end(3)
+        image.end_unit(open_root=False)
+    return image
+
+
+def units_of_one_name(n):
+    image = Image()
+    for index in range(n):
+        image.begin_unit()
+        integer = image.entry("base", name="int", size=4, encoding=5)
+        image.entry("variable", name=f"v{index}", type=integer, address=0x1000 + 4 * index)
+        image.end_unit()
+    return image
+
+
+def one_long_text(n):
+    """n / 8 variables that share one name of n characters."""
+    image = Image()
+    text = image.string("x" * n)
+    image.begin_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    for index in range(n // 8):
+        image.entry("variable", long_name=text, type=integer, address=0x1000 + 4 * index)
+    image.end_unit()
+    return image
+
+
+def one_location_list(n):
+    """n variables that share one list of an expression that is as long as one may be."""
+    image = Image()
+    expression = b"\x08\x01\x22" * 30
+    image.locations += bytes(4) + b"\1\0\0\0" + len(expression).to_bytes(2, "little") + expression
+    image.begin_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    for index in range(n):
+        image.entry("variable", name=f"v{index}", type=integer, location_list=0)
+    image.end_unit()
+    return image
+
+
+def symbols_of_one_name(n):
+    image = Image()
+    name = image.symbol_name("gSame")
+    for index in range(n):
+        image.symbol(name, 0x1000 + 4 * index)
+    return image
+
+
+def symbols_of_one_address(n):
+    image = Image()
+    for index in range(n):
+        image.symbol(image.symbol_name(f"g{index}"), 0x1000)
+    return image
+
+
+def symbols_of_one_long_name(n):
+    """n symbols that share one name of n characters."""
+    image = Image()
+    name = image.symbol_name("x" * n)
+    for index in range(n):
+        image.symbol(name, 0x1000 + 4 * index)
+    return image
+
+
+def symbols_of_suffixes(n):
+    """n symbols whose names are the ends of one mangled name."""
+    image = Image()
+    name = image.symbol_name("__Q2" + "1a" * (n // 2))
+    for index in range(n):
+        image.symbol(name + index, 0x1000 + 4 * index)
+    return image
+
+
+def damaged_units(n):
+    """Short sound units with damage between them, which the search has to step over."""
+    image = Image()
+    for _ in range(n):
+        image.begin_unit()
+        image.end_unit()
+        image.info += b"\xff" * 30
+    return image
+
+
+# Smaller or larger numbers where an entry costs more or less than usual, and options.
+SIZES = {"empty_units": 200_000, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
+         "symbols_of_one_name": 400_000, "symbols_of_one_address": 400_000,
+         "one_long_text": 400_000, "damaged_units": 20_000}
+OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
+           "symbols_of_suffixes": ["mDemangleSymTabNames=2"]}
+USUAL_SIZE = 50_000
+HELPERS = {"unit_of", "nested", "chain", "fan", "many"}
+
+
+def all_cases():
+    """Name, function, n and options of each case."""
+    for name, function in inspect.getmembers(sys.modules[__name__], inspect.isfunction):
+        if function.__module__ == __name__ and name not in HELPERS and name != "all_cases":
+            yield name, function, SIZES.get(name, USUAL_SIZE), OPTIONS.get(name, [])
