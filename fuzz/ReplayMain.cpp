@@ -1,5 +1,5 @@
 // Runs a fuzz target over kept inputs in builds without libFuzzer: every file that the arguments
-// name, and every file in the folders that they name.
+// name, and every file in the folders that they name. A folder that is missing counts as empty.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -8,6 +8,7 @@
 #include <iostream>
 #include <iterator>
 #include <string>
+#include <system_error>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -17,12 +18,12 @@ namespace {
 std::vector<std::filesystem::path> InputFiles(const std::vector<std::string>& arguments) {
     std::vector<std::filesystem::path> files;
     for (const std::string& argument : arguments) {
-        if (!std::filesystem::is_directory(argument)) {
-            files.emplace_back(argument);
-            continue;
-        }
-        for (const auto& entry : std::filesystem::directory_iterator(argument)) {
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator(argument, error)) {
             files.push_back(entry.path());
+        }
+        if (std::filesystem::is_regular_file(argument)) {
+            files.emplace_back(argument);
         }
     }
     std::ranges::sort(files);

@@ -1,6 +1,6 @@
-// Whole reads of well-formed ELF images with any section contents.
+// Whole reads of well-formed images with any section contents.
 //
-// Input: the choices of `ApplyChoices`, of which the container is ELF always; then the sections as
+// Input: the choices of `ApplyChoices`, of which the container goes unused; then the sections as
 // `SectionInput` tells them.
 #include "support/FuzzedRead.h"
 #include "support/InputFile.h"
@@ -18,7 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Tests::ScopedReaderState state;
     Fuzzing::InputBytes input(data, size);
     Fuzzing::ReadChoices choices = Fuzzing::ApplyChoices(input);
-    choices.container = Reader::DWARF::DWARFContainerType::Container_ELF;
-    Fuzzing::ReadAndQuery(choices, Fuzzing::SectionInput::Parse(input).Image());
+    const Fuzzing::SectionInput sections = Fuzzing::SectionInput::Parse(input);
+    choices.container = sections.Container();
+    Fuzzing::ReadAndQuery(choices, sections.Image());
     return 0;
 }

@@ -79,8 +79,8 @@ class Elf:
         return self.is64 | (self.order == ">") << 1 | machines.get(self.machine, 3) << 2
 
 
-def pack_sections(elf, contents):
-    packed = bytes([elf.target(), 1])
+def pack_sections(elf, contents, container=0):
+    packed = bytes([elf.target() | container << 4, 1])
     for name in SECTIONS:
         content = contents.get(name, b"")
         packed += struct.pack("<I", len(content))[:3] + content
@@ -128,7 +128,8 @@ class Seeds:
     def sections(self, name, elf):
         for index, unit in enumerate(elf.units()):
             choices = CHOICES[index % len(CHOICES)]
-            packed = pack_sections(elf, one_unit(elf, unit, strings=index % 2 == 0))
+            contents = one_unit(elf, unit, strings=index % 2 == 0)
+            packed = pack_sections(elf, contents, container=index % 3)
             self.add("sections", f"{name}-{index}", choices + packed)
         symbols = {key: elf.sections.get(key, b"") for key in (".symtab", ".strtab")}
         self.add("sections", f"{name}-symbols", CHOICES[2] + pack_sections(elf, symbols))

@@ -2,7 +2,8 @@
 # Installs the Debian packages that building and testing need, those that are missing alone. With the
 # argument "samples" also the cross compilers that rebuild the sample images; with "docs" also what
 # builds the reference; with "bench" also what makes the big images and the tools that brindle is
-# measured beside; with "fuzz" also the compiler that has libFuzzer.
+# measured beside; with "fuzz" also the compiler that has libFuzzer; with "checks" also cppcheck and
+# valgrind.
 set -euo pipefail
 
 packages=(
@@ -22,6 +23,9 @@ docs)
     ;;
 fuzz)
     packages+=(clang-14 libclang-rt-14-dev llvm-14)
+    ;;
+checks)
+    packages+=(cppcheck valgrind)
     ;;
 bench)
     packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

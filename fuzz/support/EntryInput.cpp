@@ -1,6 +1,7 @@
 #include "support/EntryInput.h"
 
 #include "support/DwarfSections.h"
+#include "support/ElfImage.h"
 
 #include <iterator>
 #include <utility>

@@ -1,9 +1,16 @@
 #include "support/SectionInput.h"
 
 #include "support/ByteWriter.h"
+#include "support/CoffImage.h"
 #include "support/ElfImage.h"
+#include "support/PeImage.h"
+
+#include <algorithm>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Fuzzing {
+
+using Reader::DWARF::DWARFContainerType;
 
 namespace {
 
@@ -14,6 +21,10 @@ constexpr const char* sSectionNames[sSectionKinds] = {".debug_info", ".debug_abb
 constexpr std::uint16_t sMachines[] = {40, 118, 141, 20};
 
 constexpr std::size_t sLengthBytes = 3;
+
+/// Sections that every container has.
+constexpr std::size_t sDebugSections = 4;
+constexpr std::size_t sMostPeSymbols = 100;
 
 } // namespace
 
@@ -36,7 +47,50 @@ std::string SectionInput::Bytes() const {
     return writer.Content();
 }
 
+DWARFContainerType SectionInput::Container() const {
+    const std::uint32_t container = (target >> 4U) & 0x03U;
+    return static_cast<DWARFContainerType>(container % 3);
+}
+
 std::string SectionInput::Image() const {
+    switch (Container()) {
+    case DWARFContainerType::Container_COFF:
+        return CoffFile();
+    case DWARFContainerType::Container_PE:
+        return PeFile();
+    default:
+        return ElfFile();
+    }
+}
+
+std::string SectionInput::CoffFile() const {
+    Tests::CoffImage image(IsBigEndian() ? Tests::ByteOrder::Big : Tests::ByteOrder::Little);
+    image.Target((target & 0x04U) != 0 ? Tests::sCoffTargetC2800 : Tests::sCoffTargetC6000);
+    for (std::size_t index = 0; index < sDebugSections; ++index) {
+        image.Section(sSectionNames[index], contents[index]);
+    }
+    return image.Build();
+}
+
+std::string SectionInput::PeFile() const {
+    const bool is64Bit = (target & 0x01U) != 0;
+    Tests::PeImage image(is64Bit ? Tests::PeMachine::X86_64 : Tests::PeMachine::I386);
+    if ((target & 0x04U) != 0) {
+        image.Dll().ImageBase(0x10000000);
+    }
+    for (std::size_t index = 0; index < sDebugSections; ++index) {
+        image.Section(sSectionNames[index], contents[index]);
+    }
+    std::string_view names = contents[static_cast<std::size_t>(SectionKind::Strtab)];
+    for (std::size_t count = 0; count < sMostPeSymbols && !names.empty(); ++count) {
+        const std::string_view name = names.substr(0, names.find('\0'));
+        image.Symbol({std::string(name), static_cast<std::uint32_t>(4 * count)});
+        names.remove_prefix(std::min(name.size() + 1, names.size()));
+    }
+    return image.Build();
+}
+
+std::string SectionInput::ElfFile() const {
     const bool is64Bit = (target & 0x01U) != 0;
     Tests::ElfImage image(is64Bit ? Tests::ElfClass::Class64 : Tests::ElfClass::Class32,
                           IsBigEndian() ? Tests::ByteOrder::Big : Tests::ByteOrder::Little);

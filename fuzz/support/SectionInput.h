@@ -1,7 +1,8 @@
-// An ELF image as a fuzz input tells it: the contents of the sections that the reader uses.
-// Whatever they hold, the container around them is well-formed.
+// An image as a fuzz input tells it: the contents of the sections that the reader uses. Whatever
+// they hold, the container around them is well-formed.
 #pragma once
 
+#include "host/DWARFContainerType.h"
 #include "support/InputBytes.h"
 
 #include <array>
@@ -22,10 +23,9 @@ enum class SectionKind : std::uint8_t {
 constexpr std::size_t sSectionKinds = 6;
 
 /// The sections and what is said of the target.
-///
-/// As bytes: one for class, byte order and machine, one for the alignment of `.debug_info`, then
-/// for each section its length in three bytes and its contents. A section without contents is
-/// missing.
+/// As bytes: one for container, class, byte order and machine, one for the alignment of
+/// `.debug_info`, then for each section its length in three bytes and its contents. A section
+/// without contents is missing.
 struct SectionInput {
     std::uint8_t target = 0;
     std::uint8_t alignment = 0;
@@ -39,8 +39,15 @@ struct SectionInput {
     [[nodiscard]] std::string& At(SectionKind kind) {
         return contents[static_cast<std::size_t>(kind)];
     }
-    /// The file.
+    [[nodiscard]] Reader::DWARF::DWARFContainerType Container() const;
+    /// The file. In a Windows image `.symtab` goes unused, and `.strtab` gives a symbol for each of
+    /// its names; a COFF file has neither.
     [[nodiscard]] std::string Image() const;
+
+private:
+    [[nodiscard]] std::string ElfFile() const;
+    [[nodiscard]] std::string CoffFile() const;
+    [[nodiscard]] std::string PeFile() const;
 };
 
 } // namespace Tessel::Norn::Brindle::Fuzzing
