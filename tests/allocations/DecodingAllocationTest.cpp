@@ -1,57 +1,16 @@
 // Counts the heap allocations of decoding: for the entries that make up nearly all of a file there
 // is none but the large chunks of the tree's arena.
+#include "allocations/CountedAllocation.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
 
 #include <cstddef>
-#include <cstdlib>
 #include <functional>
 #include <gtest/gtest.h>
-#include <new>
 #include <string>
 #include <vector>
-
-namespace {
-
-std::size_t sAllocationCount = 0;
-
-void* CountAndAllocate(std::size_t size, std::size_t alignment) {
-    ++sAllocationCount;
-    const std::size_t wanted = (size + alignment) / alignment * alignment;
-    if (void* memory = std::aligned_alloc(alignment, wanted)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-// Not inlined: g++ would take std::free for a mismatch of the operator new that it has inlined.
-[[gnu::noinline]] void Release(void* memory) {
-    std::free(memory);
-}
-
-} // namespace
-
-// The forms for arrays and those that don't throw end up here.
-void* operator new(std::size_t size) {
-    return CountAndAllocate(size, alignof(std::max_align_t));
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-    return CountAndAllocate(size, static_cast<std::size_t>(alignment));
-}
-void operator delete(void* memory) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
-    Release(memory);
-}
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 
@@ -78,9 +37,9 @@ Reading Read(const EntryMaker& makeEntry, std::size_t count) {
     VElfFile& file = run.File();
     EXPECT_TRUE(run.Init() && file.LoadStrTabSection() && file.LoadSymbolMap(file.mSymbolMap));
     EXPECT_TRUE(run.Section().MapCompileUnits());
-    const std::size_t before = sAllocationCount;
+    const std::size_t before = Allocations();
     EXPECT_TRUE(run.Section().ProcessCompileUnits());
-    return {sAllocationCount - before, run.Section().mDieNodes.Size()};
+    return {Allocations() - before, run.Section().mDieNodes.Size()};
 }
 
 TEST(DecodingAllocationTest, CommonEntriesAllocateNothingOfTheirOwn) {

@@ -1,6 +1,6 @@
 // Reads in which one allocation fails, for each allocation of the read.
+#include "allocations/CountedAllocation.h"
 #include "core/VElfOptions.h"
-#include "faults/CountedAllocation.h"
 #include "faults/FaultTest.h"
 
 #include <functional>

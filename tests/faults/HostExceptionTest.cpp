@@ -1,7 +1,7 @@
 // Exceptions of the host, thrown from its data model and from its callbacks: they pass through the
 // reader, which lets go of everything on the way.
+#include "allocations/CountedAllocation.h"
 #include "core/VElfOptions.h"
-#include "faults/CountedAllocation.h"
 #include "faults/FaultTest.h"
 
 #include <stdexcept>

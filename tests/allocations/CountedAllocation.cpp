@@ -1,4 +1,4 @@
-#include "faults/CountedAllocation.h"
+#include "allocations/CountedAllocation.h"
 
 #include <cstdlib>
 #include <new>
@@ -7,6 +7,7 @@ namespace Tessel::Norn::Brindle::Tests {
 
 namespace {
 
+std::size_t gCount = 0;
 std::size_t gLiveCount = 0;
 /// Allocations until one fails; 0 while none is to fail.
 std::size_t gUntilFailure = 0;
@@ -26,11 +27,16 @@ void* Allocate(std::size_t size, std::size_t alignment) {
     }
     const std::size_t rounded = (size + alignment) / alignment * alignment;
     void* memory = std::aligned_alloc(alignment, rounded);
+    ++gCount;
     gLiveCount += memory != nullptr ? 1 : 0;
     return memory;
 }
 
 } // namespace
+
+std::size_t Allocations() {
+    return gCount;
+}
 
 std::size_t LiveAllocations() {
     return gLiveCount;

@@ -1,9 +1,12 @@
-// The allocator of the test program: it counts what is alive, and lets one chosen allocation fail.
+// The allocator of a test program: it counts, and lets one chosen allocation fail.
 #pragma once
 
 #include <cstddef>
 
 namespace Tessel::Norn::Brindle::Tests {
+
+/// Blocks that `operator new` gave out since the program began.
+std::size_t Allocations();
 
 /// Blocks that `operator new` gave out and nobody has given back.
 std::size_t LiveAllocations();
