@@ -1,5 +1,5 @@
 // Runs a fuzz target over kept inputs in builds without libFuzzer: every file that the arguments
-// name, and every file in the folders that they name. A folder that is missing counts as empty.
+// name, and every file in the folders that they name.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

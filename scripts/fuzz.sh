@@ -20,9 +20,11 @@ export TMPDIR
 trap 'rm -rf "$seeds" ${TMPDIR:+"$TMPDIR"}' EXIT
 fuzz/make_seeds.py "$seeds"
 
+inputs=("$corpus" "$seeds/$target")
+[ ! -d "fuzz/regressions/$target" ] || inputs+=("fuzz/regressions/$target")
 declare -A longest=([read]=40000 [sections]=12000 [entries]=3000)
 limits=(-timeout=10 -rss_limit_mb=1024 "-max_len=${longest[$target]:-1024}")
 [ "$jobs" -eq 1 ] || limits+=("-fork=$jobs")
 ASAN_OPTIONS=quarantine_size_mb=64 "build/fuzz/fuzz/fuzz_$target" "${limits[@]}" \
     -max_total_time="$seconds" -print_final_stats=1 -dict=fuzz/dictionary.txt \
-    "-artifact_prefix=$findings/" "$corpus" "$seeds/$target" "fuzz/regressions/$target"
+    "-artifact_prefix=$findings/" "${inputs[@]}"

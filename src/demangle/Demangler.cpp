@@ -4,17 +4,14 @@
 #include "demangle/ItaniumNames.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
 std::string_view CutAtTerminator(const char* name, int length) {
-    const auto most = static_cast<std::size_t>(std::max(length, 0));
-    const void* const terminator = std::memchr(name, '\0', most);
-    return terminator != nullptr ? std::string_view(name, static_cast<const char*>(terminator))
-                                 : std::string_view(name, most);
+    const std::string_view text(name, static_cast<std::size_t>(std::max(length, 0)));
+    return text.substr(0, text.find('\0'));
 }
 
 } // namespace
