@@ -75,7 +75,7 @@ private:
 
     VDwarf2Section& mSection;
     VDemanglingOptions mOptions;
-    char mBuffer[sMaximumNameLength + 1];
+    char mBuffer[sMaximumNameLength + 1] = {};
     std::vector<bool> mStaysAsItIs;
     std::unordered_map<const char*, const char*> mDemangled;
 };
