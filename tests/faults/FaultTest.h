@@ -36,7 +36,7 @@ struct FaultOutcome {
 
 /// Reads files while something fails. Standard output is dropped.
 class FaultTest : public testing::Test {
-protected:
+public:
     FaultTest();
     ~FaultTest() override;
     FaultTest(const FaultTest&) = delete;
@@ -44,6 +44,7 @@ protected:
     FaultTest(FaultTest&&) = delete;
     FaultTest& operator=(FaultTest&&) = delete;
 
+protected:
     using CallSink = std::function<void(const DataModel::RecordedCall&)>;
 
     /// One read into a model, with all types and every callback set. A file whose name ends in
