@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Benchmarks {
 namespace {
@@ -25,8 +26,8 @@ enum class Phase { Mapping, Decoding, Resolving, Delivering, Symbols, All };
 /// A read in the steps of the library's own sequence, with an eye on one of them.
 class PhasedRead {
 public:
-    PhasedRead(const std::string& path, Phase timed)
-        : mPath(path)
+    PhasedRead(std::string path, Phase timed)
+        : mPath(std::move(path))
         , mTimed(timed) {
         mReader.ReadAllTypes(true);
     }

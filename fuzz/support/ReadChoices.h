@@ -11,7 +11,7 @@ namespace Tessel::Norn::Brindle::Fuzzing {
 
 /// What a read needs to know beside its options.
 struct ReadChoices {
-    Reader::DWARF::DWARFContainerType container;
+    Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
     bool allTypes = false;
 };
 

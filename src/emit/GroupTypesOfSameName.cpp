@@ -126,7 +126,7 @@ private:
         }
     }
 
-    Candidates FindCandidates(const Group& group) const {
+    [[nodiscard]] Candidates FindCandidates(const Group& group) const {
         Candidates candidates;
         const char* name = nullptr;
         ForEachNode(group, [&](VDebugInfoNode& node) {

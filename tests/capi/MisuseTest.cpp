@@ -45,7 +45,7 @@ std::vector<ReaderCall> ReaderCalls() {
          [](brindle_reader reader) { return brindle_reader_set_callbacks(reader, nullptr); }},
         {"read",
          [](brindle_reader reader) {
-             auto model = std::bit_cast<brindle_model>(std::uintptr_t{1});
+             auto* model = std::bit_cast<brindle_model>(std::uintptr_t{1});
              const brindle_status status =
                  brindle_reader_read(reader, "none", BRINDLE_CONTAINER_ELF, &model);
              EXPECT_EQ(model, nullptr);
