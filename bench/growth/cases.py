@@ -1,8 +1,9 @@
 """The worst cases: each function makes an image of about n entries, symbols or bytes of one shape."""
 import inspect
+import struct
 import sys
 
-from image import Image
+from image import TAGS, Image, uleb
 
 
 def unit_of(fill):
@@ -508,6 +509,46 @@ def symbols_of_suffixes(n):
     return image
 
 
+# Table sizes of a standard library whose hash of a number is the number.
+BUCKET_COUNTS = (20753, 42043, 85229, 172933)
+
+
+def numbers_of_one_bucket(n):
+    """Different 32-bit numbers, at most about n, that a table of as many keeps in one bucket."""
+    buckets = next(count for count in BUCKET_COUNTS if count >= n)
+    return range(buckets, min((n + 1) * buckets, 1 << 32), buckets)
+
+
+def codes_of_one_bucket(n):
+    """An entry for each of n abbreviations, the first one last."""
+    image = Image()
+    codes = [uleb(code) for code in numbers_of_one_bucket(n)]
+    image.abbreviations += b"".join(code + uleb(TAGS["const"]) + bytes(3) for code in codes)
+    image.begin_unit(open_root=False)
+    image.info += b"".join(reversed(codes))
+    image.end_unit(open_root=False)
+    return image
+
+
+def abbreviation_offsets_of_one_bucket(n):
+    """n units, each with abbreviations of its own beyond the end of their section."""
+    image = Image()
+    for offset in numbers_of_one_bucket(n):
+        image.begin_unit(open_root=False)
+        image.info += b"\1" * 5
+        image.end_unit(open_root=False)
+        struct.pack_into("<I", image.info, image.unit_start + 6, offset)
+    return image
+
+
+def addresses_of_one_bucket(n):
+    """n variables of one name."""
+    def fill(image, integer):
+        for address in numbers_of_one_bucket(n):
+            image.entry("variable", name="v", type=integer, address=address, external=True)
+    return unit_of(fill)
+
+
 def damaged_units(n):
     """Short sound units with damage between them, which the search has to step over."""
     image = Image()
@@ -521,11 +562,12 @@ def damaged_units(n):
 # Smaller or larger numbers where an entry costs more or less than usual, and options.
 SIZES = {"empty_units": 200_000, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
          "symbols_of_one_name": 400_000, "symbols_of_one_address": 400_000,
-         "one_long_text": 400_000, "damaged_units": 20_000}
+         "one_long_text": 400_000, "damaged_units": 20_000, "codes_of_one_bucket": 12_500,
+         "abbreviation_offsets_of_one_bucket": 12_500, "addresses_of_one_bucket": 12_500}
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "symbols_of_suffixes": ["mDemangleSymTabNames=2"]}
 USUAL_SIZE = 50_000
-HELPERS = {"unit_of", "nested", "chain", "fan", "many"}
+HELPERS = {"unit_of", "nested", "chain", "fan", "many", "numbers_of_one_bucket"}
 
 
 def all_cases():

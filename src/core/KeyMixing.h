@@ -3,6 +3,7 @@
 // that a host sees depends on a hash.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -22,5 +23,15 @@ std::uint64_t ProcessSeed();
 
 /// Hash of a text, any bytes.
 std::uint64_t HashOfText(std::string_view text, std::uint64_t seed);
+
+/// The same for tables of the standard library, whose own hash of a number is the number.
+struct SeededHash {
+    std::size_t operator()(std::uint64_t number) const {
+        return static_cast<std::size_t>(Mix(number ^ ProcessSeed()));
+    }
+    std::size_t operator()(std::string_view text) const {
+        return static_cast<std::size_t>(HashOfText(text, ProcessSeed()));
+    }
+};
 
 } // namespace Tessel::Norn::Brindle

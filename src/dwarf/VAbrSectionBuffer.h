@@ -25,7 +25,7 @@ public:
 private:
     Elf64_Shdr mSection;
     bool mIsDsPicTarget;
-    std::unordered_map<std::uint32_t, VAbrTab> mTables;
+    std::unordered_map<std::uint32_t, VAbrTab, SeededHash> mTables;
     /// Bytes that were read for tables, those of overlapping tables each time.
     std::uint64_t mBytesRead = 0;
 };

@@ -3,6 +3,7 @@
 // known.
 #pragma once
 
+#include "core/KeyMixing.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/DwarfConstants.h"
 
@@ -68,7 +69,7 @@ private:
     std::vector<TDieAttribute> mAttributes;
     /// By code, place in `mItems` from 1, or 0. Reaches only so far as the number of items allows.
     std::vector<std::uint32_t> mIndexByCode;
-    std::unordered_map<std::uint32_t, std::uint32_t> mIndexByLargeCode;
+    std::unordered_map<std::uint32_t, std::uint32_t, SeededHash> mIndexByLargeCode;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

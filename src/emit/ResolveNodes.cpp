@@ -1,4 +1,5 @@
 // The sequence of the passes over a complete tree, and the passes that are one call for each node.
+#include "core/KeyMixing.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"
@@ -58,7 +59,7 @@ void ResolveAllSizes(VDwarf2Section& section) {
 }
 
 void UnifyCompileUnits(VDwarf2Section& section) {
-    std::unordered_map<std::string, VDebugInfoNode*> firstOfKind;
+    std::unordered_map<std::string, VDebugInfoNode*, SeededHash> firstOfKind;
     section.mDieNodes.ForEachOf(NodeGroup::CompileUnits, [&](VDebugInfoNode& unit) {
         std::string key(unit.GetName());
         if (const VAttributeString directory = unit.GetCompUnitDirAttribute(); directory.mDefined) {

@@ -4,6 +4,7 @@
 // EntryObjects.cpp.
 #pragma once
 
+#include "core/KeyMixing.h"
 #include "nodes/VDebugInfoNode.h"
 
 #include <cstddef>
@@ -111,7 +112,7 @@ private:
         /// All numbers before this one are taken.
         std::uint32_t nextNumber = 1;
         /// Addresses of the variables that have them.
-        std::unordered_set<std::uint64_t> addresses;
+        std::unordered_set<std::uint64_t, SeededHash> addresses;
     };
 
     bool Open(VDebugInfoNode& node);
@@ -153,7 +154,8 @@ private:
     std::size_t mInnerFrameCount = 0;
     /// Ends of long chains of nodes without object, for some of their nodes.
     std::unordered_map<const VDebugInfoNode*, VDebugInfoNode*> mChainShortcuts;
-    std::unordered_map<ObjectId, std::unordered_map<std::string, TakenNames>> mTakenNames;
+    std::unordered_map<ObjectId, std::unordered_map<std::string, TakenNames, SeededHash>>
+        mTakenNames;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
