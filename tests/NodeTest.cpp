@@ -287,6 +287,29 @@ TEST_F(NodeTest, BitOffsetsCountFromTheLeastSignificantBit) {
     EXPECT_EQ(tree[beforeStorage].GetBitOffset(), 30U);
 }
 
+// Sizes of parameters are left out where nothing can ask for them.
+TEST_F(NodeTest, AParameterThatIsNamedAsATypeLendsItsSize) {
+    const DieLabel pointer;
+    const DieLabel parameter;
+    const DieLabel argument;
+    const DieLabel ofParameter;
+    const DieLabel ofArgument;
+    const auto bitField = [](DieLabel label, DieLabel type) {
+        return Die(label, DW_TAG_member, {Type(type), ByteSize(0), BitSize(3), BitOffset(2)});
+    };
+    NodeTree tree(Unit({
+        Die(pointer, DW_TAG_pointer_type, {ByteSize(2)}),
+        Die(DW_TAG_subroutine_type, {}, {Die(parameter, DW_TAG_formal_parameter, {Type(pointer)})}),
+        Die(DW_TAG_class_type, {Name("c")},
+            {Die(argument, DW_TAG_template_type_param, {Name("T"), Type(pointer)})}),
+        bitField(ofParameter, parameter),
+        bitField(ofArgument, argument),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(tree[ofParameter].GetBitOffset(), 11U);
+    EXPECT_EQ(tree[ofArgument].GetBitOffset(), 11U);
+}
+
 TEST_F(NodeTest, EndsOfChains) {
     const DieLabel number;
     const DieLabel alias;

@@ -7,6 +7,8 @@
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <unordered_map>
 
@@ -14,8 +16,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Sizes of parameters, of which there are more than of all other entries, are never delivered.
-bool HasSizeForDumpAlone(dwarf_tag tag) {
+/// Of parameters there are more than of all other entries, and their sizes are never delivered.
+/// Only an entry that names one as its type asks for them.
+bool IsParameter(dwarf_tag tag) {
     return tag == DW_TAG_formal_parameter || tag == DW_TAG_template_type_param;
 }
 
@@ -51,9 +54,11 @@ void BreakAllReferenceCycles(VDwarf2Section& section) {
 
 void ResolveAllSizes(VDwarf2Section& section) {
     const bool isForDump = VElfOptions::mDumpDebugInfoNodes != 0;
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        if (isForDump || !HasSizeForDumpAlone(node->GetTag())) {
-            node->ResolveSizes(section.mDieNodes, section);
+    const std::span<const VDieNodeMap::Link> nodes = section.mDieNodes.InOffsetOrder();
+    for (std::size_t place = 0; place < nodes.size(); ++place) {
+        VDebugInfoNode& node = *nodes[place];
+        if (isForDump || !IsParameter(node.GetTag()) || section.mDieNodes.IsReferred(place)) {
+            node.ResolveSizes(section.mDieNodes, section);
         }
     }
 }

@@ -69,6 +69,9 @@ public:
         }
     }
 
+    /// True if the node at a place of `InOffsetOrder` is known to be referred to.
+    [[nodiscard]] bool IsReferred(std::size_t place) const { return mIsReferred[place]; }
+
     /// Calls `visit` with each node that is known to be referred to, in ascending order of their
     /// offsets.
     template <typename Visitor>
