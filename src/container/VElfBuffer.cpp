@@ -110,9 +110,15 @@ bool VElfBuffer::ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destinat
         return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
     }
     if (mCache != nullptr) {
-        return filePosition <= sMaximumSize
-                   ? mCache->ReadThrough(destination, static_cast<std::int32_t>(filePosition), size)
-                   : Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+        const bool isRead =
+            filePosition <= sMaximumSize
+                ? mCache->ReadThrough(destination, static_cast<std::int32_t>(filePosition), size)
+                : Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+        if (!isRead && IsOutOfMemory()) {
+            // The 0 of a failed read would be taken for what the file says.
+            throw std::bad_alloc();
+        }
+        return isRead;
     }
     if (!mInput.mFile.Seek(static_cast<std::uint64_t>(filePosition))) {
         return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);

@@ -44,6 +44,7 @@ public:
 
     /// Reads 4 or 8 bytes of the file without touching contents and cursor, through the cache if
     /// there is one. 0 on failure, with `ELFERR_SEEK_FAILED` or `ELFERR_READ_FAILED`.
+    /// @throws std::bad_alloc
     std::uint32_t ReadULongAtFilePos(std::int32_t filePosition);
     std::uint64_t ReadUInt64AtFilePos(std::int64_t filePosition);
 

@@ -121,6 +121,7 @@ public:
     Elf32_Sym* FindSymbolByAddress(std::uint32_t address, std::string_view name);
     /// The address of the symbol of a name or, unless it begins with "_", of "_" and the name; null
     /// if there is none. The first query of a file loads the names.
+    /// @throws std::bad_alloc
     const VElfSymbolAddress* FindSymbolByName(const std::string& name);
 
     /// @}

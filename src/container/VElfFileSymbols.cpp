@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <limits>
+#include <new>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -177,6 +178,10 @@ const VElfSymbolAddress* VElfFile::FindSymbolByName(const std::string& name) {
         const bool isLoaded = LoadSymbolMap(mSymbolNamesMap);
         mSymbolNamesMap.SetInitialized();
         if (!isLoaded) {
+            // Variables would be missing as if the file had no symbol of them.
+            if (mStrTabBuffer && IsOutOfMemory()) {
+                throw std::bad_alloc();
+            }
             return nullptr;
         }
     }

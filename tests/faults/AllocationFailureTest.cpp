@@ -19,7 +19,7 @@ protected:
         DataModel::DataModel undisturbed;
         ASSERT_TRUE(Read(undisturbed, path).result);
         std::size_t number = 1;
-        while (FailAllocation(path, number, undisturbed.ObjectCount()) && !HasFailure()) {
+        while (FailAllocation(path, number, undisturbed) && !HasFailure()) {
             number = next(number);
         }
         EXPECT_GT(number, 100U) << "hardly any allocation was made to fail";
@@ -30,7 +30,8 @@ protected:
 
 private:
     /// @return true if the read came to this allocation
-    bool FailAllocation(const std::string& path, std::size_t number, std::size_t expectedCount) {
+    bool FailAllocation(const std::string& path, std::size_t number,
+                        const DataModel::DataModel& undisturbed) {
         SCOPED_TRACE("allocation " + std::to_string(number));
         const std::size_t before = LiveAllocations();
         bool hasFailed = false;
@@ -46,7 +47,8 @@ private:
                 EXPECT_NE(outcome.message, "");
             }
             if (outcome.result) {
-                EXPECT_EQ(model.ObjectCount(), expectedCount);
+                EXPECT_EQ(model.ObjectCount(), undisturbed.ObjectCount());
+                EXPECT_EQ(Variables(model), Variables(undisturbed));
             }
             EXPECT_FALSE(VElfOptions::mLogFile.is_open());
             EXPECT_FALSE(VElfOptions::mDumpProducerInfoFile.is_open());
@@ -65,6 +67,12 @@ std::size_t Successor(std::size_t number) {
 TEST_F(AllocationFailureTest, EachOfASmallRead) {
     FailAllocations(mFolder.Write("image.elf", ImageOfEverything()), Successor);
     FailAllocations(mFolder.Write("image.exe", WindowsImageOfEverything()), Successor);
+}
+
+TEST_F(AllocationFailureTest, EachWithASearchForUnitsThroughAWindow) {
+    VElfOptions::mTryReadCorruptedCompileUnits = 1;
+    VElfOptions::mElfFileReadBufferSize = 4096;
+    FailAllocations(mFolder.Write("image.elf", ImageOfEverything()), Successor);
 }
 
 TEST_F(AllocationFailureTest, EachWithDemangledNamesLogAndDumps) {

@@ -56,6 +56,8 @@ DwarfUnit UseUnit(DieLabel integer, DieLabel motor) {
                   Die(DW_TAG_variable, {Name("gSpeed"), Type(alias), Address(0x2200)}),
                   Die(DW_TAG_variable,
                       {Name("gExtern"), Type(motor, DW_FORM_ref_addr), Declaration(), External()}),
+                  Die(DW_TAG_variable, {Name("Linked"), LinkageName("gLinked"), Type(alias),
+                                        Declaration(), External()}),
                   Die(DW_TAG_variable, {Name("gListed"), Type(alias),
                                         Number(DW_AT_location, DW_FORM_sec_offset, 0)})})}};
 }
@@ -74,6 +76,7 @@ DwarfSections SectionsOfEverything(std::size_t padding) {
 std::string ImageOfEverything(std::size_t padding) {
     ElfImage image;
     image.Symbol({"gMotor", 0x2000, 32}).Symbol({"gExtern", 0x2400, 32});
+    image.Symbol({"gLinked", 0x2480, 4});
     image.Symbol({"gNoDebug", 0x2500, 2}).Symbol({"value__6Device", 0x2600, 4});
     return (image + SectionsOfEverything(padding)).Build();
 }
