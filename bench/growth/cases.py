@@ -510,7 +510,7 @@ def symbols_of_suffixes(n):
 
 
 # Table sizes of a standard library whose hash of a number is the number.
-BUCKET_COUNTS = (20753, 42043, 85229, 172933)
+BUCKET_COUNTS = (10273, 20753, 42043, 85229)
 
 
 def numbers_of_one_bucket(n):
@@ -563,7 +563,7 @@ def damaged_units(n):
 SIZES = {"empty_units": 200_000, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
          "symbols_of_one_name": 400_000, "symbols_of_one_address": 400_000,
          "one_long_text": 400_000, "damaged_units": 20_000, "codes_of_one_bucket": 12_500,
-         "abbreviation_offsets_of_one_bucket": 12_500, "addresses_of_one_bucket": 12_500}
+         "abbreviation_offsets_of_one_bucket": 12_500, "addresses_of_one_bucket": 6_250}
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "symbols_of_suffixes": ["mDemangleSymTabNames=2"]}
 USUAL_SIZE = 50_000
