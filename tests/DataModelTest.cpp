@@ -548,7 +548,7 @@ TEST_F(DataModelPathTest, MalformedPathsTellHowFarTheyWent) {
                              "a[99999999999999999999]"}) {
         EXPECT_EQ(Resolve(path), noIndex) << path;
     }
-    EXPECT_EQ(Resolve("a[1]b"), R"("a[1]", then expected "." or "[")");
+    EXPECT_EQ(Resolve("a[1]b"), R"("a[1]", then "." or "[" is expected)");
     EXPECT_EQ(Resolve("a."), R"("a", then an array has no members, only elements)");
     EXPECT_EQ(Resolve("a[1]."), "\"a[1]\", then what lies here has no members");
     for (const char* path : {"", ".", "[", "..a", ".a", "b", "b[0].x", "::", "x::a", "a::", " a"}) {
