@@ -4,6 +4,7 @@
 #include "DifferenceTable.h"
 #include "Message.h"
 #include "ModelComparison.h"
+#include "NearObjects.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
@@ -42,6 +43,17 @@ void TellMissing(const std::string& file, const ReadResult& result, const std::s
     }
 }
 
+void TellNothingFound(const DiffArguments& arguments, const DataModel::DataModel& oldModel,
+                      const DataModel::DataModel& newModel) {
+    if (HasMatch(oldModel, arguments.pattern, arguments.limits) ||
+        HasMatch(newModel, arguments.pattern, arguments.limits)) {
+        Tell("nothing that matches '" + arguments.pattern + "' has changed");
+    } else {
+        Tell("no variable or leaf of the two files matches '" + arguments.pattern + "'" +
+             NearVariables(newModel, arguments.pattern));
+    }
+}
+
 ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     DataModel::DataModel oldModel;
     DataModel::DataModel newModel;
@@ -60,10 +72,11 @@ ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     const DifferenceCount count = WriteDifferences(oldModel, newModel, scope, *table);
     TellCuts(arguments.oldFile, count.cuts.front(), arguments.limits);
     TellCuts(arguments.newFile, count.cuts.back(), arguments.limits);
-    if (count.rows == 0 && !arguments.pattern.empty()) {
-        Tell("nothing that matches '" + arguments.pattern + "' has changed");
+    const bool isComplete = oldResult.isOk && newResult.isOk;
+    if (count.rows == 0 && !arguments.pattern.empty() && isComplete) {
+        TellNothingFound(arguments, oldModel, newModel);
     }
-    return oldResult.isOk && newResult.isOk ? ExitStatus::Success : ExitStatus::Failed;
+    return isComplete ? ExitStatus::Success : ExitStatus::Failed;
 }
 
 } // namespace
