@@ -11,8 +11,10 @@
 #include "TableWriter.h"
 #include "Terminal.h"
 
+#include "core/VElfOptions.h"
 #include "model/DataModel.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,12 +56,38 @@ void TellNothingFound(const DiffArguments& arguments, const DataModel::DataModel
     }
 }
 
+/// Puts back, at the end of a read, what the reader decided by the compiler of the file: it must
+/// not decide for the other build.
+class DecisionGuard {
+public:
+    DecisionGuard() = default;
+    ~DecisionGuard() {
+        Options::mHandle_DW_FORM_REF_ADDR_AS_DW3 = mReferenceWidth;
+        Options::mFixReferencesWithFileRelativeOffset = mFileRelativeReferences;
+    }
+    DecisionGuard(const DecisionGuard&) = delete;
+    DecisionGuard& operator=(const DecisionGuard&) = delete;
+    DecisionGuard(DecisionGuard&&) = delete;
+    DecisionGuard& operator=(DecisionGuard&&) = delete;
+
+private:
+    using Options = Reader::DWARF::VElfOptions;
+
+    std::int32_t mReferenceWidth = Options::mHandle_DW_FORM_REF_ADDR_AS_DW3;
+    std::int32_t mFileRelativeReferences = Options::mFixReferencesWithFileRelativeOffset;
+};
+
+ReadResult ReadBuild(ReadSession& session, const std::string& file, DataModel::DataModel& model) {
+    const DecisionGuard guard;
+    return session.Read(file, model);
+}
+
 ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     DataModel::DataModel oldModel;
     DataModel::DataModel newModel;
     ReadSession session(arguments.read);
-    const ReadResult oldResult = session.Read(arguments.oldFile, oldModel);
-    const ReadResult newResult = session.Read(arguments.newFile, newModel);
+    const ReadResult oldResult = ReadBuild(session, arguments.oldFile, oldModel);
+    const ReadResult newResult = ReadBuild(session, arguments.newFile, newModel);
     ReportResult(arguments.oldFile, oldResult);
     ReportResult(arguments.newFile, newResult);
     // What a read that failed did not deliver would look as if it had vanished or appeared.
