@@ -726,7 +726,9 @@ TEST_F(HostileDataModelTest, InheritanceThatBranchesOrReturns) {
     const ObjectId root = derived;
     for (int level = 0; level < 10'000; ++level) {
         const ObjectId base = derived;
-        derived = mModel.CreateClassEntryType("D", 0, 1, {base, base}, false, false);
+        derived = mModel.CreateClassEntryType("D", 0, 1, {}, false, false);
+        mModel.AddBaseClass(derived, base, 0);
+        mModel.AddBaseClass(derived, base, 4);
     }
     mModel.AddBaseClass(root, derived, 0);
     Member("", root, root, 0);
