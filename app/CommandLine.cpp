@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <iostream>
 #include <sstream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,12 @@ std::string UnknownOptionProblem(const CLI::App& command, const std::string& arg
         }
     }
     return command.get_name() + " has no option '" + name + "'" + near.Text();
+}
+
+bool HasCommand(const CLI::App& program, std::string_view name) {
+    return std::ranges::any_of(program.get_subcommands({}), [name](const CLI::App* command) {
+        return command->get_name() == name;
+    });
 }
 
 std::string UnknownCommandProblem(const CLI::App& program, const std::string& argument) {
@@ -53,9 +60,11 @@ CommandLine::CommandLine()
     mProgram.get_formatter()->label("SUBCOMMAND", "COMMAND ...");
     mProgram.get_formatter()->label("Positionals", "Arguments");
     mProgram.get_formatter()->label("REQUIRED", "(required)");
-    mProgram.footer("Results go to standard output, progress and messages to standard error.\n"
-                    "Exit status: 0 success, 1 a read failed, 2 wrong usage.\n"
-                    "'brindle COMMAND --help' shows the options of a command and an example.");
+    mProgram.footer(
+        "Results go to standard output, progress and messages to standard error.\n"
+        "Exit status: 0 success, 1 a read failed or an expression does not resolve, 2 wrong "
+        "usage.\n"
+        "'brindle COMMAND --help' shows the options of a command and an example.");
 }
 
 CLI::App& CommandLine::AddCommand(const CommandDescription& description, Action action) {
@@ -68,6 +77,10 @@ CLI::App& CommandLine::AddCommand(const CommandDescription& description, Action 
 }
 
 ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, ResultOutput& output) {
+    // The parser would look for a command behind a word that is none.
+    if (argumentCount > 1 && !IsOption(arguments[1]) && !HasCommand(mProgram, arguments[1])) {
+        return EndWrongUsage(UnknownCommandProblem(mProgram, arguments[1]));
+    }
     try {
         mProgram.parse(argumentCount, arguments);
         if (!mChosenAction) {
@@ -86,18 +99,27 @@ ExitStatus CommandLine::EndParsing(const CLI::ParseError& error, ResultOutput& o
         output.Write(result.view());
         return ExitStatus::Success;
     }
+    return EndWrongUsage(UsageProblem(error));
+}
+
+ExitStatus CommandLine::EndWrongUsage(const std::string& problem) const {
     const CLI::App* const command = ChosenCommand();
-    Tell(UsageProblem(error));
+    Tell(problem);
     std::cerr << "Try 'brindle " << (command == nullptr ? "" : command->get_name() + " ")
               << "--help'.\n";
     return ExitStatus::WrongUsage;
 }
 
 std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
+    const CLI::App* const command = ChosenCommand();
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        // Of an option that is given twice the later value counts, so that one has none.
+        return std::string(error.what()).substr(0, std::string_view(error.what()).find(':')) +
+               " needs a value";
+    }
     if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) {
         return error.what();
     }
-    const CLI::App* const command = ChosenCommand();
     const std::vector<std::string> unknown = mProgram.remaining(true);
     const auto option = std::ranges::find_if(unknown, IsOption);
     if (option != unknown.end()) {
@@ -106,9 +128,7 @@ std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
     if (unknown.empty()) {
         return error.what();
     }
-    return command == nullptr ? UnknownCommandProblem(mProgram, unknown.front())
-                              : "nothing is expected behind the last argument, but there is '" +
-                                    unknown.front() + "'";
+    return "nothing is expected behind the last argument, but there is '" + unknown.front() + "'";
 }
 
 const CLI::App* CommandLine::ChosenCommand() const {

@@ -42,6 +42,7 @@ public:
 
 private:
     ExitStatus EndParsing(const CLI::ParseError& error, ResultOutput& output) const;
+    [[nodiscard]] ExitStatus EndWrongUsage(const std::string& problem) const;
     [[nodiscard]] std::string UsageProblem(const CLI::ParseError& error) const;
     [[nodiscard]] const CLI::App* ChosenCommand() const;
 

@@ -4,14 +4,17 @@
 #include "DifferenceTable.h"
 #include "Message.h"
 #include "ModelComparison.h"
+#include "NearObjects.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TableWriter.h"
 #include "Terminal.h"
 
+#include "core/VElfOptions.h"
 #include "model/DataModel.h"
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,12 +45,49 @@ void TellMissing(const std::string& file, const ReadResult& result, const std::s
     }
 }
 
+void TellNothingFound(const DiffArguments& arguments, const DataModel::DataModel& oldModel,
+                      const DataModel::DataModel& newModel) {
+    if (HasMatch(oldModel, arguments.pattern, arguments.limits) ||
+        HasMatch(newModel, arguments.pattern, arguments.limits)) {
+        Tell("nothing that matches '" + arguments.pattern + "' has changed");
+    } else {
+        Tell("no variable or leaf of the two files matches '" + arguments.pattern + "'" +
+             NearVariables(newModel, arguments.pattern));
+    }
+}
+
+/// Puts back, at the end of a read, what the reader decided by the compiler of the file: it must
+/// not decide for the other build.
+class DecisionGuard {
+public:
+    DecisionGuard() = default;
+    ~DecisionGuard() {
+        Options::mHandle_DW_FORM_REF_ADDR_AS_DW3 = mReferenceWidth;
+        Options::mFixReferencesWithFileRelativeOffset = mFileRelativeReferences;
+    }
+    DecisionGuard(const DecisionGuard&) = delete;
+    DecisionGuard& operator=(const DecisionGuard&) = delete;
+    DecisionGuard(DecisionGuard&&) = delete;
+    DecisionGuard& operator=(DecisionGuard&&) = delete;
+
+private:
+    using Options = Reader::DWARF::VElfOptions;
+
+    std::int32_t mReferenceWidth = Options::mHandle_DW_FORM_REF_ADDR_AS_DW3;
+    std::int32_t mFileRelativeReferences = Options::mFixReferencesWithFileRelativeOffset;
+};
+
+ReadResult ReadBuild(ReadSession& session, const std::string& file, DataModel::DataModel& model) {
+    const DecisionGuard guard;
+    return session.Read(file, model);
+}
+
 ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     DataModel::DataModel oldModel;
     DataModel::DataModel newModel;
     ReadSession session(arguments.read);
-    const ReadResult oldResult = session.Read(arguments.oldFile, oldModel);
-    const ReadResult newResult = session.Read(arguments.newFile, newModel);
+    const ReadResult oldResult = ReadBuild(session, arguments.oldFile, oldModel);
+    const ReadResult newResult = ReadBuild(session, arguments.newFile, newModel);
     ReportResult(arguments.oldFile, oldResult);
     ReportResult(arguments.newFile, newResult);
     // What a read that failed did not deliver would look as if it had vanished or appeared.
@@ -60,10 +100,11 @@ ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     const DifferenceCount count = WriteDifferences(oldModel, newModel, scope, *table);
     TellCuts(arguments.oldFile, count.cuts.front(), arguments.limits);
     TellCuts(arguments.newFile, count.cuts.back(), arguments.limits);
-    if (count.rows == 0 && !arguments.pattern.empty()) {
-        Tell("nothing that matches '" + arguments.pattern + "' has changed");
+    const bool isComplete = oldResult.isOk && newResult.isOk;
+    if (count.rows == 0 && !arguments.pattern.empty() && isComplete) {
+        TellNothingFound(arguments, oldModel, newModel);
     }
-    return oldResult.isOk && newResult.isOk ? ExitStatus::Success : ExitStatus::Failed;
+    return isComplete ? ExitStatus::Success : ExitStatus::Failed;
 }
 
 } // namespace

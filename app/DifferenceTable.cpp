@@ -5,6 +5,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -52,15 +53,37 @@ RowColour ColourOf(const Difference& difference) {
     return difference.newPlace == nullptr ? RowColour::Removed : RowColour::Changed;
 }
 
+/// What the types of both builds are called. Where a name stands for another type now, that type is
+/// told in its place.
+struct TypeNames {
+    TypeNames(const Difference& difference, const DataModel::DataModel& oldModel,
+              const DataModel::DataModel& newModel) {
+        before = difference.oldPlace != nullptr ? difference.oldPlace->type : std::string();
+        after = difference.newPlace != nullptr ? difference.newPlace->type : std::string();
+        if (before == after && difference.IsRetyped()) {
+            before = BehindTypedefs(oldModel, difference.oldPlace->place.type);
+            after = BehindTypedefs(newModel, difference.newPlace->place.type);
+        }
+    }
+
+    std::string before;
+    std::string after;
+
+private:
+    static std::string BehindTypedefs(const DataModel::DataModel& model, DataModel::ObjectId type) {
+        return model.TypeText(model.WithoutTypedefs(type));
+    }
+};
+
 /// The cells of one build, empty for one that does not have the place.
 struct PlaceCells {
-    explicit PlaceCells(const ComparedPlace* compared) {
+    PlaceCells(const ComparedPlace* compared, std::string_view typeName) {
         if (compared == nullptr) {
             return;
         }
         address = Address{compared->place.address};
         size = compared->place.size;
-        type = compared->type;
+        type = typeName;
         if (compared->place.isBitField) {
             bitSize = compared->place.bitSize;
             if (compared->place.bitOffset >= 0) {
@@ -93,8 +116,9 @@ DifferenceCount WriteDifferences(const DataModel::DataModel& oldModel,
         const ComparedPlace& latest = isNew ? *difference.newPlace : *difference.oldPlace;
         const DataModel::DataModel& model = isNew ? newModel : oldModel;
         const std::string change = ChangeText(difference);
-        const PlaceCells before(difference.oldPlace);
-        const PlaceCells after(difference.newPlace);
+        const TypeNames types(difference, oldModel, newModel);
+        const PlaceCells before(difference.oldPlace, types.before);
+        const PlaceCells after(difference.newPlace, types.after);
         table.AddRow(
             std::array<Cell, sColumns.size()>{
                 change, difference.isLeaf ? "leaf" : "variable", latest.name, before.address,

@@ -33,7 +33,9 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
                                        IsStandardOutputColoured());
     const std::vector<std::string> problems = WritePlaces(model, arguments.expressions, *table);
     for (const std::string& problem : problems) {
-        Tell(arguments.file, problem);
+        if (HasDelivered(result, model)) {
+            Tell(arguments.file, problem);
+        }
     }
     return problems.empty() ? status : ExitStatus::Failed;
 }
@@ -44,7 +46,7 @@ void AddFindCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<FindArguments>();
     CLI::App& command = commandLine.AddCommand(
         {"find", "Tell address, size and type of each expression",
-         "brindle find firmware.elf 'motor.pid[2].gain' Motor::count",
+         "brindle find firmware.elf 'motors[1].loops[0].gain' motor_step::stops",
          "An expression that does not resolve is told on standard error, with how far it got; the "
          "exit\nstatus is then 1."},
         [arguments](ResultOutput& output) { return RunFind(*arguments, output); });

@@ -36,7 +36,7 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
     for (const std::string& cut : DescribeCuts(list.cuts, arguments.limits)) {
         Tell(arguments.file, cut);
     }
-    if (!list.hasMatch) {
+    if (!list.hasMatch && HasDelivered(result, model)) {
         Tell(arguments.file, "no leaf matches '" + arguments.pattern + "'" +
                                  NearVariables(model, arguments.pattern));
     }
@@ -50,7 +50,7 @@ void AddLeavesCommand(CommandLine& commandLine) {
     CLI::App& command = commandLine.AddCommand(
         {"leaves",
          "List the variables of a file, expanded to scalars",
-         "brindle leaves --max-elements 16 firmware.elf 'motor.pid[*].gain'",
+         "brindle leaves --max-elements 16 firmware.elf 'motors[*].loops[0].gain'",
          {}},
         [arguments](ResultOutput& output) { return RunLeaves(*arguments, output); });
     AddFileArgument(command, arguments->file);

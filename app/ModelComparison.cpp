@@ -22,7 +22,7 @@ bool Difference::IsResized() const {
 }
 
 bool Difference::IsRetyped() const {
-    return oldPlace->type != newPlace->type;
+    return oldPlace->meaning != newPlace->meaning;
 }
 
 ModelComparison::Side::Side(const DataModel::DataModel& sideModel,
@@ -154,6 +154,7 @@ ComparedPlace ModelComparison::VariableOf(Side& side, ObjectId global) {
     ComparedPlace result;
     result.name = side.model.QualifiedName(global);
     result.type = side.typeTexts.Of(variable.type);
+    result.meaning = side.fingerprints.MeaningOf(variable.type);
     result.place.global = global;
     result.place.type = variable.type;
     result.place.address = variable.address;
@@ -169,7 +170,8 @@ ModelComparison::Places ModelComparison::LeavesOf(Side& side, ObjectId global) {
     const std::size_t nameLength = side.model.QualifiedName(global).size();
     side.walk.Walk(global, [&](std::string_view path, const Place& place) {
         if (path.size() > nameLength) {
-            leaves.push_back({std::string(path), side.typeTexts.Of(place.type), place});
+            leaves.push_back({std::string(path), side.typeTexts.Of(place.type),
+                              side.fingerprints.MeaningOf(place.type), place});
         }
     });
     return leaves;

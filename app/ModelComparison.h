@@ -10,6 +10,7 @@
 #include "model/LeafWalk.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,8 @@ struct ComparedPlace {
     /// Qualified name of the variable, with the steps to the leaf.
     std::string name;
     std::string type;
+    /// As `LayoutFingerprints::MeaningOf`.
+    std::uint64_t meaning = 0;
     DataModel::DataModel::Place place;
 };
 
@@ -39,7 +42,7 @@ struct Difference {
     [[nodiscard]] bool IsMoved() const;
     /// Other size in bytes, or other width in bits.
     [[nodiscard]] bool IsResized() const;
-    /// Other text of the type.
+    /// Other text of the type, or one that stands for another type or other values of an enum.
     [[nodiscard]] bool IsRetyped() const;
     /// @}
 };

@@ -1,10 +1,14 @@
 #include "NearObjects.h"
 
 #include "NearNames.h"
+#include "StructureLayout.h"
 
 #include "model/DataModel.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <initializer_list>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -12,6 +16,9 @@ namespace {
 
 using DataModel::ModelObject;
 using DataModel::ObjectKind;
+
+/// A class and its base classes have members near to a name, up to this many.
+constexpr std::size_t sMostClasses = 100;
 
 std::string NearObjects(const DataModel::DataModel& model, std::string_view wanted,
                         std::initializer_list<ObjectKind> kinds) {
@@ -43,6 +50,28 @@ std::string NearTypes(const DataModel::DataModel& model, std::string_view wanted
     return NearObjects(model, wanted,
                        {ObjectKind::Class, ObjectKind::Struct, ObjectKind::Union, ObjectKind::Enum,
                         ObjectKind::Typedef});
+}
+
+std::string NearMembers(const DataModel::DataModel& model, std::string_view resolved,
+                        std::string_view rest) {
+    if (!rest.starts_with('.')) {
+        return {};
+    }
+    const std::string_view name = rest.substr(1, rest.find_first_of(".[", 1) - 1);
+    NearNames near(name);
+    std::vector<DataModel::ObjectId> classes{model.ResolvePath(resolved).place.type};
+    for (std::size_t place = 0; place < std::min(classes.size(), sMostClasses); ++place) {
+        const DataModel::ObjectId type = model.WithoutTypedefs(classes[place]);
+        model.ForEachIn(type, [&](const ModelObject& member) {
+            if (IsMember(member.kind)) {
+                near.Offer(member.name);
+            }
+        });
+        for (const DataModel::BaseClass& base : model.PlacedBaseClasses(type)) {
+            classes.push_back(base.type);
+        }
+    }
+    return near.Text();
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -19,4 +19,10 @@ std::string NearVariables(const DataModel::DataModel& model, std::string_view wa
 std::string NearTypes(const DataModel::DataModel& model, std::string_view wanted);
 /// @}
 
+/// The same for the members of what an expression leads to.
+/// @param resolved the part of an expression that resolves
+/// @param rest what stands behind it; nothing is near unless it begins with a point and a name
+std::string NearMembers(const DataModel::DataModel& model, std::string_view resolved,
+                        std::string_view rest);
+
 } // namespace Tessel::Norn::Brindle::Program

@@ -55,8 +55,34 @@ std::string ProblemText(const DataModel::DataModel& model, const std::string& ex
     if (result.resolvedLength == 0) {
         return text + result.problem + NearVariables(model, expression);
     }
-    return text + "resolves up to '" + expression.substr(0, result.resolvedLength) + "', then " +
-           result.problem;
+    const std::string resolved = expression.substr(0, result.resolvedLength);
+    return text + "resolves up to '" + resolved + "', then " + result.problem +
+           NearMembers(model, resolved, std::string_view(expression).substr(resolved.size()));
+}
+
+/// Visits the leaves that are wanted, as `WriteLeaves` says.
+DataModel::LeafCuts VisitLeaves(const DataModel::DataModel& model, std::string_view pattern,
+                                const DataModel::LeafLimits& limits,
+                                const DataModel::LeafWalk::Visitor& visit) {
+    const NameFilter filter(pattern);
+    DataModel::LeafWalk walk(model, limits);
+    model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
+        if (walk.Cuts().isExhausted) {
+            return;
+        }
+        const std::string name = model.QualifiedName(variable.id);
+        const std::size_t ownName = OwnNameStart(name, variable.name);
+        const bool isWhole = filter.Takes(name, ownName);
+        if (!isWhole && !filter.MayTakeBehind(name, ownName)) {
+            return;
+        }
+        walk.Walk(variable.id, [&](std::string_view path, const Place& place) {
+            if (isWhole || filter.Takes(path, ownName)) {
+                visit(path, place);
+            }
+        });
+    });
+    return walk.Cuts();
 }
 
 std::string Count(std::uint64_t number, std::string_view one, std::string_view several) {
@@ -71,31 +97,24 @@ std::span<const Column> PlaceColumns() {
 
 LeafList WriteLeaves(const DataModel::DataModel& model, std::string_view pattern,
                      const DataModel::LeafLimits& limits, TableWriter& table) {
-    const NameFilter filter(pattern);
     LeafList result;
-    result.hasMatch = filter.TakesAll();
+    result.hasMatch = NameFilter(pattern).TakesAll();
     PlaceRows rows(model, table);
-    DataModel::LeafWalk walk(model, limits);
-    model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
-        if (walk.Cuts().isExhausted) {
-            return;
-        }
-        const std::string name = model.QualifiedName(variable.id);
-        const std::size_t ownName = OwnNameStart(name, variable.name);
-        const bool isWhole = filter.Takes(name, ownName);
-        if (!isWhole && !filter.MayTakeBehind(name, ownName)) {
-            return;
-        }
-        walk.Walk(variable.id, [&](std::string_view path, const Place& place) {
-            if (isWhole || filter.Takes(path, ownName)) {
-                result.hasMatch = true;
-                rows.Add(path, place);
-            }
+    result.cuts =
+        VisitLeaves(model, pattern, limits, [&](std::string_view path, const Place& place) {
+            result.hasMatch = true;
+            rows.Add(path, place);
         });
-    });
     table.Finish();
-    result.cuts = walk.Cuts();
     return result;
+}
+
+bool HasMatch(const DataModel::DataModel& model, std::string_view pattern,
+              const DataModel::LeafLimits& limits) {
+    bool hasMatch = false;
+    VisitLeaves(model, pattern, limits,
+                [&hasMatch](std::string_view, const Place&) { hasMatch = true; });
+    return hasMatch;
 }
 
 std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
@@ -103,9 +122,14 @@ std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
     std::vector<std::string> problems;
     PlaceRows rows(model, table);
     for (const std::string& expression : expressions) {
-        for (const auto& result : model.ResolvePaths(expression)) {
-            if (result.found) {
+        const auto results = model.ResolvePaths(expression);
+        for (const auto& result : results) {
+            if (result.found && results.size() == 1) {
                 rows.Add(expression, result.place);
+            } else if (result.found) {
+                rows.Add(model.QualifiedName(result.place.global) +
+                             expression.substr(result.headLength),
+                         result.place);
             } else {
                 problems.push_back(ProblemText(model, expression, result));
             }

@@ -31,8 +31,13 @@ struct LeafList {
 LeafList WriteLeaves(const DataModel::DataModel& model, std::string_view pattern,
                      const DataModel::LeafLimits& limits, TableWriter& table);
 
+/// True if the pattern names a leaf, or a variable, of a model.
+bool HasMatch(const DataModel::DataModel& model, std::string_view pattern,
+              const DataModel::LeafLimits& limits);
+
 /// Writes a whole table of what expressions lead to, in their order: a row for each variable of the
-/// name, none for an expression that does not resolve.
+/// name, none for an expression that does not resolve. Where there are several, each row has the
+/// qualified name of its variable.
 /// @param table has `PlaceColumns`
 /// @return for each expression that does not resolve, how far it got and why no further
 std::vector<std::string> WritePlaces(const DataModel::DataModel& model,

@@ -36,6 +36,7 @@ void AddChoice(CLI::App& command, const std::string& name, std::string& value,
                        ? std::string()
                        : "'" + text + "' is none of " + CLI::detail::join(choices, ", ");
         })
+        ->take_last()
         ->option_text(CLI::detail::join(choices, "|") + " (" + value + ")");
 }
 
@@ -62,6 +63,7 @@ void AddLimit(CLI::App& command, const std::string& name, std::uint64_t& limit,
                 limit = ParseNumber<std::uint64_t>(name, text, 1, "number from 1 on");
             },
             purpose)
+        ->take_last()
         ->option_text("N (" + std::to_string(limit) + ")");
 }
 
@@ -80,6 +82,7 @@ void AddReadArguments(CLI::App& command, ReadArguments& arguments) {
                     "--language", text, std::numeric_limits<std::int32_t>::min(), "number");
             },
             "Language of messages: 49 is German, any other number English")
+        ->take_last()
         ->option_text("N");
     AddReaderOptionArgument(command);
     command.add_flag("--no-progress", arguments.noProgress, "Draw no progress bar");
@@ -101,8 +104,8 @@ void AddFileArgument(CLI::App& command, std::string& file) {
 void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern) {
     command
         .add_option("PATTERN", pattern,
-                    "Those " + things +
-                        " alone whose name fits: * stands for any characters, ? for one")
+                    "Only the " + things +
+                        " whose name fits: * stands for any characters, ? for one")
         ->type_name("");
 }
 

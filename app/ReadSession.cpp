@@ -48,6 +48,9 @@ std::string SystemProblem(const std::string& file) {
     if (std::filesystem::is_directory(status)) {
         return std::make_error_code(std::errc::is_a_directory).message();
     }
+    if (std::filesystem::is_fifo(status)) {
+        return "A pipe can't be read back and forth";
+    }
     errno = 0;
     const std::ifstream stream(file, std::ios::binary);
     if (!stream) {
@@ -89,6 +92,7 @@ void ReadSession::ConnectCallbacks() {
                  secondText}});
     };
     mReader.PhaseCallback = [this](ReadPhase phase) {
+        mHasPhase = true;
         if (mProgressBar) {
             mProgressBar->SetPhase(PhaseName(phase));
         }
@@ -121,6 +125,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     ReadResult result;
     result.container = ChooseContainer(mContainer, file);
     mError.clear();
+    mHasPhase = false;
     CapturedStandardOutput captured;
     try {
         result.isOk = RunReader(file, result.container);
@@ -138,6 +143,10 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
             result.container == DWARFContainerType::Container_COFF) {
             result.remark = "Read as COFF, being neither ELF nor a Windows image";
         }
+        if (result.remark.empty() && result.container == DWARFContainerType::Container_PE &&
+            !mHasPhase) {
+            result.remark = "No Windows image, or not all of one";
+        }
     }
     // The reader's own words on such a file are numbers alone.
     if (result.remark.empty()) {
@@ -153,6 +162,11 @@ bool ReadSession::RunReader(const std::string& file, DWARFContainerType containe
     }
     mProgressBar = progressBar ? &*progressBar : nullptr;
     return mReader.Read(file, container);
+}
+
+bool HasDelivered(const ReadResult& result, const DataModel::DataModel& model) {
+    // The global namespace is there before any delivery.
+    return result.isOk || model.ObjectCount() > 1;
 }
 
 ExitStatus ReportResult(const std::string& file, const ReadResult& result) {

@@ -8,6 +8,7 @@
 #include "host/DWARFContainerType.h"
 #include "host/HostDataModel.h"
 #include "host/VDWARFReader.h"
+#include "model/DataModel.h"
 
 #include <cstdint>
 #include <functional>
@@ -62,7 +63,13 @@ private:
     /// The bar of the read that runs, null if none is drawn. Only callbacks of a read look at it.
     ProgressBar* mProgressBar = nullptr;
     std::string mError;
+    /// The read has come to the debug information.
+    bool mHasPhase = false;
 };
+
+/// False if the read failed before it delivered anything: what is not in the model then says
+/// nothing about the file.
+bool HasDelivered(const ReadResult& result, const DataModel::DataModel& model);
 
 /// Tells a failure on standard error.
 /// @return the exit status that the result asks for

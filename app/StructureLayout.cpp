@@ -31,10 +31,22 @@ std::uint64_t ExtentOf(const ModelObject& member, std::uint64_t size) {
     return std::max(size, lastByte);
 }
 
-/// Base classes and members alone.
+/// Base classes that `PlacedBaseClasses` leaves out.
+std::vector<LayoutEntry> UnplacedBaseClasses(const DataModel::DataModel& model, ObjectId type) {
+    const std::vector<DataModel::BaseClass> placed = model.PlacedBaseClasses(type);
+    std::vector<LayoutEntry> unplaced;
+    for (const DataModel::BaseClass& base : model.BaseClasses(type)) {
+        if (std::ranges::find(placed, base.type, &DataModel::BaseClass::type) == placed.end()) {
+            unplaced.push_back({Kind::UnplacedBaseClass, base.type, 0, model.SizeOf(base.type)});
+        }
+    }
+    return unplaced;
+}
+
+/// Placed base classes and members alone.
 std::vector<LayoutEntry> Contents(const DataModel::DataModel& model, ObjectId type) {
     std::vector<LayoutEntry> contents;
-    for (const DataModel::BaseClass& base : model.BaseClasses(type)) {
+    for (const DataModel::BaseClass& base : model.PlacedBaseClasses(type)) {
         contents.push_back({Kind::BaseClass, base.type, base.offset, model.SizeOf(base.type)});
     }
     model.ForEachIn(type, [&](const ModelObject& member) {
@@ -120,7 +132,10 @@ std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, ObjectId ty
         return contents;
     }
     std::ranges::stable_sort(contents, {}, &LayoutEntry::offset);
-    return GapFinder(model, model.SizeOf(type)).Find(contents);
+    std::vector<LayoutEntry> layout = UnplacedBaseClasses(model, type);
+    const std::vector<LayoutEntry> placed = GapFinder(model, model.SizeOf(type)).Find(contents);
+    layout.insert(layout.end(), placed.begin(), placed.end());
+    return layout;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -12,6 +12,8 @@ namespace Tessel::Norn::Brindle::Program {
 struct LayoutEntry {
     enum class Kind {
         BaseClass,
+        /// A base class whose place only the running program knows; `offset` says nothing.
+        UnplacedBaseClass,
         Member,
         /// Bytes between two members that belong to none.
         Hole,

@@ -65,6 +65,14 @@ bool IsNameless(const ModelObject& type) {
     return type.kind != ObjectKind::Typedef && (type.anonymous || type.name.empty());
 }
 
+/// An integer whose values may be those that a model, which keeps 32 bits with a sign, tells as
+/// negative.
+bool IsUnsigned(const ModelObject& integer) {
+    using DataModel::BasicTypes;
+    return integer.basicType == BasicTypes::UInt32 ||
+           integer.basicType == BasicTypes::UnsignedLong || integer.basicType == BasicTypes::UInt64;
+}
+
 /// One declaration as it reads, without its compile units.
 struct Declaration {
     std::string text;
@@ -161,12 +169,13 @@ private:
     void FindHolders() {
         for (ObjectId id = 1; id <= mModel.ObjectCount(); ++id) {
             const ModelObject object = mModel.Object(id);
-            if (object.kind == ObjectKind::Typedef || object.kind == ObjectKind::Member ||
-                object.kind == ObjectKind::UnionMember) {
+            const bool isVariable = object.kind == ObjectKind::Global;
+            if (isVariable || object.kind == ObjectKind::Typedef ||
+                object.kind == ObjectKind::Member || object.kind == ObjectKind::UnionMember) {
                 const ObjectId held = WithoutArrays(object.type);
                 const ModelObject type = mModel.Object(held);
                 if (held != 0 && IsNameless(type) && IsListed(type.kind)) {
-                    mHolders.try_emplace(held, id);
+                    (isVariable ? mVariables : mHolders).try_emplace(held, id);
                 }
             }
         }
@@ -196,6 +205,18 @@ private:
         return mFilter.Takes(name, OwnNameStart(name, type.name));
     }
 
+    /// A class of which the file tells nothing but the name.
+    [[nodiscard]] bool IsDeclarationAlone(const ModelObject& type) const {
+        return IsClass(type.kind) && mModel.SizeOf(type.id) == 0 && !HasContents(type.id);
+    }
+
+    /// The variable that a nameless type was made for, as a comment.
+    [[nodiscard]] std::string VariableText(ObjectId type) const {
+        const auto known = mVariables.find(type);
+        return known == mVariables.end() ? std::string()
+                                         : "type of " + mModel.QualifiedName(known->second);
+    }
+
     /// What is left of a nameless structure whose members went to the one around it has none.
     [[nodiscard]] bool HasContents(ObjectId type) const {
         bool hasContents = !mModel.BaseClasses(type).empty() || !mModel.Enumerators(type).empty();
@@ -213,8 +234,12 @@ private:
             mIsWritten[type.id] = true;
             WriteHeld("typedef ", type, name, "size " + std::to_string(mModel.SizeOf(type.id)), 0);
         } else {
-            WriteBody(type, IsNameless(type) ? std::string() : name, 0);
-            WriteLine(0, "};", {});
+            const std::string writtenName = IsNameless(type) ? std::string() : name;
+            mDeclaration.isOneLine = IsDeclarationAlone(type);
+            WriteBody(type, writtenName, 0);
+            if (!mDeclaration.isOneLine) {
+                WriteLine(0, "};", VariableText(type.id));
+            }
         }
         mList.Add(std::move(mDeclaration), mModel.CompileUnitOf(type.id));
     }
@@ -261,7 +286,8 @@ private:
                    std::string_view lead = {}) {
         mIsWritten[type.id] = true;
         std::string head = std::string(lead).append(Keyword(type.kind));
-        head.append(name.empty() ? "" : " ").append(name).append(Heritage(type)).append(" {");
+        head.append(name.empty() ? "" : " ").append(name).append(Heritage(type));
+        head.append(IsDeclarationAlone(type) ? ";" : " {");
         WriteLine(depth, head, "size " + std::to_string(mModel.SizeOf(type.id)));
         if (depth == 0) {
             mDeclaration.unitPosition = mDeclaration.text.size() - sCommentEnd.size() - 1;
@@ -287,10 +313,12 @@ private:
     }
 
     void WriteEnumerators(const ModelObject& type, std::size_t depth) {
+        const bool isUnsigned = IsUnsigned(mModel.Object(mModel.WithoutTypedefs(type.type)));
         for (const DataModel::Enumerator& enumerator : mModel.Enumerators(type.id)) {
-            WriteLine(depth,
-                      std::string(enumerator.name) + " = " + std::to_string(enumerator.value) + ",",
-                      {});
+            const std::string value =
+                isUnsigned ? std::to_string(static_cast<std::uint32_t>(enumerator.value))
+                           : std::to_string(enumerator.value);
+            WriteLine(depth, std::string(enumerator.name) + " = " + value + ",", {});
         }
     }
 
@@ -302,6 +330,10 @@ private:
             return WriteLine(depth, {},
                              "base class " + mModel.TypeText(entry.id) + ": " +
                                  OffsetAndSize(entry.offset, entry.size));
+        case LayoutEntry::Kind::UnplacedBaseClass:
+            return WriteLine(depth, {},
+                             "base class " + mModel.TypeText(entry.id) +
+                                 ": no static offset, size " + std::to_string(entry.size));
         case LayoutEntry::Kind::Member:
             return WriteMember(mModel.Object(entry.id), entry, depth);
         case LayoutEntry::Kind::Hole:
@@ -349,6 +381,8 @@ private:
     Declaration mDeclaration;
     /// The typedef or member that a nameless type is written with.
     std::unordered_map<ObjectId, ObjectId> mHolders;
+    /// The first variable of a nameless type.
+    std::unordered_map<ObjectId, ObjectId> mVariables;
     std::vector<bool> mIsWritten;
 };
 

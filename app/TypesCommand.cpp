@@ -28,7 +28,7 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
     read.allTypes = true;
     const ReadResult result = ReadSession(read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
-    if (!WriteTypeLayouts(model, arguments.pattern, output)) {
+    if (!WriteTypeLayouts(model, arguments.pattern, output) && HasDelivered(result, model)) {
         Tell(arguments.file,
              "no type matches '" + arguments.pattern + "'" + NearTypes(model, arguments.pattern));
     }
@@ -41,7 +41,7 @@ void AddTypesCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<TypesArguments>();
     CLI::App& command = commandLine.AddCommand(
         {"types", "Write the layouts of types as C, with offsets, sizes and holes",
-         "brindle types firmware.elf 'Motor*'",
+         "brindle types firmware.elf 'motor*'",
          "All types are read, as with --all-types. Declarations that read alike in several compile "
          "units\nare written once."},
         [arguments](ResultOutput& output) { return RunTypes(*arguments, output); });

@@ -31,7 +31,7 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
     const ExitStatus status = ReportResult(arguments.file, result);
     const auto table = MakeTableWriter(TableFormatOf(arguments.format), VariableColumns(), output,
                                        IsStandardOutputColoured());
-    if (!WriteVariables(model, arguments.pattern, *table)) {
+    if (!WriteVariables(model, arguments.pattern, *table) && HasDelivered(result, model)) {
         Tell(arguments.file, "no variable matches '" + arguments.pattern + "'" +
                                  NearVariables(model, arguments.pattern));
     }
@@ -45,7 +45,7 @@ void AddVarsCommand(CommandLine& commandLine) {
     CLI::App& command = commandLine.AddCommand(
         {"vars",
          "List the variables of a file, with address, size and type",
-         "brindle vars --format csv firmware.elf 'Motor::*'",
+         "brindle vars --format csv firmware.elf 'motor*'",
          {}},
         [arguments](ResultOutput& output) { return RunVars(*arguments, output); });
     AddFileArgument(command, arguments->file);

@@ -580,7 +580,8 @@ BRINDLE_C_API brindle_status brindle_model_first_in(brindle_model model, brindle
 BRINDLE_C_API brindle_status brindle_model_next_in(brindle_model model, brindle_id id,
                                                    brindle_id* next);
 
-/** A base class of a class or structure. */
+/** A base class of a class or structure. A virtual one, which has no static place, has the offset
+ * 0; paths and leaves don't lead into one that would lie over other data there. */
 typedef struct brindle_base_class {
     size_t struct_size;
     brindle_id type;

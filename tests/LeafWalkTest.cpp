@@ -133,6 +133,41 @@ TEST_F(LeafWalkTest, InheritedAndAnonymousMembersComeLikeOwnOnes) {
                             "m.raw uint16@10c:2", "m.low uint16@10c:2", "m.high uint16@10e:2"));
 }
 
+TEST_F(LeafWalkTest, AVirtualBaseClassHasNoStaticPlace) {
+    // Delivered at 0, where the derived class has data of its own.
+    const ObjectId device = Struct("Device", 8);
+    Member("_vptr.Device", Pointer(mByte), device, 0);
+    Member("port", mWord, device, 4);
+    const ObjectId driven = Struct("Driven", 14);
+    mModel.AddBaseClass(driven, device, 0);
+    Member("_vptr.Driven", Pointer(mByte), driven, 0);
+    Member("level", mWord, driven, 4);
+    EXPECT_THAT(Leaves(Global("d", driven, 0x100)),
+                ElementsAre("d._vptr.Driven uint8*@100:4", "d.level uint16@104:2"));
+    EXPECT_FALSE(mModel.ResolvePath("d.port").found);
+
+    // Two base classes with data can't both begin where the class begins.
+    const ObjectId valve = Struct("Valve", 20);
+    mModel.AddBaseClass(valve, driven, 0);
+    mModel.AddBaseClass(valve, device, 0);
+    Member("own", mWord, valve, 6);
+    EXPECT_THAT(Leaves(Global("v", valve, 0x200)), ElementsAre("v.own uint16@206:2"));
+
+    // An empty base class shares its place with a member, and a member that takes no space its own
+    // with a base class.
+    const ObjectId tag = Struct("Tag", 1);
+    const ObjectId tagged = Struct("Tagged", 4);
+    mModel.AddBaseClass(tagged, tag, 0);
+    Member("value", mWord, tagged, 0);
+    const ObjectId labelled = Struct("Labelled", 8);
+    mModel.AddBaseClass(labelled, tagged, 0);
+    Member("tag", Array({2}, tag, 2), labelled, 0);
+    Member("length", mWord, labelled, 4);
+    EXPECT_THAT(Leaves(Global("t", labelled, 0x300)),
+                ElementsAre("t.tag[0] Tag@300:1", "t.tag[1] Tag@301:1", "t.value uint16@300:2",
+                            "t.length uint16@304:2"));
+}
+
 TEST_F(LeafWalkTest, ABaseClassThatIsThereTwiceIsToldTwice) {
     const ObjectId root = Struct("Root", 2);
     Member("x", mWord, root, 0);

@@ -58,6 +58,11 @@ static class FindVariable
 
     static int Main(string[] arguments)
     {
+        if (arguments.Length != 2)
+        {
+            Console.Error.WriteLine("usage: FindVariable FILE PATH");
+            return 2;
+        }
         IntPtr reader, model;
         var place = new Place { StructSize = (UIntPtr)Marshal.SizeOf(typeof(Place)) };
         brindle_reader_create(out reader);

@@ -26,6 +26,11 @@ static class ListVariables
 
     static int Main(string[] arguments)
     {
+        if (arguments.Length != 1)
+        {
+            Console.Error.WriteLine("usage: ListVariables FILE");
+            return 2;
+        }
         var utf8 = new UTF8Encoding(false);
         int status = 0;
         var model = new FirmwareModel();

@@ -1,17 +1,18 @@
 #include "host/ContainerDetection.h"
 
+#include "container/VInputStream.h"
+
 #include <array>
 #include <cstddef>
-#include <fstream>
-#include <ios>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 DWARFContainerType DetectContainer(const std::string& file) {
     std::array<char, 4> bytes{};
-    std::ifstream stream(file, std::ios::binary);
-    stream.read(bytes.data(), bytes.size());
-    const std::string_view start(bytes.data(), static_cast<std::size_t>(stream.gcount()));
+    VInputStream stream;
+    const bool isOpen = stream.Open(file) == 0 && stream.Seek(0);
+    const std::size_t count = isOpen ? stream.Read(bytes.data(), bytes.size()) : 0;
+    const std::string_view start(bytes.data(), count);
     if (start.empty() || start == "\x7F"
                                   "ELF") {
         return DWARFContainerType::Container_ELF;

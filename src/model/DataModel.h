@@ -76,6 +76,11 @@ public:
     /// with the next call that adds one.
     [[nodiscard]] std::span<const BaseClass> BaseClasses(ObjectId classType) const;
 
+    /// The base classes whose members lie where their offset says. A virtual base class has no
+    /// static place, and the reader delivers it at offset 0: a base class at 0 is left out if data
+    /// members of the class itself or of another base class lie there too.
+    [[nodiscard]] std::vector<BaseClass> PlacedBaseClasses(ObjectId classType) const;
+
     /// Descriptions of an enum table, in the order in which they were added. The view ends with the
     /// next call that adds one.
     [[nodiscard]] std::span<const Enumerator> Enumerators(ObjectId enumTable) const;
@@ -150,6 +155,8 @@ public:
         bool found = false;
         /// Where the path leads; of no meaning unless `found`.
         Place place;
+        /// Number of characters that name the variable; 0 if there is none of the name.
+        std::size_t headLength = 0;
         /// Number of characters of the path that resolved.
         std::size_t resolvedLength = 0;
         /// Why the rest did not, for a person; empty if all did.
@@ -269,6 +276,9 @@ private:
     /// Files what the reader creates and never asks for again, as late as a host asks: most
     /// deliveries need no entry for it.
     void FileNewObjects();
+    /// True if a datum of the type takes space of its own, unlike one of an empty class.
+    [[nodiscard]] bool HasData(ObjectId type) const;
+    [[nodiscard]] bool HasDataAtStart(ObjectId classType) const;
 
     std::unique_ptr<ModelStore> mStore;
     /// Objects that `FileNewObjects` has seen.

@@ -4,11 +4,15 @@
 #include "model/ModelStore.h"
 #include "model/ScopeNames.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
+
+/// No real class consists of more empty ones.
+constexpr std::size_t sMostEmptyParts = 64;
 
 constexpr bool HasDeclaredSize(ObjectKind kind) {
     switch (kind) {
@@ -109,6 +113,60 @@ ModelObject DataModel::Object(ObjectId id) const {
 
 std::span<const BaseClass> DataModel::BaseClasses(ObjectId classType) const {
     return mStore->BaseClasses(classType);
+}
+
+std::vector<BaseClass> DataModel::PlacedBaseClasses(ObjectId classType) const {
+    const std::span<const BaseClass> bases = BaseClasses(classType);
+    std::vector<BaseClass> placed(bases.begin(), bases.end());
+    const auto isInDoubt = [this](const BaseClass& base) {
+        return base.offset == 0 && HasData(base.type);
+    };
+    const auto count = std::ranges::count_if(placed, isInDoubt);
+    if (count > 1 || (count == 1 && HasDataAtStart(classType))) {
+        std::erase_if(placed, isInDoubt);
+    }
+    return placed;
+}
+
+bool DataModel::HasDataAtStart(ObjectId classType) const {
+    bool hasData = false;
+    for (ObjectId id = FirstIn(classType); id != 0 && !hasData; id = NextIn(id)) {
+        const ModelObject member = Object(id);
+        hasData =
+            member.offset == 0 && (member.kind == ObjectKind::BitField ||
+                                   (member.kind == ObjectKind::Member && HasData(member.type)));
+    }
+    return hasData;
+}
+
+bool DataModel::HasData(ObjectId type) const {
+    std::vector<ObjectId> parts{type};
+    for (std::size_t place = 0; place < parts.size(); ++place) {
+        const ObjectId part = WithoutTypedefs(parts[place]);
+        const ObjectKind kind = KindOf(part);
+        const bool hasMembers = IsClass(kind) || kind == ObjectKind::Union;
+        if (kind == ObjectKind::Array && ElementCount(part) != 0) {
+            parts.push_back(Object(part).type);
+        } else if (!hasMembers && SizeOf(part) != 0) {
+            return true;
+        }
+        const std::span<const BaseClass> bases = BaseClasses(part);
+        for (const BaseClass& base : bases.first(std::min(bases.size(), sMostEmptyParts))) {
+            parts.push_back(base.type);
+        }
+        for (ObjectId id = hasMembers ? FirstIn(part) : 0; id != 0; id = NextIn(id)) {
+            if (parts.size() > sMostEmptyParts || KindOf(id) == ObjectKind::BitField) {
+                return true;
+            }
+            if (KindOf(id) == ObjectKind::Member || KindOf(id) == ObjectKind::UnionMember) {
+                parts.push_back(Object(id).type);
+            }
+        }
+        if (parts.size() > sMostEmptyParts) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::span<const Enumerator> DataModel::Enumerators(ObjectId enumTable) const {

@@ -54,8 +54,25 @@ std::uint64_t LayoutFingerprints::Fingerprint(ObjectId type, std::size_t depth) 
     return mKnown[key] = result;
 }
 
-std::uint64_t LayoutFingerprints::OfLeaf(ObjectId type) const {
-    return Chained({OfText(mModel.TypeText(type)), mModel.SizeOf(type)});
+std::uint64_t LayoutFingerprints::MeaningOf(ObjectId type) {
+    const auto [known, isNew] = mMeanings.try_emplace(type);
+    if (isNew) {
+        const ObjectId target = mModel.WithoutTypedefs(type);
+        std::uint64_t hash = OfText(mModel.TypeText(type));
+        if (target != type) {
+            hash = Chained({hash, OfText(mModel.TypeText(target))});
+        }
+        for (const Enumerator& enumerator : mModel.Enumerators(target)) {
+            hash = Chained(
+                {hash, static_cast<std::uint32_t>(enumerator.value), OfText(enumerator.name)});
+        }
+        known->second = hash;
+    }
+    return known->second;
+}
+
+std::uint64_t LayoutFingerprints::OfLeaf(ObjectId type) {
+    return Chained({MeaningOf(type), mModel.SizeOf(type)});
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)

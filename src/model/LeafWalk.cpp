@@ -64,7 +64,7 @@ public:
             const std::size_t part = mPending.front();
             mPending.pop_front();
             AddMembers(part);
-            for (const BaseClass& base : mModel.BaseClasses(mParts[part].type)) {
+            for (const BaseClass& base : mModel.PlacedBaseClasses(mParts[part].type)) {
                 AddBase(part, base);
             }
         }

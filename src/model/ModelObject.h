@@ -43,7 +43,7 @@ enum class ObjectKind : std::uint8_t {
 struct BaseClass {
     /// The class, or the typedef that names it.
     ObjectId type = 0;
-    /// Bytes from the start of the derived class.
+    /// Bytes from the start of the derived class; 0 for a virtual base class too.
     std::uint32_t offset = 0;
 };
 

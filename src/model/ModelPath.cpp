@@ -145,7 +145,7 @@ private:
             if (const ObjectId member = FindOwn(part, text); member != 0) {
                 return {member, part};
             }
-            for (const BaseClass& base : mStore.BaseClasses(part.type)) {
+            for (const BaseClass& base : mModel.PlacedBaseClasses(part.type)) {
                 const Part inside{mModel.WithoutTypedefs(base.type), part.offset + base.offset};
                 mPending.push_back(inside);
                 if (namedBase.type == 0 && IsNamed(inside.type, text)) {
@@ -207,6 +207,7 @@ public:
     PathResult Walk(ObjectId global, std::size_t headLength) {
         mResult.place.global = global;
         mResult.place.address = mStore.At(global).value;
+        mResult.headLength = headLength;
         mResult.resolvedLength = headLength;
         SetType(mStore.At(global).type);
         std::size_t steps = 0;
@@ -230,7 +231,7 @@ private:
         } else if (rest.front() == '[') {
             TakeIndex(rest);
         } else {
-            mResult.problem = R"(expected "." or "[")";
+            mResult.problem = R"("." or "[" is expected)";
         }
     }
 

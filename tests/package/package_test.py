@@ -114,6 +114,15 @@ class InstalledLibraryTest(unittest.TestCase):
                              expect_success=False),
                          r"^motors\[1\]\.no\.such: .* behind 'motors\[1\]'")
 
+    def test_the_examples_in_c_build_with_find_package(self):
+        folder = WORK / "examples-c"
+        run("cmake", "-S", EXAMPLES.parent / "c", "-B", folder, "-G", "Ninja",
+            f"-DCMAKE_PREFIX_PATH={PREFIX}", f"-DCMAKE_EXE_LINKER_FLAGS={FLAGS}")
+        run("cmake", "--build", folder)
+        row = program_rows("find", IMAGES[0], "motors[1].loops[0].gain")[0]
+        self.assertEqual(run(folder / "find_variable", IMAGES[0], row["name"]),
+                         f"{row['address']} {row['size']} bytes, {row['type']}\n")
+
     def test_a_project_without_shared_libraries_gets_the_static_one(self):
         folder = WORK / "static-examples"
         configure_examples(folder, "-DBUILD_SHARED_LIBS=OFF")

@@ -77,6 +77,27 @@ TEST(ModelComparisonTest, EachVariableAndLeafThatIsNotTheSameIsTold) {
     EXPECT_THAT(Compare(before, before), IsEmpty());
 }
 
+TEST(ModelComparisonTest, ATypeThatKeepsItsNameAndChangesItsMeaningIsTold) {
+    const auto build = [](BasicTypes word, const std::string& lastMode) {
+        return Build(0x1000, [&](Build& builder) {
+            const ObjectId alias = builder.Typedef("word_t", builder.Base(word, 4));
+            const ObjectId mode = builder.mModel.CreateEnumTable("mode", alias, 1, false);
+            builder.mModel.AddEnumDescriptionToEnumTable(mode, 0, "off");
+            builder.mModel.AddEnumDescriptionToEnumTable(mode, 1, lastMode);
+            builder.Member("word", alias, builder.mMotor, 0);
+            builder.Member("same", builder.mInt32, builder.mMotor, 4);
+            builder.Global("words", builder.Array({2}, alias, 8), 0x2000);
+            builder.Global("mode", mode, 0x3000);
+        });
+    };
+    EXPECT_THAT(Compare(build(BasicTypes::UInt32, "on"), build(BasicTypes::UInt32, "on")),
+                IsEmpty());
+    EXPECT_THAT(Compare(build(BasicTypes::UInt32, "on"), build(BasicTypes::Float, "on")),
+                ElementsAre(".words[0] retyped", ".words[1] retyped", ".motor.word retyped"));
+    EXPECT_THAT(Compare(build(BasicTypes::UInt32, "on"), build(BasicTypes::UInt32, "manual")),
+                ElementsAre("mode retyped"));
+}
+
 TEST(ModelComparisonTest, APatternAndMissingPartsLimitWhatIsTold) {
     const auto fill = [](Build& build) {
         build.Member("speed", build.mInt32, build.mMotor, 0);

@@ -94,6 +94,43 @@ TEST_F(TypeLayoutsTest, BaseClassesAndScopesAreTold) {
 )");
 }
 
+TEST_F(TypeLayoutsTest, ABaseClassThatCanNotLieThereHasNoOffset) {
+    const ObjectId device = Struct("Device", 8);
+    Member("id", mInt32, device, 4);
+    const ObjectId driven = Struct("Driven", 16);
+    mModel.AddBaseClass(driven, device, 0);
+    Member("_vptr.Driven", Pointer(mInt8), driven, 0);
+    EXPECT_EQ(Layouts("Driven"), R"(struct Driven : Device {                    /* size 16 */
+    /* base class Device: no static offset, size 8 */
+    int8* _vptr.Driven;                     /* offset 0, size 4 */
+    /* padding of 12 bytes at offset 4 */
+};
+)");
+}
+
+TEST_F(TypeLayoutsTest, WhatIsOnlyDeclaredOrHasOnlyAVariableIsToldSo) {
+    Struct("Nobody", 0);
+    const ObjectId point = AnonymousStruct("<unnamed-struct>", 4);
+    Member("x", mInt32, point, 0);
+    Global("corners", Array({2}, point, 8), 0x100);
+    Global("origin", point, 0x200);
+    EXPECT_EQ(Layouts(), R"(struct Nobody;                              /* size 0 */
+
+struct {                                    /* size 4 */
+    int32 x;                                /* offset 0, size 4 */
+};                                          /* type of corners */
+)");
+}
+
+TEST_F(TypeLayoutsTest, ValuesOfAnEnumHaveTheSignOfItsType) {
+    for (const auto& [name, type] : {std::pair("Signed", mInt32), std::pair("Unsigned", mUInt32)}) {
+        const ObjectId table = mModel.CreateEnumTable(name, Typedef("Word", type), 1, false);
+        mModel.AddEnumDescriptionToEnumTable(table, std::int32_t{-2}, name);
+    }
+    EXPECT_THAT(Layouts("Signed"), HasSubstr("    Signed = -2,\n"));
+    EXPECT_THAT(Layouts("Unsigned"), HasSubstr("    Unsigned = 4294967294,\n"));
+}
+
 TEST_F(TypeLayoutsTest, UnusedBitsAreThoseThatNothingCovers) {
     const ObjectId packed = Struct("Packed", 11);
     Member("stamp", mUInt32, packed, 0);

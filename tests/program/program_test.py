@@ -12,6 +12,7 @@ import os
 import pathlib
 import pty
 import re
+import shlex
 import shutil
 import signal
 import struct
@@ -89,6 +90,8 @@ class UsageTest(ProgramTest):
                 (["paint", file], "no command 'paint'\n"),
                 (["var", file], "no command 'var'; nearest names: vars\n"),
                 (["-v"], "has no option '-v'"),
+                (["help", "vars"], "no command 'help'"),
+                (["--list-options", "x"], "there is 'x'"),
                 (["vars"], "FILE is required"),
                 (["trace"], "FILE is required"),
                 (["demangle"], "NAME is required"),
@@ -101,6 +104,8 @@ class UsageTest(ProgramTest):
                 (["vars", file, "--language", "german"], "'german' is no number"),
                 (["leaves", file, "--max-leaves", "0"], "'0' is no number from 1 on"),
                 (["diff", file], "NEW is required"),
+                (["vars", file, "--set"], "brindle: --set needs a value\n"),
+                (["vars", file, "--format"], "brindle: --format needs a value\n"),
                 (["vars", file, "--set", "mSymTabSearchMode"], "OPTION=VALUE"),
                 (["vars", file, "--set", "mSymTabSearchMode=yes"], "'yes' is no value"),
                 (["vars", file, "--set", "mSymTabSearchMode=99999999999"], "is no value"),
@@ -114,15 +119,28 @@ class UsageTest(ProgramTest):
                 self.assertTrue(error.startswith("brindle: "), error)
                 self.assertIn(text, error)
 
-    def test_help_of_every_command_has_an_example_that_names_it(self):
+    def test_help_of_every_command_has_an_example_that_works(self):
+        for name, image in [("firmware.elf", "arm-c-dwarf4-O0.elf"),
+                            ("old.elf", "arm-c-dwarf4-O0.elf"), ("new.elf", "arm-c-dwarf4-O2.elf")]:
+            shutil.copy(SAMPLE_IMAGES / image, self.folder / name)
         output, error = self.run_program("--help")
         self.assertEqual(error, "")
         for command in COMMANDS:
             with self.subTest(command=command):
                 self.assertIn(f"\n  {command} ", output)
                 help_text, error = self.run_program(command, "--help")
-                self.assertIn(f"Example:\n  brindle {command} ", help_text)
                 self.assertEqual(error, "")
+                example = help_text.split("Example:\n  brindle ")[1].split(" > ")[0]
+                self.assertTrue(example.startswith(command + " "))
+                done = subprocess.run([PROGRAM, *shlex.split(example)], capture_output=True,
+                                      cwd=self.folder, timeout=60)
+                self.assertEqual((done.returncode, done.stderr), (0, b""))
+                self.assertGreater(len(done.stdout), 10)
+
+    def test_the_later_of_two_values_counts(self):
+        file = self.file("two.elf", elf_image(TWO_SYMBOLS))
+        self.assertEqual(self.run_program("vars", file, "--format", "csv", "--format=json"),
+                         self.run_program("vars", file, "--format", "json"))
 
     def test_version_is_a_name_and_three_numbers(self):
         self.assertRegex(self.run_program("--version")[0], r"\Abrindle \d+\.\d+\.\d+\n\Z")
@@ -157,6 +175,24 @@ class FailedReadTest(ProgramTest):
                     self.assertEqual(error.splitlines()[-1], f"brindle: {file}: {text}")
         error = self.run_program("vars", str(self.folder), status=1)[1]
         self.assertIn("(Is a directory)", error)
+        image = (SAMPLE_IMAGES / "i686-c-dwarf2-O0.exe").read_bytes()
+        for content in [image[:len(image) // 2], image[:100], b"MZ"]:
+            error = self.run_program("vars", self.file("input", content), status=1)[1]
+            self.assertIn("(No Windows image, or not all of one)", error)
+
+    def test_a_pipe_is_refused_without_waiting_for_it(self):
+        pipe = str(self.folder / "pipe")
+        os.mkfifo(pipe)
+        error = self.run_program("vars", pipe, status=1)[1]
+        self.assertEqual(error, f"brindle: {pipe}: ELF file Open has failed. "
+                                "(A pipe can't be read back and forth)\n")
+
+    def test_what_a_file_that_was_not_read_lacks_is_not_told(self):
+        missing = str(self.folder / "missing.elf")
+        for command in ["vars", "leaves", "find", "types"]:
+            with self.subTest(command=command):
+                error = self.run_program(command, missing, "speed", status=1)[1]
+                self.assertEqual(len(error.splitlines()), 1, error)
 
     def test_container_follows_from_the_first_bytes_unless_named(self):
         elf = elf_image(TWO_SYMBOLS)
@@ -306,7 +342,9 @@ class SampleNamesTest(ProgramTest):
         for expression, text in [
                 ("motors[1].loops[5].gain",
                  "resolves up to 'motors[1].loops', then index 5 is beyond the dimension of 2"),
-                ("motors[0].loopz", "resolves up to 'motors[0]', then no member named \"loopz\""),
+                ("motors[0].loopz", "resolves up to 'motors[0]', then no member named \"loopz\"; "
+                                    "nearest names: loops\n"),
+                ("motors[0]->name", "resolves up to 'motors[0]', then \".\" or \"[\" is expected"),
                 ("motors[0].next.name", "resolves up to 'motors[0].next', then a pointer is not"),
                 ("motor[0].name", "no variable of this name; nearest names: motors"),
                 ("", "no variable of this name\n"),
@@ -316,6 +354,15 @@ class SampleNamesTest(ProgramTest):
                 self.assertTrue(
                     error.startswith(f"brindle: {self.IMAGE}: '{expression}': {text}"), error)
                 self.assertIn(good, output)
+
+    def test_variables_of_one_name_are_told_apart(self):
+        rows = self.rows("find", self.IMAGE, "stops", "counter", "version")
+        self.assertEqual([(row["name"], row["compileUnit"]) for row in rows],
+                         [("motor_step::stops", "motor_c"), ("stop_motor::stops", "motor_c"),
+                          ("stop_motor::1::stops", "motor_c"), ("counter", "motor_c"),
+                          ("counter", "sensors_c"), ("version", "main_c")])
+        again = self.rows("find", self.IMAGE, *[row["name"] for row in rows[:3]])
+        self.assertEqual(again, rows[:3])
 
     def test_a_pattern_without_a_match_is_told_with_near_names(self):
         for command, pattern, text in [
@@ -370,8 +417,14 @@ struct supply {                             /* size 56, in supply_c */
                          [f"motors[{motor}].loops[{loop}].output.low"
                           for motor in range(3) for loop in range(2)])
         self.assertEqual(self.run_program("diff", self.IMAGE, self.IMAGE), ("", ""))
-        self.assertEqual(self.run_program("diff", self.IMAGE, self.OTHER, "no*thing"),
-                         ("", "brindle: nothing that matches 'no*thing' has changed\n"))
+        for pattern, text in [
+                ("motors*", "nothing that matches 'motors*' has changed"),
+                ("motors[1].loops[0].gain", "nothing that matches 'motors[1].loops[0].gain' has"),
+                ("no*thing", "no variable or leaf of the two files matches 'no*thing'\n"),
+                ("motrs", "matches 'motrs'; nearest names: motors\n")]:
+            output, error = self.run_program("diff", self.IMAGE, self.IMAGE, pattern)
+            self.assertEqual(output, "")
+            self.assertIn(text, error)
 
     def test_diff_of_a_build_that_could_not_be_read_to_its_end_claims_nothing_missing(self):
         cut = str(SAMPLE_IMAGES / "arm-c-dwarf4-O2-nosymtab.elf")
