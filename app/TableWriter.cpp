@@ -20,6 +20,9 @@ namespace {
 /// Longer cells stand out of their column: one name must not widen every row.
 constexpr std::size_t sWidestColumn = 60;
 constexpr std::size_t sAddressDigits = 8;
+/// Rows are kept up to this many characters; what comes later can't widen the columns of what was
+/// written already.
+constexpr std::size_t sMostKeptText = std::size_t{64} * 1024 * 1024;
 constexpr std::string_view sColumnGap = "  ";
 
 void AppendNumber(std::string& text, std::uint64_t number, int base, std::size_t leastDigits) {
@@ -56,7 +59,7 @@ std::string_view ColourCode(RowColour colour) {
 constexpr std::string_view sHeaderCode = "\x1B[1m";
 constexpr std::string_view sEndCode = "\x1B[0m";
 
-/// Keeps the rows, since the widths of the columns follow from all of them.
+/// Keeps the rows, since the widths of the columns follow from all of them, or from very many.
 class AlignedWriter final : public TableWriter {
 public:
     AlignedWriter(std::span<const Column> columns, ResultOutput& output, bool isColoured)
@@ -72,7 +75,7 @@ public:
     }
 
     void Finish() override {
-        if (mColours.size() == 1) {
+        if (!mHasRows) {
             return;
         }
         std::string line;
@@ -90,10 +93,18 @@ public:
                 line.clear();
             }
         }
+        mText.clear();
+        mEnds.clear();
+        mColours.clear();
+        mIsHeadingDue = false;
     }
 
 protected:
     void WriteRow(std::span<const Cell> cells, RowColour colour) override {
+        if (mText.size() > sMostKeptText) {
+            Finish();
+        }
+        mHasRows = true;
         for (std::size_t column = 0; column < mColumns.size(); ++column) {
             AddCell(column, cells[column]);
         }
@@ -122,7 +133,8 @@ private:
     }
 
     void WriteLine(std::string_view line, std::size_t row) {
-        const std::string_view code = row == 0 ? sHeaderCode : ColourCode(mColours[row]);
+        const bool isHeading = mIsHeadingDue && row == 0;
+        const std::string_view code = isHeading ? sHeaderCode : ColourCode(mColours[row]);
         const bool isColoured = mIsColoured && !code.empty();
         mOutput.Write(isColoured ? code : std::string_view());
         mOutput.Write(line);
@@ -140,6 +152,8 @@ private:
     std::vector<std::size_t> mEnds;
     /// One for each row, the heading included.
     std::vector<RowColour> mColours;
+    bool mHasRows = false;
+    bool mIsHeadingDue = true;
 };
 
 class CsvWriter final : public TableWriter {

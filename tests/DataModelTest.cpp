@@ -1,11 +1,13 @@
 #include "model/DataModel.h"
 
+#include "model/LeafWalk.h"
 #include "support/ModelBuilder.h"
 
 #include <chrono>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <limits>
 #include <sstream>
 
 namespace Tessel::Norn::Brindle::Tests {
@@ -749,13 +751,34 @@ TEST_F(HostileDataModelTest, LongTextsAreCutBetweenCharacters) {
     EXPECT_EQ(text.size() % 2, 0U) << "cut within a character";
     EXPECT_LE(text.size(), 64U * 1024 + 3);
     EXPECT_EQ(mModel.QualifiedName(inner), "...::Inner");
-    EXPECT_LE(mModel.TypeText(FunctionType(type, {type, type})).size(), 3U * 64 * 1024);
+    EXPECT_LE(mModel.TypeText(FunctionType(type, {type, type})).size(), 4U * 1024 + 3);
     EXPECT_THAT(Resolve(name), EndsWith("the path is too long"));
     std::string steps;
     for (int step = 0; step < 10'000; ++step) {
         steps += "::a.[";
     }
     EXPECT_THAT(Resolve(steps), EndsWith("no variable of this name"));
+}
+
+TEST_F(HostileDataModelTest, ManyArraysOfManyDimensions) {
+    const ObjectId element = Base(BasicTypes::UInt8, 1);
+    std::vector<std::uint32_t> dimensions(100'000, 1);
+    dimensions.front() = 3;
+    const ObjectId array = Array(dimensions, element, 0);
+    dimensions.back() = 0xFFFFFFFF;
+    dimensions[1] = 0x80000000;
+    const ObjectId huge = Array(dimensions, element, 0);
+    dimensions[2] = 0;
+    EXPECT_EQ(mModel.ElementCount(Array(dimensions, element, 0)), 0U);
+    DataModel::LeafWalk leaves(mModel);
+    for (std::uint64_t index = 0; index < 20'000; ++index) {
+        EXPECT_EQ(mModel.ElementCount(array), 3U);
+        EXPECT_EQ(mModel.ElementCount(huge), std::numeric_limits<std::uint64_t>::max());
+        leaves.Walk(Global("v", array, index), [&](std::string_view path, const auto& place) {
+            EXPECT_EQ(path, mModel.Object(place.global).name);
+        });
+    }
+    EXPECT_EQ(leaves.Cuts().wholes, 20'000U);
 }
 
 TEST_F(HostileDataModelTest, OneNameAddressAndScopeCostsNoMoreThanMany) {

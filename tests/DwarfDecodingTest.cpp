@@ -2,6 +2,7 @@
 // come of it.
 #include "core/ErrorState.h"
 #include "dwarf/DwarfNames.h"
+#include "dwarf/ShortTexts.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "support/DwarfSections.h"
 #include "support/ScopedReaderState.h"
@@ -569,23 +570,39 @@ TEST_F(HostileUnitTest, AttributesWithoutBytesAreBounded) {
     }
 }
 
-// All entries name one text of the size of the section.
+// All entries name one text of the size of the section, by a name and by a linkage name.
 TEST_F(HostileUnitTest, OneLongTextOfManyEntries) {
     DwarfSections sections;
     sections.String(std::string(2'000'000, 't'));
     const std::uint64_t table = sections.RawAbbreviations(
         Uleb128(1) + Uleb128(DW_TAG_variable) + '\0' + Uleb128(DW_AT_linkage_name) +
-        Uleb128(DW_FORM_strp) + std::string(3, '\0'));
+        Uleb128(DW_FORM_strp) + Uleb128(DW_AT_name) + Uleb128(DW_FORM_strp) + std::string(3, '\0'));
     std::string entries;
     for (int index = 0; index < 400'000; ++index) {
-        entries += std::string("\1\0\0\0\0", 5);
+        entries += std::string("\1\0\0\0\0\0\0\0\0", 9);
     }
     sections.Unit({.entries = {Die::Raw(entries)}, .abbreviationOffset = table});
     SectionRun run(ElfImage() + sections);
     ASSERT_TRUE(run.Read());
     const auto nodes = run.Section().mDieNodes.InOffsetOrder();
     EXPECT_EQ(nodes.front()->GetLinkageNameAttribute().mValue.size(), 2'000'000U);
-    EXPECT_EQ(nodes.back()->GetLinkageNameAttribute().mValue.size(), 2047U);
+    EXPECT_EQ(nodes.front()->GetName().size(), 2047U);
+    EXPECT_EQ(nodes.back()->GetLinkageNameAttribute().mValue.size(), 255U);
+    EXPECT_EQ(nodes.back()->GetName(), std::string(255, 't'));
+}
+
+TEST_F(DwarfDecodingTest, ShortTextsAreToldByTheirPlace) {
+    // Terminated at each distance from the start of the section's blocks.
+    for (std::size_t start = 0; start < 256; ++start) {
+        for (const std::size_t length : {0U, 1U, 127U, 128U, 254U, 255U, 256U, 383U, 384U, 3000U}) {
+            const std::string texts =
+                std::string(start, 'x') + std::string(length, 't') + std::string(300, '\0');
+            const ShortTexts shortTexts(texts);
+            EXPECT_TRUE(length < 256 || !shortTexts.Contains(start)) << start << ", " << length;
+            EXPECT_TRUE(length > 128 || shortTexts.Contains(start)) << start << ", " << length;
+            EXPECT_TRUE(shortTexts.Contains(texts.size() - 1));
+        }
+    }
 }
 
 TEST(DwarfNamesTest, UnknownCodesShareOneText) {

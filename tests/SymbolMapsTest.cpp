@@ -92,6 +92,20 @@ TEST_F(SymbolMapsTest, SearchModeLooksAtSoManyNamesOnly) {
     VElfOptions::mSymTabSearchMode = 1;
     EXPECT_EQ(file.NameAt(0x30, "s500"), "s500");
     EXPECT_EQ(file.NameAt(0x30, "s19999"), "s0");
+    // Comparing long names takes longer.
+    EXPECT_EQ(file.NameAt(0x30, "s40" + std::string(1500, 'x')), "s0");
+}
+
+TEST_F(SymbolMapsTest, SearchModeFindsLongNamesAmongAFew) {
+    const std::string name(2047, 'n');
+    ElfImage image;
+    for (const char* end : {"a", "b", "c"}) {
+        image.Symbol({name.substr(1) + end, 0x30, 4});
+    }
+    FileWithSymbols file(image);
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    VElfOptions::mSymTabSearchMode = 1;
+    EXPECT_EQ(file.NameAt(0x30, name.substr(1) + "c"), name.substr(1) + "c");
 }
 
 TEST_F(SymbolMapsTest, NamesAreFoundDemangledAndWithALeadingUnderscore) {

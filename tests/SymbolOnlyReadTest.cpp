@@ -7,6 +7,7 @@
 #include "support/ElfImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
+#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -108,6 +109,30 @@ TEST_F(SymbolOnlyReadTest, LongNamesAreCut) {
                                       .Symbol({std::string(3000, 'n'), 0x10, 4})
                                       .Symbol({std::string(2047, 'n'), 0x20, 4}));
     EXPECT_THAT(run.Variables(), ElementsAre(std::string(2047, 'n') + "@10:4"));
+}
+
+// Symbols whose names are the ends of one text, which is far shorter than all names together.
+TEST_F(SymbolOnlyReadTest, LongNamesThatShareTheirTextAreCutSooner) {
+    std::string text;
+    for (int number = 0; text.size() < 120'000; ++number) {
+        text += "n" + std::to_string(number);
+    }
+    ByteWriter symbols(ByteOrder::Little);
+    for (std::uint32_t index = 0; index < 12'000; ++index) {
+        symbols.U32(8 * index).U32(0x1000 + index).U32(4).U8(0x11).U8(0).U16(1);
+    }
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.Write("image.elf", ElfImage()
+                                      .Section(".strtab", text + '\0')
+                                      .Section(".symtab", symbols.Content(), {.entrySize = 16})
+                                      .Build());
+    DataModel::DataModel model;
+    const DataModel::Factory::CurrentDataModel current(model);
+    EXPECT_TRUE(VDWARFReader().Read(path, DWARFContainerType::Container_ELF));
+    EXPECT_EQ(model.Object(model.GetGlobalDataByAddress(0x1000)).name, text.substr(0, 2047));
+    EXPECT_EQ(model.Object(model.GetGlobalDataByAddress(0x1000 + 11'999)).name,
+              text.substr(std::size_t{8} * 11'999, 255));
 }
 
 TEST_F(SymbolOnlyReadTest, FailuresReachTheHostInItsLanguage) {

@@ -1,11 +1,13 @@
 // One read of one file, with all types, into the default data model: what growth.py measures from
 // outside. Arguments are options as NAME=VALUE, then the file.
 #include "core/OptionTable.h"
+#include "host/ContainerDetection.h"
 #include "host/CurrentDataModel.h"
 #include "host/VDWARFReader.h"
 #include "model/DataModel.h"
 
 #include <iostream>
+#include <string>
 #include <string_view>
 
 using namespace Tessel::Norn::Brindle;
@@ -39,8 +41,8 @@ int main(int count, char** arguments) {
     reader.ReadAllTypes(true);
     reader.SignalErrorCallback = [](auto, std::uint32_t, const std::string&,
                                     const std::string& text) { std::cerr << text << '\n'; };
-    const bool isRead =
-        reader.Read(arguments[count - 1], Reader::DWARF::DWARFContainerType::Container_ELF);
+    const std::string file = arguments[count - 1];
+    const bool isRead = reader.Read(file, Reader::DWARF::DetectContainer(file));
     std::cout << (isRead ? "read " : "failed ") << model.ObjectCount() << '\n';
     return 0;
 }

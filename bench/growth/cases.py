@@ -1,9 +1,10 @@
 """The worst cases: each function makes an image of about n entries, symbols or bytes of one shape."""
 import inspect
+import random
 import struct
 import sys
 
-from image import TAGS, Image, uleb
+from image import TAGS, CoffImage, Image, PeImage, uleb
 
 
 def unit_of(fill):
@@ -14,6 +15,16 @@ def unit_of(fill):
     fill(image, integer)
     image.end_unit()
     return image
+
+
+def letters(n):
+    """A text of which no part comes again."""
+    return "".join(random.Random(1).choices("abcdefghijklmnopqrstuvwxyz", k=n))
+
+
+def qualifiers(n):
+    """The same, of parts such as a mangled name is made of."""
+    return "".join("1" + letter for letter in letters(n // 2))
 
 
 def nested(tag, n, **attributes):
@@ -220,9 +231,9 @@ def huge_arrays(n):
     return unit_of(fill)
 
 
-def many(n, make, units=1):
+def many(n, make, units=1, image=None):
     """n times what `make` writes, spread over units."""
-    image = Image()
+    image = image or Image()
     for unit in range(units):
         image.begin_unit()
         integer = image.entry("base", name="int", size=4, encoding=5)
@@ -431,7 +442,43 @@ def templates_of_many_arguments(n):
     return unit_of(fill)
 
 
+def least_entries(n, tag, parent=None, **attributes):
+    """Entries of one byte each. What they tell takes no bytes; or they tell nothing."""
+    def fill(image, integer):
+        around = None
+        if parent is not None:
+            around = image.entry(parent, children=True, name="P", size=4)
+        for _ in range(n):
+            image.entry(tag, **attributes)
+        if parent is not None:
+            image.end()
+            image.entry("variable", name="v", type=around, address=0x1000)
+    return unit_of(fill)
+
+
+def least_structures(n):
+    return least_entries(n, "struct")
+
+
+def least_members(n):
+    return least_entries(n, "member", "struct", name_nothing=0, type_nothing=0, offset_nothing=0)
+
+
+def least_bit_fields(n):
+    return least_entries(n, "member", "struct", name_nothing=0, type_nothing=0, offset_nothing=0,
+                         bit_size_nothing=0, size_nothing=0)
+
+
+def least_inner_classes(n):
+    return least_entries(n, "class_", "class_", name_nothing=0, size_nothing=0)
+
+
+def least_variables(n):
+    return least_entries(n, "variable", name_nothing=0, type_nothing=0)
+
+
 def empty_units(n):
+    """Units of a header and the few bytes that make it a plausible one."""
     image = Image()
     for _ in range(n):
         image.begin_unit(open_root=False)
@@ -501,9 +548,9 @@ def symbols_of_one_long_name(n):
 
 
 def symbols_of_suffixes(n):
-    """n symbols whose names are the ends of one mangled name."""
+    """n symbols whose names are the ends of one text of n characters."""
     image = Image()
-    name = image.symbol_name("__Q2" + "1a" * (n // 2))
+    name = image.symbol_name(letters(n))
     for index in range(n):
         image.symbol(name + index, 0x1000 + 4 * index)
     return image
@@ -549,6 +596,197 @@ def addresses_of_one_bucket(n):
     return unit_of(fill)
 
 
+def mangled_symbols_of_suffixes(n):
+    """n symbols whose names are the ends of one mangled name."""
+    image = Image()
+    name = image.symbol_name("__Q2" + qualifiers(n))
+    for index in range(n):
+        image.symbol(name + index, 0x1000 + 4 * index)
+    return image
+
+
+def names_of_suffixes(n):
+    """n structures whose names are the ends of one text of n characters."""
+    image = Image()
+    text = image.string(letters(n))
+    image.begin_unit()
+    for index in range(n):
+        image.entry("struct", long_name=text + index, size_nothing=0)
+    image.end_unit()
+    return image
+
+
+def linkage_names_of_suffixes(n):
+    """n variables without a name of their own, the linkage names being the ends of one text."""
+    image = Image()
+    text = image.string(letters(n))
+    image.begin_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    for index in range(n):
+        image.entry("variable", long_linkage_name=text + index, type=integer, address=0x1000 + 4 * index)
+    image.end_unit()
+    return image
+
+
+def mangled_names_of_suffixes(n):
+    """Names that are the ends of one list of many short qualifiers."""
+    image = Image()
+    text = image.string("__Q9" + qualifiers(n))
+    image.begin_unit()
+    for index in range(n):
+        image.entry("struct", long_name=text + index, size_nothing=0)
+    image.end_unit()
+    return image
+
+
+def deeply_mangled_names(n):
+    """Names of as many qualifiers as the demangler takes, each in an inner decoration, and one too many."""
+    def fill(image, integer):
+        for index in range(n):
+            name = f"f{index}__Q9" + "1a" * 8 + "4__1b" + "__1c" * (index % 9)
+            image.entry("variable", name=name, type=integer, address=0x1000 + 4 * index)
+    return unit_of(fill)
+
+
+def itanium_names_of_suffixes(n):
+    """The second family of names, for units of the compiler that has it: each of the n / 7 names is an end of one
+    text, and takes 1001 characters of it."""
+    image = Image()
+    text = image.string("_ZN1001" * (n // 7 + 200))
+    image.begin_unit(producer="TASKING")
+    for index in range(n // 7):
+        image.entry("struct", long_name=text + 7 * index, size_nothing=0)
+    image.end_unit()
+    return image
+
+
+def itanium_names_of_many_parts(n):
+    def fill(image):
+        for index in range(n):
+            image.entry("struct", name="_ZN" + "1a" * 15 + f"{len(str(index))}{index}E", size_nothing=0)
+    image = Image()
+    image.begin_unit(producer="TASKING")
+    fill(image)
+    image.end_unit()
+    return image
+
+
+def variables_of_a_long_type(n):
+    """n variables of one array of n dimensions."""
+    def fill(image, integer):
+        array = image.entry("array", children=True, type=integer)
+        for _ in range(n):
+            image.entry("subrange", upper=0x3F)
+        image.end()
+        for index in range(n):
+            image.entry("variable", name=f"v{index}", type=array, address=0x1000 + 4 * index)
+    return unit_of(fill)
+
+
+def members_of_a_long_type(n):
+    """The same as members of one structure."""
+    def fill(image, integer):
+        array = image.entry("array", children=True, type=integer)
+        for _ in range(n):
+            image.entry("subrange", upper=0x3F)
+        image.end()
+        structure = image.entry("struct", children=True, name="S", size=4)
+        for index in range(n):
+            image.entry("member", name=f"m{index}", type=array, offset=index)
+        image.end()
+        image.entry("variable", name="v", type=structure, address=0x1000)
+    return unit_of(fill)
+
+
+def structures_that_hold_the_next_twice(n):
+    """2^n leaves."""
+    def fill(image, integer):
+        target = integer
+        for index in range(n):
+            structure = image.entry("struct", children=True, name=f"S{index}", size=8)
+            image.entry("member", name="m", type=target, offset=0)
+            image.entry("member", name="k", type=target, offset=4)
+            image.end()
+            target = structure
+        image.entry("variable", name="v", type=target, address=0x1000)
+    return unit_of(fill)
+
+
+def extern_variable_among_symbols_of_suffixes(n):
+    """One variable that is looked for among n symbols, whose names are the ends of one mangled name."""
+    image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, declaration=True,
+                                                              external=True))
+    name = image.symbol_name("__Q2" + qualifiers(n))
+    for index in range(n):
+        image.symbol(name + index, 0x1000 + 4 * index)
+    return image
+
+
+def extern_variables_among_symbols_of_one_name(n):
+    def make(image, index, integer):
+        image.entry("variable", name=f"v{index}", type=integer, declaration=True, external=True)
+    image = many(n, make)
+    name = image.symbol_name("gSame")
+    for index in range(n):
+        image.symbol(name, 0x1000 + 4 * index)
+    return image
+
+
+def variables_among_symbols_of_one_address(n):
+    """Each variable is compared with the symbols of its address."""
+    def make(image, index, integer):
+        image.entry("variable", name="v", type=integer, address=0x1000)
+        image.symbol(image.symbol_name(f"g{index}"), 0x1000)
+    return many(n, make)
+
+
+def coff_symbols_of_one_name(n):
+    image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, address=0x1000),
+                 image=CoffImage())
+    name = image.symbol_name("gSame")
+    for _ in range(n):
+        image.symbol(name, 0x1000)
+    return image
+
+
+def coff_sections_of_one_long_name(n):
+    """As many sections as there may be, all of one name of n characters."""
+    return sections_of_one_long_name(CoffImage(), n)
+
+
+def pe_symbols_of_one_name(n):
+    image = many(n // 10, lambda image, index, integer: image.entry("variable", name="v", type=integer,
+                                                                    address=0x1000 + index), image=PeImage())
+    name = image.symbol_name("gSame")
+    for index in range(n):
+        image.symbol(name, 0x1000)
+    return image
+
+
+def pe_symbols_of_suffixes(n):
+    """Symbols of a Windows image are looked for by name where an extern variable asks."""
+    def make(image, index, integer):
+        image.entry("variable", name=f"v{index}", type=integer, declaration=True, external=True)
+    image = many(n // 10, make, image=PeImage())
+    name = image.symbol_name("__Q2" + qualifiers(n))
+    for index in range(n):
+        image.symbol(name + index, 0x1000)
+    return image
+
+
+def pe_sections_of_one_long_name(n):
+    return sections_of_one_long_name(PeImage(), n)
+
+
+def sections_of_one_long_name(image, n):
+    image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, address=0x1000),
+                 image=image)
+    name = image.symbol_name("x" * n)
+    for _ in range(min(n, 65_000)):
+        image.section(name)
+    return image
+
+
 def damaged_units(n):
     """Short sound units with damage between them, which the search has to step over."""
     image = Image()
@@ -560,18 +798,48 @@ def damaged_units(n):
 
 
 # Smaller or larger numbers where an entry costs more or less than usual, and options.
-SIZES = {"empty_units": 200_000, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
-         "symbols_of_one_name": 400_000, "symbols_of_one_address": 400_000,
-         "one_long_text": 400_000, "damaged_units": 20_000, "codes_of_one_bucket": 12_500,
-         "abbreviation_offsets_of_one_bucket": 12_500, "addresses_of_one_bucket": 6_250}
+MILLION = 250_000  # four times as many in the largest input
+SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
+         "symbols_of_one_name": MILLION, "symbols_of_one_address": MILLION, "variables_of_one_name": MILLION,
+         "coff_symbols_of_one_name": MILLION, "pe_symbols_of_one_name": MILLION,
+         "least_structures": MILLION, "least_members": MILLION, "least_bit_fields": MILLION,
+         "least_inner_classes": MILLION, "least_variables": MILLION, "deep_blocks": MILLION,
+         "itanium_names_of_suffixes": 200_000, "one_long_text": 400_000, "damaged_units": 20_000,
+         "codes_of_one_bucket": 12_500, "abbreviation_offsets_of_one_bucket": 12_500,
+         "addresses_of_one_bucket": 6_250}
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
-           "symbols_of_suffixes": ["mDemangleSymTabNames=2"]}
+           "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
+           "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
+           "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],
+           "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
-HELPERS = {"unit_of", "nested", "chain", "fan", "many", "numbers_of_one_bucket"}
+HELPERS = {"unit_of", "letters", "qualifiers", "nested", "chain", "fan", "many", "least_entries",
+           "sections_of_one_long_name", "numbers_of_one_bucket", "all_cases"}
 
 
 def all_cases():
     """Name, function, n and options of each case."""
     for name, function in inspect.getmembers(sys.modules[__name__], inspect.isfunction):
-        if function.__module__ == __name__ and name not in HELPERS and name != "all_cases":
+        if function.__module__ == __name__ and name not in HELPERS:
             yield name, function, SIZES.get(name, USUAL_SIZE), OPTIONS.get(name, [])
+
+
+# Commands of the program, each with the case that it works on and its n.
+COMMANDS = [(command, case, n) for case, n, commands in [
+    (dimensions_fan, USUAL_SIZE, "leaves find"),
+    (huge_arrays, USUAL_SIZE, "leaves find types"),
+    (variables_of_a_long_type, 20_000, "vars leaves find"),
+    (members_of_a_long_type, 10_000, "leaves types"),
+    (structures_that_hold_the_next_twice, 5_000, "leaves find types"),
+    (pointer_chain, USUAL_SIZE, "vars leaves find"),
+    (typedef_chain, USUAL_SIZE, "leaves find types"),
+    (deep_structures, 20_000, "types"),
+    (inheritance_chain, USUAL_SIZE, "leaves find types"),
+    (structure_circle, USUAL_SIZE, "leaves find types"),
+    (deep_namespaces_with_variables, 10_000, "vars leaves find"),
+    (anonymous_structures, USUAL_SIZE, "leaves types"),
+    (doubling_anonymous_structures, 20_000, "leaves types"),
+    (one_long_text, 100_000, "vars find"),
+    (variables_of_one_name, 50_000, "vars find dump"),
+    (members_fan, USUAL_SIZE, "leaves types dump"),
+] for command in commands.split()]

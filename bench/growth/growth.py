@@ -2,8 +2,11 @@
 """Measures how the cost of a read grows with its input: worst cases of n, 2n and 4n entries.
 
 For each case: bytes of the largest input, time and memory of its read, each for one byte of input too,
-and the exponent of growth from n to 4n; 1 is proportional. Exit status 1 if a case grows faster than the
-input beyond what the noise of the measurement explains, or costs more for a byte than the bound.
+and the exponent of growth from n to 4n; 1 is proportional. The costs of the program's commands are measured
+in the same way, against input and output together. The result is the table of docs/reliability.md.
+
+Exit status 1 if a cost passes the bounds of that page, or grows faster than the input beyond what the noise of
+the measurement explains.
 """
 import argparse
 import math
@@ -17,41 +20,64 @@ import tempfile
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
 import cases  # noqa: E402
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
-PROGRAM = ROOT / "build" / "release" / "bench" / "read_once"
+BUILD = pathlib.Path(__file__).resolve().parents[2] / "build" / "release"
+READ_ONCE = BUILD / "bench" / "read_once"
+PROGRAM = BUILD / "app" / "brindle"
 
-# Bounds for one byte of input, and on the exponent of growth.
+# The bounds: a fixed part, and one for each byte of input; of commands, for each byte of input and output.
+FIXED_SECONDS = 1
+FIXED_BYTES = 64 << 20
 NANOSECONDS = 1000
-BYTES = 100
-EXPONENT = 1.25
-TIME_LIMIT = 300
+BYTES = 256
+# A command may look at 1000 scopes for each object.
+COMMAND_NANOSECONDS = 10_000
+# Times are noisy, and memory comes in steps of doubled tables.
+TIME_EXPONENT = 1.35
+MEMORY_EXPONENT = 1.35
+TIME_LIMIT = 120
 # What costs less than this is not told from the cost of starting the program.
-LEAST_SECONDS = 0.05
-LEAST_BYTES = 8 << 20
+LEAST_SECONDS = 0.2
+LEAST_BYTES = 32 << 20
 
 
-def read(path, options):
-    """Processor seconds and peak memory in bytes of one read, and what the program printed."""
-    with tempfile.TemporaryFile("w+") as output:
-        child = subprocess.Popen([PROGRAM, *options, path], stdout=output, stderr=output,
-                                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_CPU, (TIME_LIMIT,) * 2))
+class Run:
+    """Processor seconds and peak memory in bytes of one run, the bytes that it wrote, and the last of them."""
+
+    def __init__(self, command):
+        limit = (TIME_LIMIT, TIME_LIMIT)
+        child = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                 preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_CPU, limit))
+        self.written = 0
+        end = b""
+        while block := child.stdout.read1(1 << 20):
+            self.written += len(block)
+            end = (end + block)[-200:]
         _, status, usage = os.wait4(child.pid, 0)
         child.returncode = os.waitstatus_to_exitcode(status)
-        output.seek(0)
-        text = " ".join(output.read().split())
-    if child.returncode != 0:
-        text = f"ended with {child.returncode}"
-    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024, text
+        self.seconds = usage.ru_utime + usage.ru_stime
+        self.memory = usage.ru_maxrss * 1024
+        self.text = " ".join(end.decode(errors="replace").split())
+        self.status = child.returncode
 
 
-def measure(function, n, options, repeats, folder):
-    """Size, seconds, memory and text for n, 2n and 4n."""
+def write(function, n, path):
+    """Writes an image from a process of its own: what this one ever held counts as memory of its children."""
+    child = os.fork()
+    if child == 0:
+        path.write_bytes(function(n).content())
+        os._exit(0)
+    if os.waitpid(child, 0)[1] != 0:
+        raise RuntimeError(f"{function.__name__} wrote no image")
+
+
+def measure(function, n, command, repeats, path):
+    """Size, seconds, memory, bytes written and last run for n, 2n and 4n."""
     rows = []
     for factor in (1, 2, 4):
-        path = folder / "image.elf"
-        path.write_bytes(function(n * factor).content())
-        runs = [read(path, options) for _ in range(repeats)]
-        rows.append((path.stat().st_size, min(run[0] for run in runs), min(run[1] for run in runs), runs[0][2]))
+        write(function, n * factor, path)
+        runs = [Run(command) for _ in range(repeats)]
+        rows.append((path.stat().st_size, min(run.seconds for run in runs), min(run.memory for run in runs),
+                     runs[-1]))
     return rows
 
 
@@ -62,38 +88,78 @@ def exponent(small, large, least, sizes):
     return math.log(large / max(small, least / 4)) / math.log(sizes[1] / sizes[0])
 
 
+def problems(seconds, memory, size, growths, nanoseconds):
+    found = []
+    if growths[0] > TIME_EXPONENT or growths[1] > MEMORY_EXPONENT:
+        found.append("grows faster than its input")
+    if seconds > FIXED_SECONDS + nanoseconds * 1e-9 * size or memory > FIXED_BYTES + BYTES * size:
+        found.append("costs too much for a byte")
+    return found
+
+
+def show(name, rows, base_memory, is_command=False):
+    """One row of the table; gives what is wrong with it."""
+    sizes = [size + (run.written if is_command else 0) for size, _, _, run in rows]
+    seconds = [row[1] for row in rows]
+    memories = [max(row[2] - base_memory, 1) for row in rows]
+    # Where the output has come to a limit, the input still grows.
+    ends = (1, max(sizes[-1] / sizes[0], rows[-1][0] / rows[0][0]))
+    growths = (exponent(seconds[0], seconds[-1], LEAST_SECONDS, ends),
+               exponent(memories[0], memories[-1], LEAST_BYTES, ends))
+    texts = [f"{growth:.2f}" if growth else "" for growth in growths]
+    written = f" {rows[-1][3].written / 1e6:.1f} |" if is_command else ""
+    print(f"| {name.replace('_', ' ')} | {rows[-1][0] / 1e6:.1f} |{written} {seconds[-1] * 1e3:.0f} | "
+          f"{seconds[-1] * 1e9 / sizes[-1]:.0f} | {texts[0]} | {memories[-1] / 1e6:.0f} | "
+          f"{memories[-1] / sizes[-1]:.1f} | {texts[1]} |", flush=True)
+    found = problems(seconds[-1], memories[-1], sizes[-1], growths,
+                     COMMAND_NANOSECONDS if is_command else NANOSECONDS)
+    return [f"{name}: {problem}" for problem in found]
+
+
+def measure_reads(arguments, path, base_memory):
+    print("| Read of | Input, MB | Time, ms | ns per byte | Growth of time | Memory, MB | Bytes per byte "
+          "| Growth of memory |")
+    print("|---|---|---|---|---|---|---|---|")
+    failures = []
+    for name, function, n, options in cases.all_cases():
+        if arguments.cases and name not in arguments.cases:
+            continue
+        rows = measure(function, max(1, int(n * arguments.scale)), [READ_ONCE, *options, path], arguments.repeats,
+                       path)
+        failures += show(name, rows, base_memory)
+        run = rows[-1][3]
+        if run.status != 0 or not run.text.startswith("read"):
+            failures.append(f"{name}: ended with {run.status}: {run.text}")
+    return failures
+
+
+def measure_commands(arguments, path, base_memory):
+    print("\n| Command and case | Input, MB | Output, MB | Time, ms | ns per byte | Growth of time | Memory, MB "
+          "| Bytes per byte | Growth of memory |")
+    print("|---|---|---|---|---|---|---|---|---|")
+    failures = []
+    for command, function, n in cases.COMMANDS:
+        name = f"{command} {function.__name__}"
+        if arguments.cases and function.__name__ not in arguments.cases:
+            continue
+        words = [PROGRAM, command, path, *(["v", "v[0][0]", "v.m.m"] if command == "find" else [])]
+        rows = measure(function, max(1, int(n * arguments.scale)), words, arguments.repeats, path)
+        failures += show(name, rows, base_memory, is_command=True)
+        if rows[-1][3].status < 0 or rows[-1][3].status > 1:
+            failures.append(f"{name}: ended with {rows[-1][3].status}: {rows[-1][3].text}")
+    return failures
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--scale", type=float, default=1, help="factor on every n")
     parser.add_argument("--repeats", type=int, default=3)
     parser.add_argument("cases", nargs="*", help="names of cases; all if none is given")
     arguments = parser.parse_args()
-    _, base_memory, _ = read(os.devnull, [])
-    print("| Case | Input, MB | Time, ms | ns per byte | Growth of time | Memory, MB | Bytes per byte "
-          "| Growth of memory |")
-    print("|---|---|---|---|---|---|---|---|")
-    failures = []
+    base_memory = Run([READ_ONCE, os.devnull]).memory
     with tempfile.TemporaryDirectory() as folder:
-        for name, function, n, options in cases.all_cases():
-            if arguments.cases and name not in arguments.cases:
-                continue
-            rows = measure(function, max(1, int(n * arguments.scale)), options, arguments.repeats,
-                           pathlib.Path(folder))
-            size, seconds, memory, text = rows[-1]
-            memories = [max(row[2] - base_memory, 1) for row in rows]
-            sizes = (rows[0][0], size)
-            time_growth = exponent(rows[0][1], seconds, LEAST_SECONDS, sizes)
-            memory_growth = exponent(memories[0], memories[-1], LEAST_BYTES, sizes)
-            per_byte = (seconds * 1e9 / size, memories[-1] / size)
-            print(f"| {name.replace('_', ' ')} | {size / 1e6:.1f} | {seconds * 1e3:.0f} | {per_byte[0]:.0f} | "
-                  f"{time_growth:.2f} | {memories[-1] / 1e6:.0f} | {per_byte[1]:.1f} | {memory_growth:.2f} |",
-                  flush=True)
-            if not text.startswith("read"):
-                failures.append(f"{name}: {text}")
-            if max(time_growth, memory_growth) > EXPONENT:
-                failures.append(f"{name}: grows faster than its input")
-            if per_byte[0] > NANOSECONDS or (per_byte[1] > BYTES and memories[-1] > LEAST_BYTES):
-                failures.append(f"{name}: costs too much for a byte")
+        path = pathlib.Path(folder) / "image"
+        failures = measure_reads(arguments, path, base_memory) + measure_commands(arguments, path, base_memory)
     for failure in failures:
         print(failure, file=sys.stderr)
     return 1 if failures else 0

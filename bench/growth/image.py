@@ -1,4 +1,5 @@
-"""Writes ELF images with debug entries fast, entry by entry, for inputs of millions of entries."""
+"""Writes images with debug entries fast, entry by entry, for inputs of millions of entries: ELF of class 32,
+TI COFF and Windows PE."""
 import struct
 
 TAGS = dict(array=0x01, class_=0x02, enumeration=0x04, parameter=0x05, block=0x0B, member=0x0D, pointer=0x0F,
@@ -6,10 +7,14 @@ TAGS = dict(array=0x01, class_=0x02, enumeration=0x04, parameter=0x05, block=0x0
             base=0x24, const=0x26, enumerator=0x28, subprogram=0x2E, template_parameter=0x2F, variable=0x34,
             namespace=0x39)
 
+# Those that end with "nothing" take no byte: their form says that there is a value, which is 1 then.
 ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), size=(0x0B, 0x0F),
                   encoding=(0x3E, 0x0B), address=(0x02, 0x0A), location_list=(0x02, 0x17),
                   offset=(0x38, 0x0F), upper=(0x2F, 0x0F), value=(0x1C, 0x0D), declaration=(0x3C, 0x19),
-                  external=(0x3F, 0x19), specification=(0x47, 0x10), linkage_name=(0x6E, 0x08))
+                  external=(0x3F, 0x19), specification=(0x47, 0x10), linkage_name=(0x6E, 0x08),
+                  long_linkage_name=(0x6E, 0x0E), producer=(0x25, 0x08), name_nothing=(0x03, 0x19),
+                  type_nothing=(0x49, 0x19), size_nothing=(0x0B, 0x19), offset_nothing=(0x38, 0x19),
+                  bit_size_nothing=(0x0D, 0x19))
 
 
 def uleb(value):
@@ -40,11 +45,11 @@ class Image:
         self.fixes = []
         self.unit_start = None
 
-    def begin_unit(self, *, open_root=True):
+    def begin_unit(self, *, open_root=True, **attributes):
         self.unit_start = len(self.info)
         self.info += struct.pack("<IHIB", 0, 4, 0, 4)
         if open_root:
-            self.entry("unit", children=True, name="unit.c")
+            self.entry("unit", children=True, **{"name": "unit.c", **attributes})
 
     def end_unit(self, *, open_root=True):
         if open_root:
@@ -80,6 +85,8 @@ class Image:
             self.info += struct.pack("<I", value)
         elif form == 0x0A:
             self.info += b"\5\3" + struct.pack("<I", value)
+        elif form == 0x19:
+            pass
         elif form in (0x0E, 0x17):
             self.info += struct.pack("<I", value)
         elif form == 0x0F:
@@ -101,16 +108,16 @@ class Image:
     def symbol(self, name_offset, address, size=4):
         self.symbols += struct.pack("<IIIBBH", name_offset, address, size, 0x11, 0, 1)
 
-    def content(self):
+    def sections(self):
+        """Names and contents of the debug sections."""
         for position, later in self.fixes:
             struct.pack_into("<I", self.info, position, later.offset)
-        contents = {".debug_info": self.info, ".debug_abbrev": self.abbreviations + b"\0",
-                    ".debug_str": self.strings, ".debug_loc": self.locations,
-                    ".symtab": self.symbols, ".strtab": self.names}
-        if not self.info:
-            contents = {name: contents[name] for name in (".symtab", ".strtab")}
+        return {".debug_info": self.info, ".debug_abbrev": self.abbreviations + b"\0",
+                ".debug_str": self.strings, ".debug_loc": self.locations} if self.info else {}
+
+    def content(self):
+        contents = {**self.sections(), ".symtab": self.symbols, ".strtab": self.names}
         section_names = b"\0"
-        body = b""
         headers = bytes(40)
         parts = [bytes(52)]
         position = 52
@@ -126,4 +133,58 @@ class Image:
         count = len(headers) // 40
         parts[0] = (b"\x7fELF\1\1\1" + bytes(9) +
                     struct.pack("<HHIIIIIHHHHHH", 2, 40, 1, 0, 0, position, 0, 52, 0, 0, 40, count, count - 1))
-        return b"".join(parts) + headers + body
+        return b"".join(parts) + headers
+
+
+class CoffImage(Image):
+    """A TI COFF file. Symbols and the texts that sections are named by stand behind the sections."""
+
+    def __init__(self):
+        super().__init__()
+        self.symbols = bytearray()
+        self.names = bytearray(4)
+        self.more_sections = []
+
+    def symbol(self, name_offset, address, size=4):
+        self.symbols += struct.pack("<IIIhHBB", 0, name_offset, address, 1, 0, 2, 0)
+
+    def section(self, name_offset):
+        """One more section, an empty one, by the offset of its name."""
+        self.more_sections.append(name_offset)
+
+    def content(self):
+        sections = self.sections()
+        places = {name: self.symbol_name(name) for name in sections}
+        count = len(sections) + len(self.more_sections)
+        position = 22 + 48 * count
+        headers = b""
+        for name, content in sections.items():
+            headers += struct.pack("<IIIIII", 0, places[name], 0, 0, len(content), position) + bytes(24)
+            position += len(content)
+        headers += b"".join(struct.pack("<IIIIII", 0, place, 0, 0, 0, 0) + bytes(24)
+                            for place in self.more_sections)
+        struct.pack_into("<I", self.names, 0, len(self.names))
+        header = struct.pack("<HHIIIHHH", 0xC2, count, 0, position, len(self.symbols) // 18, 0, 0, 0x9D)
+        return b"".join([header, headers, *map(bytes, sections.values()), self.symbols, self.names])
+
+
+class PeImage(CoffImage):
+    """A Windows image of 32 bits."""
+
+    def content(self):
+        sections = self.sections()
+        places = {name: self.symbol_name(name) for name in sections}
+        optional_size = 96
+        count = len(sections) + len(self.more_sections) + 1
+        position = 64 + 24 + optional_size + 40 * count
+        headers = struct.pack("<8sIIIIIIHHI", b".data", 16, 0x1000, 0, 0, 0, 0, 0, 0, 0)
+        for name, content in sections.items():
+            headers += struct.pack("<8sIIIIIIHHI", b"/%d" % places[name], len(content), 0, len(content), position,
+                                   0, 0, 0, 0, 0)
+            position += len(content)
+        headers += b"".join(struct.pack("<8s", b"/%d" % place) + bytes(32) for place in self.more_sections)
+        struct.pack_into("<I", self.names, 0, len(self.names))
+        header = (b"MZ" + bytes(58) + struct.pack("<I", 64) + b"PE\0\0" +
+                  struct.pack("<HHIIIHH", 0x14C, count, 0, position, len(self.symbols) // 18, optional_size, 0))
+        return b"".join([header, bytes(optional_size), headers, *map(bytes, sections.values()), self.symbols,
+                         self.names])

@@ -10,12 +10,16 @@ std::string_view CutSymbolName(const char* name) {
     return CutText(name, sSymbolNameBufferSize - 1);
 }
 
+std::string_view CutSymbolName(const char* name, LongTextAllowance& longNames) {
+    return longNames.Cut(name, sSymbolNameBufferSize - 1);
+}
+
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): one of the two ways below writes the name
-DemangledSymbolName::DemangledSymbolName(const char* name) {
-    const std::string_view cutName = CutSymbolName(name);
+DemangledSymbolName::DemangledSymbolName(std::string_view cutName) {
     bool isDemangled = false;
-    mIsModified = DemangleName(mName, sizeof mName - 1, name, static_cast<int>(cutName.size()),
-                               isDemangled, VElfOptions::mDemanglingOptions);
+    mIsModified =
+        DemangleName(mName, sizeof mName - 1, cutName.data(), static_cast<int>(cutName.size()),
+                     isDemangled, VElfOptions::mDemanglingOptions);
     if (!mIsModified) {
         mName[cutName.copy(mName, cutName.size())] = '\0';
     }

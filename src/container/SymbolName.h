@@ -2,6 +2,8 @@
 // where that is asked for.
 #pragma once
 
+#include "core/LongTextAllowance.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -12,12 +14,15 @@ constexpr std::size_t sSymbolNameBufferSize = 2048;
 
 /// The name as far as it fits a name buffer. Looks at no byte behind that.
 std::string_view CutSymbolName(const char* name);
+/// The same, for one of all the names of a file, whose long ones are counted.
+std::string_view CutSymbolName(const char* name, LongTextAllowance& longNames);
 
-/// A symbol's name, demangled by `VElfFile::mDemanglingOptions` if it can be, else as it is, cut to
-/// 2047 characters. Lives on the stack of its user.
+/// A symbol's name, demangled by `VElfFile::mDemanglingOptions` if it can be, else as it is. Lives
+/// on the stack of its user.
 class DemangledSymbolName {
 public:
-    explicit DemangledSymbolName(const char* name);
+    /// @param cutName of at most 2047 characters
+    explicit DemangledSymbolName(std::string_view cutName);
 
     /// The name, terminated; valid as long as this object.
     [[nodiscard]] const char* GetName() const { return mName; }

@@ -123,6 +123,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
     if (!buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size) && IsOutOfMemory()) {
         return false;
     }
+    LongTextAllowance longNames(mFileSize);
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
         if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {
@@ -136,7 +137,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
             continue;
         }
         char name[sSymbolNameBufferSize];
-        name[CutSymbolName(symbol.name).copy(name, sSymbolNameBufferSize - 1)] = '\0';
+        name[CutSymbolName(symbol.name, longNames).copy(name, sSymbolNameBufferSize - 1)] = '\0';
         ProcessSymbolTableEntryName(name, sizeof name, symbol.st_name);
         if (!onlyDumpToLog && sCheckIsValidVariableType_FromMangledName(name)) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
@@ -175,6 +176,7 @@ Elf32_Sym* VElfFile::FindSymbolByAddress(std::uint32_t address, std::string_view
 
 const VElfSymbolAddress* VElfFile::FindSymbolByName(const std::string& name) {
     if (!mSymbolNamesMap.IsInitialized()) {
+        mSymbolNamesMap.SetFileSize(mFileSize);
         const bool isLoaded = LoadSymbolMap(mSymbolNamesMap);
         mSymbolNamesMap.SetInitialized();
         if (!isLoaded) {

@@ -7,7 +7,7 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 bool VElfNameObject::Init(const char* name, std::uint32_t /*key*/) {
-    const DemangledSymbolName demangledName(name);
+    const DemangledSymbolName demangledName(CutSymbolName(name));
     mName = demangledName.GetName();
     mIsModified = demangledName.IsModified();
     return true;

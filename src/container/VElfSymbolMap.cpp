@@ -10,9 +10,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Names of one address that are compared at most; else a file with many symbols and many variables
-/// at one place would take a time of their product.
-constexpr std::ptrdiff_t sMaximumComparisons = 1000;
+/// Names of one address that are compared at most, and characters of them; else a file with many
+/// symbols and many variables at one place would take a time of their product.
+constexpr std::size_t sMaximumComparisons = 1000;
+constexpr std::size_t sMaximumComparedCharacters = 64 * sMaximumComparisons;
 
 std::uint32_t Address(const Elf32_Sym& symbol) {
     return static_cast<std::uint32_t>(symbol.st_value);
@@ -41,7 +42,10 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view 
         return nullptr;
     }
     if (VElfOptions::mSymTabSearchMode != 0) {
-        const auto last = first + std::min(sMaximumComparisons, mSymbols.end() - first);
+        const std::size_t comparisons =
+            std::min(sMaximumComparisons, sMaximumComparedCharacters / (name.size() + 1));
+        const auto last =
+            first + std::min(static_cast<std::ptrdiff_t>(comparisons), mSymbols.end() - first);
         for (auto symbol = first; symbol != last && Address(*symbol) == address; ++symbol) {
             if (NameBeginsWith(*symbol, name)) {
                 return &*symbol;

@@ -20,7 +20,7 @@ public:
 
     /// The symbol at an address, null if there is none. Of several it is the first; with
     /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first. Of very
-    /// many the first 1000 are looked at.
+    /// many the first 1000 are looked at, and fewer of those whose names are long.
     Elf32_Sym* FindByAddress(std::uint32_t address, std::string_view name);
 
 private:

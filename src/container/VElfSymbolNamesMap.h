@@ -4,6 +4,7 @@
 
 #include "container/IElfSymbolMap.h"
 #include "container/VMapStringToPtr.h"
+#include "core/LongTextAllowance.h"
 
 #include <cstdint>
 #include <deque>
@@ -21,6 +22,8 @@ class VElfSymbolNamesMap final : public IElfSymbolMap {
 public:
     /// Files the symbol under its demangled name, or its raw name where there is none.
     void AddSymbol(const Elf32_Sym& symbol) override;
+    /// How long the names may be together follows from the size of their file; 0 at the start.
+    void SetFileSize(std::int64_t fileSize) { mLongNames = LongTextAllowance(fileSize); }
     /// Releases all entries; the initialised flag stays.
     void Clear() override;
     void DeleteAll() { Clear(); }
@@ -34,6 +37,7 @@ public:
 
 private:
     VMapStringToPtr mAddressesByName{10};
+    LongTextAllowance mLongNames;
     bool mIsInitialized = false;
     // Records of names that came again stay here unreachable until the map is emptied.
     std::deque<VElfSymbolAddress> mAddresses;

@@ -51,6 +51,9 @@ private:
         , mFlags(flags) {}
 };
 
+/// Characters of a name as read; what lies behind is cut.
+constexpr std::size_t sMaximumNameLength = 2047;
+
 /// A text that may be absent. The bytes belong to whoever made the value: the unit, the string
 /// section or the node tree.
 struct VAttributeString {
@@ -58,22 +61,19 @@ struct VAttributeString {
     bool mDefined = false;
 };
 
-/// Texts up to this length are measured whatever they cost.
-constexpr std::size_t kOrdinaryTextLength = 2047;
-
 /// A text that may be absent, as it is kept in the node tree: terminated, and measured beforehand
 /// or when it is asked for. Most are never asked for.
 struct VKeptText {
     static constexpr std::uint32_t kUnmeasured = UINT32_MAX;
 
     [[nodiscard]] VAttributeString Get() const {
-        return {mLength == kUnmeasured ? CutText(mStart, kOrdinaryTextLength)
+        return {mLength == kUnmeasured ? std::string_view(mStart)
                                        : std::string_view(mStart, mLength),
                 mDefined};
     }
 
     const char* mStart = "";
-    /// `kUnmeasured` for a text of at most `kOrdinaryTextLength` characters.
+    /// `kUnmeasured` for a text that is known to be short.
     std::uint32_t mLength = 0;
     bool mDefined = false;
 };

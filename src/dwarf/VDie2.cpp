@@ -284,7 +284,7 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
 
 void VDie2::StoreName(const char* name) {
     mHasName = true;
-    mName = name != nullptr ? name : "unknown";
+    mName = name != nullptr ? mSection->AllowName(name) : "unknown";
     if (name != nullptr && mTag == DW_TAG_compile_unit) {
         ShortenUnitName();
     }

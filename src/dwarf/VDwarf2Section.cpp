@@ -30,26 +30,6 @@ constexpr std::uint64_t sSectionBytesPerBucket = 75;
 /// Value of an option that is to be decided by the first producer text.
 constexpr std::int32_t sAutodetect = 2;
 
-/// Longer texts may have this many characters for each byte of the file.
-constexpr std::uint64_t sLongTextPerByte = 16;
-
-/// True if one of the terminated texts is longer than `kOrdinaryTextLength`. Looks at a few bytes
-/// of each block, since a text of that length fills one.
-bool HasLongText(std::string_view texts) {
-    constexpr std::size_t block = (kOrdinaryTextLength + 1) / 2;
-    for (std::size_t start = 0; start + block <= texts.size(); start += block) {
-        if (std::memchr(texts.data() + start, 0, block) != nullptr) {
-            continue;
-        }
-        const std::size_t before = texts.rfind('\0', start);
-        const std::size_t begin = before == std::string_view::npos ? 0 : before + 1;
-        if (std::min(texts.find('\0', start), texts.size()) - begin > kOrdinaryTextLength) {
-            return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 std::uint32_t recCnt = 0;
@@ -60,8 +40,7 @@ VDwarf2Section::~VDwarf2Section() = default;
 bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     mElfFile = &file;
     mReader = reader;
-    mLongTextBudget =
-        sLongTextPerByte * static_cast<std::uint64_t>(std::max<std::int64_t>(file.mFileSize, 0));
+    mLongTexts = LongTextAllowance(file.mFileSize);
     const Elf64_Shdr& debugStr = file.mSecDebugStr;
     if (debugStr.sh_offset != 0 && debugStr.sh_size != 0 &&
         !LoadWholeSection(mDebugStrCache, debugStr)) {
@@ -69,7 +48,7 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     }
     if (mDebugStrCache != nullptr) {
         mDebugStr = mDebugStrCache->GetBytes();
-        mHasLongTexts = HasLongText(mDebugStr);
+        mShortTexts = ShortTexts(mDebugStr);
     }
     recCnt = 0;
     const std::uint64_t entriesAtMost =
@@ -170,11 +149,20 @@ std::string_view VDwarf2Section::KeepText(std::string_view text) {
     return IsInDebugStr(text.data()) ? text : std::string_view(mArena.KeepText(text), text.size());
 }
 
+const char* VDwarf2Section::AllowName(const char* name) {
+    if (IsShortText(name)) {
+        return name;
+    }
+    const std::string_view allowed = mLongTexts.Cut(name, sMaximumNameLength);
+    const bool isWhole = allowed.size() == sMaximumNameLength || name[allowed.size()] == '\0';
+    return isWhole ? name : mArena.KeepText(allowed);
+}
+
 VKeptText VDwarf2Section::MeasureLater(const char* text) {
     if (text == nullptr) {
         return {.mDefined = true};
     }
-    if (!mHasLongTexts && IsInDebugStr(text)) {
+    if (IsShortText(text)) {
         return {text, VKeptText::kUnmeasured, true};
     }
     const std::string_view measured = MeasureText(text);
@@ -190,14 +178,12 @@ VKeptText VDwarf2Section::KeepText(const VKeptText& text) {
 }
 
 std::string_view VDwarf2Section::MeasureText(const char* text) {
-    const std::string_view ordinary = CutText(text, kOrdinaryTextLength);
-    if (ordinary.size() < kOrdinaryTextLength || mLongTextBudget == 0) {
-        return ordinary;
-    }
-    // Every entry may name the same text, and measuring it costs its length each time.
-    const std::string_view whole = CutText(text, kOrdinaryTextLength + mLongTextBudget);
-    mLongTextBudget -= whole.size() - kOrdinaryTextLength;
-    return whole;
+    return mLongTexts.Cut(text, std::numeric_limits<std::uint32_t>::max());
+}
+
+bool VDwarf2Section::IsShortText(const char* text) const {
+    return IsInDebugStr(text) &&
+           mShortTexts.Contains(static_cast<std::size_t>(text - mDebugStr.data()));
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -5,6 +5,8 @@
 
 #include "container/VElfFileCache.h"
 #include "container/VValueRangeMap.h"
+#include "core/LongTextAllowance.h"
+#include "dwarf/ShortTexts.h"
 #include "dwarf/VAttributeValue.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "nodes/VDieNodeMap.h"
@@ -91,7 +93,10 @@ public:
     const char* KeepText(const char* text, std::size_t limit);
     /// The same for a text of known length. What is copied is terminated.
     std::string_view KeepText(std::string_view text);
-    /// All of a terminated text; very long texts are cut when a file has far too many of them.
+    /// The name of an entry, which is a terminated text. Long ones of `.debug_str` are cut when
+    /// the file has far too many of them.
+    const char* AllowName(const char* name);
+    /// All of a terminated text; long texts are cut when a file has far too many of them.
     std::string_view MeasureText(const char* text);
     /// A terminated text, or null, as an attribute that is measured now only if it has to be.
     VKeptText MeasureLater(const char* text);
@@ -151,13 +156,14 @@ private:
                           std::int32_t record) const;
     void CreateUnknownEntryTypes();
     bool ProcessCompileUnit(VCompileUnitHeader& header);
+    /// True only for a text of `.debug_str` that is known to be short.
+    [[nodiscard]] bool IsShortText(const char* text) const;
 
     /// The buffer of the latest unit, whose memory serves the next one.
     std::unique_ptr<VElfBuffer> mUnitBuffer;
-    /// True if a text of `.debug_str` is longer than `kOrdinaryTextLength`.
-    bool mHasLongTexts = false;
-    /// Characters that very long texts may still have in all.
-    std::uint64_t mLongTextBudget = 0;
+    ShortTexts mShortTexts;
+    /// For texts of entries.
+    LongTextAllowance mLongTexts;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

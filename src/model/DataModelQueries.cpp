@@ -85,11 +85,6 @@ void SetKindFields(ModelObject& object, const Record& record) {
     }
 }
 
-std::uint64_t SaturatedProduct(std::uint64_t left, std::uint64_t right) {
-    const bool fits = left == 0 || right <= std::numeric_limits<std::uint64_t>::max() / left;
-    return fits ? left * right : std::numeric_limits<std::uint64_t>::max();
-}
-
 } // namespace
 
 std::size_t DataModel::ObjectCount() const {
@@ -206,12 +201,7 @@ ObjectId DataModel::WithoutTypedefs(ObjectId type) const {
 }
 
 std::uint64_t DataModel::ElementCount(ObjectId arrayType) const {
-    const std::span<const std::uint32_t> dimensions = mStore->Dimensions(arrayType);
-    std::uint64_t count = dimensions.empty() ? 0 : 1;
-    for (const std::uint32_t dimension : dimensions) {
-        count = SaturatedProduct(count, dimension);
-    }
-    return count;
+    return mStore->ElementCount(arrayType);
 }
 
 std::uint64_t DataModel::ElementStride(ObjectId arrayType) const {

@@ -50,6 +50,12 @@ constexpr std::uint64_t Joined(std::uint32_t upper, std::uint32_t lower) {
     return (std::uint64_t{upper} << 32U) | lower;
 }
 
+/// The product, or the largest number if that can't hold it.
+constexpr std::uint64_t SaturatedProduct(std::uint64_t left, std::uint64_t right) {
+    const bool fits = left == 0 || right <= std::numeric_limits<std::uint64_t>::max() / left;
+    return fits ? left * right : std::numeric_limits<std::uint64_t>::max();
+}
+
 /// True for kinds whose `Record::detail` says something.
 constexpr bool HasDetail(ObjectKind kind) {
     switch (kind) {
@@ -178,7 +184,23 @@ ObjectId ModelStore::AddGlobal(std::string_view name, Record record) {
 }
 
 std::uint32_t ModelStore::KeepDimensions(std::span<const std::uint32_t> dimensions) {
-    return AppendList(mDimensions, dimensions);
+    std::uint64_t count = dimensions.empty() ? 0 : 1;
+    for (const std::uint32_t dimension : dimensions) {
+        count = SaturatedProduct(count, dimension);
+    }
+    const std::uint32_t position = AppendList(mDimensions, dimensions);
+    mDimensions.insert(mDimensions.end(), {LowerHalf(count), UpperHalf(count)});
+    return position;
+}
+
+std::uint64_t ModelStore::ElementCount(ObjectId arrayType) const {
+    const std::span<const std::uint32_t> dimensions = Dimensions(arrayType);
+    if (dimensions.empty()) {
+        return 0;
+    }
+    const std::span<const std::uint32_t> count =
+        std::span(mDimensions).subspan(At(arrayType).detail + dimensions.size() + 1);
+    return Joined(count[1], count[0]);
 }
 
 std::uint32_t ModelStore::KeepParameters(std::span<const ObjectId> parameters) {

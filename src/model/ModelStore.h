@@ -22,6 +22,9 @@ inline constexpr std::size_t kLongestChain = 1000;
 
 /// Texts made of names end about here, in bytes, with an ellipsis.
 inline constexpr std::size_t kLongestText = 64 * 1024;
+/// Texts of types are for the eye and end sooner: a model may have any number of variables of one
+/// type.
+inline constexpr std::size_t kLongestTypeText = 4 * 1024;
 
 /// One object. Fields share places by kind.
 struct Record {
@@ -138,6 +141,8 @@ public:
     /// Keeps a copy of the description's text.
     void AddEnumerator(ObjectId enumTable, Enumerator description);
     [[nodiscard]] std::span<const std::uint32_t> Dimensions(ObjectId arrayType) const;
+    /// As `DataModel::ElementCount`, in the same time however many dimensions there are.
+    [[nodiscard]] std::uint64_t ElementCount(ObjectId arrayType) const;
     [[nodiscard]] std::span<const ObjectId> Parameters(ObjectId functionType) const;
     [[nodiscard]] std::span<const BaseClass> BaseClasses(ObjectId classType) const;
     [[nodiscard]] std::span<const Enumerator> Enumerators(ObjectId enumTable) const;
@@ -151,6 +156,7 @@ private:
     NamePool mNames;
     LookupIndex mIndex;
     /// Lists of fixed length one behind the other, each after its length. The first is empty.
+    /// Behind the dimensions of each array stands their product, lower half first.
     std::vector<std::uint32_t> mDimensions;
     std::vector<ObjectId> mParameters;
     /// Growing lists. The first is empty.

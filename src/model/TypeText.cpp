@@ -226,7 +226,7 @@ private:
 
     const DataModel& mModel;
     const ModelStore& mStore;
-    std::size_t mRoom = kLongestText;
+    std::size_t mRoom = kLongestTypeText;
 };
 
 constexpr bool IsType(ObjectKind kind) {
@@ -250,8 +250,8 @@ constexpr bool IsType(ObjectKind kind) {
 }
 
 std::string Bounded(std::string text) {
-    if (text.size() > kLongestText) {
-        text = std::string(CutText(text, kLongestText)).append(sEllipsis);
+    if (text.size() > kLongestTypeText) {
+        text = std::string(CutText(text, kLongestTypeText)).append(sEllipsis);
     }
     return text;
 }

@@ -36,9 +36,6 @@ using ObjectId = std::uint64_t;
 /// Numbers the scopes that lexical blocks outside of any subprogram make. Runs on over all reads.
 extern std::uint32_t nGlobalLexicalBlockCounter;
 
-/// Characters of a name as read; what lies behind is cut.
-constexpr std::size_t sMaximumNameLength = 2047;
-
 /// Links that a chain of types, specifications or scopes is followed for by questions that need no
 /// exact end; longer ones occur in damaged files only.
 constexpr int sMaximumChainLength = 1000;
