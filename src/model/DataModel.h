@@ -27,8 +27,8 @@ class ModelStore;
 /// at any time, also after a read that failed halfway.
 ///
 /// Every query ends soon whatever was delivered: scopes and types are followed 1000 links far, and
-/// what lies beyond counts as missing. Texts are cut at 64 KiB, between characters, with "..."
-/// where something is left out.
+/// what lies beyond counts as missing. Texts are cut at 64 KiB, those of types at 4 KiB, between
+/// characters, with "..." where something is left out.
 class BRINDLE_EXPORT DataModel final : public Factory::HostDataModel {
 public:
     DataModel();

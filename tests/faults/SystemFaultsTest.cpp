@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utility>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
@@ -59,6 +60,22 @@ TEST_F(SystemFaultsTest, WhatIsNoFileCanNotBeOpened) {
                                     mFolder.Path(std::string(5000, 'n')), std::string()}) {
         EXPECT_EQ(Read(path).message, "ELF file Open has failed.") << path;
     }
+}
+
+TEST_F(SystemFaultsTest, FileThatMayNotBeRead) {
+    const std::string path = mFolder.Write("image.elf", mImage);
+    ASSERT_TRUE(Read(path).result);
+    ASSERT_EQ(chmod(path.c_str(), 0), 0);
+    // The superuser may read anything.
+    constexpr uid_t nobody = 65534;
+    const uid_t user = geteuid();
+    if (user == 0 && seteuid(nobody) != 0) {
+        GTEST_SKIP() << "no other user to be";
+    }
+    const FaultOutcome outcome = Read(path);
+    ASSERT_EQ(seteuid(user), 0);
+    EXPECT_FALSE(outcome.result);
+    EXPECT_EQ(outcome.message, "ELF file Open has failed.");
 }
 
 TEST_F(SystemFaultsTest, FilesThatGiveNoBytes) {
