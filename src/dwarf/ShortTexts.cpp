@@ -2,16 +2,21 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-ShortTexts::ShortTexts(std::string_view texts) {
-    const std::size_t blockCount = (texts.size() + sBlockSize - 1) / sBlockSize;
-    mIsTerminated.assign(blockCount + 1, true);
-    for (std::size_t block = 0; block < blockCount; ++block) {
-        const std::string_view bytes = texts.substr(block * sBlockSize, sBlockSize);
-        if (bytes.find('\0') == std::string_view::npos) {
-            mIsTerminated[block] = false;
-            mAreAll = false;
-        }
+ShortTexts::ShortTexts(std::string_view texts)
+    : mHasTerminator((texts.size() / sBlockSize + 1) / sWordBits + 2) {
+    std::size_t end = texts.find('\0');
+    while (end != std::string_view::npos) {
+        const std::size_t block = end / sBlockSize;
+        NoteTerminator(block);
+        // A block needs no second look.
+        end = texts.find('\0', (block + 1) * sBlockSize);
     }
+    // The section ends with one even where the file has none.
+    NoteTerminator(texts.size() / sBlockSize + 1);
+}
+
+void ShortTexts::NoteTerminator(std::size_t block) {
+    mHasTerminator[block / sWordBits] |= std::uint64_t{1} << (block % sWordBits);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -5,6 +5,7 @@
 #include "core/LongTextAllowance.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -14,22 +15,32 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class ShortTexts {
 public:
     ShortTexts() = default;
-    /// Looks at a few bytes of each block. Keeps nothing of the texts.
+    /// Keeps nothing of the texts.
     explicit ShortTexts(std::string_view texts);
 
     /// True only if the text at an offset of the section has at most
-    /// `LongTextAllowance::kShortTextLength` characters.
+    /// `LongTextAllowance::kShortTextLength` characters; not for all that have nearly as many.
     [[nodiscard]] bool Contains(std::size_t offset) const {
-        return mAreAll || mIsTerminated[offset / sBlockSize + 1];
+        const std::size_t block = offset / sBlockSize + 1;
+        const std::size_t word = block / sWordBits;
+        const std::size_t bit = block % sWordBits;
+        const std::uint64_t blocks = (mHasTerminator[word] >> bit) |
+                                     (mHasTerminator[word + 1] << 1U << (sWordBits - 1 - bit));
+        return (blocks & sBlocksOfShortText) != 0;
     }
 
 private:
-    /// A text that begins in one block and ends in the next has at most the short length.
-    static constexpr std::size_t sBlockSize = (LongTextAllowance::kShortTextLength + 1) / 2;
+    static constexpr std::size_t sBlockSize = 16;
+    static constexpr std::size_t sWordBits = 64;
+    /// The blocks behind the one where a text begins that end within the short length.
+    static constexpr std::size_t sBlockCount =
+        (LongTextAllowance::kShortTextLength + 1) / sBlockSize - 1;
+    static constexpr std::uint64_t sBlocksOfShortText = (std::uint64_t{1} << sBlockCount) - 1;
 
-    /// For each block, and one behind the last, whether it holds a terminator.
-    std::vector<bool> mIsTerminated;
-    bool mAreAll = true;
+    void NoteTerminator(std::size_t block);
+
+    /// A bit for each block. One word more than there are, for the blocks behind the last.
+    std::vector<std::uint64_t> mHasTerminator;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
