@@ -594,7 +594,8 @@ TEST_F(HostileUnitTest, OneLongTextOfManyEntries) {
 TEST_F(DwarfDecodingTest, ShortTextsAreToldByTheirPlace) {
     // Beginning at each distance from the start of the section's blocks.
     for (std::size_t start = 0; start < 256; ++start) {
-        for (const std::size_t length : {0U, 1U, 127U, 128U, 224U, 254U, 255U, 256U, 383U, 384U, 3000U}) {
+        for (const std::size_t length :
+             {0U, 1U, 127U, 128U, 224U, 254U, 255U, 256U, 383U, 384U, 3000U}) {
             const std::string texts =
                 std::string(start, 'x') + std::string(length, 't') + std::string(300, '\0');
             const ShortTexts shortTexts(texts);
