@@ -57,9 +57,9 @@ RowColour ColourOf(const Difference& difference) {
 /// told in its place.
 struct TypeNames {
     TypeNames(const Difference& difference, const DataModel::DataModel& oldModel,
-              const DataModel::DataModel& newModel) {
-        before = difference.oldPlace != nullptr ? difference.oldPlace->type : std::string();
-        after = difference.newPlace != nullptr ? difference.newPlace->type : std::string();
+              const DataModel::DataModel& newModel)
+        : before(difference.oldPlace != nullptr ? difference.oldPlace->type : std::string())
+        , after(difference.newPlace != nullptr ? difference.newPlace->type : std::string()) {
         if (before == after && difference.IsRetyped()) {
             before = BehindTypedefs(oldModel, difference.oldPlace->place.type);
             after = BehindTypedefs(newModel, difference.newPlace->place.type);
