@@ -111,15 +111,15 @@ ExitStatus CommandLine::EndWrongUsage(const std::string& problem) const {
 }
 
 std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
-    const CLI::App* const command = ChosenCommand();
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
         // Of an option that is given twice the later value counts, so that one has none.
-        return std::string(error.what()).substr(0, std::string_view(error.what()).find(':')) +
-               " needs a value";
+        const std::string text = error.what();
+        return text.substr(0, text.find(':')) + " needs a value";
     }
     if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) {
         return error.what();
     }
+    const CLI::App* const command = ChosenCommand();
     const std::vector<std::string> unknown = mProgram.remaining(true);
     const auto option = std::ranges::find_if(unknown, IsOption);
     if (option != unknown.end()) {

@@ -32,8 +32,8 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
     const auto table = MakeTableWriter(TableFormatOf(arguments.format), PlaceColumns(), output,
                                        IsStandardOutputColoured());
     const std::vector<std::string> problems = WritePlaces(model, arguments.expressions, *table);
-    for (const std::string& problem : problems) {
-        if (HasDelivered(result, model)) {
+    if (HasDelivered(result, model)) {
+        for (const std::string& problem : problems) {
             Tell(arguments.file, problem);
         }
     }

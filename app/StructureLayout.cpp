@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -31,28 +32,29 @@ std::uint64_t ExtentOf(const ModelObject& member, std::uint64_t size) {
     return std::max(size, lastByte);
 }
 
-/// Base classes that `PlacedBaseClasses` leaves out.
-std::vector<LayoutEntry> UnplacedBaseClasses(const DataModel::DataModel& model, ObjectId type) {
-    const std::vector<DataModel::BaseClass> placed = model.PlacedBaseClasses(type);
+/// What a type consists of: its members, and its base classes with and without a place.
+struct Contents {
+    std::vector<LayoutEntry> placed;
     std::vector<LayoutEntry> unplaced;
-    for (const DataModel::BaseClass& base : model.BaseClasses(type)) {
-        if (std::ranges::find(placed, base.type, &DataModel::BaseClass::type) == placed.end()) {
-            unplaced.push_back({Kind::UnplacedBaseClass, base.type, 0, model.SizeOf(base.type)});
-        }
-    }
-    return unplaced;
-}
+};
 
-/// Placed base classes and members alone.
-std::vector<LayoutEntry> Contents(const DataModel::DataModel& model, ObjectId type) {
-    std::vector<LayoutEntry> contents;
-    for (const DataModel::BaseClass& base : model.PlacedBaseClasses(type)) {
-        contents.push_back({Kind::BaseClass, base.type, base.offset, model.SizeOf(base.type)});
+Contents ContentsOf(const DataModel::DataModel& model, ObjectId type) {
+    Contents contents;
+    const std::vector<DataModel::BaseClass> placed = model.PlacedBaseClasses(type);
+    auto next = placed.begin();
+    for (const DataModel::BaseClass& base : model.BaseClasses(type)) {
+        const std::uint64_t size = model.SizeOf(base.type);
+        if (next != placed.end() && next->type == base.type && next->offset == base.offset) {
+            contents.placed.push_back({Kind::BaseClass, base.type, base.offset, size});
+            ++next;
+        } else {
+            contents.unplaced.push_back({Kind::UnplacedBaseClass, base.type, 0, size});
+        }
     }
     model.ForEachIn(type, [&](const ModelObject& member) {
         if (IsMember(member.kind)) {
-            contents.push_back({Kind::Member, member.id, member.offset,
-                                ExtentOf(member, model.SizeOf(member.id))});
+            contents.placed.push_back({Kind::Member, member.id, member.offset,
+                                       ExtentOf(member, model.SizeOf(member.id))});
         }
     });
     return contents;
@@ -127,13 +129,14 @@ bool IsMember(ObjectKind kind) {
 }
 
 std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, ObjectId type) {
-    std::vector<LayoutEntry> contents = Contents(model, type);
+    Contents contents = ContentsOf(model, type);
     if (model.Object(type).kind == ObjectKind::Union) {
-        return contents;
+        return contents.placed;
     }
-    std::ranges::stable_sort(contents, {}, &LayoutEntry::offset);
-    std::vector<LayoutEntry> layout = UnplacedBaseClasses(model, type);
-    const std::vector<LayoutEntry> placed = GapFinder(model, model.SizeOf(type)).Find(contents);
+    std::ranges::stable_sort(contents.placed, {}, &LayoutEntry::offset);
+    std::vector<LayoutEntry> layout = std::move(contents.unplaced);
+    const std::vector<LayoutEntry> placed =
+        GapFinder(model, model.SizeOf(type)).Find(contents.placed);
     layout.insert(layout.end(), placed.begin(), placed.end());
     return layout;
 }

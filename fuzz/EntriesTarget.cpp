@@ -4,15 +4,9 @@
 // `ImageOfEntries` takes it.
 #include "support/EntryInput.h"
 #include "support/FuzzedRead.h"
-#include "support/InputFile.h"
 #include "support/ScopedReaderState.h"
 
 using namespace Tessel::Norn::Brindle;
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    Fuzzing::SilenceStandardOutput();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Tests::ScopedReaderState state;

@@ -26,11 +26,6 @@ VLocationResult Evaluate(VElfInput& file, std::size_t loaded, std::int32_t end,
 
 } // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    Fuzzing::SilenceStandardOutput();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Tests::ScopedReaderState state;
     Fuzzing::InputBytes input(data, size);

@@ -3,16 +3,10 @@
 // Input: the choices of `ApplyChoices`, of which the container goes unused; then the sections as
 // `SectionInput` tells them.
 #include "support/FuzzedRead.h"
-#include "support/InputFile.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionInput.h"
 
 using namespace Tessel::Norn::Brindle;
-
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    Fuzzing::SilenceStandardOutput();
-    return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const Tests::ScopedReaderState state;

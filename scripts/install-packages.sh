@@ -2,8 +2,7 @@
 # Installs the Debian packages that building and testing need, those that are missing alone. With the
 # argument "samples" also the cross compilers that rebuild the sample images; with "docs" also what
 # builds the reference; with "bench" also what makes the big images and the tools that brindle is
-# measured beside; with "fuzz" also the compiler that has libFuzzer; with "checks" also cppcheck and
-# valgrind.
+# measured beside; with "fuzz" also the compiler that has libFuzzer; with "checks" also cppcheck.
 set -euo pipefail
 
 packages=(
@@ -25,7 +24,7 @@ fuzz)
     packages+=(clang-14 libclang-rt-14-dev llvm-14)
     ;;
 checks)
-    packages+=(cppcheck valgrind)
+    packages+=(cppcheck)
     ;;
 bench)
     packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

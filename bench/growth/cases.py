@@ -27,6 +27,34 @@ def qualifiers(n):
     return "".join("1" + letter for letter in letters(n // 2))
 
 
+def add_symbols(image, n, text, *, ends=False, step=4):
+    """n symbols that have one text as their name or, each one character further, its ends."""
+    name = image.symbol_name(text)
+    for index in range(n):
+        image.symbol(name + (index if ends else 0), 0x1000 + step * index)
+    return image
+
+
+def structures_of_suffixes(n, text, step=1, **unit):
+    """n structures whose names are the ends of one text, each some characters further."""
+    image = Image()
+    name = image.string(text)
+    image.begin_unit(**unit)
+    for index in range(n):
+        image.entry("struct", long_name=name + step * index, size_nothing=0)
+    image.end_unit()
+    return image
+
+
+def long_array(image, integer, n, upper):
+    """The type of an array of n dimensions."""
+    array = image.entry("array", children=True, type=integer)
+    for _ in range(n):
+        image.entry("subrange", upper=upper)
+    image.end()
+    return array
+
+
 def nested(tag, n, **attributes):
     def fill(image, integer):
         for _ in range(n):
@@ -211,10 +239,7 @@ def function_types_of_many_parameters(n):
 
 def dimensions_fan(n):
     def fill(image, integer):
-        array = image.entry("array", children=True, type=integer)
-        for _ in range(n):
-            image.entry("subrange", upper=0xFFFFFFFE)
-        image.end()
+        array = long_array(image, integer, n, 0xFFFFFFFE)
         image.entry("variable", name="v", type=array, address=0x1000)
     return unit_of(fill)
 
@@ -524,11 +549,7 @@ def one_location_list(n):
 
 
 def symbols_of_one_name(n):
-    image = Image()
-    name = image.symbol_name("gSame")
-    for index in range(n):
-        image.symbol(name, 0x1000 + 4 * index)
-    return image
+    return add_symbols(Image(), n, "gSame")
 
 
 def symbols_of_one_address(n):
@@ -540,20 +561,12 @@ def symbols_of_one_address(n):
 
 def symbols_of_one_long_name(n):
     """n symbols that share one name of n characters."""
-    image = Image()
-    name = image.symbol_name("x" * n)
-    for index in range(n):
-        image.symbol(name, 0x1000 + 4 * index)
-    return image
+    return add_symbols(Image(), n, "x" * n)
 
 
 def symbols_of_suffixes(n):
     """n symbols whose names are the ends of one text of n characters."""
-    image = Image()
-    name = image.symbol_name(letters(n))
-    for index in range(n):
-        image.symbol(name + index, 0x1000 + 4 * index)
-    return image
+    return add_symbols(Image(), n, letters(n), ends=True)
 
 
 # Table sizes of a standard library whose hash of a number is the number.
@@ -598,22 +611,12 @@ def addresses_of_one_bucket(n):
 
 def mangled_symbols_of_suffixes(n):
     """n symbols whose names are the ends of one mangled name."""
-    image = Image()
-    name = image.symbol_name("__Q2" + qualifiers(n))
-    for index in range(n):
-        image.symbol(name + index, 0x1000 + 4 * index)
-    return image
+    return add_symbols(Image(), n, "__Q2" + qualifiers(n), ends=True)
 
 
 def names_of_suffixes(n):
     """n structures whose names are the ends of one text of n characters."""
-    image = Image()
-    text = image.string(letters(n))
-    image.begin_unit()
-    for index in range(n):
-        image.entry("struct", long_name=text + index, size_nothing=0)
-    image.end_unit()
-    return image
+    return structures_of_suffixes(n, letters(n))
 
 
 def linkage_names_of_suffixes(n):
@@ -630,13 +633,7 @@ def linkage_names_of_suffixes(n):
 
 def mangled_names_of_suffixes(n):
     """Names that are the ends of one list of many short qualifiers."""
-    image = Image()
-    text = image.string("__Q9" + qualifiers(n))
-    image.begin_unit()
-    for index in range(n):
-        image.entry("struct", long_name=text + index, size_nothing=0)
-    image.end_unit()
-    return image
+    return structures_of_suffixes(n, "__Q9" + qualifiers(n))
 
 
 def deeply_mangled_names(n):
@@ -651,22 +648,14 @@ def deeply_mangled_names(n):
 def itanium_names_of_suffixes(n):
     """The second family of names, for units of the compiler that has it: each of the n / 7 names is an end of one
     text, and takes 1001 characters of it."""
-    image = Image()
-    text = image.string("_ZN1001" * (n // 7 + 200))
-    image.begin_unit(producer="TASKING")
-    for index in range(n // 7):
-        image.entry("struct", long_name=text + 7 * index, size_nothing=0)
-    image.end_unit()
-    return image
+    return structures_of_suffixes(n // 7, "_ZN1001" * (n // 7 + 200), step=7, producer="TASKING")
 
 
 def itanium_names_of_many_parts(n):
-    def fill(image):
-        for index in range(n):
-            image.entry("struct", name="_ZN" + "1a" * 15 + f"{len(str(index))}{index}E", size_nothing=0)
     image = Image()
     image.begin_unit(producer="TASKING")
-    fill(image)
+    for index in range(n):
+        image.entry("struct", name="_ZN" + "1a" * 15 + f"{len(str(index))}{index}E", size_nothing=0)
     image.end_unit()
     return image
 
@@ -674,10 +663,7 @@ def itanium_names_of_many_parts(n):
 def variables_of_a_long_type(n):
     """n variables of one array of n dimensions."""
     def fill(image, integer):
-        array = image.entry("array", children=True, type=integer)
-        for _ in range(n):
-            image.entry("subrange", upper=0x3F)
-        image.end()
+        array = long_array(image, integer, n, 0x3F)
         for index in range(n):
             image.entry("variable", name=f"v{index}", type=array, address=0x1000 + 4 * index)
     return unit_of(fill)
@@ -686,10 +672,7 @@ def variables_of_a_long_type(n):
 def members_of_a_long_type(n):
     """The same as members of one structure."""
     def fill(image, integer):
-        array = image.entry("array", children=True, type=integer)
-        for _ in range(n):
-            image.entry("subrange", upper=0x3F)
-        image.end()
+        array = long_array(image, integer, n, 0x3F)
         structure = image.entry("struct", children=True, name="S", size=4)
         for index in range(n):
             image.entry("member", name=f"m{index}", type=array, offset=index)
@@ -716,20 +699,13 @@ def extern_variable_among_symbols_of_suffixes(n):
     """One variable that is looked for among n symbols, whose names are the ends of one mangled name."""
     image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, declaration=True,
                                                               external=True))
-    name = image.symbol_name("__Q2" + qualifiers(n))
-    for index in range(n):
-        image.symbol(name + index, 0x1000 + 4 * index)
-    return image
+    return add_symbols(image, n, "__Q2" + qualifiers(n), ends=True)
 
 
 def extern_variables_among_symbols_of_one_name(n):
     def make(image, index, integer):
         image.entry("variable", name=f"v{index}", type=integer, declaration=True, external=True)
-    image = many(n, make)
-    name = image.symbol_name("gSame")
-    for index in range(n):
-        image.symbol(name, 0x1000 + 4 * index)
-    return image
+    return add_symbols(many(n, make), n, "gSame")
 
 
 def variables_among_symbols_of_one_address(n):
@@ -743,10 +719,7 @@ def variables_among_symbols_of_one_address(n):
 def coff_symbols_of_one_name(n):
     image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, address=0x1000),
                  image=CoffImage())
-    name = image.symbol_name("gSame")
-    for _ in range(n):
-        image.symbol(name, 0x1000)
-    return image
+    return add_symbols(image, n, "gSame", step=0)
 
 
 def coff_sections_of_one_long_name(n):
@@ -757,21 +730,14 @@ def coff_sections_of_one_long_name(n):
 def pe_symbols_of_one_name(n):
     image = many(n // 10, lambda image, index, integer: image.entry("variable", name="v", type=integer,
                                                                     address=0x1000 + index), image=PeImage())
-    name = image.symbol_name("gSame")
-    for index in range(n):
-        image.symbol(name, 0x1000)
-    return image
+    return add_symbols(image, n, "gSame", step=0)
 
 
 def pe_symbols_of_suffixes(n):
     """Symbols of a Windows image are looked for by name where an extern variable asks."""
     def make(image, index, integer):
         image.entry("variable", name=f"v{index}", type=integer, declaration=True, external=True)
-    image = many(n // 10, make, image=PeImage())
-    name = image.symbol_name("__Q2" + qualifiers(n))
-    for index in range(n):
-        image.symbol(name + index, 0x1000)
-    return image
+    return add_symbols(many(n // 10, make, image=PeImage()), n, "__Q2" + qualifiers(n), ends=True, step=0)
 
 
 def pe_sections_of_one_long_name(n):
@@ -813,8 +779,8 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],
            "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
-HELPERS = {"unit_of", "letters", "qualifiers", "nested", "chain", "fan", "many", "least_entries",
-           "sections_of_one_long_name", "numbers_of_one_bucket", "all_cases"}
+HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "structures_of_suffixes", "long_array", "nested",
+           "chain", "fan", "many", "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "all_cases"}
 
 
 def all_cases():

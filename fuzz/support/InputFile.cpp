@@ -13,8 +13,11 @@ const std::string& WriteInputFile(std::string_view content) {
     return sPath;
 }
 
-void SilenceStandardOutput() {
-    std::cout.rdbuf(nullptr);
-}
-
 } // namespace Tessel::Norn::Brindle::Fuzzing
+
+// Called by libFuzzer before the first input: what the reader writes to standard output for each
+// file would flood a terminal or log.
+extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
+    std::cout.rdbuf(nullptr);
+    return 0;
+}

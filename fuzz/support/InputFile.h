@@ -1,4 +1,5 @@
-// The one file that the inputs of a process are written to, since the reader reads files.
+// The one file that the inputs of a process are written to, since the reader reads files. Targets
+// that write it keep standard output quiet while libFuzzer searches.
 #pragma once
 
 #include <string>
@@ -10,8 +11,5 @@ namespace Tessel::Norn::Brindle::Fuzzing {
 /// where the system keeps such folders in memory, no disk is touched.
 /// @return its path
 const std::string& WriteInputFile(std::string_view content);
-
-/// Keeps what the library writes to standard output from a terminal or log. Called once.
-void SilenceStandardOutput();
 
 } // namespace Tessel::Norn::Brindle::Fuzzing

@@ -28,6 +28,12 @@ bool IsDeliverable(const Elf32_Sym& symbol) {
            *symbol.name != '\0';
 }
 
+/// A table that can't be loaded counts as empty: what else the file tells is worth having.
+/// @return false only for lack of memory
+bool LoadTable(VElfBuffer& buffer, const Elf64_Shdr& section) {
+    return buffer.LoadFromFile(section.sh_offset, section.sh_size) || !IsOutOfMemory();
+}
+
 void WarnOfTrimmedAddress(const Elf32_Sym& symbol) {
     if (symbol.st_value > sMaximum32Bit && VElfOptions::mIsLogFile != 0) {
         elflog(
@@ -76,8 +82,7 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
         return false;
     }
     VElfBuffer buffer(*this);
-    // A table that can't be loaded counts as empty: what else the file tells is worth having.
-    if (!buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size) && IsOutOfMemory()) {
+    if (!LoadTable(buffer, mSecSymtab)) {
         return false;
     }
     map.Clear();
@@ -120,7 +125,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         return false;
     }
     VElfBuffer buffer(*this);
-    if (!buffer.LoadFromFile(mSecSymtab.sh_offset, mSecSymtab.sh_size) && IsOutOfMemory()) {
+    if (!LoadTable(buffer, mSecSymtab)) {
         return false;
     }
     LongTextAllowance longNames(mFileSize);

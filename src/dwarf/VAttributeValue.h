@@ -1,8 +1,6 @@
 // Attribute values of a debug entry that may be absent: a number or reference, and a text.
 #pragma once
 
-#include "core/CutText.h"
-
 #include <cstddef>
 #include <cstdint>
 #include <string>

@@ -9,7 +9,6 @@
 #include "dwarf/VLocTabBuffer.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <limits>
 #include <new>

@@ -2,6 +2,8 @@
 
 #include "model/ModelStore.h"
 
+#include <optional>
+
 namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
@@ -46,38 +48,38 @@ LookupKey OldBitFieldKey(Index& index, ObjectId baseType, std::int32_t bitOffset
             Combined(index, {LookupKind::Pair, position, bitSize})};
 }
 
-/// The key that an object is found under only when a host asks; kind `Pair` if it has none.
-LookupKey LateKeyOf(ModelStore& store, ObjectId id) {
-    const Record& record = store.At(id);
+/// The key that an object is found under only when a host asks.
+std::optional<LookupKey> LateKeyOf(ModelStore& store, ObjectId id) {
+    const Record record = store.At(id);
     LookupIndex& index = store.Index();
     switch (record.kind) {
     case ObjectKind::Block:
-        return {LookupKind::Block, record.name, record.scope};
+        return LookupKey{LookupKind::Block, record.name, record.scope};
     case ObjectKind::CompileUnit:
-        return {LookupKind::CompileUnit, record.name, record.scope};
+        return LookupKey{LookupKind::CompileUnit, record.name, record.scope};
     case ObjectKind::Class:
     case ObjectKind::Struct:
-        return {LookupKind::Class, record.name, record.scope};
+        return LookupKey{LookupKind::Class, record.name, record.scope};
     case ObjectKind::Union:
-        return {LookupKind::Union, record.name, record.scope};
+        return LookupKey{LookupKind::Union, record.name, record.scope};
     case ObjectKind::Enum:
-        return {LookupKind::Enum, record.name, record.scope};
+        return LookupKey{LookupKind::Enum, record.name, record.scope};
     case ObjectKind::Typedef:
-        return {LookupKind::Typedef, record.name, record.scope};
+        return LookupKey{LookupKind::Typedef, record.name, record.scope};
     case ObjectKind::Function:
-        return {LookupKind::Function, record.name,
-                Combined(index, {LookupKind::Pair, record.type, record.scope})};
+        return LookupKey{LookupKind::Function, record.name,
+                         Combined(index, {LookupKind::Pair, record.type, record.scope})};
     case ObjectKind::FunctionType:
         return FunctionTypeKey(index, record.type, store.Parameters(id), record.scope);
     case ObjectKind::OldBitField:
         return OldBitFieldKey(index, record.type, static_cast<std::int32_t>(record.detail),
                               record.value, record.scope);
     case ObjectKind::Section:
-        return {LookupKind::Section, record.value, record.scope};
+        return LookupKey{LookupKind::Section, record.value, record.scope};
     case ObjectKind::Segment:
-        return {LookupKind::Segment, record.name, record.scope};
+        return LookupKey{LookupKind::Segment, record.name, record.scope};
     default:
-        return {LookupKind::Pair};
+        return std::nullopt;
     }
 }
 
@@ -394,8 +396,8 @@ void DataModel::SetTransformed(bool /*transformedDataModel*/) {}
 void DataModel::FileNewObjects() {
     while (mFiledCount < ObjectCount()) {
         const ObjectId id = ++mFiledCount;
-        if (const LookupKey key = LateKeyOf(*mStore, id); key.kind != LookupKind::Pair) {
-            Filed(*mStore, key, id);
+        if (const std::optional<LookupKey> key = LateKeyOf(*mStore, id)) {
+            Filed(*mStore, *key, id);
         }
     }
 }

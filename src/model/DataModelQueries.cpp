@@ -5,7 +5,6 @@
 #include "model/ScopeNames.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace Tessel::Norn::Brindle::DataModel {
 

@@ -45,8 +45,8 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
 VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& section) {
     auto* extras = section.mArena.Create<VNodeExtras>();
     extras->mLinkageName = section.KeepText(die.mLinkageName);
-    extras->SetSpecification(die.mSpecification);
-    extras->SetAccessibility(die.mAccessibility);
+    extras->mSpecification = VNarrowValue(die.mSpecification);
+    extras->mAccessibility = VNarrowValue(die.mAccessibility);
     if (HasStorage(die)) {
         extras->mStorage = section.mArena.Create<VNodeStorage>(
             VNodeStorage{die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding});

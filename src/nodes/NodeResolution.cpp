@@ -73,7 +73,7 @@ void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
         }
     }
     if (mExtras != nullptr) {
-        if (VDebugInfoNode* specification = FindReferred(mExtras->GetSpecification(), nodes)) {
+        if (VDebugInfoNode* specification = FindReferred(mExtras->mSpecification.Get(), nodes)) {
             mExtras->mSpecificationNode = specification;
         }
         if (mExtras->mSpecificationNode == this) {

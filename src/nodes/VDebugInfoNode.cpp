@@ -146,11 +146,11 @@ VAttributeString VDebugInfoNode::GetLinkageNameAttribute() const {
 }
 
 VAttributeValue VDebugInfoNode::GetSpecificationAttribute() const {
-    return mExtras != nullptr ? mExtras->GetSpecification() : VAttributeValue{};
+    return mExtras != nullptr ? mExtras->mSpecification.Get() : VAttributeValue{};
 }
 
 VAttributeValue VDebugInfoNode::GetAccessibilityAttribute() const {
-    return mExtras != nullptr ? mExtras->GetAccessibility() : VAttributeValue{};
+    return mExtras != nullptr ? mExtras->mAccessibility.Get() : VAttributeValue{};
 }
 
 void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode* node) {
@@ -161,7 +161,7 @@ void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode* node) {
 
 void VDebugInfoNode::ClearSpecification() {
     if (mExtras != nullptr) {
-        mExtras->SetSpecification({});
+        mExtras->mSpecification = {};
         mExtras->mSpecificationNode = nullptr;
     }
 }

@@ -48,39 +48,32 @@ struct VNodeStorage {
     bool mHasEncoding = false;
 };
 
-/// Attributes and links that few nodes have. Values of debug entries fill 32 bits.
-struct VNodeExtras {
-    [[nodiscard]] VAttributeValue GetSpecification() const {
-        return AsValue(mSpecificationValue, mSpecificationFlags);
-    }
-    void SetSpecification(const VAttributeValue& value) {
-        mSpecificationValue = static_cast<std::uint32_t>(value.mValue);
-        mSpecificationFlags = value.mFlags;
-    }
-    [[nodiscard]] VAttributeValue GetAccessibility() const {
-        return AsValue(mAccessibilityValue, mAccessibilityFlags);
-    }
-    void SetAccessibility(const VAttributeValue& value) {
-        mAccessibilityValue = static_cast<std::uint32_t>(value.mValue);
-        mAccessibilityFlags = value.mFlags;
-    }
+/// An attribute value in small: those of debug entries fill 32 bits.
+struct VNarrowValue {
+    VNarrowValue() = default;
+    explicit VNarrowValue(const VAttributeValue& value)
+        : mValue(static_cast<std::uint32_t>(value.mValue))
+        , mFlags(value.mFlags) {}
 
-    VKeptText mLinkageName;
-    VNodeLink<class VDebugInfoNode> mSpecificationNode;
-    VNodeLink<VNodeStorage> mStorage;
-
-private:
-    static VAttributeValue AsValue(std::uint32_t value, std::uint16_t flags) {
+    [[nodiscard]] VAttributeValue Get() const {
         VAttributeValue result;
-        result.mValue = value;
-        result.mFlags = flags;
+        result.mValue = mValue;
+        result.mFlags = mFlags;
         return result;
     }
 
-    std::uint32_t mSpecificationValue = 0;
-    std::uint32_t mAccessibilityValue = 0;
-    std::uint16_t mSpecificationFlags = 0;
-    std::uint16_t mAccessibilityFlags = 0;
+private:
+    std::uint32_t mValue = 0;
+    std::uint16_t mFlags = 0;
+};
+
+/// Attributes and links that few nodes have.
+struct VNodeExtras {
+    VKeptText mLinkageName;
+    VNarrowValue mSpecification;
+    VNarrowValue mAccessibility;
+    VNodeLink<class VDebugInfoNode> mSpecificationNode;
+    VNodeLink<VNodeStorage> mStorage;
 };
 
 /// What the grouping of types of one name has found for a node.

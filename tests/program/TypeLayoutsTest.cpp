@@ -108,6 +108,17 @@ TEST_F(TypeLayoutsTest, ABaseClassThatCanNotLieThereHasNoOffset) {
 )");
 }
 
+TEST_F(TypeLayoutsTest, ABaseClassThatIsThereTwiceMayHaveOnePlace) {
+    const ObjectId device = Struct("Device", 4);
+    Member("id", mInt32, device, 0);
+    const ObjectId pair = Struct("Pair", 8);
+    mModel.AddBaseClass(pair, device, 0);
+    mModel.AddBaseClass(pair, device, 4);
+    Member("own", mInt32, pair, 0);
+    EXPECT_THAT(Layouts("Pair"), HasSubstr("base class Device: no static offset, size 4"));
+    EXPECT_THAT(Layouts("Pair"), HasSubstr("base class Device: offset 4, size 4"));
+}
+
 TEST_F(TypeLayoutsTest, WhatIsOnlyDeclaredOrHasOnlyAVariableIsToldSo) {
     Struct("Nobody", 0);
     const ObjectId point = AnonymousStruct("<unnamed-struct>", 4);
