@@ -84,14 +84,14 @@ private:
 
 void DemangleNames(VDwarf2Section& section) {
     NameDemangler demangler(section);
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        if (node->GetTag() == DW_TAG_compile_unit) {
-            demangler.EnterUnit(*node);
+    ForEachWantedNode(section, [&](VDebugInfoNode& node) {
+        if (node.GetTag() == DW_TAG_compile_unit) {
+            demangler.EnterUnit(node);
         }
-        if (node->HasNameAttribute()) {
-            demangler.Demangle(*node);
+        if (node.HasNameAttribute()) {
+            demangler.Demangle(node);
         }
-    }
+    });
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -83,7 +83,12 @@ bool VDwarf2Section::EmitNodes() {
             }
         }
     };
-    for (const std::uint32_t index : PlacesOfRoots(mDieNodes, allTypes)) {
+    const std::vector<std::uint32_t> places = PlacesOfRoots(mDieNodes, allTypes);
+    for (std::size_t root = 0; root < places.size(); ++root) {
+        if (root + VDieNodeMap::kNodesAhead < places.size()) {
+            mDieNodes.Prefetch(places[root + VDieNodeMap::kNodesAhead]);
+        }
+        const std::uint32_t index = places[root];
         tellProgressBefore(index);
         if (IsEmissionRoot(*nodes[index], allTypes)) {
             emission.Deliver(*nodes[index]);

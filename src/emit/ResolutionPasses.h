@@ -3,16 +3,34 @@
 // resolved stays as it is, and later stages take it as absent.
 #pragma once
 
+#include "core/VElfOptions.h"
+#include "dwarf/VDwarf2Section.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <utility>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-class VDwarf2Section;
+/// Calls `visit` with each node that delivery or dump asks for, in ascending order of their
+/// offsets. Parameters of functions that no entry refers to are never delivered: they keep their
+/// names and references as read unless they are dumped.
+template <typename Visitor>
+void ForEachWantedNode(const VDwarf2Section& section, Visitor&& visit) {
+    if (VElfOptions::mDumpDebugInfoNodes == 0) {
+        section.mDieNodes.ForEachWanted(std::forward<Visitor>(visit));
+        return;
+    }
+    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
+        visit(*node);
+    }
+}
 
-/// 1. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second
+/// 1. Turns the references of all nodes into links.
+void ResolveAllReferences(VDwarf2Section& section);
+
+/// 2. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second
 /// family.
 void DemangleNames(VDwarf2Section& section);
-
-/// 2. Turns the references of all nodes into links.
-void ResolveAllReferences(VDwarf2Section& section);
 
 /// 3. Groups types by their type texts: declarations get their definition, and of several equal
 /// definitions the largest represents all.

@@ -7,8 +7,6 @@
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
 
-#include <cstddef>
-#include <span>
 #include <string>
 #include <unordered_map>
 
@@ -16,19 +14,13 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Of parameters there are more than of all other entries, and their sizes are never delivered.
-/// Only an entry that names one as its type asks for them.
-bool IsParameter(dwarf_tag tag) {
-    return tag == DW_TAG_formal_parameter || tag == DW_TAG_template_type_param;
-}
-
 } // namespace
 
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
     tag_alignment.clear();
-    DemangleNames(*this);
     ResolveAllReferences(*this);
+    DemangleNames(*this);
     GroupTypesOfSameName(*this);
     BreakAllReferenceCycles(*this);
     UnifyCompileUnits(*this);
@@ -40,9 +32,9 @@ bool VDwarf2Section::ResolveNodes() {
 }
 
 void ResolveAllReferences(VDwarf2Section& section) {
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        node->ResolveReferences(section.mDieNodes);
-    }
+    const auto resolve = [&](VDebugInfoNode& node) { node.ResolveReferences(section.mDieNodes); };
+    ForEachWantedNode(section, resolve);
+    section.mDieNodes.ForEachReferredParameter(resolve);
 }
 
 void BreakAllReferenceCycles(VDwarf2Section& section) {
@@ -53,14 +45,9 @@ void BreakAllReferenceCycles(VDwarf2Section& section) {
 }
 
 void ResolveAllSizes(VDwarf2Section& section) {
-    const bool isForDump = VElfOptions::mDumpDebugInfoNodes != 0;
-    const std::span<const VDieNodeMap::Link> nodes = section.mDieNodes.InOffsetOrder();
-    for (std::size_t place = 0; place < nodes.size(); ++place) {
-        VDebugInfoNode& node = *nodes[place];
-        if (isForDump || !IsParameter(node.GetTag()) || section.mDieNodes.IsReferred(place)) {
-            node.ResolveSizes(section.mDieNodes, section);
-        }
-    }
+    ForEachWantedNode(section, [&](VDebugInfoNode& node) {
+        node.ResolveSizes(section.mDieNodes, section);
+    });
 }
 
 void UnifyCompileUnits(VDwarf2Section& section) {

@@ -113,6 +113,11 @@ public:
     /// Section offset of the entry.
     [[nodiscard]] std::uint32_t GetOffset() const { return mOffset; }
     [[nodiscard]] VCompileUnitHeader* GetCompileUnitHeader() const { return mCompileUnitHeader; }
+    /// True for a parameter of a function that tells no more than its name and type.
+    [[nodiscard]] bool IsPlainParameter() const {
+        return mTag == DW_TAG_formal_parameter && mExtras == nullptr && mParent != nullptr &&
+               mParent->mTag == DW_TAG_subprogram;
+    }
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
     [[nodiscard]] std::int32_t GetTagRecord() const { return mTagRecord; }
     /// Running number of the node in the process.

@@ -54,6 +54,7 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
         mPlaces[static_cast<std::size_t>(group)].push_back(place);
     }
     mNodes.emplace_back(node);
+    mIsPlainParameter.push_back(node->IsPlainParameter());
 }
 
 VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
@@ -69,7 +70,12 @@ VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
     }
     const auto before = static_cast<std::size_t>(std::popcount(starts & (own - 1)));
     const std::size_t place = mFirstInStretch[stretch] + before;
-    mIsReferred[place] = true;
+    if (!mIsReferred[place]) {
+        mIsReferred[place] = true;
+        if (mIsPlainParameter[place]) {
+            mReferredParameters.push_back(static_cast<std::uint32_t>(place));
+        }
+    }
     return mNodes[place];
 }
 
@@ -103,6 +109,7 @@ void VDieNodeMap::MergeOutOfOrder() const {
     mEntryStarts.clear();
     mFirstInStretch.clear();
     mPlaces = {};
+    mIsPlainParameter.clear();
     auto late = mOutOfOrder.cbegin();
     for (VDebugInfoNode* node : inOrder) {
         for (; late != mOutOfOrder.cend() && late->first < node->GetOffset(); ++late) {

@@ -3,6 +3,7 @@
 // offset order.
 #pragma once
 
+#include "core/Prefetch.h"
 #include "nodes/VNodeArena.h"
 
 #include <array>
@@ -61,22 +62,56 @@ public:
     /// `Insert`.
     [[nodiscard]] std::span<const std::uint32_t> PlacesOf(NodeGroup group) const;
 
+    /// Asks for the memory of the node at a place of `InOffsetOrder`, for walks that come to it
+    /// `kNodesAhead` nodes later.
+    void Prefetch(std::size_t place) const {
+        if (place < mNodes.size()) {
+            Brindle::Prefetch(mNodes[place].Get());
+        }
+    }
+    static constexpr std::size_t kNodesAhead = 16;
+
     /// Calls `visit` with each node of a group, in ascending order of their offsets.
     template <typename Visitor>
     void ForEachOf(NodeGroup group, Visitor&& visit) const {
-        for (const std::uint32_t place : PlacesOf(group)) {
-            visit(*mNodes[place]);
+        const std::span<const std::uint32_t> places = PlacesOf(group);
+        for (std::size_t index = 0; index < places.size(); ++index) {
+            if (index + kNodesAhead < places.size()) {
+                Prefetch(places[index + kNodesAhead]);
+            }
+            visit(*mNodes[places[index]]);
         }
     }
 
-    /// True if the node at a place of `InOffsetOrder` is known to be referred to.
-    [[nodiscard]] bool IsReferred(std::size_t place) const { return mIsReferred[place]; }
+    /// Calls `visit` with each node but the plain parameters that nothing is known to refer to, in
+    /// ascending order of their offsets. Of parameters there are more than of any other entries,
+    /// and nobody asks for them but who refers to them.
+    template <typename Visitor>
+    void ForEachWanted(Visitor&& visit) const {
+        Settle();
+        for (std::size_t place = 0; place < mNodes.size(); ++place) {
+            Prefetch(place + kNodesAhead);
+            if (!mIsPlainParameter[place] || mIsReferred[place]) {
+                visit(*mNodes[place]);
+            }
+        }
+    }
+
+    /// Calls `visit` with each plain parameter that is known to be referred to, those included that
+    /// become known on the way, in the order in which they became so.
+    template <typename Visitor>
+    void ForEachReferredParameter(Visitor&& visit) const {
+        for (std::size_t index = 0; index < mReferredParameters.size(); ++index) {
+            visit(*mNodes[mReferredParameters[index]]);
+        }
+    }
 
     /// Calls `visit` with each node that is known to be referred to, in ascending order of their
     /// offsets.
     template <typename Visitor>
     void ForEachReferred(Visitor&& visit) const {
         for (std::size_t place = 0; place < mIsReferred.size(); ++place) {
+            Prefetch(place + kNodesAhead);
             if (mIsReferred[place]) {
                 visit(*mNodes[place]);
             }
@@ -99,7 +134,9 @@ private:
     mutable std::vector<std::uint32_t> mFirstInStretch;
     mutable std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>
         mPlaces;
+    mutable std::vector<bool> mIsPlainParameter;
     mutable std::vector<bool> mIsReferred;
+    mutable std::vector<std::uint32_t> mReferredParameters;
     mutable bool mIsSettled = false;
     std::int64_t mLastOffset = -1;
 };
