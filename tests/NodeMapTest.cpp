@@ -16,7 +16,8 @@ namespace {
 class NodeMapTest : public testing::Test {
 protected:
     VDebugInfoNode* Insert(dwarf_tag tag, std::uint32_t offset) {
-        auto* node = mArena.Create<VDebugInfoNodeGeneral>(tag, offset, nullptr, nullptr, "");
+        auto* node =
+            mArena.Create<VDebugInfoNodeGeneral>(tag, offset, nullptr, nullptr, VNodeText());
         mMap.Insert(offset, node);
         return node;
     }

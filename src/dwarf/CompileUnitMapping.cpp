@@ -195,6 +195,7 @@ private:
         mPosition = mPreviousStart + static_cast<std::int64_t>(total);
         LogUnit(unit, length);
         unit.mIndex = static_cast<std::uint32_t>(mSection.mCompileUnits.size());
+        unit.mDebugStr = mSection.mDebugStr.data();
         mSection.mCompileUnits.push_back(mSection.mArena.Create<VCompileUnitHeader>(unit));
     }
 

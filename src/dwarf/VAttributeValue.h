@@ -49,8 +49,30 @@ private:
         , mFlags(flags) {}
 };
 
+/// What an attribute value of a debug entry is, to keep it with its 32 bits in little room.
+enum class VAttributeKind : std::uint8_t { Undefined, Integer, Reference };
+
+constexpr VAttributeKind KindOf(const VAttributeValue& value) {
+    if (!value.IsDefined()) {
+        return VAttributeKind::Undefined;
+    }
+    return value.IsReference() ? VAttributeKind::Reference : VAttributeKind::Integer;
+}
+
+constexpr VAttributeValue ValueOf(VAttributeKind kind, std::uint32_t value) {
+    switch (kind) {
+    case VAttributeKind::Integer:
+        return VAttributeValue::Integer(value);
+    case VAttributeKind::Reference:
+        return VAttributeValue::Reference(value);
+    case VAttributeKind::Undefined:
+        break;
+    }
+    return {};
+}
+
 /// Characters of a name as read; what lies behind is cut.
-constexpr std::size_t sMaximumNameLength = 2047;
+constexpr std::uint32_t sMaximumNameLength = 2047;
 
 /// A text that may be absent. The bytes belong to whoever made the value: the unit, the string
 /// section or the node tree.
@@ -59,21 +81,20 @@ struct VAttributeString {
     bool mDefined = false;
 };
 
-/// A text that may be absent, as it is kept in the node tree: terminated, and measured beforehand
-/// or when it is asked for. Most are never asked for.
-struct VKeptText {
-    static constexpr std::uint32_t kUnmeasured = UINT32_MAX;
+/// A text of the entry that is being read. It is measured only where it may be long: most are never
+/// looked at.
+struct VDieText {
+    static constexpr std::uint32_t kWhole = UINT32_MAX;
 
-    [[nodiscard]] VAttributeString Get() const {
-        return {mLength == kUnmeasured ? std::string_view(mStart)
-                                       : std::string_view(mStart, mLength),
-                mDefined};
+    [[nodiscard]] std::string_view Get() const {
+        return mLength == kWhole ? std::string_view(mStart) : std::string_view(mStart, mLength);
     }
 
+    /// Terminated. Lives in the unit's bytes, in `.debug_str`, in the arena of the tree or for
+    /// ever.
     const char* mStart = "";
-    /// `kUnmeasured` for a text that is known to be short.
-    std::uint32_t mLength = 0;
-    bool mDefined = false;
+    /// Characters that count, `kWhole` for all of them.
+    std::uint32_t mLength = kWhole;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -26,6 +26,8 @@ struct VCompileUnitHeader {
     std::uint32_t mAbbrevOffset = 0;
     /// Place in the list of units, from 0.
     std::uint32_t mIndex = 0;
+    /// Start of `.debug_str`, null if there is none.
+    const char* mDebugStr = nullptr;
     /// The node whose host object stands for this unit; null until it is delivered.
     VDebugInfoNode* mCompileUnitNode = nullptr;
 };

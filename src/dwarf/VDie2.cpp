@@ -13,15 +13,16 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <string>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr std::size_t sMaximumPathLength = 2047;
 constexpr std::size_t sMaximumProducerLength = 1024;
 constexpr std::size_t sMaximumUnitNameLength = 79;
+constexpr std::uint32_t sNoLimit = std::numeric_limits<std::uint32_t>::max();
 
 /// Attributes of a unit: this many a byte and a few more. Attributes that take no bytes could else
 /// make a small unit a long work.
@@ -275,7 +276,10 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         mTypeRefIsSectionOffset = attribute.mForm == DW_FORM_ref_addr;
         break;
     case AttributeTarget::LinkageName:
-        mLinkageName = mSection->MeasureLater(value.mString);
+        mHasLinkageName = true;
+        if (value.mString != nullptr) {
+            mLinkageName = mSection->AllowText(value.mString, sNoLimit);
+        }
         break;
     default:
         break;
@@ -284,20 +288,20 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
 
 void VDie2::StoreName(const char* name) {
     mHasName = true;
-    mName = name != nullptr ? mSection->AllowName(name) : "unknown";
+    mName = name != nullptr ? mSection->AllowText(name, sMaximumNameLength) : VDieText{"unknown"};
     if (name != nullptr && mTag == DW_TAG_compile_unit) {
         ShortenUnitName();
     }
 }
 
 void VDie2::ShortenUnitName() {
-    const std::string_view path = CutText(mName, sMaximumPathLength);
+    const std::string_view path = mName.Get();
     // Without a separator, npos + 1 is the start of the text.
     std::string_view last = path.substr(path.find_last_of("/\\") + 1);
     last.remove_prefix(last.size() - std::min(last.size(), sMaximumUnitNameLength));
     std::string name(last);
     std::ranges::replace(name, '.', '_');
-    mName = mSection->mArena.KeepText(name);
+    mName = {mSection->mArena.KeepText(name)};
 }
 
 void VDie2::StoreProducer(const char* producer) {

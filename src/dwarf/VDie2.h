@@ -35,6 +35,7 @@ struct VDieAttributes {
     bool mTypeRefIsSectionOffset = false;
     bool mIsRegisterOrStackLocation = false;
     bool mHasName = false;
+    bool mHasLinkageName = false;
     bool mBitFieldFromLocation = false;
     bool mHasEncoding = false;
     bool mHasByteSize = false;
@@ -48,10 +49,9 @@ struct VDieAttributes {
     std::uint32_t mBitSize = 0;
     std::uint32_t mByteSize = 0;
     std::uint32_t mEncoding = 0;
-    /// Terminated; of it the first `sMaximumNameLength` characters count. Lives in the unit's
-    /// bytes, in `.debug_str`, in the arena of the tree or for ever. Never null.
-    const char* mName = "";
-    VKeptText mLinkageName;
+    /// At most `sMaximumNameLength` characters.
+    VDieText mName;
+    VDieText mLinkageName;
     VAttributeString mCompDir;
     /// At most 1024 characters.
     VAttributeString mProducer;

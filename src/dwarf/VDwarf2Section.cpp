@@ -140,40 +140,28 @@ void VDwarf2Section::AutodetectReferenceWidth(const std::string& producer,
     }
 }
 
-const char* VDwarf2Section::KeepText(const char* text, std::size_t limit) {
-    return IsInDebugStr(text) ? text : mArena.KeepText(CutText(text, limit));
+VNodeText VDwarf2Section::KeepText(const VDieText& text) {
+    if (text.mLength != VDieText::kWhole || !IsInDebugStr(text.mStart)) {
+        return CopyText(text.Get());
+    }
+    return VNodeText::AtOffset(static_cast<std::uint32_t>(text.mStart - mDebugStr.data()));
+}
+
+VNodeText VDwarf2Section::CopyText(std::string_view text) {
+    return text.empty() ? VNodeText() : VNodeText::InArena(mArena.KeepText(text));
 }
 
 std::string_view VDwarf2Section::KeepText(std::string_view text) {
     return IsInDebugStr(text.data()) ? text : std::string_view(mArena.KeepText(text), text.size());
 }
 
-const char* VDwarf2Section::AllowName(const char* name) {
-    if (IsShortText(name)) {
-        return name;
-    }
-    const std::string_view allowed = mLongTexts.Cut(name, sMaximumNameLength);
-    const bool isWhole = allowed.size() == sMaximumNameLength || name[allowed.size()] == '\0';
-    return isWhole ? name : mArena.KeepText(allowed);
-}
-
-VKeptText VDwarf2Section::MeasureLater(const char* text) {
-    if (text == nullptr) {
-        return {.mDefined = true};
-    }
+VDieText VDwarf2Section::AllowText(const char* text, std::uint32_t limit) {
     if (IsShortText(text)) {
-        return {text, VKeptText::kUnmeasured, true};
+        return {text};
     }
-    const std::string_view measured = MeasureText(text);
-    return {measured.data(), static_cast<std::uint32_t>(measured.size()), true};
-}
-
-VKeptText VDwarf2Section::KeepText(const VKeptText& text) {
-    if (text.mLength == VKeptText::kUnmeasured || !text.mDefined) {
-        return text;
-    }
-    const std::string_view kept = KeepText(std::string_view(text.mStart, text.mLength));
-    return {kept.data(), text.mLength, true};
+    const std::string_view allowed = mLongTexts.Cut(text, limit);
+    const bool isWhole = text[allowed.size()] == '\0';
+    return {text, isWhole ? VDieText::kWhole : static_cast<std::uint32_t>(allowed.size())};
 }
 
 std::string_view VDwarf2Section::MeasureText(const char* text) {

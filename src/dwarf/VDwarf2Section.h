@@ -11,6 +11,7 @@
 #include "dwarf/VCompileUnitHeader.h"
 #include "nodes/VDieNodeMap.h"
 #include "nodes/VNodeArena.h"
+#include "nodes/VNodeText.h"
 
 #include <array>
 #include <cstddef>
@@ -88,20 +89,18 @@ public:
                               reinterpret_cast<std::uintptr_t>(mDebugStr.data());
         return distance < mDebugStr.size();
     }
-    /// A terminated text that lives as long as the tree: the text itself if it lies in
-    /// `.debug_str`, else a copy of its first `limit` characters.
-    const char* KeepText(const char* text, std::size_t limit);
+    /// A text of an entry so that it lives as long as the tree: the text itself where all of it
+    /// counts and it lies in `.debug_str`, else a copy.
+    VNodeText KeepText(const VDieText& text);
     /// The same for a text of known length. What is copied is terminated.
     std::string_view KeepText(std::string_view text);
-    /// The name of an entry, which is a terminated text. Long ones of `.debug_str` are cut when
-    /// the file has far too many of them.
-    const char* AllowName(const char* name);
-    /// All of a terminated text; long texts are cut when a file has far too many of them.
+    /// A copy of a text that lives as long as the tree.
+    VNodeText CopyText(std::string_view text);
+    /// The first `limit` characters of a terminated text; less of long texts when a file has far
+    /// too many of them.
+    VDieText AllowText(const char* text, std::uint32_t limit);
+    /// All of a terminated text, measured; long texts are cut as those of `AllowText` are.
     std::string_view MeasureText(const char* text);
-    /// A terminated text, or null, as an attribute that is measured now only if it has to be.
-    VKeptText MeasureLater(const char* text);
-    /// The same text so that it lives as long as the tree.
-    VKeptText KeepText(const VKeptText& text);
 
     /// @}
     /// @name Resolution and delivery

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,46 +39,44 @@ public:
     void Demangle(VDebugInfoNode& node) {
         const char* name = node.GetNameStart();
         const bool isShared = !mOptions.mIsTaskingProducer && mSection.IsInDebugStr(name);
-        const char* demangled = isShared ? DemangleShared(node, name) : DemangleName(node);
-        if (demangled != nullptr) {
-            node.SetName(demangled);
+        if (const auto demangled = isShared ? DemangleShared(node, name) : DemangleName(node)) {
+            node.SetName(*demangled);
         }
     }
 
 private:
-    const char* DemangleShared(const VDebugInfoNode& node, const char* name) {
+    std::optional<VNodeText> DemangleShared(const VDebugInfoNode& node, const char* name) {
         const auto offset = static_cast<std::size_t>(name - mSection.mDebugStr.data());
         if (mStaysAsItIs[offset]) {
-            return nullptr;
+            return std::nullopt;
         }
         if (const auto known = mDemangled.find(name); known != mDemangled.end()) {
             return known->second;
         }
-        const char* demangled = DemangleName(node);
-        if (demangled != nullptr) {
-            mDemangled.emplace(name, demangled);
+        const std::optional<VNodeText> demangled = DemangleName(node);
+        if (demangled) {
+            mDemangled.emplace(name, *demangled);
         } else {
             mStaysAsItIs[offset] = true;
         }
         return demangled;
     }
 
-    /// The new name, null if the name stays.
-    const char* DemangleName(const VDebugInfoNode& node) {
+    /// The new name, none if the name stays.
+    std::optional<VNodeText> DemangleName(const VDebugInfoNode& node) {
         const std::string_view name = node.GetName();
         bool isDemangled = false;
         const bool isWritten =
             DWARF::DemangleName(mBuffer, sMaximumNameLength, name.data(),
                                 static_cast<int>(name.size()), isDemangled, mOptions);
-        return isWritten && isDemangled ? mSection.KeepText(std::string_view(mBuffer)).data()
-                                        : nullptr;
+        return isWritten && isDemangled ? std::optional(mSection.CopyText(mBuffer)) : std::nullopt;
     }
 
     VDwarf2Section& mSection;
     VDemanglingOptions mOptions;
     char mBuffer[sMaximumNameLength + 1] = {};
     std::vector<bool> mStaysAsItIs;
-    std::unordered_map<const char*, const char*> mDemangled;
+    std::unordered_map<const char*, VNodeText> mDemangled;
 };
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -128,11 +129,11 @@ private:
 
     [[nodiscard]] Candidates FindCandidates(const Group& group) const {
         Candidates candidates;
-        const char* name = nullptr;
+        std::optional<VNodeText> name;
         ForEachNode(group, [&](VDebugInfoNode& node) {
             if (node.HasTemplateParameters()) {
-                name = name != nullptr ? name : mSection.KeepText(group.key).data();
-                node.SetName(name);
+                name = name ? name : mSection.CopyText(group.key);
+                node.SetName(*name);
             }
             if (node.IsDeclaration()) {
                 candidates.hasDeclaration = true;

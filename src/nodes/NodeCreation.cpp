@@ -1,7 +1,6 @@
 // From the decoded entry to its node: which class a tag gets, and what is done at once when a node
 // is made. No entry goes without a node; what has no class of its own becomes a general one.
 #include "container/VElfFile.h"
-#include "core/CutText.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
@@ -31,8 +30,8 @@ bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header) {
         mSection->mReader->SetProgressValue(static_cast<std::int32_t>(mOffset));
     }
     if (mTag == DW_TAG_variable && mLocationAddress != 0) {
-        const Elf32_Sym* symbol = mSection->mElfFile->FindSymbolByAddress(
-            mLocationAddress, CutText(mName, sMaximumNameLength));
+        const Elf32_Sym* symbol =
+            mSection->mElfFile->FindSymbolByAddress(mLocationAddress, mName.Get());
         mIsExternal = mIsExternal || (symbol != nullptr && (symbol->st_info & sGlobalBinding) != 0);
     }
     mNode = CreateNodeByTag(header);
@@ -45,7 +44,7 @@ VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
     VNodeArena& arena = mSection->mArena;
     VDebugInfoNode* parent = mOpenNodes.empty() ? nullptr : mOpenNodes.back();
     const auto plain = [&]<typename Node>() { return arena.Create<Node>(mOffset, header, parent); };
-    const auto name = [&] { return mSection->KeepText(mName, sMaximumNameLength); };
+    const auto name = [&] { return mSection->KeepText(mName); };
     const auto named = [&]<typename Node>() {
         return arena.Create<Node>(mOffset, header, parent, name());
     };

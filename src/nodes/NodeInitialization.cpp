@@ -16,7 +16,7 @@ bool HasStorage(const VDie2& die) {
 }
 
 bool HasExtras(const VDie2& die) {
-    return HasStorage(die) || die.mSpecification.IsDefined() || die.mLinkageName.mDefined ||
+    return HasStorage(die) || die.mSpecification.IsDefined() || die.mHasLinkageName ||
            die.mAccessibility.IsDefined();
 }
 
@@ -38,15 +38,19 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
                                ? section.UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
                                : die.mTypeRef;
     if (HasExtras(die)) {
-        mExtras = &MakeExtras(die, section);
+        mAside = &MakeExtras(die, section);
+        mHasExtras = true;
     }
 }
 
 VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& section) {
     auto* extras = section.mArena.Create<VNodeExtras>();
+    extras->mHasLinkageName = die.mHasLinkageName;
     extras->mLinkageName = section.KeepText(die.mLinkageName);
-    extras->mSpecification = VNarrowValue(die.mSpecification);
-    extras->mAccessibility = VNarrowValue(die.mAccessibility);
+    extras->mSpecification = static_cast<std::uint32_t>(die.mSpecification.mValue);
+    extras->mSpecificationKind = KindOf(die.mSpecification);
+    extras->mAccessibility = static_cast<std::uint32_t>(die.mAccessibility.mValue);
+    extras->mAccessibilityKind = KindOf(die.mAccessibility);
     if (HasStorage(die)) {
         extras->mStorage = section.mArena.Create<VNodeStorage>(
             VNodeStorage{die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding});

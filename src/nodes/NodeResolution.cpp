@@ -72,12 +72,12 @@ void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
             ClearType();
         }
     }
-    if (mExtras != nullptr) {
-        if (VDebugInfoNode* specification = FindReferred(mExtras->mSpecification.Get(), nodes)) {
-            mExtras->mSpecificationNode = specification;
-        }
-        if (mExtras->mSpecificationNode == this) {
+    if (mHasExtras) {
+        VDebugInfoNode* specification = FindReferred(GetSpecificationAttribute(), nodes);
+        if (specification == this) {
             ClearSpecification();
+        } else if (specification != nullptr) {
+            SetSpecificationNode(*specification);
         }
     }
 }

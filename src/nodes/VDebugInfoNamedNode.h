@@ -8,13 +8,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// A node with the name of its debug entry. Nodes of other classes ignore it.
 class VDebugInfoNamedNode : public VDebugInfoNode {
 public:
-    /// @param name terminated text that lives as long as the tree; null gives an empty name
     VDebugInfoNamedNode(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                        VDebugInfoNode* parent, const char* name)
+                        VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNode(tag, sectionOffset, header, parent) {
-        if (name != nullptr) {
-            StoreName(name);
-        }
+        StoreName(name);
     }
 };
 
@@ -34,7 +31,7 @@ private:
 class VDebugInfoNodeTypeDefinition final : public VDebugInfoGroupedTypeNode {
 public:
     VDebugInfoNodeTypeDefinition(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                                 VDebugInfoNode* parent, const char* name)
+                                 VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoGroupedTypeNode(DW_TAG_typedef, sectionOffset, header, parent, name) {}
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-typedef>"; }
 };
@@ -44,7 +41,7 @@ public:
     class Class final : public VDebugInfoNamedNode {                                               \
     public:                                                                                        \
         Class(std::uint32_t sectionOffset, VCompileUnitHeader* header, VDebugInfoNode* parent,     \
-              const char* name)                                                                    \
+              VNodeText name)                                                                      \
             : VDebugInfoNamedNode(tag, sectionOffset, header, parent, name) {}                     \
         [[nodiscard]] const char* GetDefaultName() const override { return defaultName; }          \
     }
@@ -61,7 +58,7 @@ BRINDLE_PLAIN_NAMED_NODE(VDebugInfoNodeClassTemplate, DW_TAG_class_template,
 class VDebugInfoNodeEnumType final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeEnumType(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                           VDebugInfoNode* parent, const char* name)
+                           VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNamedNode(DW_TAG_enumeration_type, sectionOffset, header, parent, name) {}
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-enum>"; }
     bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs, ObjectId& id,
@@ -82,7 +79,7 @@ public:
 class VDebugInfoNodeOfWideTag final : public VDebugInfoNodeGeneral {
 public:
     VDebugInfoNodeOfWideTag(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                            VDebugInfoNode* parent, const char* name)
+                            VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNodeGeneral(tag, sectionOffset, header, parent, name)
         , mWideTag(tag) {}
 

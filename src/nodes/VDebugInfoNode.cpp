@@ -1,7 +1,5 @@
 #include "nodes/VDebugInfoNode.h"
 
-#include "core/CutText.h"
-
 #include <algorithm>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -56,8 +54,8 @@ VDebugInfoNode* VDebugInfoNode::TakeNext(VDebugInfoNode*& chain) {
 }
 
 bool VDebugInfoNode::NormalizeEncoding() {
-    if (HasEncoding() && mExtras->mStorage->mEncoding == DW_ATE_address) {
-        mExtras->mStorage->mEncoding = DW_ATE_signed;
+    if (HasEncoding() && GetEncoding() == DW_ATE_address) {
+        GetStorage()->mEncoding = DW_ATE_signed;
         if (!HasByteSize()) {
             mHasByteSize = mCompileUnitHeader->mTargetAddressSize != 0;
         }
@@ -80,19 +78,10 @@ void VDebugInfoNode::ConvertBitOffset() {
     }
 }
 
-std::string_view VDebugInfoNode::GetName() const {
-    return mHasUncutName ? std::string_view(mName) : CutText(mName, sMaximumNameLength);
-}
-
-void VDebugInfoNode::SetName(const char* text) {
-    mName = text;
-    mHasUncutName = true;
-}
-
 void VDebugInfoNode::GetEntryName(std::string_view& out, VDwarf2Section& /*section*/) {
     VDebugInfoNode* node = this;
     for (int link = 0; link < sMaximumChainLength; ++link) {
-        if (node->mHasNameAttribute && *node->mName != '\0') {
+        if (node->mHasNameAttribute && node->GetNameOrNull() != nullptr) {
             out = node->GetName();
             return;
         }
@@ -112,11 +101,13 @@ void VDebugInfoNode::GetEntryName(std::string_view& out, VDwarf2Section& /*secti
 }
 
 std::string_view VDebugInfoNode::GetNameOrAnonymous() const {
-    return *mName != '\0' ? GetName() : "<anonymous>";
+    const std::string_view name = GetName();
+    return !name.empty() ? name : "<anonymous>";
 }
 
 const char* VDebugInfoNode::GetNameOrNull() const {
-    return *mName != '\0' ? mName : nullptr;
+    const char* name = GetNameStart();
+    return *name != '\0' ? name : nullptr;
 }
 
 /// The subprogram or outer block that numbers this one, null if there is none.
@@ -142,27 +133,40 @@ void VDebugInfoNode::GetLexicalBlockName(std::string& out) {
 }
 
 VAttributeString VDebugInfoNode::GetLinkageNameAttribute() const {
-    return mExtras != nullptr ? mExtras->mLinkageName.Get() : VAttributeString{};
+    const VNodeExtras* extras = GetExtras();
+    return extras != nullptr && extras->mHasLinkageName
+               ? VAttributeString{extras->mLinkageName.Get(mCompileUnitHeader->mDebugStr), true}
+               : VAttributeString{};
 }
 
 VAttributeValue VDebugInfoNode::GetSpecificationAttribute() const {
-    return mExtras != nullptr ? mExtras->mSpecification.Get() : VAttributeValue{};
+    const VNodeExtras* extras = GetExtras();
+    if (extras == nullptr) {
+        return {};
+    }
+    return extras->mIsSpecificationResolved
+               ? VAttributeValue::Reference(extras->mSpecificationNode->mOffset)
+               : ValueOf(extras->mSpecificationKind, extras->mSpecification);
 }
 
 VAttributeValue VDebugInfoNode::GetAccessibilityAttribute() const {
-    return mExtras != nullptr ? mExtras->mAccessibility.Get() : VAttributeValue{};
+    const VNodeExtras* extras = GetExtras();
+    return extras != nullptr ? ValueOf(extras->mAccessibilityKind, extras->mAccessibility)
+                             : VAttributeValue{};
 }
 
-void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode* node) {
-    if (mExtras != nullptr) {
-        mExtras->mSpecificationNode = node;
+void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode& node) {
+    if (VNodeExtras* extras = GetExtras()) {
+        std::construct_at(&extras->mSpecificationNode, &node);
+        extras->mIsSpecificationResolved = true;
     }
 }
 
 void VDebugInfoNode::ClearSpecification() {
-    if (mExtras != nullptr) {
-        mExtras->mSpecification = {};
-        mExtras->mSpecificationNode = nullptr;
+    if (VNodeExtras* extras = GetExtras()) {
+        extras->mSpecification = 0;
+        extras->mSpecificationKind = VAttributeKind::Undefined;
+        extras->mIsSpecificationResolved = false;
     }
 }
 
@@ -215,14 +219,14 @@ std::uint32_t VDebugInfoNode::GetBitSize() const {
 }
 
 void VDebugInfoNode::SetBitOffset(std::uint32_t bitOffset) {
-    if (GetStorage() != nullptr) {
-        mExtras->mStorage->mBitOffset = bitOffset;
+    if (VNodeStorage* storage = GetStorage()) {
+        storage->mBitOffset = bitOffset;
     }
 }
 
 void VDebugInfoNode::SetBitSize(std::uint32_t bitSize) {
-    if (GetStorage() != nullptr) {
-        mExtras->mStorage->mBitSize = bitSize;
+    if (VNodeStorage* storage = GetStorage()) {
+        storage->mBitSize = bitSize;
     }
 }
 

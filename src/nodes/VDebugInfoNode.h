@@ -8,6 +8,7 @@
 #include "dwarf/VAttributeValue.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "nodes/VNodeArena.h"
+#include "nodes/VNodeText.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -48,31 +49,29 @@ struct VNodeStorage {
     bool mHasEncoding = false;
 };
 
-/// An attribute value in small: those of debug entries fill 32 bits.
-struct VNarrowValue {
-    VNarrowValue() = default;
-    explicit VNarrowValue(const VAttributeValue& value)
-        : mValue(static_cast<std::uint32_t>(value.mValue))
-        , mFlags(value.mFlags) {}
-
-    [[nodiscard]] VAttributeValue Get() const {
-        VAttributeValue result;
-        result.mValue = mValue;
-        result.mFlags = mFlags;
-        return result;
-    }
-
-private:
-    std::uint32_t mValue = 0;
-    std::uint16_t mFlags = 0;
+/// The delivery of a node, of nodes that were asked for their object.
+struct VNodeDelivery {
+    ObjectId mObject = 0;
+    std::uint32_t mFrame : 30 = 0;
+    bool mIsRefused : 1 = false;
+    bool mIsDropped : 1 = false;
 };
 
-/// Attributes and links that few nodes have.
-struct VNodeExtras {
-    VKeptText mLinkageName;
-    VNarrowValue mSpecification;
-    VNarrowValue mAccessibility;
-    VNodeLink<class VDebugInfoNode> mSpecificationNode;
+/// Attributes that few nodes have, and the delivery of such a node.
+struct VNodeExtras : VNodeDelivery {
+    VNodeExtras() {}
+
+    bool mHasLinkageName = false;
+    bool mIsSpecificationResolved = false;
+    VAttributeKind mSpecificationKind = VAttributeKind::Undefined;
+    VAttributeKind mAccessibilityKind = VAttributeKind::Undefined;
+    VNodeText mLinkageName;
+    /// Value of the specification attribute, once its entry is found that entry itself.
+    union {
+        std::uint32_t mSpecification = 0;
+        VNodeLink<class VDebugInfoNode> mSpecificationNode;
+    };
+    std::uint32_t mAccessibility = 0;
     VNodeLink<VNodeStorage> mStorage;
 };
 
@@ -80,14 +79,6 @@ struct VNodeExtras {
 struct VTypeGroupLinks {
     VNodeLink<class VDebugInfoNode> mDeclarationResolved;
     VNodeLink<class VDebugInfoNode> mCanonicalTypeNode;
-};
-
-/// The delivery of a node, of nodes that were asked for their object.
-struct VNodeDelivery {
-    ObjectId mObject = 0;
-    std::uint32_t mFrame = 0;
-    bool mIsRefused = false;
-    bool mIsDropped = false;
 };
 
 /// One debug entry.
@@ -115,7 +106,7 @@ public:
     [[nodiscard]] VCompileUnitHeader* GetCompileUnitHeader() const { return mCompileUnitHeader; }
     /// True for a parameter of a function that tells no more than its name and type.
     [[nodiscard]] bool IsPlainParameter() const {
-        return mTag == DW_TAG_formal_parameter && mExtras == nullptr && mParent != nullptr &&
+        return mTag == DW_TAG_formal_parameter && !mHasExtras && mParent != nullptr &&
                mParent->mTag == DW_TAG_subprogram;
     }
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
@@ -170,11 +161,13 @@ public:
     /// @name Names
     /// @{
 
-    [[nodiscard]] std::string_view GetName() const;
-    /// The terminated text that the name is read from, which is no cut copy of it.
-    [[nodiscard]] const char* GetNameStart() const { return mName; }
-    /// @param text terminated; has to live as long as the tree
-    void SetName(const char* text);
+    [[nodiscard]] std::string_view GetName() const { return GetNameStart(); }
+    /// The name's text, terminated.
+    [[nodiscard]] const char* GetNameStart() const {
+        const VCompileUnitHeader* header = mCompileUnitHeader;
+        return mName.Get(header != nullptr ? header->mDebugStr : nullptr);
+    }
+    void SetName(VNodeText text) { mName = text; }
     [[nodiscard]] bool HasNameAttribute() const { return mHasNameAttribute; }
     /// True if the name given to the host was made by the reader.
     [[nodiscard]] bool HasAnonymousName() const { return mHasAnonymousName; }
@@ -212,8 +205,9 @@ public:
     [[nodiscard]] VDebugInfoNode* GetSpecificationNode() const;
     /// The type, or the specification of a node without type; null if it has neither.
     [[nodiscard]] VDebugInfoNode* GetTypeOrSpecificationNode() const;
-    /// For nodes that have a specification attribute; no others keep the link.
-    void SetSpecificationNode(VDebugInfoNode* node);
+    /// The reference becomes one to this node. For nodes that have a specification attribute; no
+    /// others keep the link.
+    void SetSpecificationNode(VDebugInfoNode& node);
     /// Cuts the link to the specification, and the reference with it.
     void ClearSpecification();
     /// Cuts the link to the type, and the reference with it.
@@ -297,14 +291,15 @@ public:
 
     /// The host's object of this node, 0 until it is delivered.
     [[nodiscard]] ObjectId GetEntryObject() const {
-        return mDelivery != nullptr ? mDelivery->mObject : 0;
+        const VNodeDelivery* delivery = mAside;
+        return delivery != nullptr ? delivery->mObject : 0;
     }
     /// For nodes whose delivery has begun, as the other setters of the delivery are.
-    void SetEntryObject(ObjectId object) { mDelivery->mObject = object; }
+    void SetEntryObject(ObjectId object) { mAside->mObject = object; }
     /// Makes room for what is known of the delivery.
     void BeginDelivery(VNodeArena& arena) {
-        if (mDelivery == nullptr) {
-            mDelivery = arena.Create<VNodeDelivery>();
+        if (mAside == nullptr) {
+            mAside = arena.Create<VNodeDelivery>();
         }
     }
     /// True if the children look up to this node for their scope.
@@ -322,18 +317,24 @@ public:
                                    ObjectId& id, bool& alreadyRegistered);
     /// Place of the node's innermost delivery in progress, 0 if there is none.
     [[nodiscard]] std::uint32_t GetEmissionFrame() const {
-        return mDelivery != nullptr ? mDelivery->mFrame : 0;
+        const VNodeDelivery* delivery = mAside;
+        return delivery != nullptr ? delivery->mFrame : 0;
     }
-    void SetEmissionFrame(std::uint32_t frame) { mDelivery->mFrame = frame; }
+    void SetEmissionFrame(std::uint32_t frame) { mAside->mFrame = frame & kLargestFrame; }
+    static constexpr std::uint32_t kLargestFrame = (1U << 30U) - 1;
 
     /// True if the host gave no object when it was asked for one; it isn't asked again.
     [[nodiscard]] bool IsDeliveryRefused() const {
-        return mDelivery != nullptr && mDelivery->mIsRefused;
+        const VNodeDelivery* delivery = mAside;
+        return delivery != nullptr && delivery->mIsRefused;
     }
-    void SetDeliveryRefused() { mDelivery->mIsRefused = true; }
+    void SetDeliveryRefused() { mAside->mIsRefused = true; }
     /// True for a variable that the host has already from another node.
-    [[nodiscard]] bool IsDropped() const { return mDelivery != nullptr && mDelivery->mIsDropped; }
-    void SetDropped() { mDelivery->mIsDropped = true; }
+    [[nodiscard]] bool IsDropped() const {
+        const VNodeDelivery* delivery = mAside;
+        return delivery != nullptr && delivery->mIsDropped;
+    }
+    void SetDropped() { mAside->mIsDropped = true; }
 
     /// @}
     /// @name Dump for a person
@@ -368,7 +369,7 @@ protected:
     /// Takes the size of the type, which is settled by now.
     virtual void TakeByteSizeOfType(const VDebugInfoNode& type);
 
-    void StoreName(const char* text) { mName = text; }
+    void StoreName(VNodeText text) { mName = text; }
     /// Tags from this one on are kept by nodes of `VDebugInfoNodeOfWideTag`.
     static constexpr std::uint16_t kWideTag = 0xFFFF;
     [[nodiscard]] virtual dwarf_tag GetWideTag() const { return kWideTag; }
@@ -381,8 +382,15 @@ protected:
 
 private:
     VNodeExtras& MakeExtras(const VDie2& die, VDwarf2Section& section);
-    [[nodiscard]] const VNodeStorage* GetStorage() const {
-        return mExtras != nullptr ? mExtras->mStorage.Get() : nullptr;
+    [[nodiscard]] const VNodeExtras* GetExtras() const {
+        return mHasExtras ? static_cast<const VNodeExtras*>(mAside.Get()) : nullptr;
+    }
+    [[nodiscard]] VNodeExtras* GetExtras() {
+        return mHasExtras ? static_cast<VNodeExtras*>(mAside.Get()) : nullptr;
+    }
+    [[nodiscard]] VNodeStorage* GetStorage() const {
+        const VNodeExtras* extras = GetExtras();
+        return extras != nullptr ? extras->mStorage.Get() : nullptr;
     }
     void SettleByteSize(const VDieNodeMap& nodes, int nesting);
     void SettleByteSizeOfChain(const VDieNodeMap& nodes);
@@ -391,7 +399,7 @@ private:
 
     // There are millions of nodes: what not all of them need lies elsewhere, and no byte is left
     // unused.
-    const char* mName = "";
+    VNodeText mName;
     VNodeLink<VDebugInfoNode> mParent;
     /// The next child of the parent; of the last child the first.
     VNodeLink<VDebugInfoNode> mNextSibling;
@@ -401,8 +409,8 @@ private:
         std::uint32_t mTypeReferenceOffset = 0;
         VNodeLink<VDebugInfoNode> mTypeNode;
     };
-    VNodeLink<VNodeExtras> mExtras;
-    VNodeLink<VNodeDelivery> mDelivery;
+    /// The extras of the node, if it has any; else its delivery, once it begins.
+    VNodeLink<VNodeDelivery> mAside;
     VNodeLink<VCompileUnitHeader> mCompileUnitHeader;
     std::uint32_t mOffset;
     std::int32_t mByteSize = 0;
@@ -416,7 +424,7 @@ private:
     bool mByteSizeFromTypeReference : 1 = false;
     bool mHasNameAttribute : 1 = false;
     bool mHasAnonymousName : 1 = false;
-    bool mHasUncutName : 1 = false;
+    bool mHasExtras : 1 = false;
     bool mBitFieldFromLocation : 1 = false;
     bool mHasTemplateParameters : 1 = false;
     bool mIsDeclarationResolved : 1 = false;
@@ -424,7 +432,7 @@ private:
     WalkState mTypeWalkState : 2 = WalkState::Unseen;
     WalkState mSpecificationWalkState : 2 = WalkState::Unseen;
 };
-static_assert(sizeof(void*) != 8 || sizeof(VDebugInfoNode) == 64);
+static_assert(sizeof(void*) != 8 || sizeof(VDebugInfoNode) == 56);
 
 /// A view of the children of a node that ends with the next change of the list.
 class VDebugInfoNode::ChildRange {
@@ -491,8 +499,10 @@ inline VDebugInfoNode* VDebugInfoNode::GetTypeNode() const {
 }
 
 inline VDebugInfoNode* VDebugInfoNode::GetSpecificationNode() const {
-    const VNodeExtras* extras = mExtras;
-    return extras == nullptr ? nullptr : WithDefinition(extras->mSpecificationNode);
+    const VNodeExtras* extras = GetExtras();
+    return extras != nullptr && extras->mIsSpecificationResolved
+               ? WithDefinition(extras->mSpecificationNode)
+               : nullptr;
 }
 
 inline VDebugInfoNode* VDebugInfoNode::GetTypeOrSpecificationNode() const {

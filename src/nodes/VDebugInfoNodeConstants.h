@@ -9,7 +9,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VDebugInfoNodeEnumerator final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeEnumerator(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                             VDebugInfoNode* parent, const char* name,
+                             VDebugInfoNode* parent, VNodeText name,
                              const VAttributeValue& constValue)
         : VDebugInfoNamedNode(DW_TAG_enumerator, sectionOffset, header, parent, name)
         , mConstValue(constValue) {}
@@ -26,7 +26,7 @@ private:
 class VDebugInfoNodeTemplateValueParam final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeTemplateValueParam(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                                     VDebugInfoNode* parent, const char* name,
+                                     VDebugInfoNode* parent, VNodeText name,
                                      const VAttributeValue& constValue)
         : VDebugInfoNamedNode(DW_TAG_template_value_param, sectionOffset, header, parent, name)
         , mConstValue(constValue) {}

@@ -11,7 +11,7 @@ class VDebugInfoNodeCompileUnit final : public VDebugInfoNamedNode {
 public:
     /// @param producer lives as long as the tree
     VDebugInfoNodeCompileUnit(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                              const char* name, VAttributeString producer)
+                              VNodeText name, VAttributeString producer)
         : VDebugInfoNamedNode(DW_TAG_compile_unit, sectionOffset, header, nullptr, name)
         , mProducer(producer) {}
 
@@ -40,7 +40,7 @@ private:
 class VDebugInfoNodeNamespace final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeNamespace(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                            VDebugInfoNode* parent, const char* name)
+                            VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNamedNode(DW_TAG_namespace, sectionOffset, header, parent, name) {}
 
     [[nodiscard]] bool IsEntryScope() const override { return true; }
@@ -51,7 +51,7 @@ public:
 class VDebugInfoNodeSubprogram final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeSubprogram(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                             VDebugInfoNode* parent, const char* name)
+                             VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNamedNode(DW_TAG_subprogram, sectionOffset, header, parent, name) {}
 
     [[nodiscard]] bool IsEntryScope() const override { return true; }

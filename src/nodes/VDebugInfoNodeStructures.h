@@ -29,7 +29,7 @@ private:
 class VDebugInfoNodeClass final : public VDebugInfoNodeStructuresBase {
 public:
     VDebugInfoNodeClass(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                        VDebugInfoNode* parent, const char* name)
+                        VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNodeStructuresBase(DW_TAG_class_type, sectionOffset, header, parent, name) {}
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-class>"; }
 };
@@ -37,7 +37,7 @@ public:
 class VDebugInfoNodeStructure final : public VDebugInfoNodeStructuresBase {
 public:
     VDebugInfoNodeStructure(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                            VDebugInfoNode* parent, const char* name)
+                            VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNodeStructuresBase(DW_TAG_structure_type, sectionOffset, header, parent, name) {
     }
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-struct>"; }
@@ -47,7 +47,7 @@ public:
 class VDebugInfoNodeUnion final : public VDebugInfoGroupedTypeNode {
 public:
     VDebugInfoNodeUnion(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                        VDebugInfoNode* parent, const char* name)
+                        VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoGroupedTypeNode(DW_TAG_union_type, sectionOffset, header, parent, name) {}
 
     [[nodiscard]] bool IsEntryScope() const override { return true; }
@@ -59,7 +59,7 @@ public:
 class VDebugInfoNodeMember final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeMember(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                         VDebugInfoNode* parent, const char* name)
+                         VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNamedNode(DW_TAG_member, sectionOffset, header, parent, name) {}
 
     void InitFromDie(const VDie2& die, VDwarf2Section& section) override;

@@ -9,7 +9,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VDebugInfoNodeVariable final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeVariable(std::uint32_t sectionOffset, VCompileUnitHeader* header,
-                           VDebugInfoNode* parent, const char* name, std::uint64_t locationAddress)
+                           VDebugInfoNode* parent, VNodeText name, std::uint64_t locationAddress)
         : VDebugInfoNamedNode(DW_TAG_variable, sectionOffset, header, parent, name)
         , mLocationAddress(locationAddress) {}
 

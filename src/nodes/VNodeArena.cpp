@@ -1,15 +1,8 @@
 #include "nodes/VNodeArena.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
-
-namespace {
-
-constexpr std::size_t sTextChunkSize = std::size_t{256} * 1024;
-
-} // namespace
 
 VNodeArena::~VNodeArena() {
     for (const std::uint32_t number : mChunkNumbers) {
@@ -17,47 +10,49 @@ VNodeArena::~VNodeArena() {
     }
 }
 
-void VNodeArena::AddChunk() {
+VNodeArena::Space VNodeArena::TakeChunk() {
+    if (mUsedChunksOfSlab == kChunksPerSlab) {
+        AddSlab(kChunksPerSlab * kChunkSize);
+        mUsedChunksOfSlab = 0;
+        mLatestSlab = mSlabs.back().get();
+    }
+    const Space space = Register(mLatestSlab + mUsedChunksOfSlab * kChunkSize, kChunkSize);
+    ++mUsedChunksOfSlab;
+    return space;
+}
+
+/// Gives a chunk a number.
+VNodeArena::Space VNodeArena::Register(std::byte* chunk, std::size_t size) {
     const auto* const unused = std::ranges::find(sChunks, nullptr);
     if (unused == sChunks.end()) {
         throw std::bad_alloc();
     }
-    if (mUsedChunksOfSlab == kChunksPerSlab) {
-        AddSlab();
-    }
     const auto number = static_cast<std::uint32_t>(unused - sChunks.begin());
     mChunkNumbers.push_back(number);
-    std::byte* chunk = mSlabs.back().get() + mUsedChunksOfSlab++ * kChunkSize;
     sChunks[number] = chunk;
     new (chunk) ChunkHeader{number};
-    mNext = chunk + sizeof(ChunkHeader);
-    mEnd = chunk + kChunkSize;
+    return {chunk + sizeof(ChunkHeader), chunk + size};
 }
 
-void VNodeArena::AddSlab() {
-    std::unique_ptr<std::byte, SlabDeleter> slab(static_cast<std::byte*>(
-        ::operator new (kChunksPerSlab* kChunkSize, std::align_val_t{kChunkSize})));
+void VNodeArena::AddSlab(std::size_t size) {
+    std::unique_ptr<std::byte, SlabDeleter> slab(
+        static_cast<std::byte*>(::operator new (size, std::align_val_t{kChunkSize})));
     mSlabs.push_back(std::move(slab));
-    mUsedChunksOfSlab = 0;
+}
+
+/// For what doesn't fit a chunk: one of its own, of which the start is known by its number.
+void* VNodeArena::AllocateAlone(std::size_t size) {
+    AddSlab(sizeof(ChunkHeader) + size);
+    return Register(mSlabs.back().get(), sizeof(ChunkHeader) + size).next;
 }
 
 const char* VNodeArena::KeepText(std::string_view text) {
-    char* copy = AllocateText(text.size() + 1);
+    const std::size_t size = text.size() + 1;
+    auto* copy =
+        static_cast<char*>(size <= kLargestObject ? AllocateIn(mTexts, size) : AllocateAlone(size));
     text.copy(copy, text.size());
     copy[text.size()] = '\0';
     return copy;
-}
-
-char* VNodeArena::AllocateText(std::size_t size) {
-    if (size > sTextChunkSize / 4) {
-        return mTextChunks.emplace_back(std::make_unique<char[]>(size)).get();
-    }
-    if (static_cast<std::size_t>(mTextEnd - mNextText) < size) {
-        mNextText =
-            mTextChunks.emplace_back(std::make_unique_for_overwrite<char[]>(sTextChunkSize)).get();
-        mTextEnd = mNextText + sTextChunkSize;
-    }
-    return std::exchange(mNextText, mNextText + size);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

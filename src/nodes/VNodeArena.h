@@ -35,7 +35,7 @@ public:
     template <typename T, typename... Arguments>
     T* Create(Arguments&&... arguments) {
         static_assert(alignof(T) <= kAlignment);
-        static_assert(sizeof(T) <= kChunkSize / 2);
+        static_assert(sizeof(T) <= kLargestObject);
         return new (Allocate(sizeof(T))) T(std::forward<Arguments>(arguments)...);
     }
 
@@ -46,33 +46,56 @@ public:
 private:
     template <typename T>
     friend class VNodeLink;
+    friend class VNodeText;
 
     /// Chunks come from the system this many at a time; memory that isn't used yet costs nothing.
     static constexpr std::size_t kChunksPerSlab = 8;
     static constexpr std::size_t kMaximumChunkCount = std::size_t{1} << 15U;
     static constexpr unsigned kUnitBits = 17;
+    static constexpr std::size_t kLargestObject = kChunkSize / 2;
 
     /// Stands at the start of each chunk of objects.
     struct alignas(kAlignment) ChunkHeader {
         std::uint32_t number;
     };
 
-    void* Allocate(std::size_t size) {
+    /// What is left of a chunk.
+    struct Space {
+        std::byte* next = nullptr;
+        std::byte* end = nullptr;
+    };
+
+    void* Allocate(std::size_t size) { return AllocateIn(mObjects, size); }
+    void* AllocateIn(Space& space, std::size_t size) {
         const std::size_t rounded = (size + kAlignment - 1) & ~(kAlignment - 1);
-        if (static_cast<std::size_t>(mEnd - mNext) < rounded) {
-            AddChunk();
+        if (static_cast<std::size_t>(space.end - space.next) < rounded) {
+            space = TakeChunk();
         }
-        return std::exchange(mNext, mNext + rounded);
+        return std::exchange(space.next, space.next + rounded);
     }
-    char* AllocateText(std::size_t size);
-    void AddChunk();
-    void AddSlab();
+    void* AllocateAlone(std::size_t size);
+    Space TakeChunk();
+    Space Register(std::byte* chunk, std::size_t size);
+    void AddSlab(std::size_t size);
+
+    /// The number by which an object is known to the whole process; not 0.
+    static std::uint32_t NumberOf(const void* object) {
+        const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(object) & (kChunkSize - 1);
+        const std::byte* chunk = static_cast<const std::byte*>(object) - offset;
+        return (reinterpret_cast<const ChunkHeader*>(chunk)->number << kUnitBits) |
+               static_cast<std::uint32_t>(offset / kAlignment);
+    }
+    static std::byte* ObjectOf(std::uint32_t number) {
+        constexpr std::uint32_t unitMask = (1U << kUnitBits) - 1;
+        return sChunks[number >> kUnitBits] + std::size_t{number & unitMask} * kAlignment;
+    }
 
     /// The chunks of all arenas by their numbers.
     static inline std::array<std::byte*, kMaximumChunkCount> sChunks{};
 
-    std::byte* mNext = nullptr;
-    std::byte* mEnd = nullptr;
+    Space mObjects;
+    /// Texts lie apart, so that walks over objects don't pass them.
+    Space mTexts;
     struct SlabDeleter {
         void operator()(std::byte* slab) const {
             ::operator delete (slab, std::align_val_t{kChunkSize});
@@ -80,11 +103,9 @@ private:
     };
 
     std::vector<std::unique_ptr<std::byte, SlabDeleter>> mSlabs;
+    std::byte* mLatestSlab = nullptr;
     std::size_t mUsedChunksOfSlab = kChunksPerSlab;
     std::vector<std::uint32_t> mChunkNumbers;
-    char* mNextText = nullptr;
-    char* mTextEnd = nullptr;
-    std::vector<std::unique_ptr<char[]>> mTextChunks;
 };
 
 /// A pointer of 32 bits to an object that lies in an arena, or null. It halves the size of a tree
@@ -95,32 +116,17 @@ public:
     VNodeLink() = default;
     VNodeLink(T* object) { *this = object; }
     VNodeLink& operator=(T* object) {
-        mNumber = object == nullptr ? 0 : NumberOf(object);
+        mNumber = object == nullptr ? 0 : VNodeArena::NumberOf(object);
         return *this;
     }
 
     [[nodiscard]] T* Get() const {
-        if (mNumber == 0) {
-            return nullptr;
-        }
-        std::byte* chunk = VNodeArena::sChunks[mNumber >> VNodeArena::kUnitBits];
-        return reinterpret_cast<T*>(chunk + (mNumber & kUnitMask) * VNodeArena::kAlignment);
+        return mNumber == 0 ? nullptr : reinterpret_cast<T*>(VNodeArena::ObjectOf(mNumber));
     }
     operator T*() const { return Get(); }
     T* operator->() const { return Get(); }
 
 private:
-    static constexpr std::uint32_t kUnitMask = (1U << VNodeArena::kUnitBits) - 1;
-
-    static std::uint32_t NumberOf(T* object) {
-        const auto address = reinterpret_cast<std::uintptr_t>(object);
-        const std::uintptr_t offset = address & (VNodeArena::kChunkSize - 1);
-        const std::byte* chunk = reinterpret_cast<const std::byte*>(object) - offset;
-        const auto* header = reinterpret_cast<const VNodeArena::ChunkHeader*>(chunk);
-        return (header->number << VNodeArena::kUnitBits) |
-               static_cast<std::uint32_t>(offset / VNodeArena::kAlignment);
-    }
-
     std::uint32_t mNumber = 0;
 };
 
