@@ -189,7 +189,7 @@ ObjectId DataModel::CreateUnionEntryType(const std::string& unionName, std::uint
 
 bool DataModel::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
                              std::uint32_t byteOffset) {
-    if (!IsClass(mStore->At(objIdOfClass).kind)) {
+    if (!IsClass(mStore->KindOf(objIdOfClass))) {
         return false;
     }
     mStore->AddBaseClass(objIdOfClass, {.type = objIdOfBaseClass, .offset = byteOffset});

@@ -191,7 +191,7 @@ std::uint64_t DataModel::SizeOf(ObjectId id) const {
 
 ObjectId DataModel::WithoutTypedefs(ObjectId type) const {
     for (std::size_t length = 0; length < kLongestChain && mStore->Has(type); ++length) {
-        if (mStore->At(type).kind != ObjectKind::Typedef) {
+        if (mStore->KindOf(type) != ObjectKind::Typedef) {
             return type;
         }
         type = mStore->At(type).type;
@@ -233,15 +233,15 @@ ObjectId DataModel::CompileUnitOf(ObjectId id) const {
 }
 
 ObjectKind DataModel::KindOf(ObjectId id) const {
-    return mStore->At(id).kind;
+    return mStore->KindOf(id);
 }
 
 ObjectId DataModel::FirstIn(ObjectId scope) const {
-    return mStore->At(scope).firstChild;
+    return mStore->FirstIn(scope);
 }
 
 ObjectId DataModel::NextIn(ObjectId id) const {
-    return mStore->At(id).nextSibling;
+    return mStore->NextIn(id);
 }
 
 } // namespace Tessel::Norn::Brindle::DataModel

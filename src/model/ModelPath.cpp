@@ -165,8 +165,7 @@ private:
     ObjectId FindOwn(const Part& part, std::string_view text) {
         ObjectId longest = 0;
         std::vector<Part> anonymousParts;
-        for (ObjectId id = mStore.At(part.type).firstChild; id != 0;
-             id = mStore.At(id).nextSibling) {
+        for (ObjectId id = mStore.FirstIn(part.type); id != 0; id = mStore.NextIn(id)) {
             if (!IsMember(id)) {
                 continue;
             }
@@ -185,7 +184,7 @@ private:
     }
 
     [[nodiscard]] bool IsMember(ObjectId id) const {
-        const ObjectKind kind = mStore.At(id).kind;
+        const ObjectKind kind = mStore.KindOf(id);
         return kind == ObjectKind::Member || kind == ObjectKind::UnionMember ||
                kind == ObjectKind::BitField;
     }
@@ -237,7 +236,7 @@ private:
 
     void TakeMember(std::string_view rest) {
         const ObjectId type = mModel.WithoutTypedefs(mResult.place.type);
-        const ObjectKind kind = mStore.At(type).kind;
+        const ObjectKind kind = mStore.KindOf(type);
         if (!IsClass(kind) && kind != ObjectKind::Union) {
             mResult.problem = NoMembersProblem(kind);
             return;

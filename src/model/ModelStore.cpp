@@ -1,19 +1,13 @@
 #include "model/ModelStore.h"
 
+#include "model/Numbers.h"
+
 #include <limits>
-#include <stdexcept>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
-
-std::uint32_t AsPosition(std::size_t position) {
-    if (position > std::numeric_limits<std::uint32_t>::max()) {
-        throw std::length_error("data model is full");
-    }
-    return static_cast<std::uint32_t>(position);
-}
 
 template <typename Item>
 std::uint32_t AppendList(std::vector<Item>& lists, std::span<const Item> list) {
@@ -38,123 +32,20 @@ std::vector<Item>& GrowingList(std::vector<std::vector<Item>>& lists, std::uint3
     return lists[position];
 }
 
-constexpr std::uint32_t LowerHalf(std::uint64_t number) {
-    return static_cast<std::uint32_t>(number);
-}
-
-constexpr std::uint32_t UpperHalf(std::uint64_t number) {
-    return static_cast<std::uint32_t>(number >> 32U);
-}
-
-constexpr std::uint64_t Joined(std::uint32_t upper, std::uint32_t lower) {
-    return (std::uint64_t{upper} << 32U) | lower;
-}
-
 /// The product, or the largest number if that can't hold it.
 constexpr std::uint64_t SaturatedProduct(std::uint64_t left, std::uint64_t right) {
     const bool fits = left == 0 || right <= std::numeric_limits<std::uint64_t>::max() / left;
     return fits ? left * right : std::numeric_limits<std::uint64_t>::max();
 }
 
-/// True for kinds whose `Record::detail` says something.
-constexpr bool HasDetail(ObjectKind kind) {
-    switch (kind) {
-    case ObjectKind::Member:
-    case ObjectKind::UnionMember:
-    case ObjectKind::BitField:
-    case ObjectKind::OldBitField:
-    case ObjectKind::Base:
-    case ObjectKind::Array:
-    case ObjectKind::FunctionType:
-    case ObjectKind::Class:
-    case ObjectKind::Struct:
-    case ObjectKind::Enum:
-    case ObjectKind::Global:
-        return true;
-    default:
-        return false;
-    }
-}
-
 } // namespace
-
-Record RecordList::At(std::size_t position) const {
-    const NarrowRecord& narrow = Narrow(position);
-    const Rest& rest = mRests[narrow.rest];
-    const bool hasDetail = HasDetail(narrow.kind);
-    return {.scope = Joined(rest.scopeAbove, narrow.scope),
-            .type = Joined(rest.typeAbove, narrow.type),
-            .value = rest.value | (hasDetail ? 0 : narrow.detail),
-            .name = narrow.name,
-            .firstChild = rest.firstChild,
-            .lastChild = rest.lastChild,
-            .nextSibling = narrow.nextSibling,
-            .detail = hasDetail ? narrow.detail : 0,
-            .kind = narrow.kind,
-            .anonymous = narrow.anonymous};
-}
-
-void RecordList::Append(const Record& record) {
-    if (mSize >> kPieceBits == mPieces.size()) {
-        AddPiece();
-    }
-    const bool hasDetail = HasDetail(record.kind);
-    NarrowRecord narrow;
-    narrow.scope = LowerHalf(record.scope);
-    narrow.type = LowerHalf(record.type);
-    narrow.name = record.name;
-    narrow.detail = hasDetail ? record.detail : LowerHalf(record.value);
-    narrow.kind = record.kind;
-    narrow.anonymous = record.anonymous;
-    const std::uint64_t value = hasDetail ? record.value : record.value - narrow.detail;
-    if (value != 0 || UpperHalf(record.scope) != 0 || UpperHalf(record.type) != 0) {
-        Rest& rest = RestOf(narrow);
-        rest.value = value;
-        rest.scopeAbove = UpperHalf(record.scope);
-        rest.typeAbove = UpperHalf(record.type);
-    }
-    mPieces.back().push_back(narrow);
-    ++mSize;
-}
-
-void RecordList::AddPiece() {
-    std::vector<NarrowRecord> piece;
-    piece.reserve(kPieceMask + 1);
-    mPieces.push_back(std::move(piece));
-}
-
-void RecordList::AddChild(std::size_t scope, std::uint32_t child) {
-    Rest& rest = RestOf(Narrow(scope));
-    (rest.lastChild == 0 ? rest.firstChild : Narrow(rest.lastChild).nextSibling) = child;
-    rest.lastChild = child;
-}
-
-RecordList::Rest& RecordList::RestOf(NarrowRecord& record) {
-    if (record.rest == 0) {
-        const std::uint32_t place = AsPosition(mRests.size());
-        mRests.emplace_back();
-        record.rest = place;
-    }
-    return mRests[record.rest];
-}
 
 ModelStore::ModelStore()
     : mDimensions(1)
     , mParameters(1)
     , mBaseClasses(1)
     , mEnumerators(1) {
-    mRecords.Append({});
     Add({.kind = ObjectKind::Namespace});
-}
-
-ObjectId ModelStore::Add(const Record& record) {
-    const std::uint32_t id = AsPosition(mRecords.Size());
-    mRecords.Append(record);
-    // A scope that comes later than what lies in it, or is the object itself, has no chain.
-    if (record.scope != 0 && record.scope < id) {
-        mRecords.AddChild(record.scope, id);
-    }
-    return id;
 }
 
 ObjectId ModelStore::AddUnfiled(std::string_view name, Record record) {
@@ -226,7 +117,7 @@ std::span<const ObjectId> ModelStore::Parameters(ObjectId functionType) const {
 }
 
 std::span<const BaseClass> ModelStore::BaseClasses(ObjectId classType) const {
-    return mBaseClasses[IsClass(At(classType).kind) ? At(classType).detail : 0];
+    return mBaseClasses[IsClass(KindOf(classType)) ? At(classType).detail : 0];
 }
 
 std::span<const Enumerator> ModelStore::Enumerators(ObjectId enumTable) const {

@@ -1,11 +1,12 @@
-// The memory of the default data model: one record for each object, chained into its scope, with
-// names, lists and the lookup index aside. `DataModel` fills it; it knows no operation of the host
+// The memory of the default data model: a record of each object, with names, lists and the lookup
+// index aside. `DataModel` fills it; it knows no operation of the host
 // contract.
 #pragma once
 
 #include "model/LookupIndex.h"
 #include "model/ModelObject.h"
 #include "model/NamePool.h"
+#include "model/RecordList.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,81 +27,6 @@ inline constexpr std::size_t kLongestText = 64 * 1024;
 /// type.
 inline constexpr std::size_t kLongestTypeText = 4 * 1024;
 
-/// One object. Fields share places by kind.
-struct Record {
-    /// As passed, also if it names no object.
-    ObjectId scope = 0;
-    /// As `ModelObject::type`; size of a segment.
-    std::uint64_t type = 0;
-    /// Declared size; address of global, static member and segment; compile unit of a function;
-    /// width of an old bit field, and of a bit field with its position in the upper half.
-    std::uint64_t value = 0;
-    NameId name = 0;
-    /// What lies in this object as a scope, and what follows it in its own; 0 is none.
-    std::uint32_t firstChild = 0;
-    std::uint32_t lastChild = 0;
-    std::uint32_t nextSibling = 0;
-    /// Offset of a member, position of an old bit field, basic type, list of an array, function
-    /// type, class or enum; of a global the next one of its name.
-    std::uint32_t detail = 0;
-    ObjectKind kind = ObjectKind::Namespace;
-    bool anonymous = false;
-};
-
-/// Records in small: there may be millions, and most are functions and their types, of which each
-/// fills a few fields. What doesn't fit lies aside.
-class RecordList {
-public:
-    [[nodiscard]] std::size_t Size() const { return mSize; }
-    [[nodiscard]] Record At(std::size_t position) const;
-    void Append(const Record& record);
-
-    /// Appends an object to those that lie in a scope.
-    void AddChild(std::size_t scope, std::uint32_t child);
-    /// `Record::detail` of a kind that has one.
-    std::uint32_t& Detail(std::size_t position) { return Narrow(position).detail; }
-
-private:
-    struct NarrowRecord {
-        std::uint32_t scope = 0;
-        std::uint32_t type = 0;
-        NameId name = 0;
-        std::uint32_t nextSibling = 0;
-        /// The detail; of kinds without one the value.
-        std::uint32_t detail = 0;
-        /// Place of the rest, 0 if there is none.
-        std::uint32_t rest = 0;
-        ObjectKind kind = ObjectKind::Namespace;
-        bool anonymous = false;
-    };
-    /// Upper halves, and what only some objects have.
-    struct Rest {
-        std::uint64_t value = 0;
-        std::uint32_t scopeAbove = 0;
-        std::uint32_t typeAbove = 0;
-        std::uint32_t firstChild = 0;
-        std::uint32_t lastChild = 0;
-    };
-
-    /// Of pieces of a fixed size, so that adding a record moves none and wastes little.
-    static constexpr unsigned kPieceBits = 12;
-    static constexpr std::size_t kPieceMask = (std::size_t{1} << kPieceBits) - 1;
-
-    [[nodiscard]] const NarrowRecord& Narrow(std::size_t position) const {
-        return mPieces[position >> kPieceBits][position & kPieceMask];
-    }
-    [[nodiscard]] NarrowRecord& Narrow(std::size_t position) {
-        return mPieces[position >> kPieceBits][position & kPieceMask];
-    }
-    void AddPiece();
-    Rest& RestOf(NarrowRecord& record);
-
-    std::vector<std::vector<NarrowRecord>> mPieces;
-    /// The first is none.
-    std::vector<Rest> mRests{1};
-    std::size_t mSize = 0;
-};
-
 /// Records by identifier, which counts from 1, and all that belongs to them. Views into lists end
 /// with the next addition to a list of that sort.
 class ModelStore {
@@ -109,7 +35,7 @@ public:
 
     /// Stores an object and chains it into its scope if that exists.
     /// @throws std::length_error beyond 2^32 - 1 objects
-    ObjectId Add(const Record& record);
+    ObjectId Add(const Record& record) { return mRecords.Add(record); }
 
     /// Stores an object with a name, under no key.
     ObjectId AddUnfiled(std::string_view name, Record record);
@@ -129,9 +55,18 @@ public:
         return mRecords.At(id < mRecords.Size() ? id : 0);
     }
     [[nodiscard]] std::string_view NameOf(ObjectId id) const { return mNames.Text(At(id).name); }
-    [[nodiscard]] bool IsOfKind(ObjectId id, ObjectKind kind) const {
-        return Has(id) && At(id).kind == kind;
+    /// The kind of an object. For an identifier that was never given out that of a namespace.
+    [[nodiscard]] ObjectKind KindOf(ObjectId id) const {
+        return mRecords.KindAt(id < mRecords.Size() ? id : 0);
     }
+    [[nodiscard]] bool IsOfKind(ObjectId id, ObjectKind kind) const {
+        return Has(id) && mRecords.KindAt(id) == kind;
+    }
+    /// The first object in a scope, and what follows an object in its own; 0 if there is none.
+    [[nodiscard]] ObjectId FirstIn(ObjectId scope) const {
+        return Has(scope) ? mRecords.FirstIn(scope) : 0;
+    }
+    [[nodiscard]] ObjectId NextIn(ObjectId id) const { return Has(id) ? mRecords.NextIn(id) : 0; }
 
     /// @name Lists. Where an object has none, the list is empty.
     /// @{

@@ -11,7 +11,8 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-constexpr std::size_t sChunkSize = 256 * 1024;
+/// Chunks double up to this.
+constexpr std::size_t sLargestChunk = 2 * 1024 * 1024;
 constexpr std::size_t sLargestNumber = std::numeric_limits<std::uint32_t>::max();
 
 constexpr std::uint32_t UpperHalf(std::uint64_t hash) {
@@ -61,7 +62,8 @@ NameId NamePool::Find(std::string_view name, std::uint64_t hash) const {
 
 const char* NamePool::Keep(std::string_view bytes) {
     if (bytes.size() > mFreeSize) {
-        const std::size_t size = std::max(bytes.size(), sChunkSize);
+        mChunkSize = std::min(2 * mChunkSize, sLargestChunk);
+        const std::size_t size = std::max(bytes.size(), mChunkSize);
         mFree = mChunks.emplace_back(std::make_unique_for_overwrite<char[]>(size)).get();
         mFreeSize = size;
     }

@@ -50,6 +50,8 @@ private:
     std::vector<std::unique_ptr<char[]>> mChunks;
     char* mFree = nullptr;
     std::size_t mFreeSize = 0;
+    /// Of the last chunk. The first is twice as large: most models are small.
+    std::size_t mChunkSize = std::size_t{8} << 10U;
     std::size_t mLongestName = 0;
 };
 

@@ -126,7 +126,7 @@ public:
         Declarator declarator;
         bool isReferredTo = false;
         for (std::size_t length = 0; length < kLongestChain && Take(1); ++length) {
-            const ObjectKind kind = mStore.At(type).kind;
+            const ObjectKind kind = mStore.KindOf(type);
             if (isReferredTo && kind == ObjectKind::Unknown && mModel.SizeOf(type) == 0) {
                 return declarator.Around("void", name);
             }

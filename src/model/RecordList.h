@@ -1,0 +1,109 @@
+// The records of a data model in small: there may be millions, and most are functions and their
+// types, of which each fills a few fields. `ModelStore` adds to it what belongs to a record.
+#pragma once
+
+#include "model/ModelObject.h"
+#include "model/NamePool.h"
+#include "model/PieceList.h"
+#include "model/RecordPlaces.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// One object. Fields share places by kind.
+struct Record {
+    /// As passed, also if it names no object.
+    ObjectId scope = 0;
+    /// As `ModelObject::type`; size of a segment.
+    std::uint64_t type = 0;
+    /// Declared size; address of global, static member and segment; compile unit of a function;
+    /// width of an old bit field, and of a bit field with its position in the upper half.
+    std::uint64_t value = 0;
+    NameId name = 0;
+    /// Offset of a member, position of an old bit field, basic type, list of an array, function
+    /// type, class or enum; of a global the next one of its name.
+    std::uint32_t detail = 0;
+    ObjectKind kind = ObjectKind::Namespace;
+    bool anonymous = false;
+};
+
+/// Records by position, each chained into its scope. What few objects have lies aside, and a
+/// function right behind its own type, which has no parameters, shares its record.
+class RecordList {
+public:
+    /// Adds a record of zeros, which is none, at position 0.
+    RecordList();
+
+    [[nodiscard]] std::size_t Size() const { return mTraits.Size(); }
+    [[nodiscard]] ObjectKind KindAt(std::size_t position) const { return mTraits[position].kind; }
+    [[nodiscard]] Record At(std::size_t position) const;
+
+    /// Adds a record behind the last one, and as the last to those that lie in its scope: the
+    /// record at that position, if it is there already. Nothing is added if memory ends.
+    /// @return its position
+    /// @throws std::length_error beyond 2^32 - 1 records
+    std::uint32_t Add(const Record& record);
+
+    /// The first record that lies in one as its scope; 0 if there is none.
+    [[nodiscard]] std::uint32_t FirstIn(std::size_t scope) const;
+    /// What follows a record in its scope; 0 if it is the last or not in a scope that exists.
+    [[nodiscard]] std::uint32_t NextIn(std::size_t position) const;
+
+    /// `Record::detail` of an array, class, enum or global.
+    std::uint32_t& Detail(std::size_t position) { return mRecords[mPlaces.Of(position)].detail; }
+
+private:
+    /// Of each object a byte.
+    struct Traits {
+        ObjectKind kind : 6;
+        bool anonymous : 1;
+        /// A function and its type that have one record: that of the function, with the result of
+        /// the type.
+        bool sharesRecord : 1;
+    };
+    // The two have no initializers: a piece of them would be filled twice.
+    struct NarrowRecord {
+        std::uint32_t scope;
+        std::uint32_t type;
+        NameId name;
+        std::uint32_t next;
+        /// The detail; of kinds without one the value.
+        std::uint32_t detail;
+        /// Place of the rest, 0 if there is none. Where a function and its type share the record,
+        /// the rest of the type lies behind it.
+        std::uint32_t rest;
+    };
+    /// Upper halves, and what only some objects have.
+    struct Rest {
+        std::uint64_t value;
+        std::uint32_t scopeAbove;
+        std::uint32_t typeAbove;
+        /// The first object in this one as its scope, and the place of the record of the last.
+        std::uint32_t firstInside;
+        std::uint32_t lastPlace;
+    };
+
+    /// Whether the object at a position is a type that has the record of the function behind it.
+    [[nodiscard]] bool IsSharingType(std::size_t position) const {
+        const Traits traits = mTraits[position];
+        return traits.sharesRecord && traits.kind == ObjectKind::FunctionType;
+    }
+    /// Where the rest of an object lies; 0, where one of zeros is, if it has none.
+    [[nodiscard]] std::uint32_t RestOf(std::size_t position) const;
+    /// The same, after adding one if there is none.
+    std::uint32_t RestToFill(std::size_t position);
+    [[nodiscard]] NarrowRecord Narrowed(const Record& record);
+    [[nodiscard]] bool CanShareLastRecord(const Record& function) const;
+    void ShareLastRecord(const Record& function);
+    void Chain(Rest& scope, std::uint32_t position);
+
+    PieceList<Traits> mTraits;
+    RecordPlaces mPlaces;
+    PieceList<NarrowRecord> mRecords;
+    /// The first is none.
+    PieceList<Rest> mRests;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel
