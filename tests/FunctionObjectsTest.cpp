@@ -142,6 +142,14 @@ TEST_F(FunctionObjectsTest, TypesOfSeveralFunctions) {
     ExpectAllAsPassed();
 }
 
+TEST_F(FunctionObjectsTest, TypesThatAreNone) {
+    Function("of a block", Block("", sGlobalNamespace), sGlobalNamespace);
+    Function("of a function", Function("", 0, sGlobalNamespace), sGlobalNamespace);
+    Function("of what never was", 0, sGlobalNamespace);
+    Function("of itself", Next(), sGlobalNamespace);
+    ExpectAllAsPassed();
+}
+
 TEST_F(FunctionObjectsTest, TypesThatTellMoreThanTheirResult) {
     const ObjectId scope = Block("scope", sGlobalNamespace);
     Function("parameters", Type(7, scope, {7, 8}), scope);
@@ -159,8 +167,8 @@ TEST_F(FunctionObjectsTest, NumbersAbove32Bits) {
     Function("unit", Type(7, sGlobalNamespace), sGlobalNamespace, sAbove32Bits + 5);
     Function("result", Type(sAbove32Bits + 7, sGlobalNamespace), sGlobalNamespace, 5);
     const ObjectId type = Type(7, sGlobalNamespace);
-    Function("type", sAbove32Bits + type, sGlobalNamespace);
-    Function("scope", Type(7, sGlobalNamespace), sAbove32Bits + sGlobalNamespace);
+    Function("type", 2 * sAbove32Bits + type, sGlobalNamespace);
+    Function("scope", Type(7, sGlobalNamespace), 3 * sAbove32Bits + sGlobalNamespace);
     Function("both scopes", Type(7, sAbove32Bits + sGlobalNamespace),
              sAbove32Bits + sGlobalNamespace);
     ExpectAllAsPassed();

@@ -136,7 +136,7 @@ bool RecordList::CanShareLastRecord(const Record& function) const {
     const NarrowRecord& last = mRecords[mRecords.Size() - 1];
     return function.type == type && KindAt(type) == ObjectKind::FunctionType &&
            function.scope == last.scope && last.scope != 0 && last.scope < type &&
-           last.detail == 0 && last.name == 0 && last.rest == 0;
+           last.detail == 0 && last.rest == 0;
 }
 
 void RecordList::ShareLastRecord(const Record& function) {
