@@ -66,8 +66,10 @@ ObjectId ModelStore::FindNamed(LookupKind kind, std::string_view name, ObjectId 
 }
 
 ObjectId ModelStore::AddGlobal(std::string_view name, Record record) {
-    const auto id = static_cast<std::uint32_t>(AddNamed(LookupKind::GlobalInScope, name, record));
-    const std::uint32_t first = mIndex.FindOrAdd({LookupKind::GlobalByName, At(id).name, 0}, id);
+    record.name = mNames.Intern(name);
+    const std::uint32_t id = mRecords.Add(record);
+    mIndex.FindOrAdd({LookupKind::GlobalInScope, record.name, record.scope}, id);
+    const std::uint32_t first = mIndex.FindOrAdd({LookupKind::GlobalByName, record.name, 0}, id);
     if (first != id) {
         mRecords.Detail(id) = std::exchange(mRecords.Detail(first), id);
     }

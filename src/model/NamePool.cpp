@@ -1,6 +1,7 @@
 #include "model/NamePool.h"
 
 #include "core/KeyMixing.h"
+#include "core/Prefetch.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,10 +16,6 @@ namespace {
 constexpr std::size_t sLargestChunk = 2 * 1024 * 1024;
 constexpr std::size_t sLargestNumber = std::numeric_limits<std::uint32_t>::max();
 
-constexpr std::uint32_t UpperHalf(std::uint64_t hash) {
-    return static_cast<std::uint32_t>(hash >> 32U);
-}
-
 } // namespace
 
 NamePool::NamePool()
@@ -29,6 +26,19 @@ NameId NamePool::Intern(std::string_view name) {
     if (name.empty()) {
         return 0;
     }
+    const NameId expected = mNames[mLast].next;
+    if (Text(expected) == name) {
+        mLast = expected;
+    } else {
+        const NameId found = FoundOrAdded(name);
+        mNames[mLast].next = found;
+        mLast = found;
+    }
+    Prefetch(mNames[mNames[mLast].next].bytes);
+    return mLast;
+}
+
+NameId NamePool::FoundOrAdded(std::string_view name) {
     const std::uint64_t hash = HashOfText(name, mSeed);
     if (const NameId known = Find(name, hash); known != 0) {
         return known;
@@ -37,7 +47,7 @@ NameId NamePool::Intern(std::string_view name) {
         throw std::length_error("name pool is full");
     }
     const auto added = static_cast<NameId>(mNames.size());
-    mNames.push_back({Keep(name), static_cast<std::uint32_t>(name.size()), UpperHalf(hash)});
+    mNames.push_back({Keep(name), static_cast<std::uint32_t>(name.size()), 0});
     mSlots.Add(hash, added);
     mLongestName = std::max(mLongestName, name.size());
     return added;
@@ -55,9 +65,7 @@ std::optional<NameId> NamePool::Find(std::string_view name) const {
 }
 
 NameId NamePool::Find(std::string_view name, std::uint64_t hash) const {
-    return mSlots.Find(hash, [&](NameId candidate) {
-        return mNames[candidate].hash == UpperHalf(hash) && Text(candidate) == name;
-    });
+    return mSlots.Find(hash, [&](NameId candidate) { return Text(candidate) == name; });
 }
 
 const char* NamePool::Keep(std::string_view bytes) {

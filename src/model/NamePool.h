@@ -37,11 +37,12 @@ private:
     struct Name {
         const char* bytes = nullptr;
         std::uint32_t length = 0;
-        /// The upper half of the hash, whose lower half chose the slot.
-        std::uint32_t hash = 0;
+        /// The name that was asked for after this one the last time.
+        NameId next = 0;
     };
 
     [[nodiscard]] NameId Find(std::string_view name, std::uint64_t hash) const;
+    NameId FoundOrAdded(std::string_view name);
     const char* Keep(std::string_view bytes);
 
     std::uint64_t mSeed;
@@ -53,6 +54,9 @@ private:
     /// Of the last chunk. The first is twice as large: most models are small.
     std::size_t mChunkSize = std::size_t{8} << 10U;
     std::size_t mLongestName = 0;
+    /// What `Intern` gave out last. Units over the same headers have the same names in the same
+    /// order.
+    NameId mLast = 0;
 };
 
 } // namespace Tessel::Norn::Brindle::DataModel

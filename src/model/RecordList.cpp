@@ -36,7 +36,7 @@ RecordList::RecordList() {
 Record RecordList::At(std::size_t position) const {
     const Traits traits = mTraits[position];
     const NarrowRecord& narrow = mRecords[mPlaces.Of(position)];
-    const Rest& rest = mRests[RestOf(position)];
+    const Rest& rest = mRests[RestOf(narrow, traits)];
     const bool hasDetail = HasDetail(traits.kind);
     Record record{.scope = Joined(rest.scopeAbove, narrow.scope),
                   .type = Joined(rest.typeAbove, narrow.type),
@@ -45,7 +45,7 @@ Record RecordList::At(std::size_t position) const {
                   .detail = hasDetail ? narrow.detail : 0,
                   .kind = traits.kind,
                   .anonymous = traits.anonymous};
-    if (IsSharingType(position)) {
+    if (IsSharingType(traits)) {
         record.name = 0;
         record.detail = 0;
     } else if (traits.sharesRecord) {
@@ -61,7 +61,7 @@ std::uint32_t RecordList::Add(const Record& record) {
     // Memory first: should it end, nothing has changed.
     mTraits.MakeRoom();
     mPlaces.MakeRoom();
-    const std::uint32_t scopeRest = isInScope ? RestToFill(record.scope) : 0;
+    const std::uint32_t scopeRest = isInScope ? RestOfScope(record.scope) : 0;
     const bool shares = CanShareLastRecord(record);
     if (shares) {
         ShareLastRecord(record);
@@ -81,30 +81,34 @@ std::uint32_t RecordList::Add(const Record& record) {
 }
 
 std::uint32_t RecordList::FirstIn(std::size_t scope) const {
-    return mRests[RestOf(scope)].firstInside;
+    return mRests[RestOf(mRecords[mPlaces.Of(scope)], mTraits[scope])].firstInside;
 }
 
 std::uint32_t RecordList::NextIn(std::size_t position) const {
-    return IsSharingType(position) ? static_cast<std::uint32_t>(position + 1)
-                                   : mRecords[mPlaces.Of(position)].next;
+    return IsSharingType(mTraits[position]) ? static_cast<std::uint32_t>(position + 1)
+                                            : mRecords[mPlaces.Of(position)].next;
 }
 
-std::uint32_t RecordList::RestOf(std::size_t position) const {
-    const std::uint32_t rest = mRecords[mPlaces.Of(position)].rest;
-    return rest != 0 && IsSharingType(position) ? rest + 1 : rest;
+std::uint32_t RecordList::RestOf(const NarrowRecord& record, Traits traits) {
+    return record.rest != 0 && IsSharingType(traits) ? record.rest + 1 : record.rest;
 }
 
-std::uint32_t RecordList::RestToFill(std::size_t position) {
-    std::uint32_t& rest = mRecords[mPlaces.Of(position)].rest;
-    if (rest == 0) {
-        const std::uint32_t added = AsPosition(mRests.Size());
-        mRests.Add({});
-        if (mTraits[position].sharesRecord) {
+std::uint32_t RecordList::RestOfScope(std::size_t scope) {
+    if (scope != mLastScope) {
+        NarrowRecord& record = mRecords[mPlaces.Of(scope)];
+        const Traits traits = mTraits[scope];
+        if (record.rest == 0) {
+            const std::uint32_t added = AsPosition(mRests.Size());
             mRests.Add({});
+            if (traits.sharesRecord) {
+                mRests.Add({});
+            }
+            record.rest = added;
         }
-        rest = added;
+        mLastScope = scope;
+        mRestOfLastScope = RestOf(record, traits);
     }
-    return IsSharingType(position) ? rest + 1 : rest;
+    return mRestOfLastScope;
 }
 
 RecordList::NarrowRecord RecordList::Narrowed(const Record& record) {

@@ -85,15 +85,14 @@ private:
         std::uint32_t lastPlace;
     };
 
-    /// Whether the object at a position is a type that has the record of the function behind it.
-    [[nodiscard]] bool IsSharingType(std::size_t position) const {
-        const Traits traits = mTraits[position];
+    /// Whether an object is a type that has the record of the function behind it.
+    [[nodiscard]] static bool IsSharingType(Traits traits) {
         return traits.sharesRecord && traits.kind == ObjectKind::FunctionType;
     }
     /// Where the rest of an object lies; 0, where one of zeros is, if it has none.
-    [[nodiscard]] std::uint32_t RestOf(std::size_t position) const;
-    /// The same, after adding one if there is none.
-    std::uint32_t RestToFill(std::size_t position);
+    [[nodiscard]] static std::uint32_t RestOf(const NarrowRecord& record, Traits traits);
+    /// The same for a scope, which gets one if it has none.
+    std::uint32_t RestOfScope(std::size_t scope);
     [[nodiscard]] NarrowRecord Narrowed(const Record& record);
     [[nodiscard]] bool CanShareLastRecord(const Record& function) const;
     void ShareLastRecord(const Record& function);
@@ -104,6 +103,9 @@ private:
     PieceList<NarrowRecord> mRecords;
     /// The first is none.
     PieceList<Rest> mRests;
+    /// Objects of one scope mostly come one after the other.
+    std::size_t mLastScope = 0;
+    std::uint32_t mRestOfLastScope = 0;
 };
 
 } // namespace Tessel::Norn::Brindle::DataModel
