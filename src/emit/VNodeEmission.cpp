@@ -1,5 +1,6 @@
 #include "emit/VNodeEmission.h"
 
+#include "core/Prefetch.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"
@@ -369,6 +370,7 @@ void VNodeEmission::AdvanceChildren(Frame& frame) {
             frame.child = node.FirstChild();
         }
         while (frame.child != nullptr) {
+            PrefetchNextChild(frame);
             ObjectId object = 0;
             if (frame.child->GetNameOrNull() != nullptr && !Await(*frame.child, object)) {
                 return;
@@ -377,6 +379,13 @@ void VNodeEmission::AdvanceChildren(Frame& frame) {
         }
     }
     Close();
+}
+
+/// The name is what the next child is asked for first, and lies anywhere in a large section.
+void VNodeEmission::PrefetchNextChild(const Frame& frame) {
+    if (const VDebugInfoNode* next = frame.child->NextSiblingIn(*frame.node)) {
+        Prefetch(next->GetNameStart());
+    }
 }
 
 bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name,
