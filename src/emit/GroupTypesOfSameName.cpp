@@ -231,7 +231,7 @@ private:
     }
 
     /// A definition that is itself a typedef of the declaration would form a loop.
-    void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) {
+    void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) const {
         if (definition.GetTypeOrSpecificationNode() != &declaration) {
             declaration.SetDeclarationResolved(&definition);
             mSection.mDieNodes.NoteReferred(definition);
