@@ -1,6 +1,7 @@
 #include "container/VElfFile.h"
 #include "core/HashSlots.h"
 #include "core/KeyMixing.h"
+#include "core/Prefetch.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/TypeName.h"
@@ -10,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,6 +28,10 @@ constexpr std::size_t sScarceTextLength = 256;
 constexpr std::size_t sTextsPerSectionByte = 16;
 constexpr std::size_t sAlwaysAllowedTexts = std::size_t{16} * 1024 * 1024;
 
+/// How far ahead nodes and groups are fetched.
+constexpr std::size_t sNodesAhead = 12;
+constexpr std::size_t sGroupsAhead = 4;
+
 /// All groups of one tree, in the order of their first nodes.
 class TypeGroups {
 public:
@@ -36,11 +42,15 @@ public:
                          static_cast<std::size_t>(section.mElfFile->mSecDebugInfo.sh_size)) {}
 
     void Collect() {
-        const std::size_t count = mSection.mDieNodes.PlacesOf(NodeGroup::GroupedTypes).size();
-        mGroupNumbers.reserve(count);
-        mGroups.reserve(count + 1);
-        mSection.mDieNodes.ForEachOf(NodeGroup::GroupedTypes,
-                                     [this](VDebugInfoNode& node) { Add(node); });
+        const std::span<const VDieNodeMap::Link> nodes = mSection.mDieNodes.InOffsetOrder();
+        const std::span<const std::uint32_t> places =
+            mSection.mDieNodes.PlacesOf(NodeGroup::GroupedTypes);
+        mGroupNumbers.reserve(places.size());
+        mGroups.reserve(places.size() + 1);
+        for (std::size_t index = 0; index < places.size(); ++index) {
+            FetchAhead(nodes, places.subspan(index));
+            Add(*nodes[places[index]]);
+        }
     }
 
     /// In the order of the nodes, not by group: the nodes of a group lie far apart.
@@ -68,6 +78,24 @@ private:
         /// True as long as all nodes of the group have what they should have.
         bool isSettled = true;
     };
+
+    /// Has what the next nodes need brought near: waiting for it took a quarter of the time.
+    BRINDLE_FETCHES void FetchAhead(std::span<const VDieNodeMap::Link> nodes,
+                                    std::span<const std::uint32_t> places) const {
+        if (places.size() > sNodesAhead) {
+            FetchNode(nodes[places[sNodesAhead]]);
+            Prefetch(nodes[places[sNodesAhead / 2]]->GetNameStart());
+        }
+        if (mLatestGroup + sGroupsAhead < mGroups.size()) {
+            FetchNode(mGroups[mLatestGroup + sGroupsAhead].latest);
+        }
+    }
+
+    /// A node begins anywhere in a line of the cache, hence lies in two.
+    BRINDLE_FETCHES static void FetchNode(const VDebugInfoNode* node) {
+        Prefetch(node);
+        Prefetch(node + 1);
+    }
 
     void Add(VDebugInfoNode& node) {
         mLatestGroup = IsOfNextGroup(node) ? mLatestGroup + 1 : FindOrAddGroup(node);
@@ -203,7 +231,7 @@ private:
     }
 
     /// A definition that is itself a typedef of the declaration would form a loop.
-    void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) {
+    void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) const {
         if (definition.GetTypeOrSpecificationNode() != &declaration) {
             declaration.SetDeclarationResolved(&definition);
             mSection.mDieNodes.NoteReferred(definition);

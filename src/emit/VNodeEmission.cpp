@@ -363,6 +363,13 @@ void VNodeEmission::AdvanceBaseClasses(Frame& frame) {
     frame.stage = Stage::Children;
 }
 
+/// The name is what the next child is asked for first, and lies anywhere in a large section.
+BRINDLE_FETCHES void VNodeEmission::PrefetchNextChild(const Frame& frame) {
+    if (const VDebugInfoNode* next = frame.child->NextSiblingIn(*frame.node)) {
+        Prefetch(next->GetNameStart());
+    }
+}
+
 void VNodeEmission::AdvanceChildren(Frame& frame) {
     VDebugInfoNode& node = *frame.node;
     if (IsAggregate(node.GetTag())) {
@@ -379,13 +386,6 @@ void VNodeEmission::AdvanceChildren(Frame& frame) {
         }
     }
     Close();
-}
-
-/// The name is what the next child is asked for first, and lies anywhere in a large section.
-void VNodeEmission::PrefetchNextChild(const Frame& frame) {
-    if (const VDebugInfoNode* next = frame.child->NextSiblingIn(*frame.node)) {
-        Prefetch(next->GetNameStart());
-    }
 }
 
 bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name,

@@ -42,8 +42,8 @@ public:
     void AppendWithoutScopes(VDebugInfoNode& node, std::string& out) {
         AppendUnscoped(node, 1, out, false);
     }
-    /// Number of template argument lists that were added to any text. Only texts without any can't
-    /// have become full.
+    /// Number of template argument lists that were added so far. A text without any doesn't depend
+    /// on the limit.
     [[nodiscard]] std::size_t GetArgumentListCount() const { return mArgumentListCount; }
     /// True if two types that are grouped have the same text for certain, told from their names and
     /// scopes. False tells nothing.

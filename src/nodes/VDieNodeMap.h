@@ -81,7 +81,7 @@ public:
 
     /// Asks for the memory of the node at a place of `InOffsetOrder`, for walks that come to it
     /// `kNodesAhead` nodes later.
-    void Prefetch(std::size_t place) const {
+    BRINDLE_FETCHES void Prefetch(std::size_t place) const {
         if (place < mNodes.size()) {
             Brindle::Prefetch(mNodes[place].Get());
         }
