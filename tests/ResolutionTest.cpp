@@ -73,6 +73,103 @@ TEST_F(ResolutionTest, OfEqualDefinitionsTheLargestStandsForAll) {
     EXPECT_EQ(tree[other].GetCanonicalTypeNode(), &tree[other]);
 }
 
+/// The same types in each unit, as of one header; each has a text of its own.
+class TypesOfHeader {
+public:
+    [[nodiscard]] std::vector<Die> Entries(std::uint64_t size) const {
+        const auto type = [&](std::size_t index, std::vector<Die> children = {}) {
+            return Die(labels[index], DW_TAG_structure_type,
+                       {Name("s", DW_FORM_strp), ByteSize(size)}, std::move(children));
+        };
+        const auto argument = [](DieLabel of) {
+            return Die(DW_TAG_template_type_param, {Name("T"), Type(of)});
+        };
+        const auto vector = [&](DieLabel of, std::size_t index) {
+            return Die(DW_TAG_class_type, {Name("vec", DW_FORM_strp)}, {argument(of), type(index)});
+        };
+        return {
+            Int(mInt),
+            Die(mChar, DW_TAG_base_type, {Name("char"), ByteSize(1), Encoding(DW_ATE_unsigned)}),
+            type(0),
+            Die(DW_TAG_namespace, {Name("N")}, {type(1), vector(mInt, 2), vector(mChar, 3)}),
+            Die(DW_TAG_namespace, {Name("M")}, {type(4), vector(mInt, 5)}),
+            type(6, {argument(mInt)}),
+            type(7, {argument(mChar)}),
+            Die(labels[8], DW_TAG_typedef, {Name("t<int>"), Type(mInt)}, {argument(mInt)}),
+            Die(labels[9], DW_TAG_class_type, {Name("c<int>"), ByteSize(size)}, {argument(mInt)}),
+        };
+    }
+
+    const std::vector<DieLabel> labels = std::vector<DieLabel>(10);
+
+private:
+    static Die Int(DieLabel label) {
+        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
+    }
+
+    DieLabel mInt;
+    DieLabel mChar;
+};
+
+TEST_F(ResolutionTest, UnitsOverOneHeaderShareTheirTypes) {
+    const TypesOfHeader first;
+    const TypesOfHeader second;
+    const TypesOfHeader third;
+    const DieLabel between;
+    std::vector<Die> thirdEntries = third.Entries(4);
+    thirdEntries.insert(thirdEntries.begin() + 3,
+                        Die(between, DW_TAG_structure_type, {Name("b"), ByteSize(1)}));
+    NodeTree tree(DwarfSections()
+                      .Unit({UnitDie(first.Entries(4))})
+                      .Unit({UnitDie(second.Entries(8))})
+                      .Unit({UnitDie(thirdEntries)}));
+    tree.Resolve();
+    const std::vector<std::string> names = {"s", "s",      "s",       "s",      "s",
+                                            "s", "s<int>", "s<char>", "t<int>", "c<int>"};
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        const bool isTypedef = index == 8;
+        const VDebugInfoNode* stands = &tree[(isTypedef ? first : second).labels[index]];
+        for (const TypesOfHeader* unit : {&first, &second, &third}) {
+            EXPECT_EQ(tree[unit->labels[index]].GetCanonicalTypeNode(), stands) << index;
+            EXPECT_EQ(tree[unit->labels[index]].GetName(), names[index]);
+        }
+    }
+    EXPECT_EQ(tree[between].GetCanonicalTypeNode(), &tree[between]);
+}
+
+TEST_F(ResolutionTest, ScopesInTheNameCountAsScopes) {
+    const std::string scope = "aScopeOfMoreThanEightCharacters";
+    const DieLabel other;
+    const DieLabel inScope;
+    const DieLabel named;
+    NodeTree tree(Unit({
+        Die(DW_TAG_namespace, {Name(scope)},
+            {Die(other, DW_TAG_structure_type, {Name("t"), ByteSize(4)}),
+             Die(inScope, DW_TAG_structure_type, {Name("s"), ByteSize(4)})}),
+        Die(named, DW_TAG_structure_type, {Name(scope + "::s"), ByteSize(8)}),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(tree[inScope].GetCanonicalTypeNode(), &tree[named]);
+    EXPECT_EQ(tree[other].GetCanonicalTypeNode(), &tree[other]);
+}
+
+TEST_F(ResolutionTest, ADeclarationBehindEqualDefinitionsTakesTheirRepresentativeAway) {
+    const std::vector<DieLabel> definitions(3);
+    const DieLabel declared;
+    DwarfSections sections;
+    for (const DieLabel definition : definitions) {
+        sections.Unit(
+            {UnitDie({Die(definition, DW_TAG_structure_type, {Name("s"), ByteSize(4)})})});
+    }
+    sections.Unit({UnitDie({Die(declared, DW_TAG_structure_type, {Name("s"), Declaration()})})});
+    NodeTree tree(sections);
+    tree.Resolve();
+    for (const DieLabel definition : definitions) {
+        EXPECT_EQ(tree[definition].GetCanonicalTypeNode(), nullptr);
+    }
+    EXPECT_EQ(tree[declared].GetDeclarationResolved(), &tree[definitions[0]]);
+}
+
 TEST_F(ResolutionTest, DeclarationsFindTheirFirstDefinitionInAnyUnit) {
     const DieLabel declared;
     const DieLabel pointer;

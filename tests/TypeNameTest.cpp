@@ -134,6 +134,114 @@ TEST_F(TypeNameTest, ModifiersReadFromTheOutermost) {
     EXPECT_EQ(TextOf(tree[unnamedEnumeration]), "<anonymouse-enum>");
 }
 
+/// Types of one name in many places; each is made twice, as in two units over one header.
+struct TypesOfOneName {
+    std::vector<DieLabel> labels = std::vector<DieLabel>(14);
+    DieLabel number;
+    DieLabel real;
+
+    [[nodiscard]] std::vector<Die> Entries() const {
+        const auto type = [this](std::size_t index, dwarf_tag tag = DW_TAG_structure_type,
+                                 std::vector<Die> children = {}) {
+            return Die(labels[index], tag, {Name("S", DW_FORM_strp)}, std::move(children));
+        };
+        const auto argument = [](DieLabel of) {
+            return Die(DW_TAG_template_type_param, {Name("T"), Type(of)});
+        };
+        return {
+            Die(number, DW_TAG_base_type, {Name("int")}),
+            Die(real, DW_TAG_base_type, {Name("float")}),
+            type(0),
+            type(1, DW_TAG_typedef),
+            Die(DW_TAG_namespace, {Name("N")},
+                {type(2), Die(DW_TAG_namespace, {Name("N")}, {type(3)}),
+                 Die(DW_TAG_namespace, {}, {type(4)})}),
+            Die(DW_TAG_subprogram, {Name("N")}, {type(5)}),
+            Die(DW_TAG_class_type, {Name("N")}, {type(6)}),
+            Die(DW_TAG_class_type, {Name("V")}, {argument(number), type(7)}),
+            Die(DW_TAG_class_type, {Name("V")}, {argument(real), type(8)}),
+            type(9, DW_TAG_structure_type, {argument(number)}),
+            type(10, DW_TAG_structure_type, {argument(real)}),
+            Die(labels[11], DW_TAG_typedef),
+            Die(labels[12], DW_TAG_structure_type),
+            Die(DW_TAG_class_type, {Name("V<int>")}, {argument(number), type(13)}),
+        };
+    }
+};
+
+TEST_F(TypeNameTest, PlainlySameTypesHaveOneText) {
+    const TypesOfOneName first;
+    const TypesOfOneName second;
+    NodeTree tree(DwarfSections()
+                      .Unit({Die(DW_TAG_compile_unit, {Name("a.c")}, first.Entries())})
+                      .Unit({Die(DW_TAG_compile_unit, {Name("b.c")}, second.Entries())}));
+    Linked(tree);
+    TypeNameBuilder builder(sLimit);
+    const auto arePlainlySame = [&](std::size_t one, std::size_t other) {
+        return builder.HavePlainlySameText(tree[second.labels[one]], tree[first.labels[other]]);
+    };
+    for (std::size_t one = 0; one < first.labels.size(); ++one) {
+        const bool hasArguments = one >= 7 && one <= 10;
+        EXPECT_EQ(arePlainlySame(one, one), !hasArguments) << one;
+        for (std::size_t other = 0; other < first.labels.size(); ++other) {
+            if (other != one) {
+                EXPECT_FALSE(arePlainlySame(one, other)) << one << " " << other;
+            }
+        }
+        EXPECT_EQ(TextOf(tree[second.labels[one]]), TextOf(tree[first.labels[one]])) << one;
+    }
+    // A class that is named as a namespace makes the same text, which isn't plain.
+    EXPECT_EQ(TextOf(tree[first.labels[6]]), TextOf(tree[first.labels[2]]));
+}
+
+TEST_F(TypeNameTest, ScopesThatEnterNoTextAreNotCompared) {
+    const auto nested = [](DieLabel innermost, std::vector<std::string> names) {
+        Die scopes = Structure(innermost);
+        for (const std::string& name : names) {
+            scopes = Die(DW_TAG_namespace, {Name(name)}, {scopes});
+        }
+        return scopes;
+    };
+    const DieLabel type;
+    const DieLabel farOther;
+    const DieLabel nearOther;
+    const DieLabel less;
+    NodeTree tree(Unit({
+        nested(type, {"a", "b", "c", "d", "e", "f"}),
+        nested(farOther, {"a", "b", "c", "d", "e", "g", "h"}),
+        nested(nearOther, {"a", "b", "c", "d", "f"}),
+        nested(less, {"a", "b", "c", "d"}),
+    }));
+    TypeNameBuilder builder(sLimit);
+    EXPECT_TRUE(builder.HavePlainlySameText(tree[type], tree[farOther]));
+    EXPECT_EQ(TextOf(tree[type]), TextOf(tree[farOther]));
+    EXPECT_FALSE(builder.HavePlainlySameText(tree[type], tree[nearOther]));
+    EXPECT_FALSE(builder.HavePlainlySameText(tree[type], tree[less]));
+}
+
+TEST_F(TypeNameTest, ArgumentsInTheNameAreForgottenWhenTypesAreCompared) {
+    const DieLabel number;
+    const DieLabel one;
+    const DieLabel other;
+    const DieLabel alias;
+    const auto argument = [&] {
+        return Die(DW_TAG_template_type_param, {Name("T"), Type(number)});
+    };
+    NodeTree tree(Unit({
+        Int(number),
+        Die(one, DW_TAG_class_type, {Name("vec<int>", DW_FORM_strp)}, {argument()}),
+        Die(other, DW_TAG_class_type, {Name("vec<int>", DW_FORM_strp)}, {argument()}),
+        Die(alias, DW_TAG_typedef, {Name("vec<int>", DW_FORM_strp)}, {argument()}),
+    }));
+    Linked(tree);
+    TypeNameBuilder builder(sLimit);
+    EXPECT_TRUE(builder.HavePlainlySameText(tree[one], tree[other]));
+    EXPECT_FALSE(tree[one].HasTemplateParameters());
+    EXPECT_FALSE(tree[other].HasTemplateParameters());
+    EXPECT_TRUE(builder.HavePlainlySameText(tree[alias], tree[alias]));
+    EXPECT_TRUE(tree[alias].HasTemplateParameters()) << "only classes are names of instances";
+}
+
 TEST_F(TypeNameTest, LongChainsAreCut) {
     std::vector<DieLabel> labels(40);
     std::vector<Die> pointers;

@@ -1,5 +1,6 @@
 #include "core/KeyMixing.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <random>
@@ -8,10 +9,23 @@ namespace Tessel::Norn::Brindle {
 
 namespace {
 
+constexpr std::size_t sWordSize = sizeof(std::uint64_t);
+
 using Block = std::array<std::uint64_t, 4>;
 
 /// Shorter texts are hashed as fast word by word.
 constexpr std::size_t sShortestInBlocks = 2 * sizeof(Block);
+
+std::uint64_t HashOfWords(std::string_view text, std::uint64_t hash) {
+    while (!text.empty()) {
+        std::uint64_t word = 0;
+        const std::size_t taken = std::min(text.size(), sWordSize);
+        std::memcpy(&word, text.data(), taken);
+        hash = Mix(hash ^ word);
+        text.remove_prefix(taken);
+    }
+    return hash;
+}
 
 /// Each word of a block has a lane of its own, since a step of a lane waits for the one before. The
 /// last block ends with the text, and may repeat some of the block before.
@@ -20,10 +34,10 @@ std::uint64_t HashOfBlocks(std::string_view text, std::uint64_t hash) {
     for (std::size_t lane = 0; lane < lanes.size(); ++lane) {
         lanes[lane] = Mix(hash + lane);
     }
-    for (std::size_t end = sizeof(Block); end < text.size() + sizeof(Block); end += sizeof(Block)) {
-        Block words;
-        const std::size_t last = end < text.size() ? end : text.size();
-        std::memcpy(&words, text.data() + last - sizeof words, sizeof words);
+    for (std::size_t start = 0; start < text.size(); start += sizeof(Block)) {
+        Block words{};
+        std::memcpy(&words, text.data() + std::min(start, text.size() - sizeof(Block)),
+                    sizeof(Block));
         for (std::size_t lane = 0; lane < lanes.size(); ++lane) {
             lanes[lane] = Mix(lanes[lane] ^ words[lane]);
         }
@@ -44,19 +58,18 @@ std::uint64_t ProcessSeed() {
     return sSeed;
 }
 
+HashOfGrowingText::HashOfGrowingText(std::string_view start, std::uint64_t seed)
+    : mLength(start.size() - start.size() % sWordSize) {
+    mHash = HashOfWords(start.substr(0, mLength), seed);
+}
+
+std::uint64_t HashOfGrowingText::Continued(std::string_view text) const {
+    return Mix(HashOfWords(text.substr(mLength), mHash) ^ text.size());
+}
+
 std::uint64_t HashOfText(std::string_view text, std::uint64_t seed) {
-    std::uint64_t hash = seed ^ text.size();
-    if (text.size() >= sShortestInBlocks) {
-        return HashOfBlocks(text, hash);
-    }
-    while (!text.empty()) {
-        std::uint64_t word = 0;
-        const std::size_t taken = text.size() < sizeof word ? text.size() : sizeof word;
-        std::memcpy(&word, text.data(), taken);
-        hash = Mix(hash ^ word);
-        text.remove_prefix(taken);
-    }
-    return hash;
+    const std::uint64_t start = seed ^ text.size();
+    return text.size() < sShortestInBlocks ? HashOfWords(text, start) : HashOfBlocks(text, start);
 }
 
 } // namespace Tessel::Norn::Brindle

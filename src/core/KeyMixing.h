@@ -24,6 +24,21 @@ std::uint64_t ProcessSeed();
 /// Hash of a text, any bytes.
 std::uint64_t HashOfText(std::string_view text, std::uint64_t seed);
 
+/// Hash of texts that begin alike: what they have in common is hashed once.
+class HashOfGrowingText {
+public:
+    HashOfGrowingText() = default;
+    /// @param start what all texts begin with
+    HashOfGrowingText(std::string_view start, std::uint64_t seed);
+
+    /// Hash of a whole text that begins with the start. It doesn't depend on how much the start is.
+    [[nodiscard]] std::uint64_t Continued(std::string_view text) const;
+
+private:
+    std::uint64_t mHash = 0;
+    std::size_t mLength = 0;
+};
+
 /// The same for tables of the standard library, whose own hash of a number is the number.
 struct SeededHash {
     std::size_t operator()(std::uint64_t number) const {

@@ -83,7 +83,7 @@ private:
 
 void DemangleNames(VDwarf2Section& section) {
     NameDemangler demangler(section);
-    ForEachWantedNode(section, [&](VDebugInfoNode& node) {
+    ForEachNodeWith(NodeTask::Name, section, [&](VDebugInfoNode& node) {
         if (node.GetTag() == DW_TAG_compile_unit) {
             demangler.EnterUnit(node);
         }

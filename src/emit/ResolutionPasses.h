@@ -11,13 +11,13 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Calls `visit` with each node that delivery or dump asks for, in ascending order of their
-/// offsets. Parameters of functions that no entry refers to are never delivered: they keep their
-/// names and references as read unless they are dumped.
+/// Calls `visit` with each node that a pass has this to do at, in ascending order of their offsets.
+/// Parameters of functions that no entry refers to are never delivered: they keep their names and
+/// references as read unless they are dumped.
 template <typename Visitor>
-void ForEachWantedNode(const VDwarf2Section& section, Visitor&& visit) {
+void ForEachNodeWith(NodeTask task, const VDwarf2Section& section, Visitor&& visit) {
     if (VElfOptions::mDumpDebugInfoNodes == 0) {
-        section.mDieNodes.ForEachWanted(std::forward<Visitor>(visit));
+        section.mDieNodes.ForEachWith(task, std::forward<Visitor>(visit));
         return;
     }
     for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {

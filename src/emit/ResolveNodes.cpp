@@ -12,9 +12,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-namespace {
-
-} // namespace
+namespace {} // namespace
 
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
@@ -33,21 +31,20 @@ bool VDwarf2Section::ResolveNodes() {
 
 void ResolveAllReferences(VDwarf2Section& section) {
     const auto resolve = [&](VDebugInfoNode& node) { node.ResolveReferences(section.mDieNodes); };
-    ForEachWantedNode(section, resolve);
+    ForEachNodeWith(NodeTask::References, section, resolve);
     section.mDieNodes.ForEachReferredParameter(resolve);
 }
 
 void BreakAllReferenceCycles(VDwarf2Section& section) {
     ReferenceCycles cycles;
-    // A node that nothing refers to is on no cycle.
-    section.mDieNodes.ForEachReferred(
+    // No other nodes are on a cycle.
+    section.mDieNodes.ForEachReferredAndReferring(
         [&](VDebugInfoNode& node) { node.BreakReferenceCycles(cycles); });
 }
 
 void ResolveAllSizes(VDwarf2Section& section) {
-    ForEachWantedNode(section, [&](VDebugInfoNode& node) {
-        node.ResolveSizes(section.mDieNodes, section);
-    });
+    ForEachNodeWith(NodeTask::Size, section,
+                    [&](VDebugInfoNode& node) { node.ResolveSizes(section.mDieNodes, section); });
 }
 
 void UnifyCompileUnits(VDwarf2Section& section) {

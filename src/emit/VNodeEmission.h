@@ -137,6 +137,7 @@ private:
     void CreateObject(Frame& frame);
     void AdvanceBaseClasses(Frame& frame);
     void AdvanceChildren(Frame& frame);
+    static void PrefetchNextChild(const Frame& frame);
 
     VDwarf2Section& mSection;
     VCLIFactoryWrapper& mFactory;

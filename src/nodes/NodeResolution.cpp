@@ -63,6 +63,18 @@ VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& no
 
 } // namespace
 
+NodeTask VDebugInfoNode::GetTasks() const {
+    const bool hasName = mHasNameAttribute || mTag == DW_TAG_compile_unit;
+    const bool hasReferences = mTypeReferenceOffset != 0 || mIsTypeResolved ||
+                               mTag == DW_TAG_subrange_type ||
+                               GetSpecificationAttribute().IsReference();
+    const bool hasSize = (!mHasByteSize && !IsWithoutSize(mTag)) || GetStorage() != nullptr ||
+                         mTag == DW_TAG_array_type;
+    return (hasName ? NodeTask::Name : NodeTask::None) |
+           (hasReferences ? NodeTask::References : NodeTask::None) |
+           (hasSize ? NodeTask::Size : NodeTask::None);
+}
+
 void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
     if (!mIsTypeResolved && mTypeReferenceOffset != 0) {
         if (VDebugInfoNode* type = nodes.Find(mTypeReferenceOffset)) {

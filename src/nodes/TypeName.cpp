@@ -2,6 +2,7 @@
 
 #include "nodes/VDebugInfoNode.h"
 
+#include <cstring>
 #include <string_view>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -82,6 +83,24 @@ bool HasFewChildren(const VDebugInfoNode& node) {
     return child == nullptr;
 }
 
+/// Names in `.debug_str` are shared, so that the texts are seldom looked at.
+bool HaveSameName(const VDebugInfoNode& one, const VDebugInfoNode& other) {
+    const char* name = one.GetNameStart();
+    const char* otherName = other.GetNameStart();
+    return name == otherName || std::strncmp(name, otherName, sMaximumNameLength) == 0;
+}
+
+/// In names that have one it stands near the start, so that the name isn't measured first.
+bool HoldsBracket(const VDebugInfoNode& node) {
+    const char* name = node.GetNameStart();
+    for (std::size_t place = 0; place < sMaximumNameLength && name[place] != '\0'; ++place) {
+        if (name[place] == '<') {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool IsStructural(dwarf_tag tag) {
     return IsAggregate(tag) || tag == DW_TAG_interface_type;
 }
@@ -102,41 +121,47 @@ void TypeNameBuilder::AppendTypeName(VDebugInfoNode* node, int depth, std::strin
             node = node->GetTypeOrSpecificationNode();
             continue;
         }
-        switch (node->GetTag()) {
-        case DW_TAG_class_type:
-        case DW_TAG_structure_type:
-        case DW_TAG_union_type:
-        case DW_TAG_interface_type:
-            AppendNameOr(*node, "<anonymouse-structural>", out, withRecordNumbers);
-            AppendTemplatePart(*node, depth, out, withRecordNumbers);
-            break;
-        case DW_TAG_enumeration_type:
-            AppendNameOr(*node, "<anonymouse-enum>", out, withRecordNumbers);
-            break;
-        case DW_TAG_typedef:
-            AppendNameOr(*node, "<anonymouse-typedef>", out, withRecordNumbers);
-            break;
-        case DW_TAG_base_type:
-        case DW_TAG_enumerator:
-            AppendNameOr(*node, "", out, withRecordNumbers);
-            break;
-        case DW_TAG_ptr_to_member_type:
-            out += "ptr_to_member_type(unsupported) ";
-            break;
-        case DW_TAG_set_type:
-        case DW_TAG_subrange_type:
-            out.append("subrange ").append(node->GetName()) += ' ';
-            break;
-        case DW_TAG_unspecified_type:
-            out.append("unspecified_type ").append(node->GetName());
-            break;
-        case DW_TAG_subroutine_type:
-            AppendFunctionType(*node, depth, out, withRecordNumbers);
-            break;
-        default:
-            break;
-        }
+        AppendUnscoped(*node, depth, out, withRecordNumbers);
         return;
+    }
+}
+
+/// The text of a type that is no modifier, without its scopes.
+void TypeNameBuilder::AppendUnscoped(VDebugInfoNode& node, int depth, std::string& out,
+                                     bool withRecordNumbers) {
+    switch (node.GetTag()) {
+    case DW_TAG_class_type:
+    case DW_TAG_structure_type:
+    case DW_TAG_union_type:
+    case DW_TAG_interface_type:
+        AppendNameOr(node, "<anonymouse-structural>", out, withRecordNumbers);
+        AppendTemplatePart(node, depth, out, withRecordNumbers);
+        break;
+    case DW_TAG_enumeration_type:
+        AppendNameOr(node, "<anonymouse-enum>", out, withRecordNumbers);
+        break;
+    case DW_TAG_typedef:
+        AppendNameOr(node, "<anonymouse-typedef>", out, withRecordNumbers);
+        break;
+    case DW_TAG_base_type:
+    case DW_TAG_enumerator:
+        AppendNameOr(node, "", out, withRecordNumbers);
+        break;
+    case DW_TAG_ptr_to_member_type:
+        out += "ptr_to_member_type(unsupported) ";
+        break;
+    case DW_TAG_set_type:
+    case DW_TAG_subrange_type:
+        out.append("subrange ").append(node.GetName()) += ' ';
+        break;
+    case DW_TAG_unspecified_type:
+        out.append("unspecified_type ").append(node.GetName());
+        break;
+    case DW_TAG_subroutine_type:
+        AppendFunctionType(node, depth, out, withRecordNumbers);
+        break;
+    default:
+        break;
     }
 }
 
@@ -162,6 +187,7 @@ void TypeNameBuilder::AppendScopePrefix(const VDebugInfoNode* node, int depth, s
 
 void TypeNameBuilder::AppendTemplateParameters(const VDebugInfoNode& node, int depth,
                                                std::string& out, bool withRecordNumbers) {
+    ++mArgumentListCount;
     out += '<';
     bool isFirst = true;
     ForEachParameter(node, Parameters::OfTemplate, out, [&](VDebugInfoNode& parameter) {
@@ -227,13 +253,8 @@ void TypeNameBuilder::AppendNameOr(const VDebugInfoNode& node, const char* place
 
 void TypeNameBuilder::AppendTemplatePart(VDebugInfoNode& node, int depth, std::string& out,
                                          bool withRecordNumbers) {
-    if (!node.HasTemplateParameters()) {
-        return;
-    }
-    if (node.GetName().find('<') == std::string_view::npos) {
+    if (HasTemplatePart(node)) {
         AppendTemplateParameters(node, depth, out, withRecordNumbers);
-    } else {
-        node.SetHasTemplateParameters(false);
     }
 }
 
@@ -245,6 +266,49 @@ void TypeNameBuilder::AppendFunctionType(VDebugInfoNode& node, int depth, std::s
 }
 
 // NOLINTEND(misc-no-recursion)
+
+/// True if template arguments stand behind the name. Those that the name holds already are
+/// forgotten.
+bool TypeNameBuilder::HasTemplatePart(VDebugInfoNode& node) {
+    if (node.HasTemplateParameters() && HoldsBracket(node)) {
+        node.SetHasTemplateParameters(false);
+    }
+    return node.HasTemplateParameters();
+}
+
+bool TypeNameBuilder::HavePlainlySameText(VDebugInfoNode& one, VDebugInfoNode& other) {
+    return one.GetTag() == other.GetTag() && HaveSameName(one, other) &&
+           (!IsStructural(one.GetTag()) || (!HasTemplatePart(one) && !HasTemplatePart(other))) &&
+           HavePlainlySameScopes(one.GetParent(), other.GetParent());
+}
+
+/// Looks at no more scopes than enter a text.
+bool TypeNameBuilder::HavePlainlySameScopes(VDebugInfoNode* parent, VDebugInfoNode* otherParent) {
+    VDebugInfoNode* one = parent;
+    VDebugInfoNode* other = otherParent;
+    for (int depth = 1; depth <= sMaximumScopeDepth && one != other; depth += sScopeDepthStep) {
+        if (one == mSameScopes.first && other == mSameScopes.second) {
+            break;
+        }
+        if (one == nullptr || other == nullptr || one->GetTag() != other->GetTag()) {
+            return false;
+        }
+        if (IsStructural(one->GetTag())) {
+            if (HasTemplatePart(*one) || HasTemplatePart(*other)) {
+                return false;
+            }
+        } else if (ScopeTextOf(one->GetTag()).separator.empty()) {
+            break;
+        }
+        if (!HaveSameName(*one, *other)) {
+            return false;
+        }
+        one = one->GetParent();
+        other = other->GetParent();
+    }
+    mSameScopes = {parent, otherParent};
+    return true;
+}
 
 bool TypeNameBuilder::IsParameter(dwarf_tag tag, Parameters kind) {
     if (kind == Parameters::OfFunction) {

@@ -34,6 +34,20 @@ public:
     /// The text of the type that the node is. The node may be null.
     /// @param withRecordNumbers add record numbers and the names of template parameters
     void AppendTypeName(VDebugInfoNode* node, int depth, std::string& out, bool withRecordNumbers);
+    /// The two parts of the text of a type that is no modifier; the first is the same for all
+    /// children of one node.
+    void AppendScopes(const VDebugInfoNode& node, std::string& out) {
+        AppendScopePrefix(&node, 1, out, false);
+    }
+    void AppendWithoutScopes(VDebugInfoNode& node, std::string& out) {
+        AppendUnscoped(node, 1, out, false);
+    }
+    /// Number of template argument lists that were added so far. A text without any doesn't depend
+    /// on the limit.
+    [[nodiscard]] std::size_t GetArgumentListCount() const { return mArgumentListCount; }
+    /// True if two types that are grouped have the same text for certain, told from their names and
+    /// scopes. False tells nothing.
+    bool HavePlainlySameText(VDebugInfoNode& one, VDebugInfoNode& other);
     /// The scopes of a node, each with its separator.
     void AppendScopePrefix(const VDebugInfoNode* node, int depth, std::string& out,
                            bool withRecordNumbers);
@@ -54,15 +68,21 @@ private:
                           Visitor&& visit);
     const std::vector<VDebugInfoNode*>& KnownParameters(const VDebugInfoNode& node,
                                                         Parameters kind);
+    void AppendUnscoped(VDebugInfoNode& node, int depth, std::string& out, bool withRecordNumbers);
     void AppendNameOr(const VDebugInfoNode& node, const char* placeholder, std::string& out,
                       bool withRecordNumbers) const;
     void AppendTemplatePart(VDebugInfoNode& node, int depth, std::string& out,
                             bool withRecordNumbers);
     void AppendFunctionType(VDebugInfoNode& node, int depth, std::string& out,
                             bool withRecordNumbers);
+    static bool HasTemplatePart(VDebugInfoNode& node);
+    bool HavePlainlySameScopes(VDebugInfoNode* parent, VDebugInfoNode* otherParent);
     [[nodiscard]] bool IsFull(const std::string& out) const { return out.size() >= mLimit; }
 
     std::size_t mLimit;
+    std::size_t mArgumentListCount = 0;
+    /// The latest nodes whose children have the same scopes.
+    std::pair<const VDebugInfoNode*, const VDebugInfoNode*> mSameScopes;
     /// Parameters of nodes with very many children, found once however many texts name the node.
     std::map<std::pair<const VDebugInfoNode*, Parameters>, std::vector<VDebugInfoNode*>>
         mKnownParameters;

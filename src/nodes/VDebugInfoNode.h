@@ -29,6 +29,7 @@ class VDwarf2Section;
 class ReferenceCycles;
 class VNodeEmission;
 enum class BasicType : std::int32_t;
+enum class NodeTask : std::uint8_t;
 struct EmissionInputs;
 
 /// Names one object of the host's data model; 0 means none.
@@ -109,6 +110,8 @@ public:
         return mTag == DW_TAG_formal_parameter && !mHasExtras && mParent != nullptr &&
                mParent->mTag == DW_TAG_subprogram;
     }
+    /// What the passes have to do at the node, as far as its attributes tell.
+    [[nodiscard]] NodeTask GetTasks() const;
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
     [[nodiscard]] std::int32_t GetTagRecord() const { return mTagRecord; }
     /// Running number of the node in the process.

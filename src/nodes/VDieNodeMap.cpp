@@ -54,7 +54,8 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
         mPlaces[static_cast<std::size_t>(group)].push_back(place);
     }
     mNodes.emplace_back(node);
-    mIsPlainParameter.push_back(node->IsPlainParameter());
+    mMarks.push_back(static_cast<NodeMarks>(static_cast<NodeMarks>(node->GetTasks()) |
+                                            (node->IsPlainParameter() ? kIsIdle : 0)));
 }
 
 VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
@@ -70,12 +71,11 @@ VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
     }
     const auto before = static_cast<std::size_t>(std::popcount(starts & (own - 1)));
     const std::size_t place = mFirstInStretch[stretch] + before;
-    if (!mIsReferred[place]) {
-        mIsReferred[place] = true;
-        if (mIsPlainParameter[place]) {
-            mReferredParameters.push_back(static_cast<std::uint32_t>(place));
-        }
+    NodeMarks& marks = mMarks[place];
+    if ((marks & kIsIdle) != 0) {
+        mReferredParameters.push_back(static_cast<std::uint32_t>(place));
     }
+    marks = static_cast<NodeMarks>((marks | kIsReferred) & ~kIsIdle);
     return mNodes[place];
 }
 
@@ -96,7 +96,6 @@ std::span<const std::uint32_t> VDieNodeMap::PlacesOf(NodeGroup group) const {
 void VDieNodeMap::Settle() const {
     if (!mIsSettled) {
         MergeOutOfOrder();
-        mIsReferred.resize(mNodes.size());
         mIsSettled = true;
     }
 }
@@ -109,7 +108,7 @@ void VDieNodeMap::MergeOutOfOrder() const {
     mEntryStarts.clear();
     mFirstInStretch.clear();
     mPlaces = {};
-    mIsPlainParameter.clear();
+    mMarks.clear();
     auto late = mOutOfOrder.cbegin();
     for (VDebugInfoNode* node : inOrder) {
         for (; late != mOutOfOrder.cend() && late->first < node->GetOffset(); ++late) {

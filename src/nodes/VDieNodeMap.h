@@ -27,6 +27,20 @@ enum class NodeGroup : std::uint8_t {
     None
 };
 
+/// What the passes have to do at a node, told when it is filed: so a pass needs not look at nodes
+/// that it has nothing to do at. A set of bits.
+enum class NodeTask : std::uint8_t {
+    None = 0,
+    Name = 1,
+    References = 2,
+    Size = 4,
+};
+
+constexpr NodeTask operator|(NodeTask left, NodeTask right) {
+    return static_cast<NodeTask>(static_cast<std::uint8_t>(left) |
+                                 static_cast<std::uint8_t>(right));
+}
+
 /// Section offset of a debug entry to its node.
 ///
 /// Entries come in the order of reading, which is nearly always the order of offsets: the map is a
@@ -44,7 +58,10 @@ public:
     VDieNodeMap& operator=(VDieNodeMap&&) = delete;
 
     /// Makes room for about this many entries.
-    void Reserve(std::size_t count) { mNodes.reserve(count); }
+    void Reserve(std::size_t count) {
+        mNodes.reserve(count);
+        mMarks.reserve(count);
+    }
 
     /// Adds a node under its offset. An offset that is there already keeps its first node.
     void Insert(std::uint32_t sectionOffset, VDebugInfoNode* node);
@@ -64,7 +81,7 @@ public:
 
     /// Asks for the memory of the node at a place of `InOffsetOrder`, for walks that come to it
     /// `kNodesAhead` nodes later.
-    void Prefetch(std::size_t place) const {
+    BRINDLE_FETCHES void Prefetch(std::size_t place) const {
         if (place < mNodes.size()) {
             Brindle::Prefetch(mNodes[place].Get());
         }
@@ -83,18 +100,14 @@ public:
         }
     }
 
-    /// Calls `visit` with each node but the plain parameters that nothing is known to refer to, in
-    /// ascending order of their offsets. Of parameters there are more than of any other entries,
-    /// and nobody asks for them but who refers to them.
+    /// Calls `visit` with each node that a pass has this to do at, in ascending order of their
+    /// offsets. Plain parameters that nothing is known to refer to are left out: of parameters
+    /// there are more than of any other entries, and nobody asks for them but who refers to them.
     template <typename Visitor>
-    void ForEachWanted(Visitor&& visit) const {
+    void ForEachWith(NodeTask task, Visitor&& visit) const {
         Settle();
-        for (std::size_t place = 0; place < mNodes.size(); ++place) {
-            Prefetch(place + kNodesAhead);
-            if (!mIsPlainParameter[place] || mIsReferred[place]) {
-                visit(*mNodes[place]);
-            }
-        }
+        ForEachIf([&](NodeMarks marks) { return (marks & kIsIdle) == 0 && Has(marks, task); },
+                  visit);
     }
 
     /// Calls `visit` with each plain parameter that is known to be referred to, those included that
@@ -106,21 +119,43 @@ public:
         }
     }
 
-    /// Calls `visit` with each node that is known to be referred to, in ascending order of their
-    /// offsets.
+    /// Calls `visit` with each node that is known to be referred to and refers to others itself, in
+    /// ascending order of their offsets.
     template <typename Visitor>
-    void ForEachReferred(Visitor&& visit) const {
-        for (std::size_t place = 0; place < mIsReferred.size(); ++place) {
-            Prefetch(place + kNodesAhead);
-            if (mIsReferred[place]) {
-                visit(*mNodes[place]);
-            }
-        }
+    void ForEachReferredAndReferring(Visitor&& visit) const {
+        Settle();
+        ForEachIf(
+            [](NodeMarks marks) {
+                return (marks & kIsReferred) != 0 && Has(marks, NodeTask::References);
+            },
+            visit);
     }
 
     [[nodiscard]] std::size_t Size() const { return mNodes.size() + mOutOfOrder.size(); }
 
 private:
+    /// What is to be done at a node, and the marks below.
+    using NodeMarks = std::uint8_t;
+    static constexpr NodeMarks kIsReferred = 0x40;
+    /// A plain parameter that nothing is known to refer to.
+    static constexpr NodeMarks kIsIdle = 0x80;
+
+    static bool Has(NodeMarks marks, NodeTask task) {
+        return (marks & static_cast<NodeMarks>(task)) != 0;
+    }
+
+    template <typename Condition, typename Visitor>
+    void ForEachIf(Condition&& condition, Visitor&& visit) const {
+        for (std::size_t place = 0; place < mNodes.size(); ++place) {
+            if (place + kNodesAhead < mNodes.size() && condition(mMarks[place + kNodesAhead])) {
+                Prefetch(place + kNodesAhead);
+            }
+            if (condition(mMarks[place])) {
+                visit(*mNodes[place]);
+            }
+        }
+    }
+
     void Append(VDebugInfoNode* node) const;
     void Settle() const;
     void MergeOutOfOrder() const;
@@ -134,8 +169,7 @@ private:
     mutable std::vector<std::uint32_t> mFirstInStretch;
     mutable std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>
         mPlaces;
-    mutable std::vector<bool> mIsPlainParameter;
-    mutable std::vector<bool> mIsReferred;
+    mutable std::vector<NodeMarks> mMarks;
     mutable std::vector<std::uint32_t> mReferredParameters;
     mutable bool mIsSettled = false;
     std::int64_t mLastOffset = -1;
