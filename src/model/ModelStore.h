@@ -54,7 +54,9 @@ public:
     [[nodiscard]] Record At(ObjectId id) const {
         return mRecords.At(id < mRecords.Size() ? id : 0);
     }
-    [[nodiscard]] std::string_view NameOf(ObjectId id) const { return mNames.Text(At(id).name); }
+    [[nodiscard]] std::string_view NameOf(ObjectId id) const {
+        return mNames.Text(mRecords.NameAt(id < mRecords.Size() ? id : 0));
+    }
     /// The kind of an object. For an identifier that was never given out that of a namespace.
     [[nodiscard]] ObjectKind KindOf(ObjectId id) const {
         return mRecords.KindAt(id < mRecords.Size() ? id : 0);

@@ -38,6 +38,9 @@ public:
 
     [[nodiscard]] std::size_t Size() const { return mTraits.Size(); }
     [[nodiscard]] ObjectKind KindAt(std::size_t position) const { return mTraits[position].kind; }
+    [[nodiscard]] NameId NameAt(std::size_t position) const {
+        return IsSharingType(mTraits[position]) ? 0 : mRecords[mPlaces.Of(position)].name;
+    }
     [[nodiscard]] Record At(std::size_t position) const;
 
     /// Adds a record behind the last one, and as the last to those that lie in its scope: the

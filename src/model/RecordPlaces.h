@@ -33,9 +33,10 @@ public:
     [[nodiscard]] std::size_t Of(std::size_t position) const {
         const Block& block = mBlocks[position / kBlockSize];
         const std::uint64_t upToHere =
-            ~std::uint64_t{0} >> (kBlockSize - 1 - position % kBlockSize);
-        const auto joinedHere = static_cast<std::size_t>(std::popcount(block.joined & upToHere));
-        return position - block.joinedBefore - joinedHere;
+            block.joined & (~std::uint64_t{0} >> (kBlockSize - 1 - position % kBlockSize));
+        // Counting bits is a call of the compiler's library where the processor may be old.
+        const int joinedHere = upToHere != 0 ? std::popcount(upToHere) : 0;
+        return position - block.joinedBefore - static_cast<std::size_t>(joinedHere);
     }
 
 private:
