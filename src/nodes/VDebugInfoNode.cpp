@@ -8,10 +8,10 @@ std::uint32_t nGlobalLexicalBlockCounter = 0;
 
 VDebugInfoNode::VDebugInfoNode(dwarf_tag tag, std::uint32_t sectionOffset,
                                VCompileUnitHeader* header, VDebugInfoNode* parent)
-    : mParent(parent)
+    : mTag(static_cast<std::uint16_t>(std::min<dwarf_tag>(tag, kWideTag)))
     , mCompileUnitHeader(header)
-    , mOffset(sectionOffset)
-    , mTag(static_cast<std::uint16_t>(std::min<dwarf_tag>(tag, kWideTag))) {
+    , mParent(parent)
+    , mOffset(sectionOffset) {
     static std::uint32_t sCurrentDebugNodeRecord = 0;
     mNodeRecord = static_cast<std::int32_t>(sCurrentDebugNodeRecord++);
     if (parent != nullptr) {
