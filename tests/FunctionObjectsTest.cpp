@@ -175,15 +175,15 @@ TEST_F(FunctionObjectsTest, NumbersAbove32Bits) {
 }
 
 TEST_F(FunctionObjectsTest, FunctionAndTypeAreScopesOfTheirOwn) {
-    const ObjectId type = Type(7, sGlobalNamespace);
-    const ObjectId function = Function("f", type, sGlobalNamespace, 5);
+    const ObjectId outer = Type(7, sGlobalNamespace);
+    const ObjectId function = Function("f", outer, sGlobalNamespace, 5);
     const ObjectId ofFunction = Block("of the function", function);
-    const ObjectId ofType = Block("of the type", type);
-    const ObjectId inner = Type(0, type);
-    const ObjectId innerFunction = Function("g", inner, type);
+    const ObjectId ofType = Block("of the type", outer);
+    const ObjectId inner = Type(0, outer);
+    const ObjectId innerFunction = Function("g", inner, outer);
     const ObjectId last = Block("last", function);
     ExpectAllAsPassed();
-    EXPECT_THAT(In(type), ElementsAre(ofType, inner, innerFunction));
+    EXPECT_THAT(In(outer), ElementsAre(ofType, inner, innerFunction));
     EXPECT_THAT(In(function), ElementsAre(ofFunction, last));
     EXPECT_EQ(mModel.QualifiedName(ofFunction), "f::of the function");
     EXPECT_EQ(mModel.QualifiedName(ofType), "of the type");

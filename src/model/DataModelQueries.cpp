@@ -97,7 +97,7 @@ ModelObject DataModel::Object(ObjectId id) const {
         object.id = id;
         object.kind = record.kind;
         object.scope = record.scope;
-        object.name = mStore->NameOf(id);
+        object.name = mStore->Text(record.name);
         object.type = record.type;
         object.anonymous = record.anonymous;
         SetKindFields(object, record);

@@ -57,6 +57,7 @@ public:
     [[nodiscard]] std::string_view NameOf(ObjectId id) const {
         return mNames.Text(mRecords.NameAt(id < mRecords.Size() ? id : 0));
     }
+    [[nodiscard]] std::string_view Text(NameId name) const { return mNames.Text(name); }
     /// The kind of an object. For an identifier that was never given out that of a namespace.
     [[nodiscard]] ObjectKind KindOf(ObjectId id) const {
         return mRecords.KindAt(id < mRecords.Size() ? id : 0);
