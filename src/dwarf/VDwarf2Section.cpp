@@ -26,6 +26,10 @@ constexpr std::int32_t sPrimes[] = {
 
 constexpr std::uint64_t sSectionBytesPerBucket = 75;
 
+/// Entries of this many bytes and more have room beforehand. Room that isn't needed in the end
+/// costs addresses alone.
+constexpr std::uint64_t sEntriesPerBucket = 10;
+
 /// Value of an option that is to be decided by the first producer text.
 constexpr std::int32_t sAutodetect = 2;
 
@@ -52,9 +56,10 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     recCnt = 0;
     const std::uint64_t entriesAtMost =
         std::min(file.mSecDebugInfo.sh_size, static_cast<std::uint64_t>(file.mFileSize));
-    mDieNodes.Reserve(
-        std::min(static_cast<std::uint64_t>(EstimateBestHashMapBucketsCountFromDebugSectionSize()),
-                 entriesAtMost));
+    mDieNodes.Reserve(std::min(
+        sEntriesPerBucket *
+            static_cast<std::uint64_t>(EstimateBestHashMapBucketsCountFromDebugSectionSize()),
+        entriesAtMost));
     mLocTabBuffer.reset(new (std::nothrow) VLocTabBuffer(file, file.mSecDebugLoc));
     mAbrSectionBuffer.reset(new (std::nothrow) VAbrSectionBuffer(file, file.mSecDebugAbbrev));
     if (!mLocTabBuffer || !mAbrSectionBuffer) {
