@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 using namespace Tessel::Norn::Brindle;
@@ -31,13 +33,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Fuzzing::InputBytes input(data, size);
     const std::uint8_t choice = input.Byte();
     const std::uint8_t outSize = input.Byte();
-    // Exactly as long as told, so that a read behind the end is seen.
-    std::vector<char> name(input.Rest().begin(), input.Rest().end());
-    name.reserve(1); // A name is never null.
     const bool isTerminated = (choice & 0x40U) != 0;
-    if (isTerminated) {
-        name.push_back('\0');
-    }
+    // Exactly as long as told, so that a read behind the end is seen.
+    const std::size_t length = input.Rest().size() + (isTerminated ? 1 : 0);
+    const auto bytes = std::make_unique<char[]>(length);
+    std::ranges::copy(input.Rest(), bytes.get());
+    const std::string_view name(bytes.get(), length);
     std::vector<char> out(std::size_t{outSize} + 1, '~');
     bool isDemangled = false;
     const bool hasText =
@@ -47,7 +48,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Fuzzing::Require(std::memchr(out.data(), 0, out.size()) != nullptr, "a text is terminated");
         Fuzzing::Require(Fuzzing::IsUtf8(ToHostText(out.data())), "host texts are UTF-8");
     }
-    Fuzzing::Require(Fuzzing::IsUtf8(ToHostText({name.data(), name.size()})),
-                     "host texts are UTF-8");
+    Fuzzing::Require(Fuzzing::IsUtf8(ToHostText(name)), "host texts are UTF-8");
     return 0;
 }
