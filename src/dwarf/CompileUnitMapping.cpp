@@ -195,6 +195,8 @@ private:
         mPosition = mPreviousStart + static_cast<std::int64_t>(total);
         LogUnit(unit, length);
         unit.mIndex = static_cast<std::uint32_t>(mSection.mCompileUnits.size());
+        unit.mSectionOffset =
+            unit.mFilePos - static_cast<std::uint32_t>(mSection.mElfFile->mSecDebugInfo.sh_offset);
         unit.mDebugStr = mSection.mDebugStr.data();
         mSection.mCompileUnits.push_back(mSection.mArena.Create<VCompileUnitHeader>(unit));
     }

@@ -13,6 +13,8 @@ class VDebugInfoNode;
 struct VCompileUnitHeader {
     /// File position of the unit's first byte.
     std::uint32_t mFilePos = 0;
+    /// Section offset of the unit's first byte, in 32 bits.
+    std::uint32_t mSectionOffset = 0;
     /// Whole unit in bytes, its length field included.
     std::uint32_t mLength = 0;
     /// 11 bytes, or 23 in 64-bit DWARF.

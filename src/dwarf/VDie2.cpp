@@ -83,13 +83,20 @@ VDie2::Entry VDie2::ReadAbbrevCode() {
     if (mItem == nullptr) {
         return Entry::Unknown;
     }
-    static_cast<VDieAttributes&>(*this) = VDieAttributes{};
+    ClearAttributes();
     mNode = nullptr;
-    mOffset = mSection->UnitToSectionOffset(mUnitReader->mHeader, unitOffset);
+    mOffset = VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, unitOffset);
     mRecordNumber = recCnt;
     mAbbrevCode = code;
     mTag = mItem->mTag;
     return Entry::Decoded;
+}
+
+void VDie2::ClearAttributes() {
+    if (mHasRareAttributes) {
+        mRareAttributes = {};
+    }
+    static_cast<VDieAttributes&>(*this) = VDieAttributes{};
 }
 
 void VDie2::ReadAttributes() {
@@ -237,26 +244,26 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         break;
     case AttributeTarget::CompDir:
         if (value.mString != nullptr) {
-            mCompDir = MakeAttributeString(value.mString);
+            Rare().mCompDir = MakeAttributeString(value.mString);
         }
         break;
     case AttributeTarget::ConstValue:
-        mConstValue = VAttributeValue::Integer(value.mNumber);
+        Rare().mConstValue = VAttributeValue::Integer(value.mNumber);
         break;
     case AttributeTarget::LowerBound:
-        mLowerBound = MakeAttributeValue(attribute, value.mNumber);
+        Rare().mLowerBound = MakeAttributeValue(attribute, value.mNumber);
         break;
     case AttributeTarget::Producer:
         StoreProducer(value.mString);
         break;
     case AttributeTarget::UpperBound:
-        mUpperBound = MakeAttributeValue(attribute, value.mNumber);
+        Rare().mUpperBound = MakeAttributeValue(attribute, value.mNumber);
         break;
     case AttributeTarget::Accessibility:
         mAccessibility = MakeAttributeValue(attribute, value.mNumber);
         break;
     case AttributeTarget::Count:
-        mCount = MakeAttributeValue(attribute, value.mNumber);
+        Rare().mCount = MakeAttributeValue(attribute, value.mNumber);
         break;
     case AttributeTarget::Declaration:
         mIsDeclaration = value.mNumber != 0;
@@ -305,8 +312,8 @@ void VDie2::ShortenUnitName() {
 }
 
 void VDie2::StoreProducer(const char* producer) {
-    mProducer.mValue = producer != nullptr ? CutText(producer, sMaximumProducerLength) : "<NULL>";
-    mProducer.mDefined = true;
+    Rare().mProducer = {producer != nullptr ? CutText(producer, sMaximumProducerLength) : "<NULL>",
+                        true};
     OnProducer();
 }
 
@@ -315,8 +322,8 @@ void VDie2::OnProducer() {
     if (mTag != DW_TAG_compile_unit || mBuffer->HasPassedEnd()) {
         return;
     }
-    mUnitReader->mProducer = mProducer.mValue;
-    mSection->AutodetectProducerOptions(mProducer.mValue, mUnitReader);
+    mUnitReader->mProducer = mRareAttributes.mProducer.mValue;
+    mSection->AutodetectProducerOptions(mRareAttributes.mProducer.mValue, mUnitReader);
 }
 
 VAttributeString VDie2::MakeAttributeString(const char* text) const {
@@ -331,7 +338,7 @@ VAttributeValue VDie2::MakeAttributeValue(const TDieAttribute& attribute,
     return VAttributeValue::Reference(
         attribute.mForm == DW_FORM_ref_addr
             ? value
-            : mSection->UnitToSectionOffset(mUnitReader->mHeader, value));
+            : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, value));
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -52,15 +52,20 @@ struct VDieAttributes {
     /// At most `sMaximumNameLength` characters.
     VDieText mName;
     VDieText mLinkageName;
+    VAttributeValue mSpecification;
+    VAttributeValue mAccessibility;
+    bool mHasRareAttributes = false;
+};
+
+/// What the attributes of few entries tell.
+struct VRareDieAttributes {
     VAttributeString mCompDir;
     /// At most 1024 characters.
     VAttributeString mProducer;
-    VAttributeValue mSpecification;
     VAttributeValue mCount;
     VAttributeValue mUpperBound;
     VAttributeValue mLowerBound;
     VAttributeValue mConstValue;
-    VAttributeValue mAccessibility;
 };
 
 /// The number or text that a form gave.
@@ -82,6 +87,8 @@ public:
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
+    [[nodiscard]] const VRareDieAttributes& GetRareAttributes() const { return mRareAttributes; }
+
 private:
     enum class Entry { Null, Unknown, Decoded };
 
@@ -98,6 +105,12 @@ private:
     /// Moves behind a block; one that passes the end of the unit cuts the entry off.
     void MoveBehindBlock(std::uint32_t length);
 
+    void ClearAttributes();
+    /// The rare attributes, to change them.
+    VRareDieAttributes& Rare() {
+        mHasRareAttributes = true;
+        return mRareAttributes;
+    }
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
     void StoreName(const char* name);
     void StoreProducer(const char* producer);
@@ -122,6 +135,8 @@ private:
     VCompileUnitReader* mUnitReader;
     /// Taken off the addresses of variables; 0 unless the container has set it.
     std::uint64_t mImageBase;
+    /// Cleared only behind an entry that has any.
+    VRareDieAttributes mRareAttributes;
     const TAbrTabItem* mItem = nullptr;
     /// The node made of the current entry.
     VDebugInfoNode* mNode = nullptr;

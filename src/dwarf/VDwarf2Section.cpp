@@ -93,18 +93,6 @@ std::int32_t VDwarf2Section::EstimateBestHashMapBucketsCountFromDebugSectionSize
     return prime != std::end(sPrimes) ? *prime : *std::prev(std::end(sPrimes));
 }
 
-std::uint32_t VDwarf2Section::UnitToSectionOffset(const VCompileUnitHeader& unit,
-                                                  std::uint32_t unitOffset) const {
-    return unitOffset +
-           (unit.mFilePos - static_cast<std::uint32_t>(mElfFile->mSecDebugInfo.sh_offset));
-}
-
-std::uint32_t VDwarf2Section::SectionToUnitOffset(const VCompileUnitHeader& unit,
-                                                  std::uint32_t sectionOffset) const {
-    return sectionOffset +
-           (static_cast<std::uint32_t>(mElfFile->mSecDebugInfo.sh_offset) - unit.mFilePos);
-}
-
 void VDwarf2Section::AutodetectProducerOptions(std::string_view producer,
                                                VCompileUnitReader* reader) {
     if (!mAutodetectPending) {

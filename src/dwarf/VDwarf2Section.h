@@ -74,10 +74,14 @@ public:
     /// Bucket count for a table with an entry for each debug entry, from the size of the section.
     [[nodiscard]] std::int32_t EstimateBestHashMapBucketsCountFromDebugSectionSize() const;
 
-    [[nodiscard]] std::uint32_t UnitToSectionOffset(const VCompileUnitHeader& unit,
-                                                    std::uint32_t unitOffset) const;
-    [[nodiscard]] std::uint32_t SectionToUnitOffset(const VCompileUnitHeader& unit,
-                                                    std::uint32_t sectionOffset) const;
+    [[nodiscard]] static std::uint32_t UnitToSectionOffset(const VCompileUnitHeader& unit,
+                                                           std::uint32_t unitOffset) {
+        return unitOffset + unit.mSectionOffset;
+    }
+    [[nodiscard]] static std::uint32_t SectionToUnitOffset(const VCompileUnitHeader& unit,
+                                                           std::uint32_t sectionOffset) {
+        return sectionOffset - unit.mSectionOffset;
+    }
 
     /// The terminated text at an offset of `.debug_str`, null if there is none.
     [[nodiscard]] const char* GetDebugString(std::uint32_t offset) const {

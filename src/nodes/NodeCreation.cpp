@@ -26,7 +26,7 @@ constexpr std::uint8_t sGlobalBinding = 0x10;
 
 bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header) {
     if (mTag == DW_TAG_compile_unit && mSection->mReader != nullptr &&
-        mSection->SectionToUnitOffset(*header, mOffset) < sProgressOffset) {
+        VDwarf2Section::SectionToUnitOffset(*header, mOffset) < sProgressOffset) {
         mSection->mReader->SetProgressValue(static_cast<std::int32_t>(mOffset));
     }
     if (mTag == DW_TAG_variable && mLocationAddress != 0) {
@@ -49,7 +49,7 @@ VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
         return arena.Create<Node>(mOffset, header, parent, name());
     };
     const auto constant = [&]<typename Node>() {
-        return arena.Create<Node>(mOffset, header, parent, name(), mConstValue);
+        return arena.Create<Node>(mOffset, header, parent, name(), mRareAttributes.mConstValue);
     };
     const auto markTemplate = [parent](VDebugInfoNode* parameter) {
         if (parent != nullptr) {
@@ -75,7 +75,8 @@ VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
     case DW_TAG_compile_unit:
         return arena.Create<VDebugInfoNodeCompileUnit>(
             mOffset, header, name(),
-            VAttributeString{mSection->KeepText(mProducer.mValue), mProducer.mDefined});
+            VAttributeString{mSection->KeepText(mRareAttributes.mProducer.mValue),
+                             mRareAttributes.mProducer.mDefined});
     case DW_TAG_structure_type:
         return named.operator()<VDebugInfoNodeStructure>();
     case DW_TAG_subroutine_type:

@@ -34,9 +34,10 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     mIsExternal = die.mIsExternal;
     mHasNameAttribute = die.mHasName;
     mBitFieldFromLocation = die.mBitFieldFromLocation;
-    mTypeReferenceOffset = die.mTypeRef != 0 && !die.mTypeRefIsSectionOffset
-                               ? section.UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
-                               : die.mTypeRef;
+    mTypeReferenceOffset =
+        die.mTypeRef != 0 && !die.mTypeRefIsSectionOffset
+            ? VDwarf2Section::UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
+            : die.mTypeRef;
     if (HasExtras(die)) {
         mAside = &MakeExtras(die, section);
         mHasExtras = true;
@@ -60,7 +61,7 @@ VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& sectio
 
 void VDebugInfoNodeCompileUnit::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     VDebugInfoNode::InitFromDie(die, section);
-    mCompUnitDir = Keep(die.mCompDir, section);
+    mCompUnitDir = Keep(die.GetRareAttributes().mCompDir, section);
 }
 
 void VDebugInfoNodeVariable::InitFromDie(const VDie2& die, VDwarf2Section& section) {
@@ -84,9 +85,10 @@ void VDebugInfoNodeInheritance::InitFromDie(const VDie2& die, VDwarf2Section& se
 
 void VDebugInfoNodeSubrange::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     VDebugInfoNode::InitFromDie(die, section);
-    mLowerBound = die.mLowerBound;
-    mUpperBound = die.mUpperBound;
-    mCount = die.mCount;
+    const VRareDieAttributes& attributes = die.GetRareAttributes();
+    mLowerBound = attributes.mLowerBound;
+    mUpperBound = attributes.mUpperBound;
+    mCount = attributes.mCount;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
