@@ -44,6 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool hasText =
         DemangleName(out.data(), outSize, name.data(), static_cast<int>(name.size()), isDemangled,
                      OptionsOf(choice));
+    Fuzzing::Require(!isDemangled || MayBeMangled(name, OptionsOf(choice)),
+                     "what is demangled looks like a mangled name");
     if (hasText) {
         Fuzzing::Require(std::memchr(out.data(), 0, out.size()) != nullptr, "a text is terminated");
         Fuzzing::Require(Fuzzing::IsUtf8(ToHostText(out.data())), "host texts are UTF-8");

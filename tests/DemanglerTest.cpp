@@ -59,6 +59,7 @@ Answer Demangle(std::string_view name, const VDemanglingOptions& options = {},
     answer.demangled = true;
     answer.result = DemangleName(out.get(), outSize, exactName.get(), static_cast<int>(name.size()),
                                  answer.demangled, options);
+    EXPECT_TRUE(MayBeMangled(name, options) || !answer.demangled) << name;
     if (answer.result) {
         answer.text = out.get();
     }

@@ -4,6 +4,7 @@
 #include "demangle/ItaniumNames.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -12,6 +13,16 @@ namespace {
 std::string_view CutAtTerminator(const char* name, int length) {
     const std::string_view text(name, static_cast<std::size_t>(std::max(length, 0)));
     return text.substr(0, text.find('\0'));
+}
+
+/// Looks at all characters at once, which is faster than to stop at the first find.
+bool HoldsTwoUnderscores(std::string_view name) {
+    unsigned found = 0;
+    for (std::size_t index = 1; index < name.size(); ++index) {
+        found |= static_cast<unsigned>(name[index - 1] == '_') &
+                 static_cast<unsigned>(name[index] == '_');
+    }
+    return found != 0;
 }
 
 } // namespace
@@ -26,6 +37,10 @@ bool DemangleName(char* out, int outSize, const char* name, int length, bool& de
     return options.mIsTaskingProducer
                ? DemangleItaniumName(out, outSize, text, demangled, options)
                : DemangleDoubleUnderscoreName(out, outSize, text, demangled, options);
+}
+
+bool MayBeMangled(std::string_view name, const VDemanglingOptions& options) {
+    return options.mIsTaskingProducer || HoldsTwoUnderscores(name);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -6,6 +6,8 @@
 #include "../core/Export.h"
 #include "../demangle/VDemanglingOptions.h"
 
+#include <string_view>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// Demangles a name: with `mIsTaskingProducer` one in the style of the Itanium C++ ABI (section
@@ -20,5 +22,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 ///         change, or if the name is too deeply qualified to be read; `out` is then not to be used.
 BRINDLE_EXPORT bool DemangleName(char* out, int outSize, const char* name, int length,
                                  bool& demangled, const VDemanglingOptions& options);
+
+/// False for a name that `DemangleName` reads as no mangled one, told at a glance; true for most of
+/// the others alone.
+BRINDLE_EXPORT bool MayBeMangled(std::string_view name, const VDemanglingOptions& options);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

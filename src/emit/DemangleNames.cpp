@@ -65,6 +65,9 @@ private:
     /// The new name, none if the name stays.
     std::optional<VNodeText> DemangleName(const VDebugInfoNode& node) {
         const std::string_view name = node.GetName();
+        if (!MayBeMangled(name, mOptions)) {
+            return std::nullopt;
+        }
         bool isDemangled = false;
         const bool isWritten =
             DWARF::DemangleName(mBuffer, sMaximumNameLength, name.data(),

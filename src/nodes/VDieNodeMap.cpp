@@ -9,8 +9,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr unsigned sStretchBits = 6;
-constexpr std::uint32_t sStretchMask = (1U << sStretchBits) - 1;
+constexpr std::uint32_t sStretchSize = 64;
+constexpr std::uint32_t sHalfSize = sStretchSize / 2;
 
 NodeGroup GroupOf(dwarf_tag tag) {
     switch (tag) {
@@ -44,12 +44,11 @@ void VDieNodeMap::Insert(std::uint32_t sectionOffset, VDebugInfoNode* node) {
 void VDieNodeMap::Append(VDebugInfoNode* node) const {
     const auto place = static_cast<std::uint32_t>(mNodes.size());
     const std::uint32_t offset = node->GetOffset();
-    const std::size_t stretch = offset >> sStretchBits;
-    if (stretch >= mEntryStarts.size()) {
-        mEntryStarts.resize(stretch + 1);
-        mFirstInStretch.resize(stretch + 1, place);
+    const std::size_t stretch = offset / sStretchSize;
+    if (stretch >= mStretches.size()) {
+        mStretches.resize(stretch + 1, {.firstPlace = place});
     }
-    mEntryStarts[stretch] |= std::uint64_t{1} << (offset & sStretchMask);
+    mStretches[stretch].entryStarts[offset / sHalfSize % 2] |= 1U << (offset % sHalfSize);
     if (const NodeGroup group = GroupOf(node->GetTag()); group != NodeGroup::None) {
         mPlaces[static_cast<std::size_t>(group)].push_back(place);
     }
@@ -60,17 +59,19 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
 
 VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
     Settle();
-    const std::size_t stretch = sectionOffset >> sStretchBits;
-    if (stretch >= mEntryStarts.size()) {
+    const std::size_t index = sectionOffset / sStretchSize;
+    if (index >= mStretches.size()) {
         return nullptr;
     }
-    const std::uint64_t starts = mEntryStarts[stretch];
-    const std::uint64_t own = std::uint64_t{1} << (sectionOffset & sStretchMask);
+    const Stretch& stretch = mStretches[index];
+    const std::uint64_t starts = stretch.entryStarts[0] | std::uint64_t{stretch.entryStarts[1]}
+                                                              << sHalfSize;
+    const std::uint64_t own = std::uint64_t{1} << (sectionOffset % sStretchSize);
     if ((starts & own) == 0) {
         return nullptr;
     }
     const auto before = static_cast<std::size_t>(std::popcount(starts & (own - 1)));
-    const std::size_t place = mFirstInStretch[stretch] + before;
+    const std::size_t place = stretch.firstPlace + before;
     NodeMarks& marks = mMarks[place];
     if ((marks & kIsIdle) != 0) {
         mReferredParameters.push_back(static_cast<std::uint32_t>(place));
@@ -105,8 +106,7 @@ void VDieNodeMap::MergeOutOfOrder() const {
         return;
     }
     const std::vector<Link> inOrder = std::exchange(mNodes, {});
-    mEntryStarts.clear();
-    mFirstInStretch.clear();
+    mStretches.clear();
     mPlaces = {};
     mMarks.clear();
     auto late = mOutOfOrder.cbegin();

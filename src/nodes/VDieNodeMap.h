@@ -156,6 +156,13 @@ private:
         }
     }
 
+    /// 64 bytes of the section: a bit for each byte where an entry begins, in two halves, and the
+    /// place of the first entry in or behind them.
+    struct Stretch {
+        std::array<std::uint32_t, 2> entryStarts{};
+        std::uint32_t firstPlace = 0;
+    };
+
     void Append(VDebugInfoNode* node) const;
     void Settle() const;
     void MergeOutOfOrder() const;
@@ -163,10 +170,7 @@ private:
     // Questions settle what insertions left open, hence mutable.
     mutable std::vector<Link> mNodes;
     mutable std::map<std::uint32_t, VDebugInfoNode*> mOutOfOrder;
-    /// For each stretch of 64 bytes of the section a bit for each byte where an entry begins, and
-    /// the place of the first entry in or behind it.
-    mutable std::vector<std::uint64_t> mEntryStarts;
-    mutable std::vector<std::uint32_t> mFirstInStretch;
+    mutable std::vector<Stretch> mStretches;
     mutable std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>
         mPlaces;
     mutable std::vector<NodeMarks> mMarks;
