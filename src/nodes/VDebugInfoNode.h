@@ -60,6 +60,7 @@ struct VNodeDelivery {
 
 /// Attributes that few nodes have, and the delivery of such a node.
 struct VNodeExtras : VNodeDelivery {
+    // NOLINTNEXTLINE(modernize-use-equals-default): of the union, a default would build neither
     VNodeExtras() {}
 
     bool mHasLinkageName = false;

@@ -114,6 +114,7 @@ public:
     /// become known on the way, in the order in which they became so.
     template <typename Visitor>
     void ForEachReferredParameter(Visitor&& visit) const {
+        // NOLINTNEXTLINE(modernize-loop-convert): the list grows meanwhile
         for (std::size_t index = 0; index < mReferredParameters.size(); ++index) {
             visit(*mNodes[mReferredParameters[index]]);
         }
