@@ -88,7 +88,7 @@ private:
     static std::byte* ObjectOf(std::uint32_t number) {
         constexpr std::uint32_t unitMask = (1U << kUnitBits) - 1;
         std::byte* chunk = sChunks[number >> kUnitBits];
-        return chunk + std::size_t{number & unitMask} * kAlignment;
+        return &chunk[(number & unitMask) * kAlignment];
     }
 
     /// The chunks of all arenas by their numbers.
