@@ -310,6 +310,34 @@ TEST_F(NodeTest, AParameterThatIsNamedAsATypeLendsItsSize) {
     EXPECT_EQ(tree[ofArgument].GetBitOffset(), 11U);
 }
 
+// A bit field without storage counts in what is settled of its type's chain by then, whoever has
+// settled it.
+TEST_F(NodeTest, EveryParameterSettlesTheSizeOfItsType) {
+    const DieLabel pointer;
+    const DieLabel alias;
+    const DieLabel parameter;
+    const DieLabel field;
+    const auto offsetBehind = [&](Die first) {
+        NodeTree tree(Unit({
+            std::move(first),
+            Die(field, DW_TAG_member, {Type(alias), ByteSize(0), BitSize(3), BitOffset(2)}),
+            Die(alias, DW_TAG_typedef, {Name("t"), Type(pointer)}),
+            Die(pointer, DW_TAG_pointer_type, {ByteSize(2)}),
+        }));
+        tree.Resolve();
+        return tree[field].GetBitOffset();
+    };
+    const Die ofAlias(parameter, DW_TAG_formal_parameter, {Name("p"), Type(alias)});
+    const Die ofParameter(DW_TAG_formal_parameter, {Name("q"), Type(parameter)});
+    EXPECT_EQ(offsetBehind(Die(parameter, DW_TAG_subprogram, {Name("f")})), 27U);
+    EXPECT_EQ(offsetBehind(Die(DW_TAG_subprogram, {Name("f")}, {ofAlias})), 11U);
+    EXPECT_EQ(offsetBehind(Die(DW_TAG_subprogram, {Name("f")}, {ofParameter, ofAlias})), 11U);
+    EXPECT_EQ(offsetBehind(Die(DW_TAG_subroutine_type, {}, {ofAlias})), 11U);
+    EXPECT_EQ(offsetBehind(Die(DW_TAG_class_type, {Name("c")},
+                               {Die(DW_TAG_template_type_param, {Name("T"), Type(alias)})})),
+              11U);
+}
+
 TEST_F(NodeTest, EndsOfChains) {
     const DieLabel number;
     const DieLabel alias;

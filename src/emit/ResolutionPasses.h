@@ -13,7 +13,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// Calls `visit` with each node that a pass has this to do at, in ascending order of their offsets.
 /// Parameters of functions that no entry refers to are never delivered: they keep their names and
-/// references as read unless they are dumped.
+/// references as read unless they are dumped, or a bit field depends on them.
 template <typename Visitor>
 void ForEachNodeWith(NodeTask task, const VDwarf2Section& section, Visitor&& visit) {
     if (VElfOptions::mDumpDebugInfoNodes == 0) {

@@ -111,6 +111,11 @@ public:
         return mTag == DW_TAG_formal_parameter && !mHasExtras && mParent != nullptr &&
                mParent->mTag == DW_TAG_subprogram;
     }
+    /// True for a bit field that doesn't tell the size of its storage. What it makes of its type
+    /// depends on whether nodes before it, parameters too, have settled the size of that type.
+    [[nodiscard]] bool IsBitFieldWithoutSize() const {
+        return mHasExtras && mByteSize <= 0 && GetBitSize() != 0;
+    }
     /// What the passes have to do at the node, as far as its attributes tell.
     [[nodiscard]] NodeTask GetTasks() const;
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.

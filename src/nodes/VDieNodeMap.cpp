@@ -55,6 +55,9 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
     mNodes.emplace_back(node);
     mMarks.push_back(static_cast<NodeMarks>(static_cast<NodeMarks>(node->GetTasks()) |
                                             (node->IsPlainParameter() ? kIsIdle : 0)));
+    if (node->IsBitFieldWithoutSize()) {
+        mLeftOut = 0;
+    }
 }
 
 VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {

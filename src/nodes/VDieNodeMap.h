@@ -103,10 +103,12 @@ public:
     /// Calls `visit` with each node that a pass has this to do at, in ascending order of their
     /// offsets. Plain parameters that nothing is known to refer to are left out: of parameters
     /// there are more than of any other entries, and nobody asks for them but who refers to them.
+    /// None is left out if a bit field shows in which order sizes are settled, see
+    /// `VDebugInfoNode::IsBitFieldWithoutSize`.
     template <typename Visitor>
     void ForEachWith(NodeTask task, Visitor&& visit) const {
         Settle();
-        ForEachIf([&](NodeMarks marks) { return (marks & kIsIdle) == 0 && Has(marks, task); },
+        ForEachIf([&](NodeMarks marks) { return (marks & mLeftOut) == 0 && Has(marks, task); },
                   visit);
     }
 
@@ -175,6 +177,8 @@ private:
     mutable std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>
         mPlaces;
     mutable std::vector<NodeMarks> mMarks;
+    /// Marks of nodes that `ForEachWith` leaves out.
+    mutable NodeMarks mLeftOut = kIsIdle;
     mutable std::vector<std::uint32_t> mReferredParameters;
     mutable bool mIsSettled = false;
     std::int64_t mLastOffset = -1;
