@@ -324,6 +324,12 @@ TEST_F(DwarfDecodingTest, TextsMayBeAbsent) {
     EXPECT_TRUE(named->HasNameAttribute());
     EXPECT_EQ(named->GetLinkageNameAttribute().mValue, "");
     EXPECT_TRUE(named->GetLinkageNameAttribute().mDefined);
+    // The last attribute of a kind counts, also where it is no text.
+    const DecodedEntry twice(DW_TAG_variable, {Name("n"), numbered(DW_AT_name), LinkageName("l"),
+                                               numbered(DW_AT_linkage_name)});
+    EXPECT_EQ(twice->GetName(), "unknown");
+    EXPECT_EQ(twice->GetLinkageNameAttribute().mValue, "");
+    EXPECT_TRUE(twice->GetLinkageNameAttribute().mDefined);
     for (const std::uint64_t offset : {5U, 100U, 0xFFFFFFFFU}) {
         DwarfSections sections;
         sections.String("1234");

@@ -284,9 +284,8 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         break;
     case AttributeTarget::LinkageName:
         mHasLinkageName = true;
-        if (value.mString != nullptr) {
-            mLinkageName = mSection->AllowText(value.mString, sNoLimit);
-        }
+        mLinkageName =
+            value.mString != nullptr ? mSection->AllowText(value.mString, sNoLimit) : VDieText{};
         break;
     default:
         break;

@@ -12,8 +12,6 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-namespace {} // namespace
-
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
     tag_alignment.clear();
