@@ -86,7 +86,7 @@ private:
 
 void DemangleNames(VDwarf2Section& section) {
     NameDemangler demangler(section);
-    ForEachNodeWith(NodeTask::Name, section, [&](VDebugInfoNode& node) {
+    section.mDieNodes.ForEachWith(NodeTask::Name, [&](VDebugInfoNode& node) {
         if (node.GetTag() == DW_TAG_compile_unit) {
             demangler.EnterUnit(node);
         }

@@ -83,17 +83,12 @@ bool VDwarf2Section::EmitNodes() {
             }
         }
     };
-    const std::vector<std::uint32_t> places = PlacesOfRoots(mDieNodes, allTypes);
-    for (std::size_t root = 0; root < places.size(); ++root) {
-        if (root + VDieNodeMap::kNodesAhead < places.size()) {
-            mDieNodes.Prefetch(places[root + VDieNodeMap::kNodesAhead]);
+    mDieNodes.ForEachPlace(PlacesOfRoots(mDieNodes, allTypes), [&](std::uint32_t place) {
+        tellProgressBefore(place);
+        if (IsEmissionRoot(*nodes[place], allTypes)) {
+            emission.Deliver(*nodes[place]);
         }
-        const std::uint32_t index = places[root];
-        tellProgressBefore(index);
-        if (IsEmissionRoot(*nodes[index], allTypes)) {
-            emission.Deliver(*nodes[index]);
-        }
-    }
+    });
     tellProgressBefore(nodes.size());
     if (VElfOptions::mDumpDebugInfoNodes != 0) {
         DumpDebugInfoNodes();

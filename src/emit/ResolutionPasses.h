@@ -3,29 +3,13 @@
 // resolved stays as it is, and later stages take it as absent.
 #pragma once
 
-#include "core/VElfOptions.h"
-#include "dwarf/VDwarf2Section.h"
-#include "nodes/VDebugInfoNode.h"
-
-#include <utility>
-
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Calls `visit` with each node that a pass has this to do at, in ascending order of their offsets.
-/// Parameters of functions that no entry refers to are never delivered: they keep their names and
-/// references as read unless they are dumped, or a bit field depends on them.
-template <typename Visitor>
-void ForEachNodeWith(NodeTask task, const VDwarf2Section& section, Visitor&& visit) {
-    if (VElfOptions::mDumpDebugInfoNodes == 0) {
-        section.mDieNodes.ForEachWith(task, std::forward<Visitor>(visit));
-        return;
-    }
-    for (VDebugInfoNode* node : section.mDieNodes.InOffsetOrder()) {
-        visit(*node);
-    }
-}
+class VDwarf2Section;
 
-/// 1. Turns the references of all nodes into links.
+/// 1. Turns the references of all nodes into links. Parameters of functions that no entry refers to
+/// are never delivered: they keep their references, names and sizes as read, unless nodes are
+/// dumped or a bit field depends on them.
 void ResolveAllReferences(VDwarf2Section& section);
 
 /// 2. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second

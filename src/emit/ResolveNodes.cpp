@@ -15,6 +15,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
     tag_alignment.clear();
+    if (VElfOptions::mDumpDebugInfoNodes != 0) {
+        mDieNodes.LeaveNoneOut();
+    }
     ResolveAllReferences(*this);
     DemangleNames(*this);
     GroupTypesOfSameName(*this);
@@ -29,7 +32,7 @@ bool VDwarf2Section::ResolveNodes() {
 
 void ResolveAllReferences(VDwarf2Section& section) {
     const auto resolve = [&](VDebugInfoNode& node) { node.ResolveReferences(section.mDieNodes); };
-    ForEachNodeWith(NodeTask::References, section, resolve);
+    section.mDieNodes.ForEachWith(NodeTask::References, resolve);
     section.mDieNodes.ForEachReferredParameter(resolve);
 }
 
@@ -41,8 +44,9 @@ void BreakAllReferenceCycles(VDwarf2Section& section) {
 }
 
 void ResolveAllSizes(VDwarf2Section& section) {
-    ForEachNodeWith(NodeTask::Size, section,
-                    [&](VDebugInfoNode& node) { node.ResolveSizes(section.mDieNodes, section); });
+    section.mDieNodes.ForEachWith(NodeTask::Size, [&](VDebugInfoNode& node) {
+        node.ResolveSizes(section.mDieNodes, section);
+    });
 }
 
 void UnifyCompileUnits(VDwarf2Section& section) {

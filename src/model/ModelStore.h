@@ -1,6 +1,5 @@
 // The memory of the default data model: a record of each object, with names, lists and the lookup
-// index aside. `DataModel` fills it; it knows no operation of the host
-// contract.
+// index aside. `DataModel` fills it; it knows no operation of the host contract.
 #pragma once
 
 #include "model/LookupIndex.h"

@@ -87,18 +87,12 @@ bool HasFewChildren(const VDebugInfoNode& node) {
 bool HaveSameName(const VDebugInfoNode& one, const VDebugInfoNode& other) {
     const char* name = one.GetNameStart();
     const char* otherName = other.GetNameStart();
-    return name == otherName || std::strncmp(name, otherName, sMaximumNameLength) == 0;
+    return name == otherName || std::strcmp(name, otherName) == 0;
 }
 
 /// In names that have one it stands near the start, so that the name isn't measured first.
 bool HoldsBracket(const VDebugInfoNode& node) {
-    const char* name = node.GetNameStart();
-    for (std::size_t place = 0; place < sMaximumNameLength && name[place] != '\0'; ++place) {
-        if (name[place] == '<') {
-            return true;
-        }
-    }
-    return false;
+    return std::strchr(node.GetNameStart(), '<') != nullptr;
 }
 
 bool IsStructural(dwarf_tag tag) {

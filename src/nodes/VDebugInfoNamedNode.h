@@ -11,7 +11,7 @@ public:
     VDebugInfoNamedNode(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,
                         VDebugInfoNode* parent, VNodeText name)
         : VDebugInfoNode(tag, sectionOffset, header, parent) {
-        StoreName(name);
+        SetName(name);
     }
 };
 

@@ -378,7 +378,6 @@ protected:
     /// Takes the size of the type, which is settled by now.
     virtual void TakeByteSizeOfType(const VDebugInfoNode& type);
 
-    void StoreName(VNodeText text) { mName = text; }
     /// Tags from this one on are kept by nodes of `VDebugInfoNodeOfWideTag`.
     static constexpr std::uint16_t kWideTag = 0xFFFF;
     [[nodiscard]] virtual dwarf_tag GetWideTag() const { return kWideTag; }

@@ -79,32 +79,32 @@ public:
     /// `Insert`.
     [[nodiscard]] std::span<const std::uint32_t> PlacesOf(NodeGroup group) const;
 
-    /// Asks for the memory of the node at a place of `InOffsetOrder`, for walks that come to it
-    /// `kNodesAhead` nodes later.
-    BRINDLE_FETCHES void Prefetch(std::size_t place) const {
-        if (place < mNodes.size()) {
-            Brindle::Prefetch(mNodes[place].Get());
-        }
-    }
-    static constexpr std::size_t kNodesAhead = 16;
-
-    /// Calls `visit` with each node of a group, in ascending order of their offsets.
+    /// Calls `visit` with each of these places of `InOffsetOrder`, whose nodes it is going to look
+    /// at.
     template <typename Visitor>
-    void ForEachOf(NodeGroup group, Visitor&& visit) const {
-        const std::span<const std::uint32_t> places = PlacesOf(group);
+    void ForEachPlace(std::span<const std::uint32_t> places, Visitor&& visit) const {
         for (std::size_t index = 0; index < places.size(); ++index) {
             if (index + kNodesAhead < places.size()) {
                 Prefetch(places[index + kNodesAhead]);
             }
-            visit(*mNodes[places[index]]);
+            visit(places[index]);
         }
     }
+
+    /// Calls `visit` with each node of a group, in ascending order of their offsets.
+    template <typename Visitor>
+    void ForEachOf(NodeGroup group, Visitor&& visit) const {
+        ForEachPlace(PlacesOf(group), [&](std::uint32_t place) { visit(*mNodes[place]); });
+    }
+
+    /// For trees of which every node is going to be looked at.
+    void LeaveNoneOut() { mLeftOut = 0; }
 
     /// Calls `visit` with each node that a pass has this to do at, in ascending order of their
     /// offsets. Plain parameters that nothing is known to refer to are left out: of parameters
     /// there are more than of any other entries, and nobody asks for them but who refers to them.
-    /// None is left out if a bit field shows in which order sizes are settled, see
-    /// `VDebugInfoNode::IsBitFieldWithoutSize`.
+    /// None is left out after `LeaveNoneOut`, or if a bit field shows in which order sizes are
+    /// settled, see `VDebugInfoNode::IsBitFieldWithoutSize`.
     template <typename Visitor>
     void ForEachWith(NodeTask task, Visitor&& visit) const {
         Settle();
@@ -145,6 +145,13 @@ private:
 
     static bool Has(NodeMarks marks, NodeTask task) {
         return (marks & static_cast<NodeMarks>(task)) != 0;
+    }
+
+    /// Nodes that walks ask for ahead.
+    static constexpr std::size_t kNodesAhead = 16;
+
+    BRINDLE_FETCHES void Prefetch(std::size_t place) const {
+        Brindle::Prefetch(mNodes[place].Get());
     }
 
     template <typename Condition, typename Visitor>
