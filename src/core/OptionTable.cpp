@@ -64,6 +64,8 @@ bool Assign(std::string* variable, std::string_view text) {
 
 std::span<const OptionDescription> OptionTable() {
     static const std::array sTable = {
+        OptionDescription{"mIsFullReading", &Options::mIsFullReading,
+                          "0: classic reading; non-zero: full reading"},
         OptionDescription{"mElfForceSymbolTable", &Options::mElfForceSymbolTable,
                           "1: symbol table only; 2: symbol table after the debug sections"},
         OptionDescription{"mForceDebugSectionVersion", &Options::mForceDebugSectionVersion,

@@ -20,6 +20,9 @@ public:
     /// @name Options
     /// @{
 
+    /// Manner of reading. 0: the classic reading, which hosts of long standing rely on; non-zero:
+    /// the full reading, which also takes what compilers of today write by default.
+    static inline std::int32_t mIsFullReading = 0;
     /// 1: read the symbol table only, no debug section; 2: read the symbol table in every container
     /// after the debug sections; else: as the container asks for.
     static inline std::int32_t mElfForceSymbolTable = 0;
