@@ -18,32 +18,39 @@ constexpr std::uint16_t sMark = 0x5A4D;
 constexpr std::uint64_t sSignatureField = 0x3C;
 constexpr std::uint64_t sDosHeaderSize = 64;
 
-/// Fields of the COFF file header and the optional header, from the PE signature on.
-constexpr std::uint64_t sMachineField = 4;
-constexpr std::uint64_t sSectionCountField = 6;
-constexpr std::uint64_t sSymbolTableField = 12;
-constexpr std::uint64_t sSymbolCountField = 16;
-constexpr std::uint64_t sOptionalHeaderSizeField = 20;
-constexpr std::uint64_t sCharacteristicsField = 22;
-constexpr std::uint64_t sOptionalHeader = 24;
-constexpr std::uint64_t sImageBaseField64 = 48;
-constexpr std::uint64_t sImageBaseField32 = 52;
-constexpr std::uint64_t sImageBaseEnd = 56;
+/// Positions of the fields of the format, under its own names.
+namespace Field {
+
+/// COFF file header and optional header, from the PE signature on.
+constexpr std::uint64_t Machine = 4;
+constexpr std::uint64_t NumberOfSections = 6;
+constexpr std::uint64_t PointerToSymbolTable = 12;
+constexpr std::uint64_t NumberOfSymbols = 16;
+constexpr std::uint64_t SizeOfOptionalHeader = 20;
+constexpr std::uint64_t Characteristics = 22;
+constexpr std::uint64_t OptionalHeader = 24;
+/// In 64 bits where the machine is one of 64 bits, else in 32.
+constexpr std::uint64_t ImageBase64 = 48;
+constexpr std::uint64_t ImageBase = 52;
+constexpr std::uint64_t ImageBaseEnd = 56;
+
+/// Section header.
+constexpr std::uint64_t VirtualSize = 8;
+constexpr std::uint64_t VirtualAddress = 12;
+constexpr std::uint64_t PointerToRawData = 20;
+
+/// Symbol entry.
+constexpr std::uint64_t NameOffset = 4;
+constexpr std::uint64_t Value = 8;
+constexpr std::uint64_t SectionNumber = 12;
+
+} // namespace Field
+
+constexpr std::uint64_t sSectionHeaderSize = 40;
+constexpr std::uint64_t sSymbolSize = 18;
 
 constexpr std::uint16_t sMachineX86_64 = 0x8664;
 constexpr std::uint16_t sDllFlag = 0x2000;
-
-/// Section header.
-constexpr std::uint64_t sSectionHeaderSize = 40;
-constexpr std::uint64_t sVirtualSizeField = 8;
-constexpr std::uint64_t sVirtualAddressField = 12;
-constexpr std::uint64_t sRawDataField = 20;
-
-/// Symbol entry.
-constexpr std::uint64_t sSymbolSize = 18;
-constexpr std::uint64_t sNameOffsetField = 4;
-constexpr std::uint64_t sValueField = 8;
-constexpr std::uint64_t sSectionNumberField = 12;
 
 constexpr std::size_t sShortNameSize = 8;
 
@@ -69,10 +76,10 @@ bool VPEImage::MapPEImage(const std::string& path) {
         return Fail(ELFReadErrorEnum::ELFERR_FILE_TYPE);
     }
     mSignature = Get<std::uint32_t>(sSignatureField);
-    const std::uint64_t sectionCount = Get<std::uint16_t>(mSignature + sSectionCountField);
-    const std::uint64_t sectionTable =
-        mSignature + sOptionalHeader + Get<std::uint16_t>(mSignature + sOptionalHeaderSizeField);
-    if (!Holds(0, sDosHeaderSize) || !Holds(mSignature, sImageBaseEnd) ||
+    const std::uint64_t sectionCount = Get<std::uint16_t>(mSignature + Field::NumberOfSections);
+    const std::uint64_t sectionTable = mSignature + Field::OptionalHeader +
+                                       Get<std::uint16_t>(mSignature + Field::SizeOfOptionalHeader);
+    if (!Holds(0, sDosHeaderSize) || !Holds(mSignature, Field::ImageBaseEnd) ||
         !Holds(sectionTable, sectionCount * sSectionHeaderSize)) {
         return Fail(ELFReadErrorEnum::ELFERR_CORRUPTED);
     }
@@ -90,12 +97,12 @@ bool VPEImage::HasMark() const {
 }
 
 void VPEImage::ReadFileHeader() {
-    mSymbolTable = Get<std::uint32_t>(mSignature + sSymbolTableField);
-    mSymbolCount = Get<std::uint32_t>(mSignature + sSymbolCountField);
-    mIsDll = (Get<std::uint16_t>(mSignature + sCharacteristicsField) & sDllFlag) != 0;
-    const bool is64Bit = Get<std::uint16_t>(mSignature + sMachineField) == sMachineX86_64;
-    mHeaderImageBase = is64Bit ? Get<std::uint64_t>(mSignature + sImageBaseField64)
-                               : Get<std::uint32_t>(mSignature + sImageBaseField32);
+    mSymbolTable = Get<std::uint32_t>(mSignature + Field::PointerToSymbolTable);
+    mSymbolCount = Get<std::uint32_t>(mSignature + Field::NumberOfSymbols);
+    mIsDll = (Get<std::uint16_t>(mSignature + Field::Characteristics) & sDllFlag) != 0;
+    const bool is64Bit = Get<std::uint16_t>(mSignature + Field::Machine) == sMachineX86_64;
+    mHeaderImageBase = is64Bit ? Get<std::uint64_t>(mSignature + Field::ImageBase64)
+                               : Get<std::uint32_t>(mSignature + Field::ImageBase);
     const auto lastTerminator = std::ranges::find(mFile.Bytes().rbegin(), mFile.Bytes().rend(), 0);
     mTextsEnd = static_cast<std::uint64_t>(std::distance(lastTerminator, mFile.Bytes().rend()));
 }
@@ -113,9 +120,9 @@ bool VPEImage::ReadSectionHeader(std::uint64_t filePosition) {
     mSectionNames.push_back(name);
     Elf64_Shdr& section = mSections.emplace_back();
     section.sh_name = sPresentName;
-    section.sh_addr = Get<std::uint32_t>(filePosition + sVirtualAddressField);
-    section.sh_offset = Get<std::uint32_t>(filePosition + sRawDataField);
-    section.sh_size = Get<std::uint32_t>(filePosition + sVirtualSizeField);
+    section.sh_addr = Get<std::uint32_t>(filePosition + Field::VirtualAddress);
+    section.sh_offset = Get<std::uint32_t>(filePosition + Field::PointerToRawData);
+    section.sh_size = Get<std::uint32_t>(filePosition + Field::VirtualSize);
     return true;
 }
 
@@ -133,13 +140,13 @@ bool VPEImage::ReadImageSymbols(IElfSymbolMap& map) {
     for (std::uint64_t index = 0; index < count; ++index) {
         const std::uint64_t entry = mSymbolTable + index * sSymbolSize;
         const auto number =
-            static_cast<std::int16_t>(Get<std::uint16_t>(entry + sSectionNumberField));
+            static_cast<std::int16_t>(Get<std::uint16_t>(entry + Field::SectionNumber));
         if (number < 1 || static_cast<std::size_t>(number) > mSections.size()) {
             continue;
         }
         Elf32_Sym symbol;
         symbol.st_value = mSections[static_cast<std::size_t>(number) - 1].sh_addr +
-                          Get<std::uint32_t>(entry + sValueField);
+                          Get<std::uint32_t>(entry + Field::Value);
         if (symbol.st_value == 0) {
             continue;
         }
@@ -153,7 +160,7 @@ bool VPEImage::ReadImageSymbols(IElfSymbolMap& map) {
 
 const char* VPEImage::KeepSymbolName(std::uint64_t entryPosition) {
     if (Get<std::uint32_t>(entryPosition) == 0) {
-        const auto nameOffset = Get<std::uint32_t>(entryPosition + sNameOffsetField);
+        const auto nameOffset = Get<std::uint32_t>(entryPosition + Field::NameOffset);
         return nameOffset != 0 ? GetStringTableText(nameOffset) : nullptr;
     }
     const std::string_view name = CutText(CharactersAt(entryPosition), sShortNameSize);

@@ -17,7 +17,7 @@ constexpr std::int32_t sVersionOfSectionOffsets = 4;
 } // namespace
 
 void VDie2::ReadLocation(const TDieAttribute& attribute) {
-    const bool isMember = attribute.mTarget == AttributeTarget::MemberLocation;
+    const bool isMember = attribute.mAttribute == AttributeTarget::MemberLocation;
     (isMember ? mHasMemberLocation : mHasLocation) = true;
     std::uint32_t value = 0;
     const bool isStatic = IsBlock(attribute.mReading) ? ReadLocationBlock(attribute.mReading, value)

@@ -21,7 +21,8 @@ class VElfBuffer;
 struct TDieAttribute {
     /// Bytes of attributes in front that are passed unread.
     std::uint16_t mSkip = 0;
-    AttributeTarget mTarget = AttributeTarget::None;
+    /// What the reader makes of the attribute; its code isn't kept.
+    AttributeTarget mAttribute = AttributeTarget::None;
     FormReading mReading = FormReading::Present;
     std::uint32_t mForm = 0;
 };

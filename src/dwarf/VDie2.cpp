@@ -83,7 +83,7 @@ VDie2::Entry VDie2::ReadAbbrevCode() {
     if (mItem == nullptr) {
         return Entry::Unknown;
     }
-    ClearAttributes();
+    Reset();
     mNode = nullptr;
     mOffset = VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, unitOffset);
     mRecordNumber = recCnt;
@@ -92,7 +92,7 @@ VDie2::Entry VDie2::ReadAbbrevCode() {
     return Entry::Decoded;
 }
 
-void VDie2::ClearAttributes() {
+void VDie2::Reset() {
     if (mHasRareAttributes) {
         mRareAttributes = {};
     }
@@ -121,8 +121,8 @@ void VDie2::ReadAttribute(const TDieAttribute& attribute) {
 }
 
 void VDie2::ReadDirectAttribute(const TDieAttribute& attribute) {
-    if (attribute.mTarget == AttributeTarget::Location ||
-        attribute.mTarget == AttributeTarget::MemberLocation) {
+    if (attribute.mAttribute == AttributeTarget::Location ||
+        attribute.mAttribute == AttributeTarget::MemberLocation) {
         ReadLocation(attribute);
         return;
     }
@@ -228,7 +228,7 @@ void VDie2::MoveBehindBlock(std::uint32_t length) {
 }
 
 void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value) {
-    switch (attribute.mTarget) {
+    switch (attribute.mAttribute) {
     case AttributeTarget::Name:
         StoreName(value.mString);
         break;
@@ -251,19 +251,19 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         Rare().mConstValue = VAttributeValue::Integer(value.mNumber);
         break;
     case AttributeTarget::LowerBound:
-        Rare().mLowerBound = MakeAttributeValue(attribute, value.mNumber);
+        SetAttributeValue(Rare().mLowerBound, attribute, value.mNumber);
         break;
     case AttributeTarget::Producer:
         StoreProducer(value.mString);
         break;
     case AttributeTarget::UpperBound:
-        Rare().mUpperBound = MakeAttributeValue(attribute, value.mNumber);
+        SetAttributeValue(Rare().mUpperBound, attribute, value.mNumber);
         break;
     case AttributeTarget::Accessibility:
-        mAccessibility = MakeAttributeValue(attribute, value.mNumber);
+        SetAttributeValue(mAccessibility, attribute, value.mNumber);
         break;
     case AttributeTarget::Count:
-        Rare().mCount = MakeAttributeValue(attribute, value.mNumber);
+        SetAttributeValue(Rare().mCount, attribute, value.mNumber);
         break;
     case AttributeTarget::Declaration:
         mIsDeclaration = value.mNumber != 0;
@@ -276,7 +276,7 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         mIsExternal = value.mNumber != 0;
         break;
     case AttributeTarget::Specification:
-        mSpecification = MakeAttributeValue(attribute, value.mNumber);
+        SetAttributeValue(mSpecification, attribute, value.mNumber);
         break;
     case AttributeTarget::Type:
         mTypeRef = value.mNumber;
@@ -329,12 +329,13 @@ VAttributeString VDie2::MakeAttributeString(const char* text) const {
     return {text != nullptr ? mSection->MeasureText(text) : std::string_view(), true};
 }
 
-VAttributeValue VDie2::MakeAttributeValue(const TDieAttribute& attribute,
-                                          std::uint32_t value) const {
+void VDie2::SetAttributeValue(VAttributeValue& target, const TDieAttribute& attribute,
+                              std::uint32_t value) const {
     if (!IsReferenceForm(attribute.mForm)) {
-        return VAttributeValue::Integer(value);
+        target = VAttributeValue::Integer(value);
+        return;
     }
-    return VAttributeValue::Reference(
+    target = VAttributeValue::Reference(
         attribute.mForm == DW_FORM_ref_addr
             ? value
             : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, value));

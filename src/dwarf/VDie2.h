@@ -105,7 +105,8 @@ private:
     /// Moves behind a block; one that passes the end of the unit cuts the entry off.
     void MoveBehindBlock(std::uint32_t length);
 
-    void ClearAttributes();
+    /// Forgets the entry before this one.
+    void Reset();
     /// The rare attributes, to change them.
     VRareDieAttributes& Rare() {
         mHasRareAttributes = true;
@@ -115,8 +116,8 @@ private:
     void StoreName(const char* name);
     void StoreProducer(const char* producer);
     [[nodiscard]] VAttributeString MakeAttributeString(const char* text) const;
-    [[nodiscard]] VAttributeValue MakeAttributeValue(const TDieAttribute& attribute,
-                                                     std::uint32_t value) const;
+    void SetAttributeValue(VAttributeValue& target, const TDieAttribute& attribute,
+                           std::uint32_t value) const;
     void OnProducer();
     void ShortenUnitName();
 

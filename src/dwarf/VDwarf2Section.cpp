@@ -17,7 +17,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr std::int32_t sPrimes[] = {
+constexpr std::int32_t primes[] = {
     12347,    15511,    55001,    110017,   210019,   310081,   400051,   500041,
     800011,   1200007,  1400017,  1600033,  1800017,  2000003,  2500009,  3000017,
     4000037,  5000011,  6000011,  7000003,  8000009,  9000011,  10000019, 11000027,
@@ -36,6 +36,7 @@ constexpr std::int32_t sAutodetect = 2;
 } // namespace
 
 std::uint32_t recCnt = 0;
+std::int32_t gOptExt = 0;
 
 VDwarf2Section::VDwarf2Section() = default;
 VDwarf2Section::~VDwarf2Section() = default;
@@ -43,6 +44,7 @@ VDwarf2Section::~VDwarf2Section() = default;
 bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     mElfFile = &file;
     mReader = reader;
+    gOptExt = VElfOptions::mUseCppExtensionDWARF2;
     mLongTexts = LongTextAllowance(file.mFileSize);
     const Elf64_Shdr& debugStr = file.mSecDebugStr;
     if (debugStr.sh_offset != 0 && debugStr.sh_size != 0 &&
@@ -89,8 +91,8 @@ bool VDwarf2Section::LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr&
 std::int32_t VDwarf2Section::EstimateBestHashMapBucketsCountFromDebugSectionSize() const {
     const auto wanted =
         static_cast<std::int32_t>(mElfFile->mSecDebugInfo.sh_size / sSectionBytesPerBucket);
-    const auto* const prime = std::ranges::upper_bound(sPrimes, wanted);
-    return prime != std::end(sPrimes) ? *prime : *std::prev(std::end(sPrimes));
+    const auto* const prime = std::ranges::upper_bound(primes, wanted);
+    return prime != std::end(primes) ? *prime : *std::prev(std::end(primes));
 }
 
 void VDwarf2Section::AutodetectProducerOptions(std::string_view producer,

@@ -37,6 +37,10 @@ struct Elf64_Shdr;
 /// The count of debug entries visited in this read, null entries included.
 extern std::uint32_t recCnt;
 
+/// Non-zero if `.debug_info` is taken in the extended sense, as
+/// `VElfOptions::mUseCppExtensionDWARF2` says at the start of the section. No result depends on it.
+extern std::int32_t gOptExt;
+
 /// Section reader of one read.
 ///
 /// Three kinds of offset occur, and each name says which is meant: a file position; a unit offset,

@@ -118,7 +118,7 @@ public:
 
     ObjectId CreateSubprogram() {
         const std::string_view name = Name();
-        const ObjectId type = mFactory.CreateFunctionType(mInputs.type, {}, mInputs.functionScope);
+        const ObjectId type = CreateFunctionTypeObject();
         return mFactory.CreateFunction(name, type, mInputs.scope, mInputs.compileUnit);
     }
 
@@ -172,6 +172,11 @@ private:
 
     [[nodiscard]] std::uint32_t UnsignedSize() const {
         return static_cast<std::uint32_t>(mNode.GetByteSize());
+    }
+
+    /// The function type of a subprogram. Its parameters are not delivered.
+    ObjectId CreateFunctionTypeObject() {
+        return mFactory.CreateFunctionType(mInputs.type, {}, mInputs.functionScope);
     }
 
     void AddEnumerators(ObjectId table) {

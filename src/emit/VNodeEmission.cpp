@@ -115,10 +115,10 @@ void VNodeEmission::Advance() {
         }
         break;
     case Stage::BaseClasses:
-        AdvanceBaseClasses(mFrames.back());
+        AddBaseClasses(mFrames.back());
         break;
     case Stage::Children:
-        AdvanceChildren(mFrames.back());
+        CreateChildEntryObjects(mFrames.back());
         break;
     }
 }
@@ -172,19 +172,19 @@ bool VNodeEmission::MeetNeeds() {
 bool VNodeEmission::MeetNeed(Frame& frame, EntryNeed need) {
     switch (need) {
     case EntryNeed::Scope:
-        return MeetScope(frame, frame.inputs.scope);
+        return GetScopeEntryObject(frame, frame.inputs.scope);
     case EntryNeed::Type:
-        return MeetType(frame, *frame.node, frame.inputs.type);
+        return GetTypeEntryObject(frame, *frame.node, frame.inputs.type);
     case EntryNeed::BaseType:
         return MeetBaseType(frame);
     case EntryNeed::CompileUnit:
-        return MeetCompileUnit(frame);
+        return GetCompileUnitEntryObject(frame);
     case EntryNeed::FirstUnit:
         return MeetFirstUnit(frame);
     case EntryNeed::Parameters:
         return MeetParameters(frame);
     case EntryNeed::FunctionScope:
-        return MeetScope(frame, frame.inputs.functionScope);
+        return GetScopeEntryObject(frame, frame.inputs.functionScope);
     case EntryNeed::ReturnType:
         return MeetReturnType(frame);
     case EntryNeed::Guard:
@@ -193,7 +193,7 @@ bool VNodeEmission::MeetNeed(Frame& frame, EntryNeed need) {
     return true;
 }
 
-bool VNodeEmission::MeetScope(Frame& frame, ObjectId& scope) {
+bool VNodeEmission::GetScopeEntryObject(Frame& frame, ObjectId& scope) {
     frame.inputs.scopeNode = frame.node->FindScopeNode();
     if (frame.inputs.scopeNode == nullptr) {
         scope = mFactory.GetGlobalNamespace();
@@ -202,7 +202,7 @@ bool VNodeEmission::MeetScope(Frame& frame, ObjectId& scope) {
     return Await(*frame.inputs.scopeNode, scope);
 }
 
-bool VNodeEmission::MeetType(Frame& frame, VDebugInfoNode& node, ObjectId& type) {
+bool VNodeEmission::GetTypeEntryObject(Frame& frame, VDebugInfoNode& node, ObjectId& type) {
     if (frame.chain == nullptr) {
         frame.chain = SkipUndelivered(&node);
     }
@@ -276,7 +276,7 @@ bool VNodeEmission::MeetBaseType(Frame& frame) {
     return true;
 }
 
-bool VNodeEmission::MeetCompileUnit(Frame& frame) {
+bool VNodeEmission::GetCompileUnitEntryObject(Frame& frame) {
     VDebugInfoNode* compileUnit = frame.node->GetCompileUnitHeader()->mCompileUnitNode;
     return compileUnit == nullptr || Await(*compileUnit, frame.inputs.compileUnit);
 }
@@ -295,7 +295,7 @@ bool VNodeEmission::MeetParameters(Frame& frame) {
             continue;
         }
         ObjectId type = 0;
-        if (!MeetType(frame, *frame.child, type)) {
+        if (!GetTypeEntryObject(frame, *frame.child, type)) {
             return false;
         }
         if (type != 0) {
@@ -307,7 +307,7 @@ bool VNodeEmission::MeetParameters(Frame& frame) {
 
 bool VNodeEmission::MeetReturnType(Frame& frame) {
     return frame.node->GetTypeOrSpecificationNode() == nullptr ||
-           MeetType(frame, *frame.node, frame.inputs.type);
+           GetTypeEntryObject(frame, *frame.node, frame.inputs.type);
 }
 
 void VNodeEmission::CreateObject(Frame& frame) {
@@ -333,7 +333,7 @@ void VNodeEmission::CreateObject(Frame& frame) {
     }
 }
 
-void VNodeEmission::AdvanceBaseClasses(Frame& frame) {
+void VNodeEmission::AddBaseClasses(Frame& frame) {
     VDebugInfoNode& node = *frame.node;
     if (frame.object == 0 || !HasBaseClasses(node)) {
         frame.child = nullptr;
@@ -370,7 +370,7 @@ BRINDLE_FETCHES void VNodeEmission::PrefetchNextChild(const Frame& frame) {
     }
 }
 
-void VNodeEmission::AdvanceChildren(Frame& frame) {
+void VNodeEmission::CreateChildEntryObjects(Frame& frame) {
     VDebugInfoNode& node = *frame.node;
     if (IsAggregate(node.GetTag())) {
         if (frame.child == nullptr) {

@@ -124,10 +124,10 @@ private:
     static bool IsFindingReturnType(const Frame& frame);
     bool MeetNeeds();
     bool MeetNeed(Frame& frame, EntryNeed need);
-    bool MeetScope(Frame& frame, ObjectId& scope);
-    bool MeetType(Frame& frame, VDebugInfoNode& node, ObjectId& type);
+    bool GetScopeEntryObject(Frame& frame, ObjectId& scope);
+    bool GetTypeEntryObject(Frame& frame, VDebugInfoNode& node, ObjectId& type);
     bool MeetBaseType(Frame& frame);
-    bool MeetCompileUnit(Frame& frame);
+    bool GetCompileUnitEntryObject(Frame& frame);
     bool MeetFirstUnit(Frame& frame);
     bool MeetParameters(Frame& frame);
     bool MeetReturnType(Frame& frame);
@@ -135,8 +135,8 @@ private:
     ObjectId TypeAtEndOfChain(const VDebugInfoNode& node);
     ObjectId UnknownTypeFor(const VDebugInfoNode& node);
     void CreateObject(Frame& frame);
-    void AdvanceBaseClasses(Frame& frame);
-    void AdvanceChildren(Frame& frame);
+    void AddBaseClasses(Frame& frame);
+    void CreateChildEntryObjects(Frame& frame);
     static void PrefetchNextChild(const Frame& frame);
 
     VDwarf2Section& mSection;

@@ -52,7 +52,7 @@ struct VNodeStorage {
 
 /// The delivery of a node, of nodes that were asked for their object.
 struct VNodeDelivery {
-    ObjectId mObject = 0;
+    ObjectId mEntryObject = 0;
     std::uint32_t mFrame : 30 = 0;
     bool mIsRefused : 1 = false;
     bool mIsDropped : 1 = false;
@@ -273,7 +273,11 @@ public:
     [[nodiscard]] bool HasTemplateParameters() const { return mHasTemplateParameters; }
     void SetHasTemplateParameters(bool hasThem) { mHasTemplateParameters = hasThem; }
     [[nodiscard]] VAttributeValue GetAccessibilityAttribute() const;
-    [[nodiscard]] virtual VAttributeValue GetConstValueAttribute() const { return {}; }
+    /// The value of nodes that have no such attribute.
+    static constexpr VAttributeValue sEmptyAttributeValue{};
+    [[nodiscard]] virtual VAttributeValue GetConstValueAttribute() const {
+        return sEmptyAttributeValue;
+    }
     [[nodiscard]] virtual VAttributeString GetCompUnitDirAttribute() const { return {}; }
     [[nodiscard]] virtual VAttributeString GetProducer() const { return {}; }
 
@@ -301,10 +305,10 @@ public:
     /// The host's object of this node, 0 until it is delivered.
     [[nodiscard]] ObjectId GetEntryObject() const {
         const VNodeDelivery* delivery = mAside;
-        return delivery != nullptr ? delivery->mObject : 0;
+        return delivery != nullptr ? delivery->mEntryObject : 0;
     }
     /// For nodes whose delivery has begun, as the other setters of the delivery are.
-    void SetEntryObject(ObjectId object) { mAside->mObject = object; }
+    void SetEntryObject(ObjectId object) { mAside->mEntryObject = object; }
     /// Makes room for what is known of the delivery.
     void BeginDelivery(VNodeArena& arena) {
         if (mAside == nullptr) {
