@@ -49,4 +49,18 @@ bool VElfFile::AssignSection(std::string_view name, const Elf64_Shdr& section) {
     return true;
 }
 
+DataModel::ImageDescription VElfFile::DescribeImage(DWARFContainerType container) const {
+    DataModel::ImageDescription image = mImage;
+    image.path = mPath;
+    image.fileSize = static_cast<std::uint64_t>(mFileSize);
+    image.container = container;
+    image.byteOrder = mIsMSBData ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;
+    image.isWordAddressed = mIsWordAddressedTarget;
+    // In a relocatable file every section begins at address 0.
+    if (image.isLinked) {
+        image.sections = mImageSections.Sorted();
+    }
+    return image;
+}
+
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -12,8 +12,10 @@
 #include "container/VElfNamesObjectMap.h"
 #include "container/VElfSymbolMap.h"
 #include "container/VElfSymbolNamesMap.h"
+#include "container/VImageSections.h"
 #include "container/VPEImage.h"
 #include "core/VElfOptions.h"
+#include "host/ImageDescription.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -126,7 +128,14 @@ public:
 
     /// @}
 
+    /// What the headers tell, for the data model; complete once they are read.
+    [[nodiscard]] DataModel::ImageDescription DescribeImage(DWARFContainerType container) const;
+
     VPEImage mPEImage;
+    /// Facts of the headers that nothing else keeps; see `DescribeImage`.
+    DataModel::ImageDescription mImage;
+    /// Sections in the target's memory.
+    VImageSections mImageSections;
     /// Image base of a PE file that is a DLL, else 0.
     std::uint64_t mImageBase = 0;
     Elf64_Ehdr mElfHeader;
@@ -157,6 +166,7 @@ private:
     void ReadHeaderFields(VElfBuffer& buffer);
     void AssignNecSection(std::string_view name, const Elf64_Shdr& section);
     bool ReadCoffSection(VElfBuffer& table, const VElfBuffer& names);
+    [[nodiscard]] Elf64_Shdr InBytes(const Elf64_Shdr& section) const;
     static bool HasElfMagic(const VElfBuffer& buffer);
     bool CheckFoundSections() const;
 

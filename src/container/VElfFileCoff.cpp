@@ -18,11 +18,13 @@ constexpr std::int32_t sShortestFile = 24;
 constexpr std::uint32_t sSectionHeaderSize = 48;
 constexpr std::uint32_t sSymbolSize = 18;
 constexpr std::int32_t sShortNameSize = 8;
-/// Fields of a section header that nothing needs: the two addresses, and all behind the position of
-/// the contents.
-constexpr std::int32_t sAddressesSize = 8;
-constexpr std::int32_t sUnusedFieldsSize = 24;
+/// Fields of a section header that nothing needs: the physical address, the positions and counts of
+/// relocations and line numbers, and what follows the flags.
+constexpr std::int32_t sPhysicalAddressSize = 4;
+constexpr std::int32_t sRelocationFieldsSize = 16;
+constexpr std::int32_t sLastFieldsSize = 4;
 
+constexpr std::uint16_t sExecutableFlag = 0x2;
 constexpr std::uint16_t sBigEndianFlag = 0x200;
 
 /// Targets that count memory in words of 16 bits.
@@ -78,6 +80,8 @@ bool VElfFile::ReadCoffHeader(VCoffFileHeader& header) {
     header.mOptionalHeaderSize = buffer.GetUShort();
     header.mFlags = buffer.GetUShort();
     header.mTargetId = buffer.GetUShort();
+    mImage.machine = header.mTargetId;
+    mImage.isLinked = (header.mFlags & sExecutableFlag) != 0;
     mIsMSBData = (header.mFlags & sBigEndianFlag) != 0;
     if (IsWordAddressed(header.mTargetId)) {
         mIsWordAddressedTarget = true;
@@ -109,6 +113,16 @@ bool VElfFile::ReadCoffSectionHeader(const VCoffFileHeader& header) {
     return true;
 }
 
+Elf64_Shdr VElfFile::InBytes(const Elf64_Shdr& section) const {
+    // Word-addressed targets count the sizes of their memory in words too.
+    Elf64_Shdr inBytes = section;
+    if (mIsWordAddressedTarget) {
+        inBytes.sh_addr *= 2;
+        inBytes.sh_size *= 2;
+    }
+    return inBytes;
+}
+
 bool VElfFile::ReadCoffSection(VElfBuffer& table, const VElfBuffer& names) {
     char shortName[sShortNameSize + 1] = {};
     for (char& character : std::span(shortName).first<sShortNameSize>()) {
@@ -118,13 +132,17 @@ bool VElfFile::ReadCoffSection(VElfBuffer& table, const VElfBuffer& names) {
     table.MoveOffset(-4);
     Elf64_Shdr section;
     section.sh_name = table.GetULong();
-    table.MoveOffset(sAddressesSize);
+    table.MoveOffset(sPhysicalAddressSize);
+    section.sh_addr = table.GetULong();
     section.sh_size = table.GetULong();
     section.sh_offset = table.GetULong();
-    table.MoveOffset(sUnusedFieldsSize);
+    table.MoveOffset(sRelocationFieldsSize);
+    const std::uint32_t flags = table.GetULong();
+    table.MoveOffset(sLastFieldsSize);
 
     if (shortName[0] != '\0') {
         AssignSection(shortName, section);
+        mImageSections.AddCoffSection(shortName, InBytes(section), flags);
         return true;
     }
     const auto namesSize = static_cast<std::uint32_t>(names.GetBufferLength());
@@ -132,7 +150,9 @@ bool VElfFile::ReadCoffSection(VElfBuffer& table, const VElfBuffer& names) {
         return Fail(ELFReadErrorEnum::ELFERR_WRONG_READER);
     }
     if (const char* longName = names.GetTextAt(section.sh_name)) {
-        AssignSection(CutText(longName, sMaximumSectionNameLength), section);
+        const std::string_view name = CutText(longName, sMaximumSectionNameLength);
+        AssignSection(name, section);
+        mImageSections.AddCoffSection(name, InBytes(section), flags);
     }
     return true;
 }

@@ -16,6 +16,9 @@ constexpr std::int32_t sHeaderSize32 = 52;
 constexpr std::int32_t sHeaderSize64 = 64;
 constexpr std::int32_t sIdentificationSize = 16;
 
+/// Value of `e_type`.
+constexpr std::uint16_t sTypeRelocatable = 1;
+
 /// Positions in the identification bytes.
 constexpr std::int32_t sClassIndex = 4;
 constexpr std::int32_t sDataIndex = 5;
@@ -43,6 +46,9 @@ bool VElfFile::ReadElfHeader() {
         return false;
     }
     ReadHeaderFields(buffer);
+    mImage.machine = mElfHeader.e_machine;
+    mImage.isLinked = mElfHeader.e_type != sTypeRelocatable;
+    mImage.is64Bit = mIs64Bit;
     mIsWordAddressedTarget = mElfHeader.e_machine == sMachineTiC2000;
     mIsDsPicTarget = mElfHeader.e_machine == sMachineDsPic30F;
     return true;
@@ -149,10 +155,12 @@ bool VElfFile::LoadSectionInfos() {
         Elf64_Shdr section;
         ReadSectionHeader(section, table, index * mElfHeader.e_shentsize, mIs64Bit);
         const char* text = names.GetTextAt(section.sh_name);
+        const std::string_view name =
+            text != nullptr ? CutText(text, sMaximumSectionNameLength) : std::string_view();
+        mImageSections.AddElfSection(name, section, mIsWordAddressedTarget ? 2 : 1);
         if (text == nullptr) {
             continue;
         }
-        const std::string_view name = CutText(text, sMaximumSectionNameLength);
         if (!AssignSection(name, section)) {
             AssignNecSection(name, section);
         }

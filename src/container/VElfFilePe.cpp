@@ -18,7 +18,11 @@ bool VElfFile::ReadPEFileSymbolTable() {
 bool VPEImage::CopySectionRecords(VElfFile& file) const {
     for (std::size_t index = 0; index < mSections.size(); ++index) {
         file.AssignSection(mSectionNames[index], mSections[index]);
+        file.mImageSections.AddPeSection(mSectionNames[index], PlacedSection(index),
+                                         mSectionFacts[index].characteristics);
     }
+    file.mImage.machine = mMachine;
+    file.mImage.is64Bit = Is64Bit();
     if (mIsDll) {
         file.mImageBase = mHeaderImageBase;
     }

@@ -37,7 +37,9 @@ constexpr std::uint64_t ImageBaseEnd = 56;
 /// Section header.
 constexpr std::uint64_t VirtualSize = 8;
 constexpr std::uint64_t VirtualAddress = 12;
+constexpr std::uint64_t SizeOfRawData = 16;
 constexpr std::uint64_t PointerToRawData = 20;
+constexpr std::uint64_t SectionCharacteristics = 36;
 
 /// Symbol entry.
 constexpr std::uint64_t NameOffset = 4;
@@ -100,11 +102,25 @@ void VPEImage::ReadFileHeader() {
     mSymbolTable = Get<std::uint32_t>(mSignature + Field::PointerToSymbolTable);
     mSymbolCount = Get<std::uint32_t>(mSignature + Field::NumberOfSymbols);
     mIsDll = (Get<std::uint16_t>(mSignature + Field::Characteristics) & sDllFlag) != 0;
-    const bool is64Bit = Get<std::uint16_t>(mSignature + Field::Machine) == sMachineX86_64;
-    mHeaderImageBase = is64Bit ? Get<std::uint64_t>(mSignature + Field::ImageBase64)
-                               : Get<std::uint32_t>(mSignature + Field::ImageBase);
+    mMachine = Get<std::uint16_t>(mSignature + Field::Machine);
+    mHeaderImageBase = Is64Bit() ? Get<std::uint64_t>(mSignature + Field::ImageBase64)
+                                 : Get<std::uint32_t>(mSignature + Field::ImageBase);
     const auto lastTerminator = std::ranges::find(mFile.Bytes().rbegin(), mFile.Bytes().rend(), 0);
     mTextsEnd = static_cast<std::uint64_t>(std::distance(lastTerminator, mFile.Bytes().rend()));
+}
+
+bool VPEImage::Is64Bit() const {
+    return mMachine == sMachineX86_64;
+}
+
+DataModel::ImageSection VPEImage::PlacedSection(std::size_t index) const {
+    const Elf64_Shdr& section = mSections[index];
+    // Addresses of a DLL are told without its base.
+    return {.name = {},
+            .address = section.sh_addr + (mIsDll ? 0 : mHeaderImageBase),
+            .size = section.sh_size,
+            .filePosition = section.sh_offset,
+            .fileSize = mSectionFacts[index].fileSize};
 }
 
 bool VPEImage::ReadSectionHeader(std::uint64_t filePosition) {
@@ -123,6 +139,9 @@ bool VPEImage::ReadSectionHeader(std::uint64_t filePosition) {
     section.sh_addr = Get<std::uint32_t>(filePosition + Field::VirtualAddress);
     section.sh_offset = Get<std::uint32_t>(filePosition + Field::PointerToRawData);
     section.sh_size = Get<std::uint32_t>(filePosition + Field::VirtualSize);
+    mSectionFacts.push_back(
+        {.fileSize = Get<std::uint32_t>(filePosition + Field::SizeOfRawData),
+         .characteristics = Get<std::uint32_t>(filePosition + Field::SectionCharacteristics)});
     return true;
 }
 

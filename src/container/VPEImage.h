@@ -6,8 +6,10 @@
 #include "container/ElfRecords.h"
 #include "container/IElfSymbolMap.h"
 #include "container/VWholeFile.h"
+#include "host/ImageDescription.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -40,6 +42,8 @@ private:
     /// A name of the symbol table's own eight bytes, terminated.
     using ShortName = std::array<char, 9>;
 
+    [[nodiscard]] bool Is64Bit() const;
+    [[nodiscard]] DataModel::ImageSection PlacedSection(std::size_t index) const;
     [[nodiscard]] bool HasMark() const;
     [[nodiscard]] bool Holds(std::uint64_t filePosition, std::uint64_t size) const;
     template <typename Integer>
@@ -60,9 +64,16 @@ private:
     std::uint64_t mTextsEnd = 0;
     std::uint64_t mHeaderImageBase = 0;
     bool mIsDll = false;
+    std::uint16_t mMachine = 0;
     std::vector<Elf64_Shdr> mSections;
     /// Names of `mSections`, each in the file.
     std::vector<std::string_view> mSectionNames;
+    /// What the headers of `mSections` tell beyond those.
+    struct SectionFacts {
+        std::uint32_t fileSize = 0;
+        std::uint32_t characteristics = 0;
+    };
+    std::vector<SectionFacts> mSectionFacts;
     std::deque<ShortName> mShortNames;
 };
 

@@ -31,6 +31,12 @@ const std::string& VCLIFactoryWrapper::HostText(std::string_view narrowText) {
     return mHostText;
 }
 
+void VCLIFactoryWrapper::DescribeImage(const DataModel::ImageDescription& image) {
+    if (PreCondition()) {
+        Factory().DescribeImage(image);
+    }
+}
+
 ObjectId VCLIFactoryWrapper::GetGlobalNamespace() {
     return PreCondition() ? Factory().GetGlobalNamespace() : 0;
 }

@@ -12,6 +12,9 @@
 #include <string_view>
 #include <vector>
 
+namespace Tessel::Norn::Brindle::DataModel {
+struct ImageDescription;
+}
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 class FactoryForCliClient;
 }
@@ -44,6 +47,8 @@ public:
 
     /// True if there is a data model to deliver into.
     [[nodiscard]] bool PreCondition() const;
+
+    void DescribeImage(const DataModel::ImageDescription& image);
 
     /// @name Scopes
     /// @{

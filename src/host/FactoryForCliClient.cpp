@@ -7,6 +7,12 @@ namespace Tessel::Norn::Brindle::DataModel::Factory {
 FactoryForCliClient::FactoryForCliClient()
     : mDataModel(CurrentDataModel::Get()) {}
 
+void FactoryForCliClient::DescribeImage(const ImageDescription& image) {
+    if (HasDataModel()) {
+        mDataModel->DescribeImage(image);
+    }
+}
+
 ObjectId FactoryForCliClient::GetGlobalNamespace() {
     return HasDataModel() ? mDataModel->GetGlobalNamespace() : 0;
 }

@@ -15,6 +15,7 @@ public:
     /// False if no data model was current when the factory was made.
     [[nodiscard]] bool HasDataModel() const { return mDataModel != nullptr; }
 
+    void DescribeImage(const ImageDescription& image) override;
     ObjectId GetGlobalNamespace() override;
     ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;
     ObjectId CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;

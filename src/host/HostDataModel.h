@@ -5,6 +5,7 @@
 
 #include "../core/Export.h"
 #include "../host/BasicTypes.h"
+#include "../host/ImageDescription.h"
 
 #include <cstdint>
 #include <string>
@@ -39,6 +40,10 @@ public:
     HostDataModel(HostDataModel&&) = delete;
     HostDataModel& operator=(HostDataModel&&) = delete;
     virtual ~HostDataModel() = default;
+
+    /// Tells what the file's headers say, before anything is delivered; not called for a file whose
+    /// headers can't be read. A model that has no use for it leaves this as it is.
+    virtual void DescribeImage(const ImageDescription& /*image*/) {}
 
     /// @name Scopes
     /// @{

@@ -5,6 +5,7 @@
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ProducerDump.h"
 #include "dwarf/VDwarf2Section.h"
+#include "emit/VCLIFactoryWrapper.h"
 #include "host/VDWARFReader.h"
 #include "host/VDWARFReaderWrapper.h"
 
@@ -132,6 +133,7 @@ bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper
     if (!_ReadElfAndSectionHeaders(container, file)) {
         return false;
     }
+    file.mFactory->DescribeImage(file.DescribeImage(container));
     if (!VElfOptions::mDumpProducerInfoFileName.empty()) {
         OpenDumpProducerInfoFile(file);
     }

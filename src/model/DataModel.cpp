@@ -90,6 +90,10 @@ DataModel::DataModel()
 
 DataModel::~DataModel() = default;
 
+void DataModel::DescribeImage(const ImageDescription& image) {
+    mStore->Image() = ImageBytes(image);
+}
+
 ObjectId DataModel::GetGlobalNamespace() {
     return sGlobalNamespace;
 }

@@ -178,10 +178,22 @@ public:
     /// only result tells how far it got.
     [[nodiscard]] std::vector<PathResult> ResolvePaths(std::string_view path) const;
 
+    /// What the headers of the file say that was read last; of no sections before the first read.
+    [[nodiscard]] const ImageDescription& Image() const;
+
+    /// The bytes that the image gives a stretch of the target's memory when the program starts:
+    /// those of the file, zeros where a section has none. Empty if no one section holds the whole
+    /// stretch, if the file is gone or changed in length, or for more than 256 MiB of zeros. Opens
+    /// the file at the first question.
+    [[nodiscard]] std::vector<std::uint8_t> InitialBytes(std::uint64_t address,
+                                                         std::uint64_t size) const;
+
     /// @}
 
     /// @name The contract of `HostDataModel`
     /// @{
+
+    void DescribeImage(const ImageDescription& image) override;
 
     ObjectId GetGlobalNamespace() override;
     ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;

@@ -86,6 +86,14 @@ void SetKindFields(ModelObject& object, const Record& record) {
 
 } // namespace
 
+const ImageDescription& DataModel::Image() const {
+    return mStore->Image().Description();
+}
+
+std::vector<std::uint8_t> DataModel::InitialBytes(std::uint64_t address, std::uint64_t size) const {
+    return mStore->Image().At(address, size);
+}
+
 std::size_t DataModel::ObjectCount() const {
     return mStore->Count();
 }

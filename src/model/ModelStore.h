@@ -2,6 +2,7 @@
 // index aside. `DataModel` fills it; it knows no operation of the host contract.
 #pragma once
 
+#include "model/ImageBytes.h"
 #include "model/LookupIndex.h"
 #include "model/ModelObject.h"
 #include "model/NamePool.h"
@@ -31,6 +32,9 @@ inline constexpr std::size_t kLongestTypeText = 4 * 1024;
 class ModelStore {
 public:
     ModelStore();
+
+    /// The file that was read last.
+    [[nodiscard]] ImageBytes& Image() { return mImage; }
 
     /// Stores an object and chains it into its scope if that exists.
     /// @throws std::length_error beyond 2^32 - 1 objects
@@ -89,6 +93,7 @@ public:
     [[nodiscard]] const LookupIndex& Index() const { return mIndex; }
 
 private:
+    ImageBytes mImage;
     RecordList mRecords;
     NamePool mNames;
     LookupIndex mIndex;

@@ -31,6 +31,8 @@ public:
     /// The calls so far, in order; empty for a model that gives them to a sink.
     [[nodiscard]] const std::vector<RecordedCall>& Calls() const { return mCalls; }
 
+    /// Passed on, and no call of the record.
+    void DescribeImage(const ImageDescription& image) override { mNext.DescribeImage(image); }
     ObjectId GetGlobalNamespace() override;
     ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;
     ObjectId CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;

@@ -1,0 +1,108 @@
+#include "container/VImageSections.h"
+
+#include "core/HostText.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+using DataModel::ImageSection;
+using DataModel::SectionKind;
+
+namespace {
+
+constexpr std::size_t sMostSections = 65536;
+constexpr std::size_t sMaximumNameLength = 255;
+
+/// ELF section types and flags.
+constexpr std::uint32_t sTypeNoBits = 8;
+constexpr std::uint64_t sFlagWrite = 1;
+constexpr std::uint64_t sFlagAllocate = 2;
+constexpr std::uint64_t sFlagExecute = 4;
+
+/// Flags of TI COFF sections.
+constexpr std::uint32_t sCoffNotLoaded = 0x01 | 0x02 | 0x10; // dummy, no load, copy
+constexpr std::uint32_t sCoffText = 0x20;
+constexpr std::uint32_t sCoffBss = 0x80;
+
+/// Characteristics of PE sections.
+constexpr std::uint32_t sPeCode = 0x20;
+constexpr std::uint32_t sPeDiscardable = 0x02000000;
+constexpr std::uint32_t sPeExecute = 0x20000000;
+constexpr std::uint32_t sPeWrite = 0x80000000;
+
+SectionKind KindOfElfSection(const Elf64_Shdr& section) {
+    if (section.sh_type == sTypeNoBits) {
+        return SectionKind::Zero;
+    }
+    if ((section.sh_flags & sFlagExecute) != 0) {
+        return SectionKind::Code;
+    }
+    return (section.sh_flags & sFlagWrite) != 0 ? SectionKind::Data : SectionKind::ReadOnlyData;
+}
+
+SectionKind KindOfPeSection(const ImageSection& section, std::uint32_t characteristics) {
+    if ((characteristics & (sPeCode | sPeExecute)) != 0) {
+        return SectionKind::Code;
+    }
+    if (section.fileSize == 0) {
+        return SectionKind::Zero;
+    }
+    return (characteristics & sPeWrite) != 0 ? SectionKind::Data : SectionKind::ReadOnlyData;
+}
+
+ImageSection Placed(const Elf64_Shdr& section) {
+    return {.name = {},
+            .address = section.sh_addr,
+            .size = section.sh_size,
+            .filePosition = section.sh_offset,
+            .fileSize = section.sh_size};
+}
+
+} // namespace
+
+void VImageSections::AddElfSection(std::string_view name, const Elf64_Shdr& section,
+                                   std::uint32_t bytesPerAddress) {
+    if ((section.sh_flags & sFlagAllocate) == 0) {
+        return;
+    }
+    ImageSection placed = Placed(section);
+    placed.address *= bytesPerAddress;
+    Add(name, placed, KindOfElfSection(section));
+}
+
+void VImageSections::AddCoffSection(std::string_view name, const Elf64_Shdr& section,
+                                    std::uint32_t flags) {
+    if ((flags & sCoffNotLoaded) != 0) {
+        return;
+    }
+    const bool isZero = (flags & sCoffBss) != 0 || section.sh_offset == 0;
+    const SectionKind kind = (flags & sCoffText) != 0 ? SectionKind::Code : SectionKind::Data;
+    Add(name, Placed(section), isZero ? SectionKind::Zero : kind);
+}
+
+void VImageSections::AddPeSection(std::string_view name, const ImageSection& section,
+                                  std::uint32_t characteristics) {
+    if ((characteristics & sPeDiscardable) == 0) {
+        Add(name, section, KindOfPeSection(section, characteristics));
+    }
+}
+
+void VImageSections::Add(std::string_view name, ImageSection section, SectionKind kind) {
+    if (section.size == 0 || mSections.size() == sMostSections) {
+        return;
+    }
+    section.name = ToHostText(name.substr(0, sMaximumNameLength));
+    section.fileSize = kind == SectionKind::Zero ? 0 : std::min(section.fileSize, section.size);
+    section.kind = kind;
+    mSections.push_back(std::move(section));
+}
+
+std::vector<ImageSection> VImageSections::Sorted() const {
+    std::vector<ImageSection> sections = mSections;
+    std::ranges::stable_sort(sections, {}, &ImageSection::address);
+    return sections;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

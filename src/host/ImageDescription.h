@@ -1,0 +1,73 @@
+// What a file says of itself apart from its symbols: container, machine, byte order, and the
+// sections that lie in the target's memory. The reader tells it to the data model before it
+// delivers anything.
+#pragma once
+
+#include "../core/Export.h"
+#include "../host/DWARFContainerType.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+enum class ByteOrder : std::uint8_t { Little, Big };
+
+/// What a section of the target's memory holds.
+enum class SectionKind : std::uint8_t {
+    Code,
+    /// Constants: mapped, neither written nor executed. TI COFF doesn't mark them; there they are
+    /// `Data`.
+    ReadOnlyData,
+    Data,
+    /// Cleared or left alone when the program starts; the file has no bytes of it.
+    Zero,
+};
+
+/// One section that lies in the target's memory. Addresses are those of variables, in bytes.
+struct ImageSection {
+    /// Valid UTF-8; at most 255 bytes of the file's text.
+    std::string name;
+    std::uint64_t address = 0;
+    /// Size in memory in bytes.
+    std::uint64_t size = 0;
+    /// File position of its bytes.
+    std::uint64_t filePosition = 0;
+    /// Bytes that the file has of it, at most `size`; what is missing at the end is zero.
+    std::uint64_t fileSize = 0;
+    SectionKind kind = SectionKind::Data;
+
+    /// True if the section holds the byte at an address.
+    [[nodiscard]] bool Holds(std::uint64_t byteAddress) const {
+        return byteAddress >= address && byteAddress - address < size;
+    }
+};
+
+/// One input file.
+struct BRINDLE_EXPORT ImageDescription {
+    /// Path of the file as the host gave it; empty before the first read.
+    std::string path;
+    /// Length of the file in bytes.
+    std::uint64_t fileSize = 0;
+    Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
+    /// ELF class 64 or PE32+.
+    bool is64Bit = false;
+    ByteOrder byteOrder = ByteOrder::Little;
+    /// `e_machine` of ELF, the target id of TI COFF, the machine of PE.
+    std::uint16_t machine = 0;
+    /// False for relocatable object files, whose sections have no addresses yet.
+    bool isLinked = true;
+    /// The target counts memory in words of 16 bits. All addresses and sizes are in bytes even so.
+    bool isWordAddressed = false;
+    /// Sections with an address, ascending by it.
+    std::vector<ImageSection> sections;
+
+    /// Width of an address in bytes by the file's class: 4 or 8.
+    [[nodiscard]] std::uint8_t AddressSize() const { return is64Bit ? 8 : 4; }
+    /// The section that holds the byte at an address, the innermost of several; null if there is
+    /// none.
+    [[nodiscard]] const ImageSection* SectionAt(std::uint64_t address) const;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel

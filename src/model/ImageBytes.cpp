@@ -1,0 +1,84 @@
+#include "model/ImageBytes.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+namespace {
+
+constexpr std::size_t sWindowSize = 64 * 1024;
+
+} // namespace
+
+ImageBytes::ImageBytes(ImageDescription description)
+    : mDescription(std::move(description)) {}
+
+std::vector<std::uint8_t> ImageBytes::At(std::uint64_t address, std::uint64_t size) {
+    const ImageSection* section = mDescription.SectionAt(address);
+    if (section == nullptr || size == 0) {
+        return {};
+    }
+    const std::uint64_t offset = address - section->address;
+    if (size > section->size - offset) {
+        return {};
+    }
+    const std::uint64_t inFile =
+        offset < section->fileSize ? std::min(size, section->fileSize - offset) : 0;
+    // A header may claim any size: no memory is taken for bytes that can't be there.
+    if (inFile > mDescription.fileSize || size - inFile > kLongestZeroRun) {
+        return {};
+    }
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
+    if (inFile > 0 && !ReadFile(section->filePosition + offset, bytes, inFile)) {
+        return {};
+    }
+    return bytes;
+}
+
+bool ImageBytes::ReadFile(std::uint64_t filePosition, std::vector<std::uint8_t>& bytes,
+                          std::size_t count) {
+    if (filePosition > mDescription.fileSize || count > mDescription.fileSize - filePosition ||
+        !Open()) {
+        return false;
+    }
+    auto* const destination = reinterpret_cast<char*>(bytes.data());
+    if (count > sWindowSize) {
+        return ReadDirectly(filePosition, destination, count);
+    }
+    const bool isInWindow =
+        filePosition >= mWindowStart && filePosition - mWindowStart + count <= mWindow.size();
+    if (!isInWindow) {
+        mWindowStart = filePosition;
+        mWindow.resize(std::min<std::uint64_t>(sWindowSize, mDescription.fileSize - filePosition));
+        if (!ReadDirectly(filePosition, mWindow.data(), mWindow.size())) {
+            mWindow.clear();
+            return false;
+        }
+    }
+    std::memcpy(destination, mWindow.data() + (filePosition - mWindowStart), count);
+    return true;
+}
+
+bool ImageBytes::ReadDirectly(std::uint64_t filePosition, char* destination, std::size_t count) {
+    mFile.clear();
+    mFile.seekg(static_cast<std::streamoff>(filePosition));
+    mFile.read(destination, static_cast<std::streamsize>(count));
+    return mFile.good();
+}
+
+bool ImageBytes::Open() {
+    if (!mIsOpenTried) {
+        mIsOpenTried = true;
+        mFile.open(mDescription.path, std::ios::binary);
+        // Another file under the same name has other bytes at these positions.
+        mFile.seekg(0, std::ios::end);
+        if (mFile.tellg() != static_cast<std::streamoff>(mDescription.fileSize)) {
+            mFile.close();
+        }
+    }
+    return mFile.is_open();
+}
+
+} // namespace Tessel::Norn::Brindle::DataModel

@@ -1,0 +1,115 @@
+// What the headers of a file tell a host, and the bytes that the image gives its memory.
+#include "host/ContainerDetection.h"
+#include "support/ReadRun.h"
+#include "support/ScopedReaderState.h"
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+using DataModel::ByteOrder;
+using DataModel::SectionKind;
+using enum DWARFContainerType;
+using Bytes = std::vector<std::uint8_t>;
+
+class ImageDescriptionTest : public testing::Test {
+protected:
+    ReadRun ReadSample(const std::string& name) {
+        const std::string path = std::string(BRINDLE_SAMPLE_IMAGES "/") + name;
+        return ReadFile(path, DetectContainer(path));
+    }
+
+    ScopedReaderState mState;
+};
+
+Bytes BytesAt(const ReadRun& run, const std::string& path) {
+    const auto place = run.model->ResolvePath(path);
+    EXPECT_TRUE(place.found) << path;
+    return run.model->InitialBytes(place.place.address, place.place.size);
+}
+
+SectionKind KindAt(const ReadRun& run, const std::string& path) {
+    const auto place = run.model->ResolvePath(path);
+    const auto* section = run.model->Image().SectionAt(place.place.address);
+    EXPECT_NE(section, nullptr) << path;
+    return section != nullptr ? section->kind : SectionKind::Code;
+}
+
+TEST_F(ImageDescriptionTest, EachContainerTellsTargetSectionsAndBytes) {
+    struct Sample {
+        std::string name;
+        DWARFContainerType container;
+        std::uint16_t machine;
+        bool is64Bit;
+        ByteOrder byteOrder;
+        Bytes machineWord;
+    };
+    const std::vector<Sample> samples = {
+        {"arm-c-dwarf4-O0.elf", Container_ELF, 40, false, ByteOrder::Little, {6, 0, 0, 0}},
+        {"powerpc-c-dwarf2-O0.elf", Container_ELF, 20, false, ByteOrder::Big, {0, 0, 0, 6}},
+        {"x86_64-c-dwarf4-O0.elf",
+         Container_ELF,
+         62,
+         true,
+         ByteOrder::Little,
+         {6, 0, 0, 0, 0, 0, 0, 0}},
+        {"i686-c-dwarf2-O0.exe", Container_PE, 0x14C, false, ByteOrder::Little, {6, 0, 0, 0}},
+        {"i686-c-dwarf4-O2.dll", Container_PE, 0x14C, false, ByteOrder::Little, {6, 0, 0, 0}},
+        {"x86_64-c-dwarf2-O2.dll", Container_PE, 0x8664, true, ByteOrder::Little, {6, 0, 0, 0}},
+    };
+    for (const Sample& sample : samples) {
+        SCOPED_TRACE(sample.name);
+        const ReadRun run = ReadSample(sample.name);
+        const DataModel::ImageDescription& image = run.model->Image();
+        EXPECT_EQ(image.container, sample.container);
+        EXPECT_EQ(image.machine, sample.machine);
+        EXPECT_EQ(image.is64Bit, sample.is64Bit);
+        EXPECT_EQ(image.byteOrder, sample.byteOrder);
+        EXPECT_TRUE(image.isLinked);
+        EXPECT_EQ(BytesAt(run, "machine_word"), sample.machineWord);
+        EXPECT_EQ(KindAt(run, "machine_word"), SectionKind::Data);
+        EXPECT_EQ(KindAt(run, "sine"), SectionKind::ReadOnlyData);
+    }
+}
+
+TEST_F(ImageDescriptionTest, BytesEndWithTheirSectionAndAreZeroWithoutContent) {
+    const ReadRun run = ReadSample("arm-c-dwarf4-O0.elf");
+    const DataModel::DataModel& model = *run.model;
+    const auto zero = std::ranges::find(model.Image().sections, SectionKind::Zero,
+                                        &DataModel::ImageSection::kind);
+    ASSERT_NE(zero, model.Image().sections.end());
+    EXPECT_EQ(model.InitialBytes(zero->address, 3), (Bytes{0, 0, 0}));
+    EXPECT_EQ(model.InitialBytes(zero->address, zero->size).size(), zero->size);
+    EXPECT_THAT(model.InitialBytes(zero->address, zero->size + 1), IsEmpty());
+    EXPECT_THAT(model.InitialBytes(zero->address + 1, ~std::uint64_t{0}), IsEmpty());
+    EXPECT_THAT(model.InitialBytes(zero->address, 0), IsEmpty());
+    EXPECT_THAT(model.InitialBytes(0xFFFFFFFFFFFFFFFF, 2), IsEmpty());
+}
+
+TEST_F(ImageDescriptionTest, AFileThatChangedItsLengthGivesNoBytes) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("image.elf");
+    std::filesystem::copy_file(BRINDLE_SAMPLE_IMAGES "/arm-c-dwarf4-O0.elf", path);
+    const ReadRun run = ReadFile(path);
+    std::ofstream(path, std::ios::app) << "more";
+    EXPECT_THAT(BytesAt(run, "machine_word"), IsEmpty());
+}
+
+TEST_F(ImageDescriptionTest, ARelocatableFileHasNoSectionsInMemory) {
+    const ReadRun run = ReadSample("arm-c-dwarf4-O2-object.o");
+    EXPECT_FALSE(run.model->Image().isLinked);
+    EXPECT_THAT(run.model->Image().sections, IsEmpty());
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
