@@ -128,6 +128,13 @@ bool VElfBuffer::ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destinat
            Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
 }
 
+std::uint32_t VElfBuffer::GetUInt24() {
+    const std::uint32_t first = GetUByte();
+    const std::uint32_t second = GetUByte();
+    const std::uint32_t third = GetUByte();
+    return mSwapBytes ? first << 16U | second << 8U | third : third << 16U | second << 8U | first;
+}
+
 std::uint64_t VElfBuffer::GetADDRESS() {
     switch (mAddressSize) {
     case 0:

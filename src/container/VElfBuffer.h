@@ -82,6 +82,7 @@ public:
 
     std::uint8_t GetUByte() { return Get<std::uint8_t>(); }
     std::uint16_t GetUShort() { return Get<std::uint16_t>(); }
+    std::uint32_t GetUInt24();
     std::uint32_t GetULong() { return Get<std::uint32_t>(); }
     /// Four bytes, not sign-extended.
     std::uint32_t GetLong() { return GetULong(); }

@@ -14,6 +14,7 @@
 #include "container/VElfSymbolNamesMap.h"
 #include "container/VImageSections.h"
 #include "container/VPEImage.h"
+#include "core/ReadingManner.h"
 #include "core/VElfOptions.h"
 #include "host/ImageDescription.h"
 
@@ -131,6 +132,8 @@ public:
     /// What the headers tell, for the data model; complete once they are read.
     [[nodiscard]] DataModel::ImageDescription DescribeImage(DWARFContainerType container) const;
 
+    /// Holds for the whole read.
+    const ReadingManner mManner = ChosenManner();
     VPEImage mPEImage;
     /// Facts of the headers that nothing else keeps; see `DescribeImage`.
     DataModel::ImageDescription mImage;
@@ -150,6 +153,11 @@ public:
     Elf64_Shdr mSecDebugStr;
     Elf64_Shdr mSecDebugAbbrev;
     Elf64_Shdr mSecDebugLoc;
+    Elf64_Shdr mSecDebugTypes;
+    Elf64_Shdr mSecDebugLineStr;
+    Elf64_Shdr mSecDebugStrOffsets;
+    Elf64_Shdr mSecDebugAddr;
+    Elf64_Shdr mSecDebugLoclists;
     Elf64_Shdr mSecPubtypes;
     Elf64_Shdr mSecDebugLine;
     Elf64_Shdr mSecDebugPubnames;

@@ -1,4 +1,4 @@
-// The first walk over `.debug_info`: from unit header to unit header (DWARF 4, 7.5.1.1), with the
+// The first walk over `.debug_info` and `.debug_types`: from unit header to unit header, with the
 // search for the next sound header where one makes no sense; and the loading of one unit.
 #include "container/VElfFile.h"
 #include "core/ErrorState.h"
@@ -17,16 +17,11 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 constexpr std::uint32_t sMaximumAlignment = 32;
-/// First 4 bytes of a unit in 64-bit DWARF, at least.
-constexpr std::uint32_t sEscapeValue = 0xFFFFFFF0;
-/// Bytes of the header behind its length, and room for the first entry.
-constexpr std::uint64_t sRestSize32 = 7;
-constexpr std::uint64_t sRestSize64 = 11;
-constexpr std::uint64_t sRoomForEntry = 4;
-constexpr std::int32_t sLowestMappedVersion = 2;
-constexpr std::int32_t sHighestMappedVersion = 6;
-constexpr std::int32_t sHighestReadVersion = 4;
-constexpr std::uint8_t sHighestAddressSize = 12;
+constexpr std::int32_t sLowestReadVersion = 2;
+
+constexpr std::int32_t HighestReadVersion(ReadingManner manner) {
+    return manner == ReadingManner::Full ? 5 : 4;
+}
 
 /// Steps of the search: backwards up to the first number, then forwards up to the second.
 constexpr int sFirstForwardRetry = 40;
@@ -34,28 +29,36 @@ constexpr int sLastRetry = 80;
 
 constexpr std::int64_t sMaximumPosition = std::numeric_limits<std::int32_t>::max();
 
+/// Where the walk goes. Positions are file positions.
+struct UnitRange {
+    UnitSection section = UnitSection::DebugInfo;
+    std::int64_t start = 0;
+    std::int64_t end = 0;
+    /// Section offset of the start.
+    std::uint32_t startOffset = 0;
+};
+
 /// The walk and the state of its search. Positions are file positions.
 class CompileUnitMapper {
 public:
-    CompileUnitMapper(VDwarf2Section& section, std::int64_t slideLimit, std::int64_t start,
-                      std::int64_t end)
+    CompileUnitMapper(VDwarf2Section& section, std::int64_t slideLimit, const UnitRange& range)
         : mSection(section)
+        , mFormat(UnitHeaderFormat::Of(section.mElfFile->mManner))
         , mBuffer(*section.mElfFile, VElfOptions::mElfFileReadBufferSize, section.mDebugInfoCache)
         , mSlideLimit(slideLimit)
-        , mPosition(start)
-        , mEnd(end)
-        , mPreviousStart(start - 1) {}
+        , mRange(range)
+        , mPosition(range.start)
+        , mEnd(range.end)
+        , mPreviousStart(range.start - 1) {}
 
-    enum class Outcome { Mapped, GaveUp, Failed };
-
-    Outcome Run() {
+    MappingOutcome Run() {
         while (mPosition < mEnd) {
             const Step step = MapUnit();
             if (step != Step::Accepted) {
-                return step == Step::GaveUp ? Outcome::GaveUp : Outcome::Failed;
+                return step == Step::GaveUp ? MappingOutcome::GaveUp : MappingOutcome::Failed;
             }
         }
-        return Outcome::Mapped;
+        return MappingOutcome::Mapped;
     }
 
 private:
@@ -123,36 +126,42 @@ private:
         }
         VCompileUnitHeader unit;
         unit.mFilePos = static_cast<std::uint32_t>(start);
-        std::uint64_t length = mBuffer.ReadULongAtFilePos(static_cast<std::int32_t>(start));
-        unit.mIs64BitDwarf = mSection.mElfFile->mIs64Bit && length >= sEscapeValue;
-        if (unit.mIs64BitDwarf) {
-            length = mBuffer.ReadUInt64AtFilePos(start + 4);
-        }
+        const std::uint32_t firstBytes =
+            mBuffer.ReadULongAtFilePos(static_cast<std::int32_t>(start));
+        unit.mIs64BitDwarf = mFormat.IsEscapeValue(firstBytes, *mSection.mElfFile);
+        const std::uint64_t length =
+            unit.mIs64BitDwarf ? mBuffer.ReadUInt64AtFilePos(start + 4) : firstBytes;
         const std::int64_t lengthSize = unit.mIs64BitDwarf ? 12 : 4;
-        const std::uint64_t restSize = unit.mIs64BitDwarf ? sRestSize64 : sRestSize32;
         if (mRetry != 0) {
             elflog("Retry No.%d: Try Read compile unit from file_pos(dec): %" PRId64 " ", mRetry,
                    start + lengthSize);
         }
-        if (!IsPlausibleLength(length, lengthSize, restSize)) {
+        if (!IsPlausibleLength(length, lengthSize, mFormat.LeastLength(unit.mIs64BitDwarf))) {
             return Step::NextCandidate;
         }
-        if (!mBuffer.LoadFromFile(static_cast<std::uint64_t>(start + lengthSize), restSize)) {
+        if (!mBuffer.LoadFromFile(static_cast<std::uint64_t>(start + lengthSize),
+                                  mFormat.BytesNeeded(unit.mIs64BitDwarf, length))) {
             return Step::Failed;
         }
-        ReadHeader(unit);
-        if (!IsPlausibleHeader(unit)) {
+        const HeaderVerdict verdict = mFormat.Read(mBuffer, mRange.section, unit);
+        // What a search comes across has to be sound in every respect.
+        if (verdict == HeaderVerdict::Implausible ||
+            (verdict == HeaderVerdict::NotRead && mRetry != 0)) {
             return Step::NextCandidate;
         }
-        unit.mHeaderSize =
-            static_cast<std::uint32_t>(static_cast<std::uint64_t>(lengthSize) + restSize);
-        Accept(unit, length, static_cast<std::uint64_t>(lengthSize) + length);
+        MoveBehind(unit, static_cast<std::uint64_t>(lengthSize) + length);
+        if (verdict == HeaderVerdict::NotRead) {
+            ++mSection.mUnitsNotRead[unit.mDwarfVersion];
+            return Step::Accepted;
+        }
+        unit.mHeaderSize += static_cast<std::uint32_t>(lengthSize);
+        Accept(unit, length);
         return Step::Accepted;
     }
 
     [[nodiscard]] bool IsPlausibleLength(std::uint64_t length, std::int64_t lengthSize,
-                                         std::uint64_t restSize) const {
-        if (length <= restSize + sRoomForEntry) {
+                                         std::uint64_t least) const {
+        if (length < least) {
             elflog("[Skipping Compile unit: Length too short for valid compile unit]");
             return false;
         }
@@ -166,38 +175,25 @@ private:
         return true;
     }
 
-    void ReadHeader(VCompileUnitHeader& unit) {
-        unit.mDwarfVersion = static_cast<std::int16_t>(mBuffer.GetUShort());
-        unit.mAbbrevOffset = unit.mIs64BitDwarf ? static_cast<std::uint32_t>(mBuffer.GetUInt64())
-                                                : mBuffer.GetULong();
-        unit.mTargetAddressSize = mBuffer.GetUByte();
-    }
-
-    static bool IsPlausibleHeader(const VCompileUnitHeader& unit) {
-        if (unit.mDwarfVersion < sLowestMappedVersion ||
-            unit.mDwarfVersion > sHighestMappedVersion) {
-            elflog("[Skipping Compile unit: Unsupported DWARF version ( %d )]", unit.mDwarfVersion);
-            return false;
-        }
-        if (unit.mTargetAddressSize > sHighestAddressSize) {
-            elflog("[Skipping Compile unit: Unsupported target address size ( %d )]",
-                   unit.mTargetAddressSize);
-            return false;
-        }
-        return true;
-    }
-
-    void Accept(VCompileUnitHeader& unit, std::uint64_t length, std::uint64_t total) {
+    /// @param total whole unit in bytes
+    void MoveBehind(VCompileUnitHeader& unit, std::uint64_t total) {
         // A length beyond 32 bits stays one that no buffer can load.
         unit.mLength = static_cast<std::uint32_t>(
             std::min<std::uint64_t>(total, std::numeric_limits<std::uint32_t>::max()));
         mPreviousStart = unit.mFilePos;
         mPosition = mPreviousStart + static_cast<std::int64_t>(total);
+    }
+
+    void Accept(VCompileUnitHeader& unit, std::uint64_t length) {
         LogUnit(unit, length);
         unit.mIndex = static_cast<std::uint32_t>(mSection.mCompileUnits.size());
         unit.mSectionOffset =
-            unit.mFilePos - static_cast<std::uint32_t>(mSection.mElfFile->mSecDebugInfo.sh_offset);
+            unit.mFilePos - static_cast<std::uint32_t>(mRange.start) + mRange.startOffset;
         unit.mDebugStr = mSection.mDebugStr.data();
+        if (unit.mTypeOffset != 0 && unit.mTypeOffset < unit.mLength) {
+            mSection.mTypeOffsets.try_emplace(unit.mTypeSignature,
+                                              unit.mSectionOffset + unit.mTypeOffset);
+        }
         mSection.mCompileUnits.push_back(mSection.mArena.Create<VCompileUnitHeader>(unit));
     }
 
@@ -218,8 +214,10 @@ private:
     }
 
     VDwarf2Section& mSection;
+    const UnitHeaderFormat& mFormat;
     VElfBuffer mBuffer;
     std::int64_t mSlideLimit;
+    UnitRange mRange;
     /// End of the previous unit, moved by the search.
     std::int64_t mPosition;
     std::int64_t mEnd;
@@ -231,40 +229,65 @@ private:
     std::int64_t mRetryBase = 0;
 };
 
+/// True if type units stand in a section of their own, as in DWARF 4. Targets whose `.debug_info`
+/// is compressed have none.
+bool HasTypeSection(const VElfFile& file) {
+    return file.mManner == ReadingManner::Full && file.mSecDebugTypes.IsPresent() &&
+           !file.mIsDsPicTarget;
+}
+
+/// Bytes of a section that the file can hold, whatever the record says.
+std::uint32_t BytesInFile(const VElfFile& file, const Elf64_Shdr& record) {
+    const auto fileSize = static_cast<std::uint64_t>(file.mFileSize);
+    return static_cast<std::uint32_t>(
+        std::min({record.sh_size, fileSize, std::uint64_t{sMaximumPosition}}));
+}
+
 } // namespace
 
-bool VDwarf2Section::MapCompileUnits() {
-    const Elf64_Shdr& debugInfo = mElfFile->mSecDebugInfo;
-    const auto alignment = static_cast<std::uint32_t>(debugInfo.sh_addralign);
+MappingOutcome VDwarf2Section::MapUnitsOf(const Elf64_Shdr& record, UnitSection section,
+                                          std::uint32_t startOffset) {
+    const auto alignment = static_cast<std::uint32_t>(record.sh_addralign);
     if (alignment > sMaximumAlignment) {
-        return Fail(ELFReadErrorEnum::ELFERR_COMPILE_UNIT_SIZE);
+        Fail(ELFReadErrorEnum::ELFERR_COMPILE_UNIT_SIZE);
+        return MappingOutcome::Failed;
     }
     if (VElfOptions::mIsLogFile != 0) {
         elflog("%s: Mapping compile units...", GetLogTimeStamp());
     }
-    if (debugInfo.sh_size == 0) {
-        return true;
+    if (record.sh_size == 0) {
+        return MappingOutcome::Mapped;
     }
-    if (mElfFile->mIsDsPicTarget && !LoadWholeSection(mDebugInfoCache, debugInfo)) {
-        return false;
+    if (mElfFile->mIsDsPicTarget && !LoadWholeSection(mDebugInfoCache, record)) {
+        return MappingOutcome::Failed;
     }
-    const std::uint64_t size = mElfFile->mIsDsPicTarget ? debugInfo.sh_size / 2 : debugInfo.sh_size;
-    if (debugInfo.sh_offset > static_cast<std::uint64_t>(sMaximumPosition)) {
-        return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+    const std::uint64_t size = mElfFile->mIsDsPicTarget ? record.sh_size / 2 : record.sh_size;
+    if (record.sh_offset > static_cast<std::uint64_t>(sMaximumPosition)) {
+        Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
+        return MappingOutcome::Failed;
     }
-    const auto start = static_cast<std::int64_t>(debugInfo.sh_offset);
+    const auto start = static_cast<std::int64_t>(record.sh_offset);
     const auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max() - start);
     const std::int64_t end = start + static_cast<std::int64_t>(std::min(size, limit));
-    CompileUnitMapper mapper(*this, alignment > 0 ? alignment - 1 : 0, start, end);
-    const CompileUnitMapper::Outcome outcome = mapper.Run();
-    if (outcome == CompileUnitMapper::Outcome::Mapped) {
+    return CompileUnitMapper(*this, alignment > 0 ? alignment - 1 : 0,
+                             {section, start, end, startOffset})
+        .Run();
+}
+
+bool VDwarf2Section::MapCompileUnits() {
+    MappingOutcome outcome = MapUnitsOf(mElfFile->mSecDebugInfo, UnitSection::DebugInfo, 0);
+    if (outcome == MappingOutcome::Mapped && HasTypeSection(*mElfFile)) {
+        outcome = MapUnitsOf(mElfFile->mSecDebugTypes, UnitSection::DebugTypes,
+                             BytesInFile(*mElfFile, mElfFile->mSecDebugInfo));
+    }
+    if (outcome == MappingOutcome::Mapped) {
         for (VCompileUnitHeader* header : mCompileUnits) {
             mCompileUnitRanges.Insert(header->mFilePos, static_cast<std::int32_t>(header->mLength),
                                       header);
         }
         mCompileUnitRanges.Sort();
     }
-    return outcome != CompileUnitMapper::Outcome::Failed;
+    return outcome != MappingOutcome::Failed;
 }
 
 bool VDwarf2Section::LoadCompileUnit(VCompileUnitReader& reader) const {
@@ -279,7 +302,8 @@ bool VDwarf2Section::LoadCompileUnit(VCompileUnitReader& reader) const {
         return false;
     }
     reader.mBuffer->SetOffset(static_cast<std::int32_t>(header.mHeaderSize));
-    if (header.mDwarfVersion < sLowestMappedVersion || header.mDwarfVersion > sHighestReadVersion) {
+    if (header.mDwarfVersion < sLowestReadVersion ||
+        header.mDwarfVersion > HighestReadVersion(mElfFile->mManner)) {
         reader.mBuffer.reset();
         reader.mAbbrevTable = nullptr;
         return Fail(ELFReadErrorEnum::ELFERR_DWARF_VERSION);

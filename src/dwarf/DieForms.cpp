@@ -2,19 +2,36 @@
 
 #include "dwarf/DwarfConstants.h"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-namespace {
+/// What a value of a form says.
+enum class FormValue : std::uint8_t {
+    /// A number, a text or a block.
+    Plain,
+    /// It refers to a debug entry.
+    Reference,
+    /// Nothing that is at hand: it lies in another file, or is of no use.
+    Absent,
+};
 
 struct FormProperties {
     FormReading reading = FormReading::Unknown;
-    bool isReference = false;
+    FormValue value = FormValue::Plain;
 };
 
-constexpr auto sForms = [] {
+struct VendorTarget {
+    std::uint32_t attribute = 0;
+    AttributeTarget target = AttributeTarget::None;
+};
+
+namespace {
+
+constexpr std::uint32_t sFirstVendorForm = DW_FORM_GNU_addr_index;
+
+constexpr auto sClassicForms = [] {
     std::array<FormProperties, DW_FORM_ref_sig8 + 1> forms{};
     forms[DW_FORM_addr] = {FormReading::Address};
     forms[DW_FORM_block2] = {FormReading::Block2};
@@ -30,21 +47,57 @@ constexpr auto sForms = [] {
     forms[DW_FORM_sdata] = {FormReading::SignedLeb128};
     forms[DW_FORM_strp] = {FormReading::TextOffset};
     forms[DW_FORM_udata] = {FormReading::UnsignedLeb128};
-    forms[DW_FORM_ref_addr] = {FormReading::ReferenceAddress, true};
-    forms[DW_FORM_ref1] = {FormReading::OneByte, true};
-    forms[DW_FORM_ref2] = {FormReading::TwoBytes, true};
-    forms[DW_FORM_ref4] = {FormReading::FourBytes, true};
-    forms[DW_FORM_ref8] = {FormReading::EightBytes, true};
-    forms[DW_FORM_ref_udata] = {FormReading::UnsignedLeb128, true};
+    forms[DW_FORM_ref_addr] = {FormReading::ReferenceAddress, FormValue::Reference};
+    forms[DW_FORM_ref1] = {FormReading::OneByte, FormValue::Reference};
+    forms[DW_FORM_ref2] = {FormReading::TwoBytes, FormValue::Reference};
+    forms[DW_FORM_ref4] = {FormReading::FourBytes, FormValue::Reference};
+    forms[DW_FORM_ref8] = {FormReading::EightBytes, FormValue::Reference};
+    forms[DW_FORM_ref_udata] = {FormReading::UnsignedLeb128, FormValue::Reference};
     forms[DW_FORM_indirect] = {FormReading::Indirect};
     forms[DW_FORM_sec_offset] = {FormReading::Offset};
     forms[DW_FORM_exprloc] = {FormReading::BlockLeb128};
     forms[DW_FORM_flag_present] = {FormReading::Present};
-    forms[DW_FORM_ref_sig8] = {FormReading::EightBytes, true};
+    forms[DW_FORM_ref_sig8] = {FormReading::EightBytes, FormValue::Reference};
     return forms;
 }();
 
-constexpr auto sTargets = [] {
+constexpr auto sFullForms = [] {
+    std::array<FormProperties, DW_FORM_addrx4 + 1> forms{};
+    std::ranges::copy(sClassicForms, forms.begin());
+    forms[DW_FORM_ref_addr] = {FormReading::ReferenceAddressByVersion, FormValue::Reference};
+    forms[DW_FORM_ref_sig8] = {FormReading::TypeSignature, FormValue::Reference};
+    forms[DW_FORM_strx] = {FormReading::TextIndexLeb128};
+    forms[DW_FORM_addrx] = {FormReading::AddressIndexLeb128};
+    forms[DW_FORM_ref_sup4] = {FormReading::FourBytes, FormValue::Absent};
+    forms[DW_FORM_strp_sup] = {FormReading::Offset, FormValue::Absent};
+    forms[DW_FORM_data16] = {FormReading::SixteenBytes, FormValue::Absent};
+    forms[DW_FORM_line_strp] = {FormReading::LineTextOffset};
+    forms[DW_FORM_implicit_const] = {FormReading::Constant};
+    forms[DW_FORM_loclistx] = {FormReading::LocationListIndex};
+    forms[DW_FORM_rnglistx] = {FormReading::UnsignedLeb128, FormValue::Absent};
+    forms[DW_FORM_ref_sup8] = {FormReading::EightBytes, FormValue::Absent};
+    forms[DW_FORM_strx1] = {FormReading::TextIndex1};
+    forms[DW_FORM_strx2] = {FormReading::TextIndex2};
+    forms[DW_FORM_strx3] = {FormReading::TextIndex3};
+    forms[DW_FORM_strx4] = {FormReading::TextIndex4};
+    forms[DW_FORM_addrx1] = {FormReading::AddressIndex1};
+    forms[DW_FORM_addrx2] = {FormReading::AddressIndex2};
+    forms[DW_FORM_addrx3] = {FormReading::AddressIndex3};
+    forms[DW_FORM_addrx4] = {FormReading::AddressIndex4};
+    return forms;
+}();
+
+/// Forms of split units before DWARF 5, and of files that share a supplementary file.
+constexpr auto sFullVendorForms = [] {
+    std::array<FormProperties, DW_FORM_GNU_strp_alt + 1 - sFirstVendorForm> forms{};
+    forms[DW_FORM_GNU_addr_index - sFirstVendorForm] = {FormReading::AddressIndexLeb128};
+    forms[DW_FORM_GNU_str_index - sFirstVendorForm] = {FormReading::TextIndexLeb128};
+    forms[DW_FORM_GNU_ref_alt - sFirstVendorForm] = {FormReading::Offset, FormValue::Absent};
+    forms[DW_FORM_GNU_strp_alt - sFirstVendorForm] = {FormReading::Offset, FormValue::Absent};
+    return forms;
+}();
+
+constexpr auto sClassicTargets = [] {
     std::array<AttributeTarget, DW_AT_linkage_name + 1> targets{};
     targets[DW_AT_location] = AttributeTarget::Location;
     targets[DW_AT_name] = AttributeTarget::Name;
@@ -68,18 +121,59 @@ constexpr auto sTargets = [] {
     return targets;
 }();
 
+constexpr auto sFullTargets = [] {
+    std::array<AttributeTarget, DW_AT_loclists_base + 1> targets{};
+    std::ranges::copy(sClassicTargets, targets.begin());
+    targets[DW_AT_language] = AttributeTarget::Language;
+    targets[DW_AT_str_offsets_base] = AttributeTarget::TextOffsetsBase;
+    targets[DW_AT_addr_base] = AttributeTarget::AddressesBase;
+    targets[DW_AT_loclists_base] = AttributeTarget::LocationListsBase;
+    return targets;
+}();
+
+constexpr auto sFullVendorTargets = std::to_array<VendorTarget>({
+    {DW_AT_GNU_addr_base, AttributeTarget::AddressesBase},
+});
+
 } // namespace
 
-FormReading ReadingOfForm(std::uint32_t form) {
-    return form < sForms.size() ? sForms[form].reading : FormReading::Unknown;
-}
-
 bool IsReferenceForm(std::uint32_t form) {
-    return form < sForms.size() && sForms[form].isReference;
+    return form < sFullForms.size() && sFullForms[form].value == FormValue::Reference;
 }
 
-AttributeTarget TargetOfAttribute(std::uint32_t attribute) {
-    return attribute < sTargets.size() ? sTargets[attribute] : AttributeTarget::None;
+const DieForms& DieForms::Of(ReadingManner manner) {
+    static constexpr DieForms sClassic(sClassicForms, {}, sClassicTargets, {}, true);
+    static constexpr DieForms sFull(sFullForms, sFullVendorForms, sFullTargets, sFullVendorTargets,
+                                    false);
+    return manner == ReadingManner::Full ? sFull : sClassic;
+}
+
+FormProperties DieForms::PropertiesOf(std::uint32_t form) const {
+    if (form < mForms.size()) {
+        return mForms[form];
+    }
+    const std::uint32_t place = form - sFirstVendorForm;
+    return place < mVendorForms.size() ? mVendorForms[place] : FormProperties{};
+}
+
+FormReading DieForms::ReadingOf(std::uint32_t form) const {
+    return PropertiesOf(form).reading;
+}
+
+AttributeTarget DieForms::TargetOf(std::uint32_t attribute) const {
+    if (attribute < mTargets.size()) {
+        return mTargets[attribute];
+    }
+    const auto known = std::ranges::find(mVendorTargets, attribute, &VendorTarget::attribute);
+    return known != mVendorTargets.end() ? known->target : AttributeTarget::None;
+}
+
+AttributeTarget DieForms::TargetOf(AttributeTarget target, std::uint32_t form) const {
+    const FormProperties properties = PropertiesOf(form);
+    const bool isLocation =
+        target == AttributeTarget::Location || target == AttributeTarget::MemberLocation;
+    const bool isTaken = !IsBlock(properties.reading) || isLocation || mTakesBlocksAsNumbers;
+    return properties.value != FormValue::Absent && isTaken ? target : AttributeTarget::None;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -3,11 +3,15 @@
 // itself.
 #pragma once
 
+#include "core/ReadingManner.h"
+
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// How the value of a form is read (DWARF 4, 7.5.4). Forms that are read alike share one.
+/// How the value of a form is read (DWARF 5, 7.5.6). Forms that are read alike share one.
 enum class FormReading : std::uint8_t {
     /// No form that the reader knows; consumes nothing.
     Unknown,
@@ -15,12 +19,17 @@ enum class FormReading : std::uint8_t {
     Present,
     OneByte,
     TwoBytes,
+    ThreeBytes,
     FourBytes,
     EightBytes,
+    SixteenBytes,
     Address,
     /// An offset in the width of the unit's DWARF format.
     Offset,
+    /// A reference to an entry of any unit, as wide as an address.
     ReferenceAddress,
+    /// The same, as wide as an offset from DWARF 3 on.
+    ReferenceAddressByVersion,
     UnsignedLeb128,
     SignedLeb128,
     Text,
@@ -33,32 +42,72 @@ enum class FormReading : std::uint8_t {
     BlockLeb128,
     /// The real form stands in front of the value.
     Indirect,
+    /// The value stands in the abbreviation.
+    Constant,
+    /// An offset into `.debug_line_str`.
+    LineTextOffset,
+    /// Places in the unit's part of `.debug_str_offsets`, by the width of the index.
+    TextIndex1,
+    TextIndex2,
+    TextIndex3,
+    TextIndex4,
+    TextIndexLeb128,
+    /// Places in the unit's part of `.debug_addr`, by the width of the index.
+    AddressIndex1,
+    AddressIndex2,
+    AddressIndex3,
+    AddressIndex4,
+    AddressIndexLeb128,
+    /// A place in the unit's part of `.debug_loclists`.
+    LocationListIndex,
+    /// The signature of a type, which leads to an entry of any unit.
+    TypeSignature,
 };
 
 constexpr bool IsBlock(FormReading reading) {
     return reading >= FormReading::Block1 && reading <= FormReading::BlockLeb128;
 }
 
+/// True if the value is a section offset of an entry; references of other readings are unit
+/// offsets.
+constexpr bool GivesSectionOffset(FormReading reading) {
+    return reading == FormReading::ReferenceAddress ||
+           reading == FormReading::ReferenceAddressByVersion ||
+           reading == FormReading::TypeSignature;
+}
+
+constexpr bool TakesNoBytes(FormReading reading) {
+    return reading == FormReading::Present || reading == FormReading::Constant;
+}
+
 /// The bytes that a reading always takes; 0 where that depends on unit or value.
 constexpr std::uint32_t FixedWidth(FormReading reading) {
     switch (reading) {
     case FormReading::OneByte:
+    case FormReading::TextIndex1:
+    case FormReading::AddressIndex1:
         return 1;
     case FormReading::TwoBytes:
+    case FormReading::TextIndex2:
+    case FormReading::AddressIndex2:
         return 2;
+    case FormReading::ThreeBytes:
+    case FormReading::TextIndex3:
+    case FormReading::AddressIndex3:
+        return 3;
     case FormReading::FourBytes:
+    case FormReading::TextIndex4:
+    case FormReading::AddressIndex4:
         return 4;
     case FormReading::EightBytes:
+    case FormReading::TypeSignature:
         return 8;
+    case FormReading::SixteenBytes:
+        return 16;
     default:
         return 0;
     }
 }
-
-FormReading ReadingOfForm(std::uint32_t form);
-
-/// True if values of the form refer to debug entries.
-bool IsReferenceForm(std::uint32_t form);
 
 /// Where the value of an attribute goes. Attributes that the reader has no use for are only passed.
 enum class AttributeTarget : std::uint8_t {
@@ -82,8 +131,50 @@ enum class AttributeTarget : std::uint8_t {
     Specification,
     Type,
     LinkageName,
+    // Of units, see `VUnitFacts`.
+    Language,
+    TextOffsetsBase,
+    AddressesBase,
+    LocationListsBase,
 };
 
-AttributeTarget TargetOfAttribute(std::uint32_t attribute);
+/// True if values of the form refer to debug entries.
+bool IsReferenceForm(std::uint32_t form);
+
+struct FormProperties;
+struct VendorTarget;
+
+/// The forms and attributes of one manner of reading.
+class DieForms {
+public:
+    static const DieForms& Of(ReadingManner manner);
+
+    [[nodiscard]] FormReading ReadingOf(std::uint32_t form) const;
+    [[nodiscard]] AttributeTarget TargetOf(std::uint32_t attribute) const;
+    /// The target of an attribute that comes in this form; `None` if the value says nothing to it.
+    [[nodiscard]] AttributeTarget TargetOf(AttributeTarget target, std::uint32_t form) const;
+
+private:
+    constexpr DieForms(std::span<const FormProperties> forms,
+                       std::span<const FormProperties> vendorForms,
+                       std::span<const AttributeTarget> targets,
+                       std::span<const VendorTarget> vendorTargets, bool takesBlocksAsNumbers)
+        : mForms(forms)
+        , mVendorForms(vendorForms)
+        , mTargets(targets)
+        , mVendorTargets(vendorTargets)
+        , mTakesBlocksAsNumbers(takesBlocksAsNumbers) {}
+
+    [[nodiscard]] FormProperties PropertiesOf(std::uint32_t form) const;
+
+    /// By code.
+    std::span<const FormProperties> mForms;
+    /// By code, from `sFirstVendorForm` on.
+    std::span<const FormProperties> mVendorForms;
+    /// By code.
+    std::span<const AttributeTarget> mTargets;
+    std::span<const VendorTarget> mVendorTargets;
+    bool mTakesBlocksAsNumbers;
+};
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

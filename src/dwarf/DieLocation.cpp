@@ -55,7 +55,7 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint32_t& value) {
 
 bool VDie2::ReadLocationNumber(const TDieAttribute& attribute, std::uint32_t& value) {
     VDieFormValue number;
-    ReadFormValue(attribute.mReading, number);
+    ReadFormValue(attribute, number);
     value = number.mNumber;
     const bool isDataForm = attribute.mForm == DW_FORM_data4 || attribute.mForm == DW_FORM_data8;
     const bool isListOffset =

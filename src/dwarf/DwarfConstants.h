@@ -1,5 +1,5 @@
 // The codes of the DWARF standard that the reader knows by name: tags, attributes, forms and
-// operators (DWARF 4, section 7). Codes that it only passes on or passes over have no name here.
+// operators (DWARF 5, section 7). Codes that it only passes on or passes over have no name here.
 #pragma once
 
 #include <cstdint>
@@ -66,6 +66,16 @@ enum : dwarf_tag {
     DW_TAG_class_template = 0x4103,
 };
 
+/// Types of unit.
+enum : std::uint8_t {
+    DW_UT_compile = 0x01,
+    DW_UT_type = 0x02,
+    DW_UT_partial = 0x03,
+    DW_UT_skeleton = 0x04,
+    DW_UT_split_compile = 0x05,
+    DW_UT_split_type = 0x06,
+};
+
 /// Classes, structures and unions.
 constexpr bool IsAggregate(dwarf_tag tag) {
     return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type;
@@ -83,6 +93,7 @@ enum : std::uint32_t {
     DW_AT_byte_size = 0x0b,
     DW_AT_bit_offset = 0x0c,
     DW_AT_bit_size = 0x0d,
+    DW_AT_language = 0x13,
     DW_AT_comp_dir = 0x1b,
     DW_AT_const_value = 0x1c,
     DW_AT_lower_bound = 0x22,
@@ -97,6 +108,10 @@ enum : std::uint32_t {
     DW_AT_specification = 0x47,
     DW_AT_type = 0x49,
     DW_AT_linkage_name = 0x6e,
+    DW_AT_str_offsets_base = 0x72,
+    DW_AT_addr_base = 0x73,
+    DW_AT_loclists_base = 0x8c,
+    DW_AT_GNU_addr_base = 0x2133,
 };
 
 /// Forms of attribute values.
@@ -125,7 +140,29 @@ enum : std::uint32_t {
     DW_FORM_sec_offset = 0x17,
     DW_FORM_exprloc = 0x18,
     DW_FORM_flag_present = 0x19,
+    DW_FORM_strx = 0x1a,
+    DW_FORM_addrx = 0x1b,
+    DW_FORM_ref_sup4 = 0x1c,
+    DW_FORM_strp_sup = 0x1d,
+    DW_FORM_data16 = 0x1e,
+    DW_FORM_line_strp = 0x1f,
     DW_FORM_ref_sig8 = 0x20,
+    DW_FORM_implicit_const = 0x21,
+    DW_FORM_loclistx = 0x22,
+    DW_FORM_rnglistx = 0x23,
+    DW_FORM_ref_sup8 = 0x24,
+    DW_FORM_strx1 = 0x25,
+    DW_FORM_strx2 = 0x26,
+    DW_FORM_strx3 = 0x27,
+    DW_FORM_strx4 = 0x28,
+    DW_FORM_addrx1 = 0x29,
+    DW_FORM_addrx2 = 0x2a,
+    DW_FORM_addrx3 = 0x2b,
+    DW_FORM_addrx4 = 0x2c,
+    DW_FORM_GNU_addr_index = 0x1f01,
+    DW_FORM_GNU_str_index = 0x1f02,
+    DW_FORM_GNU_ref_alt = 0x1f20,
+    DW_FORM_GNU_strp_alt = 0x1f21,
 };
 
 /// Operators of location expressions that the reader evaluates.

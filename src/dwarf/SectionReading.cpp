@@ -82,6 +82,9 @@ bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
     bool result = LoadCompileUnit(reader);
     if (result) {
         VDie2 root(reader);
+        if (mElfFile->mManner == ReadingManner::Full) {
+            root.ReadUnitFacts();
+        }
         while (result && !reader.mBuffer->IsEOF()) {
             result = root.ReadDieTree(&header);
         }

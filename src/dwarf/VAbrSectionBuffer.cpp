@@ -16,9 +16,11 @@ constexpr std::uint64_t sFreeBytes = 0x10000;
 
 } // namespace
 
-VAbrSectionBuffer::VAbrSectionBuffer(VElfInput& input, const Elf64_Shdr& section)
+VAbrSectionBuffer::VAbrSectionBuffer(VElfInput& input, const Elf64_Shdr& section,
+                                     const DieForms& forms)
     : VElfBuffer(input)
     , mSection(section)
+    , mForms(forms)
     , mIsDsPicTarget(input.mIsDsPicTarget) {}
 
 bool VAbrSectionBuffer::Load() {
@@ -32,7 +34,7 @@ bool VAbrSectionBuffer::Load() {
 }
 
 VAbrTab& VAbrSectionBuffer::GetTable(std::uint32_t offset) {
-    const auto [place, isNew] = mTables.try_emplace(offset);
+    const auto [place, isNew] = mTables.try_emplace(offset, mForms);
     VAbrTab& table = place->second;
     const auto length = static_cast<std::uint64_t>(GetBufferLength());
     if (!isNew || offset >= length) {

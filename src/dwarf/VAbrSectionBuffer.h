@@ -13,7 +13,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// The section and its tables. A table is read once and serves all units that name its offset.
 class VAbrSectionBuffer : public VElfBuffer {
 public:
-    VAbrSectionBuffer(VElfInput& input, const Elf64_Shdr& section);
+    /// @param forms those of the manner of reading
+    VAbrSectionBuffer(VElfInput& input, const Elf64_Shdr& section, const DieForms& forms);
 
     /// Loads the section; one that is missing gives an empty buffer. Errors: those of loading.
     bool Load();
@@ -24,6 +25,7 @@ public:
 
 private:
     Elf64_Shdr mSection;
+    const DieForms& mForms;
     bool mIsDsPicTarget;
     std::unordered_map<std::uint32_t, VAbrTab, SeededHash> mTables;
     /// Bytes that were read for tables, those of overlapping tables each time.

@@ -49,30 +49,36 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
 void VAbrTab::ReadAttributes(VElfBuffer& section) {
     std::uint32_t skip = 0;
     while (true) {
-        const std::uint32_t attribute = section.GetULEB128();
-        const std::uint32_t form = section.GetULEB128();
-        if (attribute == 0 || form == 0) {
+        const std::uint32_t code = section.GetULEB128();
+        TDieAttribute attribute;
+        attribute.mForm = section.GetULEB128();
+        if (code == 0 || attribute.mForm == 0) {
             break;
         }
-        AddAttribute(attribute, form, skip);
+        attribute.mReading = mForms->ReadingOf(attribute.mForm);
+        attribute.mAttribute = mForms->TargetOf(mForms->TargetOf(code), attribute.mForm);
+        if (attribute.mReading == FormReading::Constant) {
+            attribute.mConstant = static_cast<std::uint32_t>(section.GetSLEB128());
+        }
+        AddAttribute(attribute, skip);
     }
     if (skip > 0) {
         mAttributes.push_back({.mSkip = static_cast<std::uint16_t>(skip)});
     }
 }
 
-void VAbrTab::AddAttribute(std::uint32_t attribute, std::uint32_t form, std::uint32_t& skip) {
-    const AttributeTarget target = TargetOfAttribute(attribute);
-    const FormReading reading = ReadingOfForm(form);
-    const std::uint32_t width = FixedWidth(reading);
-    if (target == AttributeTarget::None && reading == FormReading::Present) {
+void VAbrTab::AddAttribute(const TDieAttribute& attribute, std::uint32_t& skip) {
+    const bool isPassed = attribute.mAttribute == AttributeTarget::None;
+    if (isPassed && TakesNoBytes(attribute.mReading)) {
         return;
     }
-    if (target == AttributeTarget::None && width != 0 && skip + width <= sMaximumSkip) {
+    const std::uint32_t width = FixedWidth(attribute.mReading);
+    if (isPassed && width != 0 && skip + width <= sMaximumSkip) {
         skip += width;
         return;
     }
-    mAttributes.push_back({static_cast<std::uint16_t>(skip), target, reading, form});
+    mAttributes.push_back(attribute);
+    mAttributes.back().mSkip = static_cast<std::uint16_t>(skip);
     skip = 0;
 }
 

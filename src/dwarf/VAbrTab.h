@@ -1,4 +1,4 @@
-// The abbreviations of compile units (DWARF 4, 7.5.3), prepared for the reading of debug entries:
+// The abbreviations of compile units (DWARF 5, 7.5.3), prepared for the reading of debug entries:
 // attributes that the reader has no use for are melted into distances to skip where their width is
 // known.
 #pragma once
@@ -25,6 +25,8 @@ struct TDieAttribute {
     AttributeTarget mAttribute = AttributeTarget::None;
     FormReading mReading = FormReading::Present;
     std::uint32_t mForm = 0;
+    /// The value itself, where the abbreviation has it.
+    std::uint32_t mConstant = 0;
 };
 
 /// One abbreviation. Its attributes are those of `VAbrTab::AttributesOf`.
@@ -40,6 +42,9 @@ struct TAbrTabItem {
 /// The abbreviations of all units that name one offset of `.debug_abbrev`.
 class VAbrTab {
 public:
+    explicit VAbrTab(const DieForms& forms)
+        : mForms(&forms) {}
+
     /// Reads the table at an offset of the loaded section. It ends with the code 0, at a code that
     /// it has already, or with the section; an abbreviation that the section's end cuts off does
     /// not count.
@@ -62,10 +67,11 @@ public:
 private:
     bool ReadItem(VElfBuffer& section, std::uint32_t code);
     void ReadAttributes(VElfBuffer& section);
-    void AddAttribute(std::uint32_t attribute, std::uint32_t form, std::uint32_t& skip);
+    void AddAttribute(const TDieAttribute& attribute, std::uint32_t& skip);
     void Enter(std::uint32_t code);
     [[nodiscard]] const TAbrTabItem* FindLargeCode(std::uint32_t code) const;
 
+    const DieForms* mForms;
     std::vector<TAbrTabItem> mItems;
     std::vector<TDieAttribute> mAttributes;
     /// By code, place in `mItems` from 1, or 0. Reaches only so far as the number of items allows.

@@ -1,4 +1,4 @@
-// The header of one compile unit as the mapping of units found it.
+// The header of one unit as the mapping of units found it.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,17 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VCompileUnitReader;
 class VDebugInfoNode;
 
-/// One compile unit (DWARF 4, 7.5.1.1). Nodes keep a pointer to it; it lives as long as the section
+/// One unit (DWARF 5, 7.5.1). Nodes keep a pointer to it; it lives as long as the section
 /// reader.
 struct VCompileUnitHeader {
     /// File position of the unit's first byte.
     std::uint32_t mFilePos = 0;
-    /// Section offset of the unit's first byte, in 32 bits.
+    /// Section offset of the unit's first byte, in 32 bits. Units of `.debug_types` have theirs
+    /// behind all of `.debug_info`.
     std::uint32_t mSectionOffset = 0;
     /// Whole unit in bytes, its length field included.
     std::uint32_t mLength = 0;
-    /// 11 bytes, or 23 in 64-bit DWARF.
+    /// Bytes in front of the first entry, the length field included.
     std::uint32_t mHeaderSize = 0;
     /// Set while the unit is being read, else null. Borrowed.
     VCompileUnitReader* mUnitReader = nullptr;
@@ -26,6 +27,10 @@ struct VCompileUnitHeader {
     std::int32_t mDwarfVersion = 0;
     /// Offset of the unit's abbreviations in `.debug_abbrev`, low 32 bits.
     std::uint32_t mAbbrevOffset = 0;
+    /// Of type units: the signature of the type.
+    std::uint64_t mTypeSignature = 0;
+    /// Of type units: unit offset of the type, else 0.
+    std::uint32_t mTypeOffset = 0;
     /// Place in the list of units, from 0.
     std::uint32_t mIndex = 0;
     /// Start of `.debug_str`, null if there is none.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "container/VElfBuffer.h"
+#include "dwarf/VUnitFacts.h"
 
 #include <memory>
 #include <string>
@@ -25,6 +26,8 @@ public:
     std::unique_ptr<VElfBuffer> mBuffer;
     /// Borrowed from the section reader, which keeps each table for all units of its offset.
     VAbrTab* mAbbrevTable = nullptr;
+    /// Nothing in the classic manner of reading.
+    VUnitFacts mFacts;
     /// The unit's producer text.
     std::string mProducer;
 };

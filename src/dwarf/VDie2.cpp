@@ -22,6 +22,9 @@ namespace {
 
 constexpr std::size_t sMaximumProducerLength = 1024;
 constexpr std::size_t sMaximumUnitNameLength = 79;
+/// From this version on, references to entries of other units are as wide as offsets (DWARF 3,
+/// 7.5.4).
+constexpr std::int32_t sVersionOfOffsetReferences = 3;
 constexpr std::uint32_t sNoLimit = std::numeric_limits<std::uint32_t>::max();
 
 /// Attributes of a unit: this many a byte and a few more. Attributes that take no bytes could else
@@ -37,6 +40,7 @@ VDie2::VDie2(VCompileUnitReader& reader)
     , mLocTabBuffer(reader.mSection.mLocTabBuffer.get())
     , mSection(&reader.mSection)
     , mUnitReader(&reader)
+    , mForms(&DieForms::Of(reader.mSection.mElfFile->mManner))
     , mImageBase(reader.mSection.mElfFile->mImageBase)
     , mAttributesLeft(sAttributesPerByte * mBuffer->GetBufferLength() + sFreeAttributes) {}
 
@@ -127,7 +131,7 @@ void VDie2::ReadDirectAttribute(const TDieAttribute& attribute) {
         return;
     }
     VDieFormValue value;
-    if (ReadFormValue(attribute.mReading, value)) {
+    if (ReadFormValue(attribute, value)) {
         StoreAttribute(attribute, value);
     }
 }
@@ -136,13 +140,17 @@ TDieAttribute VDie2::FollowIndirectForm(const TDieAttribute& attribute) {
     TDieAttribute direct = attribute;
     do {
         direct.mForm = mBuffer->GetULEB128();
-        direct.mReading = ReadingOfForm(direct.mForm);
+        direct.mReading = mForms->ReadingOf(direct.mForm);
     } while (direct.mReading == FormReading::Indirect);
+    direct.mAttribute = mForms->TargetOf(direct.mAttribute, direct.mForm);
+    if (direct.mReading == FormReading::Constant) {
+        direct.mConstant = static_cast<std::uint32_t>(mBuffer->GetSLEB128());
+    }
     return direct;
 }
 
-bool VDie2::ReadFormValue(FormReading reading, VDieFormValue& value) {
-    switch (reading) {
+bool VDie2::ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value) {
+    switch (attribute.mReading) {
     case FormReading::Present:
         value.mNumber = 1;
         return true;
@@ -165,7 +173,12 @@ bool VDie2::ReadFormValue(FormReading reading, VDieFormValue& value) {
         value.mNumber = ReadOffset();
         return true;
     case FormReading::ReferenceAddress:
-        value.mNumber = ReadReferenceAddress();
+        value.mNumber = ReadReferenceAddress(HasWideReferencesByOption());
+        return true;
+    case FormReading::ReferenceAddressByVersion:
+        value.mNumber =
+            ReadReferenceAddress(mUnitReader->mHeader.mDwarfVersion >= sVersionOfOffsetReferences ||
+                                 HasWideReferencesByOption());
         return true;
     case FormReading::UnsignedLeb128:
         value.mNumber = mBuffer->GetULEB128();
@@ -183,12 +196,17 @@ bool VDie2::ReadFormValue(FormReading reading, VDieFormValue& value) {
     case FormReading::Block2:
     case FormReading::Block4:
     case FormReading::BlockLeb128:
-        MoveBehindBlock(ReadBlockLength(reading));
+        MoveBehindBlock(ReadBlockLength(attribute.mReading));
         value.mNumber = static_cast<std::uint32_t>(mBuffer->GetOffset());
         return true;
-    default:
+    case FormReading::Constant:
+        value.mNumber = attribute.mConstant;
+        return true;
+    case FormReading::Unknown:
         SetErrorState(ELFReadErrorEnum::ELFERR_DWARF_FORM);
         return false;
+    default:
+        return ReadIndexedValue(attribute.mReading, value);
     }
 }
 
@@ -210,9 +228,11 @@ std::uint32_t VDie2::ReadOffset() {
                                               : mBuffer->GetULong();
 }
 
-std::uint32_t VDie2::ReadReferenceAddress() {
-    const bool hasOffsetWidth =
-        mUnitReader->mHeader.mIs64BitDwarf || VElfOptions::mHandle_DW_FORM_REF_ADDR_AS_DW3 == 1;
+bool VDie2::HasWideReferencesByOption() const {
+    return mUnitReader->mHeader.mIs64BitDwarf || VElfOptions::mHandle_DW_FORM_REF_ADDR_AS_DW3 == 1;
+}
+
+std::uint32_t VDie2::ReadReferenceAddress(bool hasOffsetWidth) {
     const std::uint32_t reference =
         hasOffsetWidth ? ReadOffset() : static_cast<std::uint32_t>(mBuffer->GetADDRESS());
     if (VElfOptions::mFixReferencesWithFileRelativeOffset != 1) {
@@ -280,7 +300,7 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         break;
     case AttributeTarget::Type:
         mTypeRef = value.mNumber;
-        mTypeRefIsSectionOffset = attribute.mForm == DW_FORM_ref_addr;
+        mTypeRefIsSectionOffset = GivesSectionOffset(attribute.mReading);
         break;
     case AttributeTarget::LinkageName:
         mHasLinkageName = true;
@@ -336,7 +356,7 @@ void VDie2::SetAttributeValue(VAttributeValue& target, const TDieAttribute& attr
         return;
     }
     target = VAttributeValue::Reference(
-        attribute.mForm == DW_FORM_ref_addr
+        GivesSectionOffset(attribute.mReading)
             ? value
             : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, value));
 }

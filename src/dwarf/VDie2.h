@@ -87,6 +87,12 @@ public:
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
+    /// Reads what the entry at the cursor says of the whole unit and stays there: values of that
+    /// very entry may depend on attributes behind them.
+    void ReadUnitFacts();
+
+    /// Lower bound of arrays that tell none, where it isn't 0.
+    [[nodiscard]] VAttributeValue DefaultLowerBoundOfUnit() const;
     [[nodiscard]] const VRareDieAttributes& GetRareAttributes() const { return mRareAttributes; }
 
 private:
@@ -98,10 +104,17 @@ private:
     void ReadAttribute(const TDieAttribute& attribute);
     void ReadDirectAttribute(const TDieAttribute& attribute);
     TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
-    bool ReadFormValue(FormReading reading, VDieFormValue& value);
+    /// False if there is no value, or none that is at hand.
+    bool ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value);
+    bool ReadIndexedValue(FormReading reading, VDieFormValue& value);
+    std::uint32_t ReadIndex(FormReading reading);
+    /// Null if there is none.
+    const char* FindIndexedText(std::uint32_t index);
+    void StoreUnitFact(AttributeTarget target, const VDieFormValue& value);
     std::uint32_t ReadBlockLength(FormReading reading);
     std::uint32_t ReadOffset();
-    std::uint32_t ReadReferenceAddress();
+    [[nodiscard]] bool HasWideReferencesByOption() const;
+    std::uint32_t ReadReferenceAddress(bool hasOffsetWidth);
     /// Moves behind a block; one that passes the end of the unit cuts the entry off.
     void MoveBehindBlock(std::uint32_t length);
 
@@ -134,6 +147,8 @@ private:
     VLocTabBuffer* mLocTabBuffer;
     VDwarf2Section* mSection;
     VCompileUnitReader* mUnitReader;
+    /// Those of the manner of reading.
+    const DieForms* mForms;
     /// Taken off the addresses of variables; 0 unless the container has set it.
     std::uint64_t mImageBase;
     /// Cleared only behind an entry that has any.

@@ -7,6 +7,7 @@
 #include "dwarf/VAbrSectionBuffer.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VLocTabBuffer.h"
+#include "dwarf/VUnitTables.h"
 
 #include <algorithm>
 #include <iterator>
@@ -63,7 +64,8 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
             static_cast<std::uint64_t>(EstimateBestHashMapBucketsCountFromDebugSectionSize()),
         entriesAtMost));
     mLocTabBuffer.reset(new (std::nothrow) VLocTabBuffer(file, file.mSecDebugLoc));
-    mAbrSectionBuffer.reset(new (std::nothrow) VAbrSectionBuffer(file, file.mSecDebugAbbrev));
+    mAbrSectionBuffer.reset(new (std::nothrow) VAbrSectionBuffer(file, file.mSecDebugAbbrev,
+                                                                 DieForms::Of(file.mManner)));
     if (!mLocTabBuffer || !mAbrSectionBuffer) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
     }
@@ -71,7 +73,18 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     if (!mLocTabBuffer->Load() && IsOutOfMemory()) {
         return false;
     }
-    return mAbrSectionBuffer->Load();
+    return mAbrSectionBuffer->Load() &&
+           (file.mManner == ReadingManner::Classic || LoadUnitTables(file));
+}
+
+bool VDwarf2Section::LoadUnitTables(VElfFile& file) {
+    mUnitTables.reset(new (std::nothrow) VUnitTables(file));
+    return mUnitTables ? mUnitTables->Load(file) : Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
+}
+
+std::uint32_t VDwarf2Section::FindTypeOfSignature(std::uint64_t signature) const {
+    const auto found = mTypeOffsets.find(signature);
+    return found != mTypeOffsets.end() ? found->second : 0;
 }
 
 bool VDwarf2Section::LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section) const {

@@ -1,12 +1,14 @@
-// The reader of one file's DWARF 2, 3 or 4 information. It turns `.debug_info` into a tree of
+// The reader of one file's DWARF 2 to 5 information. It turns `.debug_info` into a tree of
 // nodes, has the tree resolved and delivered, and ends with the read. Decoding is implemented in
 // dwarf/, the passes over the tree and its delivery in emit/.
 #pragma once
 
 #include "container/VElfFileCache.h"
 #include "container/VValueRangeMap.h"
+#include "core/KeyMixing.h"
 #include "core/LongTextAllowance.h"
 #include "dwarf/ShortTexts.h"
+#include "dwarf/UnitHeaderFormat.h"
 #include "dwarf/VAttributeValue.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "nodes/VDieNodeMap.h"
@@ -17,6 +19,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -32,6 +35,7 @@ class VDebugInfoNode;
 class VElfBuffer;
 class VElfFile;
 class VLocTabBuffer;
+class VUnitTables;
 struct Elf64_Shdr;
 
 /// The count of debug entries visited in this read, null entries included.
@@ -41,11 +45,22 @@ extern std::uint32_t recCnt;
 /// `VElfOptions::mUseCppExtensionDWARF2` says at the start of the section. No result depends on it.
 extern std::int32_t gOptExt;
 
+/// How the search for units ended.
+enum class MappingOutcome : std::uint8_t {
+    Mapped,
+    /// The units behind a damaged one were given up.
+    GaveUp,
+    /// With an error set.
+    Failed,
+};
+
 /// Section reader of one read.
 ///
 /// Three kinds of offset occur, and each name says which is meant: a file position; a unit offset,
 /// which counts from the first byte of its unit; a section offset, which counts from the start of
-/// `.debug_info` and is the key of all nodes. All of it is 32-bit arithmetic.
+/// `.debug_info` and is the key of all nodes. All of it is 32-bit arithmetic. `.debug_types` counts
+/// as if it stood right behind `.debug_info`: an entry of it has the size of `.debug_info` and its
+/// own place for a section offset.
 class VDwarf2Section {
 public:
     VDwarf2Section();
@@ -66,7 +81,7 @@ public:
     /// @name Reading
     /// @{
 
-    /// Finds every unit of the section; see `VCompileUnitHeader`. True may come with error
+    /// Finds every unit of the sections; see `VCompileUnitHeader`. True may come with error
     /// `ELFERR_COMPILE_UNIT_SIZE` set, when a search for damaged units was given up.
     bool MapCompileUnits();
     /// Reads the entries of all units into nodes.
@@ -88,9 +103,11 @@ public:
     }
 
     /// The terminated text at an offset of `.debug_str`, null if there is none.
-    [[nodiscard]] const char* GetDebugString(std::uint32_t offset) const {
+    [[nodiscard]] const char* GetDebugString(std::uint64_t offset) const {
         return offset < mDebugStr.size() ? mDebugStr.data() + offset : nullptr;
     }
+    /// Section offset of the type of a signature, 0 if no type unit has it.
+    [[nodiscard]] std::uint32_t FindTypeOfSignature(std::uint64_t signature) const;
     /// True if a text lies in `.debug_str`. Such texts live as long as the tree.
     [[nodiscard]] bool IsInDebugStr(const char* text) const {
         const auto distance = reinterpret_cast<std::uintptr_t>(text) -
@@ -142,7 +159,13 @@ public:
     VElfFileCachePtr mDebugStrCache;
     /// Its bytes; a terminator follows the last one.
     std::string_view mDebugStr;
-    /// Every unit found, in file order; they lie in the arena.
+    /// Of the full manner of reading alone.
+    std::unique_ptr<VUnitTables> mUnitTables;
+    /// Signature of a type to its section offset. The first unit of a signature counts.
+    std::unordered_map<std::uint64_t, std::uint32_t, SeededHash> mTypeOffsets;
+    /// Units that are passed over, by their version.
+    std::map<std::int32_t, std::uint32_t> mUnitsNotRead;
+    /// Every unit found that is read, in file order; they lie in the arena.
     std::vector<VCompileUnitHeader*> mCompileUnits;
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
     bool mAutodetectPending = true;
@@ -156,6 +179,10 @@ public:
     std::uint64_t mVoidEntryType = 0;
 
 private:
+    bool LoadUnitTables(VElfFile& file);
+    /// @param startOffset section offset of the section's first byte
+    MappingOutcome MapUnitsOf(const Elf64_Shdr& record, UnitSection section,
+                              std::uint32_t startOffset);
     bool LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr& section) const;
     void AutodetectFileRelativeReferences(const std::string& producer);
     void AutodetectReferenceWidth(const std::string& producer, const VCompileUnitHeader& unit);

@@ -86,7 +86,8 @@ void VDebugInfoNodeInheritance::InitFromDie(const VDie2& die, VDwarf2Section& se
 void VDebugInfoNodeSubrange::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     VDebugInfoNode::InitFromDie(die, section);
     const VRareDieAttributes& attributes = die.GetRareAttributes();
-    mLowerBound = attributes.mLowerBound;
+    mLowerBound =
+        attributes.mLowerBound.IsDefined() ? attributes.mLowerBound : die.DefaultLowerBoundOfUnit();
     mUpperBound = attributes.mUpperBound;
     mCount = attributes.mCount;
 }

@@ -1,0 +1,12 @@
+// What the source language of a unit decides.
+#pragma once
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// The lower bound of arrays that tell none (DWARF 5, 7.12).
+/// @param language value of the language attribute
+std::uint32_t DefaultLowerBound(std::uint32_t language);
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,42 @@
+#include "dwarf/VUnitTables.h"
+
+#include "container/VElfFile.h"
+#include "core/ErrorState.h"
+#include "dwarf/VCompileUnitHeader.h"
+#include "dwarf/VCompileUnitReader.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+bool LoadOrLeaveEmpty(VWholeSection& section, const Elf64_Shdr& record) {
+    return section.Load(record) || !IsOutOfMemory();
+}
+
+} // namespace
+
+VUnitTables::VUnitTables(VElfFile& file)
+    : mLineTexts(file)
+    , mTextOffsets(file)
+    , mAddresses(file) {}
+
+bool VUnitTables::Load(const VElfFile& file) {
+    return LoadOrLeaveEmpty(mLineTexts, file.mSecDebugLineStr) &&
+           LoadOrLeaveEmpty(mTextOffsets, file.mSecDebugStrOffsets) &&
+           LoadOrLeaveEmpty(mAddresses, file.mSecDebugAddr);
+}
+
+std::optional<std::uint64_t> VUnitTables::TextOffsetAt(const VCompileUnitReader& unit,
+                                                       std::uint64_t index) {
+    const std::optional<std::uint64_t> base = unit.mFacts.mTextOffsetsBase;
+    const std::uint8_t width = unit.mHeader.mIs64BitDwarf ? 8 : 4;
+    return base ? mTextOffsets.NumberAt(*base, index, width) : std::nullopt;
+}
+
+std::optional<std::uint64_t> VUnitTables::AddressAt(const VCompileUnitReader& unit,
+                                                    std::uint64_t index) {
+    const std::optional<std::uint64_t> base = unit.mFacts.mAddressesBase;
+    return base ? mAddresses.NumberAt(*base, index, unit.mHeader.mTargetAddressSize) : std::nullopt;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,38 @@
+// A debug section that stays in memory for the whole read, and the tables of numbers among them.
+#pragma once
+
+#include "container/ElfRecords.h"
+#include "container/VElfBuffer.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// The bytes of a section.
+class VWholeSection : public VElfBuffer {
+public:
+    explicit VWholeSection(VElfInput& input)
+        : VElfBuffer(input)
+        , mIsDsPicTarget(input.mIsDsPicTarget) {}
+
+    /// Loads the section; one that is missing gives an empty buffer. Errors: those of loading.
+    bool Load(const Elf64_Shdr& section);
+
+private:
+    bool mIsDsPicTarget;
+};
+
+/// `.debug_str_offsets`, `.debug_addr` and their like (DWARF 5, 7.26 and 7.27): each unit has its
+/// part, whose base is a section offset, and names numbers by their place in it.
+class VNumberTable : public VWholeSection {
+public:
+    using VWholeSection::VWholeSection;
+
+    /// The number at a place, none if it lies outside of the section.
+    /// @param width bytes of each number: 1, 2, 4 or 8
+    std::optional<std::uint64_t> NumberAt(std::uint64_t base, std::uint64_t index,
+                                          std::uint8_t width);
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
