@@ -161,7 +161,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("folder", type=pathlib.Path)
     seeds = Seeds(parser.parse_args().folder)
-    images = sorted((ROOT / "tests" / "samples" / "images").iterdir())
+    images = sorted((ROOT / "tests" / "samples" / "images").glob("*.*"))
     seeds.images(path for path in images if path.stat().st_size < 40000)
     seeds.entries(60)
     seeds.texts()

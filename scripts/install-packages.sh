@@ -14,7 +14,9 @@ packages=(
 )
 case "${1:-}" in
 samples)
-    packages+=(clang-14 gcc-arm-none-eabi g++-powerpc-linux-gnu gcc-powerpc-linux-gnu
+    packages+=(clang-14 lld-14 gcc-arm-none-eabi libnewlib-arm-none-eabi
+        g++-powerpc-linux-gnu gcc-powerpc-linux-gnu gcc-aarch64-linux-gnu gcc-riscv64-linux-gnu
+        binutils-avr gcc-avr gfortran gnat rustc
         g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32)
     ;;
 docs)

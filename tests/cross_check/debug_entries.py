@@ -5,6 +5,7 @@ Everything here is parsed from the text of `readelf --debug-dump=info` or, for W
 """
 
 import dataclasses
+import functools
 import re
 import subprocess
 
@@ -12,32 +13,45 @@ import windows_images
 
 ENTRY_LINE = re.compile(r"\s*<([0-9a-f]+)><([0-9a-f]+)>: Abbrev Number: (\d+)(?: \((\S+)\))?")
 ATTRIBUTE_LINE = re.compile(r"\s*<[0-9a-f]+>\s+(DW_AT_\S+?)\s*: ?(.*)")
+SECTION_LINE = re.compile(r"Contents of the (\S+) section")
+UNIT_LINE = re.compile(r"\s*Compilation Unit @ offset (?:0x)?([0-9a-f]+)")
+SIGNATURE_LINE = re.compile(r"\s*Signature:\s+0x([0-9a-f]+)")
+TYPE_OFFSET_LINE = re.compile(r"\s*Type Offset:\s+0x([0-9a-f]+)")
 ADDRESS = re.compile(r"\(DW_OP_addr: ([0-9a-f]+)\)$")
-REFERENCE = re.compile(r"<0x([0-9a-f]+)>")
+ADDRESS_INDEX = re.compile(r"\(DW_OP_addrx <(?:0x)?([0-9a-f]+)>\)$")
+REFERENCE = re.compile(r"<(?:alt )?0x([0-9a-f]+)>")
+SIGNATURE = re.compile(r"signature: 0x([0-9a-f]+)$")
+STRING_NOTE = re.compile(r"^\((?:alt )?(?:indirect|indexed)(?: line)? string[^)]*\): ")
 
 
 @dataclasses.dataclass
 class DebugEntry:
-    """One entry: `offset` counts from the start of .debug_info, `attributes` hold readelf's texts."""
+    """One entry: `offset` and `unit` count from the start of the section, `attributes` hold readelf's texts."""
 
     offset: int
     tag: str
     parent: "DebugEntry | None"
+    section: str = ".debug_info"
+    unit: int = 0
     attributes: dict = dataclasses.field(default_factory=dict)
     children: list = dataclasses.field(default_factory=list)
 
     def name(self):
         """The name without readelf's note on where the string lies; None if there is none."""
         text = self.attributes.get("DW_AT_name")
-        return None if text is None else re.sub(r"^\(indirect string, offset: \S+\): ", "", text).strip()
+        return None if text is None else STRING_NOTE.sub("", text).strip()
 
     def number(self, attribute):
         text = self.attributes.get(attribute)
         return None if text is None else int(text.split()[0], 0)
 
-    def address(self):
-        """The address of a location that is nothing but an address; else None."""
-        found = ADDRESS.search(self.attributes.get("DW_AT_location", ""))
+    def address(self, image=None):
+        """The address of a location that is nothing but an address; else None. The image tells the
+        addresses that are given by their index."""
+        location = self.attributes.get("DW_AT_location", "")
+        if image and (found := ADDRESS_INDEX.search(location)):
+            return address_tables(image).get(self.unit, {}).get(int(found.group(1), 16))
+        found = ADDRESS.search(location)
         return int(found.group(1), 16) if found else None
 
     def reference(self, attribute):
@@ -46,22 +60,84 @@ class DebugEntry:
         return int(found.group(1), 16) if found else None
 
 
+class EntryTree:
+    """The entries of an image with what they refer to."""
+
+    def __init__(self, image):
+        self.entries = debug_entries(image)
+        self._by_place = {(entry.section, entry.offset): entry for entry in self.entries}
+        self._by_signature = {
+            signature: self._by_place[section, unit + offset]
+            for section, unit, signature, offset in type_units(image)}
+
+    def target(self, entry, attribute):
+        """The entry that an attribute refers to; None without one."""
+        text = entry.attributes.get(attribute, "")
+        if found := SIGNATURE.search(text):
+            return self._by_signature.get(int(found[1], 16))
+        return self._by_place.get((entry.section, entry.reference(attribute)))
+
+    def origin(self, entry):
+        """The entry that an entry completes or is a copy of, if there is one; else the entry itself."""
+        for attribute in ("DW_AT_abstract_origin", "DW_AT_specification"):
+            if (target := self.target(entry, attribute)) is not None:
+                return self.origin(target)
+        return entry
+
+
+def _dump(image, part):
+    is_windows_image = windows_images.is_windows_image(image)
+    command = [f"--dwarf={part}"] if is_windows_image else [f"--debug-dump={part}"]
+    done = subprocess.run(["objdump" if is_windows_image else "readelf", *command, str(image)],
+                          capture_output=True, text=True, errors="surrogateescape", timeout=120)
+    if not done.stdout:
+        raise AssertionError(f"{image}: {done.stderr}")
+    return done.stdout.splitlines()
+
+
+@functools.cache
+def address_tables(image):
+    """For each unit, by its offset, the addresses that it gives by an index."""
+    tables, table = {}, {}
+    for line in _dump(image, "addr"):
+        if found := re.match(r"\s*For compilation unit at offset (?:0x)?([0-9a-f]+)", line):
+            table = tables[int(found[1], 16)] = {}
+        elif found := re.match(r"\s+(\d+):\s+([0-9a-f]+)$", line):
+            table[int(found[1])] = int(found[2], 16)
+    return tables
+
+
+def type_units(image):
+    """Section, offset, signature and offset of the type, of each unit that holds a single type."""
+    section, unit, signature = ".debug_info", 0, 0
+    for line in _dump(image, "info"):
+        if found := SECTION_LINE.match(line):
+            section = found[1]
+        elif found := UNIT_LINE.match(line):
+            unit = int(found[1], 16)
+        elif found := SIGNATURE_LINE.match(line):
+            signature = int(found[1], 16)
+        elif found := TYPE_OFFSET_LINE.match(line):
+            yield section, unit, signature, int(found[1], 16)
+
+
 def debug_entries(image):
     """All entries of the image in file order; null entries are none."""
-    is_windows_image = windows_images.is_windows_image(image)
-    command = ["objdump", "--dwarf=info"] if is_windows_image else ["readelf", "--debug-dump=info"]
-    done = subprocess.run([*command, str(image)], capture_output=True, text=True,
-                          errors="surrogateescape", check=True, timeout=120)
     entries = []
     open_entries = []
-    for line in done.stdout.splitlines():
+    section, unit = ".debug_info", 0
+    for line in _dump(image, "info"):
+        if line.startswith("Contents of"):
+            section = SECTION_LINE.match(line)[1]
+        elif found := UNIT_LINE.match(line):
+            unit = int(found[1], 16)
         found = ENTRY_LINE.match(line)
         if found:
             depth, offset, code = int(found[1], 16), int(found[2], 16), int(found[3])
             del open_entries[depth:]
             if code != 0:
                 parent = open_entries[-1] if open_entries else None
-                entries.append(DebugEntry(offset, found[4], parent))
+                entries.append(DebugEntry(offset, found[4], parent, section, unit))
                 open_entries.append(entries[-1])
                 if parent:
                     parent.children.append(entries[-1])
