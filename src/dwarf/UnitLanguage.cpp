@@ -21,8 +21,8 @@ constexpr auto sLanguagesFromOne = std::to_array<std::uint32_t>({
     0x0f, // PL/I
     0x17, // Modula-3
     0x1f, // Julia
-    0x21, // Fortran 2003
-    0x22, // Fortran 2008
+    0x22, // Fortran 2003
+    0x23, // Fortran 2008
     0x2d, // Fortran 2018
     0x2e, // Ada 2005
     0x2f, // Ada 2012
