@@ -125,6 +125,8 @@ constexpr auto sFullTargets = [] {
     std::array<AttributeTarget, DW_AT_loclists_base + 1> targets{};
     std::ranges::copy(sClassicTargets, targets.begin());
     targets[DW_AT_language] = AttributeTarget::Language;
+    targets[DW_AT_abstract_origin] = AttributeTarget::AbstractOrigin;
+    targets[DW_AT_data_bit_offset] = AttributeTarget::DataBitOffset;
     targets[DW_AT_str_offsets_base] = AttributeTarget::TextOffsetsBase;
     targets[DW_AT_addr_base] = AttributeTarget::AddressesBase;
     targets[DW_AT_loclists_base] = AttributeTarget::LocationListsBase;
@@ -132,6 +134,7 @@ constexpr auto sFullTargets = [] {
 }();
 
 constexpr auto sFullVendorTargets = std::to_array<VendorTarget>({
+    {DW_AT_MIPS_linkage_name, AttributeTarget::LinkageName},
     {DW_AT_GNU_addr_base, AttributeTarget::AddressesBase},
 });
 

@@ -131,6 +131,8 @@ enum class AttributeTarget : std::uint8_t {
     Specification,
     Type,
     LinkageName,
+    AbstractOrigin,
+    DataBitOffset,
     // Of units, see `VUnitFacts`.
     Language,
     TextOffsetsBase,

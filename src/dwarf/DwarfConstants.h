@@ -21,6 +21,7 @@ enum : dwarf_tag {
     DW_TAG_pointer_type = 0x0f,
     DW_TAG_reference_type = 0x10,
     DW_TAG_compile_unit = 0x11,
+    DW_TAG_string_type = 0x12,
     DW_TAG_structure_type = 0x13,
     DW_TAG_subroutine_type = 0x15,
     DW_TAG_typedef = 0x16,
@@ -99,6 +100,7 @@ enum : std::uint32_t {
     DW_AT_lower_bound = 0x22,
     DW_AT_producer = 0x25,
     DW_AT_upper_bound = 0x2f,
+    DW_AT_abstract_origin = 0x31,
     DW_AT_accessibility = 0x32,
     DW_AT_count = 0x37,
     DW_AT_data_member_location = 0x38,
@@ -107,10 +109,12 @@ enum : std::uint32_t {
     DW_AT_external = 0x3f,
     DW_AT_specification = 0x47,
     DW_AT_type = 0x49,
+    DW_AT_data_bit_offset = 0x6b,
     DW_AT_linkage_name = 0x6e,
     DW_AT_str_offsets_base = 0x72,
     DW_AT_addr_base = 0x73,
     DW_AT_loclists_base = 0x8c,
+    DW_AT_MIPS_linkage_name = 0x2007,
     DW_AT_GNU_addr_base = 0x2133,
 };
 

@@ -257,7 +257,12 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         mByteSize = mBuffer->IsWordAddressedTarget() ? value.mNumber * 2 : value.mNumber;
         break;
     case AttributeTarget::BitOffset:
+        mBitOffset = mHasDataBitOffset ? mBitOffset : value.mNumber;
+        mHasBitOffset = true;
+        break;
+    case AttributeTarget::DataBitOffset:
         mBitOffset = value.mNumber;
+        mHasDataBitOffset = true;
         break;
     case AttributeTarget::BitSize:
         mBitSize = value.mNumber;
@@ -298,6 +303,9 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
     case AttributeTarget::Specification:
         SetAttributeValue(mSpecification, attribute, value.mNumber);
         break;
+    case AttributeTarget::AbstractOrigin:
+        StoreOrigin(MakeAttributeValue(attribute, value.mNumber));
+        break;
     case AttributeTarget::Type:
         mTypeRef = value.mNumber;
         mTypeRefIsSectionOffset = GivesSectionOffset(attribute.mReading);
@@ -309,6 +317,14 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         break;
     default:
         break;
+    }
+}
+
+void VDie2::StoreOrigin(const VAttributeValue& origin) {
+    // Parameters and inlined calls have origins by the million, and nobody asks for them.
+    if (mTag == DW_TAG_variable || mTag == DW_TAG_subprogram) {
+        mSpecification = origin;
+        mIsAbstractOrigin = true;
     }
 }
 

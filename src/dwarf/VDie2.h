@@ -54,6 +54,11 @@ struct VDieAttributes {
     VDieText mLinkageName;
     VAttributeValue mSpecification;
     VAttributeValue mAccessibility;
+    /// The specification is the abstract origin of an instance.
+    bool mIsAbstractOrigin = false;
+    bool mHasBitOffset = false;
+    /// The bit offset counts from the start of the structure.
+    bool mHasDataBitOffset = false;
     bool mHasRareAttributes = false;
 };
 
@@ -126,6 +131,8 @@ private:
         return mRareAttributes;
     }
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
+    /// The origin of an instance says what a specification says.
+    void StoreOrigin(const VAttributeValue& origin);
     void StoreName(const char* name);
     void StoreProducer(const char* producer);
     [[nodiscard]] VAttributeString MakeAttributeString(const char* text) const;

@@ -35,7 +35,25 @@ void ResolveAllSizes(VDwarf2Section& section);
 /// 8. Of variables of one name and address all but the richest become redundant.
 void MarkRedundantVariables(VDwarf2Section& section);
 
-/// 9. Moves the members of anonymous members into the enclosing type.
+/// 9. Moves the members of anonymous members into the enclosing type, where that declares their
+/// type.
 void FlattenAnonymousMembers(VDwarf2Section& section);
+
+/// @name Passes of the full reading alone
+/// @{
+
+/// After 6: variables that are instances take type, scope and external flag from their origins.
+void TakeOverFromOrigins(VDwarf2Section& section);
+
+/// Before 7: bit fields lie inside the storage that their type names.
+void PlaceBitFields(VDwarf2Section& section);
+
+/// Before 7: references to rvalues and pointers to members have sizes of their own.
+void SettlePointerSizes(VDwarf2Section& section);
+
+/// Instead of 9: the same, wherever the types are declared.
+void FlattenAllAnonymousMembers(VDwarf2Section& section);
+
+/// @}
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

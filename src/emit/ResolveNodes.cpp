@@ -1,4 +1,5 @@
 // The sequence of the passes over a complete tree, and the passes that are one call for each node.
+#include "container/VElfFile.h"
 #include "core/KeyMixing.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
@@ -7,10 +8,53 @@
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
 
+#include <span>
 #include <string>
 #include <unordered_map>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+using ResolutionPass = void (*)(VDwarf2Section&);
+
+constexpr ResolutionPass sClassicPasses[] = {
+    ResolveAllReferences,    DemangleNames,          GroupTypesOfSameName,
+    BreakAllReferenceCycles, UnifyCompileUnits,      ResolveExternVariables,
+    ResolveAllSizes,         MarkRedundantVariables, FlattenAnonymousMembers,
+};
+
+constexpr ResolutionPass sFullPasses[] = {
+    ResolveAllReferences,    DemangleNames,          GroupTypesOfSameName,
+    BreakAllReferenceCycles, UnifyCompileUnits,      ResolveExternVariables,
+    TakeOverFromOrigins,     PlaceBitFields,         SettlePointerSizes,
+    ResolveAllSizes,         MarkRedundantVariables, FlattenAllAnonymousMembers,
+};
+
+/// Such a pointer is a pair of a function and the displacement of its object.
+bool IsPointerToMemberFunction(const VDebugInfoNode& pointer) {
+    if (pointer.GetTag() != DW_TAG_ptr_to_member_type) {
+        return false;
+    }
+    const VDebugInfoNode* type = pointer.GetTypeNode();
+    for (int link = 0; link < sMaximumChainLength && type != nullptr; ++link) {
+        if (type->GetTag() == DW_TAG_subroutine_type) {
+            return true;
+        }
+        const bool isOtherName = type->GetTag() == DW_TAG_typedef ||
+                                 type->GetTag() == DW_TAG_const_type ||
+                                 type->GetTag() == DW_TAG_volatile_type;
+        type = isOtherName ? type->GetTypeNode() : nullptr;
+    }
+    return false;
+}
+
+std::span<const ResolutionPass> PassesOf(ReadingManner manner) {
+    return manner == ReadingManner::Full ? std::span<const ResolutionPass>(sFullPasses)
+                                         : std::span<const ResolutionPass>(sClassicPasses);
+}
+
+} // namespace
 
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
@@ -18,15 +62,9 @@ bool VDwarf2Section::ResolveNodes() {
     if (VElfOptions::mDumpDebugInfoNodes != 0) {
         mDieNodes.LeaveNoneOut();
     }
-    ResolveAllReferences(*this);
-    DemangleNames(*this);
-    GroupTypesOfSameName(*this);
-    BreakAllReferenceCycles(*this);
-    UnifyCompileUnits(*this);
-    ResolveExternVariables(*this);
-    ResolveAllSizes(*this);
-    MarkRedundantVariables(*this);
-    FlattenAnonymousMembers(*this);
+    for (const ResolutionPass pass : PassesOf(mElfFile->mManner)) {
+        pass(*this);
+    }
     return true;
 }
 
@@ -46,6 +84,15 @@ void BreakAllReferenceCycles(VDwarf2Section& section) {
 void ResolveAllSizes(VDwarf2Section& section) {
     section.mDieNodes.ForEachWith(NodeTask::Size, [&](VDebugInfoNode& node) {
         node.ResolveSizes(section.mDieNodes, section);
+    });
+}
+
+void SettlePointerSizes(VDwarf2Section& section) {
+    section.mDieNodes.ForEachOf(NodeGroup::OtherPointers, [](VDebugInfoNode& pointer) {
+        if (!pointer.HasByteSize()) {
+            const std::int32_t addressSize = pointer.GetCompileUnitHeader()->mTargetAddressSize;
+            pointer.SetByteSize(IsPointerToMemberFunction(pointer) ? 2 * addressSize : addressSize);
+        }
     });
 }
 

@@ -12,7 +12,13 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 bool HasStorage(const VDie2& die) {
-    return die.mHasEncoding || die.mBitSize != 0 || die.mBitOffset != 0;
+    return die.mHasEncoding || die.mBitSize != 0 || die.mBitOffset != 0 || die.mHasDataBitOffset;
+}
+
+BitNumbering NumberingOf(const VDie2& die) {
+    return die.mHasDataBitOffset                            ? BitNumbering::Structure
+           : die.mHasBitOffset || die.mBitFieldFromLocation ? BitNumbering::Storage
+                                                            : BitNumbering::Unsaid;
 }
 
 bool HasExtras(const VDie2& die) {
@@ -50,11 +56,12 @@ VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& sectio
     extras->mLinkageName = section.KeepText(die.mLinkageName);
     extras->mSpecification = static_cast<std::uint32_t>(die.mSpecification.mValue);
     extras->mSpecificationKind = KindOf(die.mSpecification);
+    extras->mIsSpecificationOrigin = die.mIsAbstractOrigin;
     extras->mAccessibility = static_cast<std::uint32_t>(die.mAccessibility.mValue);
     extras->mAccessibilityKind = KindOf(die.mAccessibility);
     if (HasStorage(die)) {
-        extras->mStorage = section.mArena.Create<VNodeStorage>(
-            VNodeStorage{die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding});
+        extras->mStorage = section.mArena.Create<VNodeStorage>(VNodeStorage{
+            die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding, NumberingOf(die)});
     }
     return *extras;
 }

@@ -53,6 +53,28 @@ VDebugInfoNode* VDebugInfoNode::TakeNext(VDebugInfoNode*& chain) {
     return node;
 }
 
+void VDebugInfoNode::CopyFrom(const VDebugInfoNode& other, VNodeArena& arena) {
+    mTagRecord = other.mTagRecord;
+    mByteSize = other.mByteSize;
+    mHasByteSize = other.mHasByteSize;
+    mByteSizeFromTypeReference = other.mByteSizeFromTypeReference;
+    mIsDeclaration = other.mIsDeclaration;
+    mIsExternal = other.mIsExternal;
+    mHasNameAttribute = other.mHasNameAttribute;
+    mBitFieldFromLocation = other.mBitFieldFromLocation;
+    if (other.mIsTypeResolved) {
+        SetTypeNode(*other.mTypeNode);
+    } else {
+        mTypeReferenceOffset = other.mTypeReferenceOffset;
+    }
+    if (const VNodeExtras* extras = other.GetExtras()) {
+        auto* copy = arena.Create<VNodeExtras>(*extras);
+        static_cast<VNodeDelivery&>(*copy) = {};
+        mAside = copy;
+        mHasExtras = true;
+    }
+}
+
 bool VDebugInfoNode::NormalizeEncoding() {
     if (HasEncoding() && GetEncoding() == DW_ATE_address) {
         GetStorage()->mEncoding = DW_ATE_signed;
@@ -170,6 +192,11 @@ void VDebugInfoNode::ClearSpecification() {
     }
 }
 
+VDebugInfoNode* VDebugInfoNode::GetAbstractOriginNode() const {
+    const VNodeExtras* extras = GetExtras();
+    return extras != nullptr && extras->mIsSpecificationOrigin ? GetSpecificationNode() : nullptr;
+}
+
 void VDebugInfoNode::ClearType() {
     mTypeReferenceOffset = 0;
     mIsTypeResolved = false;
@@ -216,6 +243,11 @@ std::uint32_t VDebugInfoNode::GetBitOffset() const {
 std::uint32_t VDebugInfoNode::GetBitSize() const {
     const VNodeStorage* storage = GetStorage();
     return storage != nullptr ? storage->mBitSize : 0;
+}
+
+BitNumbering VDebugInfoNode::GetBitNumbering() const {
+    const VNodeStorage* storage = GetStorage();
+    return storage != nullptr ? storage->mBitNumbering : BitNumbering::Unsaid;
 }
 
 void VDebugInfoNode::SetBitOffset(std::uint32_t bitOffset) {

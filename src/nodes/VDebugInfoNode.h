@@ -42,12 +42,23 @@ extern std::uint32_t nGlobalLexicalBlockCounter;
 /// exact end; longer ones occur in damaged files only.
 constexpr int sMaximumChainLength = 1000;
 
+/// What a bit offset counts from, as the entry says it.
+enum class BitNumbering : std::uint8_t {
+    /// There is none.
+    Unsaid,
+    /// The high-order bit of the storage.
+    Storage,
+    /// The first bit of the structure, in the order of the target's memory.
+    Structure,
+};
+
 /// How the value of a node lies in its storage, of bit fields and scalar types alone.
 struct VNodeStorage {
     std::uint32_t mBitOffset = 0;
     std::uint32_t mBitSize = 0;
     std::uint32_t mEncoding = 0;
     bool mHasEncoding = false;
+    BitNumbering mBitNumbering = BitNumbering::Unsaid;
 };
 
 /// The delivery of a node, of nodes that were asked for their object.
@@ -65,6 +76,7 @@ struct VNodeExtras : VNodeDelivery {
 
     bool mHasLinkageName = false;
     bool mIsSpecificationResolved = false;
+    bool mIsSpecificationOrigin = false;
     VAttributeKind mSpecificationKind = VAttributeKind::Undefined;
     VAttributeKind mAccessibilityKind = VAttributeKind::Undefined;
     VNodeText mLinkageName;
@@ -111,10 +123,12 @@ public:
         return mTag == DW_TAG_formal_parameter && !mHasExtras && mParent != nullptr &&
                mParent->mTag == DW_TAG_subprogram;
     }
-    /// True for a bit field that doesn't tell the size of its storage. What it makes of its type
-    /// depends on whether nodes before it, parameters too, have settled the size of that type.
+    /// True for a bit field that doesn't tell the size of its storage, but counts from its
+    /// high-order bit. What it makes of its type depends on whether nodes before it, parameters
+    /// too, have settled the size of that type.
     [[nodiscard]] bool IsBitFieldWithoutSize() const {
-        return mHasExtras && mByteSize <= 0 && GetBitSize() != 0;
+        return mHasExtras && mByteSize <= 0 && GetBitSize() != 0 &&
+               GetBitNumbering() != BitNumbering::Structure;
     }
     /// What the passes have to do at the node, as far as its attributes tell.
     [[nodiscard]] NodeTask GetTasks() const;
@@ -176,6 +190,7 @@ public:
         const VCompileUnitHeader* header = mCompileUnitHeader;
         return mName.Get(header != nullptr ? header->mDebugStr : nullptr);
     }
+    [[nodiscard]] VNodeText GetNameText() const { return mName; }
     void SetName(VNodeText text) { mName = text; }
     [[nodiscard]] bool HasNameAttribute() const { return mHasNameAttribute; }
     /// True if the name given to the host was made by the reader.
@@ -219,6 +234,8 @@ public:
     void SetSpecificationNode(VDebugInfoNode& node);
     /// Cuts the link to the specification, and the reference with it.
     void ClearSpecification();
+    /// The entry that this one is an instance of: the specification, if it came as abstract origin.
+    [[nodiscard]] VDebugInfoNode* GetAbstractOriginNode() const;
     /// Cuts the link to the type, and the reference with it.
     void ClearType();
     /// For a declaration: the definition that stands in for it.
@@ -257,6 +274,7 @@ public:
     [[nodiscard]] BasicType ConvertBaseTypeForSymbolProvider() const;
     [[nodiscard]] std::uint32_t GetBitOffset() const;
     [[nodiscard]] std::uint32_t GetBitSize() const;
+    [[nodiscard]] BitNumbering GetBitNumbering() const;
     /// For nodes that have extras; no others keep the value.
     void SetBitOffset(std::uint32_t bitOffset);
     void SetBitSize(std::uint32_t bitSize);
@@ -270,6 +288,7 @@ public:
 
     [[nodiscard]] bool IsDeclaration() const { return mIsDeclaration; }
     [[nodiscard]] bool IsExternal() const { return mIsExternal; }
+    void SetExternal() { mIsExternal = true; }
     [[nodiscard]] bool HasTemplateParameters() const { return mHasTemplateParameters; }
     void SetHasTemplateParameters(bool hasThem) { mHasTemplateParameters = hasThem; }
     [[nodiscard]] VAttributeValue GetAccessibilityAttribute() const;
@@ -373,6 +392,9 @@ public:
     /// @}
 
 protected:
+    /// Takes over what another node of the same class says, its delivery apart.
+    void CopyFrom(const VDebugInfoNode& other, VNodeArena& arena);
+
     /// What a node starts with when it has no size: asks for the size of its type.
     enum class SizeSource { Known, Type, None };
 

@@ -18,4 +18,14 @@ VDebugInfoNode* VDebugInfoNodeStructuresBase::InheritanceFrom(VDebugInfoNode* ch
     return child;
 }
 
+VDebugInfoNodeMember& VDebugInfoNodeMember::CopyTo(VDebugInfoNode& parent,
+                                                   VNodeArena& arena) const {
+    auto& copy = *arena.Create<VDebugInfoNodeMember>(GetOffset(), GetCompileUnitHeader(), &parent,
+                                                     GetNameText());
+    copy.CopyFrom(*this, arena);
+    copy.mMemberOffset = mMemberOffset;
+    copy.mHasMemberOffset = mHasMemberOffset;
+    return copy;
+}
+
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -63,6 +63,8 @@ public:
         : VDebugInfoNamedNode(DW_TAG_member, sectionOffset, header, parent, name) {}
 
     void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
+    /// Makes a member of another structure that says the same.
+    VDebugInfoNodeMember& CopyTo(VDebugInfoNode& parent, VNodeArena& arena) const;
     /// Offset in the enclosing object in bytes.
     [[nodiscard]] std::uint32_t GetMemberOffset() const override { return mMemberOffset; }
     void SetMemberOffset(std::uint32_t offset) override { mMemberOffset = offset; }

@@ -21,6 +21,9 @@ NodeGroup GroupOf(dwarf_tag tag) {
     case DW_TAG_member:
     case DW_TAG_enumeration_type:
         return NodeGroup::MembersAndEnumerations;
+    case DW_TAG_rvalue_reference_type:
+    case DW_TAG_ptr_to_member_type:
+        return NodeGroup::OtherPointers;
     default:
         return IsGroupedType(tag) ? NodeGroup::GroupedTypes : NodeGroup::None;
     }
@@ -60,27 +63,40 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
     }
 }
 
-VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
+std::size_t VDieNodeMap::PlaceOf(std::uint32_t sectionOffset) const {
     Settle();
     const std::size_t index = sectionOffset / sStretchSize;
     if (index >= mStretches.size()) {
-        return nullptr;
+        return kNoPlace;
     }
     const Stretch& stretch = mStretches[index];
     const std::uint64_t starts = stretch.entryStarts[0] | std::uint64_t{stretch.entryStarts[1]}
                                                               << sHalfSize;
     const std::uint64_t own = std::uint64_t{1} << (sectionOffset % sStretchSize);
     if ((starts & own) == 0) {
-        return nullptr;
+        return kNoPlace;
     }
     const auto before = static_cast<std::size_t>(std::popcount(starts & (own - 1)));
-    const std::size_t place = stretch.firstPlace + before;
+    return stretch.firstPlace + before;
+}
+
+VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
+    const std::size_t place = PlaceOf(sectionOffset);
+    if (place == kNoPlace) {
+        return nullptr;
+    }
     NodeMarks& marks = mMarks[place];
     if ((marks & kIsIdle) != 0) {
         mReferredParameters.push_back(static_cast<std::uint32_t>(place));
     }
-    marks = static_cast<NodeMarks>((marks | kIsReferred) & ~kIsIdle);
+    const NodeMarks again = (marks & kIsReferred) != 0 ? kIsReferredAgain : 0;
+    marks = static_cast<NodeMarks>((marks | kIsReferred | again) & ~kIsIdle);
     return mNodes[place];
+}
+
+bool VDieNodeMap::IsReferredOnce(const VDebugInfoNode& node) const {
+    const std::size_t place = PlaceOf(node.GetOffset());
+    return place != kNoPlace && (mMarks[place] & kIsReferredAgain) == 0;
 }
 
 void VDieNodeMap::NoteReferred(const VDebugInfoNode& node) const {

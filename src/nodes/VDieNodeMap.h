@@ -24,6 +24,8 @@ enum class NodeGroup : std::uint8_t {
     /// See `IsGroupedType`.
     GroupedTypes,
     MembersAndEnumerations,
+    /// References to rvalues and pointers to members.
+    OtherPointers,
     None
 };
 
@@ -71,6 +73,9 @@ public:
 
     /// Takes note that a node of the map is referred to by a link that `Find` did not give.
     void NoteReferred(const VDebugInfoNode& node) const;
+
+    /// True if one link at most is known to lead to a node of the map.
+    [[nodiscard]] bool IsReferredOnce(const VDebugInfoNode& node) const;
 
     /// All nodes in ascending order of their offsets. The view ends with the next `Insert`.
     [[nodiscard]] std::span<const Link> InOffsetOrder() const;
@@ -139,6 +144,7 @@ public:
 private:
     /// What is to be done at a node, and the marks below.
     using NodeMarks = std::uint8_t;
+    static constexpr NodeMarks kIsReferredAgain = 0x20;
     static constexpr NodeMarks kIsReferred = 0x40;
     /// A plain parameter that nothing is known to refer to.
     static constexpr NodeMarks kIsIdle = 0x80;
@@ -173,6 +179,8 @@ private:
         std::uint32_t firstPlace = 0;
     };
 
+    static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
+    [[nodiscard]] std::size_t PlaceOf(std::uint32_t sectionOffset) const;
     void Append(VDebugInfoNode* node) const;
     void Settle() const;
     void MergeOutOfOrder() const;
