@@ -67,6 +67,31 @@ constexpr UnsizedEntry sUnsizedTypes[] = {
     {BasicType::Int64, BasicTypes::Int64},     {BasicType::UInt64, BasicTypes::UInt64},
 };
 
+struct FullEncodingEntry {
+    std::uint32_t encoding;
+    /// Nothing for kinds that the host lacks.
+    std::optional<BasicType> code;
+};
+
+/// What the full reading takes in another sense.
+constexpr FullEncodingEntry sFullEncodings[] = {
+    {3, {}},               // DW_ATE_complex_float
+    {9, {}},               // DW_ATE_imaginary_float
+    {10, {}},              // DW_ATE_packed_decimal
+    {11, {}},              // DW_ATE_numeric_string
+    {12, {}},              // DW_ATE_edited
+    {13, {}},              // DW_ATE_signed_fixed
+    {14, {}},              // DW_ATE_unsigned_fixed
+    {15, {}},              // DW_ATE_decimal_float
+    {16, BasicType::UInt}, // DW_ATE_UTF
+    {17, BasicType::UInt}, // DW_ATE_UCS
+    {18, BasicType::UInt}, // DW_ATE_ASCII
+    {128, {}},             // complex integers of GNU compilers
+};
+
+/// Floats of 2 bytes that are no halves of IEEE 754.
+constexpr std::string_view sBrainFloats[] = {"__bf16", "bfloat16_t", "std::bfloat16_t"};
+
 void ReportUnsupportedEncoding(std::uint32_t encoding, std::uint32_t byteSize) {
     if (byteSize != 1) {
         elflog("[VDebugInfoNode::ConvertBaseTypeForSymbolProvider: Unsupported encoding %d . "
@@ -84,6 +109,34 @@ BasicType BasicTypeOfEncoding(std::uint32_t encoding, std::uint32_t byteSize) {
         return BasicType::NoType;
     }
     return found->code;
+}
+
+std::optional<BasicType> BasicTypeOfItsSize(std::uint32_t encoding, std::uint32_t byteSize,
+                                            std::string_view name) {
+    const auto* const entry =
+        std::ranges::find(sFullEncodings, encoding, &FullEncodingEntry::encoding);
+    const std::optional<BasicType> code =
+        entry != std::end(sFullEncodings) ? entry->code : BasicTypeOfEncoding(encoding, byteSize);
+    const bool hasIntegerWidth = std::ranges::any_of(sSizedTypes, [&](const SizedEntry& sized) {
+        return sized.code == BasicType::UInt && sized.byteSize == byteSize;
+    });
+    if (code == BasicType::Void && byteSize != 0) {
+        return {};
+    }
+    if (code == BasicType::Float &&
+        std::ranges::find(sBrainFloats, name) != std::end(sBrainFloats)) {
+        return {};
+    }
+    if (code == BasicType::Int && !hasIntegerWidth) {
+        return BasicType::Long;
+    }
+    if (code == BasicType::UInt && !hasIntegerWidth) {
+        return BasicType::UnsignedLong;
+    }
+    if (code == BasicType::Bool && byteSize != 1) {
+        return hasIntegerWidth ? BasicType::UInt : BasicType::UnsignedLong;
+    }
+    return code;
 }
 
 BasicTypes GetManagedBasicType(BasicType code, std::uint64_t byteSize) {

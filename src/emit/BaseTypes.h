@@ -5,6 +5,8 @@
 #include "host/BasicTypes.h"
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -34,6 +36,14 @@ enum class BasicType : std::int32_t {
 /// `NoType` and, for a size other than 1, a line in the log.
 /// @param byteSize size of the base type in bytes, for the log
 BasicType BasicTypeOfEncoding(std::uint32_t encoding, std::uint32_t byteSize);
+
+/// The code of a DWARF encoding whose host value holds for the size, too: an integer of a width
+/// that has no value of its own is `Long` or `UnsignedLong`. Nothing for what the host has no kind
+/// for: complex and decimal numbers, fixed points, texts.
+/// @param byteSize size of the base type in bytes
+/// @param name that of the base type, since the encoding doesn't tell all floats apart
+std::optional<BasicType> BasicTypeOfItsSize(std::uint32_t encoding, std::uint32_t byteSize,
+                                            std::string_view name);
 
 /// The host's value of a code and a size in bytes. Widths that the host has no integer or float of
 /// give its `Double`.

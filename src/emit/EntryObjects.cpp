@@ -9,6 +9,7 @@
 #include "nodes/VDebugInfoNodeConstants.h"
 #include "nodes/VDebugInfoNodeDerivedTypes.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,6 +20,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 constexpr EntryNeed sScopeNeed[] = {EntryNeed::Scope};
+/// An unknown type lies in the global namespace.
+constexpr EntryNeed sUnknownTypeNeeds[] = {EntryNeed::Guard};
 constexpr EntryNeed sTypeNeeds[] = {EntryNeed::Scope, EntryNeed::Type};
 constexpr EntryNeed sEnumerationNeeds[] = {EntryNeed::Scope, EntryNeed::BaseType};
 constexpr EntryNeed sFunctionTypeNeeds[] = {EntryNeed::Scope, EntryNeed::Type,
@@ -65,6 +68,19 @@ public:
                                             Widened(mNode.GetByteSize()), mInputs.scope);
     }
 
+    /// A base type whose value fits its size; of a kind that the contract lacks an unknown type.
+    ObjectId CreateBaseTypeOfItsSize() {
+        const std::optional<BasicType> code =
+            BasicTypeOfItsSize(mNode.GetEncoding(), UnsignedSize(), mNode.GetName());
+        return code ? mFactory.CreateBaseEntryType(*code, Widened(mNode.GetByteSize()),
+                                                   mInputs.scope)
+                    : GetOrCreateUnknownType();
+    }
+
+    ObjectId GetOrCreateUnknownType() {
+        return mEmission.Section().GetUnknownEntryTypeObject(UnsignedSize());
+    }
+
     ObjectId CreateUnspecifiedType() {
         return mFactory.CreateBaseEntryType(BasicType::Void, 0, mInputs.scope);
     }
@@ -108,12 +124,16 @@ public:
                                                   mNode.GetMemberOffset(), sNoExtension, false);
         }
         if (mNode.GetBitSize() != 0) {
-            return mFactory.CreateBitfieldInUdt(name, mInputs.type, mInputs.scope,
-                                                mNode.GetMemberOffset(), mNode.GetBitOffset(),
-                                                mNode.GetBitSize(), sNoExtension, false);
+            return CreateBitField();
         }
         return mFactory.CreateMemberData(name, mInputs.type, mInputs.scope, mNode.GetMemberOffset(),
                                          sNoExtension, false);
+    }
+
+    ObjectId CreateBitField() {
+        return mFactory.CreateBitfieldInUdt(Name(), mInputs.type, mInputs.scope,
+                                            mNode.GetMemberOffset(), mNode.GetBitOffset(),
+                                            mNode.GetBitSize(), sNoExtension, false);
     }
 
     ObjectId CreateSubprogram() {
@@ -195,9 +215,7 @@ private:
     const EmissionInputs& mInputs;
 };
 
-} // namespace
-
-std::span<const EntryNeed> NeedsOf(dwarf_tag tag) {
+std::span<const EntryNeed> ClassicNeedsOf(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_class_type:
     case DW_TAG_structure_type:
@@ -227,23 +245,10 @@ std::span<const EntryNeed> NeedsOf(dwarf_tag tag) {
     }
 }
 
-bool IsDelivered(dwarf_tag tag) {
-    return !NeedsOf(tag).empty();
-}
-
-ObjectId VDebugInfoNode::GetOrCreateEntryObject(VDwarf2Section& section,
-                                                VCLIFactoryWrapper& factory,
-                                                const char* /*label*/) {
-    return VNodeEmission(section, factory).Deliver(*this);
-}
-
-bool VDebugInfoNode::CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
-                                       ObjectId& id, bool& alreadyRegistered) {
-    if (GetEntryObject() != 0 && mTag != DW_TAG_compile_unit) {
-        return false;
-    }
-    EntryObject object(*this, emission, inputs);
-    switch (mTag) {
+bool CreateClassicObject(VDebugInfoNode& node, VNodeEmission& emission,
+                         const EmissionInputs& inputs, ObjectId& id, bool& alreadyRegistered) {
+    EntryObject object(node, emission, inputs);
+    switch (node.GetTag()) {
     case DW_TAG_class_type:
         id = object.CreateClass(false);
         return true;
@@ -286,6 +291,66 @@ bool VDebugInfoNode::CreateEntryObject(VNodeEmission& emission, const EmissionIn
     default:
         return false;
     }
+}
+
+std::span<const EntryNeed> FullNeedsOf(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_rvalue_reference_type:
+        return sTypeNeeds;
+    case DW_TAG_ptr_to_member_type:
+    case DW_TAG_string_type:
+    case DW_TAG_set_type:
+    case DW_TAG_file_type:
+        return sUnknownTypeNeeds;
+    default:
+        return ClassicNeedsOf(tag);
+    }
+}
+
+bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const EmissionInputs& inputs,
+                      ObjectId& id, bool& alreadyRegistered) {
+    EntryObject object(node, emission, inputs);
+    switch (node.GetTag()) {
+    case DW_TAG_rvalue_reference_type:
+        id = object.CreatePointer();
+        return true;
+    case DW_TAG_ptr_to_member_type:
+    case DW_TAG_string_type:
+    case DW_TAG_set_type:
+    case DW_TAG_file_type:
+        id = object.GetOrCreateUnknownType();
+        return true;
+    case DW_TAG_base_type:
+        id = object.CreateBaseTypeOfItsSize();
+        return true;
+    case DW_TAG_member:
+        id = node.GetBitSize() != 0 ? object.CreateBitField() : object.CreateMember();
+        return true;
+    default:
+        return CreateClassicObject(node, emission, inputs, id, alreadyRegistered);
+    }
+}
+
+} // namespace
+
+const DeliveryRules& DeliveryRules::Of(ReadingManner manner) {
+    static constexpr DeliveryRules sClassic{ClassicNeedsOf, CreateClassicObject};
+    static constexpr DeliveryRules sFull{FullNeedsOf, CreateFullObject};
+    return manner == ReadingManner::Full ? sFull : sClassic;
+}
+
+ObjectId VDebugInfoNode::GetOrCreateEntryObject(VDwarf2Section& section,
+                                                VCLIFactoryWrapper& factory,
+                                                const char* /*label*/) {
+    return VNodeEmission(section, factory).Deliver(*this);
+}
+
+bool VDebugInfoNode::CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
+                                       ObjectId& id, bool& alreadyRegistered) {
+    if (GetEntryObject() != 0 && mTag != DW_TAG_compile_unit) {
+        return false;
+    }
+    return emission.Rules().createObject(*this, emission, inputs, id, alreadyRegistered);
 }
 
 bool VDebugInfoNodeEnumType::CreateEntryObject(VNodeEmission& emission,

@@ -1,5 +1,6 @@
 #include "emit/VNodeEmission.h"
 
+#include "container/VElfFile.h"
 #include "core/Prefetch.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
@@ -40,24 +41,29 @@ bool IsDeliveredMember(const VDebugInfoNode& member) {
     return !member.IsDeclaration() || member.HasMemberOffset() || member.HasLocation();
 }
 
-bool PassesFilter(const VDebugInfoNode& node) {
+} // namespace
+
+VNodeEmission::VNodeEmission(VDwarf2Section& section, VCLIFactoryWrapper& factory)
+    : mSection(section)
+    , mFactory(factory)
+    , mRules(DeliveryRules::Of(section.mElfFile->mManner)) {}
+
+bool VNodeEmission::PassesFilter(const VDebugInfoNode& node) const {
     switch (node.GetTag()) {
     case DW_TAG_variable:
         return IsDeliveredVariable(node);
     case DW_TAG_member:
         return IsDeliveredMember(node);
     default:
-        return IsDelivered(node.GetTag());
+        return !mRules.needsOf(node.GetTag()).empty();
     }
 }
 
 /// True for a node of which it is known that it has no object and that asking for one has no
 /// effect.
-bool IsUndelivered(const VDebugInfoNode& node) {
+bool VNodeEmission::IsUndelivered(const VDebugInfoNode& node) const {
     return node.IsDeliveryRefused() || node.IsDropped() || !PassesFilter(node);
 }
-
-} // namespace
 
 ObjectId VNodeEmission::Deliver(VDebugInfoNode& node) {
     const std::size_t outerFrames = mFrames.size();
@@ -139,8 +145,8 @@ bool VNodeEmission::IsInVain(const Frame& outerFrame) const {
            mInnerFrameCount >= sMaximumInnerDeliveries;
 }
 
-bool VNodeEmission::IsFindingReturnType(const Frame& frame) {
-    const std::span<const EntryNeed> needs = NeedsOf(frame.node->GetTag());
+bool VNodeEmission::IsFindingReturnType(const Frame& frame) const {
+    const std::span<const EntryNeed> needs = mRules.needsOf(frame.node->GetTag());
     return frame.stage == Stage::Needs && frame.metNeeds < needs.size() &&
            needs[frame.metNeeds] == EntryNeed::ReturnType;
 }
@@ -154,7 +160,7 @@ bool VNodeEmission::MeetNeeds() {
             return true;
         }
     }
-    const std::span<const EntryNeed> needs = NeedsOf(mFrames[index].node->GetTag());
+    const std::span<const EntryNeed> needs = mRules.needsOf(mFrames[index].node->GetTag());
     while (mFrames[index].metNeeds < needs.size()) {
         const EntryNeed need = needs[mFrames[index].metNeeds];
         if (need == EntryNeed::Guard && mFrames[index].node->GetEntryObject() != 0) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "core/KeyMixing.h"
+#include "core/ReadingManner.h"
 #include "nodes/VDebugInfoNode.h"
 
 #include <cstddef>
@@ -47,13 +48,19 @@ struct EmissionInputs {
     std::span<const ObjectId> parameters;
 };
 
-/// The needs of a tag, in the order in which they are met. A tag without object has none and is
-/// told by `IsDelivered`.
-std::span<const EntryNeed> NeedsOf(dwarf_tag tag);
+class VNodeEmission;
 
-/// False for tags that never deliver an object: qualifiers, subranges, enumerators and all unknown
-/// ones.
-bool IsDelivered(dwarf_tag tag);
+/// What a manner of reading delivers of which node.
+struct DeliveryRules {
+    static const DeliveryRules& Of(ReadingManner manner);
+
+    /// The needs of a tag, in the order in which they are met. A tag that never delivers an object
+    /// has none: qualifiers, subranges, enumerators and all unknown ones.
+    std::span<const EntryNeed> (*needsOf)(dwarf_tag tag);
+    /// Makes the object of a node that has none yet, see `VDebugInfoNode::CreateEntryObject`.
+    bool (*createObject)(VDebugInfoNode& node, VNodeEmission& emission,
+                         const EmissionInputs& inputs, ObjectId& id, bool& alreadyRegistered);
+};
 
 /// The delivery of one tree.
 ///
@@ -65,13 +72,12 @@ bool IsDelivered(dwarf_tag tag);
 /// very many are in progress.
 class VNodeEmission {
 public:
-    VNodeEmission(VDwarf2Section& section, VCLIFactoryWrapper& factory)
-        : mSection(section)
-        , mFactory(factory) {}
+    VNodeEmission(VDwarf2Section& section, VCLIFactoryWrapper& factory);
 
     /// The node's object, made now if it wasn't yet; 0 if the node delivers none.
     ObjectId Deliver(VDebugInfoNode& node);
 
+    [[nodiscard]] const DeliveryRules& Rules() const { return mRules; }
     [[nodiscard]] VDwarf2Section& Section() const { return mSection; }
     [[nodiscard]] VCLIFactoryWrapper& Factory() const { return mFactory; }
 
@@ -120,8 +126,10 @@ private:
     void Advance();
     bool Await(VDebugInfoNode& node, ObjectId& object);
 
+    [[nodiscard]] bool PassesFilter(const VDebugInfoNode& node) const;
+    [[nodiscard]] bool IsUndelivered(const VDebugInfoNode& node) const;
     [[nodiscard]] bool IsInVain(const Frame& outerFrame) const;
-    static bool IsFindingReturnType(const Frame& frame);
+    [[nodiscard]] bool IsFindingReturnType(const Frame& frame) const;
     bool MeetNeeds();
     bool MeetNeed(Frame& frame, EntryNeed need);
     bool GetScopeEntryObject(Frame& frame, ObjectId& scope);
@@ -141,6 +149,7 @@ private:
 
     VDwarf2Section& mSection;
     VCLIFactoryWrapper& mFactory;
+    const DeliveryRules& mRules;
     std::vector<Frame> mFrames;
     /// Parameter types of all function types in progress, the innermost last.
     std::vector<ObjectId> mParameters;

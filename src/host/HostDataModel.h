@@ -128,7 +128,8 @@ public:
                                       ObjectId objIdOfParentClass, std::uint32_t byteOffset,
                                       std::int16_t addressExtension,
                                       bool addressExtensionIsValid) = 0;
-    /// Adds a member to a union. A bit field in a union comes as a member like any other.
+    /// Adds a member to a union. In the classic reading, a bit field in a union comes as a member
+    /// like any other.
     /// @param byteOffset offset in the union, in bytes
     /// @param addressExtension always 0
     /// @param addressExtensionIsValid always false
@@ -143,7 +144,8 @@ public:
                                             std::uint64_t address, bool addressIsValid,
                                             std::int16_t addressExtension,
                                             bool addressExtensionIsValid) = 0;
-    /// Adds a bit field to a class or structure.
+    /// Adds a bit field to a class, structure or, in the full reading, union. The storage unit is
+    /// as large as the type; a packed field may need one byte more.
     /// @param byteOffset offset of the storage unit, in bytes
     /// @param bitOffset offset of the field in its storage unit, in bits from the least significant
     /// @param bitSize width in bits, not 0

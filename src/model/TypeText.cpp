@@ -18,6 +18,13 @@ std::string WithNumber(std::string_view name, std::uint64_t number) {
     return std::string(name).append("(").append(std::to_string(number)).append(")");
 }
 
+/// Integers whose width has no value of its own come under the names of C that say none.
+std::string LongName(std::string_view name, std::string_view nameWithWidth, std::uint64_t size) {
+    return size == 0 || size == 4 || size == 8
+               ? std::string(name)
+               : std::string(nameWithWidth).append(std::to_string(size * 8));
+}
+
 std::string BaseName(BasicTypes basicType, std::uint64_t size) {
     switch (basicType) {
     case BasicTypes::Void:
@@ -51,9 +58,9 @@ std::string BaseName(BasicTypes basicType, std::uint64_t size) {
     case BasicTypes::Bool:
         return "bool";
     case BasicTypes::Long:
-        return "long";
+        return LongName("long", "int", size);
     case BasicTypes::UnsignedLong:
-        return "unsigned long";
+        return LongName("unsigned long", "uint", size);
     case BasicTypes::Special:
         return "special";
     case BasicTypes::NoType:

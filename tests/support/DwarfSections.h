@@ -28,12 +28,9 @@ enum : std::uint32_t {
     DW_AT_low_pc = 0x11,
     DW_AT_high_pc = 0x12,
     DW_AT_language = 0x13,
-    DW_AT_abstract_origin = 0x31,
     DW_AT_decl_file = 0x3a,
     DW_AT_decl_line = 0x3b,
     DW_AT_frame_base = 0x40,
-    DW_AT_data_bit_offset = 0x6b,
-    DW_AT_MIPS_linkage_name = 0x2007,
 };
 
 enum : std::uint8_t {

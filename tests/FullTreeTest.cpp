@@ -1,0 +1,418 @@
+// What the full reading makes of a tree that the classic one makes something else of, or nothing:
+// each image is read in both manners.
+#include "core/VElfOptions.h"
+#include "model/LeafWalk.h"
+#include "support/DwarfSections.h"
+#include "support/ElfImage.h"
+#include "support/NodeTree.h"
+#include "support/ReadRun.h"
+#include "support/ScopedReaderState.h"
+
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Lines = std::vector<std::string>;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+constexpr dwarf_tag sAtomicType = 0x47;
+
+class FullTreeTest : public testing::Test {
+protected:
+    static ReadRun Read(const DwarfSections& sections, bool isFull,
+                        const ElfImage& image = ElfImage()) {
+        VElfOptions::mIsFullReading = isFull ? 1 : 0;
+        // A function makes a symbol table of which nothing is delivered.
+        ReadRun run =
+            ReadImage((ElfImage(image).Symbol({"main", 0x8000, 4, sFunction}) + sections).Build());
+        EXPECT_TRUE(run.result);
+        return run;
+    }
+
+    /// "name@offset size" of each scalar below the variables, the offset counted from 0x1000; of
+    /// bit fields followed by ":position+width".
+    static Lines Leaves(const ReadRun& run) {
+        Lines leaves;
+        DataModel::LeafWalk walk(*run.model, {});
+        run.model->ForEach(DataModel::ObjectKind::Global,
+                           [&](const DataModel::ModelObject& global) {
+                               walk.Walk(global.id, [&](std::string_view path, const auto& place) {
+                                   std::string leaf = std::string(path) + "@" +
+                                                      std::to_string(place.address - 0x1000) + " " +
+                                                      std::to_string(place.size);
+                                   if (place.isBitField) {
+                                       leaf += ":" + std::to_string(place.bitOffset) + "+" +
+                                               std::to_string(place.bitSize);
+                                   }
+                                   leaves.push_back(leaf);
+                               });
+                           });
+        return leaves;
+    }
+
+    static Lines Leaves(const DwarfSections& sections, bool isFull,
+                        const ElfImage& image = ElfImage()) {
+        return Leaves(Read(sections, isFull, image));
+    }
+
+    static DwarfSections Unit(std::vector<Die> entries) {
+        return DwarfSections().Unit({UnitDie("a.c", std::move(entries))});
+    }
+
+    static Die UnitDie(const std::string& name, std::vector<Die> entries) {
+        return Die(DW_TAG_compile_unit, {Name(name)}, std::move(entries));
+    }
+
+    static Die UInt(DieLabel label, std::uint64_t size) {
+        return Die(label, DW_TAG_base_type,
+                   {Name("u" + std::to_string(size)), ByteSize(size), Encoding(DW_ATE_unsigned)});
+    }
+
+    static Die Member(const std::string& name, DieLabel type, std::uint64_t offset) {
+        return Die(DW_TAG_member, {Name(name), Type(type), MemberOffset(offset)});
+    }
+
+    /// A member without a name.
+    static Die Part(DieLabel type, std::uint64_t offset) {
+        return Die(DW_TAG_member, {Type(type), MemberOffset(offset)});
+    }
+
+    static Die Variable(const std::string& name, DieLabel type, std::uint64_t address = 0x1000) {
+        return Die(DW_TAG_variable, {Name(name), Type(type), External(), Address(address)});
+    }
+
+    static DieAttribute Origin(DieLabel target) {
+        return Reference(DW_AT_abstract_origin, DW_FORM_ref_addr, target);
+    }
+
+    ScopedReaderState mState;
+};
+
+/// "scope::name@address type" of each variable.
+Lines ScopedVariables(const ReadRun& run) {
+    Lines variables;
+    run.model->ForEach(DataModel::ObjectKind::Global, [&](const DataModel::ModelObject& global) {
+        const DataModel::ModelObject scope = run.model->Object(global.scope);
+        variables.push_back(std::string(scope.name) + "::" + std::string(global.name) + "@" +
+                            std::to_string(global.address) + " " +
+                            run.model->TypeText(global.type));
+    });
+    return variables;
+}
+
+// The unit of the link tells addresses, those of the sources all else.
+TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
+    const DieLabel number;
+    const DieLabel shared;
+    const DieLabel ownToFile;
+    const DieLabel member;
+    const DieLabel definition;
+    const DwarfSections sections =
+        DwarfSections()
+            .Unit({UnitDie("link.o",
+                           {
+                               Die(DW_TAG_variable, {Origin(shared), Address(0x1000)}),
+                               Die(DW_TAG_variable, {Origin(ownToFile), Address(0x1004)}),
+                               Die(DW_TAG_variable, {Origin(definition), Address(0x1008)}),
+                           })})
+            .Unit({UnitDie(
+                "a.c", {
+                           UInt(number, 4),
+                           Die(shared, DW_TAG_variable, {Name("shared"), Type(number), External()}),
+                           Die(ownToFile, DW_TAG_variable, {Name("own"), Type(number)}),
+                           Die(DW_TAG_structure_type, {Name("S"), ByteSize(1)},
+                               {Die(member, DW_TAG_variable,
+                                    {Name("inClass"), Type(number), External(), Declaration()})}),
+                           Die(definition, DW_TAG_variable, {Specification(member)}),
+                       })});
+    EXPECT_THAT(
+        ScopedVariables(Read(sections, true)),
+        ElementsAre("::shared@4096 uint32", "a_c::own@4100 uint32", "S::inClass@4104 uint32"));
+    EXPECT_THAT(ScopedVariables(Read(sections, false)), IsEmpty());
+}
+
+// An inlined function stands in the abstract once, and in each instance once more.
+TEST_F(FullTreeTest, AStaticVariableOfAnInlinedFunctionIsThereOnce) {
+    const DieLabel number;
+    const DieLabel function;
+    const DieLabel count;
+    const auto instance = [&](std::vector<DieAttribute> attributes) {
+        attributes.push_back(Address(0x1000));
+        return Die(DW_TAG_subprogram, {Origin(function)},
+                   {Die(DW_TAG_lexical_block, {}, {Die(DW_TAG_variable, attributes)})});
+    };
+    const DwarfSections sections = Unit({
+        UInt(number, 4),
+        instance({Origin(count)}),
+        Die(function, DW_TAG_subprogram, {Name("tick")},
+            {Die(count, DW_TAG_variable, {Name("count"), Type(number)})}),
+        instance({Origin(count)}),
+        instance({Name("count"), Type(number)}),
+    });
+    const ReadRun run = Read(sections, true);
+    EXPECT_THAT(ScopedVariables(run), ElementsAre("tick::count@4096 uint32"));
+    EXPECT_EQ(
+        std::ranges::count_if(
+            run.calls, [](const std::string& call) { return call.starts_with("CreateFunction("); }),
+        1);
+}
+
+TEST_F(FullTreeTest, ALinkageNameOfOlderCompilersFindsItsSymbol) {
+    const DieLabel number;
+    const DwarfSections sections =
+        Unit({UInt(number, 4),
+              Die(DW_TAG_variable, {Name("speed"), Type(number), External(), Declaration(),
+                                    Text(DW_AT_MIPS_linkage_name, DW_FORM_string, "_Z5speed")})});
+    const ElfImage image = ElfImage().Symbol({"_Z5speed", 0x1010, 4});
+    EXPECT_THAT(Leaves(sections, true, image), ElementsAre("speed@16 4"));
+    EXPECT_THAT(Leaves(sections, false, image), ElementsAre("_Symbol_Table_BKR_::_Z5speed@16 4"));
+}
+
+// As in struct { union { struct { uint8_t a, b; }; uint16_t w; }; } v; of which C compilers declare
+// all types side by side, in any order.
+TEST_F(FullTreeTest, MembersOfAnonymousTypesStandInTheTypeAround) {
+    const DieLabel byte;
+    const DieLabel half;
+    const DieLabel outer;
+    const DieLabel choice;
+    const DieLabel volatileChoice;
+    const DieLabel bytes;
+    const auto type = [](DieLabel label, dwarf_tag tag, std::uint64_t size,
+                         std::vector<Die> members) {
+        return Die(label, tag, {ByteSize(size)}, std::move(members));
+    };
+    const auto around = [&](std::vector<Die> members) {
+        return type(outer, DW_TAG_structure_type, 8, std::move(members));
+    };
+    const auto unionOf = [&](std::vector<Die> inside = {}) {
+        inside.push_back(Part(bytes, 0));
+        inside.push_back(Member("w", half, 0));
+        return type(choice, DW_TAG_union_type, 2, std::move(inside));
+    };
+    const auto pair = [&] {
+        return type(bytes, DW_TAG_structure_type, 2, {Member("a", byte, 0), Member("b", byte, 1)});
+    };
+    const Lines all = {"v.w@2 2", "v.a@2 1", "v.b@3 1"};
+    const struct {
+        const char* what;
+        std::vector<Die> entries;
+        Lines full;
+        Lines classic;
+    } cases[] = {
+        {"within each other", {around({unionOf({pair()}), Part(choice, 2)})}, all, all},
+        {"innermost first", {pair(), unionOf(), around({Part(choice, 2)})}, all, {"v@0 8"}},
+        {"outermost first", {around({Part(choice, 2)}), unionOf(), pair()}, all, {"v@0 8"}},
+        {"qualified",
+         {around({Part(volatileChoice, 2)}), unionOf(), pair(),
+          Die(volatileChoice, DW_TAG_volatile_type, {Type(choice)})},
+         all,
+         {"v@0 8"}},
+        {"one type of two members, and of a variable",
+         {around({Part(bytes, 2), Member("z", half, 0), Part(bytes, 6)}), pair(),
+          Variable("w", bytes, 0x1010)},
+         {"v.z@0 2", "v.a@2 1", "v.b@3 1", "v.a@6 1", "v.b@7 1", "w.a@16 1", "w.b@17 1"},
+         {"v.z@0 2", "w.a@16 1", "w.b@17 1"}},
+        {"within itself",
+         {around({Part(outer, 2), Member("z", half, 0)})},
+         {"v.z@0 2"},
+         {"v.z@0 2"}},
+    };
+    for (const auto& anonymous : cases) {
+        std::vector<Die> entries = {UInt(byte, 1), UInt(half, 2), Variable("v", outer)};
+        entries.insert(entries.end(), anonymous.entries.begin(), anonymous.entries.end());
+        const DwarfSections sections = Unit(entries);
+        EXPECT_EQ(Leaves(sections, true), anonymous.full) << anonymous.what;
+        EXPECT_EQ(Leaves(sections, false), anonymous.classic) << anonymous.what;
+    }
+}
+
+TEST_F(FullTreeTest, ATypeOfVeryManyAnonymousMembersIsCopiedWithinLimits) {
+    constexpr std::size_t width = 1000;
+    const DieLabel number;
+    const DieLabel wide;
+    std::vector<Die> members;
+    std::vector<Die> entries = {UInt(number, 4)};
+    for (std::size_t index = 0; index < width; ++index) {
+        members.push_back(Member("m", number, 4 * index));
+        entries.push_back(Die(DW_TAG_structure_type, {ByteSize(4 * width)}, {Part(wide, 0)}));
+    }
+    entries.emplace_back(wide, DW_TAG_structure_type, std::vector{ByteSize(4 * width)},
+                         std::move(members));
+    VElfOptions::mIsFullReading = 1;
+    VElfOptions::mIsLogFile = 1;
+    NodeTree tree(Unit(std::move(entries)));
+    tree.Resolve();
+    EXPECT_THAT(tree.Log(), testing::HasSubstr("far too many members"));
+    EXPECT_EQ(std::ranges::distance(tree[wide].Children()), width);
+}
+
+/// A bit field of a structure, and where each manner has it.
+struct BitFieldCase {
+    ByteOrder byteOrder;
+    int version;
+    std::uint64_t typeSize;
+    std::vector<DieAttribute> attributes;
+    std::string full;
+    std::string classic;
+};
+
+DieAttribute DataBitOffset(std::uint64_t offset) {
+    return Number(DW_AT_data_bit_offset, DW_FORM_data1, offset);
+}
+
+DieAttribute NegativeBitOffset(std::int64_t offset) {
+    return Number(DW_AT_bit_offset, DW_FORM_sdata, static_cast<std::uint64_t>(offset));
+}
+
+// Positions count from the low-order bit of the storage.
+TEST_F(FullTreeTest, ABitFieldLiesInsideItsStorage) {
+    constexpr ByteOrder little = ByteOrder::Little;
+    constexpr ByteOrder big = ByteOrder::Big;
+    const BitFieldCase cases[] = {
+        // Bits 37 to 39, within the second unit.
+        {little, 4, 4, {BitSize(3), DataBitOffset(37)}, "@4 4:5+3", "@0 4:29+3"},
+        {big, 4, 4, {BitSize(3), DataBitOffset(37)}, "@4 4:24+3", "@0 4:29+3"},
+        {little, 4, 4, {BitSize(3), BitOffset(24), MemberOffset(4)}, "@4 4:5+3", "@4 4:5+3"},
+        {big, 4, 4, {BitSize(3), BitOffset(5), MemberOffset(4)}, "@4 4:24+3", "@4 4:24+3"},
+        // Bits 27 to 35 of a packed structure, in two units.
+        {little, 4, 4, {BitSize(9), DataBitOffset(27)}, "@3 4:3+9", "@0 4:23+9"},
+        {big, 4, 4, {BitSize(9), DataBitOffset(27)}, "@3 4:20+9", "@0 4:23+9"},
+        {little,
+         4,
+         4,
+         {BitSize(9), NegativeBitOffset(-4), MemberOffset(0)},
+         "@3 4:3+9",
+         "@0 4:27+9"},
+        {big, 4, 4, {BitSize(9), BitOffset(27), MemberOffset(0)}, "@3 4:20+9", "@0 4:27+9"},
+        // The storage that the entry names is not that of the type.
+        {big,
+         4,
+         4,
+         {BitSize(2), BitOffset(1), ByteSize(1), MemberOffset(5)},
+         "@5 4:29+2",
+         "@5 4:5+2"},
+        // More bytes than the type has.
+        {little, 4, 2, {BitSize(15), DataBitOffset(7)}, "@0 2:7+15", "@0 2:1+15"},
+        {big, 4, 2, {BitSize(15), DataBitOffset(7)}, "@0 2:2+15", "@0 2:1+15"},
+        // No offset at all.
+        {little, 4, 4, {BitSize(3)}, "@0 4:0+3", "@0 4:29+3"},
+        {little, 3, 4, {BitSize(3)}, "@0 4:29+3", "@0 4:29+3"},
+        // A whole member.
+        {little, 4, 4, {DataBitOffset(64)}, "@8 4", "@0 4"},
+    };
+    for (const BitFieldCase& field : cases) {
+        const DieLabel number;
+        const DieLabel structure;
+        std::vector<DieAttribute> attributes = {Name("f"), Type(number)};
+        attributes.insert(attributes.end(), field.attributes.begin(), field.attributes.end());
+        const DwarfSections sections =
+            DwarfSections(field.byteOrder)
+                .Unit({.entries = {UnitDie(
+                           "a.c", {UInt(number, field.typeSize), Variable("v", structure),
+                                   Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(12)},
+                                       {Die(DW_TAG_member, attributes)})})},
+                       .version = field.version});
+        const ElfImage image(ElfClass::Class32, field.byteOrder);
+        EXPECT_THAT(Leaves(sections, true, image), ElementsAre("v.f" + field.full));
+        EXPECT_THAT(Leaves(sections, false, image), ElementsAre("v.f" + field.classic));
+    }
+}
+
+TEST_F(FullTreeTest, ABitFieldOfAUnionHasItsBits) {
+    const DieLabel number;
+    const DieLabel choice;
+    const DwarfSections sections =
+        Unit({UInt(number, 4), Variable("v", choice),
+              Die(choice, DW_TAG_union_type, {Name("u"), ByteSize(4)},
+                  {Die(DW_TAG_member, {Name("f"), Type(number), BitSize(3), BitOffset(29)}),
+                   Die(DW_TAG_member, {Name("whole"), Type(number)})})});
+    EXPECT_THAT(Leaves(sections, true), ElementsAre("v.f@0 4:0+3", "v.whole@0 4"));
+    EXPECT_THAT(Leaves(sections, false), ElementsAre("v.f@0 4", "v.whole@0 4"));
+}
+
+TEST_F(FullTreeTest, BaseTypesOfOtherKindsAndSizesAreWhatTheyAre) {
+    const struct {
+        const char* name;
+        std::uint64_t encoding;
+        std::uint64_t size;
+        const char* full;
+        const char* classic;
+    } cases[] = {
+        {"int", DW_ATE_signed, 4, "int32", "int32"},
+        {"__int128", DW_ATE_signed, 16, "int128", "float(16)"},
+        {"unsigned __int24", DW_ATE_unsigned, 3, "uint24", "float(3)"},
+        {"long double", DW_ATE_float, 12, "float(12)", "float(12)"},
+        {"_Float16", DW_ATE_float, 2, "float16", "float16"},
+        {"__bf16", DW_ATE_float, 2, "unknown(2)", "float16"},
+        {"bool", DW_ATE_boolean, 1, "bool", "bool"},
+        {"logical(kind=4)", DW_ATE_boolean, 4, "uint32", "bool"},
+        {"char16_t", 16, 2, "uint16", "int16"},
+        {"complex float", 3, 8, "unknown(8)", "double"},
+        {"_Decimal64", 15, 8, "unknown(8)", "notype(8)"},
+        {"_Accum", 13, 4, "unknown(4)", "notype(4)"},
+        {"packed", 10, 4, "unknown(4)", "int32"},
+        {"vendor", 144, 4, "notype(4)", "notype(4)"},
+    };
+    for (const auto& base : cases) {
+        const DieLabel type;
+        const DwarfSections sections =
+            Unit({Die(type, DW_TAG_base_type,
+                      {Name(base.name), ByteSize(base.size), Encoding(base.encoding)}),
+                  Variable("v", type)});
+        EXPECT_THAT(ScopedVariables(Read(sections, true)),
+                    ElementsAre("::v@4096 " + std::string(base.full)))
+            << base.name;
+        EXPECT_THAT(ScopedVariables(Read(sections, false)),
+                    ElementsAre("::v@4096 " + std::string(base.classic)))
+            << base.name;
+    }
+}
+
+// Of each kind a structure has a member, whose size shows in the type text.
+TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
+    const struct {
+        const char* what;
+        dwarf_tag tag;
+        std::vector<DieAttribute> attributes;
+        bool isOfFunction;
+        const char* full;
+        const char* classic;
+    } cases[] = {
+        {"T&&", DW_TAG_rvalue_reference_type, {}, false, "uint8*", "uint8"},
+        {"T C::*", DW_TAG_ptr_to_member_type, {}, false, "unknown(4)", "uint8"},
+        {"void (C::*)()", DW_TAG_ptr_to_member_type, {}, true, "unknown(8)", "void ()"},
+        {"of a size told",
+         DW_TAG_ptr_to_member_type,
+         {ByteSize(12)},
+         false,
+         "unknown(12)",
+         "uint8"},
+        {"text", DW_TAG_string_type, {ByteSize(10)}, false, "unknown(10)", "uint8"},
+        {"set", DW_TAG_set_type, {ByteSize(2)}, false, "unknown(2)", "uint8"},
+        {"atomic", sAtomicType, {}, false, "uint8", "uint8"},
+        {"restrict", DW_TAG_restrict_type, {}, false, "uint8", "uint8"},
+    };
+    for (const auto& kind : cases) {
+        const DieLabel byte;
+        const DieLabel function;
+        const DieLabel type;
+        std::vector<DieAttribute> attributes = kind.attributes;
+        attributes.push_back(Type(kind.isOfFunction ? function : byte));
+        const DwarfSections sections = Unit({UInt(byte, 1), Die(function, DW_TAG_subroutine_type),
+                                             Variable("v", type), Die(type, kind.tag, attributes)});
+        EXPECT_THAT(ScopedVariables(Read(sections, true)),
+                    ElementsAre("::v@4096 " + std::string(kind.full)))
+            << kind.what;
+        EXPECT_THAT(ScopedVariables(Read(sections, false)),
+                    ElementsAre("::v@4096 " + std::string(kind.classic)))
+            << kind.what;
+    }
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
