@@ -304,7 +304,7 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         SetAttributeValue(mSpecification, attribute, value.mNumber);
         break;
     case AttributeTarget::AbstractOrigin:
-        StoreOrigin(MakeAttributeValue(attribute, value.mNumber));
+        StoreOrigin(attribute, value.mNumber);
         break;
     case AttributeTarget::Type:
         mTypeRef = value.mNumber;
@@ -320,10 +320,10 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
     }
 }
 
-void VDie2::StoreOrigin(const VAttributeValue& origin) {
+void VDie2::StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin) {
     // Parameters and inlined calls have origins by the million, and nobody asks for them.
     if (mTag == DW_TAG_variable || mTag == DW_TAG_subprogram) {
-        mSpecification = origin;
+        SetAttributeValue(mSpecification, attribute, origin);
         mIsAbstractOrigin = true;
     }
 }

@@ -132,7 +132,7 @@ private:
     }
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
     /// The origin of an instance says what a specification says.
-    void StoreOrigin(const VAttributeValue& origin);
+    void StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin);
     void StoreName(const char* name);
     void StoreProducer(const char* producer);
     [[nodiscard]] VAttributeString MakeAttributeString(const char* text) const;
