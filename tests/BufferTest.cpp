@@ -260,6 +260,12 @@ TEST_F(BufferTest, WindowRefusesWhatItCannotHold) {
     EXPECT_FALSE(cache->ReadThrough(destination, 0, -1));
     EXPECT_FALSE(cache->ReadThrough(destination, -8, 4));
     EXPECT_TRUE(cache->ReadThrough(destination, 9990, 10));
+    // A range for which the window of 2048 bytes has no room beside the bytes in front of it.
+    for (const std::int32_t length : {2000, 4000}) {
+        std::string range(static_cast<std::size_t>(length), '\0');
+        EXPECT_TRUE(cache->ReadThrough(range.data(), 5000, length));
+        EXPECT_EQ(range, NumberedBytes().substr(5000, range.size()));
+    }
     VElfBuffer buffer(mInput, 100);
     for (const std::uint64_t position : {std::uint64_t{10000}, ~std::uint64_t{0} >> 1U,
                                          (~std::uint64_t{0} >> 1U) + 1, ~std::uint64_t{0}}) {

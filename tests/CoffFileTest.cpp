@@ -88,6 +88,16 @@ TEST_F(CoffFileTest, HeadersAreLittleEndianWhateverTheTarget) {
     }
 }
 
+TEST_F(CoffFileTest, OneFlagAloneTellsTheByteOrder) {
+    constexpr std::size_t sFlagsField = 18;
+    const auto isBigEndian = [](const std::string& flags) {
+        return OpenedCoffFile(SmallImage().Build().replace(sFlagsField, 2, flags))->mIsMSBData;
+    };
+    EXPECT_TRUE(isBigEndian("\0\x02"s));
+    EXPECT_TRUE(isBigEndian("\xFF\xFF"));
+    EXPECT_FALSE(isBigEndian("\xFF\xFD"));
+}
+
 TEST_F(CoffFileTest, TargetIdAndOptionDecideOnWordAddressing) {
     struct Case {
         std::int32_t mode;

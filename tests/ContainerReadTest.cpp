@@ -10,15 +10,14 @@
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
-using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
@@ -112,29 +111,70 @@ TEST_F(ContainerReadTest, VariablesOfALibraryAreRelativeToItsImageBase) {
                 ElementsAre("gMotor@80001000:8", "gCount@500:4"));
 }
 
-TEST_F(ContainerReadTest, OnlyElfFilesDeliverSymbols) {
-    const auto symbolScope = HasSubstr("_Symbol_Table_BKR_");
-    const PeImage image =
-        PeImage().Section(".data", "data").Symbol({"gOther", 4, 1}) + MotorSections();
-    for (const std::int32_t forced : {0, 2}) {
-        VElfOptions::mElfForceSymbolTable = forced;
-        const ReadRun run = ReadAs(Container_PE, image);
-        EXPECT_TRUE(run.result);
-        EXPECT_THAT(run.Variables(), ElementsAre("gMotor@10001000:8", "gCount@500:4"));
-        EXPECT_THAT(run.calls, Each(Not(symbolScope)));
-    }
-    VElfOptions::mElfForceSymbolTable = 1;
-    const ReadRun symbolsOnly = ReadAs(Container_PE, image);
-    EXPECT_TRUE(symbolsOnly.result);
-    EXPECT_THAT(symbolsOnly.calls, IsEmpty());
+/// What a read brought: "D" for the debug information, "S" for the scope of the symbols, and the
+/// error state if it failed; 21 stands for what was there before.
+std::string OutcomeOf(DWARFContainerType container, const std::string& image) {
+    gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_CANCELLED;
+    VElfOptions::mUseCppExtensionDWARF2 = 0;
+    const ReadRun run = ReadImage(image, container);
+    const std::vector<std::string> variables = run.Variables();
+    const auto has = [&](const char* name) {
+        return std::ranges::find(variables, name) != variables.end();
+    };
+    const std::string error = std::to_string(static_cast<int>(gElfReaderErrorFlag));
+    EXPECT_EQ(run.result, run.message.empty());
+    EXPECT_EQ(std::ranges::any_of(run.calls,
+                                  [](const std::string& call) {
+                                      return call.find("_Symbol_Table_BKR_") != std::string::npos;
+                                  }),
+              has("gOther@5000:4"));
+    return std::string(has("gMotor@10001000:8") ? "D" : "") + (has("gOther@5000:4") ? "S" : "") +
+           (run.result ? "" : error);
+}
 
+TEST_F(ContainerReadTest, OptionsChooseWhatIsReadOfAFileWithSectionsOfAllFormats) {
+    const std::string elf =
+        (ElfImage().Symbol({"gOther", 0x5000, 4}).Section(".debug", "x").Section(".vdebug", "x") +
+         MotorSections())
+            .Build();
+    const std::string coff =
+        (CoffImage().Section(".debug", "x").Section(".vdebug", "x") + MotorSections()).Build();
+    const std::string pe =
+        (PeImage().Section(".debug", "x").Section(".vdebug", "x").Symbol({"gOther", 0x4000, 1}) +
+         MotorSections())
+            .Build();
+    struct Row {
+        std::int32_t debugSection;
+        std::int32_t symbolTable;
+        const char* elf;
+        const char* coff;
+        const char* pe;
+    };
+    constexpr Row rows[] = {
+        {0, 0, "DS", "D", "D"},       {0, 1, "S", "14", ""},  {0, 2, "DS", "D14", "D"},
+        {1, 0, "25", "25", "25"},     {1, 1, "S", "14", ""},  {1, 2, "25", "25", "25"},
+        {2, 0, "DS", "D", "D"},       {2, 1, "S", "14", ""},  {2, 2, "DS", "D14", "D"},
+        {3, 0, "21", "23", ""},       {3, 1, "S", "14", ""},  {3, 2, "21", "23", ""},
+        {-1, 0, "D25", "D25", "D25"}, {-1, 1, "S", "14", ""}, {-1, 2, "D25", "D25", "D25"},
+        {4, 0, "S", "23", ""},        {4, 1, "S", "14", ""},  {4, 2, "S", "23", ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(testing::Message() << row.debugSection << ", " << row.symbolTable);
+        VElfOptions::mForceDebugSectionVersion = row.debugSection;
+        VElfOptions::mElfForceSymbolTable = row.symbolTable;
+        const int usesExtension =
+            row.symbolTable != 1 && (row.debugSection == 2 || row.debugSection == -1) ? 1 : 0;
+        EXPECT_EQ(OutcomeOf(Container_ELF, elf), row.elf);
+        EXPECT_EQ(VElfOptions::mUseCppExtensionDWARF2, usesExtension);
+        EXPECT_EQ(OutcomeOf(Container_COFF, coff), row.coff);
+        EXPECT_EQ(VElfOptions::mUseCppExtensionDWARF2, usesExtension);
+        EXPECT_EQ(OutcomeOf(Container_PE, pe), row.pe);
+        EXPECT_EQ(VElfOptions::mUseCppExtensionDWARF2, 1);
+    }
+    // Without the other sections, the format of NEC is read alone, and fails without a reason.
+    VElfOptions::mForceDebugSectionVersion = 0;
     VElfOptions::mElfForceSymbolTable = 0;
-    EXPECT_THAT(ReadAs(Container_COFF, CoffImage() + MotorSections()).calls,
-                Each(Not(symbolScope)));
-    VElfOptions::mElfForceSymbolTable = 2;
-    const ReadRun forcedCoff = ReadAs(Container_COFF, CoffImage() + MotorSections());
-    EXPECT_EQ(forcedCoff.message, "The ELF file is missing .strtab section.");
-    EXPECT_THAT(forcedCoff.Variables(), ElementsAre("gMotor@10001000:8", "gCount@500:4"));
+    EXPECT_EQ(OutcomeOf(Container_ELF, ElfImage().Section(".vdebug", "x").Build()), "21");
 }
 
 TEST_F(ContainerReadTest, SectionsNamedLikeElfSymbolTablesHaveNoEntrySize) {
@@ -202,9 +242,14 @@ TEST_F(ContainerReadTest, EveryWrongPairingHasItsMessage) {
               "Die Datei enthält ELF Format. Nehmen Sie den ELF reader zum Lesen der Datei.");
 }
 
-TEST_F(ContainerReadTest, TheLogKeepsTheReasonBehindAnImageThatCannotBeOpened) {
+TEST_F(ContainerReadTest, TheLogKeepsTheReasonOfAFailure) {
     const TemporaryFolder folder;
     VElfOptions::mIsLogFile = 1;
+    // The old format is refused without a line.
+    const std::string old = ElfImage().Section(".debug", "x").Build();
+    EXPECT_FALSE(ReadFile(folder.Write("old.elf", old)).result);
+    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_DWARF1);
+    EXPECT_EQ(folder.Read("old.log"), "");
     EXPECT_FALSE(ReadFile(folder.Write("text.exe", "text"), Container_PE).result);
     EXPECT_EQ(folder.Read("text.log"), "Error occurred: 'Unsupported file type.'\n"
                                        "Error occurred: 'ELF file Open has failed.'\n");

@@ -12,6 +12,7 @@
 #include "support/TemporaryFolder.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
@@ -161,6 +162,49 @@ TEST_F(DeliveryTest, ANestedClassIsDeliveredOnceByItsParent) {
                             R"(CreateGlobalData("v", 11, 4096, 1) -> 13)"));
 }
 
+/// How many calls begin so.
+std::ptrdiff_t CountOf(const std::vector<std::string>& calls, std::string_view start) {
+    return std::ranges::count_if(calls, [&](const auto& call) { return call.starts_with(start); });
+}
+
+// Each is asked for first by a variable, and made by what it asks for itself:
+//   struct Owner { enum Mode { Off } mode; Row* rows; void (*changed)(Owner*); };
+//   typedef Owner Row[2];
+TEST_F(DeliveryTest, TypesThatTheirOwnScopeOrPartsDeliverAreDeliveredOnce) {
+    const DieLabel owner;
+    const DieLabel mode;
+    const DieLabel row;
+    const DieLabel rowPointer;
+    const DieLabel changed;
+    const DieLabel changedPointer;
+    const DieLabel ownerPointer;
+    const Die types[] = {
+        Die(owner, DW_TAG_structure_type, {Name("Owner"), ByteSize(12)},
+            {Die(mode, DW_TAG_enumeration_type, {Name("Mode"), ByteSize(4)},
+                 {Die(DW_TAG_enumerator, {Name("Off"), ConstValue(0)})}),
+             Member("mode", mode, 0), Member("rows", rowPointer, 4),
+             Member("changed", changedPointer, 8)}),
+        Die(row, DW_TAG_array_type, {Type(owner)}, {Die(DW_TAG_subrange_type, {UpperBound(1)})}),
+        Die(rowPointer, DW_TAG_pointer_type, {Type(row)}),
+        Die(changed, DW_TAG_subroutine_type, {},
+            {Die(DW_TAG_formal_parameter, {Type(ownerPointer)})}),
+        Die(changedPointer, DW_TAG_pointer_type, {Type(changed)}),
+        Die(ownerPointer, DW_TAG_pointer_type, {Type(owner)}),
+    };
+    for (const DieLabel first : {mode, row, changed, rowPointer, changedPointer, ownerPointer}) {
+        std::vector<Die> entries(std::begin(types), std::end(types));
+        entries.push_back(Variable("first", first, 0x1000));
+        const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit(entries)));
+        EXPECT_EQ(CountOf(calls, "CreateClassEntryType("), 1);
+        EXPECT_EQ(CountOf(calls, "CreateEnumTable("), 1);
+        EXPECT_EQ(CountOf(calls, "AddEnumDescriptionToEnumTable("), 1);
+        EXPECT_EQ(CountOf(calls, "CreateArrayEntryType("), 1);
+        EXPECT_EQ(CountOf(calls, "CreateFunctionType("), 1);
+        EXPECT_EQ(CountOf(calls, "CreatePointerEntryType("), 3);
+        EXPECT_EQ(CountOf(calls, "CreateMemberData("), 3);
+    }
+}
+
 TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
     const DieLabel voidPointer;
     const DieLabel constVoid;
@@ -169,6 +213,7 @@ TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
     const DieLabel constNumber;
     const DieLabel volatileNumber;
     const DieLabel oddSize;
+    const DieLabel unnamed;
     const std::vector<std::string> calls = CallsOf(DwarfSections().Unit(Unit({
         Die(voidPointer, DW_TAG_pointer_type),
         Die(constVoid, DW_TAG_const_type),
@@ -181,6 +226,8 @@ TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
         Variable("q", constVoidPointer, 0x1004),
         Variable("c", constNumber, 0x1008),
         Variable("o", oddSize, 0x100C),
+        Die(unnamed, DW_TAG_typedef, {Type(number)}),
+        Variable("u", unnamed, 0x1010),
     })));
     EXPECT_THAT(calls, Contains("GetBaseEntryType(1, 1) -> 0"));
     EXPECT_THAT(calls, Contains("CreateBaseEntryType(1, 0, 1) -> 8"));
@@ -188,6 +235,7 @@ TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
     EXPECT_THAT(calls, Contains("CreatePointerEntryType(2, 4, 7) -> 11"));
     EXPECT_THAT(calls, Contains(R"(CreateGlobalData("c", 13, 4104, 1) -> 14)"));
     EXPECT_THAT(calls, Contains("CreateUnknownEntryType(3, 1) -> 15"));
+    EXPECT_THAT(calls, Contains(R"(CreateTypedefEntryType("", 13, 7) -> 17)"));
 }
 
 TEST_F(DeliveryTest, ATypedefOfTheSameNameIsItsType) {
@@ -315,6 +363,41 @@ TEST_F(DeliveryTest, ProgressIsToldAboutAHundredTimes) {
     }
 }
 
+TEST_F(DeliveryTest, UnitsWhoseEntryLiesRightBehindTheHeaderAreToldWhileReading) {
+    // A unit that begins with so many null entries.
+    const auto unit = [](std::size_t nulls, bool is64BitDwarf = false) {
+        return DwarfUnit{.entries = {Die::Raw(std::string(nulls, '\0')),
+                                     Die(DW_TAG_compile_unit, {Name("a.c")},
+                                         {Die(DW_TAG_compile_unit, {Name("inner.c")})})},
+                         .is64BitDwarf = is64BitDwarf};
+    };
+    DwarfSections sections;
+    std::vector<int> expected;
+    constexpr int sHeaderSize = 11;
+    for (const int nulls : {0, 4, 5}) {
+        if (sHeaderSize + nulls < 16) {
+            expected.push_back(static_cast<int>(sections.Info().size()) + sHeaderSize + nulls);
+        }
+        sections.Unit(unit(static_cast<std::size_t>(nulls)));
+    }
+    sections.Unit(unit(0, true));
+    const TemporaryFolder folder;
+    DataModel::DataModel model;
+    const DataModel::Factory::CurrentDataModel current(model);
+    int interval = 0;
+    std::vector<int> values;
+    VDWARFReader reader;
+    reader.SetProgressIntervalCallback = [&](auto&&...) { ++interval; };
+    reader.SetProgressValueCallback = [&](int value) {
+        if (interval == 1) {
+            values.push_back(value);
+        }
+    };
+    reader.Read(folder.Write("image.elf", (ElfImage(ElfClass::Class64) + sections).Build()),
+                DWARFContainerType::Container_ELF);
+    EXPECT_EQ(values, expected);
+}
+
 TEST_F(DeliveryTest, WhichVariablesAreDelivered) {
     const DieLabel number;
     const DieLabel declaration;
@@ -358,6 +441,7 @@ TEST_F(DeliveryTest, MembersBitFieldsAndWhatIsHoisted) {
                     {Member("first", number, 0), Member("second", number, 0)}),
                 Die(DW_TAG_member, {Type(anonymousUnion), MemberOffset(4)}),
                 Die(DW_TAG_member, {Name("shared"), Type(number), External(), Declaration()}),
+                Die(DW_TAG_member, {Name("placed"), Type(number), Declaration(), MemberOffset(12)}),
                 Member("f", flags, 8),
             }),
         Variable("v", structure, 0x1000),
@@ -366,13 +450,14 @@ TEST_F(DeliveryTest, MembersBitFieldsAndWhatIsHoisted) {
                                    R"(CreateClassEntryType("s", 16, 7, [], false, true) -> 8)",
                                    "CreateBaseEntryType(4, 4, 7) -> 9",
                                    R"(CreateBitfieldInUdt("bits", 9, 8, 0, 27, 3) -> 10)",
-                                   R"(CreateUnionEntryType("u", 4, 7, false) -> 11)",
-                                   R"(CreateUnionMemberData("low", 9, 11, 0) -> 12)",
-                                   R"(CreateMemberData("f", 11, 8, 8) -> 13)",
-                                   R"(CreateMemberData("first", 9, 8, 4) -> 14)",
-                                   R"(CreateMemberData("second", 9, 8, 4) -> 15)",
+                                   R"(CreateMemberData("placed", 9, 8, 12) -> 11)",
+                                   R"(CreateUnionEntryType("u", 4, 7, false) -> 12)",
+                                   R"(CreateUnionMemberData("low", 9, 12, 0) -> 13)",
+                                   R"(CreateMemberData("f", 12, 8, 8) -> 14)",
+                                   R"(CreateMemberData("first", 9, 8, 4) -> 15)",
+                                   R"(CreateMemberData("second", 9, 8, 4) -> 16)",
                                    "GetGlobalNamespace() -> 1", R"(GetGlobalData("v", 1) -> 0)",
-                                   R"(CreateGlobalData("v", 8, 4096, 1) -> 16)"));
+                                   R"(CreateGlobalData("v", 8, 4096, 1) -> 17)"));
 }
 
 TEST_F(DeliveryTest, ArraysEnumerationsAndFunctionTypes) {
@@ -420,6 +505,24 @@ TEST_F(DeliveryTest, BaseClassesAreLinkedAtTheirOffsets) {
     EXPECT_THAT(calls, Contains("AddBaseClass(8, 9, 4) -> true"));
 }
 
+TEST_F(DeliveryTest, ABaseClassThatIsNotThereIsALineOfTheLog) {
+    const DieLabel derived;
+    const DieLabel inheritance;
+    const DwarfSections sections = DwarfSections().Unit(Unit({
+        Die(derived, DW_TAG_class_type, {Name("Derived"), ByteSize(8)},
+            {Die(inheritance, DW_TAG_inheritance, {Number(DW_AT_type, DW_FORM_ref4, 0x7777)})}),
+        Variable("v", derived, 0x1000),
+    }));
+    VElfOptions::mIsLogFile = 1;
+    const TemporaryFolder folder;
+    ReadFile(folder.Write("image.elf", (ElfImage() + sections).Build()));
+    char line[100];
+    std::snprintf(line, sizeof line,
+                  "\n[Class Reference 00007777  defined in Inheritance tag %08x not found!]\n",
+                  sections.OffsetOf(inheritance));
+    EXPECT_THAT(folder.Read("image.log"), testing::HasSubstr(line));
+}
+
 TEST_F(DeliveryTest, AFunctionWhoseReturnTypeLiesInItselfIsDeliveredOnce) {
     const DieLabel number;
     const DieLabel local;
@@ -432,13 +535,8 @@ TEST_F(DeliveryTest, AFunctionWhoseReturnTypeLiesInItselfIsDeliveredOnce) {
                 Die(DW_TAG_variable, {Name("kept"), Type(local), Address(0x1000)}),
             }),
     })));
-    EXPECT_EQ(std::ranges::count_if(
-                  calls, [](const auto& call) { return call.starts_with("CreateFunction("); }),
-              1);
-    EXPECT_EQ(
-        std::ranges::count_if(
-            calls, [](const auto& call) { return call.starts_with("CreateClassEntryType("); }),
-        1);
+    EXPECT_EQ(CountOf(calls, "CreateFunction("), 1);
+    EXPECT_EQ(CountOf(calls, "CreateClassEntryType("), 1);
 }
 
 TEST_F(DeliveryTest, UnitsOfOneKindShareAnObjectAndDeclarationsFindTheirDefinition) {
@@ -458,9 +556,7 @@ TEST_F(DeliveryTest, UnitsOfOneKindShareAnObjectAndDeclarationsFindTheirDefiniti
                             {Name("w"), Type(definition, DW_FORM_ref_addr), Address(0x1004)})})}));
     const std::vector<std::string> calls = Delivered(run.calls);
     EXPECT_THAT(calls, Contains(R"(CreateCompileUnit("a_c") -> 7)"));
-    EXPECT_EQ(std::ranges::count_if(
-                  calls, [](const auto& call) { return call.starts_with("CreateCompileUnit"); }),
-              2);
+    EXPECT_EQ(CountOf(calls, "CreateCompileUnit"), 2);
     EXPECT_EQ(run.model->ResolvePath("v.m").place.address, 0x1000U);
     EXPECT_EQ(run.model->ResolvePath("w.m").place.address, 0x1004U);
 }

@@ -5,12 +5,14 @@
 #include "dwarf/ShortTexts.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "support/DwarfSections.h"
+#include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <sstream>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 using testing::ElementsAre;
@@ -164,6 +166,48 @@ TEST_F(DwarfDecodingTest, ReferencesBecomeSectionOffsets) {
             EXPECT_EQ(node.GetName(), "behind");
         }
     }
+    // A signature is taken for an offset in the unit, its lower half alone.
+    DwarfSections sections;
+    sections.Unit({UnitDie({})});
+    const auto start = static_cast<std::uint32_t>(sections.Info().size());
+    constexpr std::uint64_t signature = 0x1122334400000042;
+    const DecodedEntry entry(DW_TAG_variable,
+                             {Number(DW_AT_type, DW_FORM_ref_sig8, signature),
+                              Number(DW_AT_specification, DW_FORM_ref_sig8, signature)},
+                             {}, sections);
+    EXPECT_EQ(entry->GetTypeReferenceOffset(), start + 0x42);
+    EXPECT_EQ(entry->GetSpecificationAttribute().mValue, start + 0x42);
+    EXPECT_EQ(entry->GetSpecificationAttribute().mFlags, 0x0101);
+}
+
+TEST_F(DwarfDecodingTest, AGlobalSymbolAtItsAddressMakesAVariableExternal) {
+    constexpr std::uint8_t sWeakObject = 0x20 | sObject;
+    const ElfImage image = ElfImage(ElfClass::Class64)
+                               .Symbol({"global", 0x10, 4})
+                               .Symbol({"local", 0x20, 4, sLocalObject})
+                               .Symbol({"weak", 0x30, 4, sWeakObject})
+                               // The map knows it by the lower half of its address.
+                               .Symbol({"beyond", 0x1'0000'0000, 4});
+    struct Case {
+        std::vector<DieAttribute> attributes;
+        bool isExternal;
+        dwarf_tag tag = DW_TAG_variable;
+    };
+    const std::vector<Case> cases = {
+        {{Address(0x10)}, true},  {{Address(0x20)}, false},
+        {{Address(0x30)}, false}, {{External(), Address(0x20)}, true},
+        {{Address(0x40)}, false}, {{Address(0x10)}, false, DW_TAG_formal_parameter},
+        {{Address(0)}, false},    {{External()}, true},
+    };
+    std::vector<DieLabel> labels(cases.size());
+    std::vector<Die> entries;
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        entries.emplace_back(labels[index], cases[index].tag, cases[index].attributes);
+    }
+    const NodeTree tree(DwarfSections().Unit({UnitDie(entries)}), image);
+    for (std::size_t index = 0; index < cases.size(); ++index) {
+        EXPECT_EQ(tree[labels[index]].IsExternal(), cases[index].isExternal) << index;
+    }
 }
 
 TEST_F(DwarfDecodingTest, OptionsChangeTheWidthAndBaseOfSectionReferences) {
@@ -184,7 +228,7 @@ TEST_F(DwarfDecodingTest, OptionsChangeTheWidthAndBaseOfSectionReferences) {
 
 TEST_F(DwarfDecodingTest, FirstProducerDecidesTheWidthAtOnce) {
     const std::string greenHills = "Green Hills: GHS C 2018.1.4 for targets";
-    const auto read = [](const std::string& producer, int version, int width) {
+    const auto read = [](const std::string& producer, int version, int width, int addressSize = 8) {
         VElfOptions::mHandle_DW_FORM_REF_ADDR_AS_DW3 = 2;
         const DieLabel user;
         DwarfSections sections;
@@ -194,7 +238,7 @@ TEST_F(DwarfDecodingTest, FirstProducerDecidesTheWidthAtOnce) {
                              {Die(user, DW_TAG_variable,
                                   {Number(DW_AT_type, DW_FORM_ref_addr, 0x77), Name("behind")})})},
              .version = version,
-             .addressSize = 8,
+             .addressSize = addressSize,
              .referenceSize = width});
         SectionRun run(ElfImage() + sections);
         EXPECT_TRUE(run.Read());
@@ -203,6 +247,9 @@ TEST_F(DwarfDecodingTest, FirstProducerDecidesTheWidthAtOnce) {
     };
     EXPECT_EQ(read(greenHills, 2, 4), 1);
     EXPECT_EQ(read(greenHills, 3, 8), 2);
+    EXPECT_EQ(read("GHS C++ 2018.1.4", 2, 4), 1);
+    EXPECT_EQ(read("GHS C++ 2018.1.4", 2, 4, 4), 2);
+    EXPECT_EQ(read("GHS C++ 2018.1.5", 2, 8), 0);
     EXPECT_EQ(read("another", 2, 8), 0);
 }
 
@@ -398,10 +445,27 @@ TEST_F(DwarfDecodingTest, EachAttributeGoesToItsPlace) {
     EXPECT_TRUE(entry->IsExternal());
     EXPECT_TRUE(entry->IsDeclaration());
     EXPECT_EQ(entry->GetMemberOffset(), 8U);
+    const DecodedEntry denied(DW_TAG_member, {Number(DW_AT_external, DW_FORM_flag, 0),
+                                              Number(DW_AT_declaration, DW_FORM_data1, 0)});
+    EXPECT_FALSE(denied->IsExternal());
+    EXPECT_FALSE(denied->IsDeclaration());
     const DecodedEntry bounds(DW_TAG_subrange_type, {LowerBound(-1), UpperBound(9), Count(10)});
     EXPECT_EQ(bounds.Subrange().GetLowerBound().mValue, 0xFFFFFFFFU);
     EXPECT_EQ(bounds.Subrange().GetUpperBound().mValue, 9U);
     EXPECT_EQ(bounds.Subrange().GetCount().mValue, 10U);
+    EXPECT_EQ(bounds.Subrange().GetCount().mFlags, 0x0021);
+    const auto refers = [](std::uint32_t attribute) {
+        return Number(attribute, DW_FORM_ref1, 0x11);
+    };
+    const DecodedEntry references(
+        DW_TAG_subrange_type,
+        {refers(DW_AT_lower_bound), refers(DW_AT_upper_bound), refers(DW_AT_count)});
+    for (const VAttributeValue& bound :
+         {references.Subrange().GetLowerBound(), references.Subrange().GetUpperBound(),
+          references.Subrange().GetCount()}) {
+        EXPECT_EQ(bound.mValue, 0x11U);
+        EXPECT_EQ(bound.mFlags, 0x0101);
+    }
     // Attributes of one entry don't reach the next one.
     const std::vector<std::string> outline = OutlineOf(
         DwarfSections().Unit({UnitDie({Die(DW_TAG_variable, {Name("a")}), Die(DW_TAG_variable)})}));
@@ -612,11 +676,39 @@ TEST_F(DwarfDecodingTest, ShortTextsAreToldByTheirPlace) {
     }
 }
 
+TEST(DwarfNamesTest, TagsAndEncodingsHaveTheNamesOfTheStandard) {
+    const auto expectNames = [](const char* names, const std::string& prefix, auto nameOf) {
+        std::istringstream words(names);
+        std::uint32_t code = 0;
+        for (std::string name; words >> std::hex >> code >> name;) {
+            EXPECT_EQ(nameOf(code), prefix + name);
+        }
+        EXPECT_TRUE(words.eof());
+    };
+    expectNames(R"(
+        00 padding 01 array_type 02 class_type 03 entry_point 04 enumeration_type
+        05 formal_parameter 06 global_subroutine 07 global_variable 08 imported_declaration
+        0a label 0b lexical_block 0c local_variable 0d member 0f pointer_type 10 reference_type
+        11 compile_unit 12 string_type 13 structure_type 15 subroutine_type 16 typedef
+        17 union_type 18 unspecified_parameters 19 variant 1a common_block 1b common_inclusion
+        1c inheritance 1d inlined_subroutine 1e module 1f ptr_to_member_type 20 set_type
+        21 subrange_type 22 with_stmt 23 access_declaration 24 base_type 25 catch_block
+        26 const_type 27 constant 28 enumerator 29 file_type 2a friend 2b namelist
+        2c namelist_item 2d packed_type 2e subprogram 2f template_type_param
+        30 template_value_param 31 thrown_type 32 try_block 33 variant_part 34 variable
+        35 volatile_type 36 dwarf_procedure 37 restrict_type 38 interface_type 39 namespace
+        3a imported_module 3b unspecified_type 3c partial_unit 3d imported_unit 3f condition
+        40 shared_type 41 type_unit[v4] 42 rvalue_reference_type[v4] 43 template_alias[v4]
+        4081 MIPS_loop 4101 format_label 4102 function_template 4103 class_template)",
+                "DW_TAG_", GetDwarfTagName);
+    expectNames(R"(
+        0 void 1 address 2 boolean 3 complex_float 4 float 5 signed 6 signed_char 7 unsigned
+        8 unsigned_char 9 imaginary_float[v3] a packed_decimal[v3] b numeric_string[v3]
+        c edited[v3] d signed_fixed[v3] e unsigned_fixed[v3] f decimal_float[v3] 10 UTF[v4])",
+                "DW_ATE_", GetDwarfEncodingName);
+}
+
 TEST(DwarfNamesTest, UnknownCodesShareOneText) {
-    EXPECT_STREQ(GetDwarfTagName(0), "DW_TAG_padding");
-    EXPECT_STREQ(GetDwarfTagName(0x43), "DW_TAG_template_alias[v4]");
-    EXPECT_STREQ(GetDwarfTagName(0x4103), "DW_TAG_class_template");
-    EXPECT_STREQ(GetDwarfEncodingName(16), "DW_ATE_UTF[v4]");
     for (const std::uint32_t tag : {0x09U, 0x0eU, 0x14U, 0x3eU, 0x44U, 0x4104U}) {
         EXPECT_THAT(GetDwarfTagName(tag), testing::StartsWith("DW_TAG_..unknown ID=")) << tag;
     }

@@ -8,7 +8,6 @@
 #include "support/ScopedReaderState.h"
 
 #include <gtest/gtest.h>
-#include <set>
 #include <string>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
@@ -20,28 +19,35 @@ std::string TextOf(std::int32_t code) {
     return VElfResourceManager::Instance().GetText(static_cast<ELFReadErrorEnum>(code));
 }
 
-TEST(ErrorStateTest, CatalogueHasATextForEachCodeInBothLanguages) {
+/// FNV-1a: the same everywhere, unlike `std::hash`.
+std::uint64_t HashOf(std::string_view text) {
+    std::uint64_t hash = 0xCBF29CE484222325;
+    for (const char character : text) {
+        hash = (hash ^ static_cast<std::uint8_t>(character)) * 0x100000001B3;
+    }
+    return hash;
+}
+
+// Hosts show and compare these texts: one that is changed on purpose changes the number as well.
+TEST(ErrorStateTest, AllTextsOfTheCatalogueStayAsTheyAre) {
     const ScopedReaderState state;
-    std::set<std::string> texts;
+    std::string texts;
     for (const std::int32_t language : {1, 49}) {
         VElfResourceManager::Instance().SetLanguage(language);
         for (std::int32_t code = 0; code <= 25; ++code) {
-            texts.insert(TextOf(code));
+            texts += TextOf(code) + '\n';
         }
     }
-    EXPECT_EQ(texts.size(), 52U);
-    EXPECT_EQ(texts.count(""), 0U);
+    EXPECT_EQ(HashOf(texts), 0xBABDED539EF9B715) << texts;
 }
 
 TEST(ErrorStateTest, LanguageChoosesTheText) {
     const ScopedReaderState state;
-    EXPECT_EQ(TextOf(3), "ELF file Open has failed.");
     VElfResourceManager::Instance().SetLanguage(49);
     EXPECT_EQ(TextOf(3), "Fehler beim Öffnen der ELF-Datei.");
     EXPECT_EQ(TextOf(26), "DWARF-Reader: No error message available for ID: 26 (Language-ID: 49)");
     VElfResourceManager::Instance().SetLanguage(7);
-    EXPECT_EQ(TextOf(18), "Dwarf2 compile unit size is not valid. (Try to use option; "
-                          "ELF_TRY_READ_CORRUPTED_COMPILE_UNITS=1) ");
+    EXPECT_EQ(TextOf(3), "ELF file Open has failed.");
     EXPECT_EQ(TextOf(-1), "DWARF-Reader: No error message available for ID: -1 (Language-ID: 7)");
 }
 

@@ -113,6 +113,11 @@ TEST_F(LocationTest, OperatorsThatDifferByPlace) {
     EXPECT_EQ(evaluated.bitOffset, 5U);
     EXPECT_TRUE(evaluated.isBitField);
     EXPECT_EQ(InList(bitField), 4U);
+    const Evaluated failed = Evaluate(Location({bitField[0], bitField[1], {DW_OP_fbreg, {-4}}}));
+    EXPECT_EQ(failed.value, sNotStatic);
+    EXPECT_EQ(failed.bitSize, 3U);
+    EXPECT_EQ(failed.bitOffset, 5U);
+    EXPECT_TRUE(failed.isBitField) << "as read before the failure";
     // The stack stays as it is, and what follows still counts.
     EXPECT_EQ(InEntry({{DW_OP_plus_uconst, {4}}, {DW_OP_bit_piece, {3, 5}}, {DW_OP_const1u, {9}}}),
               9U);

@@ -6,10 +6,15 @@
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"
 
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <regex>
+#include <thread>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 
@@ -100,6 +105,54 @@ TEST_F(LogFileTest, ALogThatCannotBeWrittenCostsNothingElse) {
     std::filesystem::remove(log);
     EXPECT_FALSE(ReadFile(mFolder.Write("image.elf", "damaged")).result);
     EXPECT_THAT(mFolder.Read("image.log"), testing::HasSubstr("Error occurred: "));
+}
+
+/// Local time is that of a place without summer time for the length of one test.
+class ScopedTimeZone {
+public:
+    explicit ScopedTimeZone(const char* zone) {
+        setenv("TZ", zone, 1);
+        tzset();
+    }
+    ~ScopedTimeZone() {
+        unsetenv("TZ");
+        tzset();
+    }
+    ScopedTimeZone(const ScopedTimeZone&) = delete;
+    ScopedTimeZone& operator=(const ScopedTimeZone&) = delete;
+    ScopedTimeZone(ScopedTimeZone&&) = delete;
+    ScopedTimeZone& operator=(ScopedTimeZone&&) = delete;
+};
+
+TEST_F(LogFileTest, StampsAreOfLocalTime) {
+    const ScopedTimeZone zone("TST-05:45");
+    const auto expected = [] {
+        const std::time_t local = std::time(nullptr) + (5 * 60 + 45) * 60;
+        const std::tm parts = *std::gmtime(&local);
+        char text[40];
+        std::snprintf(text, sizeof text, "%04d/%02d/%02d %02d:%02d:%02d ", parts.tm_year + 1900,
+                      parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
+        return std::string(text);
+    };
+    const std::string before = expected();
+    const std::string stamp = GetLogTimeStamp();
+    EXPECT_THAT(stamp, testing::AnyOf(before, expected()));
+}
+
+TEST_F(LogFileTest, TheClockTellsMillisecondsFromTheStartOfARead) {
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    const std::string image = mFolder.Write("image.elf", ElfImage().Symbol({"a", 0x10, 4}).Build());
+    for (int times = 0; times < 2; ++times) {
+        const auto before = std::chrono::steady_clock::now();
+        EXPECT_TRUE(ReadFile(image).result);
+        const auto behind = std::chrono::steady_clock::now();
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        const Milliseconds least = std::chrono::steady_clock::now() - behind;
+        const double told = GetLogTimeMs();
+        const Milliseconds most = std::chrono::steady_clock::now() - before;
+        EXPECT_GE(told, least.count());
+        EXPECT_LE(told, most.count());
+    }
 }
 
 TEST_F(LogFileTest, NeverOverwritesItsInput) {

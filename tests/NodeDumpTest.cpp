@@ -237,6 +237,29 @@ TEST_F(NodeDumpTest, VariablesTellWhereTheyAreAndWhy) {
                           "  Has Location      : No\n");
 }
 
+// Nothing else asks for them, so that only the dump has the reader settle what they are.
+TEST_F(NodeDumpTest, ParametersTellTheirTypeSizeAndReadableName) {
+    const DieLabel number;
+    const DieLabel parameter;
+    const DwarfSections sections = Unit({
+        Int(number),
+        Die(DW_TAG_subprogram, {Name("f")},
+            {Die(parameter, DW_TAG_formal_parameter, {Name("value__3Foo"), Type(number)})}),
+    });
+    EXPECT_TRUE(Read(sections).result);
+    EXPECT_EQ(Entries().at(3), "  Name..............: \"Foo::value\" [Parent name \"f\"]\n"
+                               "  Type-Reference....: " +
+                                   Hex(sections.OffsetOf(number)) +
+                                   " -> {(<base_type) int}\n"
+                                   "  Byte-size.........: 4\n"
+                                   "  [Byte-size resolved from type-reference]\n"
+                                   "  [1LNr offset: " +
+                                   Hex(sections.OffsetOf(parameter)) +
+                                   " DW_TAG_formal_parameter '      Foo::value' type->" +
+                                   Summary(sections, number, "DW_TAG_base_type", 2, "int", "a_c") +
+                                   "]\n");
+}
+
 TEST_F(NodeDumpTest, BoundsOfSubrangesAndKindsOfUnits) {
     const DieLabel number;
     const DieLabel variable;

@@ -64,6 +64,45 @@ TEST_F(NodeTest, NamesForTheHost) {
     EXPECT_TRUE(tree[empty].HasAnonymousName());
 }
 
+TEST_F(NodeTest, NamesOfWhatHasNone) {
+    const std::vector<std::pair<dwarf_tag, const char*>> names = {
+        {DW_TAG_namespace, "<unnamed-namespace>"},
+        {DW_TAG_variable, "<unnamed-variable>"},
+        {DW_TAG_base_type, "<unnamed-base-type>"},
+        {DW_TAG_pointer_type, "<unnamed-pointer-type>"},
+        {DW_TAG_reference_type, "<unnamed-reference-type>"},
+        {DW_TAG_enumeration_type, "<unnamed-enum>"},
+        {DW_TAG_typedef, "<unnamed-typedef>"},
+        {DW_TAG_class_type, "<unnamed-class>"},
+        {DW_TAG_structure_type, "<unnamed-struct>"},
+        {DW_TAG_union_type, "<unnamed-union>"},
+        {DW_TAG_member, "<unnamed-member>"},
+        {DW_TAG_subroutine_type, "<unnamed-subroutine-type>"},
+        {DW_TAG_subprogram, "<unnamed-subprogram>"},
+        {DW_TAG_template_type_param, "<unnamed-template-type-paramter>"},
+        {DW_TAG_template_value_param, "<unnamed-template-value-param>"},
+        {DW_TAG_class_template, "<unnamed-class-template>"},
+        {DW_TAG_compile_unit, "<unnamed-compile-unit>"},
+        {DW_TAG_enumerator, "<unnamed-entry>"},
+        {DW_TAG_inheritance, "<unnamed-entry>"},
+        {DW_TAG_array_type, "<unnamed-entry>"},
+        {DW_TAG_lexical_block, "<unnamed-entry>"},
+        {DW_TAG_subrange_type, "<unnamed-entry>"},
+        {DW_TAG_const_type, "<unnamed-entry>"},
+        {dwarf_tag{0x4105}, "<unnamed-entry>"},
+    };
+    std::vector<DieLabel> labels(names.size());
+    std::vector<Die> entries;
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        entries.emplace_back(labels[index], names[index].first, std::vector{ByteSize(4)});
+    }
+    NodeTree tree(Unit(entries));
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        EXPECT_EQ(EntryName(tree, labels[index]), names[index].second);
+        EXPECT_TRUE(tree[labels[index]].HasAnonymousName());
+    }
+}
+
 TEST_F(NodeTest, BlocksAreNumberedByTheirFunctionOrOuterBlock) {
     std::vector<DieLabel> block(7);
     const auto entry = [&](std::size_t index, std::vector<Die> children) {
@@ -239,6 +278,10 @@ TEST_F(NodeTest, DimensionsOfArrays) {
         {{{referring(DW_AT_upper_bound, inRegister), Count(3)}}, {3}, "[3]"},
         {{{referring(DW_AT_upper_bound, number)}}, {0}, "[0]"},
         {{{LowerBound(1), referring(DW_AT_upper_bound, nine)}, {Count(2)}}, {9, 2}, "[9][2]"},
+        {{{referring(DW_AT_lower_bound, nine), UpperBound(18)}}, {10}, "[10]"},
+        {{{referring(DW_AT_lower_bound, inRegister), UpperBound(18)}}, {19}, "[19]"},
+        {{{referring(DW_AT_count, nine)}}, {9}, "[9]"},
+        {{{referring(DW_AT_count, inRegister)}}, {0}, "[0]"},
     };
     std::vector<Die> entries{
         Int(number),

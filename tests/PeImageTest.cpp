@@ -132,6 +132,7 @@ TEST_F(PeImageTest, SymbolsOfSectionsAreKeptWithTheirAddresses) {
                          .Section(".text", "code")
                          .Section(".data", "data", {.virtualAddress = 0xFFFFFFF0})
                          .Section(".zero", "zero", {.virtualAddress = 0})
+                         .Symbol({"start", 0, 1})
                          .Symbol({"main", 0x10, 1})
                          .Symbol({"eight888", 0x20, 1})
                          .Symbol({"gLongNameOfAVariable", 0x30, 2})
@@ -145,8 +146,8 @@ TEST_F(PeImageTest, SymbolsOfSectionsAreKeptWithTheirAddresses) {
                          .Symbol({"last", 0xA0, 3}));
     ASSERT_TRUE(file.IsGood());
     EXPECT_THAT(file.Symbols(),
-                ElementsAre("main@1010", "eight888@1020", "gLongNameOfAVariable@100000020",
-                            "file@1090", "last@a0"));
+                ElementsAre("start@1000", "main@1010", "eight888@1020",
+                            "gLongNameOfAVariable@100000020", "file@1090", "last@a0"));
     EXPECT_TRUE(file->ReadPEFileSymbolTable());
     const Elf32_Sym* symbol = file->FindSymbolByAddress(0x1020, "");
     ASSERT_NE(symbol, nullptr);

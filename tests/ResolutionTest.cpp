@@ -235,27 +235,65 @@ TEST_F(ResolutionTest, TemplateInstancesAreNamedWithScopeAndArguments) {
     EXPECT_EQ(tree[named].GetName(), "list<int>");
 }
 
-TEST_F(ResolutionTest, NamesAreDemangledInTheStyleOfTheirUnit) {
-    std::vector<DieLabel> labels(6);
-    const auto variables = [&](std::size_t first) {
-        return std::vector{Die(labels[first], DW_TAG_variable, {Name("_ZN1a1bE")}),
-                           Die(labels[first + 1], DW_TAG_variable, {Name("b__1a")})};
-    };
-    NodeTree tree(DwarfSections()
-                      .Unit({UnitDie(variables(0), {Name("a.c"), Producer("a Tasking compiler")})})
-                      .Unit({UnitDie(variables(2), {Name("b.c")})})
-                      .Unit({UnitDie(variables(4), {Name("c.c"), Producer("another")})}));
-    tree.Resolve();
-    std::vector<std::string> names;
-    names.reserve(labels.size());
-    for (const DieLabel label : labels) {
-        names.emplace_back(tree[label].GetName());
+TEST_F(ResolutionTest, TemplateInstancesOfOtherValuesAreOtherTypes) {
+    std::vector<DieLabel> instances(4);
+    std::vector<Die> entries;
+    for (std::size_t index = 0; index < instances.size(); ++index) {
+        entries.emplace_back(
+            instances[index], DW_TAG_class_type, std::vector{Name("Buf"), ByteSize(4)},
+            std::vector{Die(DW_TAG_template_value_param, {ConstValue(index < 2 ? 4 : 8)})});
     }
-    EXPECT_THAT(names, ElementsAre("a::b", "b__1a", "_ZN1a1bE", "a::b", "_ZN1a1bE", "a::b"));
+    NodeTree tree(Unit(entries));
+    tree.Resolve();
+    for (std::size_t index = 0; index < instances.size(); ++index) {
+        EXPECT_EQ(tree[instances[index]].GetName(), index < 2 ? "Buf<4>" : "Buf<8>");
+        EXPECT_EQ(tree[instances[index]].GetCanonicalTypeNode(),
+                  &tree[instances[index < 2 ? 0 : 2]]);
+    }
+}
+
+TEST_F(ResolutionTest, ATemplateTypedefTakesTheTextOfATypeWithoutArguments) {
+    const DieLabel plain;
+    const DieLabel alias;
+    NodeTree tree(Unit({
+        Die(plain, DW_TAG_structure_type, {Name("t<int>"), ByteSize(4)}),
+        Die(alias, DW_TAG_typedef, {Name("t<int>")},
+            {Die(DW_TAG_template_value_param, {ConstValue(1)})}),
+    }));
+    tree.Resolve();
+    EXPECT_EQ(tree[alias].GetName(), "t<int>");
+    EXPECT_EQ(tree[plain].GetName(), "t<int>");
+    EXPECT_EQ(tree[alias].GetCanonicalTypeNode(), &tree[plain]);
+}
+
+TEST_F(ResolutionTest, NamesAreDemangledInTheStyleOfTheirUnit) {
+    // Also where the units share the texts.
+    for (const std::uint32_t form : {DW_FORM_string, DW_FORM_strp}) {
+        std::vector<DieLabel> labels(8);
+        const auto variables = [&](std::size_t first) {
+            return std::vector{Die(labels[first], DW_TAG_variable, {Name("_ZN1a1bE", form)}),
+                               Die(labels[first + 1], DW_TAG_variable, {Name("b__1a", form)})};
+        };
+        const Die tasking = UnitDie(variables(0), {Name("a.c"), Producer("a Tasking compiler")});
+        NodeTree tree(
+            DwarfSections()
+                .Unit({tasking})
+                .Unit({UnitDie(variables(2), {Name("b.c")})})
+                .Unit({UnitDie(variables(4), {Name("c.c"), Producer("another")})})
+                .Unit({UnitDie(variables(6), {Name("d.c"), Producer("TASKING VX-toolset")})}));
+        tree.Resolve();
+        std::vector<std::string> names;
+        names.reserve(labels.size());
+        for (const DieLabel label : labels) {
+            names.emplace_back(tree[label].GetName());
+        }
+        EXPECT_THAT(names, ElementsAre("a::b", "b__1a", "_ZN1a1bE", "a::b", "_ZN1a1bE", "a::b",
+                                       "a::b", "b__1a"));
+    }
 }
 
 TEST_F(ResolutionTest, UnitsOfOneNameAndDirectoryAreOneKind) {
-    std::vector<DieLabel> labels(6);
+    std::vector<DieLabel> labels(8);
     const std::vector<std::vector<DieAttribute>> attributes = {
         {Name("a.c"), CompDir("/d")},
         {Name("a.c"), CompDir("/e")},
@@ -263,6 +301,9 @@ TEST_F(ResolutionTest, UnitsOfOneNameAndDirectoryAreOneKind) {
         {Name("a.c"), CompDir("/d")},
         {Name("a.c")},
         {Name("b.c"), CompDir("/d")},
+        // Name and directory are compared as one text.
+        {Name("x;y"), CompDir("z")},
+        {Name("x"), CompDir("y;z")},
     };
     DwarfSections sections;
     for (std::size_t index = 0; index < labels.size(); ++index) {
@@ -270,7 +311,7 @@ TEST_F(ResolutionTest, UnitsOfOneNameAndDirectoryAreOneKind) {
     }
     NodeTree tree(sections);
     tree.Resolve();
-    const std::size_t firsts[] = {0, 1, 2, 0, 2, 5};
+    const std::size_t firsts[] = {0, 1, 2, 0, 2, 5, 6, 6};
     for (std::size_t index = 0; index < labels.size(); ++index) {
         EXPECT_EQ(tree[labels[index]].GetFirstKindOfCompileUnit(), &tree[labels[firsts[index]]])
             << index;
@@ -334,6 +375,9 @@ TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
     const DieLabel alias;
     const DieLabel structure;
     const DieLabel specified;
+    const DieLabel reference;
+    const DieLabel enumeration;
+    const DieLabel twoMembers;
     struct Placed {
         DieLabel label;
         std::string name;
@@ -342,20 +386,44 @@ TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
         bool isRedundant;
     };
     const std::vector<Placed> variables = {
-        {{}, "x", number, 0x1000, true},     {{}, "x", declared, 0x1000, true},
-        {{}, "x", array, 0x1000, false},     {{}, "other", number, 0x1000, false},
-        {{}, "y", pointer, 0x2000, true},    {{}, "y", structure, 0x2000, true},
-        {{}, "y", alias, 0x2000, false},     {{}, "y", complete, 0x2000, true},
-        {{}, "z", structure, 0x3000, false}, {{}, "z", structure, 0x3000, true},
-        {{}, "n", number, 0x4000, false},    {{}, "n", number, 0x4004, false},
-        {{}, "null", number, 0, false},      {{}, "null", number, 0, false},
+        {{}, "x", number, 0x1000, true},
+        {{}, "x", declared, 0x1000, true},
+        {{}, "x", array, 0x1000, false},
+        {{}, "other", number, 0x1000, false},
+        {{}, "y", pointer, 0x2000, true},
+        {{}, "y", structure, 0x2000, true},
+        {{}, "y", alias, 0x2000, false},
+        {{}, "y", complete, 0x2000, true},
+        {{}, "z", structure, 0x3000, false},
+        {{}, "z", structure, 0x3000, true},
+        {{}, "n", number, 0x4000, false},
+        {{}, "n", number, 0x4004, false},
+        {{}, "null", number, 0, false},
+        {{}, "null", number, 0, false},
         {{}, "s", array, 0x5000, false},
+        {{}, "class", structure, 0x6000, true},
+        {{}, "class", number, 0x6000, true},
+        {{}, "class", twoMembers, 0x6000, false},
+        {{}, "enum", structure, 0x7000, true},
+        {{}, "enum", enumeration, 0x7000, false},
+        {{}, "enum", pointer, 0x7000, true},
+        {{}, "pointer", structure, 0x8000, true},
+        {{}, "pointer", pointer, 0x8000, false},
+        {{}, "pointer", number, 0x8000, true},
+        {{}, "reference", structure, 0x9000, true},
+        {{}, "reference", reference, 0x9000, false},
+        {{}, "base", structure, 0xA000, true},
+        {{}, "base", number, 0xA000, false},
     };
     std::vector<Die> entries{
         Int(number),
         Die(array, DW_TAG_array_type, {Type(number)}, {Die(DW_TAG_subrange_type, {UpperBound(9)})}),
         Die(declared, DW_TAG_structure_type, {Name("d"), Declaration()}),
         Die(pointer, DW_TAG_pointer_type, {Type(number)}),
+        Die(reference, DW_TAG_reference_type, {Type(number)}),
+        Die(enumeration, DW_TAG_enumeration_type, {Name("e"), ByteSize(4)},
+            {Die(DW_TAG_enumerator, {Name("x")}), Die(DW_TAG_enumerator, {Name("y")})}),
+        Die(twoMembers, DW_TAG_class_type, {Name("c")}, {Member("a", 0), Member("b", 0)}),
         Die(complete, DW_TAG_union_type, {Name("u"), ByteSize(4)},
             {Member("a", 0), Member("b", 0)}),
         Die(alias, DW_TAG_typedef, {Name("t"), Type(complete)}),

@@ -1,5 +1,6 @@
 #include "container/VElfFile.h"
 #include "core/ErrorState.h"
+#include "diagnostics/ElfLog.h"
 #include "support/ElfImage.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"
@@ -59,9 +60,24 @@ TEST_F(SymbolMapsTest, AddressMapTakesDataWithAnAddress) {
     EXPECT_EQ(file.NameAt(0x30, ""), "");
     EXPECT_EQ(file.NameAt(0x40, ""), "");
 
-    VElfOptions::mSymTabSearchMode = 1;
+    for (const std::int32_t isOn : {1, 2, -1}) {
+        VElfOptions::mSymTabSearchMode = isOn;
+        ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+        EXPECT_EQ(file.NameAt(0x40, ""), "label");
+        EXPECT_EQ(file.NameAt(0x30, ""), "");
+    }
+}
+
+// Records lie close together whatever their size is said to be; the size tells how many there are.
+TEST_F(SymbolMapsTest, EntrySizeTellsHowManyRecordsAreTaken) {
+    FileWithSymbols file(ElfImage()
+                             .Symbol({"first", 0x10, 4})
+                             .Symbol({"second", 0x20, 4})
+                             .Symbol({"third", 0x30, 4})
+                             .SymbolTable({.entrySize = 24}));
     ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
-    EXPECT_EQ(file.NameAt(0x40, ""), "label");
+    EXPECT_EQ(file.NameAt(0x10, ""), "first");
+    EXPECT_EQ(file.NameAt(0x20, ""), "");
     EXPECT_EQ(file.NameAt(0x30, ""), "");
 }
 
@@ -75,7 +91,9 @@ TEST_F(SymbolMapsTest, SearchModePrefersAnAgreeingName) {
     FileWithSymbols file(image);
     ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
     EXPECT_EQ(file.NameAt(0x30, "foobar"), "foo");
-    VElfOptions::mSymTabSearchMode = 1;
+    VElfOptions::mSymTabSearchMode = -1;
+    EXPECT_EQ(file.NameAt(0x30, "foobar"), "foobar");
+    VElfOptions::mSymTabSearchMode = 2;
     EXPECT_EQ(file.NameAt(0x30, "foobar"), "foobar");
     EXPECT_EQ(file.NameAt(0x20, "bar"), "barfoo");
     EXPECT_EQ(file.NameAt(0x20, "bar "), "barfoo");
@@ -114,13 +132,15 @@ TEST_F(SymbolMapsTest, NamesAreFoundDemangledAndWithALeadingUnderscore) {
                                .Symbol({"_plain", 0x20, 4})
                                .Symbol({"other", 0x30, 4})
                                .Symbol({"twice", 0x40, 4})
-                               .Symbol({"twice", 0x50, 4});
+                               .Symbol({"twice", 0x50, 4})
+                               .Symbol({"__double", 0x60, 4});
     FileWithSymbols file(image);
     EXPECT_EQ(file.AddressOf("Foo::value"), 0x10U);
     EXPECT_EQ(file.AddressOf("value__3Foo"), 0U);
     EXPECT_EQ(file.AddressOf("plain"), 0x20U);
     EXPECT_EQ(file.AddressOf("_other"), 0U);
     EXPECT_EQ(file.AddressOf("twice"), 0x50U);
+    EXPECT_EQ(file.AddressOf("_double"), 0U) << "one underscore is added to names without one";
 
     // Once emptied the names are not loaded again.
     file->mSymbolNamesMap.Clear();
@@ -143,9 +163,18 @@ TEST_F(SymbolMapsTest, TableOutsideTheFileFillsNoMapAndFailsNoRead) {
 }
 
 TEST_F(SymbolMapsTest, AddressesAreKeptIn32Bits) {
-    VElfOptions::mIsLogFile = 0;
-    FileWithSymbols file(ElfImage(ElfClass::Class64).Symbol({"far", 0x1'0000'2000, 4}));
+    VElfOptions::mIsLogFile = 1;
+    const TemporaryFolder folder;
+    ASSERT_TRUE(CreateLogFile(folder.Path("x.elf")));
+    FileWithSymbols file(ElfImage(ElfClass::Class64)
+                             .Symbol({"highest", 0xFFFFFFFF, 4})
+                             .Symbol({"far", 0x1'0000'2000, 4}));
     ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    CloseLogFile();
+    EXPECT_EQ(folder.Read("x.log"),
+              "Warning: Symbol 'far' has 64-bit address 0x0000000100002000 overriding 32-bit "
+              "address limitation of current ELF-Reader version. The address is trimmed to 32 bit "
+              "size!!\n\n");
     const Elf32_Sym* symbol = file->FindSymbolByAddress(0x2000, "");
     ASSERT_NE(symbol, nullptr);
     EXPECT_EQ(symbol->st_value, 0x1'0000'2000U);

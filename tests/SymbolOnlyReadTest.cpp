@@ -88,20 +88,41 @@ TEST_F(SymbolOnlyReadTest, OptionsChangeTheDeliveredNames) {
                                .Symbol({"value__3Foo", 0x10, 4})
                                .Symbol({"_name", 0x20, 4})
                                .Symbol({"_", 0x30, 4})
-                               .Symbol({"a-b", 0x40, 4});
-    VElfOptions::mRemoveLeadingUnderscore = 1;
-    EXPECT_THAT(ReadImage(image).Variables(),
-                ElementsAre("value__3Foo@10:4", "name@20:4", "@30:4", "a-b@40:4"));
+                               .Symbol({"a-b", 0x40, 4})
+                               // Virtual tables are told by the name that is delivered.
+                               .Symbol({"__ZTVx", 0x50, 4})
+                               .Symbol({"_ZTVx", 0x60, 4});
+    const auto names = [&] { return ReadImage(image).Variables(); };
+    for (const std::int32_t isOn : {1, 2, -1}) {
+        VElfOptions::mRemoveLeadingUnderscore = isOn;
+        EXPECT_THAT(names(),
+                    ElementsAre("value__3Foo@10:4", "name@20:4", "@30:4", "a-b@40:4", "ZTVx@60:4"));
+    }
     VElfOptions::mRemoveLeadingUnderscore = 0;
     for (std::int32_t* option :
          {&VElfOptions::mDemangleSymTabNames, &VElfOptions::mFixClassNameScopeSepar}) {
-        *option = 2;
-        EXPECT_THAT(ReadImage(image).Variables(),
-                    ElementsAre("Foo::value@10:4", "_name@20:4", "_@30:4", "a_b@40:4"));
+        for (const std::int32_t isOn : {2, 3}) {
+            *option = isOn;
+            EXPECT_THAT(names(), ElementsAre("Foo::value@10:4", "_name@20:4", "_@30:4", "a_b@40:4",
+                                             "__ZTVx@50:4"));
+        }
         *option = 1;
     }
-    EXPECT_THAT(ReadImage(image).Variables(),
-                ElementsAre("value__3Foo@10:4", "_name@20:4", "_@30:4", "a-b@40:4"));
+    EXPECT_THAT(names(),
+                ElementsAre("value__3Foo@10:4", "_name@20:4", "_@30:4", "a-b@40:4", "__ZTVx@50:4"));
+}
+
+TEST_F(SymbolOnlyReadTest, ReadsIntoOneModelShareTheScopeOfTheSymbols) {
+    const TemporaryFolder folder;
+    DataModel::DataModel model;
+    const DataModel::Factory::CurrentDataModel current(model);
+    for (const ElfSymbol& symbol : {ElfSymbol{"one", 0x10, 4}, ElfSymbol{"two", 0x20, 4}}) {
+        EXPECT_TRUE(
+            VDWARFReader().Read(folder.Write("image.elf", ElfImage().Symbol(symbol).Build()),
+                                DWARFContainerType::Container_ELF));
+    }
+    EXPECT_EQ(model.Object(model.GetGlobalData("one")).scope,
+              model.Object(model.GetGlobalData("two")).scope);
 }
 
 TEST_F(SymbolOnlyReadTest, LongNamesAreCut) {
@@ -206,23 +227,6 @@ TEST_F(SymbolOnlyReadTest, SymbolTableOutsideTheFileCountsAsEmpty) {
     }
 }
 
-TEST_F(SymbolOnlyReadTest, DebugSectionsOfOtherFormatsAreChosenByOption) {
-    const ElfImage image =
-        ElfImage().Section(".debug", "x").Section(".vdebug", "x").Symbol({"a", 0x10, 4});
-    EXPECT_FALSE(ReadImage(image).result);
-    VElfOptions::mForceDebugSectionVersion = 2;
-    EXPECT_THAT(ReadImage(image).Variables(), ElementsAre("a@10:4"));
-    EXPECT_EQ(VElfOptions::mUseCppExtensionDWARF2, 1);
-    VElfOptions::mForceDebugSectionVersion = 3;
-    gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_DEST_OPEN_FAILED;
-    EXPECT_EQ(ReadImage(image).message, "Destination file Open has failed.");
-    VElfOptions::mElfForceSymbolTable = 1;
-    EXPECT_TRUE(ReadImage(image).result);
-    VElfOptions::mElfForceSymbolTable = 0;
-    VElfOptions::mForceDebugSectionVersion = 17;
-    EXPECT_TRUE(ReadImage(image).result);
-}
-
 TEST_F(SymbolOnlyReadTest, UnreadablePathsAreToldPlainly) {
     const TemporaryFolder folder;
     const ReadRun missing = ReadFile(folder.Path("missing.elf"));
@@ -234,7 +238,7 @@ TEST_F(SymbolOnlyReadTest, UnreadablePathsAreToldPlainly) {
     EXPECT_EQ(ReadFile(folder.Write("empty", "")).message, "ELF file Seek has failed.");
 }
 
-TEST_F(SymbolOnlyReadTest, LogTellsOfTrimmedAddressesAndErrors) {
+TEST_F(SymbolOnlyReadTest, LogTellsOfErrors) {
     const TemporaryFolder folder;
     const std::string path = folder.Write(
         "image.elf", ElfImage().Symbol({"a", 1, 4}).SymbolTable({.entrySize = 0}).Build());

@@ -51,9 +51,14 @@ TEST_F(TypeNameTest, ScopesStandInFront) {
     const DieLabel inBlock;
     const DieLabel inClass;
     const DieLabel inAnonymousUnion;
+    const DieLabel inTemplate;
+    const DieLabel inUnnamedTemplate;
     const DieLabel pointerInClass;
     const DieLabel number;
     NodeTree tree(Unit({
+        Die(DW_TAG_class_template, {Name("T")},
+            {Structure(inTemplate),
+             Die(DW_TAG_class_template, {}, {Structure(inUnnamedTemplate)})}),
         Structure(anonymous, {}),
         Die(DW_TAG_namespace, {Name("N")},
             {
@@ -77,19 +82,69 @@ TEST_F(TypeNameTest, ScopesStandInFront) {
     EXPECT_EQ(TextOf(tree[inUnnamedNamespace]), "N::<anonymous-namespace>::S");
     EXPECT_EQ(TextOf(tree[inFunction]), "N::f$S");
     EXPECT_EQ(TextOf(tree[inBlock]), "S");
+    EXPECT_EQ(TextOf(tree[inTemplate]), "T$S");
+    EXPECT_EQ(TextOf(tree[inUnnamedTemplate]), "T$<anonymous>$S");
     EXPECT_EQ(TextOf(tree[inClass]), "B::C");
     EXPECT_EQ(TextOf(tree[inAnonymousUnion]), "<anonymouse-structural>::S");
     EXPECT_EQ(TextOf(tree[pointerInClass]), "B::*int");
 }
 
 TEST_F(TypeNameTest, FarScopesAreLeftOut) {
-    const DieLabel innermost;
-    Die scopes = Structure(innermost);
-    for (int level = 7; level >= 1; --level) {
-        scopes = Die(DW_TAG_namespace, {Name("n" + std::to_string(level))}, {scopes});
+    const auto textWithin = [](dwarf_tag scope) {
+        const DieLabel innermost;
+        Die scopes = Structure(innermost);
+        for (int level = 7; level >= 1; --level) {
+            scopes = Die(scope, {Name("n" + std::to_string(level))}, {scopes});
+        }
+        NodeTree tree(Unit({scopes}));
+        return TextOf(tree[innermost]);
+    };
+    EXPECT_EQ(textWithin(DW_TAG_namespace), "n3::n4::n5::n6::n7::S");
+    // A class counts as a type of its own on top.
+    for (const dwarf_tag scope :
+         {DW_TAG_class_type, DW_TAG_structure_type, DW_TAG_union_type, DW_TAG_interface_type}) {
+        EXPECT_EQ(textWithin(scope), "n4::n5::n6::n7::S");
     }
-    NodeTree tree(Unit({scopes}));
-    EXPECT_EQ(TextOf(tree[innermost]), "n3::n4::n5::n6::n7::S");
+}
+
+TEST_F(TypeNameTest, EveryTagHasItsText) {
+    const DieLabel number;
+    const std::vector<std::pair<dwarf_tag, const char*>> texts = {
+        {DW_TAG_pointer_type, "*int"},
+        {DW_TAG_reference_type, "&int"},
+        {DW_TAG_rvalue_reference_type, "&&int"},
+        {DW_TAG_const_type, "const int"},
+        {DW_TAG_volatile_type, "volatile int"},
+        {DW_TAG_restrict_type, "restricted int"},
+        {DW_TAG_shared_type, "shared int"},
+        {DW_TAG_packed_type, "packed int"},
+        {DW_TAG_file_type, "filetype int"},
+        {DW_TAG_thrown_type, "throw_type int"},
+        {DW_TAG_ptr_to_member_type, "ptr_to_member_type(unsupported) "},
+        {DW_TAG_set_type, "subrange n "},
+        {DW_TAG_unspecified_type, "unspecified_type n"},
+        {DW_TAG_interface_type, "n"},
+        {DW_TAG_enumerator, "n"},
+        {DW_TAG_subroutine_type, "int() "},
+        {DW_TAG_array_type, ""},
+        {DW_TAG_member, ""},
+    };
+    std::vector<DieLabel> types(texts.size());
+    std::vector<DieLabel> templates(texts.size());
+    std::vector<Die> entries{Int(number)};
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        entries.emplace_back(types[index], texts[index].first,
+                             std::vector{Name("n"), Type(number)});
+        entries.emplace_back(templates[index], DW_TAG_class_type, std::vector{Name("T")},
+                             std::vector{Die(DW_TAG_template_type_param, {Type(types[index])})});
+    }
+    NodeTree tree(Unit(entries));
+    Linked(tree);
+    for (std::size_t index = 0; index < texts.size(); ++index) {
+        const std::string text = texts[index].second;
+        EXPECT_EQ(TextOf(tree[types[index]]), text);
+        EXPECT_EQ(TextOf(tree[templates[index]]), "T<" + text + ">");
+    }
 }
 
 TEST_F(TypeNameTest, ModifiersReadFromTheOutermost) {
@@ -347,6 +402,28 @@ TEST_F(TypeNameTest, ReferencesReadInwards) {
               " <referenced debug info node not found/resolved yet!!!>");
     EXPECT_EQ(GetReferenceText(tree[unresolved], 1),
               " <referenced debug info node not found/resolved yet!!!>");
+}
+
+TEST_F(TypeNameTest, TypesAtTheEndOfAReferenceAreLabelled) {
+    for (const auto& [tag, label] :
+         {std::pair{DW_TAG_class_type, "(<class) "}, std::pair{DW_TAG_enumeration_type, "(<enum) "},
+          std::pair{DW_TAG_structure_type, "(<struct) "}, std::pair{DW_TAG_typedef, "(<typedef) "},
+          std::pair{DW_TAG_union_type, "(<union) "}, std::pair{DW_TAG_base_type, "(<base_type) "},
+          std::pair{DW_TAG_interface_type, "(<interface) "}}) {
+        const DieLabel named;
+        const DieLabel unnamed;
+        const DieLabel ofNamed;
+        const DieLabel ofUnnamed;
+        NodeTree tree(Unit({
+            Die(named, tag, {Name("n"), ByteSize(4)}),
+            Die(unnamed, tag, {ByteSize(4)}),
+            Die(ofNamed, DW_TAG_variable, {Type(named)}),
+            Die(ofUnnamed, DW_TAG_variable, {Type(unnamed)}),
+        }));
+        Linked(tree);
+        EXPECT_EQ(GetReferenceText(tree[ofNamed], 0), label + std::string("n"));
+        EXPECT_EQ(GetReferenceText(tree[ofUnnamed], 0), label + std::string("<anonymous>"));
+    }
 }
 
 TEST_F(TypeNameTest, OtherTagsReplaceWhatStandsBeforeThem) {
