@@ -1,12 +1,8 @@
 // The mapping of compile units: what counts as a unit, the slide, the search, and what the log
 // tells of it; then the loading of units.
 #include "core/ErrorState.h"
-#include "host/CurrentDataModel.h"
-#include "host/VDWARFReader.h"
-#include "model/DataModel.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
-#include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
 
@@ -362,33 +358,6 @@ TEST_F(CompileUnitMappingTest, BucketsFollowTheSizeOfTheSection) {
     EXPECT_EQ(buckets(926'025), 15511);
     EXPECT_EQ(buckets(1'350'003'075), 19000013);
     EXPECT_EQ(buckets(0x100000000), 19000013);
-}
-
-// The whole read as a host sees it.
-TEST_F(CompileUnitMappingTest, ProgressAndLogOfAWholeRead) {
-    DwarfSections sections;
-    sections.Unit({Die(DW_TAG_compile_unit, {Name("first")})});
-    const DieLabel second;
-    sections.Unit({Die(second, DW_TAG_compile_unit, {Name("second")},
-                       {Die(DW_TAG_compile_unit, {Name("nested, at offset 16 or more")})})});
-    const TemporaryFolder folder;
-    const std::string path = folder.Write(
-        "image.elf", (ElfImage().Symbol({"main", 0x8000, 4, sFunction}) + sections).Build());
-    DataModel::DataModel model;
-    const DataModel::Factory::CurrentDataModel current(model);
-    VDWARFReader reader;
-    std::vector<std::string> progress;
-    reader.SetProgressIntervalCallback = [&](std::int32_t start, std::int32_t end) {
-        progress.push_back(std::to_string(start) + " to " + std::to_string(end));
-    };
-    reader.SetProgressValueCallback = [&](std::int32_t value) {
-        progress.push_back(std::to_string(value));
-    };
-    EXPECT_TRUE(reader.Read(path, DWARFContainerType::Container_ELF));
-    ASSERT_GE(progress.size(), 3U);
-    progress.resize(3);
-    EXPECT_THAT(progress, ElementsAre("0 to " + std::to_string(sections.Info().size()), "11",
-                                      std::to_string(sections.OffsetOf(second))));
 }
 
 } // namespace

@@ -4,11 +4,11 @@
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
 #include "support/CoffImage.h"
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -27,17 +27,14 @@ using enum DWARFContainerType;
 /// `gMotor` at 0x10001000 with the members `speed` at 0 and `limit` at 4, and `gCount` at 0x500.
 DwarfSections MotorSections(ByteOrder byteOrder = ByteOrder::Little, int addressSize = 4,
                             std::uint64_t motorAddress = 0x10001000) {
-    const DieLabel number;
-    const DieLabel motor;
+    const DieLabel number, motor;
     const DwarfUnit unit{
         .entries = {Die(
             DW_TAG_compile_unit, {Name("motor.c", DW_FORM_strp)},
-            {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(5)}),
+            {Int(number),
              Die(motor, DW_TAG_structure_type, {Name("motor", DW_FORM_strp), ByteSize(8)},
-                 {Die(DW_TAG_member, {Name("speed"), Type(number), MemberOffset(0)}),
-                  Die(DW_TAG_member, {Name("limit"), Type(number), MemberOffset(4)})}),
-             Die(DW_TAG_variable, {Name("gMotor"), Type(motor), External(), Address(motorAddress)}),
-             Die(DW_TAG_variable, {Name("gCount"), Type(number), External(), Address(0x500)})})},
+                 {Member("speed", number, 0), Member("limit", number, 4)}),
+             Variable("gMotor", motor, motorAddress), Variable("gCount", number, 0x500)})},
         .addressSize = addressSize};
     return DwarfSections(byteOrder).Unit(unit);
 }

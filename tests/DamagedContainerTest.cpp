@@ -2,11 +2,11 @@
 // damaged: each gives a message or a result, and a cut file never a variable that the whole one
 // doesn't have.
 #include "support/CoffImage.h"
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -88,16 +88,13 @@ std::vector<Input> Samples() {
 }
 
 DwarfSections PumpSections(ByteOrder byteOrder, int addressSize) {
-    const DieLabel number;
-    const DieLabel table;
+    const DieLabel number, table;
     return DwarfSections(byteOrder).Unit(DwarfUnit{
-        .entries = {Die(
-            DW_TAG_compile_unit, {Name("pump.c", DW_FORM_strp)},
-            {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(5)}),
-             Die(table, DW_TAG_array_type, {Type(number)},
-                 {Die(DW_TAG_subrange_type, {UpperBound(7)})}),
-             Die(DW_TAG_variable, {Name("gTable"), Type(table), External(), Address(0x2000)}),
-             Die(DW_TAG_variable, {Name("gLevel"), Type(number), External(), Address(0x3000)})})},
+        .entries = {Die(DW_TAG_compile_unit, {Name("pump.c", DW_FORM_strp)},
+                        {Int(number),
+                         Die(table, DW_TAG_array_type, {Type(number)},
+                             {Die(DW_TAG_subrange_type, {UpperBound(7)})}),
+                         Variable("gTable", table, 0x2000), Variable("gLevel", number, 0x3000)})},
         .addressSize = addressSize});
 }
 

@@ -93,31 +93,20 @@ TEST_F(ElfFileTest, MachineDecidesTargetProperties) {
 }
 
 TEST_F(ElfFileTest, FirstWrongByteOfTheIdentificationDecidesTheError) {
-    const auto identification = [](const std::string& bytes) {
-        return SmallImage().Patch(0, bytes);
-    };
     for (std::size_t index = 0; index < 4; ++index) {
         EXPECT_EQ(ErrorOf(SmallImage().Patch(index, "x")), ELFERR_NOT_ELF) << index;
     }
-    EXPECT_EQ(ErrorOf(identification("\x7F"
-                                     "ELF\x00\x00\x05"s)),
-              ELFERR_ELF_CLASS);
-    EXPECT_EQ(ErrorOf(identification("\x7F"
-                                     "ELF\x03"s)),
-              ELFERR_ELF_CLASS);
-    EXPECT_EQ(ErrorOf(identification("\x7F"
-                                     "ELF\x01\x00\x05"s)),
-              ELFERR_BYTE_ENCODING);
-    EXPECT_EQ(ErrorOf(identification("\x7F"
-                                     "ELF\x01\x01\x02"s)),
-              ELFERR_ELF_VERSION);
-    EXPECT_EQ(ErrorOf(identification("\x7F"
-                                     "ELF\x01\x01\xFF"s)),
-              ELFERR_ELF_VERSION);
+    // Class, encoding and version.
+    const auto identification = [](const std::string& bytes) {
+        return SmallImage().Patch(4, bytes);
+    };
+    EXPECT_EQ(ErrorOf(identification("\0\0\5"s)), ELFERR_ELF_CLASS);
+    EXPECT_EQ(ErrorOf(identification("\3")), ELFERR_ELF_CLASS);
+    EXPECT_EQ(ErrorOf(identification("\1\0\5"s)), ELFERR_BYTE_ENCODING);
+    EXPECT_EQ(ErrorOf(identification("\1\1\2")), ELFERR_ELF_VERSION);
+    EXPECT_EQ(ErrorOf(identification("\1\1\xFF")), ELFERR_ELF_VERSION);
     // Version 0 passes, and every encoding but 2 is little-endian.
-    EXPECT_TRUE(OpenedFile(identification("\x7F"
-                                          "ELF\x01\x07\x00"s))
-                    .IsGood());
+    EXPECT_TRUE(OpenedFile(identification("\1\7\0"s)).IsGood());
 }
 
 TEST_F(ElfFileTest, TooShortFilesFailInReading) {
@@ -130,15 +119,6 @@ TEST_F(ElfFileTest, TooShortFilesFailInReading) {
     EXPECT_EQ(ErrorOf(image.substr(0, image.size() - 1)), ELFERR_READ_FAILED);
     EXPECT_EQ(ErrorOf(SmallImage().Patch(sSectionOffsetField32, "\xFF\xFF\xFF\x7F"s)),
               ELFERR_SEEK_FAILED);
-}
-
-TEST_F(ElfFileTest, EveryTruncationGivesAnErrorOrAResult) {
-    for (const ElfClass elfClass : {ElfClass::Class32, ElfClass::Class64}) {
-        const std::string image = SmallImage(elfClass).Build();
-        for (std::size_t size = 0; size < image.size(); ++size) {
-            EXPECT_NE(ErrorOf(image.substr(0, size)), ELFERR_UNKNOWN) << size;
-        }
-    }
 }
 
 TEST_F(ElfFileTest, MissingSectionsAreToldApart) {

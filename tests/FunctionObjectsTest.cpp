@@ -119,37 +119,6 @@ private:
     }
 };
 
-TEST_F(FunctionObjectsTest, FunctionsBehindTheirOwnTypes) {
-    const ObjectId outer = Block("outer", sGlobalNamespace);
-    for (const ObjectId scope : {sGlobalNamespace, outer, sGlobalNamespace}) {
-        const ObjectId type = Type(7, scope);
-        Function("first", type, scope, 5);
-        Function("second", Type(8, scope), scope, 6);
-    }
-    ExpectAllAsPassed();
-    EXPECT_THAT(In(outer), ElementsAre(7, 8, 9, 10));
-}
-
-TEST_F(FunctionObjectsTest, TypesOfSeveralFunctions) {
-    const ObjectId early = Type(7, sGlobalNamespace);
-    const ObjectId shared = Type(8, sGlobalNamespace);
-    Function("first", shared, sGlobalNamespace);
-    Function("second", shared, sGlobalNamespace);
-    Type(9, sGlobalNamespace);
-    Function("third", shared, sGlobalNamespace);
-    Function("fourth", early, sGlobalNamespace);
-    Function("of the function before", Next() - 1, sGlobalNamespace);
-    ExpectAllAsPassed();
-}
-
-TEST_F(FunctionObjectsTest, TypesThatAreNone) {
-    Function("of a block", Block("", sGlobalNamespace), sGlobalNamespace);
-    Function("of a function", Function("", 0, sGlobalNamespace), sGlobalNamespace);
-    Function("of what never was", 0, sGlobalNamespace);
-    Function("of itself", Next(), sGlobalNamespace);
-    ExpectAllAsPassed();
-}
-
 TEST_F(FunctionObjectsTest, TypesThatTellMoreThanTheirResult) {
     const ObjectId scope = Block("scope", sGlobalNamespace);
     Function("parameters", Type(7, scope, {7, 8}), scope);

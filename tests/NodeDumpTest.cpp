@@ -1,12 +1,10 @@
 // The dump of the tree of nodes: its files and their lines, as a person reads them.
 #include "core/VElfOptions.h"
-#include "host/CurrentDataModel.h"
-#include "host/VDWARFReader.h"
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"
+#include "support/UsualEntries.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -58,14 +56,6 @@ protected:
         return entries;
     }
 
-    static DwarfSections Unit(std::vector<Die> entries) {
-        return DwarfSections().Unit({Die(DW_TAG_compile_unit, {Name("a.c")}, std::move(entries))});
-    }
-
-    static Die Int(DieLabel label) {
-        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
-    }
-
     /// The summary of an entry, whose running number is `record`.
     static std::string Summary(const DwarfSections& sections, DieLabel label,
                                const std::string& tag, int record, const std::string& name,
@@ -82,10 +72,7 @@ protected:
 };
 
 TEST_F(NodeDumpTest, HeadLinesAndIndent) {
-    const DieLabel unit;
-    const DieLabel structure;
-    const DieLabel member;
-    const DieLabel vendor;
+    const DieLabel unit, structure, member, vendor;
     DwarfSections sections;
     sections.Unit({Die(unit, DW_TAG_compile_unit, {Name("a.c")},
                        {Die(structure, DW_TAG_structure_type, {Name("s")},
@@ -125,24 +112,18 @@ TEST_F(NodeDumpTest, IndentEndsAtTwentyEight) {
 }
 
 TEST_F(NodeDumpTest, TypesAndMembers) {
-    const DieLabel number;
-    const DieLabel structure;
-    const DieLabel alias;
-    const DieLabel declared;
-    const DieLabel pointer;
-    const DieLabel definition;
-    const DieLabel bits;
+    const DieLabel number, structure, alias, declared, pointer, definition, bits;
     const DwarfSections sections = Unit({
         Int(number),
-        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(8)},
-            {
-                Die(DW_TAG_typedef, {Name("inner"), Type(number)}),
-                Die(DW_TAG_member, {Name("a"), Type(number), MemberOffset(0xFFFFFFFC)}),
-                Die(bits, DW_TAG_member,
-                    {Name("b"), Type(number), BitSize(3), BitOffset(2), MemberOffset(4)}),
-                Die(DW_TAG_member, {Type(number)}),
-            }),
-        Die(alias, DW_TAG_typedef, {Name("aVeryLongNameOfAType"), Type(structure)}),
+        Struct(structure, "s", 8,
+               {
+                   Die(DW_TAG_typedef, {Name("inner"), Type(number)}),
+                   Member("a", number, 0xFFFFFFFC),
+                   Die(bits, DW_TAG_member,
+                       {Name("b"), Type(number), BitSize(3), BitOffset(2), MemberOffset(4)}),
+                   Die(DW_TAG_member, {Type(number)}),
+               }),
+        Typedef(alias, "aVeryLongNameOfAType", structure),
         Die(declared, DW_TAG_class_type, {Name("d"), Declaration()}),
         Die(pointer, DW_TAG_pointer_type, {Name("p"), Type(alias)}),
         Die(definition, DW_TAG_class_type, {Name("d"), ByteSize(1)},
@@ -189,10 +170,7 @@ TEST_F(NodeDumpTest, TypesAndMembers) {
 }
 
 TEST_F(NodeDumpTest, VariablesTellWhereTheyAreAndWhy) {
-    const DieLabel number;
-    const DieLabel declared;
-    const DieLabel completing;
-    const DieLabel anonymous;
+    const DieLabel number, declared, completing, anonymous;
     const DwarfSections sections = Unit({
         Int(number),
         Die(declared, DW_TAG_variable, {Name("v"), Type(number), Declaration()}),
@@ -239,8 +217,7 @@ TEST_F(NodeDumpTest, VariablesTellWhereTheyAreAndWhy) {
 
 // Nothing else asks for them, so that only the dump has the reader settle what they are.
 TEST_F(NodeDumpTest, ParametersTellTheirTypeSizeAndReadableName) {
-    const DieLabel number;
-    const DieLabel parameter;
+    const DieLabel number, parameter;
     const DwarfSections sections = Unit({
         Int(number),
         Die(DW_TAG_subprogram, {Name("f")},
@@ -261,9 +238,7 @@ TEST_F(NodeDumpTest, ParametersTellTheirTypeSizeAndReadableName) {
 }
 
 TEST_F(NodeDumpTest, BoundsOfSubrangesAndKindsOfUnits) {
-    const DieLabel number;
-    const DieLabel variable;
-    const DieLabel first;
+    const DieLabel number, variable, first;
     DwarfSections sections;
     sections.Unit({Die(first, DW_TAG_compile_unit, {Name("x/a.c"), CompDir("/d")},
                        {
@@ -296,18 +271,16 @@ TEST_F(NodeDumpTest, StandsBesideItsInputAndIsAnnounced) {
     }
     path += "image.elf";
     const std::string image = mFolder.Write(path, (WithSymbolTable() + Unit({})).Build());
-    std::vector<std::string> texts;
-    VDWARFReader reader;
-    reader.SetProgressTextCallback = [&](const std::string& text) { texts.push_back(text); };
-    DataModel::DataModel model;
-    const DataModel::Factory::CurrentDataModel current(model);
-    EXPECT_TRUE(reader.Read(image, DWARFContainerType::Container_ELF));
+    const ReadRun run = ReadFile(image);
+    EXPECT_TRUE(run.result);
     const std::string dump = image + ".debugInfoNodes0.rec0.log.txt";
-    EXPECT_THAT(texts, ElementsAre("Post-Processing...", "Writing dump file..." + dump, "  Done!"));
+    ASSERT_GT(run.progress.size(), 3U);
+    EXPECT_THAT(std::vector(run.progress.end() - 3, run.progress.end()),
+                ElementsAre("Post-Processing...", "Writing dump file..." + dump, "  Done!"));
     EXPECT_TRUE(std::filesystem::exists(dump));
     VElfOptions::mDumpDebugInfoNodes = 0;
     std::filesystem::remove(dump);
-    EXPECT_TRUE(reader.Read(image, DWARFContainerType::Container_ELF));
+    EXPECT_TRUE(ReadFile(image).result);
     EXPECT_FALSE(std::filesystem::exists(dump));
 }
 
@@ -318,8 +291,8 @@ TEST_F(NodeDumpTest, ALongDumpGoesOnInAnotherFileAtTheNextUnit) {
     const std::string longName(2047, 'm');
     const DieLabel structure;
     std::vector<Die> entries{
-        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(1)},
-            std::vector<Die>(sMemberCount, Die(DW_TAG_member, {Name(longName, DW_FORM_strp)})))};
+        Struct(structure, "s", 1,
+               std::vector<Die>(sMemberCount, Die(DW_TAG_member, {Name(longName, DW_FORM_strp)})))};
     entries.insert(entries.end(), sVariableCount, Die(DW_TAG_variable, {Type(structure)}));
     const DwarfSections sections =
         Unit(entries).Unit({Die(DW_TAG_compile_unit, {Name("b.c")}, {Die(DW_TAG_namespace)})});

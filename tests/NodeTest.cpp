@@ -5,6 +5,7 @@
 #include "nodes/VDebugInfoNodeArray.h"
 #include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <gtest/gtest.h>
 
@@ -15,14 +16,6 @@ namespace {
 
 class NodeTest : public testing::Test {
 protected:
-    static DwarfSections Unit(std::vector<Die> entries) {
-        return DwarfSections().Unit({Die(DW_TAG_compile_unit, {Name("a.c")}, std::move(entries))});
-    }
-
-    static Die Int(DieLabel label) {
-        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
-    }
-
     /// The name for the host; "untouched" where the node leaves it alone.
     static std::string EntryName(NodeTree& tree, DieLabel label) {
         std::string_view name = "untouched";
@@ -34,13 +27,7 @@ protected:
 };
 
 TEST_F(NodeTest, NamesForTheHost) {
-    const DieLabel pointer;
-    const DieLabel declared;
-    const DieLabel completes;
-    const DieLabel nameless;
-    const DieLabel completesNameless;
-    const DieLabel linked;
-    const DieLabel empty;
+    const DieLabel pointer, declared, completes, nameless, completesNameless, linked, empty;
     NodeTree tree(Unit({
         Die(pointer, DW_TAG_pointer_type, {Name("p")}),
         Die(declared, DW_TAG_variable, {Name("declared"), Declaration()}),
@@ -128,8 +115,7 @@ TEST_F(NodeTest, BlocksAreNumberedByTheirFunctionOrOuterBlock) {
 }
 
 TEST_F(NodeTest, ReferencesToItselfAndToNothing) {
-    const DieLabel self;
-    const DieLabel missing;
+    const DieLabel self, missing;
     NodeTree tree(Unit({
         Die(self, DW_TAG_class_type, {Type(self), Specification(self)}),
         Die(missing, DW_TAG_const_type, {Number(DW_AT_type, DW_FORM_ref4, 0x7777)}),
@@ -144,16 +130,12 @@ TEST_F(NodeTest, ReferencesToItselfAndToNothing) {
 }
 
 TEST_F(NodeTest, CyclesAreCutAtTheirFirstNodeWhoeverLeadsIntoThem) {
-    const DieLabel entry;
-    const DieLabel first;
-    const DieLabel second;
-    const DieLabel third;
-    const DieLabel lateEntry;
+    const DieLabel entry, first, second, third, lateEntry;
     NodeTree tree(Unit({
         Die(entry, DW_TAG_typedef, {Type(second)}),
         Die(first, DW_TAG_const_type, {Type(second)}),
         Die(second, DW_TAG_volatile_type, {Type(third)}),
-        Die(third, DW_TAG_pointer_type, {Type(first)}),
+        Pointer(third, first),
         Die(lateEntry, DW_TAG_typedef, {Type(third)}),
     }));
     ResolveAllReferences(tree.Section());
@@ -167,11 +149,7 @@ TEST_F(NodeTest, CyclesAreCutAtTheirFirstNodeWhoeverLeadsIntoThem) {
 }
 
 TEST_F(NodeTest, CyclesThroughSpecifications) {
-    const DieLabel number;
-    const DieLabel typed;
-    const DieLabel other;
-    const DieLabel onlySpecified;
-    const DieLabel mixed;
+    const DieLabel number, typed, other, onlySpecified, mixed;
     NodeTree tree(Unit({
         Int(number),
         // A cycle of specifications; the type leads out of it and stays.
@@ -192,29 +170,20 @@ TEST_F(NodeTest, CyclesThroughSpecifications) {
 }
 
 TEST_F(NodeTest, SizesComeFromTypes) {
-    const DieLabel number;
-    const DieLabel constNothing;
-    const DieLabel constConstNothing;
-    const DieLabel function;
-    const DieLabel variable;
-    const DieLabel pointer;
-    const DieLabel shortPointer;
-    const DieLabel address;
-    const DieLabel structure;
-    const DieLabel array;
-    const DieLabel alias;
+    const DieLabel number, constNothing, constConstNothing, function, variable, pointer;
+    const DieLabel shortPointer, address, structure, array, alias;
     NodeTree tree(Unit({
         // In front of its type, so that a size is asked for before it is there.
-        Die(alias, DW_TAG_typedef, {Name("t"), Type(array)}),
+        Typedef(alias, "t", array),
         Int(number),
         Die(constNothing, DW_TAG_const_type),
         Die(constConstNothing, DW_TAG_const_type, {Type(constNothing)}),
         Die(function, DW_TAG_subprogram, {Name("f"), Type(number)}),
         Die(variable, DW_TAG_variable, {Name("v"), Type(number)}),
-        Die(pointer, DW_TAG_pointer_type, {Type(structure)}),
+        Pointer(pointer, structure),
         Die(shortPointer, DW_TAG_pointer_type, {Type(structure), ByteSize(2)}),
         Die(address, DW_TAG_base_type, {Name("addr"), Encoding(DW_ATE_address)}),
-        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(12)}),
+        Struct(structure, "s", 12),
         Die(array, DW_TAG_array_type, {Type(structure)},
             {Die(DW_TAG_subrange_type, {UpperBound(1)}),
              Die(DW_TAG_subrange_type, {UpperBound(2)})}),
@@ -253,9 +222,7 @@ TEST_F(NodeTest, SizesComeThroughChainsOfAnyLength) {
 }
 
 TEST_F(NodeTest, DimensionsOfArrays) {
-    const DieLabel number;
-    const DieLabel nine;
-    const DieLabel inRegister;
+    const DieLabel number, nine, inRegister;
     const auto referring = [](std::uint32_t attribute, DieLabel target) {
         return Reference(attribute, DW_FORM_ref4, target);
     };
@@ -309,10 +276,7 @@ TEST_F(NodeTest, DimensionsOfArrays) {
 }
 
 TEST_F(NodeTest, BitOffsetsCountFromTheLeastSignificantBit) {
-    const DieLabel number;
-    const DieLabel ofType;
-    const DieLabel ofStorage;
-    const DieLabel beforeStorage;
+    const DieLabel number, ofType, ofStorage, beforeStorage;
     const auto bitField = [&](DieLabel label, std::vector<DieAttribute> attributes) {
         attributes.push_back(Type(number));
         attributes.push_back(BitSize(3));
@@ -332,11 +296,7 @@ TEST_F(NodeTest, BitOffsetsCountFromTheLeastSignificantBit) {
 
 // Sizes of parameters are left out where nothing can ask for them.
 TEST_F(NodeTest, AParameterThatIsNamedAsATypeLendsItsSize) {
-    const DieLabel pointer;
-    const DieLabel parameter;
-    const DieLabel argument;
-    const DieLabel ofParameter;
-    const DieLabel ofArgument;
+    const DieLabel pointer, parameter, argument, ofParameter, ofArgument;
     const auto bitField = [](DieLabel label, DieLabel type) {
         return Die(label, DW_TAG_member, {Type(type), ByteSize(0), BitSize(3), BitOffset(2)});
     };
@@ -356,15 +316,12 @@ TEST_F(NodeTest, AParameterThatIsNamedAsATypeLendsItsSize) {
 // A bit field without storage counts in what is settled of its type's chain by then, whoever has
 // settled it.
 TEST_F(NodeTest, EveryParameterSettlesTheSizeOfItsType) {
-    const DieLabel pointer;
-    const DieLabel alias;
-    const DieLabel parameter;
-    const DieLabel field;
+    const DieLabel pointer, alias, parameter, field;
     const auto offsetBehind = [&](Die first) {
         NodeTree tree(Unit({
             std::move(first),
             Die(field, DW_TAG_member, {Type(alias), ByteSize(0), BitSize(3), BitOffset(2)}),
-            Die(alias, DW_TAG_typedef, {Name("t"), Type(pointer)}),
+            Typedef(alias, "t", pointer),
             Die(pointer, DW_TAG_pointer_type, {ByteSize(2)}),
         }));
         tree.Resolve();
@@ -382,26 +339,19 @@ TEST_F(NodeTest, EveryParameterSettlesTheSizeOfItsType) {
 }
 
 TEST_F(NodeTest, EndsOfChains) {
-    const DieLabel number;
-    const DieLabel alias;
-    const DieLabel pointer;
-    const DieLabel byType;
-    const DieLabel bySpecification;
-    const DieLabel throughPointer;
-    const DieLabel structure;
-    const DieLabel structureAlias;
-    const DieLabel nothing;
+    const DieLabel number, alias, pointer, byType, bySpecification, throughPointer, structure;
+    const DieLabel structureAlias, nothing;
     NodeTree tree(Unit({
         Int(number),
-        Die(alias, DW_TAG_typedef, {Name("t"), Type(number)}),
-        Die(pointer, DW_TAG_pointer_type, {Type(number)}),
+        Typedef(alias, "t", number),
+        Pointer(pointer, number),
         Die(nothing, DW_TAG_const_type),
         Die(byType, DW_TAG_enumeration_type, {ByteSize(4), Type(alias)}),
         Die(bySpecification, DW_TAG_enumeration_type,
             {ByteSize(4), Type(nothing), Specification(alias)}),
         Die(throughPointer, DW_TAG_enumeration_type, {ByteSize(4), Type(pointer)}),
         Die(structure, DW_TAG_structure_type, {Name("s"), Type(number)}),
-        Die(structureAlias, DW_TAG_typedef, {Name("u"), Type(structure)}),
+        Typedef(structureAlias, "u", structure),
     }));
     ResolveAllReferences(tree.Section());
     EXPECT_EQ(tree[byType].GetBaseTypeNode(), &tree[number]);

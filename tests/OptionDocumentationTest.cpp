@@ -6,6 +6,7 @@
 #include <map>
 #include <regex>
 #include <string>
+#include <type_traits>
 #include <variant>
 
 namespace Tessel::Norn::Brindle::Tests {
@@ -21,28 +22,15 @@ struct DocumentedOption {
     bool operator==(const DocumentedOption&) const = default;
 };
 
-std::string TypeOf(std::int32_t* /*option*/) {
-    return "integer";
-}
-std::string TypeOf(std::uint32_t* /*option*/) {
-    return "integer";
-}
-std::string TypeOf(bool* /*option*/) {
-    return "boolean";
-}
-std::string TypeOf(std::string* /*option*/) {
-    return "text";
-}
-
-std::string StartOf(const bool* option) {
-    return *option ? "true" : "false";
-}
-std::string StartOf(const std::string* option) {
-    return option->empty() ? "empty" : *option;
-}
-template <typename Number>
-std::string StartOf(const Number* option) {
-    return std::to_string(*option);
+template <typename Value>
+DocumentedOption Describe(const Value* option) {
+    if constexpr (std::is_same_v<Value, bool>) {
+        return {"boolean", *option ? "true" : "false"};
+    } else if constexpr (std::is_same_v<Value, std::string>) {
+        return {"text", option->empty() ? "empty" : *option};
+    } else {
+        return {"integer", std::to_string(*option)};
+    }
 }
 
 std::map<std::string, DocumentedOption> DocumentedOptions() {
@@ -65,11 +53,8 @@ TEST(OptionDocumentationTest, ListsEveryOptionWithItsTypeAndStartValue) {
     std::map<std::string, DocumentedOption> documented = DocumentedOptions();
     for (const OptionDescription& option : OptionTable()) {
         const std::string name(option.name);
-        const DocumentedOption actual = std::visit(
-            [](auto* variable) {
-                return DocumentedOption{TypeOf(variable), StartOf(variable)};
-            },
-            option.variable);
+        const DocumentedOption actual =
+            std::visit([](const auto* variable) { return Describe(variable); }, option.variable);
         EXPECT_EQ(documented[name].type, actual.type) << name;
         EXPECT_EQ(documented[name].start, actual.start) << name;
         documented.erase(name);

@@ -1,8 +1,5 @@
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
-#include "host/CurrentDataModel.h"
-#include "host/VDWARFReader.h"
-#include "model/RecordingDataModel.h"
 #include "support/ElfImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
@@ -10,7 +7,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 
@@ -103,19 +99,6 @@ TEST_F(ProducerDumpTest, FullDeviceCostsNothing) {
     }
     VElfOptions::mDumpProducerInfoFileName = mFolder.Path("dump.txt");
     EXPECT_TRUE(ReadFile(image).result);
-    EXPECT_EQ(Dump(), Block(""));
-}
-
-TEST_F(ProducerDumpTest, ExceptionOfTheHostLeavesTheDumpClosed) {
-    DataModel::DataModel model;
-    DataModel::RecordingDataModel failing(
-        model, [](const DataModel::RecordedCall&) { throw std::runtime_error("host"); });
-    const DataModel::Factory::CurrentDataModel current(failing);
-    VDWARFReader reader;
-    EXPECT_THROW(
-        reader.Read(Write(ElfImage().Symbol({"a", 0x10, 4})), DWARFContainerType::Container_ELF),
-        std::runtime_error);
-    EXPECT_FALSE(VElfOptions::mDumpProducerInfoFile.is_open());
     EXPECT_EQ(Dump(), Block(""));
 }
 

@@ -2,6 +2,7 @@
 #include "core/VElfOptions.h"
 #include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <cstdio>
 #include <gmock/gmock.h>
@@ -15,21 +16,6 @@ namespace {
 
 class ResolutionTest : public testing::Test {
 protected:
-    static Die UnitDie(std::vector<Die> entries, std::vector<DieAttribute> attributes = {}) {
-        if (attributes.empty()) {
-            attributes.push_back(Name("a.c"));
-        }
-        return Die(DW_TAG_compile_unit, std::move(attributes), std::move(entries));
-    }
-
-    static DwarfSections Unit(std::vector<Die> entries) {
-        return DwarfSections().Unit({UnitDie(std::move(entries))});
-    }
-
-    static Die Int(DieLabel label) {
-        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
-    }
-
     static Die Member(const std::string& name, std::uint64_t offset) {
         return Die(DW_TAG_member, {Name(name), MemberOffset(offset)});
     }
@@ -51,19 +37,15 @@ protected:
 };
 
 TEST_F(ResolutionTest, OfEqualDefinitionsTheLargestStandsForAll) {
-    const DieLabel eight;
-    const DieLabel twelve;
-    const DieLabel alsoTwelve;
-    const DieLabel alias;
-    const DieLabel other;
+    const DieLabel eight, twelve, alsoTwelve, alias, other;
     NodeTree tree(DwarfSections()
                       .Unit({UnitDie({
-                          Die(eight, DW_TAG_structure_type, {Name("s"), ByteSize(8)}),
-                          Die(other, DW_TAG_structure_type, {Name("o"), ByteSize(80)}),
+                          Struct(eight, "s", 8),
+                          Struct(other, "o", 80),
                       })})
                       .Unit({UnitDie({
                           Die(twelve, DW_TAG_class_type, {Name("s"), ByteSize(12)}),
-                          Die(alsoTwelve, DW_TAG_structure_type, {Name("s"), ByteSize(12)}),
+                          Struct(alsoTwelve, "s", 12),
                           Die(alias, DW_TAG_typedef, {Name("s"), Type(other, DW_FORM_ref_addr)}),
                       })}));
     tree.Resolve();
@@ -103,12 +85,7 @@ public:
     const std::vector<DieLabel> labels = std::vector<DieLabel>(10);
 
 private:
-    static Die Int(DieLabel label) {
-        return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
-    }
-
-    DieLabel mInt;
-    DieLabel mChar;
+    DieLabel mInt, mChar;
 };
 
 TEST_F(ResolutionTest, UnitsOverOneHeaderShareTheirTypes) {
@@ -117,8 +94,7 @@ TEST_F(ResolutionTest, UnitsOverOneHeaderShareTheirTypes) {
     const TypesOfHeader third;
     const DieLabel between;
     std::vector<Die> thirdEntries = third.Entries(4);
-    thirdEntries.insert(thirdEntries.begin() + 3,
-                        Die(between, DW_TAG_structure_type, {Name("b"), ByteSize(1)}));
+    thirdEntries.insert(thirdEntries.begin() + 3, Struct(between, "b", 1));
     NodeTree tree(DwarfSections()
                       .Unit({UnitDie(first.Entries(4))})
                       .Unit({UnitDie(second.Entries(8))})
@@ -139,13 +115,9 @@ TEST_F(ResolutionTest, UnitsOverOneHeaderShareTheirTypes) {
 
 TEST_F(ResolutionTest, ScopesInTheNameCountAsScopes) {
     const std::string scope = "aScopeOfMoreThanEightCharacters";
-    const DieLabel other;
-    const DieLabel inScope;
-    const DieLabel named;
+    const DieLabel other, inScope, named;
     NodeTree tree(Unit({
-        Die(DW_TAG_namespace, {Name(scope)},
-            {Die(other, DW_TAG_structure_type, {Name("t"), ByteSize(4)}),
-             Die(inScope, DW_TAG_structure_type, {Name("s"), ByteSize(4)})}),
+        Die(DW_TAG_namespace, {Name(scope)}, {Struct(other, "t", 4), Struct(inScope, "s", 4)}),
         Die(named, DW_TAG_structure_type, {Name(scope + "::s"), ByteSize(8)}),
     }));
     tree.Resolve();
@@ -158,8 +130,7 @@ TEST_F(ResolutionTest, ADeclarationBehindEqualDefinitionsTakesTheirRepresentativ
     const DieLabel declared;
     DwarfSections sections;
     for (const DieLabel definition : definitions) {
-        sections.Unit(
-            {UnitDie({Die(definition, DW_TAG_structure_type, {Name("s"), ByteSize(4)})})});
+        sections.Unit({UnitDie({Struct(definition, "s", 4)})});
     }
     sections.Unit({UnitDie({Die(declared, DW_TAG_structure_type, {Name("s"), Declaration()})})});
     NodeTree tree(sections);
@@ -171,22 +142,17 @@ TEST_F(ResolutionTest, ADeclarationBehindEqualDefinitionsTakesTheirRepresentativ
 }
 
 TEST_F(ResolutionTest, DeclarationsFindTheirFirstDefinitionInAnyUnit) {
-    const DieLabel declared;
-    const DieLabel pointer;
-    const DieLabel declaredLater;
-    const DieLabel definition;
-    const DieLabel second;
-    const DieLabel elsewhere;
+    const DieLabel declared, pointer, declaredLater, definition, second, elsewhere;
     NodeTree tree(DwarfSections()
                       .Unit({UnitDie({
                           Die(declared, DW_TAG_structure_type, {Name("s"), Declaration()}),
-                          Die(pointer, DW_TAG_pointer_type, {Type(declared)}),
+                          Pointer(pointer, declared),
                           Die(DW_TAG_namespace, {Name("N")},
                               {Die(elsewhere, DW_TAG_structure_type, {Name("s"), Declaration()})}),
                       })})
                       .Unit({UnitDie({
-                          Die(definition, DW_TAG_structure_type, {Name("s"), ByteSize(4)}),
-                          Die(second, DW_TAG_structure_type, {Name("s"), ByteSize(40)}),
+                          Struct(definition, "s", 4),
+                          Struct(second, "s", 40),
                           Die(declaredLater, DW_TAG_class_type, {Name("s"), Declaration()}),
                       })}));
     tree.Resolve();
@@ -201,13 +167,11 @@ TEST_F(ResolutionTest, DeclarationsFindTheirFirstDefinitionInAnyUnit) {
 }
 
 TEST_F(ResolutionTest, ATypedefOfADeclarationOfItsNameLeavesItAlone) {
-    const DieLabel declared;
-    const DieLabel alsoDeclared;
-    const DieLabel alias;
+    const DieLabel declared, alsoDeclared, alias;
     NodeTree tree(Unit({
         Die(declared, DW_TAG_structure_type, {Name("s"), Declaration()}),
         Die(alsoDeclared, DW_TAG_structure_type, {Name("s"), Declaration()}),
-        Die(alias, DW_TAG_typedef, {Name("s"), Type(declared)}),
+        Typedef(alias, "s", declared),
     }));
     tree.Resolve();
     EXPECT_EQ(tree[declared].GetDeclarationResolved(), nullptr);
@@ -216,9 +180,7 @@ TEST_F(ResolutionTest, ATypedefOfADeclarationOfItsNameLeavesItAlone) {
 }
 
 TEST_F(ResolutionTest, TemplateInstancesAreNamedWithScopeAndArguments) {
-    const DieLabel number;
-    const DieLabel instance;
-    const DieLabel named;
+    const DieLabel number, instance, named;
     const auto parameter = [&] {
         return Die(DW_TAG_template_type_param, {Name("T"), Type(number)});
     };
@@ -253,10 +215,9 @@ TEST_F(ResolutionTest, TemplateInstancesOfOtherValuesAreOtherTypes) {
 }
 
 TEST_F(ResolutionTest, ATemplateTypedefTakesTheTextOfATypeWithoutArguments) {
-    const DieLabel plain;
-    const DieLabel alias;
+    const DieLabel plain, alias;
     NodeTree tree(Unit({
-        Die(plain, DW_TAG_structure_type, {Name("t<int>"), ByteSize(4)}),
+        Struct(plain, "t<int>", 4),
         Die(alias, DW_TAG_typedef, {Name("t<int>")},
             {Die(DW_TAG_template_value_param, {ConstValue(1)})}),
     }));
@@ -320,12 +281,7 @@ TEST_F(ResolutionTest, UnitsOfOneNameAndDirectoryAreOneKind) {
 
 TEST_F(ResolutionTest, ExternVariablesAreFoundByTheirSymbols) {
     VElfOptions::mIsLogFile = 1;
-    const DieLabel declared;
-    const DieLabel early;
-    const DieLabel linked;
-    const DieLabel late;
-    const DieLabel notRetried;
-    const DieLabel nameless;
+    const DieLabel declared, early, linked, late, notRetried, nameless;
     NodeTree tree(Unit({
                       Die(declared, DW_TAG_variable, {Name("plain"), Declaration()}),
                       Die(DW_TAG_variable, {Specification(declared), Address(0x4000)}),
@@ -367,17 +323,8 @@ TEST_F(ResolutionTest, ExternVariablesAreFoundByTheirSymbols) {
 }
 
 TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
-    const DieLabel number;
-    const DieLabel array;
-    const DieLabel declared;
-    const DieLabel pointer;
-    const DieLabel complete;
-    const DieLabel alias;
-    const DieLabel structure;
-    const DieLabel specified;
-    const DieLabel reference;
-    const DieLabel enumeration;
-    const DieLabel twoMembers;
+    const DieLabel number, array, declared, pointer, complete, alias, structure, specified;
+    const DieLabel reference, enumeration, twoMembers;
     struct Placed {
         DieLabel label;
         std::string name;
@@ -407,6 +354,8 @@ TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
         {{}, "enum", structure, 0x7000, true},
         {{}, "enum", enumeration, 0x7000, false},
         {{}, "enum", pointer, 0x7000, true},
+        {{}, "tie", pointer, 0xB000, false},
+        {{}, "tie", enumeration, 0xB000, true},
         {{}, "pointer", structure, 0x8000, true},
         {{}, "pointer", pointer, 0x8000, false},
         {{}, "pointer", number, 0x8000, true},
@@ -419,16 +368,15 @@ TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
         Int(number),
         Die(array, DW_TAG_array_type, {Type(number)}, {Die(DW_TAG_subrange_type, {UpperBound(9)})}),
         Die(declared, DW_TAG_structure_type, {Name("d"), Declaration()}),
-        Die(pointer, DW_TAG_pointer_type, {Type(number)}),
+        Pointer(pointer, number),
         Die(reference, DW_TAG_reference_type, {Type(number)}),
         Die(enumeration, DW_TAG_enumeration_type, {Name("e"), ByteSize(4)},
             {Die(DW_TAG_enumerator, {Name("x")}), Die(DW_TAG_enumerator, {Name("y")})}),
         Die(twoMembers, DW_TAG_class_type, {Name("c")}, {Member("a", 0), Member("b", 0)}),
         Die(complete, DW_TAG_union_type, {Name("u"), ByteSize(4)},
             {Member("a", 0), Member("b", 0)}),
-        Die(alias, DW_TAG_typedef, {Name("t"), Type(complete)}),
-        Die(structure, DW_TAG_structure_type, {Name("big"), ByteSize(8)},
-            {Member("a", 0), Member("b", 0), Member("c", 0)}),
+        Typedef(alias, "t", complete),
+        Struct(structure, "big", 8, {Member("a", 0), Member("b", 0), Member("c", 0)}),
         Die(specified, DW_TAG_variable, {Name("s"), Type(number), Declaration()}),
     };
     for (const Placed& variable : variables) {
@@ -450,24 +398,20 @@ TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
 }
 
 TEST_F(ResolutionTest, MembersOfAnonymousMembersMoveOutwards) {
-    const DieLabel structure;
-    const DieLabel anonymous;
-    const DieLabel outside;
-    const DieLabel holder;
+    const DieLabel structure, anonymous, outside, holder;
     NodeTree tree(Unit({
-        Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(16)},
-            {
-                Member("a", 0),
-                Die(anonymous, DW_TAG_union_type, {ByteSize(8)},
-                    {Member("first", 0), Die(DW_TAG_typedef, {Name("t")}), Member("second", 4)}),
-                Die(DW_TAG_member, {Type(anonymous), MemberOffset(8)}),
-                Member("z", 16),
-                // Nothing is left for another one.
-                Die(DW_TAG_member, {Type(anonymous), MemberOffset(20)}),
-            }),
+        Struct(structure, "s", 16,
+               {
+                   Member("a", 0),
+                   Die(anonymous, DW_TAG_union_type, {ByteSize(8)},
+                       {Member("first", 0), Die(DW_TAG_typedef, {Name("t")}), Member("second", 4)}),
+                   Die(DW_TAG_member, {Type(anonymous), MemberOffset(8)}),
+                   Member("z", 16),
+                   // Nothing is left for another one.
+                   Die(DW_TAG_member, {Type(anonymous), MemberOffset(20)}),
+               }),
         Die(outside, DW_TAG_union_type, {ByteSize(4)}, {Member("stays", 0)}),
-        Die(holder, DW_TAG_structure_type, {Name("h"), ByteSize(4)},
-            {Die(DW_TAG_member, {Type(outside), MemberOffset(0)})}),
+        Struct(holder, "h", 4, {Die(DW_TAG_member, {Type(outside), MemberOffset(0)})}),
     }));
     tree.Resolve();
     EXPECT_THAT(ChildrenOf(tree[structure]), ElementsAre("a@0", "tag23@0", "tag13@8", "z@16",
@@ -478,9 +422,7 @@ TEST_F(ResolutionTest, MembersOfAnonymousMembersMoveOutwards) {
 }
 
 TEST_F(ResolutionTest, NestedAnonymousMembersMoveAllTheWay) {
-    const DieLabel structure;
-    const DieLabel outer;
-    const DieLabel inner;
+    const DieLabel structure, outer, inner;
     NodeTree tree(Unit({
         Die(structure, DW_TAG_class_type, {Name("s"), ByteSize(32)},
             {

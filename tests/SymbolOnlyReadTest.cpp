@@ -11,7 +11,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <stdexcept>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 using testing::ElementsAre;
@@ -254,16 +253,6 @@ TEST_F(SymbolOnlyReadTest, ReadWithoutDataModelOrCallbacksJustFails) {
     const std::string path = folder.Write("image.elf", ElfImage().Symbol({"a", 16, 4}).Build());
     VDWARFReader reader;
     EXPECT_FALSE(reader.Read(path, DWARFContainerType::Container_ELF));
-}
-
-TEST_F(SymbolOnlyReadTest, ExceptionOfACallbackPassesThroughWithTheLogClosed) {
-    const TemporaryFolder folder;
-    VElfOptions::mIsLogFile = 1;
-    VDWARFReader reader;
-    reader.SignalErrorCallback = [](auto&&...) { throw std::runtime_error("host"); };
-    EXPECT_THROW(reader.Read(folder.Write("x.elf", "x"), DWARFContainerType::Container_ELF),
-                 std::runtime_error);
-    EXPECT_FALSE(VElfOptions::mLogFile.is_open());
 }
 
 } // namespace

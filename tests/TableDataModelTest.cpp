@@ -113,78 +113,49 @@ void ExpectPassedOn(const char* name, Result (HostDataModel::*operation)(Paramet
         arguments);
 }
 
+#define EXPECT_PASSED_ON(operation)                                                                \
+    ExpectPassedOn(#operation, &HostDataModel::operation, &brindle_factory::operation)
+
 TEST(TableDataModelTest, EachOperationReachesTheFunctionOfItsName) {
-    ExpectPassedOn("GetGlobalNamespace", &HostDataModel::GetGlobalNamespace,
-                   &brindle_factory::GetGlobalNamespace);
-    ExpectPassedOn("GetNamespace", &HostDataModel::GetNamespace, &brindle_factory::GetNamespace);
-    ExpectPassedOn("CreateNamespace", &HostDataModel::CreateNamespace,
-                   &brindle_factory::CreateNamespace);
-    ExpectPassedOn("GetBlockScope", &HostDataModel::GetBlockScope, &brindle_factory::GetBlockScope);
-    ExpectPassedOn("CreateBlockScope", &HostDataModel::CreateBlockScope,
-                   &brindle_factory::CreateBlockScope);
-    ExpectPassedOn("GetCompileUnit", &HostDataModel::GetCompileUnit,
-                   &brindle_factory::GetCompileUnit);
-    ExpectPassedOn("CreateCompileUnit", &HostDataModel::CreateCompileUnit,
-                   &brindle_factory::CreateCompileUnit);
-    ExpectPassedOn("GetOrCreateCompileUnit", &HostDataModel::GetOrCreateCompileUnit,
-                   &brindle_factory::GetOrCreateCompileUnit);
-    ExpectPassedOn("GetBaseEntryType", &HostDataModel::GetBaseEntryType,
-                   &brindle_factory::GetBaseEntryType);
-    ExpectPassedOn("CreateBaseEntryType", &HostDataModel::CreateBaseEntryType,
-                   &brindle_factory::CreateBaseEntryType);
-    ExpectPassedOn("GetUnknownEntryType", &HostDataModel::GetUnknownEntryType,
-                   &brindle_factory::GetUnknownEntryType);
-    ExpectPassedOn("CreateUnknownEntryType", &HostDataModel::CreateUnknownEntryType,
-                   &brindle_factory::CreateUnknownEntryType);
-    ExpectPassedOn("GetClassEntryType", &HostDataModel::GetClassEntryType,
-                   &brindle_factory::GetClassEntryType);
-    ExpectPassedOn("CreateClassEntryType", &HostDataModel::CreateClassEntryType,
-                   &brindle_factory::CreateClassEntryType);
-    ExpectPassedOn("GetUnionEntryType", &HostDataModel::GetUnionEntryType,
-                   &brindle_factory::GetUnionEntryType);
-    ExpectPassedOn("CreateUnionEntryType", &HostDataModel::CreateUnionEntryType,
-                   &brindle_factory::CreateUnionEntryType);
-    ExpectPassedOn("AddBaseClass", &HostDataModel::AddBaseClass, &brindle_factory::AddBaseClass);
-    ExpectPassedOn("CreateMemberData", &HostDataModel::CreateMemberData,
-                   &brindle_factory::CreateMemberData);
-    ExpectPassedOn("CreateUnionMemberData", &HostDataModel::CreateUnionMemberData,
-                   &brindle_factory::CreateUnionMemberData);
-    ExpectPassedOn("CreateMemberStaticData", &HostDataModel::CreateMemberStaticData,
-                   &brindle_factory::CreateMemberStaticData);
-    ExpectPassedOn("CreateBitfieldInUdt", &HostDataModel::CreateBitfieldInUdt,
-                   &brindle_factory::CreateBitfieldInUdt);
-    ExpectPassedOn("CreateArrayEntryType", &HostDataModel::CreateArrayEntryType,
-                   &brindle_factory::CreateArrayEntryType);
-    ExpectPassedOn("CreatePointerEntryType", &HostDataModel::CreatePointerEntryType,
-                   &brindle_factory::CreatePointerEntryType);
-    ExpectPassedOn("GetEnumTable", &HostDataModel::GetEnumTable, &brindle_factory::GetEnumTable);
-    ExpectPassedOn("CreateEnumTable", &HostDataModel::CreateEnumTable,
-                   &brindle_factory::CreateEnumTable);
-    ExpectPassedOn("AddEnumDescriptionToEnumTable", &HostDataModel::AddEnumDescriptionToEnumTable,
-                   &brindle_factory::AddEnumDescriptionToEnumTable);
-    ExpectPassedOn("GetTypedefEntryType", &HostDataModel::GetTypedefEntryType,
-                   &brindle_factory::GetTypedefEntryType);
-    ExpectPassedOn("CreateTypedefEntryType", &HostDataModel::CreateTypedefEntryType,
-                   &brindle_factory::CreateTypedefEntryType);
-    ExpectPassedOn("GetGlobalDataByAddress", &HostDataModel::GetGlobalDataByAddress,
-                   &brindle_factory::GetGlobalDataByAddress);
-    ExpectPassedOn("CreateGlobalData", &HostDataModel::CreateGlobalData,
-                   &brindle_factory::CreateGlobalData);
-    ExpectPassedOn("GetFunction", &HostDataModel::GetFunction, &brindle_factory::GetFunction);
-    ExpectPassedOn("GetFunctionType", &HostDataModel::GetFunctionType,
-                   &brindle_factory::GetFunctionType);
-    ExpectPassedOn("CreateFunctionType", &HostDataModel::CreateFunctionType,
-                   &brindle_factory::CreateFunctionType);
-    ExpectPassedOn("GetOldBitfieldEntryType", &HostDataModel::GetOldBitfieldEntryType,
-                   &brindle_factory::GetOldBitfieldEntryType);
-    ExpectPassedOn("CreateOldBitfieldEntryType", &HostDataModel::CreateOldBitfieldEntryType,
-                   &brindle_factory::CreateOldBitfieldEntryType);
-    ExpectPassedOn("GetSectionEntryType", &HostDataModel::GetSectionEntryType,
-                   &brindle_factory::GetSectionEntryType);
-    ExpectPassedOn("CreateSectionEntryType", &HostDataModel::CreateSectionEntryType,
-                   &brindle_factory::CreateSectionEntryType);
-    ExpectPassedOn("GetSegment", &HostDataModel::GetSegment, &brindle_factory::GetSegment);
-    ExpectPassedOn("CreateSegment", &HostDataModel::CreateSegment, &brindle_factory::CreateSegment);
+    EXPECT_PASSED_ON(GetGlobalNamespace);
+    EXPECT_PASSED_ON(GetNamespace);
+    EXPECT_PASSED_ON(CreateNamespace);
+    EXPECT_PASSED_ON(GetBlockScope);
+    EXPECT_PASSED_ON(CreateBlockScope);
+    EXPECT_PASSED_ON(GetCompileUnit);
+    EXPECT_PASSED_ON(CreateCompileUnit);
+    EXPECT_PASSED_ON(GetOrCreateCompileUnit);
+    EXPECT_PASSED_ON(GetBaseEntryType);
+    EXPECT_PASSED_ON(CreateBaseEntryType);
+    EXPECT_PASSED_ON(GetUnknownEntryType);
+    EXPECT_PASSED_ON(CreateUnknownEntryType);
+    EXPECT_PASSED_ON(GetClassEntryType);
+    EXPECT_PASSED_ON(CreateClassEntryType);
+    EXPECT_PASSED_ON(GetUnionEntryType);
+    EXPECT_PASSED_ON(CreateUnionEntryType);
+    EXPECT_PASSED_ON(AddBaseClass);
+    EXPECT_PASSED_ON(CreateMemberData);
+    EXPECT_PASSED_ON(CreateUnionMemberData);
+    EXPECT_PASSED_ON(CreateMemberStaticData);
+    EXPECT_PASSED_ON(CreateBitfieldInUdt);
+    EXPECT_PASSED_ON(CreateArrayEntryType);
+    EXPECT_PASSED_ON(CreatePointerEntryType);
+    EXPECT_PASSED_ON(GetEnumTable);
+    EXPECT_PASSED_ON(CreateEnumTable);
+    EXPECT_PASSED_ON(AddEnumDescriptionToEnumTable);
+    EXPECT_PASSED_ON(GetTypedefEntryType);
+    EXPECT_PASSED_ON(CreateTypedefEntryType);
+    EXPECT_PASSED_ON(GetGlobalDataByAddress);
+    EXPECT_PASSED_ON(CreateGlobalData);
+    EXPECT_PASSED_ON(GetFunction);
+    EXPECT_PASSED_ON(GetFunctionType);
+    EXPECT_PASSED_ON(CreateFunctionType);
+    EXPECT_PASSED_ON(GetOldBitfieldEntryType);
+    EXPECT_PASSED_ON(CreateOldBitfieldEntryType);
+    EXPECT_PASSED_ON(GetSectionEntryType);
+    EXPECT_PASSED_ON(CreateSectionEntryType);
+    EXPECT_PASSED_ON(GetSegment);
+    EXPECT_PASSED_ON(CreateSegment);
     using Text = const std::string&;
     ExpectPassedOn<ObjectId, Text, ObjectId>("GetGlobalData", &HostDataModel::GetGlobalData,
                                              &brindle_factory::GetGlobalData);

@@ -6,6 +6,7 @@
 #include "nodes/ReferenceText.h"
 #include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <gtest/gtest.h>
 
@@ -24,10 +25,6 @@ protected:
         return tree;
     }
 
-    static DwarfSections Unit(std::vector<Die> entries) {
-        return DwarfSections().Unit({Die(DW_TAG_compile_unit, {Name("a.c")}, std::move(entries))});
-    }
-
     static std::string TextOf(VDebugInfoNode& node, bool withRecordNumbers = false) {
         std::string text;
         TypeNameBuilder(sLimit).AppendTypeName(&node, 0, text, withRecordNumbers);
@@ -38,23 +35,12 @@ protected:
         return Die(label, DW_TAG_structure_type, std::move(attributes));
     }
 
-    static Die Int(DieLabel label) { return Die(label, DW_TAG_base_type, {Name("int")}); }
-
     ScopedReaderState mState;
 };
 
 TEST_F(TypeNameTest, ScopesStandInFront) {
-    const DieLabel anonymous;
-    const DieLabel inNamespace;
-    const DieLabel inUnnamedNamespace;
-    const DieLabel inFunction;
-    const DieLabel inBlock;
-    const DieLabel inClass;
-    const DieLabel inAnonymousUnion;
-    const DieLabel inTemplate;
-    const DieLabel inUnnamedTemplate;
-    const DieLabel pointerInClass;
-    const DieLabel number;
+    const DieLabel anonymous, inNamespace, inUnnamedNamespace, inFunction, inBlock, inClass;
+    const DieLabel inAnonymousUnion, inTemplate, inUnnamedTemplate, pointerInClass, number;
     NodeTree tree(Unit({
         Die(DW_TAG_class_template, {Name("T")},
             {Structure(inTemplate),
@@ -71,8 +57,7 @@ TEST_F(TypeNameTest, ScopesStandInFront) {
                     }),
             }),
         Die(DW_TAG_class_type, {Name("B")},
-            {Structure(inClass, {Name("C")}),
-             Die(pointerInClass, DW_TAG_pointer_type, {Type(number)})}),
+            {Structure(inClass, {Name("C")}), Pointer(pointerInClass, number)}),
         Die(DW_TAG_union_type, {}, {Structure(inAnonymousUnion)}),
         Int(number),
     }));
@@ -148,34 +133,23 @@ TEST_F(TypeNameTest, EveryTagHasItsText) {
 }
 
 TEST_F(TypeNameTest, ModifiersReadFromTheOutermost) {
-    const DieLabel number;
-    const DieLabel alias;
-    const DieLabel constNumber;
-    const DieLabel constPointer;
-    const DieLabel voidPointer;
-    const DieLabel reference;
-    const DieLabel volatileAlias;
-    const DieLabel array;
-    const DieLabel arrayPointer;
-    const DieLabel function;
-    const DieLabel functionPointer;
-    const DieLabel memberPointer;
+    const DieLabel number, alias, constNumber, constPointer, voidPointer, reference, volatileAlias;
+    const DieLabel array, arrayPointer, function, functionPointer;
     const DieLabel unnamedEnumeration;
     NodeTree tree(Unit({
         Int(number),
-        Die(alias, DW_TAG_typedef, {Name("t"), Type(number)}),
+        Typedef(alias, "t", number),
         Die(constNumber, DW_TAG_const_type, {Type(number)}),
-        Die(constPointer, DW_TAG_pointer_type, {Type(constNumber)}),
+        Pointer(constPointer, constNumber),
         Die(voidPointer, DW_TAG_pointer_type),
         Die(volatileAlias, DW_TAG_volatile_type, {Type(alias)}),
         Die(reference, DW_TAG_rvalue_reference_type, {Type(volatileAlias)}),
         Die(array, DW_TAG_array_type, {Type(number)}),
-        Die(arrayPointer, DW_TAG_pointer_type, {Type(array)}),
+        Pointer(arrayPointer, array),
         Die(function, DW_TAG_subroutine_type, {Type(number)},
             {Die(DW_TAG_formal_parameter, {Type(number)}), Die(DW_TAG_unspecified_parameters),
              Die(DW_TAG_formal_parameter, {Type(constPointer)})}),
-        Die(functionPointer, DW_TAG_pointer_type, {Type(function)}),
-        Die(memberPointer, DW_TAG_ptr_to_member_type, {Type(number)}),
+        Pointer(functionPointer, function),
         Die(unnamedEnumeration, DW_TAG_enumeration_type, {ByteSize(1)}),
     }));
     Linked(tree);
@@ -185,15 +159,13 @@ TEST_F(TypeNameTest, ModifiersReadFromTheOutermost) {
     EXPECT_EQ(TextOf(tree[reference]), "&&volatile t");
     EXPECT_EQ(TextOf(tree[arrayPointer]), "*");
     EXPECT_EQ(TextOf(tree[functionPointer]), "*int(int,*const int) ");
-    EXPECT_EQ(TextOf(tree[memberPointer]), "ptr_to_member_type(unsupported) ");
     EXPECT_EQ(TextOf(tree[unnamedEnumeration]), "<anonymouse-enum>");
 }
 
 /// Types of one name in many places; each is made twice, as in two units over one header.
 struct TypesOfOneName {
     std::vector<DieLabel> labels = std::vector<DieLabel>(14);
-    DieLabel number;
-    DieLabel real;
+    DieLabel number, real;
 
     [[nodiscard]] std::vector<Die> Entries() const {
         const auto type = [this](std::size_t index, dwarf_tag tag = DW_TAG_structure_type,
@@ -257,10 +229,7 @@ TEST_F(TypeNameTest, ScopesThatEnterNoTextAreNotCompared) {
         }
         return scopes;
     };
-    const DieLabel type;
-    const DieLabel farOther;
-    const DieLabel nearOther;
-    const DieLabel less;
+    const DieLabel type, farOther, nearOther, less;
     NodeTree tree(Unit({
         nested(type, {"a", "b", "c", "d", "e", "f"}),
         nested(farOther, {"a", "b", "c", "d", "e", "g", "h"}),
@@ -275,10 +244,7 @@ TEST_F(TypeNameTest, ScopesThatEnterNoTextAreNotCompared) {
 }
 
 TEST_F(TypeNameTest, ArgumentsInTheNameAreForgottenWhenTypesAreCompared) {
-    const DieLabel number;
-    const DieLabel one;
-    const DieLabel other;
-    const DieLabel alias;
+    const DieLabel number, one, other, alias;
     const auto argument = [&] {
         return Die(DW_TAG_template_type_param, {Name("T"), Type(number)});
     };
@@ -309,11 +275,7 @@ TEST_F(TypeNameTest, LongChainsAreCut) {
 }
 
 TEST_F(TypeNameTest, TemplateArgumentsStandBehind) {
-    const DieLabel number;
-    const DieLabel function;
-    const DieLabel vector;
-    const DieLabel named;
-    const DieLabel nested;
+    const DieLabel number, function, vector, named, nested;
     NodeTree tree(Unit({
         Int(number),
         Die(function, DW_TAG_subroutine_type, {Type(number)},
@@ -344,8 +306,7 @@ TEST_F(TypeNameTest, TemplateArgumentsStandBehind) {
 }
 
 TEST_F(TypeNameTest, ArgumentsAreFoundBehindManyOtherChildren) {
-    const DieLabel number;
-    const DieLabel big;
+    const DieLabel number, big;
     std::vector<Die> children(100, Die(DW_TAG_member, {Name("m"), Type(number)}));
     children.insert(children.begin() + 40,
                     Die(DW_TAG_template_type_param, {Name("T"), Type(number)}));
@@ -364,18 +325,8 @@ TEST_F(TypeNameTest, ArgumentsAreFoundBehindManyOtherChildren) {
 }
 
 TEST_F(TypeNameTest, ReferencesReadInwards) {
-    const DieLabel number;
-    const DieLabel structure;
-    const DieLabel constStructure;
-    const DieLabel array;
-    const DieLabel pointer;
-    const DieLabel constPointer;
-    const DieLabel packed;
-    const DieLabel alias;
-    const DieLabel constNothing;
-    const DieLabel declared;
-    const DieLabel variable;
-    const DieLabel unresolved;
+    const DieLabel number, structure, constStructure, array, pointer, constPointer, packed, alias;
+    const DieLabel constNothing, declared, variable, unresolved;
     NodeTree tree(Unit({
         Int(number),
         Die(DW_TAG_namespace, {Name("N")}, {Structure(structure, {Name("S"), ByteSize(4)})}),
@@ -383,8 +334,8 @@ TEST_F(TypeNameTest, ReferencesReadInwards) {
         Die(array, DW_TAG_array_type, {Type(constStructure)},
             {Die(DW_TAG_subrange_type, {UpperBound(1)}),
              Die(DW_TAG_subrange_type, {UpperBound(2)})}),
-        Die(pointer, DW_TAG_pointer_type, {Type(array)}),
-        Die(alias, DW_TAG_typedef, {Name("t"), Type(pointer)}),
+        Pointer(pointer, array),
+        Typedef(alias, "t", pointer),
         Die(packed, DW_TAG_packed_type, {Name("p"), Type(alias)}),
         Die(constNothing, DW_TAG_const_type),
         Die(DW_TAG_class_type, {Name("C")},
@@ -410,10 +361,7 @@ TEST_F(TypeNameTest, TypesAtTheEndOfAReferenceAreLabelled) {
           std::pair{DW_TAG_structure_type, "(<struct) "}, std::pair{DW_TAG_typedef, "(<typedef) "},
           std::pair{DW_TAG_union_type, "(<union) "}, std::pair{DW_TAG_base_type, "(<base_type) "},
           std::pair{DW_TAG_interface_type, "(<interface) "}}) {
-        const DieLabel named;
-        const DieLabel unnamed;
-        const DieLabel ofNamed;
-        const DieLabel ofUnnamed;
+        const DieLabel named, unnamed, ofNamed, ofUnnamed;
         NodeTree tree(Unit({
             Die(named, tag, {Name("n"), ByteSize(4)}),
             Die(unnamed, tag, {ByteSize(4)}),
@@ -427,18 +375,12 @@ TEST_F(TypeNameTest, TypesAtTheEndOfAReferenceAreLabelled) {
 }
 
 TEST_F(TypeNameTest, OtherTagsReplaceWhatStandsBeforeThem) {
-    const DieLabel constNothing;
-    const DieLabel packed;
-    const DieLabel volatilePacked;
-    const DieLabel pointer;
-    const DieLabel constPointer;
-    const DieLabel variable;
-    const DieLabel endsEarly;
+    const DieLabel constNothing, packed, volatilePacked, pointer, constPointer, variable, endsEarly;
     NodeTree tree(Unit({
         Die(constNothing, DW_TAG_const_type),
         Die(packed, DW_TAG_packed_type, {Name("p"), Type(constNothing)}),
         Die(volatilePacked, DW_TAG_volatile_type, {Type(packed)}),
-        Die(pointer, DW_TAG_pointer_type, {Type(volatilePacked)}),
+        Pointer(pointer, volatilePacked),
         Die(constPointer, DW_TAG_const_type, {Type(pointer)}),
         Die(variable, DW_TAG_variable, {Name("v"), Type(constPointer)}),
         Die(endsEarly, DW_TAG_variable, {Name("w"), Type(packed)}),
@@ -449,11 +391,7 @@ TEST_F(TypeNameTest, OtherTagsReplaceWhatStandsBeforeThem) {
 }
 
 TEST_F(TypeNameTest, ScopeTextTellsEverySecondLevel) {
-    const DieLabel inOne;
-    const DieLabel inThree;
-    const DieLabel inStructure;
-    const DieLabel inUnnamed;
-    const DieLabel inBlock;
+    const DieLabel inOne, inThree, inStructure, inUnnamed, inBlock;
     NodeTree tree(Unit({
         Die(DW_TAG_namespace, {Name("N1")},
             {

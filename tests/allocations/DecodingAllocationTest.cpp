@@ -2,9 +2,9 @@
 // is none but the large chunks of the tree's arena.
 #include "allocations/CountedAllocation.h"
 #include "nodes/VDebugInfoNode.h"
-#include "support/DwarfSections.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
+#include "support/UsualEntries.h"
 
 #include <cstddef>
 #include <functional>
@@ -67,7 +67,7 @@ TEST(DecodingAllocationTest, CommonEntriesAllocateNothingOfTheirOwn) {
         {"structures and members",
          [&](std::size_t index, const DieLabel& type) {
              return Die(DW_TAG_structure_type, {Name(numbered("s", index)), ByteSize(8)},
-                        {Die(DW_TAG_member, {Name("whole"), Type(type), MemberOffset(0)}),
+                        {Member("whole", type, 0),
                          Die(DW_TAG_member, {Name("bits"), Type(type), BitSize(3), BitOffset(5),
                                              MemberLocation({{DW_OP_plus_uconst, {4}}})})});
          }},

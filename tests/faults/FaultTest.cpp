@@ -4,9 +4,9 @@
 #include "host/VDWARFReader.h"
 #include "model/LeafWalk.h"
 #include "model/RecordingDataModel.h"
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"
+#include "support/UsualEntries.h"
 
 #include <iostream>
 #include <new>
@@ -19,16 +19,12 @@ using namespace Reader::DWARF;
 namespace {
 
 DwarfUnit TypesUnit(DieLabel integer, DieLabel motor, std::size_t padding) {
-    const DieLabel base;
-    const DieLabel array;
-    const DieLabel pointer;
-    const DieLabel state;
+    const DieLabel base, array, pointer, state;
     return {{Die(
         DW_TAG_compile_unit,
         {Name("motor.cpp"), Producer("some compiler" + std::string(padding, '!')), CompDir("/src")},
         {Die(integer, DW_TAG_base_type, {Name("int"), Encoding(DW_ATE_signed), ByteSize(4)}),
-         Die(base, DW_TAG_class_type, {Name("Device"), ByteSize(4)},
-             {Die(DW_TAG_member, {Name("id"), Type(integer), MemberOffset(0)})}),
+         Die(base, DW_TAG_class_type, {Name("Device"), ByteSize(4)}, {Member("id", integer, 0)}),
          Die(array, DW_TAG_array_type, {Type(integer)},
              {Die(DW_TAG_subrange_type, {UpperBound(3)})}),
          Die(state, DW_TAG_enumeration_type, {Name("State"), ByteSize(4)},
@@ -36,11 +32,10 @@ DwarfUnit TypesUnit(DieLabel integer, DieLabel motor, std::size_t padding) {
          Die(DW_TAG_namespace, {Name("plant")},
              {Die(motor, DW_TAG_class_type, {Name("Motor"), ByteSize(32)},
                   {Die(DW_TAG_inheritance, {Type(base), MemberOffset(0)}),
-                   Die(DW_TAG_member, {Name("gains"), Type(array), MemberOffset(4)}),
-                   Die(DW_TAG_member, {Name("next"), Type(pointer), MemberOffset(20)}),
+                   Member("gains", array, 4), Member("next", pointer, 20),
                    Die(DW_TAG_member, {Name("flag"), Type(integer), MemberOffset(24), BitSize(3),
                                        BitOffset(2), ByteSize(4)}),
-                   Die(DW_TAG_member, {Name("state"), Type(state), MemberOffset(28)})})}),
+                   Member("state", state, 28)})}),
          Die(pointer, DW_TAG_pointer_type, {Type(motor), ByteSize(4)}),
          Die(DW_TAG_variable, {Name("gMotor"), Type(motor), Address(0x2000), External()}),
          Die(DW_TAG_subprogram, {Name("Run", DW_FORM_strp), Type(integer), External()},
@@ -63,8 +58,7 @@ DwarfUnit UseUnit(DieLabel integer, DieLabel motor) {
 }
 
 DwarfSections SectionsOfEverything(std::size_t padding) {
-    const DieLabel integer;
-    const DieLabel motor;
+    const DieLabel integer, motor;
     DwarfSections sections;
     sections.LocationListEntry(0, 8, {{DW_OP_addr, {0x2300}}});
     sections.Unit(TypesUnit(integer, motor, padding)).Unit(UseUnit(integer, motor));

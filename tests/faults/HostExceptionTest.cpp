@@ -4,7 +4,11 @@
 #include "core/VElfOptions.h"
 #include "faults/FaultTest.h"
 
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
 #include <stdexcept>
+#include <system_error>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 
@@ -39,15 +43,26 @@ protected:
             }
             EXPECT_EQ(hasThrown, mCalls == mFatalCall);
             EXPECT_EQ(LiveAllocations(), before);
-            EXPECT_FALSE(VElfOptions::mLogFile.is_open());
+            EXPECT_EQ(OpenFileCount(), mOpenFiles);
         } while (hasThrown);
+        EXPECT_FALSE(VElfOptions::mLogFile.is_open());
+        EXPECT_FALSE(VElfOptions::mDumpProducerInfoFile.is_open());
         return mCalls;
     }
 
     int mCalls = 0;
     int mFatalCall = 0;
+    std::size_t mOpenFiles = OpenFileCount();
 
 private:
+    /// Files that the process has open, where the system tells.
+    static std::size_t OpenFileCount() {
+        const std::filesystem::path folder = "/proc/self/fd";
+        std::error_code error;
+        return static_cast<std::size_t>(
+            std::distance(std::filesystem::directory_iterator(folder, error), {}));
+    }
+
     /// The options are texts too, and keep what they grew to.
     void LetOptionsGrow(const std::string& path) {
         DataModel::DataModel model;
@@ -56,9 +71,15 @@ private:
 };
 
 TEST_F(HostExceptionTest, FromEachCallOfTheDataModel) {
-    VElfOptions::mIsLogFile = 1;
     const std::string path = mFolder.Write("image.elf", ImageOfEverything());
+    DataModel::DataModel before;
+    Read(before, path);
+    VElfOptions::mIsLogFile = 1;
+    VElfOptions::mDumpProducerInfoFileName = mFolder.Path("producers.txt");
     EXPECT_GT(ThrowAtEach(path, [this](const DataModel::RecordedCall&) { Count(); }), 50);
+    DataModel::DataModel after;
+    EXPECT_TRUE(Read(after, path).result);
+    EXPECT_EQ(Variables(after), Variables(before));
 }
 
 TEST_F(HostExceptionTest, FromEachCallbackOfAGoodAndAFailedRead) {

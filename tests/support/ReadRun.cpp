@@ -13,6 +13,18 @@ namespace {
 
 using Contract::Interfaces::ErrorSeverity;
 
+void SetProgressCallbacks(Reader::DWARF::VDWARFReader& reader, ReadRun& run) {
+    reader.SetProgressTextCallback = [&run](const std::string& text) {
+        run.progress.push_back(text);
+    };
+    reader.SetProgressIntervalCallback = [&run](std::int32_t start, std::int32_t end) {
+        run.progress.push_back(std::to_string(start) + '-' + std::to_string(end));
+    };
+    reader.SetProgressValueCallback = [&run](std::int32_t value) {
+        run.progress.push_back(std::to_string(value));
+    };
+}
+
 void SetSignalCallback(Reader::DWARF::VDWARFReader& reader, ReadRun& run) {
     reader.SignalErrorCallback = [&run](ErrorSeverity severity, std::uint32_t code,
                                         const std::string& firstText,
@@ -38,13 +50,16 @@ std::vector<std::string> ReadRun::Variables() const {
     return variables;
 }
 
-ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType container) {
+ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType container,
+                 bool allTypes) {
     ReadRun run;
     run.model = std::make_unique<DataModel::DataModel>();
     DataModel::RecordingDataModel recorder(*run.model);
     const DataModel::Factory::CurrentDataModel current(recorder);
     Reader::DWARF::VDWARFReader reader;
     SetSignalCallback(reader, run);
+    SetProgressCallbacks(reader, run);
+    reader.ReadAllTypes(allTypes);
     testing::internal::CaptureStdout();
     run.result = reader.Read(path, container);
     run.standardOutput = testing::internal::GetCapturedStdout();
@@ -54,9 +69,10 @@ ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType cont
     return run;
 }
 
-ReadRun ReadImage(std::string_view image, Reader::DWARF::DWARFContainerType container) {
+ReadRun ReadImage(std::string_view image, Reader::DWARF::DWARFContainerType container,
+                  bool allTypes) {
     const TemporaryFolder folder;
-    return ReadFile(folder.Write("image.elf", image), container);
+    return ReadFile(folder.Write("image.elf", image), container, allTypes);
 }
 
 } // namespace Tessel::Norn::Brindle::Tests

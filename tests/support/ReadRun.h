@@ -23,6 +23,8 @@ struct ReadRun {
     std::string standardOutput;
     /// The calls in order, as `RecordingDataModel` words them.
     std::vector<std::string> calls;
+    /// What was told of the progress: an interval as "0-99", a value, a text.
+    std::vector<std::string> progress;
     std::unique_ptr<DataModel::DataModel> model;
 
     /// "name@address:size" for each variable in the order of delivery, the address hexadecimal.
@@ -30,11 +32,15 @@ struct ReadRun {
 };
 
 /// Reads the file of a path.
-ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType container =
-                                              Reader::DWARF::DWARFContainerType::Container_ELF);
+ReadRun ReadFile(
+    const std::string& path,
+    Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF,
+    bool allTypes = false);
 
 /// Reads an image from a temporary file.
-ReadRun ReadImage(std::string_view image, Reader::DWARF::DWARFContainerType container =
-                                              Reader::DWARF::DWARFContainerType::Container_ELF);
+ReadRun ReadImage(
+    std::string_view image,
+    Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF,
+    bool allTypes = false);
 
 } // namespace Tessel::Norn::Brindle::Tests
