@@ -18,14 +18,14 @@ namespace {
 
 struct TypeName {
     std::string_view operator()(const std::int32_t* /*variable*/) const { return "integer"; }
-    std::string_view operator()(const std::uint32_t* /*variable*/) const { return "integer"; }
+    std::string_view operator()(const std::uint64_t* /*variable*/) const { return "integer"; }
     std::string_view operator()(const bool* /*variable*/) const { return "boolean"; }
     std::string_view operator()(const std::string* /*variable*/) const { return "text"; }
 };
 
 struct ValueText {
     std::string operator()(const std::int32_t* variable) const { return std::to_string(*variable); }
-    std::string operator()(const std::uint32_t* variable) const {
+    std::string operator()(const std::uint64_t* variable) const {
         return std::to_string(*variable);
     }
     std::string operator()(const bool* variable) const { return *variable ? "true" : "false"; }

@@ -25,7 +25,7 @@ std::string UnknownOptionMessage(std::string_view name) {
 
 std::string_view ValueDescription(const OptionDescription& option) {
     static constexpr std::array<std::string_view, std::variant_size_v<decltype(option.variable)>>
-        sDescriptions = {"a whole number of 32 bits", "a whole number of 32 bits without sign",
+        sDescriptions = {"a whole number of 32 bits", "a whole number of 64 bits without sign",
                          "0, 1, true or false", "a text"};
     return sDescriptions[option.variable.index()];
 }

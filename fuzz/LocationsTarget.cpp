@@ -17,11 +17,11 @@ using namespace Tessel::Norn::Brindle::Reader::DWARF;
 namespace {
 
 VLocationResult Evaluate(VElfInput& file, std::size_t loaded, std::int32_t end,
-                         std::uint8_t addressSize, ExpressionPlace place) {
+                         std::uint8_t addressSize, ExpressionPlace place, ReadingManner manner) {
     VElfBuffer buffer(file);
     buffer.SetADDRESSsize(addressSize);
     buffer.LoadFromFile(0, static_cast<std::uint64_t>(loaded));
-    return EvaluateLocation(buffer, end, place);
+    return EvaluateLocation(buffer, end, place, manner);
 }
 
 } // namespace
@@ -41,9 +41,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     file.OpenForReading(Fuzzing::WriteInputFile(input.Rest()));
     const ExpressionPlace place =
         (flags & 0x04U) != 0 ? ExpressionPlace::LocationList : ExpressionPlace::Entry;
-    const VLocationResult whole = Evaluate(file, length, end, addressSize, place);
+    const ReadingManner manner =
+        (flags & 0x08U) != 0 ? ReadingManner::Full : ReadingManner::Classic;
+    const VLocationResult whole = Evaluate(file, length, end, addressSize, place, manner);
     const VLocationResult cut =
-        Evaluate(file, std::min<std::size_t>(length, end), end, addressSize, place);
+        Evaluate(file, std::min<std::size_t>(length, end), end, addressSize, place, manner);
     Fuzzing::Require(whole.mIsValid == cut.mIsValid && whole.mValue == cut.mValue,
                      "nothing behind an expression is looked at");
     Fuzzing::Require(whole.mIsValid || whole.mValue == 0, "without a result the value is 0");
@@ -53,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     VLocTabBuffer lists(file, section);
     lists.Load();
     bool isStatic = false;
-    const std::uint32_t value = lists.EvaluateLocationList(listOffset, isStatic);
+    const std::uint64_t value = lists.EvaluateLocationList(listOffset, isStatic);
     Fuzzing::Require(isStatic || value == 0, "without a result the value is 0");
     return 0;
 }

@@ -112,6 +112,32 @@ TEST_F(BufferTest, ReadsLeb128OfAnyLength) {
     }
 }
 
+TEST_F(BufferTest, ReadsLeb128In64Bits) {
+    struct Case {
+        std::string bytes;
+        std::uint64_t isUnsigned;
+        std::int64_t isSigned;
+    };
+    const std::string nineContinued(9, '\x80');
+    const Case cases[] = {
+        {"\x7F"s, 127, -1},
+        {"\xE5\x8E\x26"s, 624485, 624485},
+        {"\x80\x7F"s, 0x3F80, -128},
+        {"\x80\x80\x80\x80\x80\x01"s, 0x8'0000'0000, 0x8'0000'0000},
+        {std::string(9, '\xFF') + "\x01", std::numeric_limits<std::uint64_t>::max(), -1},
+        {nineContinued + "\x7F", std::uint64_t{1} << 63U, std::numeric_limits<std::int64_t>::min()},
+        {"\x81" + nineContinued + "\x80\x03", 1, 1},
+    };
+    for (const Case& each : cases) {
+        auto buffer = Load(each.bytes + "U");
+        EXPECT_EQ(buffer->GetULEB128In64Bits(), each.isUnsigned);
+        EXPECT_EQ(buffer->GetOffset(), static_cast<std::int32_t>(each.bytes.size()));
+        buffer->SetOffset(0);
+        EXPECT_EQ(buffer->GetSLEB128In64Bits(), each.isSigned);
+        EXPECT_FALSE(buffer->IsOverrun());
+    }
+}
+
 TEST_F(BufferTest, StaysInBoundsWhateverTheCursor) {
     auto buffer = Load("\x80\x80\x80\x80"s);
     EXPECT_EQ(buffer->GetULEB128(), 0U);

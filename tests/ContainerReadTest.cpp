@@ -102,10 +102,32 @@ TEST_F(ContainerReadTest, VariablesOfALibraryAreRelativeToItsImageBase) {
     // An address at the base itself isn't above it.
     EXPECT_THAT(variables(library, MotorSections(ByteOrder::Little, 4, 0x10000000)),
                 ElementsAre("gMotor@10000000:8", "gCount@500:4"));
-    // Addresses have 32 bits, and none of these is above a base of more.
-    EXPECT_THAT(variables(PeImage(PeMachine::X86_64).Dll().ImageBase(0x180000000),
-                          MotorSections(ByteOrder::Little, 8, 0x180001000)),
+}
+
+TEST_F(ContainerReadTest, OnlyTheFullMannerKeepsAddressesAbove4GiB) {
+    const PeImage library = PeImage(PeMachine::X86_64).Dll().ImageBase(0x180000000) +
+                            MotorSections(ByteOrder::Little, 8, 0x180001000);
+    const PeImage program = PeImage(PeMachine::X86_64).ImageBase(0x140000000) +
+                            MotorSections(ByteOrder::Little, 8, 0x140001000);
+    const ElfImage elf = ElfImage(ElfClass::Class64)
+                             .Symbol({"gFar", 0x2'0000'1000, 4})
+                             .Symbol({"gHuge", 0x3'0000'0000, 0x1'0000'0000}) +
+                         MotorSections(ByteOrder::Little, 8, 0x1'0000'1000);
+    // In 32 bits none of the addresses is above the base, and a symbol of 4 GiB is an error.
+    EXPECT_THAT(ReadAs(Container_PE, library).Variables(),
                 ElementsAre("gMotor@80001000:8", "gCount@500:4"));
+    EXPECT_THAT(ReadAs(Container_PE, program).Variables(),
+                ElementsAre("gMotor@40001000:8", "gCount@500:4"));
+    EXPECT_FALSE(ReadAs(Container_ELF, elf).result);
+
+    VElfOptions::mIsFullReading = 1;
+    EXPECT_THAT(ReadAs(Container_PE, library).Variables(),
+                ElementsAre("gMotor@1000:8", "gCount@500:4"));
+    EXPECT_THAT(ReadAs(Container_PE, program).Variables(),
+                ElementsAre("gMotor@140001000:8", "gCount@500:4"));
+    EXPECT_THAT(ReadAs(Container_ELF, elf).Variables(),
+                ElementsAre("gMotor@100001000:8", "gCount@500:4", "gFar@200001000:4",
+                            "gHuge@300000000:4294967296"));
 }
 
 /// What a read brought: "D" for the debug information, "S" for the scope of the symbols, and the

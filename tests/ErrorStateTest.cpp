@@ -1,6 +1,7 @@
 #include "core/ErrorState.h"
 
 #include "core/HostText.h"
+#include "core/ModuleInfo.h"
 #include "core/OptionTable.h"
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
@@ -116,7 +117,9 @@ TEST(OptionTableTest, SetsOptionsFromText) {
     EXPECT_EQ(VElfOptions::mForceDebugSectionVersion, -1);
     EXPECT_TRUE(assign("mElfFileReadBufferSize", "0x1000"));
     EXPECT_EQ(VElfOptions::mElfFileReadBufferSize, 4096);
-    EXPECT_TRUE(assign("mModuleOffset", "4294967295"));
+    EXPECT_TRUE(assign("mModuleOffset", "0xFFFFFFFFFFFFFFFF"));
+    EXPECT_EQ(ModuleInfo::GetModuleOffset(), 0xFFFF'FFFF'FFFF'FFFFU);
+    EXPECT_FALSE(assign("mModuleOffset", "0x10000000000000000"));
     EXPECT_TRUE(assign("mLogAutoFlush", "true"));
     EXPECT_TRUE(VElfOptions::mLogAutoFlush);
     EXPECT_TRUE(assign("mDemanglingOptions.mScopeSeparator", "."));

@@ -1,4 +1,5 @@
 // Location expressions and location lists, as attributes of entries.
+#include "core/VElfOptions.h"
 #include "dwarf/VLocTabBuffer.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
@@ -14,13 +15,13 @@ using namespace Tessel::Norn::Brindle::Reader::DWARF;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-constexpr std::optional<std::uint32_t> sNotStatic = std::nullopt;
+constexpr std::optional<std::uint64_t> sNotStatic = std::nullopt;
 
 using Operations = std::vector<Operation>;
 
 /// What an attribute of a location gives.
 struct Evaluated {
-    std::optional<std::uint32_t> value;
+    std::optional<std::uint64_t> value;
     std::uint32_t bitSize = 0;
     std::uint32_t bitOffset = 0;
     bool isBitField = false;
@@ -44,8 +45,7 @@ protected:
         EXPECT_TRUE(isMember ? node.HasMemberOffset() : node.HasLocation());
         Evaluated result;
         if (isMember || !node.IsRegisterOrStackLocation()) {
-            result.value = static_cast<std::uint32_t>(isMember ? node.GetMemberOffset()
-                                                               : node.GetLocationAddress());
+            result.value = isMember ? node.GetMemberOffset() : node.GetLocationAddress();
         } else {
             EXPECT_EQ(node.GetLocationAddress(), 0U);
         }
@@ -55,12 +55,12 @@ protected:
         return result;
     }
 
-    static std::optional<std::uint32_t> InEntry(Operations operations) {
+    static std::optional<std::uint64_t> InEntry(Operations operations) {
         return Evaluate(Location(std::move(operations), DW_FORM_block2)).value;
     }
 
     /// The first entry of a list, which a second entry follows.
-    static std::optional<std::uint32_t> InList(const Operations& operations,
+    static std::optional<std::uint64_t> InList(const Operations& operations,
                                                std::optional<std::uint16_t> length = {},
                                                std::uint64_t begin = 0, std::uint64_t end = 8) {
         DwarfSections sections;
@@ -99,6 +99,42 @@ TEST_F(LocationTest, OperatorsThatBothPlacesShare) {
             Evaluate(Location(operations), {}, DwarfSections(ByteOrder::Big), ByteOrder::Big).value,
             value);
     }
+}
+
+TEST_F(LocationTest, FullMannerComputesIn64Bits) {
+    struct Case {
+        Operations operations;
+        std::optional<std::uint64_t> classic;
+        std::optional<std::uint64_t> full;
+        int addressSize = 8;
+    };
+    const Case cases[] = {
+        {{{DW_OP_addr, {0x7'2000'0010}}}, 0x2000'0010, 0x7'2000'0010},
+        {{{DW_OP_addr, {0xFFFF'FFF0}}, {DW_OP_plus_uconst, {0x20}}}, 0x10, 0x1'0000'0010},
+        {{{DW_OP_constu, {0x3'0000'0002}}}, 2, 0x3'0000'0002},
+        {{{DW_OP_consts, {-128}}}, 0xFFFF'FF80, 0xFFFF'FFFF'FFFF'FF80},
+        {{{DW_OP_const1s, {-2}}}, 0xFFFF'FFFE, 0xFFFF'FFFF'FFFF'FFFE},
+        {{{DW_OP_const4s, {-4}}}, 0xFFFF'FFFC, 0xFFFF'FFFF'FFFF'FFFC},
+        {{{DW_OP_const4u, {0xFFFF'FFFC}}}, 0xFFFF'FFFC, 0xFFFF'FFFC},
+        {{{DW_OP_const8u, {0x5'0000'0000}}}, sNotStatic, 0x5'0000'0000},
+        // Where the target's addresses have 32 bits, the full manner gives 32 as well.
+        {{{DW_OP_addr, {0xFFFF'FFFF}}, {DW_OP_plus_uconst, {2}}}, 1, 1, 4},
+        {{{DW_OP_const1s, {-2}}}, 0xFFFF'FFFE, 0xFFFF'FFFE, 4},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(testing::Message() << "operator " << int{each.operations.front().code});
+        const DieAttribute location = Location(each.operations);
+        const DwarfUnit unit{.addressSize = each.addressSize};
+        VElfOptions::mIsFullReading = 0;
+        EXPECT_EQ(Evaluate(location, unit).value, each.classic);
+        VElfOptions::mIsFullReading = 1;
+        EXPECT_EQ(Evaluate(location, unit).value, each.full);
+    }
+    // An address as a plain number.
+    const DieAttribute number = Number(DW_AT_location, DW_FORM_addr, 0x7'2000'0010);
+    EXPECT_EQ(Evaluate(number, {.addressSize = 8}).value, 0x7'2000'0010);
+    VElfOptions::mIsFullReading = 0;
+    EXPECT_EQ(Evaluate(number, {.addressSize = 8}).value, 0x2000'0010U);
 }
 
 TEST_F(LocationTest, OperatorsThatDifferByPlace) {

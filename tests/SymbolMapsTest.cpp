@@ -24,13 +24,13 @@ public:
     VElfFile* operator->() { return &mFile; }
 
     /// Name of the symbol found at an address, "" if there is none.
-    std::string NameAt(std::uint32_t address, std::string_view wantedName) {
+    std::string NameAt(std::uint64_t address, std::string_view wantedName) {
         const Elf32_Sym* symbol = mFile.FindSymbolByAddress(address, wantedName);
         return symbol != nullptr ? symbol->name : "";
     }
 
     /// Address of the symbol of a name, 0 if there is none.
-    std::uint32_t AddressOf(const std::string& name) {
+    std::uint64_t AddressOf(const std::string& name) {
         const VElfSymbolAddress* address = mFile.FindSymbolByName(name);
         return address != nullptr ? address->mAddress : 0;
     }
@@ -179,6 +179,19 @@ TEST_F(SymbolMapsTest, AddressesAreKeptIn32Bits) {
     ASSERT_NE(symbol, nullptr);
     EXPECT_EQ(symbol->st_value, 0x1'0000'2000U);
     EXPECT_EQ(file.AddressOf("far"), 0x2000U);
+}
+
+TEST_F(SymbolMapsTest, FullMannerKeepsWholeAddressesAndSizes) {
+    VElfOptions::mIsFullReading = 1;
+    FileWithSymbols file(ElfImage(ElfClass::Class64)
+                             .Symbol({"near", 0x2000, 4})
+                             .Symbol({"huge", 0x1'0000'2000, 0x1'0000'0000}));
+    ASSERT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
+    EXPECT_EQ(file.NameAt(0x2000, ""), "near");
+    EXPECT_EQ(file.NameAt(0x1'0000'2000, ""), "huge");
+    EXPECT_EQ(file->FindSymbolByAddress(0x1'0000'2000, "")->st_size, 0x1'0000'0000U);
+    EXPECT_EQ(file.AddressOf("huge"), 0x1'0000'2000U);
+    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_UNKNOWN);
 }
 
 TEST_F(SymbolMapsTest, NameObjectsAreMadeOncePerOffset) {

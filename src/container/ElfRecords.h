@@ -50,9 +50,9 @@ struct Elf32_Sym {
     /// Points into the string table buffer, or into the image of a PE file, and is valid
     /// while that lives. May be null.
     const char* name = nullptr;
-    std::uint32_t st_name = 0;
     std::uint64_t st_value = 0;
-    std::uint32_t st_size = 0;
+    std::uint64_t st_size = 0;
+    std::uint32_t st_name = 0;
     std::uint8_t st_info = 0;
     std::uint8_t st_other = 0;
     std::uint16_t st_shndx = 0;

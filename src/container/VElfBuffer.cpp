@@ -178,6 +178,24 @@ std::int32_t VElfBuffer::GetSLEB128() {
     return static_cast<std::int32_t>(value);
 }
 
+std::uint64_t VElfBuffer::GetLEB128In64Bits(bool isSigned) {
+    constexpr std::uint32_t width = 64;
+    std::uint64_t value = 0;
+    std::uint32_t shift = 0;
+    std::uint8_t byte = 0;
+    do {
+        byte = GetUByte();
+        if (shift < width) {
+            value |= (byte & std::uint64_t{0x7F}) << shift;
+            shift += 7;
+        }
+    } while ((byte & 0x80U) != 0);
+    if (isSigned && shift < width && (byte & 0x40U) != 0) {
+        value |= ~std::uint64_t{0} << shift;
+    }
+    return value;
+}
+
 const char* VElfBuffer::GetNullTStr() {
     if (IsEOF()) {
         mIsOverrun = true;

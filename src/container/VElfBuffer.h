@@ -52,6 +52,7 @@ public:
     void SetSwapBytes(bool swapBytes) { mSwapBytes = swapBytes; }
     /// Sets the width of a target address in bytes; 0 reads as 4.
     void SetADDRESSsize(std::uint8_t addressSize) { mAddressSize = addressSize; }
+    [[nodiscard]] std::uint8_t GetADDRESSsize() const { return mAddressSize; }
     [[nodiscard]] bool IsWordAddressedTarget() const { return mIsWordAddressedTarget; }
 
     /// @}
@@ -101,6 +102,9 @@ public:
         return GetLongULEB128();
     }
     std::int32_t GetSLEB128();
+    /// LEB128 in 64 bits, of any length: bits above them are dropped.
+    std::uint64_t GetULEB128In64Bits() { return GetLEB128In64Bits(false); }
+    std::int64_t GetSLEB128In64Bits() { return static_cast<std::int64_t>(GetLEB128In64Bits(true)); }
     /// The text at the cursor, terminated and not copied; the cursor moves past its terminator.
     /// Null if no byte lies at the cursor. Valid until the next load.
     const char* GetNullTStr();
@@ -130,6 +134,7 @@ private:
         return bytes;
     }
     std::uint32_t GetLongULEB128();
+    std::uint64_t GetLEB128In64Bits(bool isSigned);
     bool EnsureCapacity(std::int32_t size);
     bool LoadFromStream(std::uint64_t filePosition, std::int32_t size);
     bool ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destination, std::int32_t size);

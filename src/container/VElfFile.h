@@ -105,12 +105,12 @@ public:
     bool LoadStrTabSection();
     /// Fills a container with the symbols of data that have an address; with `mSymTabSearchMode`
     /// also those of no type. A symbol table that can't be loaded counts as empty. Errors:
-    /// `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_NO_STRTAB`, `ELFERR_64BIT_LIMIT`; none without a loaded
-    /// string table.
+    /// `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_NO_STRTAB`, `ELFERR_64BIT_LIMIT` (classic manner); none
+    /// without a loaded string table.
     bool LoadSymbolMap(IElfSymbolMap& map);
     /// Delivers the data symbols that are not in the data model yet. A symbol table that can't be
-    /// loaded counts as empty. Errors: `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_64BIT_LIMIT`; none
-    /// without a loaded string table or a global namespace.
+    /// loaded counts as empty. Errors: `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_64BIT_LIMIT` (classic
+    /// manner); none without a loaded string table or a global namespace.
     /// @param onlyDumpToLog walk without delivery
     bool ProcessSymTabSection(bool onlyDumpToLog);
     /// Turns a symbol's name into the one to deliver, as the options ask.
@@ -121,7 +121,7 @@ public:
     static bool IsUnifyProcessingOfNamesOfSymbolsReadFromSymbolTable();
 
     /// The symbol at an address, null if there is none; see `VElfSymbolMap::FindByAddress`.
-    Elf32_Sym* FindSymbolByAddress(std::uint32_t address, std::string_view name);
+    Elf32_Sym* FindSymbolByAddress(std::uint64_t address, std::string_view name);
     /// The address of the symbol of a name or, unless it begins with "_", of "_" and the name; null
     /// if there is none. The first query of a file loads the names.
     /// @throws std::bad_alloc
@@ -163,8 +163,8 @@ public:
     Elf64_Shdr mSecDebugPubnames;
     Elf64_Shdr mSecDebugAranges;
     std::unique_ptr<VElfBuffer> mStrTabBuffer;
-    VElfSymbolMap mSymbolMap;
-    VElfSymbolNamesMap mSymbolNamesMap;
+    VElfSymbolMap mSymbolMap{mManner};
+    VElfSymbolNamesMap mSymbolNamesMap{mManner};
     VElfNamesObjectMap mNamesObjectMap;
     std::unique_ptr<VCLIFactoryWrapper> mFactory;
     VDWARFReaderWrapper* mReader;
@@ -185,5 +185,7 @@ private:
 /// Reads the symbol at the cursor. The name pointer isn't touched.
 /// @return false with `ELFERR_64BIT_LIMIT` if the size passes 32 bits
 bool sReadSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit);
+/// The same for symbols of any size. Always true.
+bool sReadLargeSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

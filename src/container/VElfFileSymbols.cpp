@@ -15,7 +15,13 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr std::uint64_t sMaximum32Bit = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint64_t sLargestClassicSymbol = std::numeric_limits<std::uint32_t>::max();
+
+using SymbolReader = bool(Elf32_Sym&, VElfBuffer&, bool);
+
+SymbolReader* SymbolReaderOf(ReadingManner manner) {
+    return manner == ReadingManner::Full ? sReadLargeSymbolFromBuffer : sReadSymbolFromBuffer;
+}
 
 bool IsWantedInMaps(const Elf32_Sym& symbol) {
     const bool isData = symbol.Type() == sSymbolTypeObject ||
@@ -34,8 +40,8 @@ bool LoadTable(VElfBuffer& buffer, const Elf64_Shdr& section) {
     return buffer.LoadFromFile(section.sh_offset, section.sh_size) || !IsOutOfMemory();
 }
 
-void WarnOfTrimmedAddress(const Elf32_Sym& symbol) {
-    if (symbol.st_value > sMaximum32Bit && VElfOptions::mIsLogFile != 0) {
+void WarnOfTrimmedAddress(const Elf32_Sym& symbol, ReadingManner manner) {
+    if ((symbol.st_value & ~AddressBits(manner)) != 0 && VElfOptions::mIsLogFile != 0) {
         elflog(
             "Warning: Symbol '%s' has 64-bit address 0x%16.16" PRIx64
             " overriding 32-bit address limitation of current ELF-Reader version. The address is "
@@ -46,27 +52,27 @@ void WarnOfTrimmedAddress(const Elf32_Sym& symbol) {
 
 } // namespace
 
-bool sReadSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit) {
+bool sReadLargeSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit) {
     symbol.st_name = buffer.GetULong();
-    std::uint64_t size = 0;
     if (is64Bit) {
         symbol.st_info = buffer.GetUByte();
         symbol.st_other = buffer.GetUByte();
         symbol.st_shndx = buffer.GetUShort();
         symbol.st_value = buffer.GetUInt64();
-        size = buffer.GetUInt64();
+        symbol.st_size = buffer.GetUInt64();
     } else {
         symbol.st_value = buffer.GetULong();
-        size = buffer.GetULong();
+        symbol.st_size = buffer.GetULong();
         symbol.st_info = buffer.GetUByte();
         symbol.st_other = buffer.GetUByte();
         symbol.st_shndx = buffer.GetUShort();
     }
-    if (size > sMaximum32Bit) {
-        return Fail(ELFReadErrorEnum::ELFERR_64BIT_LIMIT);
-    }
-    symbol.st_size = static_cast<std::uint32_t>(size);
     return true;
+}
+
+bool sReadSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit) {
+    sReadLargeSymbolFromBuffer(symbol, buffer, is64Bit);
+    return symbol.st_size <= sLargestClassicSymbol || Fail(ELFReadErrorEnum::ELFERR_64BIT_LIMIT);
 }
 
 bool VElfFile::LoadStrTabSection() {
@@ -92,10 +98,11 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
     if (mSecStrtab.sh_size == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_STRTAB);
     }
+    SymbolReader* const readSymbol = SymbolReaderOf(mManner);
     const std::uint64_t count = mSecSymtab.sh_size / mSecSymtab.sh_entsize;
     for (std::uint64_t index = 0; index < count && !buffer.IsEOF(); ++index) {
         Elf32_Sym symbol;
-        if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {
+        if (!readSymbol(symbol, buffer, mIs64Bit)) {
             return false;
         }
         if (buffer.IsOverrun()) {
@@ -103,7 +110,7 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
         }
         symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
         if (IsWantedInMaps(symbol) && symbol.name != nullptr) {
-            WarnOfTrimmedAddress(symbol);
+            WarnOfTrimmedAddress(symbol, mManner);
             map.AddSymbol(symbol);
         }
     }
@@ -128,10 +135,11 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
     if (!LoadTable(buffer, mSecSymtab)) {
         return false;
     }
+    SymbolReader* const readSymbol = SymbolReaderOf(mManner);
     LongTextAllowance longNames(mFileSize);
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
-        if (!sReadSymbolFromBuffer(symbol, buffer, mIs64Bit)) {
+        if (!readSymbol(symbol, buffer, mIs64Bit)) {
             return false;
         }
         if (buffer.IsOverrun()) {
@@ -175,7 +183,7 @@ void VElfFile::ProcessSymbolTableEntryName(char* name, std::size_t size, std::ui
     name[length] = '\0';
 }
 
-Elf32_Sym* VElfFile::FindSymbolByAddress(std::uint32_t address, std::string_view name) {
+Elf32_Sym* VElfFile::FindSymbolByAddress(std::uint64_t address, std::string_view name) {
     return mSymbolMap.FindByAddress(address, name);
 }
 

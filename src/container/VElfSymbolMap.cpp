@@ -15,10 +15,6 @@ namespace {
 constexpr std::size_t sMaximumComparisons = 1000;
 constexpr std::size_t sMaximumComparedCharacters = 64 * sMaximumComparisons;
 
-std::uint32_t Address(const Elf32_Sym& symbol) {
-    return static_cast<std::uint32_t>(symbol.st_value);
-}
-
 bool NameBeginsWith(const Elf32_Sym& symbol, std::string_view name) {
     return symbol.name != nullptr && std::strncmp(symbol.name, name.data(), name.size()) == 0;
 }
@@ -26,7 +22,7 @@ bool NameBeginsWith(const Elf32_Sym& symbol, std::string_view name) {
 } // namespace
 
 void VElfSymbolMap::AddSymbol(const Elf32_Sym& symbol) {
-    mIsSorted = mSymbols.empty() || (mIsSorted && Address(mSymbols.back()) <= Address(symbol));
+    mIsSorted = mSymbols.empty() || (mIsSorted && AddressOf(mSymbols.back()) <= AddressOf(symbol));
     mSymbols.push_back(symbol);
 }
 
@@ -35,10 +31,11 @@ void VElfSymbolMap::Clear() {
     mIsSorted = true;
 }
 
-Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view name) {
+Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint64_t address, std::string_view name) {
     SortByAddress();
-    const auto first = std::ranges::lower_bound(mSymbols, address, {}, Address);
-    if (first == mSymbols.end() || Address(*first) != address) {
+    const auto first = std::ranges::lower_bound(
+        mSymbols, address, {}, [this](const Elf32_Sym& symbol) { return AddressOf(symbol); });
+    if (first == mSymbols.end() || AddressOf(*first) != address) {
         return nullptr;
     }
     if (VElfOptions::mSymTabSearchMode != 0) {
@@ -46,7 +43,7 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view 
             std::min(sMaximumComparisons, sMaximumComparedCharacters / (name.size() + 1));
         const auto last =
             first + std::min(static_cast<std::ptrdiff_t>(comparisons), mSymbols.end() - first);
-        for (auto symbol = first; symbol != last && Address(*symbol) == address; ++symbol) {
+        for (auto symbol = first; symbol != last && AddressOf(*symbol) == address; ++symbol) {
             if (NameBeginsWith(*symbol, name)) {
                 return &*symbol;
             }
@@ -57,7 +54,8 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint32_t address, std::string_view 
 
 void VElfSymbolMap::SortByAddress() {
     if (!mIsSorted) {
-        std::ranges::stable_sort(mSymbols, {}, Address);
+        std::ranges::stable_sort(mSymbols, {},
+                                 [this](const Elf32_Sym& symbol) { return AddressOf(symbol); });
         mIsSorted = true;
     }
 }

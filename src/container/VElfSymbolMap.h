@@ -3,6 +3,7 @@
 #pragma once
 
 #include "container/IElfSymbolMap.h"
+#include "core/AddressWidth.h"
 
 #include <cstdint>
 #include <string_view>
@@ -10,9 +11,13 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Symbols by the low 32 bits of their values. Symbols of one address keep the order of insertion.
+/// Symbols by those bits of their values that count. Symbols of one address keep the order of
+/// insertion.
 class VElfSymbolMap final : public IElfSymbolMap {
 public:
+    explicit VElfSymbolMap(ReadingManner manner = ReadingManner::Classic)
+        : mAddressBits(AddressBits(manner)) {}
+
     void AddSymbol(const Elf32_Sym& symbol) override;
     void Clear() override;
     void DeleteAll() { Clear(); }
@@ -21,11 +26,15 @@ public:
     /// The symbol at an address, null if there is none. Of several it is the first; with
     /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first. Of very
     /// many the first 1000 are looked at, and fewer of those whose names are long.
-    Elf32_Sym* FindByAddress(std::uint32_t address, std::string_view name);
+    Elf32_Sym* FindByAddress(std::uint64_t address, std::string_view name);
 
 private:
+    [[nodiscard]] std::uint64_t AddressOf(const Elf32_Sym& symbol) const {
+        return symbol.st_value & mAddressBits;
+    }
     void SortByAddress();
 
+    std::uint64_t mAddressBits;
     std::vector<Elf32_Sym> mSymbols;
     bool mIsSorted = true;
 };

@@ -6,7 +6,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 void VElfSymbolNamesMap::AddSymbol(const Elf32_Sym& symbol) {
     VElfSymbolAddress& address = mAddresses.emplace_back();
-    address.mAddress = static_cast<std::uint32_t>(symbol.st_value);
+    address.mAddress = symbol.st_value & mAddressBits;
     const DemangledSymbolName name(CutSymbolName(symbol.name, mLongNames));
     mAddressesByName[name.GetName()] = &address;
 }

@@ -4,6 +4,7 @@
 
 #include "container/IElfSymbolMap.h"
 #include "container/VMapStringToPtr.h"
+#include "core/AddressWidth.h"
 #include "core/LongTextAllowance.h"
 
 #include <cstdint>
@@ -11,15 +12,17 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Where the symbol of a name lies: the low 32 bits of its value.
+/// Where the symbol of a name lies: those bits of its value that count.
 struct VElfSymbolAddress {
-    std::uint32_t mAddress = 0;
-    std::uint32_t mReserved = 0;
+    std::uint64_t mAddress = 0;
 };
 
 /// Symbol addresses by name. The last symbol of a name wins.
 class VElfSymbolNamesMap final : public IElfSymbolMap {
 public:
+    explicit VElfSymbolNamesMap(ReadingManner manner = ReadingManner::Classic)
+        : mAddressBits(AddressBits(manner)) {}
+
     /// Files the symbol under its demangled name, or its raw name where there is none.
     void AddSymbol(const Elf32_Sym& symbol) override;
     /// How long the names may be together follows from the size of their file; 0 at the start.
@@ -36,6 +39,7 @@ public:
     void SetInitialized() { mIsInitialized = true; }
 
 private:
+    std::uint64_t mAddressBits;
     VMapStringToPtr mAddressesByName{10};
     LongTextAllowance mLongNames;
     bool mIsInitialized = false;

@@ -10,10 +10,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Process-wide facts about the loaded module.
 struct BRINDLE_EXPORT ModuleInfo {
     /// Subtracted from the address of each global before delivery; 0 leaves it unchanged.
-    static inline std::uint32_t mModuleOffset = 0;
+    static inline std::uint64_t mModuleOffset = 0;
 
     /// The value of `mModuleOffset`.
-    static std::uint32_t GetModuleOffset() { return mModuleOffset; }
+    static std::uint64_t GetModuleOffset() { return mModuleOffset; }
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -16,33 +16,43 @@ namespace {
 
 using Options = VElfOptions;
 
+struct ParsedNumber {
+    bool isNegative = false;
+    std::uint64_t magnitude = 0;
+};
+
 /// A number in decimal or, behind 0x, hexadecimal, with a sign if it is negative.
-std::optional<std::int64_t> ParseNumber(std::string_view text) {
-    const bool isNegative = text.starts_with('-');
-    if (isNegative) {
+std::optional<ParsedNumber> ParseNumber(std::string_view text) {
+    ParsedNumber number;
+    number.isNegative = text.starts_with('-');
+    if (number.isNegative) {
         text.remove_prefix(1);
     }
     const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");
     if (isHexadecimal) {
         text.remove_prefix(2);
     }
-    std::uint32_t magnitude = 0;
-    const auto [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), magnitude, isHexadecimal ? 16 : 10);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(),
+                                              number.magnitude, isHexadecimal ? 16 : 10);
     if (error != std::errc() || end != text.data() + text.size()) {
         return std::nullopt;
     }
-    return isNegative ? -std::int64_t{magnitude} : std::int64_t{magnitude};
+    return number;
 }
 
 template <std::integral Number>
 bool Assign(Number* variable, std::string_view text) {
-    const std::optional<std::int64_t> number = ParseNumber(text);
-    if (!number || *number < std::numeric_limits<Number>::min() ||
-        *number > std::numeric_limits<Number>::max()) {
+    using Limits = std::numeric_limits<Number>;
+    const std::optional<ParsedNumber> number = ParseNumber(text);
+    if (!number) {
         return false;
     }
-    *variable = static_cast<Number>(*number);
+    const std::uint64_t limit =
+        number->isNegative ? 0 - static_cast<std::uint64_t>(Limits::min()) : Limits::max();
+    if (number->magnitude > limit) {
+        return false;
+    }
+    *variable = static_cast<Number>(number->isNegative ? 0 - number->magnitude : number->magnitude);
     return true;
 }
 

@@ -17,7 +17,7 @@ struct OptionDescription {
     /// Its name, which is that of the variable.
     std::string_view name;
     /// The variable that holds it, for the life of the process.
-    std::variant<std::int32_t*, std::uint32_t*, bool*, std::string*> variable;
+    std::variant<std::int32_t*, std::uint64_t*, bool*, std::string*> variable;
     /// What it does, in one line.
     std::string_view meaning;
 };

@@ -1,5 +1,6 @@
 // The location attributes of a debug entry: an expression, an offset of a location list or a plain
 // number becomes one static number, or the entry is marked as having none.
+#include "core/AddressWidth.h"
 #include "dwarf/LocationExpression.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitHeader.h"
@@ -19,21 +20,23 @@ constexpr std::int32_t sVersionOfSectionOffsets = 4;
 void VDie2::ReadLocation(const TDieAttribute& attribute) {
     const bool isMember = attribute.mAttribute == AttributeTarget::MemberLocation;
     (isMember ? mHasMemberLocation : mHasLocation) = true;
-    std::uint32_t value = 0;
+    std::uint64_t value = 0;
     const bool isStatic = IsBlock(attribute.mReading) ? ReadLocationBlock(attribute.mReading, value)
                                                       : ReadLocationNumber(attribute, value);
-    if (isStatic) {
-        std::uint32_t& target = isMember ? mMemberOffset : mLocationAddress;
-        target = mBuffer->IsWordAddressedTarget() ? value * 2 : value;
-    } else {
+    value *= mBuffer->IsWordAddressedTarget() ? 2U : 1U;
+    if (!isStatic) {
         mIsRegisterOrStackLocation = true;
+    } else if (isMember) {
+        mMemberOffset = static_cast<std::uint32_t>(value);
+    } else {
+        mLocationAddress = value & AddressBits(mManner);
     }
     if (!isMember && mImageBase != 0 && mLocationAddress > mImageBase) {
-        mLocationAddress -= static_cast<std::uint32_t>(mImageBase);
+        mLocationAddress -= mImageBase;
     }
 }
 
-bool VDie2::ReadLocationBlock(FormReading reading, std::uint32_t& value) {
+bool VDie2::ReadLocationBlock(FormReading reading, std::uint64_t& value) {
     const std::uint32_t length = ReadBlockLength(reading);
     const std::int32_t start = mBuffer->GetOffset();
     MoveBehindBlock(length);
@@ -42,7 +45,8 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint32_t& value) {
     }
     const std::int32_t end = mBuffer->GetOffset();
     mBuffer->SetOffset(start);
-    const VLocationResult location = EvaluateLocation(*mBuffer, end, ExpressionPlace::Entry);
+    const VLocationResult location =
+        EvaluateLocation(*mBuffer, end, ExpressionPlace::Entry, mManner);
     mBuffer->SetOffset(end);
     if (location.mHasBitField) {
         mBitFieldFromLocation = true;
@@ -53,10 +57,21 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint32_t& value) {
     return location.mIsValid;
 }
 
-bool VDie2::ReadLocationNumber(const TDieAttribute& attribute, std::uint32_t& value) {
-    VDieFormValue number;
-    ReadFormValue(attribute, number);
-    value = number.mNumber;
+std::uint64_t VDie2::ReadPlainLocation(const TDieAttribute& attribute) {
+    switch (attribute.mReading) {
+    case FormReading::Address:
+        return mBuffer->GetADDRESS();
+    case FormReading::EightBytes:
+        return mBuffer->GetUInt64();
+    default:
+        VDieFormValue number;
+        ReadFormValue(attribute, number);
+        return number.mNumber;
+    }
+}
+
+bool VDie2::ReadLocationNumber(const TDieAttribute& attribute, std::uint64_t& value) {
+    value = ReadPlainLocation(attribute);
     const bool isDataForm = attribute.mForm == DW_FORM_data4 || attribute.mForm == DW_FORM_data8;
     const bool isListOffset =
         attribute.mForm == DW_FORM_sec_offset ||
@@ -65,7 +80,7 @@ bool VDie2::ReadLocationNumber(const TDieAttribute& attribute, std::uint32_t& va
         return true;
     }
     bool isStatic = false;
-    value = mLocTabBuffer->EvaluateLocationList(value, isStatic);
+    value = mLocTabBuffer->EvaluateLocationList(static_cast<std::uint32_t>(value), isStatic);
     return isStatic;
 }
 

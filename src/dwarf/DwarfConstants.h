@@ -178,6 +178,8 @@ enum : std::uint8_t {
     DW_OP_const2s = 0x0b,
     DW_OP_const4u = 0x0c,
     DW_OP_const4s = 0x0d,
+    DW_OP_const8u = 0x0e,
+    DW_OP_const8s = 0x0f,
     DW_OP_constu = 0x10,
     DW_OP_consts = 0x11,
     DW_OP_minus = 0x1c,

@@ -17,7 +17,9 @@ enum class OperandKind : std::uint8_t {
     Signed1,
     Unsigned2,
     Signed2,
-    FourBytes,
+    Unsigned4,
+    Signed4,
+    EightBytes,
     UnsignedLeb128,
     SignedLeb128,
 };
@@ -32,15 +34,17 @@ struct LocationOperator {
     std::uint8_t leastTopInList = 0;
 };
 
-constexpr auto sOperators = [] {
-    std::array<LocationOperator, 256> operators{};
+using LocationOperators = std::array<LocationOperator, 256>;
+
+constexpr LocationOperators sClassicOperators = [] {
+    LocationOperators operators{};
     operators[DW_OP_addr] = {Action::Push, OperandKind::Address};
     operators[DW_OP_const1u] = {Action::Push, OperandKind::Unsigned1};
     operators[DW_OP_const1s] = {Action::Push, OperandKind::Signed1};
     operators[DW_OP_const2u] = {Action::Push, OperandKind::Unsigned2};
     operators[DW_OP_const2s] = {Action::Push, OperandKind::Signed2};
-    operators[DW_OP_const4u] = {Action::Push, OperandKind::FourBytes};
-    operators[DW_OP_const4s] = {Action::Push, OperandKind::FourBytes};
+    operators[DW_OP_const4u] = {Action::Push, OperandKind::Unsigned4};
+    operators[DW_OP_const4s] = {Action::Push, OperandKind::Signed4};
     operators[DW_OP_constu] = {Action::Push, OperandKind::UnsignedLeb128};
     operators[DW_OP_consts] = {Action::Push, OperandKind::SignedLeb128};
     operators[DW_OP_minus] = {Action::Subtract, OperandKind::None, 1, 1};
@@ -50,7 +54,43 @@ constexpr auto sOperators = [] {
     return operators;
 }();
 
+constexpr LocationOperators sFullOperators = [] {
+    LocationOperators operators = sClassicOperators;
+    operators[DW_OP_const8u] = {Action::Push, OperandKind::EightBytes};
+    operators[DW_OP_const8s] = {Action::Push, OperandKind::EightBytes};
+    return operators;
+}();
+
+/// What an evaluation of the classic manner computes with.
+struct ClassicNumbers {
+    using Value = std::uint32_t;
+    using SignedValue = std::int32_t;
+    static constexpr const LocationOperators& sOperators = sClassicOperators;
+
+    static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128(); }
+    static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128(); }
+    static Value CutToAddress(Value value, const VElfBuffer& /*buffer*/) { return value; }
+};
+
+/// The same in the full manner.
+struct FullNumbers {
+    using Value = std::uint64_t;
+    using SignedValue = std::int64_t;
+    static constexpr const LocationOperators& sOperators = sFullOperators;
+
+    static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128In64Bits(); }
+    static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128In64Bits(); }
+    /// A number below 0 wraps where the addresses of the target do. Those of 16 bits don't: such
+    /// targets page their memory, and compilers tell the page in higher bits.
+    static Value CutToAddress(Value value, const VElfBuffer& buffer) {
+        return buffer.GetADDRESSsize() == sizeof value ? value : value & 0xFFFFFFFFU;
+    }
+};
+
+template <typename Numbers>
 class LocationEvaluator {
+    using Value = typename Numbers::Value;
+
 public:
     LocationEvaluator(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place)
         : mBuffer(buffer)
@@ -60,10 +100,10 @@ public:
     VLocationResult Run() {
         bool isValid = true;
         while (isValid && mBuffer.GetOffset() < mEnd) {
-            isValid = Execute(sOperators[mBuffer.GetUByte()]);
+            isValid = Execute(Numbers::sOperators[mBuffer.GetUByte()]);
         }
         mResult.mIsValid = isValid;
-        mResult.mValue = isValid ? mStack[mTop] : 0;
+        mResult.mValue = isValid ? Numbers::CutToAddress(mStack[mTop], mBuffer) : 0;
         return mResult;
     }
 
@@ -71,12 +111,12 @@ private:
     bool Execute(const LocationOperator& operation) {
         const std::size_t leastTop =
             mPlace == ExpressionPlace::Entry ? operation.leastTopInEntry : operation.leastTopInList;
-        std::uint32_t operand = 0;
+        Value operand = 0;
         return operation.action != Action::Invalid && mTop >= leastTop &&
                ReadOperand(operation.operand, operand) && Act(operation.action, operand);
     }
 
-    bool Act(Action action, std::uint32_t operand) {
+    bool Act(Action action, Value operand) {
         switch (action) {
         case Action::Push:
             if (mTop + 1 == mStack.size()) {
@@ -102,21 +142,21 @@ private:
         }
     }
 
-    bool TakeBitPiece(std::uint32_t bitSize) {
-        std::uint32_t bitOffset = 0;
+    bool TakeBitPiece(Value bitSize) {
+        Value bitOffset = 0;
         if (!ReadOperand(OperandKind::UnsignedLeb128, bitOffset)) {
             return false;
         }
         if (mPlace == ExpressionPlace::Entry) {
             mResult.mHasBitField = true;
-            mResult.mBitSize = bitSize;
-            mResult.mBitOffset = bitOffset;
+            mResult.mBitSize = static_cast<std::uint32_t>(bitSize);
+            mResult.mBitOffset = static_cast<std::uint32_t>(bitOffset);
         }
         return true;
     }
 
     /// False if the operand does not lie within the expression.
-    bool ReadOperand(OperandKind kind, std::uint32_t& value) {
+    bool ReadOperand(OperandKind kind, Value& value) {
         const bool isLeb128 =
             kind == OperandKind::UnsignedLeb128 || kind == OperandKind::SignedLeb128;
         if (isLeb128 && !HoldsLeb128()) {
@@ -126,27 +166,35 @@ private:
         return mBuffer.GetOffset() <= mEnd;
     }
 
-    std::uint32_t Decode(OperandKind kind) {
+    Value Decode(OperandKind kind) {
         switch (kind) {
         case OperandKind::Address:
-            return static_cast<std::uint32_t>(mBuffer.GetADDRESS());
+            return static_cast<Value>(mBuffer.GetADDRESS());
         case OperandKind::Unsigned1:
             return mBuffer.GetUByte();
         case OperandKind::Signed1:
-            return static_cast<std::uint32_t>(static_cast<std::int8_t>(mBuffer.GetUByte()));
+            return Extended(static_cast<std::int8_t>(mBuffer.GetUByte()));
         case OperandKind::Unsigned2:
             return mBuffer.GetUShort();
         case OperandKind::Signed2:
-            return static_cast<std::uint32_t>(static_cast<std::int16_t>(mBuffer.GetUShort()));
-        case OperandKind::FourBytes:
+            return Extended(static_cast<std::int16_t>(mBuffer.GetUShort()));
+        case OperandKind::Unsigned4:
             return mBuffer.GetULong();
+        case OperandKind::Signed4:
+            return Extended(static_cast<std::int32_t>(mBuffer.GetULong()));
+        case OperandKind::EightBytes:
+            return static_cast<Value>(mBuffer.GetUInt64());
         case OperandKind::UnsignedLeb128:
-            return mBuffer.GetULEB128();
+            return Numbers::GetUnsignedLeb128(mBuffer);
         case OperandKind::SignedLeb128:
-            return static_cast<std::uint32_t>(mBuffer.GetSLEB128());
+            return static_cast<Value>(Numbers::GetSignedLeb128(mBuffer));
         default:
             return 0;
         }
+    }
+
+    static Value Extended(typename Numbers::SignedValue number) {
+        return static_cast<Value>(number);
     }
 
     /// Many expressions may name the same bytes: none of them may read on behind its own.
@@ -162,15 +210,18 @@ private:
     std::int32_t mEnd;
     ExpressionPlace mPlace;
     /// Element 0 stands for the address of the enclosing object.
-    std::array<std::uint32_t, 128> mStack{};
+    std::array<Value, 128> mStack{};
     std::size_t mTop = 0;
     VLocationResult mResult;
 };
 
 } // namespace
 
-VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place) {
-    return LocationEvaluator(buffer, end, place).Run();
+VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
+                                 ReadingManner manner) {
+    return manner == ReadingManner::Full
+               ? LocationEvaluator<FullNumbers>(buffer, end, place).Run()
+               : LocationEvaluator<ClassicNumbers>(buffer, end, place).Run();
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -3,6 +3,8 @@
 // followed.
 #pragma once
 
+#include "core/ReadingManner.h"
+
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -16,8 +18,9 @@ enum class ExpressionPlace { Entry, LocationList };
 struct VLocationResult {
     /// False if the expression is not static.
     bool mIsValid = false;
-    /// 0 unless valid.
-    std::uint32_t mValue = 0;
+    /// 0 unless valid. In the classic manner, and for targets with addresses of 32 bits, numbers
+    /// have 32 bits.
+    std::uint64_t mValue = 0;
     /// A bit field was named, whether the rest is valid or not. In entries only.
     bool mHasBitField = false;
     std::uint32_t mBitSize = 0;
@@ -26,6 +29,7 @@ struct VLocationResult {
 
 /// Evaluates the expression from the cursor to `end`, a buffer offset. Nothing behind `end` or the
 /// buffer is looked at; the cursor stands anywhere afterwards. An empty expression gives 0.
-VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place);
+VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
+                                 ReadingManner manner);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

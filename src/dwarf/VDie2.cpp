@@ -41,6 +41,7 @@ VDie2::VDie2(VCompileUnitReader& reader)
     , mSection(&reader.mSection)
     , mUnitReader(&reader)
     , mForms(&DieForms::Of(reader.mSection.mElfFile->mManner))
+    , mManner(reader.mSection.mElfFile->mManner)
     , mImageBase(reader.mSection.mElfFile->mImageBase)
     , mAttributesLeft(sAttributesPerByte * mBuffer->GetBufferLength() + sFreeAttributes) {}
 

@@ -2,6 +2,7 @@
 // unit, one after the other: each is decoded, turned into a node and forgotten.
 #pragma once
 
+#include "core/ReadingManner.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/DwarfConstants.h"
 #include "dwarf/VAttributeValue.h"
@@ -21,7 +22,8 @@ struct TAbrTabItem;
 struct TDieAttribute;
 struct VCompileUnitHeader;
 
-/// What the attributes of one entry tell. Values are 32 bits wide; wider forms are cut.
+/// What the attributes of one entry tell. Values are 32 bits wide, except for the address; wider
+/// forms are cut.
 struct VDieAttributes {
     dwarf_tag mTag = 0;
     /// Section offset of the entry.
@@ -43,7 +45,8 @@ struct VDieAttributes {
     bool mIsExternal = false;
     bool mHasMemberLocation = false;
     bool mHasLocation = false;
-    std::uint32_t mLocationAddress = 0;
+    /// In those bits that count in the manner of reading.
+    std::uint64_t mLocationAddress = 0;
     std::uint32_t mMemberOffset = 0;
     std::uint32_t mBitOffset = 0;
     std::uint32_t mBitSize = 0;
@@ -142,8 +145,9 @@ private:
     void ShortenUnitName();
 
     void ReadLocation(const TDieAttribute& attribute);
-    bool ReadLocationBlock(FormReading reading, std::uint32_t& value);
-    bool ReadLocationNumber(const TDieAttribute& attribute, std::uint32_t& value);
+    bool ReadLocationBlock(FormReading reading, std::uint64_t& value);
+    bool ReadLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
+    std::uint64_t ReadPlainLocation(const TDieAttribute& attribute);
 
     /// Makes the node of the entry under the innermost open node and files it. Always true.
     bool MapCurrentDieToNode(VCompileUnitHeader* header);
@@ -156,6 +160,7 @@ private:
     VCompileUnitReader* mUnitReader;
     /// Those of the manner of reading.
     const DieForms* mForms;
+    ReadingManner mManner;
     /// Taken off the addresses of variables; 0 unless the container has set it.
     std::uint64_t mImageBase;
     /// Cleared only behind an entry that has any.

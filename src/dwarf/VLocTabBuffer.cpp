@@ -28,7 +28,7 @@ bool VLocTabBuffer::Load() {
     return true;
 }
 
-std::uint32_t VLocTabBuffer::EvaluateLocationList(std::uint32_t offset, bool& ok) {
+std::uint64_t VLocTabBuffer::EvaluateLocationList(std::uint32_t offset, bool& ok) {
     ok = false;
     if (!mLoaded || offset >= mSection.sh_size) {
         return 0;
@@ -43,8 +43,8 @@ std::uint32_t VLocTabBuffer::EvaluateLocationList(std::uint32_t offset, bool& ok
     if (length == 0 || length >= sExpressionLimit || GetOffset() > GetBufferLength() - length) {
         return 0;
     }
-    const VLocationResult result =
-        EvaluateLocation(*this, GetOffset() + length, ExpressionPlace::LocationList);
+    const VLocationResult result = EvaluateLocation(
+        *this, GetOffset() + length, ExpressionPlace::LocationList, ReadingManner::Classic);
     ok = result.mIsValid;
     return result.mValue;
 }

@@ -22,7 +22,7 @@ public:
     /// The static number that the first entry of a list gives.
     /// @param offset section offset of the list in `.debug_loc`
     /// @param ok false if there is no list or it is not static; the result is then 0
-    std::uint32_t EvaluateLocationList(std::uint32_t offset, bool& ok);
+    std::uint64_t EvaluateLocationList(std::uint32_t offset, bool& ok);
 
 private:
     bool mLoaded = false;

@@ -25,7 +25,7 @@ bool SymbolOnlyEmission::Begin() {
 }
 
 void SymbolOnlyEmission::DeliverVariable(std::string_view name, std::uint64_t address,
-                                         std::uint32_t byteSize) {
+                                         std::uint64_t byteSize) {
     if (mFactory.GetGlobalData(name) != 0 || mFactory.GetGlobalDataByAddress(address) != 0) {
         return;
     }

@@ -28,7 +28,7 @@ public:
     /// already.
     /// @param address at its full 64 bits
     /// @param byteSize size in bytes; 0 is a size like any other
-    void DeliverVariable(std::string_view name, std::uint64_t address, std::uint32_t byteSize);
+    void DeliverVariable(std::string_view name, std::uint64_t address, std::uint64_t byteSize);
 
 private:
     VCLIFactoryWrapper& mFactory;

@@ -99,12 +99,12 @@ ObjectId VCLIFactoryWrapper::CreateBaseEntryType(std::uint64_t length, BasicType
     return PreCondition() ? Factory().CreateBaseEntryType(b, length, objIdParentScope) : 0;
 }
 
-ObjectId VCLIFactoryWrapper::GetUnknownEntryType(std::uint32_t sizeOfUnknownType,
+ObjectId VCLIFactoryWrapper::GetUnknownEntryType(std::uint64_t sizeOfUnknownType,
                                                  ObjectId objIdParentScope) {
     return PreCondition() ? Factory().GetUnknownEntryType(sizeOfUnknownType, objIdParentScope) : 0;
 }
 
-ObjectId VCLIFactoryWrapper::CreateUnknownEntryType(std::uint32_t sizeOfUnknownType,
+ObjectId VCLIFactoryWrapper::CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
                                                     ObjectId objIdParentScope) {
     return PreCondition() ? Factory().CreateUnknownEntryType(sizeOfUnknownType, objIdParentScope)
                           : 0;
@@ -358,7 +358,7 @@ void VCLIFactoryWrapper::SetTransformed(bool transformedDataModel) {
 }
 
 ObjectId sGetSymbolTableBaseEntryTypeObjId(VCLIFactoryWrapper& factory, ObjectId objIdGlobalScope,
-                                           std::uint32_t byteSize) {
+                                           std::uint64_t byteSize) {
     const ObjectId existing = factory.GetUnknownEntryType(byteSize, objIdGlobalScope);
     return existing != 0 ? existing : factory.CreateUnknownEntryType(byteSize, objIdGlobalScope);
 }

@@ -77,8 +77,8 @@ public:
     ObjectId GetBaseEntryType(BasicTypes bt, ObjectId objIdParentScope);
     /// Spare.
     ObjectId CreateBaseEntryType(std::uint64_t length, BasicTypes b, ObjectId objIdParentScope);
-    ObjectId GetUnknownEntryType(std::uint32_t sizeOfUnknownType, ObjectId objIdParentScope);
-    ObjectId CreateUnknownEntryType(std::uint32_t sizeOfUnknownType, ObjectId objIdParentScope);
+    ObjectId GetUnknownEntryType(std::uint64_t sizeOfUnknownType, ObjectId objIdParentScope);
+    ObjectId CreateUnknownEntryType(std::uint64_t sizeOfUnknownType, ObjectId objIdParentScope);
     /// @}
     /// @name Classes, structures, unions and their members
     /// @{
@@ -197,7 +197,7 @@ private:
 
 /// The unknown entry type of a size in bytes in a scope, made if there is none yet.
 ObjectId sGetSymbolTableBaseEntryTypeObjId(VCLIFactoryWrapper& factory, ObjectId objIdGlobalScope,
-                                           std::uint32_t byteSize);
+                                           std::uint64_t byteSize);
 
 /// The text that the operations take for a standard string: it ends at the first NUL. A view into
 /// `text`.

@@ -35,8 +35,6 @@ enum : std::uint32_t {
 
 enum : std::uint8_t {
     DW_OP_deref = 0x06,
-    DW_OP_const8u = 0x0e,
-    DW_OP_const8s = 0x0f,
     DW_OP_lit0 = 0x30,
     DW_OP_reg0 = 0x50,
     DW_OP_breg0 = 0x70,

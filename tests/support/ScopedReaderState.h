@@ -25,7 +25,7 @@ public:
     ScopedReaderState& operator=(ScopedReaderState&&) = delete;
 
 private:
-    using Value = std::variant<std::int32_t, std::uint32_t, bool, std::string>;
+    using Value = std::variant<std::int32_t, std::uint64_t, bool, std::string>;
 
     std::vector<Value> mOptions;
     Reader::DWARF::ELFReadErrorEnum mErrorState;
