@@ -58,6 +58,18 @@ struct Elf32_Sym {
     std::uint16_t st_shndx = 0;
 
     [[nodiscard]] std::uint8_t Type() const { return st_info & 0x0FU; }
+    [[nodiscard]] bool IsLocal() const { return (st_info >> 4U) == 0; }
+    /// True if other files of the same link may refer to a symbol that the link made local
+    /// (`STV_INTERNAL`, `STV_HIDDEN`, `STV_PROTECTED`).
+    [[nodiscard]] bool HasOwnVisibility() const { return (st_other & 3U) != 0; }
+    /// True if the symbol has a place in the image.
+    [[nodiscard]] bool IsDefined() const {
+        return (st_shndx != kUndefined || st_value != 0) && st_shndx != kCommon;
+    }
+
+    /// Values of `st_shndx` (`SHN_UNDEF`, `SHN_COMMON`).
+    static constexpr std::uint16_t kUndefined = 0;
+    static constexpr std::uint16_t kCommon = 0xFFF2;
 };
 
 /// Symbol types (`STT_NOTYPE`, `STT_OBJECT`).

@@ -4,6 +4,7 @@
 // only these.
 #pragma once
 
+#include "container/DeliveredSymbols.h"
 #include "container/ElfRecords.h"
 #include "container/IElfSymbolMap.h"
 #include "container/VCoffFileHeader.h"
@@ -123,9 +124,14 @@ public:
     /// The symbol at an address, null if there is none; see `VElfSymbolMap::FindByAddress`.
     Elf32_Sym* FindSymbolByAddress(std::uint64_t address, std::string_view name);
     /// The address of the symbol of a name or, unless it begins with "_", of "_" and the name; null
-    /// if there is none. The first query of a file loads the names.
+    /// if there is none. The first query of a file loads the names; in the full manner those of a
+    /// Windows image too, and those of symbols without type.
     /// @throws std::bad_alloc
     const VElfSymbolAddress* FindSymbolByName(const std::string& name);
+    /// Takes note that the symbols of a variable are in the data model. Full manner.
+    /// @param linkageName empty if there is none
+    void NoteDeliveredVariable(std::uint64_t address, std::string_view name,
+                               std::string_view linkageName);
 
     /// @}
 
@@ -166,10 +172,17 @@ public:
     VElfSymbolMap mSymbolMap{mManner};
     VElfSymbolNamesMap mSymbolNamesMap{mManner};
     VElfNamesObjectMap mNamesObjectMap;
+    /// Empty in the classic manner, which asks the data model.
+    DeliveredSymbols mDeliveredSymbols;
     std::unique_ptr<VCLIFactoryWrapper> mFactory;
     VDWARFReaderWrapper* mReader;
 
 private:
+    using SymbolFilter = bool(const Elf32_Sym&);
+
+    bool LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted);
+    bool LoadSymbolNames();
+    bool ReadSymbol(Elf32_Sym& symbol, VElfBuffer& buffer) const;
     bool CheckIdentification(VElfBuffer& buffer);
     void ReadHeaderFields(VElfBuffer& buffer);
     void AssignNecSection(std::string_view name, const Elf64_Shdr& section);

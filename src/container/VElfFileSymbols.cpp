@@ -17,21 +17,59 @@ namespace {
 
 constexpr std::uint64_t sLargestClassicSymbol = std::numeric_limits<std::uint32_t>::max();
 
-using SymbolReader = bool(Elf32_Sym&, VElfBuffer&, bool);
-
-SymbolReader* SymbolReaderOf(ReadingManner manner) {
-    return manner == ReadingManner::Full ? sReadLargeSymbolFromBuffer : sReadSymbolFromBuffer;
+bool IsDataByOption(const Elf32_Sym& symbol) {
+    return symbol.Type() == sSymbolTypeObject ||
+           (symbol.Type() == sSymbolTypeNone && VElfOptions::mSymTabSearchMode != 0);
 }
 
-bool IsWantedInMaps(const Elf32_Sym& symbol) {
-    const bool isData = symbol.Type() == sSymbolTypeObject ||
-                        (symbol.Type() == sSymbolTypeNone && VElfOptions::mSymTabSearchMode != 0);
-    return isData && symbol.st_value != 0;
+/// What a manner of reading makes of the symbols of an ELF file.
+struct SymbolRules {
+    bool (*read)(Elf32_Sym&, VElfBuffer&, bool is64Bit);
+    /// Symbols that may tell what lies at an address.
+    bool (*isWantedByAddress)(const Elf32_Sym&);
+    /// Symbols that may tell where a variable lies.
+    bool (*isWantedByName)(const Elf32_Sym&);
+    /// Symbols that are delivered, if they have a name.
+    bool (*isDeliverable)(const Elf32_Sym&);
+
+    static const SymbolRules& Of(ReadingManner manner);
+};
+
+bool IsClassicMapSymbol(const Elf32_Sym& symbol) {
+    return IsDataByOption(symbol) && symbol.st_value != 0;
 }
 
-bool IsDeliverable(const Elf32_Sym& symbol) {
-    return symbol.Type() == sSymbolTypeObject && symbol.st_value != 0 && symbol.name != nullptr &&
-           *symbol.name != '\0';
+bool IsClassicDeliverable(const Elf32_Sym& symbol) {
+    return symbol.Type() == sSymbolTypeObject && symbol.st_value != 0;
+}
+
+constexpr SymbolRules sClassicRules = {sReadSymbolFromBuffer, IsClassicMapSymbol,
+                                       IsClassicMapSymbol, IsClassicDeliverable};
+
+/// An address of 0 is one like any other: vectors and ports lie there.
+bool IsFullAddressMapSymbol(const Elf32_Sym& symbol) {
+    return IsDataByOption(symbol) && symbol.IsDefined();
+}
+
+/// Symbols of linker scripts and of assembler files often have no type.
+bool IsFullNamesMapSymbol(const Elf32_Sym& symbol) {
+    const bool isUntyped = symbol.Type() == sSymbolTypeNone && !symbol.IsLocal();
+    return (IsDataByOption(symbol) || isUntyped) && symbol.IsDefined();
+}
+
+bool IsFullDeliverable(const Elf32_Sym& symbol) {
+    return symbol.Type() == sSymbolTypeObject && symbol.IsDefined();
+}
+
+constexpr SymbolRules sFullRules = {sReadLargeSymbolFromBuffer, IsFullAddressMapSymbol,
+                                    IsFullNamesMapSymbol, IsFullDeliverable};
+
+const SymbolRules& SymbolRules::Of(ReadingManner manner) {
+    return manner == ReadingManner::Full ? sFullRules : sClassicRules;
+}
+
+bool HasName(const Elf32_Sym& symbol) {
+    return symbol.name != nullptr && *symbol.name != '\0';
 }
 
 /// A table that can't be loaded counts as empty: what else the file tells is worth having.
@@ -83,7 +121,20 @@ bool VElfFile::LoadStrTabSection() {
     return mStrTabBuffer->LoadFromFile(mSecStrtab.sh_offset, mSecStrtab.sh_size);
 }
 
+bool VElfFile::ReadSymbol(Elf32_Sym& symbol, VElfBuffer& buffer) const {
+    const bool isRead = SymbolRules::Of(mManner).read(symbol, buffer, mIs64Bit);
+    // Variables are told in bytes.
+    if (mIsWordAddressedTarget && mManner == ReadingManner::Full) {
+        symbol.st_value *= 2;
+    }
+    return isRead;
+}
+
 bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
+    return LoadSymbols(map, SymbolRules::Of(mManner).isWantedByAddress);
+}
+
+bool VElfFile::LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted) {
     if (!mStrTabBuffer) {
         return false;
     }
@@ -98,18 +149,17 @@ bool VElfFile::LoadSymbolMap(IElfSymbolMap& map) {
     if (mSecStrtab.sh_size == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_STRTAB);
     }
-    SymbolReader* const readSymbol = SymbolReaderOf(mManner);
     const std::uint64_t count = mSecSymtab.sh_size / mSecSymtab.sh_entsize;
     for (std::uint64_t index = 0; index < count && !buffer.IsEOF(); ++index) {
         Elf32_Sym symbol;
-        if (!readSymbol(symbol, buffer, mIs64Bit)) {
+        if (!ReadSymbol(symbol, buffer)) {
             return false;
         }
         if (buffer.IsOverrun()) {
             break;
         }
         symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
-        if (IsWantedInMaps(symbol) && symbol.name != nullptr) {
+        if (isWanted(symbol) && symbol.name != nullptr) {
             WarnOfTrimmedAddress(symbol, mManner);
             map.AddSymbol(symbol);
         }
@@ -135,25 +185,32 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
     if (!LoadTable(buffer, mSecSymtab)) {
         return false;
     }
-    SymbolReader* const readSymbol = SymbolReaderOf(mManner);
+    const SymbolRules& rules = SymbolRules::Of(mManner);
     LongTextAllowance longNames(mFileSize);
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
-        if (!readSymbol(symbol, buffer, mIs64Bit)) {
+        if (!ReadSymbol(symbol, buffer)) {
             return false;
         }
         if (buffer.IsOverrun()) {
             break;
         }
         symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
-        if (!IsDeliverable(symbol)) {
+        if (!rules.isDeliverable(symbol) || !HasName(symbol)) {
             continue;
         }
+        const std::string_view rawName = CutSymbolName(symbol.name, longNames);
         char name[sSymbolNameBufferSize];
-        name[CutSymbolName(symbol.name, longNames).copy(name, sSymbolNameBufferSize - 1)] = '\0';
+        name[rawName.copy(name, sSymbolNameBufferSize - 1)] = '\0';
         ProcessSymbolTableEntryName(name, sizeof name, symbol.st_name);
-        if (!onlyDumpToLog && sCheckIsValidVariableType_FromMangledName(name)) {
+        if (onlyDumpToLog || !sCheckIsValidVariableType_FromMangledName(name)) {
+            continue;
+        }
+        if (mManner == ReadingManner::Classic) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
+        } else if (mDeliveredSymbols.Insert(symbol.st_value, symbol.st_name, rawName,
+                                            *mStrTabBuffer)) {
+            emission.CreateVariable(name, symbol.st_value, symbol.st_size);
         }
     }
     return true;
@@ -187,10 +244,27 @@ Elf32_Sym* VElfFile::FindSymbolByAddress(std::uint64_t address, std::string_view
     return mSymbolMap.FindByAddress(address, name);
 }
 
+void VElfFile::NoteDeliveredVariable(std::uint64_t address, std::string_view name,
+                                     std::string_view linkageName) {
+    for (const Elf32_Sym& symbol : mSymbolMap.AllAt(address)) {
+        const std::string_view symbolName = CutSymbolName(symbol.name);
+        if (mStrTabBuffer && IsSymbolOfVariable(symbolName, name, linkageName)) {
+            mDeliveredSymbols.Insert(address, symbol.st_name, symbolName, *mStrTabBuffer);
+        }
+    }
+}
+
+bool VElfFile::LoadSymbolNames() {
+    if (mManner == ReadingManner::Full && mPEImage.IsMapped()) {
+        return mPEImage.ReadSymbolNames(mSymbolNamesMap);
+    }
+    return LoadSymbols(mSymbolNamesMap, SymbolRules::Of(mManner).isWantedByName);
+}
+
 const VElfSymbolAddress* VElfFile::FindSymbolByName(const std::string& name) {
     if (!mSymbolNamesMap.IsInitialized()) {
         mSymbolNamesMap.SetFileSize(mFileSize);
-        const bool isLoaded = LoadSymbolMap(mSymbolNamesMap);
+        const bool isLoaded = LoadSymbolNames();
         mSymbolNamesMap.SetInitialized();
         if (!isLoaded) {
             // Variables would be missing as if the file had no symbol of them.

@@ -52,6 +52,13 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint64_t address, std::string_view 
     return &*first;
 }
 
+std::span<const Elf32_Sym> VElfSymbolMap::AllAt(std::uint64_t address) {
+    SortByAddress();
+    const auto symbols = std::ranges::equal_range(
+        mSymbols, address, {}, [this](const Elf32_Sym& symbol) { return AddressOf(symbol); });
+    return std::span<const Elf32_Sym>(symbols).first(std::min(symbols.size(), sMaximumComparisons));
+}
+
 void VElfSymbolMap::SortByAddress() {
     if (!mIsSorted) {
         std::ranges::stable_sort(mSymbols, {},

@@ -6,6 +6,7 @@
 #include "core/AddressWidth.h"
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -27,6 +28,8 @@ public:
     /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first. Of very
     /// many the first 1000 are looked at, and fewer of those whose names are long.
     Elf32_Sym* FindByAddress(std::uint64_t address, std::string_view name);
+    /// The symbols at an address in the order of insertion. Of very many the first 1000.
+    [[nodiscard]] std::span<const Elf32_Sym> AllAt(std::uint64_t address);
 
 private:
     [[nodiscard]] std::uint64_t AddressOf(const Elf32_Sym& symbol) const {

@@ -12,18 +12,33 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+/// How far a symbol is known, the more the better.
+enum class SymbolReach : std::uint8_t {
+    /// To its own file only.
+    File,
+    /// To the files of its link.
+    Link,
+    All,
+};
+
 /// Where the symbol of a name lies: those bits of its value that count.
 struct VElfSymbolAddress {
     std::uint64_t mAddress = 0;
+    /// Always `All` in the classic manner, which doesn't ask.
+    SymbolReach mReach = SymbolReach::All;
+    /// Several symbols of this name and reach lie at different addresses.
+    bool mIsAmbiguous = false;
 };
 
-/// Symbol addresses by name. The last symbol of a name wins.
+/// Symbol addresses by name. In the classic manner the last symbol of a name wins; in the full one
+/// that which is known farthest, and the name gives no address if there are several.
 class VElfSymbolNamesMap final : public IElfSymbolMap {
 public:
     explicit VElfSymbolNamesMap(ReadingManner manner = ReadingManner::Classic)
-        : mAddressBits(AddressBits(manner)) {}
+        : mManner(manner) {}
 
-    /// Files the symbol under its demangled name, or its raw name where there is none.
+    /// Classic manner: files the symbol under its demangled name, or its raw name where there is
+    /// none. Full manner: under its name without version, and under the demangled one as well.
     void AddSymbol(const Elf32_Sym& symbol) override;
     /// How long the names may be together follows from the size of their file; 0 at the start.
     void SetFileSize(std::int64_t fileSize) { mLongNames = LongTextAllowance(fileSize); }
@@ -39,7 +54,11 @@ public:
     void SetInitialized() { mIsInitialized = true; }
 
 private:
-    std::uint64_t mAddressBits;
+    void AddLatest(const Elf32_Sym& symbol);
+    void AddFarthestKnown(const Elf32_Sym& symbol);
+    void FileFarthestKnown(const char* name, const VElfSymbolAddress& address);
+
+    ReadingManner mManner;
     VMapStringToPtr mAddressesByName{10};
     LongTextAllowance mLongNames;
     bool mIsInitialized = false;

@@ -99,6 +99,11 @@ void VImageSections::Add(std::string_view name, ImageSection section, SectionKin
     mSections.push_back(std::move(section));
 }
 
+bool VImageSections::Hold(std::uint64_t byteAddress) const {
+    return std::ranges::any_of(
+        mSections, [=](const ImageSection& section) { return section.Holds(byteAddress); });
+}
+
 std::vector<ImageSection> VImageSections::Sorted() const {
     std::vector<ImageSection> sections = mSections;
     std::ranges::stable_sort(sections, {}, &ImageSection::address);

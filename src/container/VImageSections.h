@@ -30,6 +30,9 @@ public:
     /// The sections with content, ascending by address.
     [[nodiscard]] std::vector<DataModel::ImageSection> Sorted() const;
 
+    /// True if a section holds the byte at an address.
+    [[nodiscard]] bool Hold(std::uint64_t byteAddress) const;
+
 private:
     void Add(std::string_view name, DataModel::ImageSection section, DataModel::SectionKind kind);
 

@@ -45,6 +45,9 @@ constexpr std::uint64_t SectionCharacteristics = 36;
 constexpr std::uint64_t NameOffset = 4;
 constexpr std::uint64_t Value = 8;
 constexpr std::uint64_t SectionNumber = 12;
+constexpr std::uint64_t Type = 14;
+constexpr std::uint64_t StorageClass = 16;
+constexpr std::uint64_t AuxiliaryCount = 17;
 
 } // namespace Field
 
@@ -53,6 +56,12 @@ constexpr std::uint64_t sSymbolSize = 18;
 
 constexpr std::uint16_t sMachineX86_64 = 0x8664;
 constexpr std::uint16_t sDllFlag = 0x2000;
+
+/// Storage classes of symbols, and the bit of the type that tells functions.
+constexpr std::uint8_t sClassExternal = 2;
+constexpr std::uint8_t sClassStatic = 3;
+constexpr std::uint16_t sFunctionType = 0x20;
+constexpr std::uint8_t sGlobalObject = 0x10 | sSymbolTypeObject;
 
 constexpr std::size_t sShortNameSize = 8;
 
@@ -153,28 +162,57 @@ bool VPEImage::ReadImageSymbols(IElfSymbolMap& map) {
     if (!HasMark()) {
         return Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
     }
-    const std::uint64_t symbolsInFile =
-        mSymbolTable != 0 && mSymbolTable < fileSize ? (fileSize - mSymbolTable) / sSymbolSize : 0;
-    const std::uint64_t count = std::min<std::uint64_t>(mSymbolCount, symbolsInFile);
+    const std::uint64_t count = CountSymbolsInFile();
     for (std::uint64_t index = 0; index < count; ++index) {
-        const std::uint64_t entry = mSymbolTable + index * sSymbolSize;
-        const auto number =
-            static_cast<std::int16_t>(Get<std::uint16_t>(entry + Field::SectionNumber));
-        if (number < 1 || static_cast<std::size_t>(number) > mSections.size()) {
-            continue;
-        }
         Elf32_Sym symbol;
-        symbol.st_value = mSections[static_cast<std::size_t>(number) - 1].sh_addr +
-                          Get<std::uint32_t>(entry + Field::Value);
-        if (symbol.st_value == 0) {
-            continue;
-        }
-        symbol.name = KeepSymbolName(entry);
-        if (symbol.name != nullptr && *symbol.name != '\0') {
+        if (ReadSymbol(mSymbolTable + index * sSymbolSize, symbol)) {
             map.AddSymbol(symbol);
         }
     }
     return true;
+}
+
+bool VPEImage::ReadSymbolNames(IElfSymbolMap& map) {
+    const std::uint64_t base = mIsDll ? 0 : mHeaderImageBase;
+    const std::uint64_t count = CountSymbolsInFile();
+    std::uint64_t entriesOfSymbol = 1;
+    for (std::uint64_t index = 0; index < count; index += entriesOfSymbol) {
+        const std::uint64_t entry = mSymbolTable + index * sSymbolSize;
+        entriesOfSymbol = 1 + std::uint64_t{Get<std::uint8_t>(entry + Field::AuxiliaryCount)};
+        const auto storageClass = Get<std::uint8_t>(entry + Field::StorageClass);
+        const bool isFunction = (Get<std::uint16_t>(entry + Field::Type) & sFunctionType) != 0;
+        const bool isGlobal = storageClass == sClassExternal;
+        Elf32_Sym symbol;
+        if (!isFunction && (isGlobal || storageClass == sClassStatic) &&
+            ReadSymbol(entry, symbol)) {
+            symbol.st_value += base;
+            symbol.st_info = isGlobal ? sGlobalObject : sSymbolTypeObject;
+            map.AddSymbol(symbol);
+        }
+    }
+    return true;
+}
+
+std::uint64_t VPEImage::CountSymbolsInFile() const {
+    const std::uint64_t fileSize = mFile.Bytes().size();
+    const std::uint64_t symbolsInFile =
+        mSymbolTable != 0 && mSymbolTable < fileSize ? (fileSize - mSymbolTable) / sSymbolSize : 0;
+    return std::min<std::uint64_t>(mSymbolCount, symbolsInFile);
+}
+
+bool VPEImage::ReadSymbol(std::uint64_t entryPosition, Elf32_Sym& symbol) {
+    const auto number =
+        static_cast<std::int16_t>(Get<std::uint16_t>(entryPosition + Field::SectionNumber));
+    if (number < 1 || static_cast<std::size_t>(number) > mSections.size()) {
+        return false;
+    }
+    symbol.st_value = mSections[static_cast<std::size_t>(number) - 1].sh_addr +
+                      Get<std::uint32_t>(entryPosition + Field::Value);
+    if (symbol.st_value == 0) {
+        return false;
+    }
+    symbol.name = KeepSymbolName(entryPosition);
+    return symbol.name != nullptr && *symbol.name != '\0';
 }
 
 const char* VPEImage::KeepSymbolName(std::uint64_t entryPosition) {

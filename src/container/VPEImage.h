@@ -38,6 +38,12 @@ public:
     /// isn't an image; none if no file was read.
     bool ReadImageSymbols(IElfSymbolMap& map);
 
+    /// True if a file was read.
+    [[nodiscard]] bool IsMapped() const { return !mFile.Bytes().empty(); }
+    /// Adds the symbols of data by name, with binding, at the addresses that variables of the image
+    /// have: relative to the image base in a DLL. Always true.
+    bool ReadSymbolNames(IElfSymbolMap& map);
+
 private:
     /// A name of the symbol table's own eight bytes, terminated.
     using ShortName = std::array<char, 9>;
@@ -53,6 +59,9 @@ private:
     void ReadFileHeader();
     bool ReadSectionHeader(std::uint64_t filePosition);
     const char* KeepSymbolName(std::uint64_t entryPosition);
+    [[nodiscard]] std::uint64_t CountSymbolsInFile() const;
+    /// False for an entry without a name or without a place in a section.
+    bool ReadSymbol(std::uint64_t entryPosition, Elf32_Sym& symbol);
 
     VWholeFile mFile;
     /// File position of the PE signature.

@@ -94,27 +94,43 @@ std::vector<PlacedVariable> CollectVariables(const VDwarf2Section& section) {
     std::vector<PlacedVariable> variables;
     section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& node) {
         if (node.HasLocation() && !node.IsRegisterOrStackLocation() &&
-            node.GetLocationAddress() != 0) {
+            (node.GetLocationAddress() != 0 || node.IsAddressConfirmed())) {
             variables.push_back({node.GetLocationAddress(), {}, &node});
         }
     });
     return variables;
 }
 
-void KeepRichest(std::span<const PlacedVariable> variables, RichnessMeter& meter) {
+/// The greater, the better a variable stands for the others of its place.
+using Precedence = std::int64_t (*)(const VDebugInfoNode& variable, RichnessMeter& meter);
+
+std::int64_t ByRichness(const VDebugInfoNode& variable, RichnessMeter& meter) {
+    return meter.RichnessOf(variable);
+}
+
+/// A definition, which tells its place itself, comes before a declaration, whose place the symbol
+/// table told: the declaration may stand in a function.
+std::int64_t ByDefinition(const VDebugInfoNode& variable, RichnessMeter& meter) {
+    const std::int64_t definition = variable.IsAddressFromSymbolTable() ? 0 : 1;
+    return (definition << 32U) + meter.RichnessOf(variable);
+}
+
+void KeepFirst(std::span<const PlacedVariable> variables, RichnessMeter& meter,
+               Precedence precedenceOf) {
     if (variables.size() < 2) {
         return;
     }
-    VDebugInfoNode* richest = nullptr;
+    VDebugInfoNode* kept = nullptr;
     std::int64_t greatest = -1;
     for (const PlacedVariable& variable : variables) {
-        if (const std::int64_t richness = meter.RichnessOf(*variable.node); richness > greatest) {
-            richest = variable.node;
-            greatest = richness;
+        const std::int64_t precedence = precedenceOf(*variable.node, meter);
+        if (precedence > greatest) {
+            kept = variable.node;
+            greatest = precedence;
         }
     }
     for (const PlacedVariable& variable : variables) {
-        if (variable.node != richest) {
+        if (variable.node != kept) {
             variable.node->SetRedundantDeclaration(true);
         }
     }
@@ -133,9 +149,7 @@ void ForEachRun(std::span<PlacedVariable> variables, IsEqual&& isEqual, Visitor&
     }
 }
 
-} // namespace
-
-void MarkRedundantVariables(VDwarf2Section& section) {
+void MarkAllButFirst(VDwarf2Section& section, Precedence precedenceOf) {
     std::vector<PlacedVariable> variables = CollectVariables(section);
     std::ranges::stable_sort(variables, {}, &PlacedVariable::address);
     const auto isSameAddress = [](const PlacedVariable& left, const PlacedVariable& right) {
@@ -155,8 +169,18 @@ void MarkRedundantVariables(VDwarf2Section& section) {
             [](const PlacedVariable& left, const PlacedVariable& right) {
                 return left.IsSamePlace(right);
             },
-            [&](std::span<PlacedVariable> sameName) { KeepRichest(sameName, meter); });
+            [&](std::span<PlacedVariable> sameName) { KeepFirst(sameName, meter, precedenceOf); });
     });
+}
+
+} // namespace
+
+void MarkRedundantVariables(VDwarf2Section& section) {
+    MarkAllButFirst(section, ByRichness);
+}
+
+void MarkRedundantDeclarations(VDwarf2Section& section) {
+    MarkAllButFirst(section, ByDefinition);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -42,6 +42,15 @@ void FlattenAnonymousMembers(VDwarf2Section& section);
 /// @name Passes of the full reading alone
 /// @{
 
+/// Before 6: variables that the linker discarded lose their location.
+void LeaveOutDiscardedVariables(VDwarf2Section& section);
+
+/// Instead of 6: looks for the addresses of declarations, not for those of locals.
+void ResolveDeclaredVariables(VDwarf2Section& section);
+
+/// Instead of 8: a definition comes before the richest declaration.
+void MarkRedundantDeclarations(VDwarf2Section& section);
+
 /// After 6: variables that are instances take type, scope and external flag from their origins.
 void TakeOverFromOrigins(VDwarf2Section& section);
 

@@ -25,10 +25,19 @@ constexpr ResolutionPass sClassicPasses[] = {
 };
 
 constexpr ResolutionPass sFullPasses[] = {
-    ResolveAllReferences,    DemangleNames,          GroupTypesOfSameName,
-    BreakAllReferenceCycles, UnifyCompileUnits,      ResolveExternVariables,
-    TakeOverFromOrigins,     PlaceBitFields,         SettlePointerSizes,
-    ResolveAllSizes,         MarkRedundantVariables, FlattenAllAnonymousMembers,
+    ResolveAllReferences,
+    DemangleNames,
+    GroupTypesOfSameName,
+    BreakAllReferenceCycles,
+    UnifyCompileUnits,
+    LeaveOutDiscardedVariables,
+    ResolveDeclaredVariables,
+    TakeOverFromOrigins,
+    PlaceBitFields,
+    SettlePointerSizes,
+    ResolveAllSizes,
+    MarkRedundantDeclarations,
+    FlattenAllAnonymousMembers,
 };
 
 /// Such a pointer is a pair of a function and the displacement of its object.

@@ -29,6 +29,11 @@ void SymbolOnlyEmission::DeliverVariable(std::string_view name, std::uint64_t ad
     if (mFactory.GetGlobalData(name) != 0 || mFactory.GetGlobalDataByAddress(address) != 0) {
         return;
     }
+    CreateVariable(name, address, byteSize);
+}
+
+void SymbolOnlyEmission::CreateVariable(std::string_view name, std::uint64_t address,
+                                        std::uint64_t byteSize) {
     const ObjectId type = sGetSymbolTableBaseEntryTypeObjId(mFactory, mSymbolNamespace, byteSize);
     mFactory.CreateGlobalData(name, type, mSymbolNamespace, address, true, 0, false);
 }

@@ -30,6 +30,9 @@ public:
     /// @param byteSize size in bytes; 0 is a size like any other
     void DeliverVariable(std::string_view name, std::uint64_t address, std::uint64_t byteSize);
 
+    /// Delivers a variable of unknown type.
+    void CreateVariable(std::string_view name, std::uint64_t address, std::uint64_t byteSize);
+
 private:
     VCLIFactoryWrapper& mFactory;
     ObjectId mSymbolNamespace = 0;

@@ -6,6 +6,7 @@
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/VCLIFactoryWrapper.h"
+#include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNodeStructures.h"
 
 #include <algorithm>
@@ -32,7 +33,8 @@ bool HasBaseClasses(const VDebugInfoNode& node) {
 
 bool IsDeliveredVariable(const VDebugInfoNode& variable) {
     return variable.HasLocation() && !variable.IsRegisterOrStackLocation() &&
-           (variable.GetLocationAddress() != 0 || !variable.IsExternal()) &&
+           (variable.GetLocationAddress() != 0 || variable.IsAddressConfirmed() ||
+            !variable.IsExternal()) &&
            !variable.IsRedundantDeclaration();
 }
 
@@ -422,6 +424,11 @@ bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name
 
 void VNodeEmission::RegisterVariable(ObjectId object, VDebugInfoNode& variable) {
     mSection.mObjectNodes.try_emplace(object, &variable);
+    if (mSection.mElfFile->mManner == ReadingManner::Full) {
+        const VariableNames names(variable);
+        mSection.mElfFile->NoteDeliveredVariable(variable.GetLocationAddress(), names.name,
+                                                 names.linkageName);
+    }
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

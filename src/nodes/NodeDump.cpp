@@ -175,7 +175,10 @@ void VDebugInfoNodeVariable::Dump(std::ostream& stream, const std::string& inden
     Print(stream, "%s  Has Location      : %s\n", indent, HasLocation() ? "Yes" : "No");
     if (HasLocation()) {
         Print(stream, "%s  Address (location): 0x%8.8" PRIx64 " %s\n", indent, GetLocationAddress(),
-              IsRegisterOrStackLocation() ? "[REGISTER/STACK ADDRESS]" : " ");
+              IsRegisterOrStackLocation() && !mIsDiscarded ? "[REGISTER/STACK ADDRESS]" : " ");
+    }
+    if (mIsDiscarded) {
+        Print(stream, "%s  Is-Discarded......: Yes\n", indent);
     }
     if (IsAddressFromSymbolTable()) {
         Print(stream, "%s  Addr. from.symtab : Yes\n", indent);

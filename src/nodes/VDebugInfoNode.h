@@ -311,6 +311,11 @@ public:
     [[nodiscard]] virtual bool HasLocation() const { return false; }
     [[nodiscard]] virtual bool IsRegisterOrStackLocation() const { return false; }
     [[nodiscard]] virtual bool IsAddressFromSymbolTable() const { return false; }
+    /// True if an address of 0 is known to be right.
+    [[nodiscard]] virtual bool IsAddressConfirmed() const { return false; }
+    virtual void ConfirmAddress() {}
+    /// The variable has no place in the image.
+    virtual void DiscardLocation() {}
     [[nodiscard]] virtual bool IsRedundantDeclaration() const { return false; }
     virtual void SetRedundantDeclaration(bool /*isRedundant*/) {}
     [[nodiscard]] virtual std::uint32_t GetMemberOffset() const { return 0; }

@@ -27,6 +27,12 @@ public:
     [[nodiscard]] bool IsAddressFromSymbolTable() const override {
         return mIsAddressFromSymbolTable;
     }
+    [[nodiscard]] bool IsAddressConfirmed() const override { return mIsAddressConfirmed; }
+    void ConfirmAddress() override { mIsAddressConfirmed = true; }
+    void DiscardLocation() override {
+        mIsRegisterOrStackLocation = true;
+        mIsDiscarded = true;
+    }
     /// True if another variable of the same name and address stands for this one.
     [[nodiscard]] bool IsRedundantDeclaration() const override { return mIsRedundantDeclaration; }
     void SetRedundantDeclaration(bool isRedundant) override {
@@ -39,6 +45,8 @@ private:
     bool mIsRegisterOrStackLocation = false;
     bool mHasLocation = false;
     bool mIsAddressFromSymbolTable = false;
+    bool mIsAddressConfirmed = false;
+    bool mIsDiscarded = false;
     bool mIsRedundantDeclaration = false;
 };
 

@@ -6,6 +6,8 @@ namespace Tessel::Norn::Brindle::Tests {
 
 namespace {
 
+constexpr std::uint64_t sAllocatedFlag = 2;
+
 constexpr std::size_t sHeaderSize32 = 52;
 constexpr std::size_t sHeaderSize64 = 64;
 constexpr std::uint16_t sSectionHeaderSize32 = 40;
@@ -111,9 +113,11 @@ void ElfImage::AppendSymbolSections(std::vector<SectionContent>& sections) const
     for (const ElfSymbol& symbol : mSymbols) {
         symbols.U32(symbol.name.empty() ? 0 : names.Size());
         if (mClass == ElfClass::Class64) {
-            symbols.U8(symbol.info).U8(0).U16(1).U64(symbol.value).U64(symbol.size);
+            symbols.U8(symbol.info).U8(symbol.visibility).U16(symbol.section);
+            symbols.U64(symbol.value).U64(symbol.size);
         } else {
-            symbols.U32(symbol.value).U32(symbol.size).U8(symbol.info).U8(0).U16(1);
+            symbols.U32(symbol.value).U32(symbol.size);
+            symbols.U8(symbol.info).U8(symbol.visibility).U16(symbol.section);
         }
         if (!symbol.name.empty()) {
             names.Text(symbol.name);
@@ -157,8 +161,8 @@ void ElfImage::WriteSectionHeader(ByteWriter& writer, const SectionContent& sect
                                   std::uint32_t nameOffset, std::uint64_t offset) const {
     const ElfSectionOverrides& overrides = section.overrides;
     writer.U32(overrides.nameOffset.value_or(nameOffset)).U32(section.name.empty() ? 0 : 1);
-    Word(writer, 0);
-    Word(writer, 0);
+    Word(writer, overrides.address ? sAllocatedFlag : 0);
+    Word(writer, overrides.address.value_or(0));
     Word(writer, overrides.offset.value_or(offset));
     Word(writer, overrides.size.value_or(section.content.size()));
     writer.U32(0).U32(0);

@@ -19,12 +19,17 @@ constexpr std::uint8_t sObject = 1;
 constexpr std::uint8_t sFunction = 2;
 constexpr std::uint8_t sLocalObject = sObject;
 constexpr std::uint8_t sGlobalObject = 0x10 | sObject;
+constexpr std::uint8_t sGlobalNoType = 0x10 | sNoType;
+/// Visibility of a symbol that the files of its link share.
+constexpr std::uint8_t sHidden = 2;
 
 struct ElfSymbol {
     std::string name;
     std::uint64_t value = 0;
     std::uint64_t size = 0;
     std::uint8_t info = sGlobalObject;
+    std::uint8_t visibility = 0;
+    std::uint16_t section = 1;
 };
 
 /// What a test may say of a section beyond its contents. Unset fields are filled in rightly.
@@ -34,6 +39,8 @@ struct ElfSectionOverrides {
     std::optional<std::uint64_t> entrySize = {};
     std::optional<std::uint32_t> nameOffset = {};
     std::optional<std::uint64_t> alignment = {};
+    /// Address of an allocated section; others have none.
+    std::optional<std::uint64_t> address = {};
 };
 
 class ElfImage {

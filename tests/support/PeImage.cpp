@@ -119,7 +119,8 @@ void PeImage::WriteSymbols(ByteWriter& writer, ByteWriter& strings) const {
         } else {
             writer.Bytes(symbol.name).PadTo(start + sShortNameSize);
         }
-        writer.U32(symbol.value).U16(static_cast<std::uint16_t>(symbol.section)).U16(0).U8(2);
+        writer.U32(symbol.value).U16(static_cast<std::uint16_t>(symbol.section));
+        writer.U16(symbol.type).U8(symbol.storageClass);
         writer.U8(static_cast<std::uint8_t>(symbol.auxiliaryEntries));
         for (int entry = 0; entry < symbol.auxiliaryEntries; ++entry) {
             // Of the kind that names a source file.

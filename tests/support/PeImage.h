@@ -26,6 +26,8 @@ struct PeSymbol {
     std::uint32_t value = 0;
     std::int16_t section = 1;
     int auxiliaryEntries = 0;
+    std::uint16_t type = 0;
+    std::uint8_t storageClass = 2;
 };
 
 class PeImage {

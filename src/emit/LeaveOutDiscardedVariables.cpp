@@ -1,0 +1,110 @@
+// Linkers leave the debug information of a variable in place when they discard the variable itself,
+// and write a tombstone for its address. Which one depends on the linker:
+//
+//   GNU ld, gold      0
+//   lld               all ones in the width of an address, or one less
+//
+// All of them are addresses as well: the vector table of a controller lies at 0, a port may. So a
+// variable at such a place is believed if something is known to be there.
+#include "container/VElfFile.h"
+#include "dwarf/VDwarf2Section.h"
+#include "emit/ResolutionPasses.h"
+#include "emit/VariableNames.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::uint32_t sAddressSizeIfUnknown = 4;
+
+std::array<std::uint64_t, 3> TombstonesOf(std::uint32_t addressSize) {
+    constexpr std::uint64_t all64Bits = std::numeric_limits<std::uint64_t>::max();
+    const std::uint32_t size = addressSize != 0 ? addressSize : sAddressSizeIfUnknown;
+    const std::uint64_t allOnes =
+        size < sizeof all64Bits ? (std::uint64_t{1} << (size * 8)) - 1 : all64Bits;
+    return {0, allOnes, allOnes - 1};
+}
+
+class DiscardedVariables {
+public:
+    explicit DiscardedVariables(VElfFile& file)
+        : mFile(file) {}
+
+    void LookAt(VDebugInfoNode& variable) {
+        if (!IsAtTombstone(variable)) {
+            return;
+        }
+        if (IsInSection(variable.GetLocationAddress()) || HasSymbolThere(variable)) {
+            variable.ConfirmAddress();
+        } else {
+            variable.DiscardLocation();
+        }
+    }
+
+private:
+    [[nodiscard]] bool IsAtTombstone(const VDebugInfoNode& variable) const {
+        const std::uint64_t address = variable.GetLocationAddress();
+        return std::ranges::any_of(
+            TombstonesOf(variable.GetCompileUnitHeader()->mTargetAddressSize),
+            [&](std::uint64_t tombstone) { return address == AsDecoded(tombstone); });
+    }
+
+    /// What decoding makes of an address in the file.
+    [[nodiscard]] std::uint64_t AsDecoded(std::uint64_t address) const {
+        const std::uint64_t inBytes = mFile.mIsWordAddressedTarget ? address * 2 : address;
+        return mFile.mImageBase != 0 && inBytes > mFile.mImageBase ? inBytes - mFile.mImageBase
+                                                                   : inBytes;
+    }
+
+    bool IsInSection(std::uint64_t address) {
+        const auto [known, isNew] = mIsInSection.try_emplace(address, false);
+        if (isNew) {
+            known->second = mFile.mImage.isLinked && mFile.mImageSections.Hold(address);
+        }
+        return known->second;
+    }
+
+    bool HasSymbolThere(const VDebugInfoNode& variable) {
+        const std::uint64_t address = variable.GetLocationAddress();
+        const VariableNames names(variable);
+        for (const Elf32_Sym& symbol : mFile.mSymbolMap.AllAt(address)) {
+            const std::string_view name = symbol.name;
+            if (!name.empty() && (name == names.name || name == names.linkageName)) {
+                return true;
+            }
+        }
+        return IsSymbolAt(names.linkageName, address) || IsSymbolAt(names.name, address);
+    }
+
+    bool IsSymbolAt(std::string_view name, std::uint64_t address) {
+        const VElfSymbolAddress* symbol =
+            !name.empty() ? mFile.FindSymbolByName(std::string(name)) : nullptr;
+        return symbol != nullptr && symbol->mAddress == address;
+    }
+
+    VElfFile& mFile;
+    /// Of the few addresses that occur.
+    std::unordered_map<std::uint64_t, bool> mIsInSection;
+};
+
+} // namespace
+
+void LeaveOutDiscardedVariables(VDwarf2Section& section) {
+    DiscardedVariables discarded(*section.mElfFile);
+    section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
+        if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
+            discarded.LookAt(variable);
+        }
+    });
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

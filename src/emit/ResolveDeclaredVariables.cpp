@@ -1,0 +1,138 @@
+// Which variables without location have an address in the symbol table, in the full manner:
+//
+//   extern int total;          declared external: the symbol `total` that all files know
+//   int f(void) { int n; }     a local without location, optimized away: no static variable
+//   static int count;          optimized away, or of a compiler that tells no locations here: the
+//                              symbol `count`, unless another variable of that name has a place
+//
+// A wrong address is worse than none. So a name without linkage name counts with its scope, and a
+// symbol that only its own file knows serves no declaration of another one.
+#include "container/VElfFile.h"
+#include "core/KeyMixing.h"
+#include "diagnostics/ElfLog.h"
+#include "dwarf/VDwarf2Section.h"
+#include "emit/ResolutionPasses.h"
+#include "emit/VariableNames.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <cinttypes>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+bool StandsInFunction(const VDebugInfoNode& variable) {
+    const VDebugInfoNode* parent = variable.GetParent();
+    for (int link = 0; link < sMaximumChainLength && parent != nullptr; ++link) {
+        switch (parent->GetTag()) {
+        case DW_TAG_subprogram:
+        case DW_TAG_lexical_block:
+        case DW_TAG_inlined_subroutine:
+            return true;
+        default:
+            parent = parent->GetParent();
+        }
+    }
+    return parent != nullptr;
+}
+
+/// The name as C++ writes it; of a variable in a function or in no scope its name alone.
+std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name) {
+    std::string qualifiedName(name);
+    const VDebugInfoNode* completed = variable.GetSpecificationNode();
+    const VDebugInfoNode* scope = (completed != nullptr ? *completed : variable).GetParent();
+    for (int link = 0; link < sMaximumChainLength && scope != nullptr; ++link) {
+        switch (scope->GetTag()) {
+        case DW_TAG_namespace:
+        case DW_TAG_class_type:
+        case DW_TAG_structure_type:
+        case DW_TAG_union_type:
+            qualifiedName.insert(0, std::string(scope->GetName()) + "::");
+            scope = scope->GetParent();
+            break;
+        default:
+            return qualifiedName;
+        }
+    }
+    return qualifiedName;
+}
+
+class DeclaredVariables {
+public:
+    explicit DeclaredVariables(VDwarf2Section& section)
+        : mFile(*section.mElfFile) {
+        section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](const VDebugInfoNode& variable) {
+            if (const VDebugInfoNode* specification = variable.GetSpecificationNode()) {
+                mCompleted.insert(specification);
+            }
+            if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
+                mPlacedNames.insert(VariableNames(variable).name);
+            }
+        });
+    }
+
+    void Resolve(VDebugInfoNode& variable) {
+        if (mCompleted.contains(&variable)) {
+            Log(variable, "Variable is used as specification. OK!");
+            return;
+        }
+        const VariableNames names(variable);
+        if (!names.isExternal && StandsInFunction(variable)) {
+            return;
+        }
+        const VElfSymbolAddress* symbol = FindSymbol(variable, names);
+        if (symbol != nullptr) {
+            variable.SetLocationFromSymbolTable(symbol->mAddress);
+            variable.ConfirmAddress();
+        } else {
+            Log(variable, "Failed!: Not found in symbol table!!");
+        }
+    }
+
+private:
+    const VElfSymbolAddress* FindSymbol(const VDebugInfoNode& variable,
+                                        const VariableNames& names) {
+        if (!names.isExternal && mPlacedNames.contains(names.name)) {
+            return nullptr;
+        }
+        const std::string name = !names.linkageName.empty() ? std::string(names.linkageName)
+                                                            : QualifiedName(variable, names.name);
+        const VElfSymbolAddress* symbol = !name.empty() ? mFile.FindSymbolByName(name) : nullptr;
+        const bool isKnown =
+            symbol != nullptr && (!names.isExternal || symbol->mReach > SymbolReach::File);
+        return isKnown ? symbol : nullptr;
+    }
+
+    void Log(const VDebugInfoNode& variable, const char* outcome) {
+        if (VElfOptions::mIsLogFile != 0) {
+            elflog("%d. Resolving Extern Variable without location attribute. (section offset: "
+                   "0x%8.8" PRIx64 "): '%s': %s ",
+                   mLineNumber++, std::uint64_t{variable.GetOffset()},
+                   std::string(VariableNames(variable).name).c_str(), outcome);
+        }
+    }
+
+    VElfFile& mFile;
+    /// Variables that another one names as its specification.
+    std::unordered_set<const VDebugInfoNode*> mCompleted;
+    /// Names of all variables whose place the debug information tells.
+    std::unordered_set<std::string_view, SeededHash> mPlacedNames;
+    int mLineNumber = 0;
+};
+
+} // namespace
+
+void ResolveDeclaredVariables(VDwarf2Section& section) {
+    DeclaredVariables variables(section);
+    section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
+        if (!variable.HasLocation()) {
+            variables.Resolve(variable);
+        }
+    });
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,257 @@
+// Which variables have a place, and where: tombstones of discarded variables, declarations that the
+// symbol table places, symbols beside them. Each image is read in both manners.
+#include "container/SymbolName.h"
+#include "core/VElfOptions.h"
+#include "support/DwarfSections.h"
+#include "support/ElfImage.h"
+#include "support/PeImage.h"
+#include "support/ReadRun.h"
+#include "support/ScopedReaderState.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace Tessel::Norn::Brindle::Reader::DWARF;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace Tessel::Norn::Brindle::Tests {
+namespace {
+
+/// Sizes tell where an object comes from: variables of the tests have 4 bytes, symbols have 8.
+constexpr std::uint64_t sSymbolSize = 8;
+
+class VariablePlacesTest : public testing::Test {
+protected:
+    template <typename Image>
+    static std::vector<std::string>
+    Classic(const Image& image, DWARFContainerType container = DWARFContainerType::Container_ELF) {
+        return Read(image, container, 0);
+    }
+    template <typename Image>
+    static std::vector<std::string>
+    Full(const Image& image, DWARFContainerType container = DWARFContainerType::Container_ELF) {
+        return Read(image, container, 1);
+    }
+
+    /// A unit with the type `mInteger` and the entries.
+    DwarfSections Sections(std::vector<Die> entries, int addressSize = 4) const {
+        entries.insert(entries.begin(),
+                       Die(mInteger, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(5)}));
+        return DwarfSections().Unit(
+            {.entries = {Die(DW_TAG_compile_unit, {Name("unit.c")}, std::move(entries))},
+             .addressSize = addressSize});
+    }
+
+    Die Variable(const std::string& name, std::vector<DieAttribute> more) const {
+        more.push_back(Name(name));
+        more.push_back(Type(mInteger));
+        return Die(DW_TAG_variable, more);
+    }
+
+    Die Declared(const std::string& name) const {
+        return Variable(name, {External(), Declaration()});
+    }
+
+    DieLabel mInteger;
+
+private:
+    template <typename Image>
+    static std::vector<std::string> Read(const Image& image, DWARFContainerType container,
+                                         std::int32_t isFull) {
+        VElfOptions::mIsFullReading = isFull;
+        const ReadRun run = ReadImage(image.Build(), container);
+        EXPECT_TRUE(run.result) << run.message;
+        return run.Variables();
+    }
+
+    ScopedReaderState mState;
+};
+
+TEST_F(VariablePlacesTest, DiscardedVariablesAreLeftOutInTheFullManner) {
+    const DwarfSections sections = Sections({
+        Variable("gVector", {External(), Address(0)}),
+        Variable("dropped", {Address(0)}),
+        Variable("allOnes", {Address(0xFFFFFFFF)}),
+        Variable("oneLess", {External(), Address(0xFFFFFFFE)}),
+        Variable("register", {Address(0xFFFFFFFD)}),
+        Variable("kept", {Address(0x1000)}),
+    });
+    const auto withSymbols = [] { return ElfImage().Symbol({"main", 1, 4, sFunction}); };
+    const ElfImage bare = withSymbols() + sections;
+    EXPECT_THAT(Classic(bare),
+                ElementsAre("dropped@0:4", "allOnes@ffffffff:4", "oneLess@fffffffe:4",
+                            "register@fffffffd:4", "kept@1000:4"));
+    EXPECT_THAT(Full(bare), ElementsAre("register@fffffffd:4", "kept@1000:4"));
+
+    const ElfImage withVectors =
+        withSymbols().Section(".vectors", "text", {.address = 0}) + sections;
+    EXPECT_THAT(Full(withVectors),
+                ElementsAre("gVector@0:4", "dropped@0:4", "register@fffffffd:4", "kept@1000:4"));
+    const ElfImage withPort =
+        withSymbols().Section(".port", "text", {.address = 0xFFFFFFFC}) + sections;
+    EXPECT_THAT(Full(withPort), ElementsAre("allOnes@ffffffff:4", "oneLess@fffffffe:4",
+                                            "register@fffffffd:4", "kept@1000:4"));
+    // A section that isn't allocated has no address.
+    EXPECT_THAT(Full(withSymbols().Section(".comment", "text") + sections),
+                ElementsAre("register@fffffffd:4", "kept@1000:4"));
+}
+
+TEST_F(VariablePlacesTest, SymbolsKeepVariablesAtTombstones) {
+    const DwarfSections sections = Sections(
+        {
+            Variable("gVector", {External(), Address(0)}),
+            Variable("other", {External(), Address(0)}),
+            Variable("top", {Address(0xFFFF'FFFF'FFFF'FFFF)}),
+        },
+        8);
+    for (const std::uint8_t info : {sGlobalObject, sLocalObject, sGlobalNoType}) {
+        SCOPED_TRACE(int{info});
+        const ElfImage image = ElfImage(ElfClass::Class64)
+                                   .Symbol({"gVector", 0, 4, info})
+                                   .Symbol({"top", 0xFFFF'FFFF'FFFF'FFFF, 4, info}) +
+                               sections;
+        EXPECT_THAT(Classic(image), testing::Not(testing::Contains("gVector@0:4")));
+        EXPECT_THAT(Full(image), ElementsAre("gVector@0:4", "top@ffffffffffffffff:4"));
+    }
+    const ElfImage undefined =
+        ElfImage(ElfClass::Class64).Symbol({"gVector", 0, 0, sGlobalObject, 0, 0}) + sections;
+    EXPECT_THAT(Full(undefined), IsEmpty());
+}
+
+TEST_F(VariablePlacesTest, DeclarationsFindSymbolsThatOtherFilesKnow) {
+    const ElfImage image =
+        ElfImage()
+            .Symbol({"total", 0x100, sSymbolSize})
+            .Symbol({"script", 0x200, 0, sGlobalNoType})
+            .Symbol({"shared", 0x300, sSymbolSize, sLocalObject, sHidden})
+            .Symbol({"private", 0x400, sSymbolSize, sLocalObject})
+            .Symbol({"stream@VERSION_2", 0x500, sSymbolSize})
+            .Symbol({"_ZN4unit5limitE", 0x600, sSymbolSize})
+            .Symbol({"vectors", 0, sSymbolSize})
+            .Symbol({"total", 0x700, sSymbolSize, sLocalObject}) +
+        Sections({
+            Die(DW_TAG_namespace, {Name("unit")},
+                {Declared("total"),
+                 Variable("limit", {External(), Declaration(), LinkageName("_ZN4unit5limitE")})}),
+            Declared("total"),
+            Declared("script"),
+            Declared("shared"),
+            Declared("private"),
+            Declared("stream"),
+            Declared("vectors"),
+            Declared("missing"),
+            Die(DW_TAG_subprogram, {Name("f")},
+                {Variable("total", {}),
+                 Die(DW_TAG_lexical_block, {}, {Variable("script", {}), Declared("shared")})}),
+        });
+    EXPECT_THAT(Full(image), UnorderedElementsAre("total@100:4", "script@200:4", "shared@300:4",
+                                                  "stream@500:4", "vectors@0:4", "limit@600:4",
+                                                  // Symbols that are nobody's.
+                                                  "private@400:8", "total@700:8"));
+    // Once the linkage name has filled the map of names, the last symbol of a name counts.
+    EXPECT_THAT(Classic(image), testing::Contains("total@700:4"));
+    EXPECT_THAT(Classic(image), testing::Not(testing::Contains("total@100:4")));
+}
+
+TEST_F(VariablePlacesTest, StaticVariablesWithoutLocationTakeNoPlaceOfOthers) {
+    const ElfImage image = ElfImage()
+                               .Symbol({"count", 0x100, sSymbolSize, sLocalObject})
+                               .Symbol({"taken", 0x200, sSymbolSize, sLocalObject})
+                               .Symbol({"twice", 0x300, sSymbolSize, sLocalObject})
+                               .Symbol({"twice", 0x400, sSymbolSize, sLocalObject}) +
+                           Sections({
+                               Variable("count", {}),
+                               Variable("taken", {}),
+                               Variable("twice", {}),
+                               Variable("taken", {Address(0x200)}),
+                           });
+    EXPECT_THAT(Full(image),
+                UnorderedElementsAre("count@100:4", "taken@200:4", "twice@300:8", "twice@400:8"));
+}
+
+TEST_F(VariablePlacesTest, DefinitionComesBeforeTheDeclarationInAFunction) {
+    const ElfImage image = ElfImage().Symbol({"shared", 0x100, sSymbolSize}) +
+                           Sections({Die(DW_TAG_subprogram, {Name("f")}, {Declared("shared")}),
+                                     Variable("shared", {External(), Address(0x100)})});
+    VElfOptions::mIsFullReading = 1;
+    const ReadRun run = ReadImage(image.Build());
+    EXPECT_THAT(run.Variables(), ElementsAre("shared@100:4"));
+    EXPECT_THAT(run.calls, testing::Contains(testing::AllOf(
+                               testing::HasSubstr(R"(CreateGlobalData(symName="shared")"),
+                               testing::HasSubstr("objIdOfScopeParent=1,"))));
+}
+
+TEST_F(VariablePlacesTest, SymbolsCountByAddressAndName) {
+    const ElfImage image = ElfImage()
+                               .Symbol({"counter", 0x100, sSymbolSize, sLocalObject})
+                               .Symbol({"counter", 0x200, sSymbolSize, sLocalObject})
+                               .Symbol({"counter", 0x200, sSymbolSize, sLocalObject})
+                               .Symbol({"alias", 0x100, sSymbolSize})
+                               .Symbol({"_ZN4unit5valueE", 0x300, sSymbolSize})
+                               .Symbol({"calls.0", 0x400, sSymbolSize, sLocalObject})
+                               .Symbol({"vectors", 0, sSymbolSize})
+                               .Symbol({"imported", 0, sSymbolSize, sGlobalObject, 0, 0}) +
+                           Sections({
+                               Variable("counter", {Address(0x100)}),
+                               Variable("value", {External(), Address(0x300)}),
+                               Variable("calls", {Address(0x400)}),
+                           });
+    EXPECT_THAT(Classic(image), ElementsAre("counter@100:4", "value@300:4", "calls@400:4"));
+    EXPECT_THAT(Full(image), ElementsAre("counter@100:4", "value@300:4", "calls@400:4",
+                                         "counter@200:8", "alias@100:8", "vectors@0:8"));
+}
+
+TEST_F(VariablePlacesTest, SymbolsOfVariablesAreKnownByEveryFormOfTheirNames) {
+    struct Case {
+        std::string symbol;
+        std::string name;
+        std::string linkageName;
+        bool isSame;
+    };
+    const Case cases[] = {
+        {"count", "count", "", true},
+        {"_count", "count", "", true},
+        {"count.12", "count", "", true},
+        {"count.lto_priv.0", "count", "", true},
+        {"count@@LIB_1", "count", "", true},
+        {"counter", "count", "", false},
+        {"count", "counter", "", false},
+        {"recount", "count", "", false},
+        {"_ZN2ns5countE", "count", "", true},
+        {"_ZN2ns15countE", "count", "", false},
+        {"_ZN2ns5countE", "other", "_ZN2ns5countE", true},
+        {"_ZN2ns5countE", "other", "_ZN2ns5otherE", false},
+        {"_RNvCs1_4unit5count", "count", "", true},
+        {"count__3Foo", "count", "", true},
+        {"count__3Foo", "Foo", "", false},
+        {".12", "", "", false},
+    };
+    for (const Case& each : cases) {
+        EXPECT_EQ(IsSymbolOfVariable(each.symbol, each.name, each.linkageName), each.isSame)
+            << each.symbol << ' ' << each.name << ' ' << each.linkageName;
+    }
+}
+
+TEST_F(VariablePlacesTest, DeclarationsFindTheSymbolsOfWindowsImages) {
+    constexpr std::uint16_t functionType = 0x20;
+    constexpr std::uint8_t staticClass = 3;
+    const auto image = [&](PeImage start) {
+        return start.ImageBase(0x1'4000'0000)
+                   .Section(".data", "data")
+                   .Symbol({".file", 0, -2, 1, 0, 103})
+                   .Symbol({"gOther", 0x10})
+                   .Symbol({"gCode", 0x20, 1, 1, functionType})
+                   .Symbol({"hidden", 0x30, 1, 0, 0, staticClass}) +
+               Sections({Declared("gOther"), Declared("gCode"), Declared("hidden")}, 8);
+    };
+    const auto pe = DWARFContainerType::Container_PE;
+    const PeImage program = image(PeImage(PeMachine::X86_64));
+    EXPECT_THAT(Classic(program, pe), IsEmpty());
+    EXPECT_THAT(Full(program, pe), ElementsAre("gOther@140001010:4"));
+    EXPECT_THAT(Full(image(PeImage(PeMachine::X86_64).Dll()), pe), ElementsAre("gOther@1010:4"));
+}
+
+} // namespace
+} // namespace Tessel::Norn::Brindle::Tests
