@@ -25,18 +25,10 @@ constexpr ResolutionPass sClassicPasses[] = {
 };
 
 constexpr ResolutionPass sFullPasses[] = {
-    ResolveAllReferences,
-    DemangleNames,
-    GroupTypesOfSameName,
-    BreakAllReferenceCycles,
-    UnifyCompileUnits,
-    LeaveOutDiscardedVariables,
-    ResolveDeclaredVariables,
-    TakeOverFromOrigins,
-    PlaceBitFields,
-    SettlePointerSizes,
-    ResolveAllSizes,
-    MarkRedundantDeclarations,
+    ResolveAllReferences,       DemangleNames,       GroupTypesOfSameName,
+    BreakAllReferenceCycles,    UnifyCompileUnits,   LeaveOutDiscardedVariables,
+    ResolveDeclaredVariables,   TakeOverFromOrigins, PlaceBitFields,
+    SettlePointerSizes,         ResolveAllSizes,     MarkRedundantDeclarations,
     FlattenAllAnonymousMembers,
 };
 
