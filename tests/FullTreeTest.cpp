@@ -379,30 +379,46 @@ TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
         const char* what;
         dwarf_tag tag;
         std::vector<DieAttribute> attributes;
-        bool isOfFunction;
+        char target;
         const char* full;
         const char* classic;
     } cases[] = {
-        {"T&&", DW_TAG_rvalue_reference_type, {}, false, "uint8*", "uint8"},
-        {"T C::*", DW_TAG_ptr_to_member_type, {}, false, "unknown(4)", "uint8"},
-        {"void (C::*)()", DW_TAG_ptr_to_member_type, {}, true, "unknown(8)", "void ()"},
+        {"T&&", DW_TAG_rvalue_reference_type, {}, 'b', "uint8*", "uint8"},
+        {"T C::*", DW_TAG_ptr_to_member_type, {}, 'b', "unknown(4)", "uint8"},
+        {"void (C::*)()", DW_TAG_ptr_to_member_type, {}, 'f', "unknown(8)", "void ()"},
         {"of a size told",
          DW_TAG_ptr_to_member_type,
          {ByteSize(12)},
          false,
          "unknown(12)",
          "uint8"},
-        {"text", DW_TAG_string_type, {ByteSize(10)}, false, "unknown(10)", "uint8"},
-        {"set", DW_TAG_set_type, {ByteSize(2)}, false, "unknown(2)", "uint8"},
-        {"atomic", sAtomicType, {}, false, "uint8", "uint8"},
-        {"restrict", DW_TAG_restrict_type, {}, false, "uint8", "uint8"},
+        {"text", DW_TAG_string_type, {ByteSize(10)}, 'b', "unknown(10)", "uint8"},
+        {"set", DW_TAG_set_type, {ByteSize(2)}, 'b', "unknown(2)", "uint8"},
+        {"range of fewer bytes",
+         DW_TAG_subrange_type,
+         {ByteSize(1), LowerBound(0)},
+         'i',
+         "uint8",
+         "int32"},
+        {"range with a sign",
+         DW_TAG_subrange_type,
+         {ByteSize(1), LowerBound(-5)},
+         'i',
+         "int8",
+         "int32"},
+        {"range of all bytes", DW_TAG_subrange_type, {LowerBound(0)}, 'i', "int32", "int32"},
+        {"atomic", sAtomicType, {}, 'b', "uint8", "uint8"},
+        {"restrict", DW_TAG_restrict_type, {}, 'b', "uint8", "uint8"},
     };
     for (const auto& kind : cases) {
         const DieLabel byte;
         const DieLabel function;
+        const DieLabel number;
         const DieLabel type;
         std::vector<DieAttribute> attributes = kind.attributes;
-        attributes.push_back(Type(kind.isOfFunction ? function : byte));
+        attributes.push_back(Type(kind.target == 'f'   ? function
+                                  : kind.target == 'i' ? number
+                                                       : byte));
         const DwarfSections sections = Unit({UInt(byte, 1), Die(function, DW_TAG_subroutine_type),
                                              Variable("v", type), Die(type, kind.tag, attributes)});
         EXPECT_THAT(ScopedVariables(Read(sections, true)),

@@ -192,6 +192,7 @@ enum : std::uint8_t {
 enum : std::uint32_t {
     DW_ATE_address = 1,
     DW_ATE_signed = 5,
+    DW_ATE_unsigned = 7,
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

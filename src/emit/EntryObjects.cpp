@@ -69,12 +69,30 @@ public:
     }
 
     /// A base type whose value fits its size; of a kind that the contract lacks an unknown type.
-    ObjectId CreateBaseTypeOfItsSize() {
+    ObjectId CreateBaseTypeOfItsSize(std::uint32_t encoding) {
         const std::optional<BasicType> code =
-            BasicTypeOfItsSize(mNode.GetEncoding(), UnsignedSize(), mNode.GetName());
+            BasicTypeOfItsSize(encoding, UnsignedSize(), mNode.GetName());
         return code ? mFactory.CreateBaseEntryType(*code, Widened(mNode.GetByteSize()),
                                                    mInputs.scope)
                     : GetOrCreateUnknownType();
+    }
+
+    /// A range of a type that is a type of its own. Where it takes other bytes than that type, its
+    /// values are numbers of its size, without sign if none of them is negative.
+    ObjectId GetOrCreateRange(bool& alreadyRegistered) {
+        const VDebugInfoNode* type = mNode.GetTypeNode();
+        if (type == nullptr || type->GetByteSize() == mNode.GetByteSize()) {
+            alreadyRegistered = true;
+            return mInputs.type;
+        }
+        const auto& range = static_cast<const VDebugInfoNodeSubrange&>(mNode);
+        const VAttributeValue& lowest = range.GetLowerBound();
+        const bool hasNoSign = lowest.IsDefined() && !lowest.IsReference() &&
+                               static_cast<std::int32_t>(lowest.ToInteger()) >= 0;
+        const VDebugInfoNode* base = mNode.GetBaseTypeNode();
+        const std::uint32_t encoding =
+            hasNoSign || base == nullptr ? DW_ATE_unsigned : base->GetEncoding();
+        return CreateBaseTypeOfItsSize(encoding);
     }
 
     ObjectId GetOrCreateUnknownType() {
@@ -296,6 +314,7 @@ bool CreateClassicObject(VDebugInfoNode& node, VNodeEmission& emission,
 std::span<const EntryNeed> FullNeedsOf(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_rvalue_reference_type:
+    case DW_TAG_subrange_type:
         return sTypeNeeds;
     case DW_TAG_ptr_to_member_type:
     case DW_TAG_string_type:
@@ -314,6 +333,9 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
     case DW_TAG_rvalue_reference_type:
         id = object.CreatePointer();
         return true;
+    case DW_TAG_subrange_type:
+        id = object.GetOrCreateRange(alreadyRegistered);
+        return true;
     case DW_TAG_ptr_to_member_type:
     case DW_TAG_string_type:
     case DW_TAG_set_type:
@@ -321,7 +343,7 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
         id = object.GetOrCreateUnknownType();
         return true;
     case DW_TAG_base_type:
-        id = object.CreateBaseTypeOfItsSize();
+        id = object.CreateBaseTypeOfItsSize(node.GetEncoding());
         return true;
     case DW_TAG_member:
         id = node.GetBitSize() != 0 ? object.CreateBitField() : object.CreateMember();

@@ -48,7 +48,6 @@ enum : std::uint8_t {
     DW_ATE_boolean = 2,
     DW_ATE_float = 4,
     DW_ATE_signed_char = 6,
-    DW_ATE_unsigned = 7,
     DW_ATE_unsigned_char = 8,
 };
 
