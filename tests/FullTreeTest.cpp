@@ -20,8 +20,6 @@ using Lines = std::vector<std::string>;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-constexpr dwarf_tag sAtomicType = 0x47;
-
 class FullTreeTest : public testing::Test {
 protected:
     static ReadRun Read(const DwarfSections& sections, bool isFull,
@@ -181,6 +179,7 @@ TEST_F(FullTreeTest, MembersOfAnonymousTypesStandInTheTypeAround) {
     const DieLabel outer;
     const DieLabel choice;
     const DieLabel volatileChoice;
+    const DieLabel pointer;
     const DieLabel bytes;
     const auto type = [](DieLabel label, dwarf_tag tag, std::uint64_t size,
                          std::vector<Die> members) {
@@ -217,6 +216,11 @@ TEST_F(FullTreeTest, MembersOfAnonymousTypesStandInTheTypeAround) {
           Variable("w", bytes, 0x1010)},
          {"v.z@0 2", "v.a@2 1", "v.b@3 1", "v.a@6 1", "v.b@7 1", "w.a@16 1", "w.b@17 1"},
          {"v.z@0 2", "w.a@16 1", "w.b@17 1"}},
+        {"behind a pointer",
+         {around({Part(pointer, 0), Member("z", half, 4)}), pair(),
+          Die(pointer, DW_TAG_pointer_type, {Type(bytes)})},
+         {"v.z@4 2"},
+         {"v.z@4 2"}},
         {"within itself",
          {around({Part(outer, 2), Member("z", half, 0)})},
          {"v.z@0 2"},
@@ -407,7 +411,7 @@ TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
          "int8",
          "int32"},
         {"range of all bytes", DW_TAG_subrange_type, {LowerBound(0)}, 'i', "int32", "int32"},
-        {"atomic", sAtomicType, {}, 'b', "uint8", "uint8"},
+        {"atomic", DW_TAG_atomic_type, {}, 'b', "uint8", "uint8"},
         {"restrict", DW_TAG_restrict_type, {}, 'b', "uint8", "uint8"},
     };
     for (const auto& kind : cases) {

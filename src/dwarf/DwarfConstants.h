@@ -62,6 +62,8 @@ enum : dwarf_tag {
     DW_TAG_condition = 0x3f,
     DW_TAG_shared_type = 0x40,
     DW_TAG_rvalue_reference_type = 0x42,
+    DW_TAG_atomic_type = 0x47,
+    DW_TAG_immutable_type = 0x4b,
     DW_TAG_MIPS_loop = 0x4081,
     DW_TAG_format_label = 0x4101,
     DW_TAG_class_template = 0x4103,
@@ -80,6 +82,23 @@ enum : std::uint8_t {
 /// Classes, structures and unions.
 constexpr bool IsAggregate(dwarf_tag tag) {
     return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type;
+}
+
+/// Types that are another one in all but its name or its qualifiers.
+constexpr bool IsOtherNameOfType(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_typedef:
+    case DW_TAG_const_type:
+    case DW_TAG_volatile_type:
+    case DW_TAG_restrict_type:
+    case DW_TAG_packed_type:
+    case DW_TAG_shared_type:
+    case DW_TAG_atomic_type:
+    case DW_TAG_immutable_type:
+        return true;
+    default:
+        return false;
+    }
 }
 
 /// Types that are grouped by name, and so may get links to a definition or a representative.

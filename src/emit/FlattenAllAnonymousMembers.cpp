@@ -37,11 +37,11 @@ bool HasName(const VDebugInfoNode& node) {
 VDebugInfoNode* AggregateOf(const VDebugInfoNode& member) {
     const VDebugInfoNode* parent = member.GetParent();
     if (member.GetTag() != DW_TAG_member || HasName(member) || parent == nullptr ||
-        !IsAggregate(parent->GetTag()) || member.GetTypeNode() == nullptr) {
+        !IsAggregate(parent->GetTag())) {
         return nullptr;
     }
-    VDebugInfoNode* type = member.GetTypeNode()->FindStructuredTypeNode();
-    return IsAggregate(type->GetTag()) ? type : nullptr;
+    VDebugInfoNode* type = member.GetPlainTypeNode();
+    return type != nullptr && IsAggregate(type->GetTag()) ? type : nullptr;
 }
 
 /// The types that have anonymous members, and the work on them.
@@ -139,7 +139,7 @@ private:
     [[nodiscard]] bool IsOnlyFor(const AnonymousMember& anonymous) const {
         const VDebugInfoNode* type = anonymous.member->GetTypeNode();
         while (type != anonymous.type && mSection.mDieNodes.IsReferredOnce(*type)) {
-            type = type->GetTypeOrSpecificationNode();
+            type = type->GetTypeNode();
         }
         return type == anonymous.type && !HasName(*type) &&
                mSection.mDieNodes.IsReferredOnce(*type);

@@ -37,17 +37,8 @@ bool IsPointerToMemberFunction(const VDebugInfoNode& pointer) {
     if (pointer.GetTag() != DW_TAG_ptr_to_member_type) {
         return false;
     }
-    const VDebugInfoNode* type = pointer.GetTypeNode();
-    for (int link = 0; link < sMaximumChainLength && type != nullptr; ++link) {
-        if (type->GetTag() == DW_TAG_subroutine_type) {
-            return true;
-        }
-        const bool isOtherName = type->GetTag() == DW_TAG_typedef ||
-                                 type->GetTag() == DW_TAG_const_type ||
-                                 type->GetTag() == DW_TAG_volatile_type;
-        type = isOtherName ? type->GetTypeNode() : nullptr;
-    }
-    return false;
+    const VDebugInfoNode* type = pointer.GetPlainTypeNode();
+    return type != nullptr && type->GetTag() == DW_TAG_subroutine_type;
 }
 
 std::span<const ResolutionPass> PassesOf(ReadingManner manner) {

@@ -15,6 +15,9 @@ namespace {
 /// Calls that may nest before a chain is followed by a list.
 constexpr int sMaximumNesting = 100;
 
+/// Typedefs and qualifiers of one type that are looked through at once.
+constexpr int sMaximumOtherNames = 32;
+
 bool IsPointerOrReference(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_pointer_type || node.GetTag() == DW_TAG_reference_type;
 }
@@ -228,6 +231,17 @@ VDebugInfoNode* VDebugInfoNode::GetBaseTypeNode() {
                 open.push_back(next);
             }
         }
+    }
+    return nullptr;
+}
+
+VDebugInfoNode* VDebugInfoNode::GetPlainTypeNode() const {
+    VDebugInfoNode* type = GetTypeNode();
+    for (int link = 0; link < sMaximumOtherNames && type != nullptr; ++link) {
+        if (!IsOtherNameOfType(type->GetTag())) {
+            return type;
+        }
+        type = type->GetTypeNode();
     }
     return nullptr;
 }

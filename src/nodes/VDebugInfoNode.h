@@ -250,6 +250,8 @@ public:
     [[nodiscard]] VDebugInfoNode* GetBaseTypeNode();
     /// The class, structure or union at the end of the type chain, or the chain's last node.
     [[nodiscard]] VDebugInfoNode* FindStructuredTypeNode();
+    /// The type behind typedefs and qualifiers, null if there are none or far too many.
+    [[nodiscard]] VDebugInfoNode* GetPlainTypeNode() const;
     /// True if the type has a name attribute and the name of this node.
     [[nodiscard]] bool IsTypedefOfSameName() const;
     virtual VDebugInfoNodeArray* AsArrayNode() { return nullptr; }
