@@ -108,6 +108,7 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
     const DieLabel number;
     const DieLabel shared;
     const DieLabel ownToFile;
+    const DieLabel nameless;
     const DieLabel member;
     const DieLabel definition;
     const DwarfSections sections =
@@ -117,12 +118,14 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
                                Die(DW_TAG_variable, {Origin(shared), Address(0x1000)}),
                                Die(DW_TAG_variable, {Origin(ownToFile), Address(0x1004)}),
                                Die(DW_TAG_variable, {Origin(definition), Address(0x1008)}),
+                               Die(DW_TAG_variable, {Origin(nameless), Address(0x100c)}),
                            })})
             .Unit({UnitDie(
                 "a.c", {
                            UInt(number, 4),
                            Die(shared, DW_TAG_variable, {Name("shared"), Type(number), External()}),
                            Die(ownToFile, DW_TAG_variable, {Name("own"), Type(number)}),
+                           Die(nameless, DW_TAG_variable, {Type(number)}),
                            Die(DW_TAG_structure_type, {Name("S"), ByteSize(1)},
                                {Die(member, DW_TAG_variable,
                                     {Name("inClass"), Type(number), External(), Declaration()})}),

@@ -19,9 +19,11 @@ namespace {
 constexpr int sMaximumOrigins = 16;
 
 /// Takes type and external flag from the nearest origin that says them, and the scope, which is
-/// that of the node at the end, from the last one.
+/// that of the node at the end, from the last one. A variable that no origin names, as an anonymous
+/// union of C++ in a namespace is, stays without name and so without delivery.
 void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
     VDebugInfoNode* origin = &nearest;
+    bool hasName = variable.HasNameAttribute();
     for (int link = 0; link < sMaximumOrigins; ++link) {
         if (VDebugInfoNode* type = origin->GetTypeNode();
             type != nullptr && variable.GetTypeNode() == nullptr) {
@@ -30,13 +32,16 @@ void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
         if (origin->IsExternal()) {
             variable.SetExternal();
         }
+        hasName = hasName || origin->HasNameAttribute();
         VDebugInfoNode* next = origin->GetSpecificationNode();
         if (next == nullptr) {
             break;
         }
         origin = next;
     }
-    if (origin != &nearest && origin != &variable) {
+    if (!hasName) {
+        variable.ClearSpecification();
+    } else if (origin != &nearest && origin != &variable) {
         variable.SetSpecificationNode(*origin);
     }
 }
