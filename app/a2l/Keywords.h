@@ -1,0 +1,70 @@
+// The keywords that the parser knows, as tables: which blocks have an address and where, and which
+// of their optional parts count. Whatever is missing here is passed over.
+#pragma once
+
+#include "a2l/Document.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+/// What a parameter in a fixed place of a block is.
+enum class Field : std::uint8_t {
+    Name,
+    /// The description, a text in quotes.
+    Description,
+    Address,
+    Type,
+    Layout,
+    Conversion,
+    Size,
+    Points,
+    /// Of no interest.
+    Other,
+};
+
+/// A block that describes an object: its parameters in their order.
+struct ObjectBlock {
+    std::string_view keyword;
+    BlockKind kind;
+    std::span<const Field> parameters;
+};
+
+/// A TYPEDEF block, in the same way.
+struct TypeBlock {
+    std::string_view keyword;
+    TypeDefinition::Kind kind;
+    std::span<const Field> parameters;
+};
+
+/// An optional part of an object that counts.
+enum class Part : std::uint8_t {
+    Address,
+    Link,
+    BitMask,
+    /// One number of elements.
+    Elements,
+    /// Numbers of elements, one for each dimension.
+    Dimensions,
+    ByteOrder,
+    /// A word follows that may look like another keyword.
+    Word,
+};
+
+const ObjectBlock* FindObjectBlock(std::string_view keyword);
+const TypeBlock* FindTypeBlock(std::string_view keyword);
+std::optional<Part> FindPart(std::string_view keyword);
+
+/// What a parameter is, for a person.
+std::string_view DescribeField(Field field);
+
+/// True for blocks whose content is written in another language: nothing in it is A2L but its end.
+bool IsForeignBlock(std::string_view keyword);
+
+/// True for blocks that are lists of names of objects.
+bool IsNameList(std::string_view keyword);
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

@@ -1,0 +1,39 @@
+// Numbers as A2L writes them: decimal, or hexadecimal with 0x in front, with or without a sign.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+/// The value of an unsigned number of up to 64 bits; nothing for any other text.
+std::optional<std::uint64_t> ParseUnsigned(std::string_view text);
+
+/// The same with a sign in front, which may be missing.
+std::optional<std::int64_t> ParseSigned(std::string_view text);
+
+/// True if a word begins as a number does.
+bool LooksNumeric(std::string_view text);
+
+/// How a number is written, taken from an older one in its place.
+class Notation {
+public:
+    /// @param prefersUpperCase what to write where the older number has no hexadecimal letter
+    Notation(std::string_view older, bool prefersUpperCase);
+
+    /// The number in the same base, case and width; wider where it does not fit.
+    [[nodiscard]] std::string Write(std::uint64_t number) const;
+
+private:
+    /// "0x" or "0X"; empty for a decimal number.
+    std::string_view mPrefix;
+    std::size_t mWidth = 0;
+    bool mIsUpperCase = true;
+};
+
+/// The case of the hexadecimal letters of a number: true for upper case, nothing without letters.
+std::optional<bool> LetterCase(std::string_view number);
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

@@ -1,0 +1,63 @@
+#include "a2l/TokenStream.h"
+
+#include <algorithm>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+namespace {
+
+/// Far beyond any real description. They bound the work for files that include others twice, which
+/// include others twice.
+constexpr std::size_t sDeepestInclude = 100;
+constexpr std::size_t sMostTimesIncluded = 100;
+
+} // namespace
+
+TokenStream::TokenStream(SourceSet& sources, const Source& main)
+    : mSources(sources) {
+    mOpen.emplace_back(main);
+}
+
+PlacedToken TokenStream::Next() {
+    if (mHasKept) {
+        mHasKept = false;
+        return mKept;
+    }
+    for (;;) {
+        Tokenizer& current = mOpen.back();
+        const Token token = current.Next();
+        const PlacedToken placed{token.kind, {&current.Of(), token.position, token.length}};
+        if (token.kind == TokenKind::EndOfFile && mOpen.size() > 1) {
+            mOpen.pop_back();
+        } else if (token.kind == TokenKind::Include) {
+            const Token name = current.NextFileName();
+            const PlacedToken file{name.kind, {&current.Of(), name.position, name.length}};
+            if (name.kind != TokenKind::Text && name.kind != TokenKind::Word) {
+                throw Fault(current.Of(), token.position,
+                            "expected the name of a file after /include");
+            }
+            if (mIsFollowing) {
+                Enter(file.Content());
+            }
+        } else {
+            return placed;
+        }
+    }
+}
+
+void TokenStream::Enter(const Span& name) {
+    const Source& from = *name.source;
+    const Source& included = mSources.OpenIncluded(from, name.position, name.Text());
+    const bool isOpen = std::ranges::any_of(
+        mOpen, [&included](const Tokenizer& open) { return &open.Of() == &included; });
+    const std::string text(name.Text());
+    if (isOpen) {
+        throw Fault(from, name.position, "'" + text + "' includes itself");
+    }
+    if (mOpen.size() > sDeepestInclude || ++mTimesIncluded[&included] > sMostTimesIncluded) {
+        throw Fault(from, name.position, "'" + text + "' is included too often or too deep");
+    }
+    mOpen.emplace_back(included);
+}
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

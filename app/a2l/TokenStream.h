@@ -1,0 +1,60 @@
+// One stream of tokens over a file and the files that it includes, as if each stood where it is
+// included. The parser reads from it.
+#pragma once
+
+#include "a2l/Document.h"
+#include "a2l/Tokenizer.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+/// A token and the source that it lies in.
+struct PlacedToken {
+    TokenKind kind = TokenKind::EndOfFile;
+    Span span;
+
+    /// A text without its quotes, anything else as it is.
+    [[nodiscard]] Span Content() const {
+        return kind == TokenKind::Text ? Span{span.source, span.position + 1, span.length - 2}
+                                       : span;
+    }
+    [[nodiscard]] bool IsWord(std::string_view word) const {
+        return kind == TokenKind::Word && span.Text() == word;
+    }
+};
+
+class TokenStream {
+public:
+    /// @param sources receives the included files; borrowed
+    TokenStream(SourceSet& sources, const Source& main);
+
+    /// The next token; includes are followed and never seen. @throws Fault for an include that
+    /// leads to itself or to nothing
+    PlacedToken Next();
+
+    /// Gives a token again that was read last.
+    void PutBack(const PlacedToken& token) {
+        mKept = token;
+        mHasKept = true;
+    }
+
+    /// Whether includes are followed. Blocks of another language name files of that language.
+    void FollowIncludes(bool isFollowing) { mIsFollowing = isFollowing; }
+
+private:
+    void Enter(const Span& name);
+
+    SourceSet& mSources;
+    std::vector<Tokenizer> mOpen;
+    std::unordered_map<const Source*, std::size_t> mTimesIncluded;
+    PlacedToken mKept;
+    bool mHasKept = false;
+    bool mIsFollowing = true;
+};
+
+} // namespace Tessel::Norn::Brindle::Program::A2l
