@@ -62,9 +62,13 @@ void NearNames::Offer(std::string_view name) {
 }
 
 std::string NearNames::Text() const {
+    return mNearest.empty() ? std::string() : "; nearest names: " + List();
+}
+
+std::string NearNames::List() const {
     std::string text;
     for (const auto& [distance, name] : mNearest) {
-        text.append(text.empty() ? "; nearest names: " : ", ").append(name);
+        text.append(text.empty() ? "" : ", ").append(name);
     }
     return text;
 }

@@ -25,6 +25,8 @@ public:
 
     /// "; nearest names: a, b", empty without any.
     [[nodiscard]] std::string Text() const;
+    /// "a, b", empty without any.
+    [[nodiscard]] std::string List() const;
 
 private:
     static constexpr std::size_t sAnyDistance = 1000;
