@@ -20,6 +20,13 @@ bool IsOption(const std::string& argument) {
     return argument.size() > 1 && argument.front() == '-';
 }
 
+/// The name of a command with that of its group.
+std::string FullName(const CLI::App& command) {
+    const CLI::App* const group = command.get_parent();
+    const bool isInGroup = group != nullptr && group->get_parent() != nullptr;
+    return (isInGroup ? group->get_name() + " " : "") + command.get_name();
+}
+
 std::string UnknownOptionProblem(const CLI::App& command, const std::string& argument) {
     const std::string name = argument.substr(0, argument.find('='));
     NearNames near(name);
@@ -28,7 +35,7 @@ std::string UnknownOptionProblem(const CLI::App& command, const std::string& arg
             near.Offer("--" + known);
         }
     }
-    return command.get_name() + " has no option '" + name + "'" + near.Text();
+    return FullName(command) + " has no option '" + name + "'" + near.Text();
 }
 
 bool HasCommand(const CLI::App& program, std::string_view name) {
@@ -68,7 +75,20 @@ CommandLine::CommandLine()
 }
 
 CLI::App& CommandLine::AddCommand(const CommandDescription& description, Action action) {
-    CLI::App& command = *mProgram.add_subcommand(description.name, description.purpose);
+    return AddCommandTo(mProgram, description, std::move(action));
+}
+
+CLI::App& CommandLine::AddGroup(const std::string& name, const std::string& purpose) {
+    CLI::App& group = *mProgram.add_subcommand(name, purpose);
+    group.group("Commands");
+    group.require_subcommand(1);
+    group.footer("'brindle " + name + " COMMAND --help' shows the options of a command.");
+    return group;
+}
+
+CLI::App& CommandLine::AddCommandTo(CLI::App& group, const CommandDescription& description,
+                                    Action action) {
+    CLI::App& command = *group.add_subcommand(description.name, description.purpose);
     command.group("Commands");
     command.footer((description.details.empty() ? "" : description.details + "\n\n") +
                    "Example:\n  " + description.example);
@@ -78,8 +98,14 @@ CLI::App& CommandLine::AddCommand(const CommandDescription& description, Action 
 
 ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, ResultOutput& output) {
     // The parser would look for a command behind a word that is none.
-    if (argumentCount > 1 && !IsOption(arguments[1]) && !HasCommand(mProgram, arguments[1])) {
-        return EndWrongUsage(UnknownCommandProblem(mProgram, arguments[1]));
+    const CLI::App* group = &mProgram;
+    for (int position = 1; position < argumentCount && !group->get_subcommands({}).empty() &&
+                           !IsOption(arguments[position]);
+         ++position) {
+        if (!HasCommand(*group, arguments[position])) {
+            return EndWrongUsage(UnknownCommandProblem(*group, arguments[position]));
+        }
+        group = group->get_subcommand(arguments[position]);
     }
     try {
         mProgram.parse(argumentCount, arguments);
@@ -105,7 +131,7 @@ ExitStatus CommandLine::EndParsing(const CLI::ParseError& error, ResultOutput& o
 ExitStatus CommandLine::EndWrongUsage(const std::string& problem) const {
     const CLI::App* const command = ChosenCommand();
     Tell(problem);
-    std::cerr << "Try 'brindle " << (command == nullptr ? "" : command->get_name() + " ")
+    std::cerr << "Try 'brindle " << (command == nullptr ? "" : FullName(*command) + " ")
               << "--help'.\n";
     return ExitStatus::WrongUsage;
 }
@@ -132,8 +158,12 @@ std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
 }
 
 const CLI::App* CommandLine::ChosenCommand() const {
-    const std::vector<CLI::App*> commands = mProgram.get_subcommands();
-    return commands.empty() ? nullptr : commands.back();
+    const CLI::App* command = nullptr;
+    for (std::vector<CLI::App*> commands = mProgram.get_subcommands(); !commands.empty();
+         commands = command->get_subcommands()) {
+        command = commands.back();
+    }
+    return command;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

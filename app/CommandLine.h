@@ -37,6 +37,12 @@ public:
     /// @return the parser of the command, owned by this object
     CLI::App& AddCommand(const CommandDescription& description, Action action);
 
+    /// Adds a command that is nothing but the name in front of others, to which they are added.
+    CLI::App& AddGroup(const std::string& name, const std::string& purpose);
+
+    /// As `AddCommand`, within a group.
+    CLI::App& AddCommandTo(CLI::App& group, const CommandDescription& description, Action action);
+
     /// Reads the arguments and runs the command that they name.
     ExitStatus Run(int argumentCount, const char* const* arguments, ResultOutput& output);
 

@@ -28,18 +28,6 @@ void ApplyReaderOptions(const std::vector<std::string>& settings) {
     }
 }
 
-void AddChoice(CLI::App& command, const std::string& name, std::string& value,
-               const std::vector<std::string>& choices, const std::string& purpose) {
-    command.add_option(name, value, purpose)
-        ->check([choices](const std::string& text) {
-            return std::ranges::find(choices, text) != choices.end()
-                       ? std::string()
-                       : "'" + text + "' is none of " + CLI::detail::join(choices, ", ");
-        })
-        ->take_last()
-        ->option_text(CLI::detail::join(choices, "|") + " (" + value + ")");
-}
-
 /// @param expected what the number should be, for the message
 template <typename Number>
 Number ParseNumber(const std::string& name, const std::string& text, Number least,
@@ -70,8 +58,8 @@ void AddLimit(CLI::App& command, const std::string& name, std::uint64_t& limit,
 } // namespace
 
 void AddReadArguments(CLI::App& command, ReadArguments& arguments) {
-    AddChoice(command, "--container", arguments.container, {"auto", "elf", "coff", "pe"},
-              "Kind of the file; auto tells it from the first bytes");
+    AddChoiceArgument(command, "--container", arguments.container, {"auto", "elf", "coff", "pe"},
+                      "Kind of the file; auto tells it from the first bytes");
     command.add_flag("--all-types", arguments.allTypes,
                      "Deliver types that no variable uses as well");
     command
@@ -115,8 +103,20 @@ void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits) {
     AddLimit(command, "--max-leaves", limits.leaves, "Expand to this many leaves in all");
 }
 
+void AddChoiceArgument(CLI::App& command, const std::string& name, std::string& value,
+                       const std::vector<std::string>& choices, const std::string& purpose) {
+    command.add_option(name, value, purpose)
+        ->check([choices](const std::string& text) {
+            return std::ranges::find(choices, text) != choices.end()
+                       ? std::string()
+                       : "'" + text + "' is none of " + CLI::detail::join(choices, ", ");
+        })
+        ->take_last()
+        ->option_text(CLI::detail::join(choices, "|") + " (" + value + ")");
+}
+
 void AddFormatArgument(CLI::App& command, std::string& format) {
-    AddChoice(command, "--format", format, {"table", "csv", "json"}, "Form of the results");
+    AddChoiceArgument(command, "--format", format, {"table", "csv", "json"}, "Form of the results");
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -42,6 +43,11 @@ void AddPatternArgument(CLI::App& command, const std::string& things, std::strin
 
 /// Adds `--max-elements` and `--max-leaves`.
 void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits);
+
+/// Adds an option that takes one of some words.
+/// @param value what counts without the option; must outlive the parsing
+void AddChoiceArgument(CLI::App& command, const std::string& name, std::string& value,
+                       const std::vector<std::string>& choices, const std::string& purpose);
 
 /// Adds `--format`, whose value `TableFormatOf` understands.
 void AddFormatArgument(CLI::App& command, std::string& format);

@@ -6,6 +6,8 @@
 #ifdef _WIN32
 #include <io.h>
 #else
+#include <cerrno>
+#include <fcntl.h>
 #include <unistd.h>
 #endif
 
@@ -47,6 +49,23 @@ bool IsStandardErrorColoured() {
 
 bool IsStandardOutputColoured() {
     return IsColoured(sStandardOutput);
+}
+
+bool BringToDisk(const std::string& path) {
+#ifdef _WIN32
+    // Windows writes a closed file through by itself.
+    return !path.empty();
+#else
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC); // NOLINT(*-vararg)
+    // Some file systems don't know the request.
+    const bool isDone = file >= 0 && (fsync(file) == 0 || errno == EINVAL);
+    const int reason = errno;
+    if (file >= 0) {
+        close(file);
+    }
+    errno = reason;
+    return isDone;
+#endif
 }
 
 } // namespace Tessel::Norn::Brindle::Program

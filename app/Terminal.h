@@ -1,6 +1,8 @@
 // What the program asks its platform: the one place that may use operations outside standard C++.
 #pragma once
 
+#include <string>
+
 namespace Tessel::Norn::Brindle::Program {
 
 /// True if standard error goes to a person's screen.
@@ -12,5 +14,9 @@ bool IsStandardErrorTerminal();
 bool IsStandardErrorColoured();
 bool IsStandardOutputColoured();
 /// @}
+
+/// Waits until all bytes of a file have reached the disk. False if the system says otherwise, which
+/// `errno` then explains.
+bool BringToDisk(const std::string& path);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,44 @@
+// A file that appears whole or not at all: it is written beside its place under another name and
+// takes that place by a rename. Commands that write files for the user write them through it.
+#pragma once
+
+#include <fstream>
+#include <streambuf>
+#include <string>
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// Writes in the order Write, Finish, Commit; without the last, nothing is left behind. Each throws
+/// `std::system_error`, which names the file, as soon as the system refuses something. A place that
+/// is no regular file, such as a device, is written to directly.
+class FileReplacement {
+public:
+    /// @param path a file that may exist already, or a link to one; its permissions are kept
+    explicit FileReplacement(const std::string& path);
+    ~FileReplacement();
+    FileReplacement(const FileReplacement&) = delete;
+    FileReplacement& operator=(const FileReplacement&) = delete;
+    FileReplacement(FileReplacement&&) = delete;
+    FileReplacement& operator=(FileReplacement&&) = delete;
+
+    void Write(std::string_view text);
+    /// For writers that want a buffer; its failures show in `Finish`.
+    std::streambuf& Buffer() { return mFile; }
+
+    /// Brings all bytes to the disk.
+    void Finish();
+    /// Puts the file in its place.
+    void Commit();
+
+private:
+    void CreateBeside();
+    [[noreturn]] void Fail(int reason) const;
+
+    std::string mPath;
+    /// Where the bytes go meanwhile; empty once the file is in its place.
+    std::string mTemporary;
+    std::filebuf mFile;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

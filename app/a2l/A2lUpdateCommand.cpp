@@ -1,0 +1,249 @@
+// The command `a2l update`: gives the objects of a description the addresses that they have in an
+// image.
+#include "CommandLine.h"
+#include "Commands.h"
+#include "FileReplacement.h"
+#include "Message.h"
+#include "ProgressBar.h"
+#include "ReadArguments.h"
+#include "ReadSession.h"
+#include "ResultOutput.h"
+#include "TableWriter.h"
+#include "Terminal.h"
+
+#include "a2l/Parser.h"
+#include "a2l/SymbolIndex.h"
+#include "a2l/Update.h"
+#include "a2l/UpdateOutputs.h"
+#include "a2l/UpdateReport.h"
+#include "model/DataModel.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using A2l::Document;
+using A2l::MissingChoice;
+using A2l::Source;
+using A2l::SourceSet;
+using A2l::UpdateResult;
+
+struct UpdateArguments {
+    ReadArguments read;
+    std::string input;
+    std::string image;
+    std::string output;
+    std::string report;
+    std::string missing = "keep";
+    bool inPlace = false;
+    bool check = false;
+    bool bitMasks = false;
+    bool wordAddresses = false;
+};
+
+MissingChoice MissingChoiceOf(const std::string& name) {
+    if (name == "zero") {
+        return MissingChoice::Zero;
+    }
+    return name == "remove" ? MissingChoice::Remove : MissingChoice::Keep;
+}
+
+/// A bar for one of the two phases, if a person looks on.
+class PhaseBar {
+public:
+    PhaseBar(const ReadArguments& arguments, std::string_view phase, std::size_t end)
+        : mScale(1 + end / std::numeric_limits<std::int32_t>::max()) {
+        if (!arguments.noProgress && IsStandardErrorTerminal()) {
+            mBar.emplace(std::cerr);
+            mBar->SetPhase(phase);
+            mBar->SetInterval(0, static_cast<std::int32_t>(end / mScale));
+        }
+    }
+    void Set(std::size_t value) {
+        if (mBar) {
+            mBar->SetValue(static_cast<std::int32_t>(value / mScale));
+        }
+    }
+
+private:
+    std::optional<ProgressBar> mBar;
+    std::size_t mScale;
+};
+
+std::optional<std::string> LoadIfThere(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::exists(path, error) ? std::optional(A2l::LoadFile(path)) : std::nullopt;
+}
+
+Document ParseDescription(const UpdateArguments& arguments, SourceSet& sources) {
+    const Source& main = sources.Open(arguments.input);
+    PhaseBar bar(arguments.read, "parsing", main.Bytes().size());
+    A2l::ParseChoices choices;
+    choices.hasMentions = arguments.missing == "remove";
+    choices.progress = [&](const Source& source, std::size_t position) {
+        if (&source == &main) {
+            bar.Set(position);
+        }
+    };
+    return A2l::Parse(sources, main, choices);
+}
+
+UpdateResult UpdateDescription(const UpdateArguments& arguments, const Document& document,
+                               const DataModel::DataModel& model) {
+    const DataModel::ImageDescription& image = model.Image();
+    const bool isElf = image.container == Reader::DWARF::DWARFContainerType::Container_ELF;
+    const A2l::SymbolIndex index(model, isElf ? A2l::UnderscoreHabit::None
+                                              : A2l::UnderscoreHabit::InFront);
+    PhaseBar bar(arguments.read, "updating", document.objects.size());
+    A2l::UpdateChoices choices;
+    choices.missing = MissingChoiceOf(arguments.missing);
+    choices.hasBitMasks = arguments.bitMasks;
+    choices.isBigEndian = image.byteOrder == DataModel::ByteOrder::Big;
+    choices.isWordAddressed = arguments.wordAddresses;
+    choices.progress = [&bar](std::size_t done) { bar.Set(done); };
+    return A2l::Update(document, model, index, choices);
+}
+
+void WriteReport(const UpdateArguments& arguments, const Document& document,
+                 const UpdateResult& result, FileReplacement& file) {
+    const bool isJson = std::filesystem::path(arguments.report).extension() == ".json";
+    ResultOutput output(file.Buffer());
+    const auto table = MakeTableWriter(isJson ? TableFormat::Json : TableFormat::Csv,
+                                       A2l::UpdateColumns(), output);
+    WriteUpdateRows(document, result, MissingChoiceOf(arguments.missing), *table);
+    output.Sync();
+    file.Finish();
+}
+
+void WriteToOutput(const Source& source, const UpdateResult& result, ResultOutput& output) {
+    const auto edits = result.edits.find(&source);
+    const A2l::TextEdits none;
+    (edits == result.edits.end() ? none : edits->second)
+        .Write(source.Bytes(), [&output](std::string_view text) { output.Write(text); });
+}
+
+/// @return false if included files would have to change that are not written
+bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
+                  const UpdateResult& result, ResultOutput& output) {
+    A2l::OutputPlan plan;
+    if (arguments.inPlace) {
+        plan = PlanInPlace(sources, result);
+    } else if (!arguments.output.empty()) {
+        plan = PlanAt(arguments.output, sources, result);
+    } else {
+        plan = PlanForMainAlone(sources, result);
+        WriteToOutput(*sources.All().front(), result, output);
+    }
+    WriteFiles(plan, result);
+    for (const Source* const source : plan.stale) {
+        Tell(source->Path(),
+             "this included file has " + std::to_string(result.edits.at(source).All().size()) +
+                 " places to change and is not written; --in-place changes it, -o with "
+                 "a file in another folder writes it there");
+    }
+    return plan.stale.empty();
+}
+
+ExitStatus RunChecked(const UpdateArguments& arguments, ResultOutput& output) {
+    SourceSet sources(LoadIfThere);
+    const Document document = ParseDescription(arguments, sources);
+    DataModel::DataModel model;
+    const ReadResult read = ReadSession(arguments.read).Read(arguments.image, model);
+    if (!read.isOk) {
+        // What such a read has not delivered would look as if the image lacked it.
+        return ReportResult(arguments.image, read);
+    }
+    if (!model.Image().isLinked) {
+        Tell(arguments.image, "an object file has no addresses yet; give the linked image");
+        return ExitStatus::Failed;
+    }
+    if (model.Image().isWordAddressed && !arguments.wordAddresses) {
+        Tell(arguments.image,
+             "this target counts memory in words of 16 bits, and addresses are written "
+             "in bytes; --word-addresses writes them in words");
+    }
+    const UpdateResult result = UpdateDescription(arguments, document, model);
+    std::optional<FileReplacement> report;
+    if (!arguments.report.empty()) {
+        report.emplace(arguments.report);
+        WriteReport(arguments, document, result, *report);
+    }
+    TellUpdate(document, result, MissingChoiceOf(arguments.missing), report.has_value());
+    const bool isSame = result.edits.empty();
+    const bool isComplete =
+        arguments.check ? isSame : WriteResults(arguments, sources, result, output);
+    if (report) {
+        report->Commit();
+    }
+    return isComplete ? ExitStatus::Success : ExitStatus::Failed;
+}
+
+ExitStatus RunUpdate(const UpdateArguments& arguments, ResultOutput& output) {
+    try {
+        return RunChecked(arguments, output);
+    } catch (const A2l::Fault& fault) {
+        Tell(fault.what());
+    } catch (const OutputError&) {
+        throw;
+    } catch (const std::system_error& error) {
+        Tell(error.what());
+    }
+    return ExitStatus::Failed;
+}
+
+} // namespace
+
+void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group) {
+    const auto arguments = std::make_shared<UpdateArguments>();
+    CLI::App& command = commandLine.AddCommandTo(
+        group,
+        {"update", "Give the objects of an A2L file the addresses of an image",
+         "brindle a2l update --report moved.csv -o new.a2l old.a2l firmware.elf",
+         "Only addresses change; every other byte stays. Objects are looked up by their "
+         "SYMBOL_LINK, "
+         "else by\ntheir name. The exit status is 1 if --check finds something to change, or if an "
+         "included file\nwould have to change and is not written."},
+        [arguments](ResultOutput& output) { return RunUpdate(*arguments, output); });
+    command.add_option("A2L", arguments->input, "The description to update")
+        ->required()
+        ->type_name("");
+    command.add_option("IMAGE", arguments->image, "The file to read addresses from")
+        ->required()
+        ->type_name("");
+    CLI::Option* const output =
+        command
+            .add_option("-o,--output", arguments->output, "Write to FILE, not to standard output")
+            ->option_text("FILE")
+            ->take_last();
+    CLI::Option* const inPlace =
+        command.add_flag("--in-place", arguments->inPlace,
+                         "Change the description itself, and the files that it includes");
+    CLI::Option* const check =
+        command.add_flag("--check", arguments->check, "Change nothing; tell by the exit status");
+    output->excludes(inPlace);
+    check->excludes(output)->excludes(inPlace);
+    command
+        .add_option(
+            "--report", arguments->report,
+            "Write what became of each object to FILE, as JSON if it ends in .json, else as "
+            "CSV")
+        ->option_text("FILE")
+        ->take_last();
+    AddChoiceArgument(command, "--missing", arguments->missing, {"keep", "zero", "remove"},
+                      "What becomes of objects that the image lacks");
+    command.add_flag("--bit-masks", arguments->bitMasks, "Change BIT_MASK of bit fields as well");
+    command.add_flag("--word-addresses", arguments->wordAddresses,
+                     "Count addresses in words of 16 bits, for targets that do so");
+    AddReadArguments(command, arguments->read);
+}
+
+} // namespace Tessel::Norn::Brindle::Program

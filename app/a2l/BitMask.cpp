@@ -1,0 +1,67 @@
+#include "a2l/BitMask.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <tuple>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+namespace {
+
+constexpr std::int64_t sBitsOfByte = 8;
+constexpr std::uint64_t sLargestNumber = 8;
+/// No storage unit is larger.
+constexpr std::uint64_t sLargestUnit = 64;
+
+std::uint64_t Ones(std::uint64_t count) {
+    return count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
+}
+
+/// The byte of the unit, little-endian, that holds the last bit of a field.
+std::int64_t LastByte(const DataModel::DataModel::Place& place) {
+    return (place.bitOffset + static_cast<std::int64_t>(place.bitSize) - 1) / sBitsOfByte;
+}
+
+} // namespace
+
+// The number may begin on any byte, before the storage unit of the field too if it is larger: in a
+// unit of 4 bytes, little-endian, bit 13 is bit 13 of a ULONG, bit 5 of the UBYTE at 1, bit 5 of
+// the UWORD at 1 or bit 13 of the UWORD at 0. Big-endian, it is bit 5 of the UBYTE at 2.
+std::optional<MaskedPlace> FindMaskedPlace(const DataModel::DataModel::Place& place,
+                                           std::uint64_t size, bool isBigEndian,
+                                           std::optional<std::uint64_t> wantedMask) {
+    const bool isSane = size >= 1 && size <= sLargestNumber && place.size >= 1 &&
+                        place.size <= sLargestUnit && place.bitOffset >= 0 && place.bitSize >= 1 &&
+                        place.bitSize <= sLargestNumber * sBitsOfByte;
+    if (!isSane) {
+        return std::nullopt;
+    }
+    const auto spare = static_cast<std::int64_t>(place.size) - static_cast<std::int64_t>(size);
+    std::optional<MaskedPlace> best;
+    // Which place is better: the mask that is wanted, an aligned number, one that begins nearer.
+    std::tuple<bool, bool, std::int64_t> bestRank;
+    // A packed field may go on in the byte behind its unit.
+    const std::int64_t end =
+        isBigEndian ? 0 : LastByte(place) + 1 - static_cast<std::int64_t>(size);
+    for (std::int64_t start = std::min<std::int64_t>(spare, 0);
+         start <= std::max<std::int64_t>({spare, 0, end}); ++start) {
+        const std::int64_t behind = isBigEndian ? spare - start : start;
+        const std::int64_t shift = place.bitOffset - sBitsOfByte * behind;
+        const bool isInside =
+            shift >= 0 && static_cast<std::uint64_t>(shift) + place.bitSize <= size * sBitsOfByte;
+        if (!isInside) {
+            continue;
+        }
+        const MaskedPlace found{place.address + static_cast<std::uint64_t>(start),
+                                Ones(place.bitSize) << static_cast<std::uint64_t>(shift)};
+        const std::tuple rank(wantedMask == found.mask, found.address % size == 0,
+                              -std::abs(start));
+        if (!best || rank > bestRank) {
+            best = found;
+            bestRank = rank;
+        }
+    }
+    return best;
+}
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

@@ -1,0 +1,296 @@
+#include "a2l/Comparison.h"
+
+#include "a2l/Datatypes.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <set>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+namespace {
+
+using DataModel::ModelObject;
+using DataModel::ObjectId;
+using DataModel::ObjectKind;
+
+/// So many differences of one structure or enumeration are told.
+constexpr std::size_t sMostDetails = 3;
+
+template <typename Value>
+const Value* Lookup(const Module::ByName<Value>& table, std::string_view name) {
+    const auto found = table.find(name);
+    return found == table.end() ? nullptr : &found->second;
+}
+
+std::string Count(std::uint64_t count) {
+    return std::to_string(count);
+}
+
+std::string Quoted(std::string_view text) {
+    return "'" + std::string(text) + "'";
+}
+
+/// What a list says in a few words.
+class Details {
+public:
+    void Add(std::string_view text) {
+        if (mCount++ < sMostDetails) {
+            mText.append(mText.empty() ? "" : ", ").append(text);
+        }
+    }
+    [[nodiscard]] std::string Text() const {
+        return mCount > sMostDetails ? mText + ", ..." : mText;
+    }
+
+private:
+    std::string mText;
+    std::size_t mCount = 0;
+};
+
+/// An integer, also one that is written as "2.0".
+std::optional<std::int64_t> IntegerValue(std::string_view text) {
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    constexpr double most = 9.0e15;
+    const bool isInteger =
+        error == std::errc() && rest == end && std::abs(value) < most && value == std::floor(value);
+    if (!isInteger) {
+        return std::nullopt;
+    }
+    // The reader keeps the values of unsigned enumerations in 32 bits with a sign.
+    const auto number = static_cast<std::int64_t>(value);
+    const bool isUnsigned = number > std::numeric_limits<std::int32_t>::max() &&
+                            number <= std::numeric_limits<std::uint32_t>::max();
+    return isUnsigned ? static_cast<std::int32_t>(static_cast<std::uint32_t>(number)) : number;
+}
+
+} // namespace
+
+std::vector<Difference> Comparison::Compare(const Object& object, const SymbolIndex::Place& place) {
+    std::vector<Difference> differences;
+    if (place.isBitField) {
+        // The mask says what counts; the update compares it.
+        CompareEnumeration(object, place.type, differences);
+        return differences;
+    }
+    const bool isWhole = object.linkOffset == 0;
+    if (const std::optional<Values> values = ValuesOf(object)) {
+        CompareValues(*values, object, place, differences);
+    } else if (object.kind == BlockKind::Blob && isWhole) {
+        CompareSize(object.points, place, differences);
+    } else if (const TypeDefinition* const type = TypeOf(object); type != nullptr && isWhole) {
+        if (type->kind == TypeDefinition::Kind::Structure ||
+            type->kind == TypeDefinition::Kind::Blob) {
+            CompareSize(type->size * std::max<std::uint64_t>(object.elements, 1), place,
+                        differences);
+            CompareComponents(*type, place.type, differences);
+        }
+    }
+    return differences;
+}
+
+std::optional<std::uint64_t> Comparison::NumberSize(const Object& object) const {
+    const std::string_view datatype = object.kind == BlockKind::Measurement
+                                          ? object.type
+                                          : DatatypeOfLayout(object, object.layout);
+    const std::optional<Scalar> scalar = ScalarOfDatatype(datatype);
+    return scalar ? std::optional(scalar->size) : std::nullopt;
+}
+
+std::string_view Comparison::DatatypeOfLayout(const Object& object, std::string_view layout) const {
+    const RecordLayout* const known = Lookup(mDocument.modules[object.module].layouts, layout);
+    if (known == nullptr || known->entries != 1) {
+        return {};
+    }
+    return object.kind == BlockKind::AxisPoints ? known->axis : known->values;
+}
+
+const TypeDefinition* Comparison::TypeOf(const Object& object) const {
+    return object.kind == BlockKind::Instance
+               ? Lookup(mDocument.modules[object.module].types, object.layout)
+               : nullptr;
+}
+
+std::optional<Comparison::Values> Comparison::ValuesOf(const Object& object) const {
+    const std::uint64_t elements = std::max<std::uint64_t>(object.elements, 1);
+    switch (object.kind) {
+    case BlockKind::Measurement:
+        return Values{object.type, elements};
+    case BlockKind::Characteristic:
+    case BlockKind::AxisPoints: {
+        const std::string_view datatype = DatatypeOfLayout(object, object.layout);
+        const bool hasPoints = object.kind == BlockKind::AxisPoints || object.points != 0;
+        return datatype.empty()
+                   ? std::nullopt
+                   : std::optional(Values{datatype, hasPoints ? object.points : elements});
+    }
+    case BlockKind::Instance:
+        return ValuesOfType(object);
+    case BlockKind::Blob:
+        break;
+    }
+    return std::nullopt;
+}
+
+std::optional<Comparison::Values> Comparison::ValuesOfType(const Object& object) const {
+    const TypeDefinition* const type = TypeOf(object);
+    if (type == nullptr) {
+        return std::nullopt;
+    }
+    const std::uint64_t elements =
+        std::max<std::uint64_t>(object.elements, 1) * std::max<std::uint64_t>(type->elements, 1);
+    const bool isMeasurement = type->kind == TypeDefinition::Kind::Measurement;
+    const bool isPlain = type->kind == TypeDefinition::Kind::Characteristic &&
+                         (type->type == "VALUE" || type->type == "VAL_BLK");
+    const std::string_view datatype =
+        isMeasurement ? type->type
+                      : (isPlain ? DatatypeOfLayout(object, type->layout) : std::string_view());
+    return datatype.empty() ? std::nullopt : std::optional(Values{datatype, elements});
+}
+
+void Comparison::CompareValues(const Values& values, const Object& object,
+                               const SymbolIndex::Place& place,
+                               std::vector<Difference>& differences) {
+    const std::optional<Scalar> wanted = ScalarOfDatatype(values.datatype);
+    if (!wanted) {
+        return;
+    }
+    // A part of an array that has some of its indices is one of elements that are left.
+    const std::uint64_t partCount =
+        place.indexedDimensions == 0
+            ? 0
+            : place.size / std::max<std::uint64_t>(mModel.ElementStride(place.type), 1);
+    const std::uint64_t whole = place.size;
+    const bool isUnion =
+        mModel.Object(mModel.WithoutTypedefs(place.type)).kind == ObjectKind::Union;
+    std::optional<Elements> first;
+    for (const ObjectId type :
+         mIndex.TypesAt(place.type, static_cast<std::uint64_t>(object.linkOffset) * mAddressUnit)) {
+        Elements elements = ElementsOf(mModel, type);
+        if (partCount != 0 && type == place.type) {
+            elements = {mModel.Object(mModel.WithoutTypedefs(type)).type, partCount};
+        }
+        const std::optional<Scalar> scalar = ScalarOfType(mModel, elements.type);
+        // The first element of an array or member of a structure isn't what the name stands for.
+        const bool isMeant = object.linkOffset != 0 || isUnion || mModel.SizeOf(type) == whole ||
+                             (partCount != 0 && type == place.type);
+        if (!scalar || !isMeant) {
+            continue;
+        }
+        if (scalar->Fits(*wanted) && elements.count == values.count) {
+            CompareEnumeration(object, elements.type, differences);
+            return;
+        }
+        first = first ? first : std::optional(elements);
+    }
+    if (!first) {
+        const bool isTypeKnown =
+            mModel.Object(mModel.WithoutTypedefs(place.type)).kind != ObjectKind::Unknown;
+        if (object.linkOffset == 0 && (isTypeKnown || wanted->size * values.count > place.size)) {
+            CompareSize(wanted->size * values.count, place, differences);
+        }
+        return;
+    }
+    const std::optional<Scalar> scalar = ScalarOfType(mModel, first->type);
+    if (scalar && !scalar->Fits(*wanted)) {
+        differences.push_back(
+            {"datatype", std::string(values.datatype), mModel.TypeText(first->type)});
+    }
+    if (first->count != values.count) {
+        differences.push_back({"elements", Count(values.count), Count(first->count)});
+    }
+    CompareEnumeration(object, first->type, differences);
+}
+
+void Comparison::CompareSize(std::uint64_t size, const SymbolIndex::Place& place,
+                             std::vector<Difference>& differences) const {
+    if (size != place.size && place.size != 0) {
+        differences.push_back({"size", Count(size), Count(place.size)});
+    }
+}
+
+void Comparison::CompareEnumeration(const Object& object, ObjectId type,
+                                    std::vector<Difference>& differences) {
+    const ModelObject enumeration = mModel.Object(mModel.WithoutTypedefs(type));
+    const Module& module = mDocument.modules[object.module];
+    const std::string_view* const name = Lookup(module.conversions, object.conversion);
+    const ConversionTable* const table = name != nullptr ? Lookup(module.tables, *name) : nullptr;
+    if (enumeration.id == 0 || enumeration.kind != ObjectKind::Enum || table == nullptr) {
+        return;
+    }
+    const auto [known, isNew] = mKnown.try_emplace({table, enumeration.id});
+    if (isNew) {
+        CompareTexts(*table, enumeration.id, known->second);
+    }
+    differences.insert(differences.end(), known->second.begin(), known->second.end());
+}
+
+void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration,
+                              std::vector<Difference>& differences) const {
+    // Several enumerators may have one value; any of their names is right.
+    std::multimap<std::int64_t, std::string_view> names;
+    for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
+        names.emplace(enumerator.value, enumerator.name);
+    }
+    std::set<std::int64_t> values;
+    Details inFile;
+    Details inImage;
+    for (const auto& [valueText, text] : table.pairs) {
+        const std::optional<std::int64_t> value = IntegerValue(valueText);
+        if (!value) {
+            // Of a table with other numbers nothing can be said.
+            return;
+        }
+        values.insert(*value);
+        const auto [first, last] = names.equal_range(*value);
+        const bool isSame =
+            std::any_of(first, last, [&text](const auto& known) { return known.second == text; });
+        if (!isSame) {
+            inFile.Add(std::string(valueText) + " " + Quoted(text));
+            inImage.Add(std::string(valueText) + " " +
+                        (first == last ? "none" : Quoted(first->second)));
+        }
+    }
+    for (const auto& [value, text] : names) {
+        if (!values.contains(value)) {
+            inFile.Add(std::to_string(value) + " none");
+            inImage.Add(std::to_string(value) + " " + Quoted(text));
+        }
+    }
+    if (!inFile.Text().empty()) {
+        differences.push_back({"enumeration", inFile.Text(), inImage.Text()});
+    }
+}
+
+void Comparison::CompareComponents(const TypeDefinition& definition, ObjectId type,
+                                   std::vector<Difference>& differences) {
+    const ObjectId plain = mModel.WithoutTypedefs(ElementsOf(mModel, type).type);
+    const auto [known, isNew] = mKnown.try_emplace({&definition, plain});
+    if (isNew) {
+        const MemberTable& members = mIndex.MembersOf(plain);
+        Details inFile;
+        Details inImage;
+        for (const StructureComponent& component : definition.components) {
+            const std::string_view name = component.link.empty() ? component.name : component.link;
+            const Member* const member = members.Find(name);
+            if (member != nullptr && member->isBitField) {
+                continue;
+            }
+            if (member == nullptr || member->offset != component.offset) {
+                inFile.Add(std::string(component.name) + " at " + Count(component.offset));
+                inImage.Add(std::string(component.name) +
+                            (member == nullptr ? " missing" : " at " + Count(member->offset)));
+            }
+        }
+        if (!inFile.Text().empty()) {
+            known->second.push_back({"structure", inFile.Text(), inImage.Text()});
+        }
+    }
+    differences.insert(differences.end(), known->second.begin(), known->second.end());
+}
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

@@ -1,0 +1,75 @@
+// What a description says of the type of an object, held against the image. The update tells the
+// differences; it changes nothing for them.
+#pragma once
+
+#include "a2l/Document.h"
+#include "a2l/SymbolIndex.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+/// One thing in which file and image differ.
+struct Difference {
+    /// "datatype", "elements", "size", "bitMask", "enumeration" or "structure".
+    std::string_view what;
+    std::string inFile;
+    std::string inImage;
+};
+
+class Comparison {
+public:
+    /// All borrowed; must not change during the life of the object.
+    /// @param addressUnit bytes that one address of the description stands for
+    Comparison(const Document& document, const DataModel::DataModel& model,
+               const SymbolIndex& index, std::uint64_t addressUnit)
+        : mDocument(document)
+        , mModel(model)
+        , mIndex(index)
+        , mAddressUnit(addressUnit) {}
+
+    /// @param place where the symbol of the object leads, without the offset of its link
+    std::vector<Difference> Compare(const Object& object, const SymbolIndex::Place& place);
+
+    /// Bytes of the number that a tool reads for an object; nothing if the file doesn't say.
+    [[nodiscard]] std::optional<std::uint64_t> NumberSize(const Object& object) const;
+
+private:
+    /// Equal scalars, one after the other.
+    struct Values {
+        std::string_view datatype;
+        std::uint64_t count = 1;
+    };
+
+    [[nodiscard]] std::string_view DatatypeOfLayout(const Object& object,
+                                                    std::string_view layout) const;
+    [[nodiscard]] std::optional<Values> ValuesOf(const Object& object) const;
+    [[nodiscard]] std::optional<Values> ValuesOfType(const Object& object) const;
+    [[nodiscard]] const TypeDefinition* TypeOf(const Object& object) const;
+    void CompareValues(const Values& values, const Object& object, const SymbolIndex::Place& place,
+                       std::vector<Difference>& differences);
+    void CompareSize(std::uint64_t size, const SymbolIndex::Place& place,
+                     std::vector<Difference>& differences) const;
+    void CompareEnumeration(const Object& object, DataModel::ObjectId type,
+                            std::vector<Difference>& differences);
+    void CompareTexts(const ConversionTable& table, DataModel::ObjectId enumeration,
+                      std::vector<Difference>& differences) const;
+    void CompareComponents(const TypeDefinition& definition, DataModel::ObjectId type,
+                           std::vector<Difference>& differences);
+
+    const Document& mDocument;
+    const DataModel::DataModel& mModel;
+    const SymbolIndex& mIndex;
+    std::uint64_t mAddressUnit;
+    /// What was found out about a structure or table of the file and a type of the image, since
+    /// many objects share both.
+    std::map<std::pair<const void*, DataModel::ObjectId>, std::vector<Difference>> mKnown;
+};
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

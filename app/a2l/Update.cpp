@@ -1,0 +1,254 @@
+#include "a2l/Update.h"
+
+#include "a2l/BitMask.h"
+#include "a2l/Numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <set>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+namespace {
+
+/// The largest address of A2L, whose addresses have 32 bits.
+constexpr std::uint64_t sLargestAddress = std::numeric_limits<std::uint32_t>::max();
+
+bool IsBlank(char character) {
+    return character == ' ' || character == '\t';
+}
+
+/// A span with the blanks around it that would be left over without it: the rest of its lines if
+/// they hold nothing else, otherwise the blanks before it.
+TextEdit Removal(const Span& span) {
+    const std::string_view text = span.source->Bytes();
+    std::size_t start = span.position;
+    std::size_t end = span.position + span.length;
+    while (start > 0 && IsBlank(text[start - 1])) {
+        --start;
+    }
+    std::size_t lineEnd = end;
+    while (lineEnd < text.size() && (IsBlank(text[lineEnd]) || text[lineEnd] == '\r')) {
+        ++lineEnd;
+    }
+    const bool beginsLine = start == 0 || text[start - 1] == '\n';
+    const bool endsLine = lineEnd == text.size() || text[lineEnd] == '\n';
+    if (beginsLine && endsLine) {
+        end = std::min(lineEnd + 1, text.size());
+    } else if (beginsLine) {
+        start = span.position;
+    }
+    return {start, end - start, {}};
+}
+
+/// True if most addresses with letters have capital ones.
+bool HasCapitals(const Document& document) {
+    std::size_t capital = 0;
+    std::size_t small = 0;
+    for (const Object& object : document.objects) {
+        const std::optional<bool> isCapital = LetterCase(object.address.span.Text());
+        capital += isCapital == true ? 1U : 0U;
+        small += isCapital == false ? 1U : 0U;
+    }
+    return capital >= small;
+}
+
+std::string Hexadecimal(std::uint64_t number) {
+    return Notation("0x0", true).Write(number);
+}
+
+class Updater {
+public:
+    Updater(const Document& document, const DataModel::DataModel& model, const SymbolIndex& index,
+            const UpdateChoices& choices)
+        : mDocument(document)
+        , mIndex(index)
+        , mChoices(choices)
+        , mComparison(document, model, index, choices.isWordAddressed ? 2 : 1)
+        , mHasCapitals(HasCapitals(document)) {}
+
+    UpdateResult Run() {
+        mResult.objects.reserve(mDocument.objects.size());
+        for (std::size_t position = 0; position < mDocument.objects.size(); ++position) {
+            constexpr std::size_t step = 1024;
+            if (mChoices.progress && position % step == 0) {
+                mChoices.progress(position);
+            }
+            TakeObject(position);
+        }
+        RemoveMentions();
+        AddRemarks();
+        for (auto& [source, edits] : mResult.edits) {
+            edits.Sort();
+        }
+        return std::move(mResult);
+    }
+
+private:
+    void TakeObject(std::size_t position) {
+        const Object& object = mDocument.objects[position];
+        if (!object.address.span.IsSet()) {
+            ++mResult.withoutAddress;
+            return;
+        }
+        ObjectResult result;
+        result.object = position;
+        result.newAddress = object.address.value;
+        result.newMask = object.bitMask.value;
+        const std::string_view symbol =
+            object.link.length != 0 ? object.link.Text() : object.name.Text();
+        const SymbolIndex::Answer answer = mIndex.Find(symbol);
+        if (answer.outcome == SymbolIndex::Outcome::Found) {
+            TakePlace(object, answer.place, result);
+        } else {
+            const bool isMissing = answer.outcome == SymbolIndex::Outcome::Missing;
+            result.status = isMissing ? Status::NotFound : Status::Ambiguous;
+            result.problem = answer.problem;
+            if (isMissing) {
+                if (mNearNamesLeft > 0) {
+                    --mNearNamesLeft;
+                    result.nearNames = mIndex.NearNames(symbol, answer);
+                }
+                TakeMissing(object, result);
+            }
+        }
+        if (result.status != Status::Unchanged) {
+            result.nowAtOldAddress = mIndex.NameAt(object.address.value * AddressUnit());
+        }
+        ++mResult.counts[static_cast<std::size_t>(result.status)];
+        mResult.objects.push_back(std::move(result));
+    }
+
+    void TakePlace(const Object& object, const SymbolIndex::Place& place, ObjectResult& result) {
+        result.differences = mComparison.Compare(object, place);
+        MaskedPlace masked{place.address, object.bitMask.value};
+        if (place.isBitField && object.linkOffset == 0) {
+            masked = PlaceOfBits(object, place, result);
+        }
+        const std::uint64_t start = masked.address / AddressUnit();
+        const auto offset = static_cast<std::uint64_t>(object.linkOffset);
+        const std::uint64_t target = start + offset;
+        const bool isWrapped = offset != 0 && (object.linkOffset < 0) != (target < start);
+        // A file that has larger addresses is for a tool that takes them.
+        if (isWrapped || (target > sLargestAddress && object.address.value <= sLargestAddress)) {
+            result.status = Status::OutOfRange;
+            result.problem = isWrapped
+                                 ? "the offset of the link leads out of the memory"
+                                 : "the address " + Hexadecimal(target) + " has more than 32 bits";
+            return;
+        }
+        result.newAddress = target;
+        Change(object.address, target, result);
+        if (object.bitMask.span.IsSet() && mChoices.hasBitMasks) {
+            result.newMask = masked.mask;
+            Change(object.bitMask, masked.mask, result);
+        }
+    }
+
+    /// Bytes from one address of the description to the next.
+    [[nodiscard]] std::uint64_t AddressUnit() const { return mChoices.isWordAddressed ? 2 : 1; }
+
+    /// The number that a tool reads for a bit field, and the bits of it that count.
+    MaskedPlace PlaceOfBits(const Object& object, const SymbolIndex::Place& place,
+                            ObjectResult& result) {
+        const bool hasMask = object.bitMask.span.IsSet();
+        const std::string inFile = hasMask ? Hexadecimal(object.bitMask.value) : "none";
+        const std::optional<MaskedPlace> masked =
+            FindMaskedPlace(place, mComparison.NumberSize(object).value_or(place.size),
+                            object.isBigEndian.value_or(mChoices.isBigEndian),
+                            hasMask ? std::optional(object.bitMask.value) : std::nullopt);
+        if (!masked) {
+            result.differences.push_back(
+                {"bitMask", inFile,
+                 std::to_string(place.bitSize) + " bits, which the datatype does not hold"});
+            return {place.address, object.bitMask.value};
+        }
+        const bool isRight = hasMask && object.bitMask.value == masked->mask;
+        if (!isRight && !(hasMask && mChoices.hasBitMasks)) {
+            result.differences.push_back({"bitMask", inFile, Hexadecimal(masked->mask)});
+        }
+        return *masked;
+    }
+
+    void TakeMissing(const Object& object, ObjectResult& result) {
+        if (mChoices.missing == MissingChoice::Zero && object.address.value != 0) {
+            Write(object.address, 0);
+            result.newAddress = 0;
+        }
+        // A block that begins in one file and ends in another stays.
+        if (mChoices.missing == MissingChoice::Remove && object.block.IsSet()) {
+            mResult.edits[object.block.source].Add(Removal(object.block));
+            mRemoved.emplace(object.module, object.name.Text());
+            result.isRemoved = true;
+        }
+    }
+
+    void Change(const NumberAt& number, std::uint64_t value, ObjectResult& result) {
+        if (number.value != value) {
+            Write(number, value);
+            result.status = Status::Updated;
+        }
+    }
+
+    void Write(const NumberAt& number, std::uint64_t value) {
+        mResult.edits[number.span.source].Add(
+            {number.span.position, number.span.length,
+             Notation(number.span.Text(), mHasCapitals).Write(value)});
+    }
+
+    void RemoveMentions() {
+        for (const Mention& mention : mDocument.mentions) {
+            if (mRemoved.contains({mention.module, mention.name.Text()})) {
+                mResult.edits[mention.name.source].Add(Removal(mention.name));
+            }
+        }
+    }
+
+    void AddRemarks() {
+        std::size_t variantAddresses = 0;
+        bool isOtherOrder = false;
+        for (const Module& module : mDocument.modules) {
+            variantAddresses += module.variantAddresses;
+            isOtherOrder = isOtherOrder || (module.isBigEndian.has_value() &&
+                                            *module.isBigEndian != mChoices.isBigEndian);
+        }
+        if (isOtherOrder) {
+            mResult.remarks.emplace_back(
+                std::string("BYTE_ORDER in MOD_COMMON is not that of the image, which has its most "
+                            "significant byte ") +
+                (mChoices.isBigEndian ? "first (MSB_FIRST)" : "last (MSB_LAST)"));
+        }
+        if (variantAddresses != 0) {
+            mResult.remarks.push_back(
+                std::to_string(variantAddresses) +
+                " addresses in VAR_ADDRESS have no symbol and stay as they are");
+        }
+    }
+
+    const Document& mDocument;
+    const SymbolIndex& mIndex;
+    const UpdateChoices& mChoices;
+    Comparison mComparison;
+    bool mHasCapitals;
+    UpdateResult mResult;
+    /// Of an image that lacks them all, nobody wants to know what else there is.
+    std::size_t mNearNamesLeft = 2000;
+    std::set<std::pair<std::size_t, std::string_view>> mRemoved;
+};
+
+} // namespace
+
+std::string_view NameOf(Status status) {
+    constexpr std::array<std::string_view, sStatusCount> names = {
+        "unchanged", "updated", "notFound", "ambiguous", "outOfRange"};
+    return names[static_cast<std::size_t>(status)];
+}
+
+UpdateResult Update(const Document& document, const DataModel::DataModel& model,
+                    const SymbolIndex& index, const UpdateChoices& choices) {
+    return Updater(document, model, index, choices).Run();
+}
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

@@ -1,0 +1,83 @@
+// Brings the addresses of a description to those of an image. It decides what is to change and why;
+// the command writes the texts and the report.
+#pragma once
+
+#include "a2l/Comparison.h"
+#include "a2l/Document.h"
+#include "a2l/SymbolIndex.h"
+#include "a2l/TextEdits.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+enum class Status : std::uint8_t {
+    Unchanged,
+    Updated,
+    /// The image has nothing of the name.
+    NotFound,
+    /// The image has several things of the name.
+    Ambiguous,
+    /// The address doesn't fit into what A2L has room for.
+    OutOfRange,
+};
+constexpr std::size_t sStatusCount = 5;
+
+/// The name of a status in reports, such as "notFound".
+std::string_view NameOf(Status status);
+
+/// What becomes of objects that the image lacks.
+enum class MissingChoice : std::uint8_t { Keep, Zero, Remove };
+
+struct UpdateChoices {
+    MissingChoice missing = MissingChoice::Keep;
+    /// Change bit masks as well.
+    bool hasBitMasks = false;
+    /// Byte order of the image.
+    bool isBigEndian = false;
+    /// Addresses of the description count words of 16 bits, those of the image bytes.
+    bool isWordAddressed = false;
+    /// Called now and then with the number of objects that are done; may be empty.
+    std::function<void(std::size_t done)> progress;
+};
+
+struct ObjectResult {
+    /// Position among the objects of the document.
+    std::size_t object = 0;
+    Status status = Status::Unchanged;
+    /// What the object has afterwards.
+    std::uint64_t newAddress = 0;
+    std::uint64_t newMask = 0;
+    bool isRemoved = false;
+    /// Why it was not found, for a person.
+    std::string problem;
+    /// Names like the one that was not found.
+    std::string nearNames;
+    /// What the image has at the address that the file gave, where that is no longer the object.
+    std::string nowAtOldAddress;
+    std::vector<Difference> differences;
+};
+
+struct UpdateResult {
+    /// One for each object that has an address, in the order of the text.
+    std::vector<ObjectResult> objects;
+    /// Changes for each source that has any, in order.
+    std::unordered_map<const Source*, TextEdits> edits;
+    /// Things that concern no single object, for a person.
+    std::vector<std::string> remarks;
+    /// Objects without an address, which measurements may be.
+    std::size_t withoutAddress = 0;
+    std::size_t counts[sStatusCount] = {};
+};
+
+/// @param model the image; `index` is one of it
+UpdateResult Update(const Document& document, const DataModel::DataModel& model,
+                    const SymbolIndex& index, const UpdateChoices& choices);
+
+} // namespace Tessel::Norn::Brindle::Program::A2l
