@@ -2,6 +2,10 @@
 // work to the command line.
 #pragma once
 
+namespace CLI {
+class App;
+}
+
 namespace Tessel::Norn::Brindle::Program {
 
 class CommandLine;
@@ -15,7 +19,14 @@ void AddTypesCommand(CommandLine& commandLine);
 void AddDiffCommand(CommandLine& commandLine);
 void AddDumpCommand(CommandLine& commandLine);
 void AddTraceCommand(CommandLine& commandLine);
+void AddA2lCommands(CommandLine& commandLine);
 void AddDemangleCommand(CommandLine& commandLine);
+/// @}
+
+/// @name Each adds one command to the group `a2l`.
+/// @{
+void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group);
+void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group);
 /// @}
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -24,6 +24,7 @@ ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     AddDiffCommand(commandLine);
     AddDumpCommand(commandLine);
     AddTraceCommand(commandLine);
+    AddA2lCommands(commandLine);
     AddDemangleCommand(commandLine);
     const ExitStatus status = commandLine.Run(argumentCount, arguments, output);
     output.Sync();

@@ -20,8 +20,16 @@ def output_of(*arguments):
     return subprocess.run(arguments, capture_output=True, check=True, timeout=60).stdout.decode()
 
 
+def commands_of(*group):
+    """The commands that a help lists, none for the help of a command."""
+    parts = output_of(PROGRAM, *group, "--help").split("Commands:")
+    return re.findall(r"^  ([a-z0-9]+) ", parts[1], re.M) if len(parts) > 1 else []
+
+
 def commands():
-    return re.findall(r"^  ([a-z]+) ", output_of(PROGRAM, "--help").split("Commands:")[1], re.M)
+    """All commands, those of a group with its name in front."""
+    return [" ".join([name, *inner]) for name in commands_of()
+            for inner in ([[inner] for inner in commands_of(name)] or [[]])]
 
 
 def options(*command):
@@ -44,9 +52,10 @@ class ManPageTest(unittest.TestCase):
 
     def test_it_has_the_commands_and_options_of_the_program_and_no_others(self):
         synopsis = self.text.split(".Sh SYNOPSIS")[1].split(".Sh DESCRIPTION")[0]
-        self.assertEqual(re.findall(r"^\.Cm (\w+)$", synopsis, re.M), commands())
-        self.assertEqual(re.findall(r"^\.It Cm (\w+)$", self.text, re.M), commands())
-        known = {option for command in commands() for option in options(command)} | {*options()}
+        self.assertEqual(re.findall(r"^\.Cm ([\w ]+)$", synopsis, re.M), commands())
+        self.assertEqual(re.findall(r"^\.It Cm ([\w ]+)$", self.text, re.M), commands())
+        known = {option for command in commands() for option in options(*command.split())}
+        known |= {*options()}
         told = {"-" + option for option in re.findall(r"Fl (-[a-z-]+)", self.text)}
         self.assertEqual(told, known)
         items = "\n".join(re.findall(r"^\.It .*$", self.text, re.M))
@@ -81,12 +90,14 @@ _brindle "$1" "${COMP_WORDS[COMP_CWORD]}" ""
         return done.stdout.decode().splitlines()
 
     def test_commands_and_options_are_those_of_the_program(self):
-        self.assertEqual(self.complete(""), commands())
-        self.assertEqual(self.complete("d"), [name for name in commands() if name[0] == "d"])
+        self.assertEqual(self.complete(""), commands_of())
+        self.assertEqual(self.complete("d"), [name for name in commands_of() if name[0] == "d"])
+        self.assertEqual(self.complete("a2l", ""), commands_of("a2l"))
         self.assertEqual(self.complete("--"), options())
-        for command in commands():
+        for command in [*commands(), "a2l"]:
             with self.subTest(command=command):
-                self.assertEqual(self.complete(command, "--"), options(command))
+                words = command.split()
+                self.assertEqual(self.complete(*words, "--"), options(*words))
 
     def test_values_of_options(self):
         for option in ["--format", "--container"]:
@@ -125,7 +136,7 @@ class ReadmeTest(unittest.TestCase):
                 done = subprocess.run([PROGRAM, *shlex.split(call)[1:]], cwd=SOURCE, timeout=60,
                                       stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
                 self.assertEqual(shown, done.stdout.decode())
-        self.assertEqual(re.findall(r"^\| `brindle (\w+) ", text, re.M), commands())
+        self.assertEqual(re.findall(r"^\| `brindle ((?:a2l )?\w+) ", text, re.M), commands())
 
 
 if __name__ == "__main__":

@@ -1,0 +1,168 @@
+// The command `a2l export`: writes a description of an image.
+#include "CommandLine.h"
+#include "Commands.h"
+#include "FileReplacement.h"
+#include "Message.h"
+#include "NamePattern.h"
+#include "ReadArguments.h"
+#include "ReadSession.h"
+#include "ResultOutput.h"
+
+#include "a2l/Export.h"
+#include "model/DataModel.h"
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using A2l::ExportChoices;
+using A2l::ExportResult;
+using A2l::Version;
+
+struct ExportArguments {
+    ReadArguments read;
+    ExportChoices choices;
+    std::string image;
+    std::string output;
+    std::string version;
+};
+
+/// A pattern for sections that fits none is a slip, which would show as missing characteristics
+/// only.
+bool HasSections(const ExportArguments& arguments, const DataModel::DataModel& model) {
+    const std::vector<DataModel::ImageSection>& sections = model.Image().sections;
+    for (const std::string& pattern : arguments.choices.sections) {
+        const bool isKnown = std::ranges::any_of(sections, [&pattern](const auto& section) {
+            return MatchesPattern(section.name, pattern);
+        });
+        if (!isKnown) {
+            std::string names;
+            for (const DataModel::ImageSection& section : sections) {
+                names.append(names.empty() ? "" : ", ").append(section.name);
+            }
+            Tell(arguments.image, "no section fits '" + pattern + "'; there are " + names);
+            return false;
+        }
+    }
+    return true;
+}
+
+void TellResult(const ExportArguments& arguments, const ExportResult& result) {
+    for (const std::string& omission : result.omissions) {
+        Tell(arguments.image, omission);
+    }
+    Tell(arguments.image, std::to_string(result.measurements) + " measurements, " +
+                              std::to_string(result.characteristics) + " characteristics" +
+                              (arguments.choices.hasStructures
+                                   ? ", " + std::to_string(result.instances) + " instances"
+                                   : ""));
+}
+
+ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
+    DataModel::DataModel model;
+    const ReadResult read = ReadSession(arguments.read).Read(arguments.image, model);
+    if (!read.isOk) {
+        // A description of half an image would pass for one of the whole.
+        return ReportResult(arguments.image, read);
+    }
+    if (!model.Image().isLinked) {
+        Tell(arguments.image, "an object file has no addresses yet; give the linked image");
+        return ExitStatus::Failed;
+    }
+    if (model.Image().isWordAddressed && !arguments.choices.hasWordAddresses) {
+        Tell(arguments.image,
+             "this target counts memory in words of 16 bits, and addresses are written "
+             "in bytes; --word-addresses writes them in words");
+    }
+    if (!HasSections(arguments, model)) {
+        return ExitStatus::Failed;
+    }
+    if (arguments.output.empty()) {
+        TellResult(arguments, Export(model, arguments.choices, output));
+        return ExitStatus::Success;
+    }
+    try {
+        FileReplacement file(arguments.output);
+        ResultOutput fileOutput(file.Buffer());
+        const ExportResult result = Export(model, arguments.choices, fileOutput);
+        fileOutput.Sync();
+        file.Finish();
+        file.Commit();
+        TellResult(arguments, result);
+        return ExitStatus::Success;
+    } catch (const std::system_error& error) {
+        Tell(arguments.output, error.code().message());
+        return ExitStatus::Failed;
+    }
+}
+
+void SetVersion(ExportArguments& arguments) {
+    ExportChoices& choices = arguments.choices;
+    if (arguments.version.empty()) {
+        choices.version = choices.hasStructures ? Version::V1_7_1 : Version::V1_6;
+        return;
+    }
+    choices.version = arguments.version == "1.5.1" ? Version::V1_5_1
+                      : arguments.version == "1.6" ? Version::V1_6
+                                                   : Version::V1_7_1;
+    if (choices.hasStructures && choices.version != Version::V1_7_1) {
+        throw CLI::ValidationError("--structures", "structures need --file-version 1.7.1");
+    }
+}
+
+} // namespace
+
+void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
+    const auto arguments = std::make_shared<ExportArguments>();
+    CLI::App& command = commandLine.AddCommandTo(
+        group,
+        {"export", "Write an A2L file of the variables of an image",
+         "brindle a2l export -o firmware.a2l firmware.elf 'motors*'",
+         "Variables that can be written are measurements; those in read-only sections are "
+         "characteristics, and\nthose that --characteristics and --section name."},
+        [arguments](ResultOutput& output) { return RunExport(*arguments, output); });
+    ExportChoices& choices = arguments->choices;
+    command.add_option("IMAGE", arguments->image, "The file to read")->required()->type_name("");
+    command
+        .add_option("PATTERN", choices.patterns,
+                    "Only the variables and leaves whose name fits one of these: * stands for any "
+                    "characters, ? for one")
+        ->type_name("");
+    command.add_option("-o,--output", arguments->output, "Write to FILE, not to standard output")
+        ->option_text("FILE")
+        ->take_last();
+    command.add_flag("--fragment", choices.isFragment,
+                     "Write objects and what they refer to alone, for an /include in a MODULE");
+    const auto addPatterns = [&command](const std::string& name, std::vector<std::string>& patterns,
+                                        const std::string& purpose) {
+        command.add_option(name, patterns, purpose)
+            ->option_text("PATTERN")
+            ->allow_extra_args(false);
+    };
+    addPatterns("--characteristics", choices.characteristics,
+                "Variables and leaves that are characteristics wherever they lie; repeatable");
+    addPatterns("--section", choices.sections,
+                "Sections whose variables are characteristics; repeatable");
+    command.add_flag(
+        "--structures", choices.hasStructures,
+        "Write structures as TYPEDEF_STRUCTURE and INSTANCE, which need version 1.7.1");
+    command
+        .add_option("--file-version", arguments->version,
+                    "Version of the format (1.6; 1.7.1 with --structures)")
+        ->check(CLI::IsMember({"1.5.1", "1.6", "1.7.1"}))
+        ->option_text("1.5.1|1.6|1.7.1")
+        ->take_last();
+    command.add_flag("--word-addresses", choices.hasWordAddresses,
+                     "Count addresses in words of 16 bits, for targets that do so");
+    AddLeafLimitArguments(command, choices.limits);
+    AddReadArguments(command, arguments->read);
+    command.parse_complete_callback([arguments] { SetVersion(*arguments); });
+}
+
+} // namespace Tessel::Norn::Brindle::Program

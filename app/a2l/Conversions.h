@@ -1,0 +1,42 @@
+// The conversions of an export: a table of texts for each enumeration that its objects have.
+#pragma once
+
+#include "a2l/Identifiers.h"
+#include "model/DataModel.h"
+
+#include <map>
+#include <string>
+#include <unordered_map>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+class Conversions {
+public:
+    /// @param model borrowed; must not change during the life of the object
+    explicit Conversions(const DataModel::DataModel& model);
+
+    /// The name of the conversion of a type, NO_COMPU_METHOD for all but enumerations.
+    std::string Of(DataModel::ObjectId type);
+
+    /// COMPU_METHOD and COMPU_VTAB for each name that was given out.
+    [[nodiscard]] std::string Text() const;
+
+private:
+    struct Table {
+        std::string name;
+        /// Pairs of value and text as COMPU_VTAB has them.
+        std::string pairs;
+        std::size_t count = 0;
+    };
+
+    [[nodiscard]] Table MakeTable(DataModel::ObjectId enumeration) const;
+
+    const DataModel::DataModel& mModel;
+    /// How many different tables the enumerations of a name have.
+    std::unordered_map<std::string, std::map<std::string, std::size_t>> mTablesOfName;
+    std::unordered_map<DataModel::ObjectId, std::string> mNames;
+    /// Those that were given out, in order.
+    std::map<std::string, Table> mUsed;
+};
+
+} // namespace Tessel::Norn::Brindle::Program::A2l

@@ -1,0 +1,86 @@
+// The types of an export: what a value is in A2L, and structures as types of their own.
+#pragma once
+
+#include "a2l/BitMask.h"
+#include "a2l/Conversions.h"
+#include "a2l/Export.h"
+#include "a2l/ExportText.h"
+#include "a2l/Identifiers.h"
+#include "a2l/SymbolIndex.h"
+#include "model/DataModel.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+/// A bit field as a number with a mask.
+struct ExportedBits {
+    std::string_view datatype;
+    MaskedPlace place;
+};
+
+/// @param size bytes of the storage unit; @param address where it lies
+/// @param hasLongMasks whether masks may have 64 bits
+/// @return nothing if no number of A2L holds the field
+std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std::uint64_t address,
+                                   bool isBigEndian, bool hasLongMasks);
+
+/// Dimensions of an array, of arrays in it too, innermost first; empty for anything else.
+std::vector<std::uint64_t> DimensionsOf(const DataModel::DataModel& model,
+                                        DataModel::ObjectId type);
+
+class ExportTypes {
+public:
+    /// All borrowed; model and index must not change during the life of the object.
+    ExportTypes(const DataModel::DataModel& model, const SymbolIndex& index,
+                Conversions& conversions)
+        : mModel(model)
+        , mIndex(index)
+        , mConversions(conversions) {}
+
+    /// A scalar or an array of scalars; something of which only the size is known as its bytes.
+    /// Nothing for anything else, and for scalars that the version has no datatype for.
+    [[nodiscard]] std::optional<ExportedValues> ValuesOf(DataModel::ObjectId type, Version version);
+
+    /// The name of the type that a structure becomes, which `Text` then defines.
+    /// @param isCalibrated whether its members are characteristics
+    std::string NameOfStructure(DataModel::ObjectId structure, bool isCalibrated);
+
+    /// Definitions of all types that were named, those of their members included.
+    std::string Text();
+    /// Datatypes whose record layouts the definitions refer to. To be asked after `Text`.
+    [[nodiscard]] const std::set<std::string_view>& LayoutDatatypes() const { return mDatatypes; }
+    /// Members for which A2L has no datatype.
+    [[nodiscard]] std::size_t LeftOut() const { return mLeftOut; }
+
+private:
+    using Key = std::pair<DataModel::ObjectId, bool>;
+
+    [[nodiscard]] std::string BaseNameOf(DataModel::ObjectId structure) const;
+    [[nodiscard]] std::string StructureText(const Key& key);
+    void AppendComponent(std::string& text, const Member& member, bool isCalibrated);
+    [[nodiscard]] std::string NameOfValues(const ExportedValues& values, bool isCalibrated);
+
+    const DataModel::DataModel& mModel;
+    const SymbolIndex& mIndex;
+    Conversions& mConversions;
+    IdentifierSet mNames;
+    std::map<Key, std::string> mStructures;
+    /// Structures that are named and not yet defined, in order.
+    std::vector<Key> mPending;
+    /// Definitions of scalars by what they say.
+    std::map<std::string, std::string> mValueNames;
+    std::string mValueText;
+    std::set<std::string_view> mDatatypes;
+    std::size_t mLeftOut = 0;
+};
+
+} // namespace Tessel::Norn::Brindle::Program::A2l
