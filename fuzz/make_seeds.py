@@ -38,6 +38,23 @@ DATATYPES = ["", "BYTE", "UBYTE", "WORD", "UWORD", "DWORD", "UDWORD", "QWORD", "
 PATHS = ["a", "a.n[1][2].a", "::a.u", "ns::a[0]", "a.Base::id", "a[0].n.bits", "T<a.b>.n[0][0]", "a.b",
          "a..b", "a[", "a[99999999999999999999]", "[", "::", ""]
 
+A2L = [
+    'ASAP2_VERSION 1 60 /begin PROJECT p "" /begin MODULE m "" %s /end MODULE /end PROJECT',
+    '/begin MEASUREMENT a "" UWORD C 0 0 0 1 ECU_ADDRESS 0x0000 /end MEASUREMENT',
+    '/begin MEASUREMENT s.b "" UWORD C 0 0 0 1 BIT_MASK 0x1 ECU_ADDRESS 0X0a /end MEASUREMENT',
+    '/begin CHARACTERISTIC k "" VAL_BLK 12 RL 0 C 0 1 SYMBOL_LINK "s.t._1_" 2 MATRIX_DIM 3 1 1 '
+    '/end CHARACTERISTIC /begin RECORD_LAYOUT RL FNC_VALUES 1 UWORD ROW_DIR DIRECT /end RECORD_LAYOUT',
+    '/begin AXIS_PTS x@u.c "" 0x00 N RL 0 C 3 0 1 /* c */ /end AXIS_PTS // end',
+    '/begin INSTANCE s "" T 0x1 /end INSTANCE /begin TYPEDEF_STRUCTURE T "" 16 '
+    '/begin STRUCTURE_COMPONENT m M 0 /end STRUCTURE_COMPONENT /end TYPEDEF_STRUCTURE',
+    '/begin MEASUREMENT s.m "" UWORD CM 0 0 0 1 ECU_ADDRESS 1 /end MEASUREMENT /begin COMPU_METHOD CM "" '
+    'TAB_VERB "%1.0" "" COMPU_TAB_REF V /end COMPU_METHOD /begin COMPU_VTAB V "" TAB_VERB 1 1 "OFF" '
+    '/end COMPU_VTAB',
+    '/begin GROUP g "" /begin REF_MEASUREMENT gone a /end REF_MEASUREMENT /end GROUP /begin BLOB gone "" '
+    '1 2 /begin IF_DATA X "\\"" /end IF_DATA /end BLOB',
+    '/include part', '/include "main"', '/begin BLOB far "" 0x100000000 1 /end BLOB',
+]
+
 LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "117f", "034000000023 10",
              "0340000000 0804 22", "0340000000 0804 1c", "0340000000 9d 03 05", "9100", "2304", "50", "9f"]
 
@@ -150,6 +167,10 @@ class Seeds:
             self.add("datatype", str(index), bytes([0x80 + index, 1, 0, 0, index, 0]) + text.encode())
         for index, text in enumerate(PATHS):
             self.add("paths", str(index), text.encode())
+        for index, text in enumerate(A2L[1:]):
+            for choice in (0, 1, 3, 4, 8, 16):
+                self.add("a2l", f"{index}-{choice}", bytes([choice]) + text.encode())
+            self.add("a2l", f"{index}-whole", b"\1" + (A2L[0] % text).encode())
         for index, text in enumerate(LOCATIONS):
             expression = bytes.fromhex(text.replace(" ", ""))
             self.add("locations", f"entry-{index}", bytes([4, 0, len(expression), 0]) + expression)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Fuzzes one target for a time: fuzz.sh TARGET SECONDS [JOBS]. TARGET is read, sections, entries,
-# locations, demangler, datatype or paths. The search goes on from the inputs of earlier runs in
+# locations, demangler, datatype, paths or a2l. The search goes on from the inputs of earlier runs in
 # build/fuzz-corpus/TARGET. One input may take 10 seconds and 1 GB; an input that crashes, hangs or
 # breaks a promise ends the run and is kept in build/fuzz-findings/TARGET.
 set -euo pipefail

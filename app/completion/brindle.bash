@@ -7,6 +7,9 @@ _brindle_options() {
     vars | find) echo "--help $reading --format" ;;
     leaves | diff) echo "--help $reading --max-elements --max-leaves --format" ;;
     types | dump | trace) echo "--help $reading" ;;
+    a2l) echo '--help' ;;
+    'a2l update') echo "--help --output --in-place --check --report --missing --bit-masks --word-addresses $reading" ;;
+    'a2l export') echo "--help --output --fragment --characteristics --section --structures --file-version --word-addresses --max-elements --max-leaves $reading" ;;
     demangle) echo '--help --itanium --set' ;;
     *) echo '--help --version --list-options' ;;
     esac
@@ -39,6 +42,9 @@ _brindle_words() {
     fi
     command=''
     ((${#words[@]} < 2)) || [[ ${words[0]} == -* ]] || command=${words[0]}
+    if [[ $command == a2l ]] && ((${#words[@]} > 2)); then
+        command+=" ${words[1]}"
+    fi
 }
 
 _brindle() {
@@ -54,13 +60,18 @@ _brindle() {
         mapfile -t COMPREPLY < <(compgen -S = -W \
             "$("$1" --list-options 2>/dev/null | awk 'NR > 1 { print $1 }')" -- "$current")
         ;;
-    --language | --max-elements | --max-leaves) ;;
+    --missing) mapfile -t COMPREPLY < <(compgen -W 'keep zero remove' -- "$current") ;;
+    --file-version) mapfile -t COMPREPLY < <(compgen -W '1.5.1 1.6 1.7.1' -- "$current") ;;
+    -o | --output | --report) _brindle_files "$current" ;;
+    --language | --max-elements | --max-leaves | --characteristics | --section) ;;
     *)
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W "$(_brindle_options "$command")" -- "$current")
         elif [[ -z $command ]]; then
             mapfile -t COMPREPLY < <(compgen -W \
-                'vars leaves find types diff dump trace demangle' -- "$current")
+                'vars leaves find types diff dump trace a2l demangle' -- "$current")
+        elif [[ $command == a2l ]]; then
+            mapfile -t COMPREPLY < <(compgen -W 'update export' -- "$current")
         elif [[ $command != demangle ]]; then
             _brindle_files "$current"
         fi
