@@ -139,6 +139,9 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     if (!result.isOk) {
         result.error = std::exchange(mError, {});
         result.remark = SystemProblem(file);
+        if (result.error.find("ELF_TRY_READ_CORRUPTED_COMPILE_UNITS") != std::string::npos) {
+            result.remark = "--set mTryReadCorruptedCompileUnits=1";
+        }
         if (result.remark.empty() && mContainer == "auto" &&
             result.container == DWARFContainerType::Container_COFF) {
             result.remark = "Read as COFF, being neither ELF nor a Windows image";
@@ -151,6 +154,9 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     // The reader's own words on such a file are numbers alone.
     if (result.remark.empty()) {
         captured.Tell(file);
+    }
+    for (const Reader::DWARF::ReadRemark& remark : mReader.GetRemarks().All()) {
+        Tell(file, remark.text);
     }
     return result;
 }

@@ -76,6 +76,13 @@ struct Elf32_Sym {
 constexpr std::uint8_t sSymbolTypeNone = 0;
 constexpr std::uint8_t sSymbolTypeObject = 1;
 
+/// Type of files that aren't linked yet (`ET_REL`).
+constexpr std::uint16_t sElfTypeRelocatable = 1;
+
+/// Flags of sections (`SHF_GROUP`, `SHF_COMPRESSED`).
+constexpr std::uint64_t sSectionInGroup = 0x200;
+constexpr std::uint64_t sSectionCompressed = 0x800;
+
 /// Machines of which the reader knows peculiarities.
 constexpr std::uint16_t sMachineDsPic30F = 118;
 constexpr std::uint16_t sMachineTiC2000 = 141;

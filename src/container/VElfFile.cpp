@@ -1,5 +1,6 @@
 #include "container/VElfFile.h"
 
+#include "core/HostText.h"
 #include "emit/VCLIFactoryWrapper.h"
 
 #include <algorithm>
@@ -29,6 +30,9 @@ constexpr SectionName sSectionNames[] = {
     {".debug_str_offsets", &VElfFile::mSecDebugStrOffsets},
     {".debug_addr", &VElfFile::mSecDebugAddr},
     {".debug_loclists", &VElfFile::mSecDebugLoclists},
+    {".debug_sup", &VElfFile::mSecDebugSup},
+    {".gnu_debugaltlink", &VElfFile::mSecGnuDebugAltLink},
+    {".rela.debug_info", &VElfFile::mSecRelaDebugInfo},
     {".pubtypes", &VElfFile::mSecPubtypes},
     {".debug_line", &VElfFile::mSecDebugLine},
     {".debug_pubnames", &VElfFile::mSecDebugPubnames},
@@ -45,7 +49,26 @@ VElfFile::VElfFile(const std::string& path, VDWARFReaderWrapper* reader)
 
 VElfFile::~VElfFile() = default;
 
+bool VElfFile::IsUnlinked() const {
+    return mManner == ReadingManner::Full && mElfHeader.e_type == sElfTypeRelocatable;
+}
+
+bool VElfFile::IsPassedOver(std::string_view name, const Elf64_Shdr& section) {
+    const bool isCompressed =
+        name.starts_with(".zdebug_") ||
+        (name.starts_with(".debug_") && (section.sh_flags & sSectionCompressed) != 0);
+    if (isCompressed && !mRemarks.Has(ReadRemarkKind::CompressedSections)) {
+        mRemarks.AddCompressedSections(ToHostText(name));
+    }
+    // Groups of an object hold further sections of the same names, a type each.
+    const bool isInGroup = IsUnlinked() && (section.sh_flags & sSectionInGroup) != 0;
+    return isCompressed || isInGroup;
+}
+
 bool VElfFile::AssignSection(std::string_view name, const Elf64_Shdr& section) {
+    if (mManner == ReadingManner::Full && IsPassedOver(name, section)) {
+        return true;
+    }
     const auto* known = std::ranges::find(sSectionNames, name, &SectionName::name);
     if (known == std::end(sSectionNames)) {
         return false;

@@ -15,6 +15,7 @@
 #include "container/VElfSymbolNamesMap.h"
 #include "container/VImageSections.h"
 #include "container/VPEImage.h"
+#include "core/ReadRemarks.h"
 #include "core/ReadingManner.h"
 #include "core/VElfOptions.h"
 #include "host/ImageDescription.h"
@@ -93,8 +94,11 @@ public:
     bool ReadPEFileSymbolTable();
 
     /// @}
+    /// True in the full manner for an object that isn't linked yet, whose addresses say nothing.
+    [[nodiscard]] bool IsUnlinked() const;
     /// Stores a section that a container holds under its name, in place of an earlier one of that
-    /// name.
+    /// name. In the full manner one whose contents can't be taken as they lie in the file is passed
+    /// over, with a remark.
     /// @return false if the reader has no use for the name
     bool AssignSection(std::string_view name, const Elf64_Shdr& section);
 
@@ -140,6 +144,7 @@ public:
 
     /// Holds for the whole read.
     const ReadingManner mManner = ChosenManner();
+    ReadRemarks mRemarks;
     VPEImage mPEImage;
     /// Facts of the headers that nothing else keeps; see `DescribeImage`.
     DataModel::ImageDescription mImage;
@@ -164,6 +169,10 @@ public:
     Elf64_Shdr mSecDebugStrOffsets;
     Elf64_Shdr mSecDebugAddr;
     Elf64_Shdr mSecDebugLoclists;
+    Elf64_Shdr mSecDebugSup;
+    Elf64_Shdr mSecGnuDebugAltLink;
+    /// Relocations of `.debug_info`, with the values that belong in the places of it.
+    Elf64_Shdr mSecRelaDebugInfo;
     Elf64_Shdr mSecPubtypes;
     Elf64_Shdr mSecDebugLine;
     Elf64_Shdr mSecDebugPubnames;
@@ -183,6 +192,7 @@ private:
     bool LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted);
     bool LoadSymbolNames();
     bool ReadSymbol(Elf32_Sym& symbol, VElfBuffer& buffer) const;
+    bool IsPassedOver(std::string_view name, const Elf64_Shdr& section);
     bool CheckIdentification(VElfBuffer& buffer);
     void ReadHeaderFields(VElfBuffer& buffer);
     void AssignNecSection(std::string_view name, const Elf64_Shdr& section);

@@ -51,6 +51,9 @@ bool VElfFile::ReadElfHeader() {
     mImage.is64Bit = mIs64Bit;
     mIsWordAddressedTarget = mElfHeader.e_machine == sMachineTiC2000;
     mIsDsPicTarget = mElfHeader.e_machine == sMachineDsPic30F;
+    if (IsUnlinked()) {
+        mRemarks.AddRelocatableObject();
+    }
     return true;
 }
 

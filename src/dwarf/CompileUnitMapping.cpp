@@ -280,6 +280,10 @@ bool VDwarf2Section::MapCompileUnits() {
         outcome = MapUnitsOf(mElfFile->mSecDebugTypes, UnitSection::DebugTypes,
                              BytesInFile(*mElfFile, mElfFile->mSecDebugInfo));
     }
+    if (mLinkage == Linkage::NothingInPlace && mCompileUnits.size() > 1) {
+        // Only of the first unit it's sure where its abbreviations lie: at the section's start.
+        mCompileUnits.resize(1);
+    }
     if (outcome == MappingOutcome::Mapped) {
         for (VCompileUnitHeader* header : mCompileUnits) {
             mCompileUnitRanges.Insert(header->mFilePos, static_cast<std::int32_t>(header->mLength),

@@ -1,7 +1,5 @@
 #include "dwarf/DieForms.h"
 
-#include "dwarf/DwarfConstants.h"
-
 #include <algorithm>
 #include <array>
 
@@ -25,6 +23,11 @@ struct FormProperties {
 struct VendorTarget {
     std::uint32_t attribute = 0;
     AttributeTarget target = AttributeTarget::None;
+};
+
+struct TagAlias {
+    dwarf_tag tag = 0;
+    dwarf_tag readAs = 0;
 };
 
 namespace {
@@ -97,6 +100,39 @@ constexpr auto sFullVendorForms = [] {
     return forms;
 }();
 
+/// Forms of addresses.
+constexpr std::uint32_t sAddressForms[] = {
+    DW_FORM_addr,   DW_FORM_addrx,  DW_FORM_addrx1,         DW_FORM_addrx2,
+    DW_FORM_addrx3, DW_FORM_addrx4, DW_FORM_GNU_addr_index,
+};
+
+/// Forms whose values are, or lead to, offsets of sections.
+constexpr std::uint32_t sOffsetForms[] = {
+    DW_FORM_strp,  DW_FORM_ref_addr, DW_FORM_sec_offset, DW_FORM_line_strp,
+    DW_FORM_strx,  DW_FORM_strx1,    DW_FORM_strx2,      DW_FORM_strx3,
+    DW_FORM_strx4, DW_FORM_loclistx, DW_FORM_rnglistx,   DW_FORM_GNU_str_index,
+};
+
+/// The forms with the values of some absent.
+/// @param first code of the first of them
+template <std::size_t Count>
+constexpr auto Without(std::array<FormProperties, Count> forms,
+                       std::span<const std::uint32_t> absent, std::uint32_t first) {
+    for (const std::uint32_t form : absent) {
+        if (form - first < Count) {
+            forms[form - first].value = FormValue::Absent;
+        }
+    }
+    return forms;
+}
+
+constexpr auto sFormsWithoutAddresses = Without(sFullForms, sAddressForms, 0);
+constexpr auto sVendorFormsWithoutAddresses =
+    Without(sFullVendorForms, sAddressForms, sFirstVendorForm);
+constexpr auto sUnlinkedForms = Without(sFormsWithoutAddresses, sOffsetForms, 0);
+constexpr auto sUnlinkedVendorForms =
+    Without(sVendorFormsWithoutAddresses, sOffsetForms, sFirstVendorForm);
+
 constexpr auto sClassicTargets = [] {
     std::array<AttributeTarget, DW_AT_linkage_name + 1> targets{};
     targets[DW_AT_location] = AttributeTarget::Location;
@@ -124,9 +160,12 @@ constexpr auto sClassicTargets = [] {
 constexpr auto sFullTargets = [] {
     std::array<AttributeTarget, DW_AT_loclists_base + 1> targets{};
     std::ranges::copy(sClassicTargets, targets.begin());
+    targets[DW_AT_import] = AttributeTarget::Import;
+    targets[DW_AT_signature] = AttributeTarget::Signature;
     targets[DW_AT_language] = AttributeTarget::Language;
     targets[DW_AT_abstract_origin] = AttributeTarget::AbstractOrigin;
     targets[DW_AT_data_bit_offset] = AttributeTarget::DataBitOffset;
+    targets[DW_AT_dwo_name] = AttributeTarget::SplitFile;
     targets[DW_AT_str_offsets_base] = AttributeTarget::TextOffsetsBase;
     targets[DW_AT_addr_base] = AttributeTarget::AddressesBase;
     targets[DW_AT_loclists_base] = AttributeTarget::LocationListsBase;
@@ -135,7 +174,14 @@ constexpr auto sFullTargets = [] {
 
 constexpr auto sFullVendorTargets = std::to_array<VendorTarget>({
     {DW_AT_MIPS_linkage_name, AttributeTarget::LinkageName},
+    {DW_AT_GNU_dwo_name, AttributeTarget::SplitFile},
     {DW_AT_GNU_addr_base, AttributeTarget::AddressesBase},
+});
+
+/// Kinds of unit that count as compile units.
+constexpr auto sFullTagAliases = std::to_array<TagAlias>({
+    {DW_TAG_partial_unit, DW_TAG_compile_unit},
+    {DW_TAG_skeleton_unit, DW_TAG_compile_unit},
 });
 
 } // namespace
@@ -144,11 +190,26 @@ bool IsReferenceForm(std::uint32_t form) {
     return form < sFullForms.size() && sFullForms[form].value == FormValue::Reference;
 }
 
-const DieForms& DieForms::Of(ReadingManner manner) {
-    static constexpr DieForms sClassic(sClassicForms, {}, sClassicTargets, {}, true);
+const DieForms& DieForms::Of(ReadingManner manner, Linkage linkage) {
+    static constexpr DieForms sClassic(sClassicForms, {}, sClassicTargets, {}, {}, true);
     static constexpr DieForms sFull(sFullForms, sFullVendorForms, sFullTargets, sFullVendorTargets,
-                                    false);
-    return manner == ReadingManner::Full ? sFull : sClassic;
+                                    sFullTagAliases, false);
+    static constexpr DieForms sWithoutAddresses(sFormsWithoutAddresses,
+                                                sVendorFormsWithoutAddresses, sFullTargets,
+                                                sFullVendorTargets, sFullTagAliases, false);
+    static constexpr DieForms sUnlinked(sUnlinkedForms, sUnlinkedVendorForms, sFullTargets,
+                                        sFullVendorTargets, sFullTagAliases, false);
+    if (manner == ReadingManner::Classic) {
+        return sClassic;
+    }
+    switch (linkage) {
+    case Linkage::OffsetsInPlace:
+        return sWithoutAddresses;
+    case Linkage::NothingInPlace:
+        return sUnlinked;
+    default:
+        return sFull;
+    }
 }
 
 FormProperties DieForms::PropertiesOf(std::uint32_t form) const {
@@ -157,6 +218,11 @@ FormProperties DieForms::PropertiesOf(std::uint32_t form) const {
     }
     const std::uint32_t place = form - sFirstVendorForm;
     return place < mVendorForms.size() ? mVendorForms[place] : FormProperties{};
+}
+
+dwarf_tag DieForms::TagOf(dwarf_tag tag) const {
+    const auto alias = std::ranges::find(mTagAliases, tag, &TagAlias::tag);
+    return alias != mTagAliases.end() ? alias->readAs : tag;
 }
 
 FormReading DieForms::ReadingOf(std::uint32_t form) const {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/ReadingManner.h"
+#include "dwarf/DwarfConstants.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -66,6 +67,10 @@ enum class FormReading : std::uint8_t {
 
 constexpr bool IsBlock(FormReading reading) {
     return reading >= FormReading::Block1 && reading <= FormReading::BlockLeb128;
+}
+
+constexpr bool GivesIndexedAddress(FormReading reading) {
+    return reading >= FormReading::AddressIndex1 && reading <= FormReading::AddressIndexLeb128;
 }
 
 /// True if the value is a section offset of an entry; references of other readings are unit
@@ -133,8 +138,11 @@ enum class AttributeTarget : std::uint8_t {
     LinkageName,
     AbstractOrigin,
     DataBitOffset,
+    Import,
+    Signature,
     // Of units, see `VUnitFacts`.
     Language,
+    SplitFile,
     TextOffsetsBase,
     AddressesBase,
     LocationListsBase,
@@ -143,14 +151,22 @@ enum class AttributeTarget : std::uint8_t {
 /// True if values of the form refer to debug entries.
 bool IsReferenceForm(std::uint32_t form);
 
+/// How far the values of forms are those of the finished file. Linkers fill in offsets of sections
+/// and addresses; before, some formats have the offsets in place and others keep all aside.
+enum class Linkage : std::uint8_t { Linked, OffsetsInPlace, NothingInPlace };
+
 struct FormProperties;
+struct TagAlias;
 struct VendorTarget;
 
 /// The forms and attributes of one manner of reading.
 class DieForms {
 public:
-    static const DieForms& Of(ReadingManner manner);
+    /// @param linkage doesn't matter in the classic manner
+    static const DieForms& Of(ReadingManner manner, Linkage linkage = Linkage::Linked);
 
+    /// The tag under which entries of a tag are read.
+    [[nodiscard]] dwarf_tag TagOf(dwarf_tag tag) const;
     [[nodiscard]] FormReading ReadingOf(std::uint32_t form) const;
     [[nodiscard]] AttributeTarget TargetOf(std::uint32_t attribute) const;
     /// The target of an attribute that comes in this form; `None` if the value says nothing to it.
@@ -160,11 +176,13 @@ private:
     constexpr DieForms(std::span<const FormProperties> forms,
                        std::span<const FormProperties> vendorForms,
                        std::span<const AttributeTarget> targets,
-                       std::span<const VendorTarget> vendorTargets, bool takesBlocksAsNumbers)
+                       std::span<const VendorTarget> vendorTargets,
+                       std::span<const TagAlias> tagAliases, bool takesBlocksAsNumbers)
         : mForms(forms)
         , mVendorForms(vendorForms)
         , mTargets(targets)
         , mVendorTargets(vendorTargets)
+        , mTagAliases(tagAliases)
         , mTakesBlocksAsNumbers(takesBlocksAsNumbers) {}
 
     [[nodiscard]] FormProperties PropertiesOf(std::uint32_t form) const;
@@ -176,6 +194,7 @@ private:
     /// By code.
     std::span<const AttributeTarget> mTargets;
     std::span<const VendorTarget> mVendorTargets;
+    std::span<const TagAlias> mTagAliases;
     bool mTakesBlocksAsNumbers;
 };
 

@@ -13,14 +13,16 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 void VDie2::ReadUnitFacts() {
     const std::int32_t start = mBuffer->GetOffset();
-    if (ReadAbbrevCode() == Entry::Decoded) {
+    if (ReadAbbrevCode() == Entry::Decoded && mItem->mAttributeCount <= mAttributesLeft) {
         for (const TDieAttribute& attribute : mAbbrevTable->AttributesOf(*mItem)) {
             mBuffer->MoveOffset(attribute.mSkip);
             const TDieAttribute direct = attribute.mReading == FormReading::Indirect
                                              ? FollowIndirectForm(attribute)
                                              : attribute;
             VDieFormValue value;
-            if (ReadFormValue(direct, value)) {
+            const bool hasValue = ReadFormValue(direct, value);
+            // That there is a name says enough.
+            if (hasValue || direct.mAttribute == AttributeTarget::SplitFile) {
                 StoreUnitFact(direct.mAttribute, value);
             }
         }
@@ -39,6 +41,9 @@ void VDie2::StoreUnitFact(AttributeTarget target, const VDieFormValue& value) {
         break;
     case AttributeTarget::LocationListsBase:
         facts.mLocationListsBase = value.mNumber;
+        break;
+    case AttributeTarget::SplitFile:
+        facts.mIsSplit = true;
         break;
     case AttributeTarget::Language:
         facts.mDefaultLowerBound = DefaultLowerBound(value.mNumber);
@@ -102,6 +107,7 @@ bool VDie2::ReadIndexedValue(FormReading reading, VDieFormValue& value) {
         value.mNumber = static_cast<std::uint32_t>(address.value_or(0));
         return address.has_value();
     }
+    // The list is a matter of locations.
     case FormReading::LocationListIndex:
         value.mNumber = mBuffer->GetULEB128();
         return true;

@@ -2,11 +2,14 @@
 // number becomes one static number, or the entry is marked as having none.
 #include "core/AddressWidth.h"
 #include "dwarf/LocationExpression.h"
+#include "dwarf/UnitAddresses.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
+#include "dwarf/VDwarf2Section.h"
 #include "dwarf/VLocTabBuffer.h"
+#include "dwarf/VLocationLists.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -21,8 +24,9 @@ void VDie2::ReadLocation(const TDieAttribute& attribute) {
     const bool isMember = attribute.mAttribute == AttributeTarget::MemberLocation;
     (isMember ? mHasMemberLocation : mHasLocation) = true;
     std::uint64_t value = 0;
-    const bool isStatic = IsBlock(attribute.mReading) ? ReadLocationBlock(attribute.mReading, value)
-                                                      : ReadLocationNumber(attribute, value);
+    const bool isStatic = IsBlock(attribute.mReading)
+                              ? ReadLocationBlock(attribute.mReading, value)
+                              : (this->*mReadLocationNumber)(attribute, value);
     value *= mBuffer->IsWordAddressedTarget() ? 2U : 1U;
     if (!isStatic) {
         mIsRegisterOrStackLocation = true;
@@ -45,8 +49,7 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint64_t& value) {
     }
     const std::int32_t end = mBuffer->GetOffset();
     mBuffer->SetOffset(start);
-    const VLocationResult location =
-        EvaluateLocation(*mBuffer, end, ExpressionPlace::Entry, mManner);
+    const VLocationResult location = EvaluateLocationBlock(end);
     mBuffer->SetOffset(end);
     if (location.mHasBitField) {
         mBitFieldFromLocation = true;
@@ -55,6 +58,14 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint64_t& value) {
     }
     value = location.mValue;
     return location.mIsValid;
+}
+
+VLocationResult VDie2::EvaluateLocationBlock(std::int32_t end) {
+    if (mSection->mUnitTables == nullptr) {
+        return EvaluateLocation(*mBuffer, end, ExpressionPlace::Entry, mManner);
+    }
+    const UnitAddresses addresses(*mSection->mUnitTables, *mUnitReader);
+    return EvaluateLocation(*mBuffer, end, ExpressionPlace::Entry, mManner, &addresses);
 }
 
 std::uint64_t VDie2::ReadPlainLocation(const TDieAttribute& attribute) {
@@ -70,13 +81,34 @@ std::uint64_t VDie2::ReadPlainLocation(const TDieAttribute& attribute) {
     }
 }
 
-bool VDie2::ReadLocationNumber(const TDieAttribute& attribute, std::uint64_t& value) {
-    value = ReadPlainLocation(attribute);
+bool VDie2::NamesLocationList(const TDieAttribute& attribute) const {
     const bool isDataForm = attribute.mForm == DW_FORM_data4 || attribute.mForm == DW_FORM_data8;
-    const bool isListOffset =
-        attribute.mForm == DW_FORM_sec_offset ||
-        (isDataForm && mUnitReader->mHeader.mDwarfVersion < sVersionOfSectionOffsets);
-    if (!isListOffset || !mLocTabBuffer->IsLoaded()) {
+    return attribute.mForm == DW_FORM_sec_offset ||
+           (isDataForm && mUnitReader->mHeader.mDwarfVersion < sVersionOfSectionOffsets);
+}
+
+bool VDie2::ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value) {
+    if (VDieFormValue address; GivesIndexedAddress(attribute.mReading)) {
+        const bool isThere = ReadFormValue(attribute, address);
+        value = address.mNumber;
+        return isThere;
+    }
+    value = ReadPlainLocation(attribute);
+    const bool isIndex = attribute.mReading == FormReading::LocationListIndex;
+    if (!isIndex && !NamesLocationList(attribute)) {
+        return true;
+    }
+    VLocationLists& lists = *mSection->mLocationLists;
+    const std::optional<std::uint64_t> address = isIndex
+                                                     ? lists.AddressOfIndexed(*mUnitReader, value)
+                                                     : lists.AddressOf(*mUnitReader, value);
+    value = address.value_or(0);
+    return address.has_value();
+}
+
+bool VDie2::ReadClassicLocationNumber(const TDieAttribute& attribute, std::uint64_t& value) {
+    value = ReadPlainLocation(attribute);
+    if (!NamesLocationList(attribute) || !mLocTabBuffer->IsLoaded()) {
         return true;
     }
     bool isStatic = false;

@@ -61,9 +61,11 @@ enum : dwarf_tag {
     DW_TAG_imported_unit = 0x3d,
     DW_TAG_condition = 0x3f,
     DW_TAG_shared_type = 0x40,
+    DW_TAG_type_unit = 0x41,
     DW_TAG_rvalue_reference_type = 0x42,
     DW_TAG_atomic_type = 0x47,
     DW_TAG_immutable_type = 0x4b,
+    DW_TAG_skeleton_unit = 0x4a,
     DW_TAG_MIPS_loop = 0x4081,
     DW_TAG_format_label = 0x4101,
     DW_TAG_class_template = 0x4103,
@@ -114,6 +116,7 @@ enum : std::uint32_t {
     DW_AT_bit_offset = 0x0c,
     DW_AT_bit_size = 0x0d,
     DW_AT_language = 0x13,
+    DW_AT_import = 0x18,
     DW_AT_comp_dir = 0x1b,
     DW_AT_const_value = 0x1c,
     DW_AT_lower_bound = 0x22,
@@ -128,12 +131,15 @@ enum : std::uint32_t {
     DW_AT_external = 0x3f,
     DW_AT_specification = 0x47,
     DW_AT_type = 0x49,
+    DW_AT_signature = 0x69,
     DW_AT_data_bit_offset = 0x6b,
     DW_AT_linkage_name = 0x6e,
     DW_AT_str_offsets_base = 0x72,
     DW_AT_addr_base = 0x73,
+    DW_AT_dwo_name = 0x76,
     DW_AT_loclists_base = 0x8c,
     DW_AT_MIPS_linkage_name = 0x2007,
+    DW_AT_GNU_dwo_name = 0x2130,
     DW_AT_GNU_addr_base = 0x2133,
 };
 
@@ -205,6 +211,10 @@ enum : std::uint8_t {
     DW_OP_plus = 0x22,
     DW_OP_plus_uconst = 0x23,
     DW_OP_bit_piece = 0x9d,
+    DW_OP_addrx = 0xa1,
+    DW_OP_constx = 0xa2,
+    DW_OP_GNU_addr_index = 0xfb,
+    DW_OP_GNU_const_index = 0xfc,
 };
 
 /// Encodings that the reader itself looks at.

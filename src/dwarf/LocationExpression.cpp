@@ -2,6 +2,7 @@
 
 #include "container/VElfBuffer.h"
 #include "dwarf/DwarfConstants.h"
+#include "dwarf/UnitAddresses.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +14,8 @@ namespace {
 enum class OperandKind : std::uint8_t {
     None,
     Address,
+    /// An index into the unit's part of `.debug_addr`.
+    AddressIndex,
     Unsigned1,
     Signed1,
     Unsigned2,
@@ -58,6 +61,10 @@ constexpr LocationOperators sFullOperators = [] {
     LocationOperators operators = sClassicOperators;
     operators[DW_OP_const8u] = {Action::Push, OperandKind::EightBytes};
     operators[DW_OP_const8s] = {Action::Push, OperandKind::EightBytes};
+    for (const std::uint8_t code :
+         {DW_OP_addrx, DW_OP_constx, DW_OP_GNU_addr_index, DW_OP_GNU_const_index}) {
+        operators[code] = {Action::Push, OperandKind::AddressIndex};
+    }
     return operators;
 }();
 
@@ -92,8 +99,10 @@ class LocationEvaluator {
     using Value = typename Numbers::Value;
 
 public:
-    LocationEvaluator(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place)
+    LocationEvaluator(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
+                      const UnitAddresses* addresses)
         : mBuffer(buffer)
+        , mAddresses(addresses)
         , mEnd(std::min(end, buffer.GetBufferLength()))
         , mPlace(place) {}
 
@@ -157,10 +166,18 @@ private:
 
     /// False if the operand does not lie within the expression.
     bool ReadOperand(OperandKind kind, Value& value) {
-        const bool isLeb128 =
-            kind == OperandKind::UnsignedLeb128 || kind == OperandKind::SignedLeb128;
+        const bool isLeb128 = kind == OperandKind::UnsignedLeb128 ||
+                              kind == OperandKind::SignedLeb128 ||
+                              kind == OperandKind::AddressIndex;
         if (isLeb128 && !HoldsLeb128()) {
             return false;
+        }
+        if (kind == OperandKind::AddressIndex) {
+            const std::uint32_t index = mBuffer.GetULEB128();
+            const std::optional<std::uint64_t> address =
+                mAddresses != nullptr ? mAddresses->At(index) : std::nullopt;
+            value = static_cast<Value>(address.value_or(0));
+            return address.has_value() && mBuffer.GetOffset() <= mEnd;
         }
         value = Decode(kind);
         return mBuffer.GetOffset() <= mEnd;
@@ -207,6 +224,7 @@ private:
     }
 
     VElfBuffer& mBuffer;
+    const UnitAddresses* mAddresses;
     std::int32_t mEnd;
     ExpressionPlace mPlace;
     /// Element 0 stands for the address of the enclosing object.
@@ -218,10 +236,10 @@ private:
 } // namespace
 
 VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
-                                 ReadingManner manner) {
+                                 ReadingManner manner, const UnitAddresses* addresses) {
     return manner == ReadingManner::Full
-               ? LocationEvaluator<FullNumbers>(buffer, end, place).Run()
-               : LocationEvaluator<ClassicNumbers>(buffer, end, place).Run();
+               ? LocationEvaluator<FullNumbers>(buffer, end, place, addresses).Run()
+               : LocationEvaluator<ClassicNumbers>(buffer, end, place, addresses).Run();
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -9,6 +9,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+class UnitAddresses;
 class VElfBuffer;
 
 /// Where an expression stands. The two places differ in a few operators.
@@ -29,7 +30,8 @@ struct VLocationResult {
 
 /// Evaluates the expression from the cursor to `end`, a buffer offset. Nothing behind `end` or the
 /// buffer is looked at; the cursor stands anywhere afterwards. An empty expression gives 0.
+/// @param addresses those that the expression may name by index; null if there are none
 VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
-                                 ReadingManner manner);
+                                 ReadingManner manner, const UnitAddresses* addresses = nullptr);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

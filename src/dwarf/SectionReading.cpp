@@ -38,7 +38,9 @@ bool VDwarf2Section::ProcessDebugSection() {
         gLogBeginSectionTimer = GetLogTimeMs();
     }
     CreateUnknownEntryTypes();
-    if (!MapCompileUnits() || !ProcessCompileUnits()) {
+    const bool isRead = MapCompileUnits() && ProcessCompileUnits();
+    AddRemarks();
+    if (!isRead) {
         return false;
     }
     TellPhase(mReader, ReadPhase::Resolving);
@@ -84,6 +86,7 @@ bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
         VDie2 root(reader);
         if (mElfFile->mManner == ReadingManner::Full) {
             root.ReadUnitFacts();
+            mSplitUnitCount += reader.mFacts.mIsSplit ? 1 : 0;
         }
         while (result && !reader.mBuffer->IsEOF()) {
             result = root.ReadDieTree(&header);

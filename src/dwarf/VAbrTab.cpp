@@ -32,7 +32,9 @@ bool VAbrTab::Read(VElfBuffer& section, std::uint32_t offset) {
 bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
     TAbrTabItem item;
     item.mCode = code;
-    item.mTag = section.GetULEB128();
+    const dwarf_tag tag = section.GetULEB128();
+    item.mTag = mForms->TagOf(tag);
+    item.mIsPartialUnit = tag == DW_TAG_partial_unit && item.mTag != tag;
     item.mHasChildren = section.GetUByte();
     item.mFirstAttribute = static_cast<std::uint32_t>(mAttributes.size());
     ReadAttributes(section);

@@ -35,6 +35,8 @@ struct TAbrTabItem {
     dwarf_tag mTag = 0;
     /// As stored; only 1 means that entries have children.
     std::uint8_t mHasChildren = 0;
+    /// A unit that others may import, though its tag be that of a compile unit.
+    bool mIsPartialUnit = false;
     std::uint32_t mFirstAttribute = 0;
     std::uint32_t mAttributeCount = 0;
 };

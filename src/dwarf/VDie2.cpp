@@ -40,8 +40,10 @@ VDie2::VDie2(VCompileUnitReader& reader)
     , mLocTabBuffer(reader.mSection.mLocTabBuffer.get())
     , mSection(&reader.mSection)
     , mUnitReader(&reader)
-    , mForms(&DieForms::Of(reader.mSection.mElfFile->mManner))
+    , mForms(reader.mSection.mForms)
     , mManner(reader.mSection.mElfFile->mManner)
+    , mReadLocationNumber(mManner == ReadingManner::Full ? &VDie2::ReadFullLocationNumber
+                                                         : &VDie2::ReadClassicLocationNumber)
     , mImageBase(reader.mSection.mElfFile->mImageBase)
     , mAttributesLeft(sAttributesPerByte * mBuffer->GetBufferLength() + sFreeAttributes) {}
 
@@ -113,7 +115,7 @@ void VDie2::ReadAttributes() {
         }
     }
     if (mTag == DW_TAG_enumeration_type && !mHasByteSize) {
-        mTag = DW_TAG_namespace;
+        RenameEnumerationWithoutSize();
     }
 }
 
@@ -311,6 +313,12 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         mTypeRef = value.mNumber;
         mTypeRefIsSectionOffset = GivesSectionOffset(attribute.mReading);
         break;
+    case AttributeTarget::Import:
+        StoreImport(attribute, value.mNumber);
+        break;
+    case AttributeTarget::Signature:
+        StoreSignature(attribute, value.mNumber);
+        break;
     case AttributeTarget::LinkageName:
         mHasLinkageName = true;
         mLinkageName =
@@ -326,6 +334,32 @@ void VDie2::StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin) {
     if (mTag == DW_TAG_variable || mTag == DW_TAG_subprogram) {
         SetAttributeValue(mSpecification, attribute, origin);
         mIsAbstractOrigin = true;
+    }
+}
+
+void VDie2::StoreImport(const TDieAttribute& attribute, std::uint32_t value) {
+    VAttributeValue unit;
+    SetAttributeValue(unit, attribute, value);
+    if (mTag == DW_TAG_imported_unit && unit.IsReference()) {
+        mSection->mUnitLinks.mImportedUnits.push_back(static_cast<std::uint32_t>(unit.mValue));
+    }
+}
+
+void VDie2::StoreSignature(const TDieAttribute& attribute, std::uint32_t value) {
+    if (attribute.mReading == FormReading::TypeSignature) {
+        Rare().mSignatureType = value;
+        mSection->mUnitLinks.mTypeDeclarations.push_back({mOffset, value});
+    }
+}
+
+/// A forward declaration counts as namespace; one that stands for a type is as transparent as a
+/// qualifier.
+void VDie2::RenameEnumerationWithoutSize() {
+    const std::uint32_t type = mHasRareAttributes ? mRareAttributes.mSignatureType : 0;
+    mTag = type != 0 ? DW_TAG_const_type : DW_TAG_namespace;
+    if (type != 0) {
+        mTypeRef = type;
+        mTypeRefIsSectionOffset = true;
     }
 }
 

@@ -19,6 +19,7 @@ class VDwarf2Section;
 class VElfBuffer;
 class VLocTabBuffer;
 struct TAbrTabItem;
+struct VLocationResult;
 struct TDieAttribute;
 struct VCompileUnitHeader;
 
@@ -74,6 +75,8 @@ struct VRareDieAttributes {
     VAttributeValue mUpperBound;
     VAttributeValue mLowerBound;
     VAttributeValue mConstValue;
+    /// Section offset of the type that the entry stands for, 0 if it stands for itself.
+    std::uint32_t mSignatureType = 0;
 };
 
 /// The number or text that a form gave.
@@ -136,6 +139,9 @@ private:
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
     /// The origin of an instance says what a specification says.
     void StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin);
+    void StoreImport(const TDieAttribute& attribute, std::uint32_t value);
+    void StoreSignature(const TDieAttribute& attribute, std::uint32_t value);
+    void RenameEnumerationWithoutSize();
     void StoreName(const char* name);
     void StoreProducer(const char* producer);
     [[nodiscard]] VAttributeString MakeAttributeString(const char* text) const;
@@ -146,12 +152,17 @@ private:
 
     void ReadLocation(const TDieAttribute& attribute);
     bool ReadLocationBlock(FormReading reading, std::uint64_t& value);
-    bool ReadLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
+    VLocationResult EvaluateLocationBlock(std::int32_t end);
+    /// True if a value of the attribute's form is the offset of a location list.
+    [[nodiscard]] bool NamesLocationList(const TDieAttribute& attribute) const;
+    bool ReadClassicLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
+    bool ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
     std::uint64_t ReadPlainLocation(const TDieAttribute& attribute);
 
     /// Makes the node of the entry under the innermost open node and files it. Always true.
     bool MapCurrentDieToNode(VCompileUnitHeader* header);
     VDebugInfoNode* CreateNodeByTag(VCompileUnitHeader* header);
+    VDebugInfoNode* CreateUnitNode(VCompileUnitHeader* header);
 
     VElfBuffer* mBuffer;
     VAbrTab* mAbbrevTable;
@@ -161,6 +172,7 @@ private:
     /// Those of the manner of reading.
     const DieForms* mForms;
     ReadingManner mManner;
+    bool (VDie2::*mReadLocationNumber)(const TDieAttribute& attribute, std::uint64_t& value);
     /// Taken off the addresses of variables; 0 unless the container has set it.
     std::uint64_t mImageBase;
     /// Cleared only behind an entry that has any.

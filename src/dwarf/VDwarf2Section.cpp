@@ -7,6 +7,7 @@
 #include "dwarf/VAbrSectionBuffer.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VLocTabBuffer.h"
+#include "dwarf/VLocationLists.h"
 #include "dwarf/VUnitTables.h"
 
 #include <algorithm>
@@ -34,6 +35,13 @@ constexpr std::uint64_t sEntriesPerBucket = 10;
 /// Value of an option that is to be decided by the first producer text.
 constexpr std::int32_t sAutodetect = 2;
 
+Linkage LinkageOf(const VElfFile& file) {
+    if (!file.IsUnlinked()) {
+        return Linkage::Linked;
+    }
+    return file.mSecRelaDebugInfo.IsPresent() ? Linkage::NothingInPlace : Linkage::OffsetsInPlace;
+}
+
 } // namespace
 
 std::uint32_t recCnt = 0;
@@ -46,6 +54,8 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     mElfFile = &file;
     mReader = reader;
     gOptExt = VElfOptions::mUseCppExtensionDWARF2;
+    mLinkage = LinkageOf(file);
+    mForms = &DieForms::Of(file.mManner, mLinkage);
     mLongTexts = LongTextAllowance(file.mFileSize);
     const Elf64_Shdr& debugStr = file.mSecDebugStr;
     if (debugStr.sh_offset != 0 && debugStr.sh_size != 0 &&
@@ -64,8 +74,8 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
             static_cast<std::uint64_t>(EstimateBestHashMapBucketsCountFromDebugSectionSize()),
         entriesAtMost));
     mLocTabBuffer.reset(new (std::nothrow) VLocTabBuffer(file, file.mSecDebugLoc));
-    mAbrSectionBuffer.reset(new (std::nothrow) VAbrSectionBuffer(file, file.mSecDebugAbbrev,
-                                                                 DieForms::Of(file.mManner)));
+    mAbrSectionBuffer.reset(new (std::nothrow)
+                                VAbrSectionBuffer(file, file.mSecDebugAbbrev, *mForms));
     if (!mLocTabBuffer || !mAbrSectionBuffer) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
     }
@@ -79,7 +89,14 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
 
 bool VDwarf2Section::LoadUnitTables(VElfFile& file) {
     mUnitTables.reset(new (std::nothrow) VUnitTables(file));
-    return mUnitTables ? mUnitTables->Load(file) : Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
+    if (!mUnitTables) {
+        return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
+    }
+    mLocationLists.reset(new (std::nothrow) VLocationLists(file, *mUnitTables));
+    if (!mLocationLists) {
+        return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
+    }
+    return mUnitTables->Load(file) && mLocationLists->Load(file);
 }
 
 std::uint32_t VDwarf2Section::FindTypeOfSignature(std::uint64_t signature) const {

@@ -7,10 +7,12 @@
 #include "container/VValueRangeMap.h"
 #include "core/KeyMixing.h"
 #include "core/LongTextAllowance.h"
+#include "dwarf/DieForms.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
 #include "dwarf/VAttributeValue.h"
 #include "dwarf/VCompileUnitHeader.h"
+#include "dwarf/VUnitLinks.h"
 #include "nodes/VDieNodeMap.h"
 #include "nodes/VNodeArena.h"
 #include "nodes/VNodeText.h"
@@ -35,6 +37,7 @@ class VDebugInfoNode;
 class VElfBuffer;
 class VElfFile;
 class VLocTabBuffer;
+class VLocationLists;
 class VUnitTables;
 struct Elf64_Shdr;
 
@@ -159,12 +162,21 @@ public:
     VElfFileCachePtr mDebugStrCache;
     /// Its bytes; a terminator follows the last one.
     std::string_view mDebugStr;
+    /// How far the file is linked, as far as decoding has to know.
+    Linkage mLinkage = Linkage::Linked;
+    /// Those of the manner of reading and the file.
+    const DieForms* mForms = nullptr;
     /// Of the full manner of reading alone.
     std::unique_ptr<VUnitTables> mUnitTables;
+    /// Likewise.
+    std::unique_ptr<VLocationLists> mLocationLists;
     /// Signature of a type to its section offset. The first unit of a signature counts.
     std::unordered_map<std::uint64_t, std::uint32_t, SeededHash> mTypeOffsets;
+    VUnitLinks mUnitLinks;
     /// Units that are passed over, by their version.
     std::map<std::int32_t, std::uint32_t> mUnitsNotRead;
+    /// Units whose entries lie in another file.
+    std::uint32_t mSplitUnitCount = 0;
     /// Every unit found that is read, in file order; they lie in the arena.
     std::vector<VCompileUnitHeader*> mCompileUnits;
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
@@ -189,6 +201,10 @@ private:
     bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
                           std::int32_t record) const;
     void CreateUnknownEntryTypes();
+    /// Tells the file's remarks what was passed over.
+    void AddRemarks();
+    /// @param nameOffset place of the supplementary file's name in the section
+    void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset);
     bool ProcessCompileUnit(VCompileUnitHeader& header);
     /// True only for a text of `.debug_str` that is known to be short.
     [[nodiscard]] bool IsShortText(const char* text) const;

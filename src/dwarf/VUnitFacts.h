@@ -15,6 +15,8 @@ struct VUnitFacts {
     std::optional<std::uint64_t> mAddressesBase;
     /// Section offset in `.debug_loclists`.
     std::optional<std::uint64_t> mLocationListsBase;
+    /// The entries of the unit lie in another file.
+    bool mIsSplit = false;
     /// Lower bound of arrays that tell none.
     std::uint32_t mDefaultLowerBound = 0;
 };

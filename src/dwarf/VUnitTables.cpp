@@ -1,19 +1,10 @@
 #include "dwarf/VUnitTables.h"
 
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
-
-namespace {
-
-bool LoadOrLeaveEmpty(VWholeSection& section, const Elf64_Shdr& record) {
-    return section.Load(record) || !IsOutOfMemory();
-}
-
-} // namespace
 
 VUnitTables::VUnitTables(VElfFile& file)
     : mLineTexts(file)
@@ -21,9 +12,9 @@ VUnitTables::VUnitTables(VElfFile& file)
     , mAddresses(file) {}
 
 bool VUnitTables::Load(const VElfFile& file) {
-    return LoadOrLeaveEmpty(mLineTexts, file.mSecDebugLineStr) &&
-           LoadOrLeaveEmpty(mTextOffsets, file.mSecDebugStrOffsets) &&
-           LoadOrLeaveEmpty(mAddresses, file.mSecDebugAddr);
+    return mLineTexts.LoadOrLeaveEmpty(file.mSecDebugLineStr) &&
+           mTextOffsets.LoadOrLeaveEmpty(file.mSecDebugStrOffsets) &&
+           mAddresses.LoadOrLeaveEmpty(file.mSecDebugAddr);
 }
 
 std::optional<std::uint64_t> VUnitTables::TextOffsetAt(const VCompileUnitReader& unit,

@@ -1,15 +1,16 @@
 #include "dwarf/VWholeSection.h"
 
 #include "container/VElfFileCache.h"
+#include "core/ErrorState.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-bool VWholeSection::Load(const Elf64_Shdr& section) {
+bool VWholeSection::LoadOrLeaveEmpty(const Elf64_Shdr& section) {
     if (section.sh_size == 0) {
         return true;
     }
     if (!LoadFromFile(section.sh_offset, section.sh_size)) {
-        return false;
+        return !IsOutOfMemory();
     }
     if (mIsDsPicTarget) {
         CompressDsPicData(GetLoadedBytes(), GetBufferLength());

@@ -16,8 +16,9 @@ public:
         : VElfBuffer(input)
         , mIsDsPicTarget(input.mIsDsPicTarget) {}
 
-    /// Loads the section; one that is missing gives an empty buffer. Errors: those of loading.
-    bool Load(const Elf64_Shdr& section);
+    /// Loads the section. One that is missing or can't be read gives an empty buffer.
+    /// @return false with `ELFERR_NO_MEMORY`
+    bool LoadOrLeaveEmpty(const Elf64_Shdr& section);
 
 private:
     bool mIsDsPicTarget;

@@ -32,9 +32,13 @@ bool IsRootType(const VDebugInfoNode& type) {
 }
 
 /// Where nodes stand that may be roots, ascending.
-std::vector<std::uint32_t> PlacesOfRoots(const VDieNodeMap& nodes, bool allTypes) {
-    const std::span<const std::uint32_t> variables = nodes.PlacesOf(NodeGroup::Variables);
-    std::vector<std::uint32_t> places(variables.begin(), variables.end());
+std::vector<std::uint32_t> PlacesOfRoots(const VDieNodeMap& nodes, bool hasAddresses,
+                                         bool allTypes) {
+    std::vector<std::uint32_t> places;
+    if (hasAddresses) {
+        const std::span<const std::uint32_t> variables = nodes.PlacesOf(NodeGroup::Variables);
+        places.assign(variables.begin(), variables.end());
+    }
     if (allTypes) {
         for (const NodeGroup group : {NodeGroup::GroupedTypes, NodeGroup::MembersAndEnumerations}) {
             std::vector<std::uint32_t> merged;
@@ -83,12 +87,13 @@ bool VDwarf2Section::EmitNodes() {
             }
         }
     };
-    mDieNodes.ForEachPlace(PlacesOfRoots(mDieNodes, allTypes), [&](std::uint32_t place) {
-        tellProgressBefore(place);
-        if (IsEmissionRoot(*nodes[place], allTypes)) {
-            emission.Deliver(*nodes[place]);
-        }
-    });
+    mDieNodes.ForEachPlace(PlacesOfRoots(mDieNodes, !mElfFile->IsUnlinked(), allTypes),
+                           [&](std::uint32_t place) {
+                               tellProgressBefore(place);
+                               if (IsEmissionRoot(*nodes[place], allTypes)) {
+                                   emission.Deliver(*nodes[place]);
+                               }
+                           });
     tellProgressBefore(nodes.size());
     if (VElfOptions::mDumpDebugInfoNodes != 0) {
         DumpDebugInfoNodes();

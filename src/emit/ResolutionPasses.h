@@ -20,6 +20,9 @@ void DemangleNames(VDwarf2Section& section);
 /// definitions the largest represents all.
 void GroupTypesOfSameName(VDwarf2Section& section);
 
+/// Between 3 and 4, in the full manner: what units say of each other, see `VUnitLinks`.
+void LinkUnits(VDwarf2Section& section);
+
 /// 4. Cuts each cycle of type or specification links once.
 void BreakAllReferenceCycles(VDwarf2Section& section);
 

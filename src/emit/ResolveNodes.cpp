@@ -25,11 +25,13 @@ constexpr ResolutionPass sClassicPasses[] = {
 };
 
 constexpr ResolutionPass sFullPasses[] = {
-    ResolveAllReferences,       DemangleNames,       GroupTypesOfSameName,
-    BreakAllReferenceCycles,    UnifyCompileUnits,   LeaveOutDiscardedVariables,
-    ResolveDeclaredVariables,   TakeOverFromOrigins, PlaceBitFields,
-    SettlePointerSizes,         ResolveAllSizes,     MarkRedundantDeclarations,
-    FlattenAllAnonymousMembers,
+    ResolveAllReferences,       DemangleNames,
+    GroupTypesOfSameName,       LinkUnits,
+    BreakAllReferenceCycles,    UnifyCompileUnits,
+    LeaveOutDiscardedVariables, ResolveDeclaredVariables,
+    TakeOverFromOrigins,        PlaceBitFields,
+    SettlePointerSizes,         ResolveAllSizes,
+    MarkRedundantDeclarations,  FlattenAllAnonymousMembers,
 };
 
 /// Such a pointer is a pair of a function and the displacement of its object.

@@ -91,6 +91,10 @@ ReadSelection SelectDebugSections(const VElfFile& file) {
 }
 
 bool ReadSymbolTable(VElfFile& file) {
+    // Symbols that aren't linked yet have no addresses.
+    if (file.IsUnlinked()) {
+        return true;
+    }
     if (!file.LoadStrTabSection() || !file.ProcessSymTabSection(false)) {
         return false;
     }
@@ -146,6 +150,7 @@ bool VDWARFReader::Read(const std::string& path, DWARFContainerType container) {
     VDWARFReaderWrapperBridge bridge(*this);
     VDWARFReaderWrapper wrapper(&bridge);
     char errorText[sErrorTextSize] = {};
+    mRemarks = {};
     if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, true, container)) {
         return true;
     }
@@ -161,6 +166,9 @@ bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* 
     tag_alignment.clear();
     VElfFile file(path, wrapper);
     const bool result = RunPhases(container, file, wrapper);
+    if (wrapper != nullptr) {
+        wrapper->SetRemarks(file.mRemarks);
+    }
     if (!result) {
         std::string message;
         ReportElfError(message);
@@ -214,7 +222,8 @@ bool _ReadDWARF2Section(VElfFile& file, VDWARFReaderWrapper* wrapper) {
         return false;
     }
     // Decoding asks for symbols by address, so they have to be there before the first entry.
-    const bool hasSymbols = file.mSecSymtab.IsPresent() && file.mSecStrtab.IsPresent();
+    const bool hasSymbols =
+        file.mSecSymtab.IsPresent() && file.mSecStrtab.IsPresent() && !file.IsUnlinked();
     if (hasSymbols && !(file.LoadStrTabSection() && file.LoadSymbolMap(file.mSymbolMap))) {
         return false;
     }

@@ -23,6 +23,10 @@ void VDWARFReader::SetPhase(ReadPhase phase) const {
     }
 }
 
+void VDWARFReader::SetRemarks(const ReadRemarks& remarks) {
+    mRemarks = remarks;
+}
+
 void VDWARFReader::SetProgressValue(std::int32_t value) {
     if (SetProgressValueCallback) {
         SetProgressValueCallback(value);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../core/Export.h"
+#include "../core/ReadRemarks.h"
 #include "../host/DWARFContainerType.h"
 #include "../host/IProgressNotifier.h"
 #include "../host/ReadPhase.h"
@@ -26,6 +27,10 @@ public:
     /// exception of a callback or of the data model passes through.
     /// @return true if the file was read to its end
     bool Read(const std::string& path, DWARFContainerType container);
+
+    /// What the latest read passed over and why. Empty before the first read, and after one in the
+    /// classic manner.
+    [[nodiscard]] const ReadRemarks& GetRemarks() const { return mRemarks; }
 
     /// Language of the messages, as telephone country code: 49 is German, all else English. Holds
     /// for the process, from the next message on.
@@ -58,12 +63,15 @@ public:
     PhaseDelegate PhaseCallback;
     /// Calls `PhaseCallback`.
     void SetPhase(ReadPhase phase) const;
+    /// Replaces what `GetRemarks` gives.
+    void SetRemarks(const ReadRemarks& remarks);
 
     /// Ends the use of the object. The reader holds nothing beyond a run, so nothing is released.
     void Dispose();
 
 private:
     bool mReadAllTypes = false;
+    ReadRemarks mRemarks;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -20,6 +20,10 @@ void VDWARFReaderWrapper::SetProgressText(const char* text) {
     mBridge->GetReader().SetProgressText(text);
 }
 
+void VDWARFReaderWrapper::SetRemarks(const ReadRemarks& remarks) {
+    mBridge->GetReader().SetRemarks(remarks);
+}
+
 void VDWARFReaderWrapper::SetPhase(ReadPhase phase) {
     mBridge->GetReader().SetPhase(phase);
 }

@@ -8,6 +8,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+class ReadRemarks;
 class VDWARFReader;
 
 /// Keeps the reader at hand for the length of one read.
@@ -34,6 +35,7 @@ public:
     void SetProgressInterval(std::int32_t start, std::int32_t end);
     void SetProgressText(const char* text);
     void SetPhase(ReadPhase phase);
+    void SetRemarks(const ReadRemarks& remarks);
 
 private:
     VDWARFReaderWrapperBridge* mBridge;

@@ -1,6 +1,7 @@
 // From the decoded entry to its node: which class a tag gets, and what is done at once when a node
 // is made. No entry goes without a node; what has no class of its own becomes a general one.
 #include "container/VElfFile.h"
+#include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
@@ -40,6 +41,17 @@ bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header) {
     return true;
 }
 
+VDebugInfoNode* VDie2::CreateUnitNode(VCompileUnitHeader* header) {
+    auto* unit = mSection->mArena.Create<VDebugInfoNodeCompileUnit>(
+        mOffset, header, mSection->KeepText(mName),
+        VAttributeString{mSection->KeepText(mRareAttributes.mProducer.mValue),
+                         mRareAttributes.mProducer.mDefined});
+    if (mItem->mIsPartialUnit) {
+        unit->SetPartial();
+    }
+    return unit;
+}
+
 VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
     VNodeArena& arena = mSection->mArena;
     VDebugInfoNode* parent = mOpenNodes.empty() ? nullptr : mOpenNodes.back();
@@ -73,10 +85,7 @@ VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
     case DW_TAG_reference_type:
         return plain.operator()<VDebugInfoNodeReferenceType>();
     case DW_TAG_compile_unit:
-        return arena.Create<VDebugInfoNodeCompileUnit>(
-            mOffset, header, name(),
-            VAttributeString{mSection->KeepText(mRareAttributes.mProducer.mValue),
-                             mRareAttributes.mProducer.mDefined});
+        return CreateUnitNode(header);
     case DW_TAG_structure_type:
         return named.operator()<VDebugInfoNodeStructure>();
     case DW_TAG_subroutine_type:

@@ -1,5 +1,6 @@
 // How nodes take the attributes of their decoded entry. Texts that don't outlive the entry are
 // copied into the tree's arena.
+#include "container/VElfFile.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
 #include "nodes/VDebugInfoNodeArray.h"
@@ -69,6 +70,10 @@ VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& sectio
 void VDebugInfoNodeCompileUnit::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     VDebugInfoNode::InitFromDie(die, section);
     mCompUnitDir = Keep(die.GetRareAttributes().mCompDir, section);
+    // Of units at one place the tree has the first alone, and the others are found by no pass.
+    if (section.mElfFile->mManner == ReadingManner::Full) {
+        mFirstKindOfCompileUnit = this;
+    }
 }
 
 void VDebugInfoNodeVariable::InitFromDie(const VDie2& die, VDwarf2Section& section) {

@@ -257,6 +257,8 @@ public:
     virtual VDebugInfoNodeArray* AsArrayNode() { return nullptr; }
     [[nodiscard]] virtual VDebugInfoNode* GetFirstKindOfCompileUnit() const { return nullptr; }
     virtual void SetFirstKindOfCompileUnit(VDebugInfoNode* /*node*/) {}
+    /// Takes note that another unit imports this one.
+    virtual void SetImported() {}
     virtual void AddInheritance(VDebugInfoNode* /*node*/) {}
 
     /// @}

@@ -6,7 +6,8 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The root of one unit. It has no parent.
+/// The root of one unit. It has no parent. A partial unit is a scope unless another unit imports
+/// it: then what it holds belongs to several.
 class VDebugInfoNodeCompileUnit final : public VDebugInfoNamedNode {
 public:
     /// @param producer lives as long as the tree
@@ -17,8 +18,10 @@ public:
 
     void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
     void Dump(std::ostream& stream, const std::string& indent) const override;
-    [[nodiscard]] bool IsEntryScope() const override { return true; }
+    [[nodiscard]] bool IsEntryScope() const override { return !mIsImported; }
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-compile-unit>"; }
+    void SetPartial() { mIsPartial = true; }
+    void SetImported() override { mIsImported = mIsPartial; }
     /// The first unit of the same name and directory, which may be this one. All units of a kind
     /// share one host object.
     [[nodiscard]] VDebugInfoNode* GetFirstKindOfCompileUnit() const override {
@@ -32,6 +35,8 @@ public:
 
 private:
     VNodeLink<VDebugInfoNode> mFirstKindOfCompileUnit;
+    bool mIsPartial = false;
+    bool mIsImported = false;
     VAttributeString mCompUnitDir;
     VAttributeString mProducer;
 };

@@ -1,0 +1,64 @@
+// What a read passed over, for the user of the file: a read that ends well may still leave out what
+// it has no way to take.
+#pragma once
+
+#include "../core/Export.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// Why something was passed over.
+enum class ReadRemarkKind : std::uint8_t {
+    /// Debug sections are compressed.
+    CompressedSections,
+    /// Units keep their debug information in other files.
+    SplitUnits,
+    /// The file has no addresses yet.
+    RelocatableObject,
+    /// Names stand in a supplementary file.
+    SupplementaryFile,
+    /// Units are of a version, or of a type, that isn't read.
+    UnitsNotRead,
+};
+
+/// One remark.
+struct ReadRemark {
+    ReadRemarkKind kind = ReadRemarkKind::CompressedSections;
+    /// What is the matter and what to do about it, in English: one line, UTF-8 if the names in the
+    /// file are.
+    std::string text;
+    /// Units that the remark is about; 0 if it isn't about units.
+    std::uint32_t count = 0;
+    /// Units of the file; 0 if the remark isn't about units.
+    std::uint32_t total = 0;
+};
+
+/// The remarks of one read, in the order in which they came up. Only the full manner of reading
+/// makes any.
+class BRINDLE_EXPORT ReadRemarks {
+public:
+    [[nodiscard]] std::span<const ReadRemark> All() const { return mRemarks; }
+    [[nodiscard]] bool Has(ReadRemarkKind kind) const;
+
+    /// @name What the reader tells
+    /// @{
+
+    void AddCompressedSections(std::string_view firstSection);
+    void AddSplitUnits(std::uint32_t count, std::uint32_t total);
+    void AddRelocatableObject();
+    /// @param file name of the supplementary file as this one has it
+    void AddSupplementaryFile(std::string_view file);
+    void AddUnitsNotRead(std::int32_t version, std::uint32_t count, std::uint32_t total);
+
+    /// @}
+
+private:
+    std::vector<ReadRemark> mRemarks;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,44 @@
+// Location lists in the full manner of reading: all entries of a list count, and only a list that
+// gives one and the same place throughout gives a static address.
+#pragma once
+
+#include "dwarf/VWholeSection.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VCompileUnitReader;
+class VElfFile;
+class VUnitTables;
+
+/// `.debug_loc` (DWARF 4, 2.6.2 and 7.7.3) and `.debug_loclists` (DWARF 5, 2.6.2 and 7.7.3) in
+/// memory. A unit's version tells which of them its lists are in.
+class VLocationLists {
+public:
+    /// Borrows the tables, where expressions find addresses that they name by index.
+    VLocationLists(VElfFile& file, VUnitTables& tables);
+
+    /// Loads the sections. One that can't be read counts as missing.
+    /// @return false with `ELFERR_NO_MEMORY`
+    bool Load(const VElfFile& file);
+
+    /// The address that a list gives for its whole range, or as its default.
+    /// @param offset section offset of the list
+    std::optional<std::uint64_t> AddressOf(const VCompileUnitReader& unit, std::uint64_t offset);
+    /// The same for a list that the unit names by index.
+    std::optional<std::uint64_t> AddressOfIndexed(const VCompileUnitReader& unit,
+                                                  std::uint64_t index);
+
+private:
+    class ListReading;
+
+    VUnitTables& mTables;
+    VNumberTable mLists;
+    VNumberTable mIndexedLists;
+    /// Lists of a sound file don't overlap: bytes that may still be read for lists.
+    std::int64_t mBytesLeft = 0;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
