@@ -31,6 +31,8 @@ constexpr OperandEncoding sOperandEncodings[] = {
     {DW_OP_fbreg, DW_OP_fbreg, OperandKind::Signed},
     {DW_OP_piece, DW_OP_piece, OperandKind::Unsigned},
     {DW_OP_bit_piece, DW_OP_bit_piece, OperandKind::Unsigned},
+    {DW_OP_addrx, DW_OP_constx, OperandKind::Unsigned},
+    {DW_OP_GNU_addr_index, DW_OP_GNU_const_index, OperandKind::Unsigned},
 };
 
 /// Bytes of a reference in LEB128, wide enough for every unit of a test.
@@ -60,16 +62,22 @@ void WriteOperand(ByteWriter& writer, std::uint8_t code, std::int64_t operand, i
     ADD_FAILURE() << "operation " << int{code} << " has no operands";
 }
 
+/// An attribute as an abbreviation has it: its code, its form, and the value of a constant.
+using AbbreviatedAttribute = std::tuple<std::uint32_t, std::uint32_t, std::uint64_t>;
+
 /// What an abbreviation consists of, code aside.
-using Abbreviation = std::pair<std::pair<dwarf_tag, std::uint8_t>,
-                               std::vector<std::pair<std::uint32_t, std::uint32_t>>>;
+using Abbreviation =
+    std::pair<std::pair<dwarf_tag, std::uint8_t>, std::vector<AbbreviatedAttribute>>;
 
 Abbreviation AbbreviationOf(dwarf_tag tag, std::uint8_t childrenByte,
                             const std::vector<DieAttribute>& attributes) {
     Abbreviation abbreviation = {{tag, childrenByte}, {}};
     for (const DieAttribute& attribute : attributes) {
+        const std::uint32_t form = attribute.indirections > 0 ? DW_FORM_indirect : attribute.form;
+        const std::uint64_t* number = std::get_if<std::uint64_t>(&attribute.value);
         abbreviation.second.emplace_back(
-            attribute.attribute, attribute.indirections > 0 ? DW_FORM_indirect : attribute.form);
+            attribute.attribute, form,
+            form == DW_FORM_implicit_const && number != nullptr ? *number : 0);
     }
     return abbreviation;
 }
@@ -221,8 +229,9 @@ Die& Die::WithoutTerminator() {
 
 /// A unit while its entries are written.
 struct DwarfSections::UnitState {
-    UnitState(const DwarfUnit& declaration, ByteOrder byteOrder, std::uint64_t start)
+    UnitState(const DwarfUnit& declaration, ByteOrder byteOrder, bool isTypes, std::uint64_t start)
         : unit(declaration)
+        , isInTypes(isTypes)
         , writer(byteOrder)
         , infoOffset(start) {}
 
@@ -234,6 +243,8 @@ struct DwarfSections::UnitState {
     }
 
     const DwarfUnit& unit;
+    /// The unit goes into `.debug_types`.
+    bool isInTypes;
     /// The whole unit, its length field included.
     ByteWriter writer;
     std::uint64_t infoOffset;
@@ -245,12 +256,12 @@ DwarfSections::DwarfSections(ByteOrder byteOrder)
 
 DwarfSections& DwarfSections::Unit(const DwarfUnit& unit) {
     // The bytes behind the length come first, since the length counts them.
-    UnitState state(unit, mByteOrder, mInfo.size());
+    const bool isInTypes = unit.type && unit.version < 5;
+    std::string& section = isInTypes ? mTypes : mInfo;
+    UnitState state(unit, mByteOrder, isInTypes, section.size());
     const std::size_t lengthSize = unit.is64BitDwarf ? 12 : 4;
-    state.writer.PadTo(lengthSize).U16(static_cast<std::uint64_t>(unit.version));
-    state.writer.Integer(unit.abbreviationOffset.value_or(mAbbreviations.size()),
-                         state.OffsetSize());
-    state.writer.U8(static_cast<std::uint64_t>(unit.addressSize));
+    state.writer.PadTo(lengthSize);
+    WriteHeader(state);
     for (const Die& die : unit.entries) {
         WriteEntry(state, die);
     }
@@ -259,12 +270,87 @@ DwarfSections& DwarfSections::Unit(const DwarfUnit& unit) {
         length.U32(0xFFFFFFFF);
     }
     length.Integer(unit.length.value_or(state.writer.Size() - lengthSize), state.OffsetSize());
-    mInfo += length.Content() + state.writer.Content().substr(lengthSize);
+    section += length.Content() + state.writer.Content().substr(lengthSize);
     if (!unit.abbreviationOffset) {
         WriteAbbreviations(state);
     }
     ResolveReferences();
     return *this;
+}
+
+void DwarfSections::WriteHeader(UnitState& state) {
+    const DwarfUnit& unit = state.unit;
+    const bool hasType = unit.version >= 5;
+    state.writer.U16(static_cast<std::uint64_t>(unit.version));
+    if (hasType) {
+        state.writer.U8(unit.unitType).U8(static_cast<std::uint64_t>(unit.addressSize));
+    }
+    state.writer.Integer(unit.abbreviationOffset.value_or(mAbbreviations.size()),
+                         state.OffsetSize());
+    if (!hasType) {
+        state.writer.U8(static_cast<std::uint64_t>(unit.addressSize));
+    }
+    if (unit.type || (hasType && unit.unitType > DW_UT_partial)) {
+        state.writer.U64(unit.signature);
+    }
+    if (unit.type) {
+        mOpenReferences.push_back({state.infoOffset + state.writer.Size(), state.OffsetSize(),
+                                   state.infoOffset, false, state.isInTypes, *unit.type});
+        state.writer.Integer(0, state.OffsetSize());
+    }
+}
+
+DwarfSections& DwarfSections::ModernUnit(DwarfUnit unit) {
+    unit.version = 5;
+    for (Die& die : unit.entries) {
+        Modernize(die, unit.addressSize);
+    }
+    if (!unit.entries.empty()) {
+        for (const std::uint32_t base : {DW_AT_str_offsets_base, DW_AT_addr_base}) {
+            unit.entries.front().mAttributes.push_back(
+                Number(base, DW_FORM_sec_offset, kTableBase));
+        }
+    }
+    return Unit(unit);
+}
+
+void DwarfSections::Modernize(Die& die, int addressSize) {
+    for (DieAttribute& attribute : die.mAttributes) {
+        Modernize(attribute, addressSize);
+    }
+    for (Die& child : die.mChildren) {
+        Modernize(child, addressSize);
+    }
+}
+
+void DwarfSections::Modernize(DieAttribute& attribute, int addressSize) {
+    if (auto* operations = std::get_if<std::vector<Operation>>(&attribute.value)) {
+        attribute.form = DW_FORM_exprloc;
+        for (Operation& operation : *operations) {
+            if (operation.code == DW_OP_addr) {
+                const auto address = static_cast<std::uint64_t>(operation.operands.front());
+                operation = {DW_OP_addrx,
+                             {static_cast<std::int64_t>(AddressIndex(address, addressSize))}};
+            }
+        }
+        return;
+    }
+    switch (attribute.form) {
+    case DW_FORM_string:
+    case DW_FORM_strp:
+        attribute.form = DW_FORM_strx1;
+        return;
+    case DW_FORM_flag:
+        attribute.form = DW_FORM_flag_present;
+        return;
+    case DW_FORM_data1:
+    case DW_FORM_udata:
+    case DW_FORM_sdata:
+        attribute.form = DW_FORM_implicit_const;
+        return;
+    default:
+        return;
+    }
 }
 
 DwarfSections& DwarfSections::RawInfo(std::string_view bytes) {
@@ -299,6 +385,30 @@ std::uint64_t DwarfSections::RawLocations(std::string_view bytes) {
     return mLocations.size() - bytes.size();
 }
 
+std::uint64_t DwarfSections::RawLocationLists(std::string_view bytes) {
+    mLocationLists += bytes;
+    return mLocationLists.size() - bytes.size();
+}
+
+std::uint64_t DwarfSections::TextIndex(const std::string& text) {
+    const auto [place, isNew] = mTextIndices.try_emplace(text, mTextIndices.size());
+    if (isNew) {
+        mTextOffsets += Writer().U32(String(text)).Content();
+    }
+    return place->second;
+}
+
+std::uint64_t DwarfSections::AddressIndex(std::uint64_t address, int addressSize) {
+    const auto size = static_cast<std::size_t>(addressSize);
+    mAddresses += Writer().Integer(address, size).Content();
+    return mAddresses.size() / size - 1;
+}
+
+std::uint64_t DwarfSections::LineString(const std::string& text) {
+    mLineStrings += text + '\0';
+    return mLineStrings.size() - text.size() - 1;
+}
+
 std::vector<std::pair<std::string, std::string>> DwarfSections::Sections() const {
     EXPECT_TRUE(mOpenReferences.empty()) << "a label is referred to that names no entry";
     std::vector<std::pair<std::string, std::string>> sections = {{".debug_info", mInfo},
@@ -309,16 +419,35 @@ std::vector<std::pair<std::string, std::string>> DwarfSections::Sections() const
     if (!mLocations.empty()) {
         sections.emplace_back(".debug_loc", mLocations);
     }
+    const auto addTable = [&](const char* name, const std::string& content) {
+        if (!content.empty()) {
+            sections.emplace_back(
+                name, Writer().U32(content.size() + 4).U16(5).U16(0).Bytes(content).Content());
+        }
+    };
+    addTable(".debug_str_offsets", mTextOffsets);
+    addTable(".debug_addr", mAddresses);
+    for (const auto& [name, content] :
+         {std::pair(".debug_types", mTypes), std::pair(".debug_loclists", mLocationLists),
+          std::pair(".debug_line_str", mLineStrings)}) {
+        if (!content.empty()) {
+            sections.emplace_back(name, content);
+        }
+    }
     return sections;
 }
 
 std::uint32_t DwarfSections::OffsetOf(DieLabel label) const {
-    return mOffsets.at(label);
+    const std::size_t start = mLabelsInTypes.contains(label) ? mInfo.size() : 0;
+    return mOffsets.at(label) + static_cast<std::uint32_t>(start);
 }
 
 void DwarfSections::WriteEntry(UnitState& state, const Die& die) {
     if (die.mLabel) {
         mOffsets[*die.mLabel] = static_cast<std::uint32_t>(state.infoOffset + state.writer.Size());
+        if (state.isInTypes) {
+            mLabelsInTypes.insert(*die.mLabel);
+        }
     }
     if (die.mRawBytes) {
         state.writer.Bytes(*die.mRawBytes);
@@ -386,6 +515,25 @@ void DwarfSections::WriteValue(UnitState& state, const DieAttribute& attribute) 
     case DW_FORM_strp:
         writer.Integer(text != nullptr ? String(*text) : value, state.OffsetSize());
         return;
+    case DW_FORM_line_strp:
+        writer.Integer(text != nullptr ? LineString(*text) : value, state.OffsetSize());
+        return;
+    case DW_FORM_strx1:
+        writer.U8(text != nullptr ? TextIndex(*text) : value);
+        return;
+    case DW_FORM_strx2:
+        writer.U16(text != nullptr ? TextIndex(*text) : value);
+        return;
+    case DW_FORM_strx3:
+        writer.Integer(text != nullptr ? TextIndex(*text) : value, 3);
+        return;
+    case DW_FORM_strx4:
+        writer.U32(text != nullptr ? TextIndex(*text) : value);
+        return;
+    case DW_FORM_strx:
+    case DW_FORM_GNU_str_index:
+        writer.Bytes(Uleb128(text != nullptr ? TextIndex(*text) : value));
+        return;
     default:
         break;
     }
@@ -400,35 +548,54 @@ void DwarfSections::WriteValue(UnitState& state, const DieAttribute& attribute) 
     case DW_FORM_data1:
     case DW_FORM_flag:
     case DW_FORM_ref1:
+    case DW_FORM_addrx1:
         writer.U8(value);
         return;
     case DW_FORM_data2:
     case DW_FORM_ref2:
+    case DW_FORM_addrx2:
         writer.U16(value);
+        return;
+    case DW_FORM_addrx3:
+        writer.Integer(value, 3);
         return;
     case DW_FORM_data4:
     case DW_FORM_ref4:
+    case DW_FORM_ref_sup4:
+    case DW_FORM_addrx4:
         writer.U32(value);
         return;
     case DW_FORM_data8:
     case DW_FORM_ref8:
     case DW_FORM_ref_sig8:
+    case DW_FORM_ref_sup8:
         writer.U64(value);
+        return;
+    case DW_FORM_data16:
+        writer.U64(value).U64(value);
         return;
     case DW_FORM_sdata:
         writer.Bytes(Sleb128(static_cast<std::int64_t>(value)));
         return;
     case DW_FORM_udata:
     case DW_FORM_ref_udata:
+    case DW_FORM_addrx:
+    case DW_FORM_loclistx:
+    case DW_FORM_rnglistx:
+    case DW_FORM_GNU_addr_index:
         writer.Bytes(Uleb128(value));
         return;
     case DW_FORM_sec_offset:
+    case DW_FORM_strp_sup:
+    case DW_FORM_GNU_ref_alt:
+    case DW_FORM_GNU_strp_alt:
         writer.Integer(value, state.OffsetSize());
         return;
     case DW_FORM_ref_addr:
         writer.Integer(value, state.ReferenceSize());
         return;
     case DW_FORM_flag_present:
+    case DW_FORM_implicit_const:
         return;
     default:
         ADD_FAILURE() << "form " << attribute.form << " takes bytes only";
@@ -458,7 +625,7 @@ void DwarfSections::WriteReference(UnitState& state, std::uint32_t form, DieLabe
     }
     mOpenReferences.push_back({static_cast<std::size_t>(state.infoOffset) + state.writer.Size(),
                                size, form == DW_FORM_ref_addr ? 0 : state.infoOffset,
-                               form == DW_FORM_ref_udata, target});
+                               form == DW_FORM_ref_udata, state.isInTypes, target});
     state.writer.Bytes(std::string(size, '\0'));
 }
 
@@ -472,7 +639,7 @@ void DwarfSections::ResolveReferences() {
         const std::string bytes = reference.isLeb128
                                       ? PaddedUleb128(value, reference.size)
                                       : Writer().Integer(value, reference.size).Content();
-        mInfo.replace(reference.position, reference.size, bytes);
+        (reference.isInTypes ? mTypes : mInfo).replace(reference.position, reference.size, bytes);
         return true;
     });
 }
@@ -485,8 +652,11 @@ void DwarfSections::WriteAbbreviations(const UnitState& state) {
     for (const auto& [code, abbreviation] : byCode) {
         const auto& [tag, childrenByte] = abbreviation->first;
         mAbbreviations += Uleb128(code) + Uleb128(tag) + static_cast<char>(childrenByte);
-        for (const auto& [attribute, form] : abbreviation->second) {
+        for (const auto& [attribute, form, constant] : abbreviation->second) {
             mAbbreviations += Uleb128(attribute) + Uleb128(form);
+            if (form == DW_FORM_implicit_const) {
+                mAbbreviations += Sleb128(static_cast<std::int64_t>(constant));
+            }
         }
         mAbbreviations += std::string(2, '\0');
     }

@@ -1,6 +1,5 @@
-// Builds `.debug_info`, `.debug_abbrev`, `.debug_str` and `.debug_loc` from declarations of debug
-// entries (DIEs), so that a test reads as the tree that it is about. Damaged contents come in as
-// raw bytes.
+// Builds the debug sections from declarations of debug entries (DIEs), so that a test reads as the
+// tree that it is about. Damaged contents come in as raw bytes.
 #pragma once
 
 #include "dwarf/DwarfConstants.h"
@@ -9,6 +8,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,7 +27,6 @@ enum : std::uint32_t {
     DW_AT_stmt_list = 0x10,
     DW_AT_low_pc = 0x11,
     DW_AT_high_pc = 0x12,
-    DW_AT_language = 0x13,
     DW_AT_decl_file = 0x3a,
     DW_AT_decl_line = 0x3b,
     DW_AT_frame_base = 0x40,
@@ -42,6 +41,7 @@ enum : std::uint8_t {
     DW_OP_fbreg = 0x91,
     DW_OP_piece = 0x93,
     DW_OP_stack_value = 0x9f,
+    DW_OP_entry_value = 0xa3,
 };
 
 enum : std::uint8_t {
@@ -156,12 +156,18 @@ private:
     std::optional<std::string> mRawBytes;
 };
 
-/// One compile unit. The last fields, where set, replace what is filled in rightly.
+/// One unit. The last fields, where set, replace what is filled in rightly.
 struct DwarfUnit {
     std::vector<Die> entries = {};
     int version = 4;
     int addressSize = 4;
     bool is64BitDwarf = false;
+    /// In headers from version 5 on.
+    std::uint8_t unitType = Reader::DWARF::DW_UT_compile;
+    /// Signature of a type unit, or identifier of a split one.
+    std::uint64_t signature = 0;
+    /// The type of a type unit. In versions before 5, the unit stands in `.debug_types`.
+    std::optional<DieLabel> type = {};
     /// Width of `DW_FORM_ref_addr`: by default the address size in version 2, from version 3 on
     /// that of an offset.
     std::optional<int> referenceSize = {};
@@ -172,7 +178,7 @@ struct DwarfUnit {
     std::optional<std::uint64_t> abbreviationOffset = {};
 };
 
-/// The four sections of one file.
+/// The debug sections of one file.
 class DwarfSections {
 public:
     explicit DwarfSections(ByteOrder byteOrder = ByteOrder::Little);
@@ -180,6 +186,9 @@ public:
     DwarfSections& Unit(const DwarfUnit& unit);
     /// A unit of version 4 for 32-bit targets.
     DwarfSections& Unit(std::vector<Die> entries) { return Unit(DwarfUnit{std::move(entries)}); }
+    /// The same unit as a compiler of DWARF 5 writes it: texts and addresses by index, numbers in
+    /// abbreviations, bases behind the attributes that need them.
+    DwarfSections& ModernUnit(DwarfUnit unit);
     /// Bytes between units.
     DwarfSections& RawInfo(std::string_view bytes);
     /// Adds bytes to `.debug_abbrev`. Gives their offset.
@@ -191,6 +200,15 @@ public:
                                     const std::vector<Operation>& operations,
                                     std::optional<std::uint16_t> length = {});
     std::uint64_t RawLocations(std::string_view bytes);
+    /// Adds bytes to `.debug_loclists`. Gives their offset.
+    std::uint64_t RawLocationLists(std::string_view bytes);
+    /// Index of a text in `.debug_str_offsets`, whose one part has the base `kTableBase`.
+    std::uint64_t TextIndex(const std::string& text);
+    /// Index of an address in `.debug_addr`, whose one part has the base `kTableBase`.
+    std::uint64_t AddressIndex(std::uint64_t address, int addressSize = 4);
+    static constexpr std::uint64_t kTableBase = 8;
+    /// Adds a text to `.debug_line_str`. Gives its offset.
+    std::uint64_t LineString(const std::string& text);
 
     [[nodiscard]] const std::string& Info() const { return mInfo; }
     [[nodiscard]] const std::string& Abbreviations() const { return mAbbreviations; }
@@ -207,12 +225,17 @@ public:
 
 private:
     struct UnitState;
+    void Modernize(Die& die, int addressSize);
+    void Modernize(DieAttribute& attribute, int addressSize);
+    void WriteHeader(UnitState& state);
     /// A reference to an entry whose place isn't known yet.
     struct OpenReference {
         std::size_t position = 0;
         std::size_t size = 0;
         std::uint64_t base = 0;
         bool isLeb128 = false;
+        /// Stands in `.debug_types`.
+        bool isInTypes = false;
         DieLabel target;
     };
 
@@ -229,8 +252,17 @@ private:
     std::string mAbbreviations;
     std::string mStrings;
     std::string mLocations;
+    std::string mTypes;
+    std::string mLocationLists;
+    std::string mLineStrings;
+    /// Without their headers.
+    std::string mTextOffsets;
+    std::string mAddresses;
     std::map<std::string, std::uint64_t> mStringOffsets;
+    std::map<std::string, std::uint64_t> mTextIndices;
+    /// Offsets in the section of the entry.
     std::map<DieLabel, std::uint32_t> mOffsets;
+    std::set<DieLabel> mLabelsInTypes;
     std::vector<OpenReference> mOpenReferences;
 };
 

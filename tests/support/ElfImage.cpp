@@ -20,6 +20,11 @@ ElfImage& ElfImage::Machine(std::uint16_t machine) {
     return *this;
 }
 
+ElfImage& ElfImage::Type(std::uint16_t type) {
+    mType = type;
+    return *this;
+}
+
 ElfImage& ElfImage::Section(std::string name, std::string content, ElfSectionOverrides overrides) {
     mSections.push_back({std::move(name), std::move(content), overrides});
     return *this;
@@ -148,7 +153,7 @@ void ElfImage::WriteHeader(ByteWriter& writer, std::uint64_t tableOffset, std::s
     writer.Bytes("\x7F"
                  "ELF");
     writer.U8(is64Bit ? 2 : 1).U8(mByteOrder == ByteOrder::Big ? 2 : 1).U8(1).PadTo(16);
-    writer.U16(2).U16(mMachine).U32(1);
+    writer.U16(mType).U16(mMachine).U32(1);
     Word(writer, 0);
     Word(writer, 0);
     Word(writer, tableOffset);
@@ -161,7 +166,7 @@ void ElfImage::WriteSectionHeader(ByteWriter& writer, const SectionContent& sect
                                   std::uint32_t nameOffset, std::uint64_t offset) const {
     const ElfSectionOverrides& overrides = section.overrides;
     writer.U32(overrides.nameOffset.value_or(nameOffset)).U32(section.name.empty() ? 0 : 1);
-    Word(writer, overrides.address ? sAllocatedFlag : 0);
+    Word(writer, overrides.flags.value_or(overrides.address ? sAllocatedFlag : 0));
     Word(writer, overrides.address.value_or(0));
     Word(writer, overrides.offset.value_or(offset));
     Word(writer, overrides.size.value_or(section.content.size()));

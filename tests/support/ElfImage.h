@@ -41,6 +41,7 @@ struct ElfSectionOverrides {
     std::optional<std::uint64_t> alignment = {};
     /// Address of an allocated section; others have none.
     std::optional<std::uint64_t> address = {};
+    std::optional<std::uint64_t> flags = {};
 };
 
 class ElfImage {
@@ -51,6 +52,8 @@ public:
         , mByteOrder(byteOrder) {}
 
     ElfImage& Machine(std::uint16_t machine);
+    /// The file's type, that of an executable by default.
+    ElfImage& Type(std::uint16_t type);
     ElfImage& Section(std::string name, std::string content, ElfSectionOverrides overrides = {});
     /// Adds a symbol; with the first one the image gains `.symtab` and `.strtab`.
     ElfImage& Symbol(ElfSymbol symbol);
@@ -92,6 +95,7 @@ private:
     ElfClass mClass;
     ByteOrder mByteOrder;
     std::uint16_t mMachine = 40;
+    std::uint16_t mType = 2;
     std::vector<SectionContent> mSections;
     std::vector<ElfSymbol> mSymbols;
     ElfSectionOverrides mSymbolTable;

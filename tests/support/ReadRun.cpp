@@ -63,6 +63,9 @@ ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType cont
     testing::internal::CaptureStdout();
     run.result = reader.Read(path, container);
     run.standardOutput = testing::internal::GetCapturedStdout();
+    for (const Reader::DWARF::ReadRemark& remark : reader.GetRemarks().All()) {
+        run.remarks.push_back(remark.text);
+    }
     for (const DataModel::RecordedCall& call : recorder.Calls()) {
         run.calls.push_back(call.Text());
     }

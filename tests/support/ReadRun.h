@@ -25,6 +25,8 @@ struct ReadRun {
     std::vector<std::string> calls;
     /// What was told of the progress: an interval as "0-99", a value, a text.
     std::vector<std::string> progress;
+    /// Texts of the reader's remarks.
+    std::vector<std::string> remarks;
     std::unique_ptr<DataModel::DataModel> model;
 
     /// "name@address:size" for each variable in the order of delivery, the address hexadecimal.
