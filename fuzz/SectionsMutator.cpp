@@ -63,10 +63,12 @@ public:
     void Run() {
         // .debug_info and .debug_abbrev hold most of what is decoded.
         static constexpr SectionKind sWeighted[] = {
-            SectionKind::DebugInfo,   SectionKind::DebugInfo,   SectionKind::DebugInfo,
-            SectionKind::DebugInfo,   SectionKind::DebugAbbrev, SectionKind::DebugAbbrev,
-            SectionKind::DebugAbbrev, SectionKind::DebugStr,    SectionKind::DebugLoc,
-            SectionKind::Symtab,      SectionKind::Strtab};
+            SectionKind::DebugInfo,   SectionKind::DebugInfo,    SectionKind::DebugInfo,
+            SectionKind::DebugInfo,   SectionKind::DebugAbbrev,  SectionKind::DebugAbbrev,
+            SectionKind::DebugAbbrev, SectionKind::DebugStr,     SectionKind::DebugLoc,
+            SectionKind::Symtab,      SectionKind::Strtab,       SectionKind::DebugTypes,
+            SectionKind::DebugTypes,  SectionKind::DebugLineStr, SectionKind::DebugStrOffsets,
+            SectionKind::DebugAddr,   SectionKind::DebugLoclists};
         const SectionKind kind = sWeighted[mRandom() % std::size(sWeighted)];
         if (kind == SectionKind::DebugInfo && mRandom() % 8 != 0) {
             MutateUnit();

@@ -12,17 +12,21 @@ import struct
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 CHOICE_BYTES = 8
 CONTAINERS = {"elf": 0, "coff": 1, "pe": 2}
-SECTIONS = [".debug_info", ".debug_abbrev", ".debug_str", ".debug_loc", ".symtab", ".strtab"]
+SECTIONS = [".debug_info", ".debug_abbrev", ".debug_str", ".debug_loc", ".symtab", ".strtab",
+            ".debug_types", ".debug_line_str", ".debug_str_offsets", ".debug_addr", ".debug_loclists"]
+TABLES = SECTIONS[7:]
 ENTRY_BYTES = 14
 
 # Choices that matter, by what they are good for: all types with a search for damaged units; demangled
-# symbol names; symbols of no type; log and dumps.
+# symbol names; symbols of no type; log and dumps; the full manner of reading.
 CHOICES = [
     bytes([0, 1, 0, 0, 0, 0, 0, 0]),
     bytes([0, 1, 1, 0, 0x40, 0, 0, 0]),
     bytes([0, 0, 2, 0x60, 0, 0, 0, 0]),
     bytes([0, 1, 3, 0x6F, 0x05, 0xD0, 0, 0]),
+    bytes([0, 1, 0, 0, 0, 0, 1, 0]),
 ]
+FULL = CHOICES[-1]
 
 DEMANGLER = """
 _ZN5plant6Device6sCountE _ZN1aIiE1bE _ZNK3ns18Outer5InnerIcLi3EE4nameE _ZN12_GLOBAL__N_13fooE _ZL4gMax
@@ -104,14 +108,29 @@ def pack_sections(elf, contents, container=0):
     return packed
 
 
+def version(elf, unit):
+    return struct.unpack_from(elf.order + "H", unit, 4)[0]
+
+
+def place_of_abbreviations(elf, unit):
+    """Unit offset of the field that tells where the unit's abbreviations are."""
+    return 8 if version(elf, unit) >= 5 else 6
+
+
+def abbreviations_of(elf, unit):
+    return struct.unpack_from(elf.order + "I", unit, place_of_abbreviations(elf, unit))[0]
+
+
 def one_unit(elf, unit, strings):
     """The sections of one unit, its abbreviation table alone and at the start of the section."""
-    offset = struct.unpack_from(elf.order + "I", unit, 6)[0]
+    offset = abbreviations_of(elf, unit)
     abbreviations = elf.sections[".debug_abbrev"][offset:]
-    following = [struct.unpack_from(elf.order + "I", other, 6)[0] for other in elf.units()]
+    following = [abbreviations_of(elf, other) for other in elf.units()]
     end = min((other - offset for other in following if other > offset), default=len(abbreviations))
-    contents = {
-        ".debug_info": unit[:6] + bytes(4) + unit[10:],
+    place = place_of_abbreviations(elf, unit)
+    contents = {name: elf.sections.get(name, b"") for name in TABLES}
+    contents |= {
+        ".debug_info": unit[:place] + bytes(4) + unit[place + 4:],
         ".debug_abbrev": abbreviations[:end],
         ".debug_loc": elf.sections.get(".debug_loc", b""),
     }
@@ -144,7 +163,7 @@ class Seeds:
 
     def sections(self, name, elf):
         for index, unit in enumerate(elf.units()):
-            choices = CHOICES[index % len(CHOICES)]
+            choices = FULL if version(elf, unit) >= 5 else CHOICES[index % len(CHOICES)]
             contents = one_unit(elf, unit, strings=index % 2 == 0)
             packed = pack_sections(elf, contents, container=index % 3)
             self.add("sections", f"{name}-{index}", choices + packed)

@@ -763,6 +763,59 @@ def damaged_units(n):
     return image
 
 
+def type_units(n):
+    """As many type units as variables, each of the type of the next unit."""
+    image = Image()
+    image.begin_modern_unit()
+    for index in range(n):
+        image.entry("variable", name="v", type_signature=index, address=0x1000 + 8 * index)
+    image.end_unit()
+    for index in range(n):
+        image.begin_type_unit(index)
+        image.entry("struct", size=8, name="S%d" % index)
+        image.end_unit()
+    return image
+
+
+def circle_of_signatures(n):
+    """Each type is a declaration that stands for the next one."""
+    image = Image()
+    image.begin_modern_unit()
+    image.entry("variable", name="v", type_signature=0, address=0x1000)
+    image.end_unit()
+    for index in range(n):
+        image.begin_type_unit(index)
+        image.entry("struct", declaration=1, signature=(index + 1) % n)
+        image.end_unit()
+    return image
+
+
+def indices_of_one_long_text(n):
+    """Names by index that are the ends of one text."""
+    image = Image()
+    name = image.string(letters(n))
+    image.begin_modern_unit(text_offsets_base=8)
+    for index in range(n):
+        image.text_offsets += struct.pack("<I", name + index)
+        image.entry("struct", indexed_name=index, size_nothing=0)
+    image.end_unit()
+    return image
+
+
+def variables_of_one_long_list(n):
+    """Each variable has the same location list of n entries."""
+    image = Image()
+    for _ in range(n):
+        image.location_lists += b"\4\0\4\5\3" + struct.pack("<I", 0x1000)
+    image.location_lists += b"\0"
+    image.begin_modern_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    for _ in range(n):
+        image.entry("variable", name="v", type=integer, location_list=0)
+    image.end_unit()
+    return image
+
+
 # Smaller or larger numbers where an entry costs more or less than usual, and options.
 MILLION = 250_000  # four times as many in the largest input
 SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
@@ -772,8 +825,11 @@ SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymo
          "least_inner_classes": MILLION, "least_variables": MILLION, "deep_blocks": MILLION,
          "itanium_names_of_suffixes": 200_000, "one_long_text": 400_000, "damaged_units": 20_000,
          "codes_of_one_bucket": 12_500, "abbreviation_offsets_of_one_bucket": 12_500,
-         "addresses_of_one_bucket": 6_250}
+         "addresses_of_one_bucket": 6_250, "type_units": MILLION, "circle_of_signatures": MILLION}
+FULL = ["mIsFullReading=1"]
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
+           "type_units": FULL, "circle_of_signatures": FULL, "indices_of_one_long_text": FULL,
+           "variables_of_one_long_list": FULL,
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
            "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],

@@ -5,7 +5,7 @@ import struct
 TAGS = dict(array=0x01, class_=0x02, enumeration=0x04, parameter=0x05, block=0x0B, member=0x0D, pointer=0x0F,
             unit=0x11, struct=0x13, subroutine=0x15, typedef=0x16, union=0x17, inheritance=0x1C, subrange=0x21,
             base=0x24, const=0x26, enumerator=0x28, subprogram=0x2E, template_parameter=0x2F, variable=0x34,
-            namespace=0x39)
+            namespace=0x39, type_unit=0x41)
 
 # Those that end with "nothing" take no byte: their form says that there is a value, which is 1 then.
 ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), size=(0x0B, 0x0F),
@@ -14,7 +14,8 @@ ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), 
                   external=(0x3F, 0x19), specification=(0x47, 0x10), linkage_name=(0x6E, 0x08),
                   long_linkage_name=(0x6E, 0x0E), producer=(0x25, 0x08), name_nothing=(0x03, 0x19),
                   type_nothing=(0x49, 0x19), size_nothing=(0x0B, 0x19), offset_nothing=(0x38, 0x19),
-                  bit_size_nothing=(0x0D, 0x19))
+                  bit_size_nothing=(0x0D, 0x19), indexed_name=(0x03, 0x1A), type_signature=(0x49, 0x20),
+                  signature=(0x69, 0x20), text_offsets_base=(0x72, 0x17))
 
 
 def uleb(value):
@@ -39,11 +40,26 @@ class Image:
         self.abbreviations = bytearray()
         self.strings = bytearray(b"\0")
         self.locations = bytearray()
+        self.location_lists = bytearray()
+        self.text_offsets = bytearray(8)
         self.symbols = bytearray(16)
         self.names = bytearray(b"\0")
         self.codes = {}
         self.fixes = []
         self.unit_start = None
+
+    def begin_modern_unit(self, **attributes):
+        """A unit of DWARF 5."""
+        self.unit_start = len(self.info)
+        self.info += struct.pack("<IHBBI", 0, 5, 1, 4, 0)
+        self.entry("unit", children=True, **{"name": "unit.c", **attributes})
+
+    def begin_type_unit(self, signature):
+        """A unit of DWARF 5 whose type is the first entry under the root."""
+        self.unit_start = len(self.info)
+        self.info += struct.pack("<IHBBIQI", 0, 5, 2, 4, 0, signature, 0)
+        self.entry("type_unit", children=True)
+        struct.pack_into("<I", self.info, self.unit_start + 20, len(self.info) - self.unit_start)
 
     def begin_unit(self, *, open_root=True, **attributes):
         self.unit_start = len(self.info)
@@ -87,9 +103,11 @@ class Image:
             self.info += b"\5\3" + struct.pack("<I", value)
         elif form == 0x19:
             pass
+        elif form == 0x20:
+            self.info += struct.pack("<Q", value)
         elif form in (0x0E, 0x17):
             self.info += struct.pack("<I", value)
-        elif form == 0x0F:
+        elif form in (0x0F, 0x1A):
             self.info += uleb(value)
         elif form in (0x0B, 0x0D):
             self.info.append(value & 0x3F)
@@ -113,7 +131,9 @@ class Image:
         for position, later in self.fixes:
             struct.pack_into("<I", self.info, position, later.offset)
         return {".debug_info": self.info, ".debug_abbrev": self.abbreviations + b"\0",
-                ".debug_str": self.strings, ".debug_loc": self.locations} if self.info else {}
+                ".debug_str": self.strings, ".debug_loc": self.locations,
+                ".debug_loclists": self.location_lists,
+                ".debug_str_offsets": self.text_offsets} if self.info else {}
 
     def content(self):
         contents = {**self.sections(), ".symtab": self.symbols, ".strtab": self.names}

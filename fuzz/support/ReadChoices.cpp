@@ -56,7 +56,8 @@ ReadChoices ApplyChoices(InputBytes& input) {
     VElfOptions::mCoffDwarfAddressMode = Choose(sAddressModes, (compilers >> 4U) & 0x03U);
     VElfOptions::mElfFileReadBufferSize = Choose(sWindows, compilers >> 6U);
     ApplyDiagnostics(input.Byte() == sWithDiagnostics);
-    input.Take(2);
+    VElfOptions::mIsFullReading = input.Byte() & 0x01;
+    input.Take(1);
     return choices;
 }
 

@@ -19,7 +19,8 @@ struct ReadChoices {
 constexpr std::size_t sChoiceBytes = 8;
 
 /// Takes `sChoiceBytes` bytes and sets the options by them. All zero means an ELF file and the
-/// start values of all options; log and dumps are on for one value of the sixth byte only.
+/// start values of all options; log and dumps are on for one value of the sixth byte only, and the
+/// seventh byte chooses the manner of reading.
 ReadChoices ApplyChoices(InputBytes& input);
 
 } // namespace Tessel::Norn::Brindle::Fuzzing

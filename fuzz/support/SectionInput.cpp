@@ -14,16 +14,22 @@ using Reader::DWARF::DWARFContainerType;
 
 namespace {
 
-constexpr const char* sSectionNames[sSectionKinds] = {".debug_info", ".debug_abbrev", ".debug_str",
-                                                      ".debug_loc",  ".symtab",       ".strtab"};
+constexpr const char* sSectionNames[sSectionKinds] = {
+    ".debug_info",    ".debug_abbrev", ".debug_str",      ".debug_loc",         ".symtab",
+    ".strtab",        ".debug_types",  ".debug_line_str", ".debug_str_offsets", ".debug_addr",
+    ".debug_loclists"};
 
 /// ARM, dsPIC30F, TI C2000, PowerPC.
 constexpr std::uint16_t sMachines[] = {40, 118, 141, 20};
 
 constexpr std::size_t sLengthBytes = 3;
 
-/// Sections that every container has.
-constexpr std::size_t sDebugSections = 4;
+/// True for sections that every container has.
+constexpr bool IsDebugSection(std::size_t index) {
+    return index != static_cast<std::size_t>(SectionKind::Symtab) &&
+           index != static_cast<std::size_t>(SectionKind::Strtab);
+}
+
 constexpr std::size_t sMostPeSymbols = 100;
 
 } // namespace
@@ -63,12 +69,19 @@ std::string SectionInput::Image() const {
     }
 }
 
+template <typename AnyImage>
+void SectionInput::AddDebugSections(AnyImage& image) const {
+    for (std::size_t index = 0; index < sSectionKinds; ++index) {
+        if (IsDebugSection(index)) {
+            image.Section(sSectionNames[index], contents[index]);
+        }
+    }
+}
+
 std::string SectionInput::CoffFile() const {
     Tests::CoffImage image(IsBigEndian() ? Tests::ByteOrder::Big : Tests::ByteOrder::Little);
     image.Target((target & 0x04U) != 0 ? Tests::sCoffTargetC2800 : Tests::sCoffTargetC6000);
-    for (std::size_t index = 0; index < sDebugSections; ++index) {
-        image.Section(sSectionNames[index], contents[index]);
-    }
+    AddDebugSections(image);
     return image.Build();
 }
 
@@ -78,9 +91,7 @@ std::string SectionInput::PeFile() const {
     if ((target & 0x04U) != 0) {
         image.Dll().ImageBase(0x10000000);
     }
-    for (std::size_t index = 0; index < sDebugSections; ++index) {
-        image.Section(sSectionNames[index], contents[index]);
-    }
+    AddDebugSections(image);
     std::string_view names = contents[static_cast<std::size_t>(SectionKind::Strtab)];
     for (std::size_t count = 0; count < sMostPeSymbols && !names.empty(); ++count) {
         const std::string_view name = names.substr(0, names.find('\0'));

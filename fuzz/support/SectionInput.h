@@ -19,8 +19,13 @@ enum class SectionKind : std::uint8_t {
     DebugLoc,
     Symtab,
     Strtab,
+    DebugTypes,
+    DebugLineStr,
+    DebugStrOffsets,
+    DebugAddr,
+    DebugLoclists,
 };
-constexpr std::size_t sSectionKinds = 6;
+constexpr std::size_t sSectionKinds = 11;
 
 /// The sections and what is said of the target.
 /// As bytes: one for container, class, byte order and machine, one for the alignment of
@@ -45,6 +50,8 @@ struct SectionInput {
     [[nodiscard]] std::string Image() const;
 
 private:
+    template <typename AnyImage>
+    void AddDebugSections(AnyImage& image) const;
     [[nodiscard]] std::string ElfFile() const;
     [[nodiscard]] std::string CoffFile() const;
     [[nodiscard]] std::string PeFile() const;
