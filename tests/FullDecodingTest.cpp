@@ -28,15 +28,15 @@ protected:
     ScopedReaderState mState;
 };
 
-ReadRun ReadIn(ReadingManner manner, const DwarfSections& sections, ElfImage image = ElfImage()) {
+ReadRun ReadIn(ReadingManner manner, const DwarfSections& sections,
+               ElfImage image = ElfImage().Symbol({"main", 1, 4, sFunction})) {
     VElfOptions::mIsFullReading = manner == ReadingManner::Full ? 1 : 0;
     return ReadImage((std::move(image) + sections).Build());
 }
 
 std::vector<std::string> VariablesIn(ReadingManner manner, const DwarfSections& sections,
                                      ElfImage image = ElfImage()) {
-    const ReadRun run = ReadIn(manner, sections, std::move(image));
-    return run.Variables();
+    return ReadIn(manner, sections, std::move(image)).Variables();
 }
 
 Die BaseType(DieLabel label, int size = 4) {

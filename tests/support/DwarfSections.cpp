@@ -63,7 +63,7 @@ void WriteOperand(ByteWriter& writer, std::uint8_t code, std::int64_t operand, i
 }
 
 /// An attribute as an abbreviation has it: its code, its form, and the value of a constant.
-using AbbreviatedAttribute = std::tuple<std::uint32_t, std::uint32_t, std::uint64_t>;
+using AbbreviatedAttribute = std::tuple<std::uint32_t, std::uint32_t, std::optional<std::uint64_t>>;
 
 /// What an abbreviation consists of, code aside.
 using Abbreviation =
@@ -75,9 +75,10 @@ Abbreviation AbbreviationOf(dwarf_tag tag, std::uint8_t childrenByte,
     for (const DieAttribute& attribute : attributes) {
         const std::uint32_t form = attribute.indirections > 0 ? DW_FORM_indirect : attribute.form;
         const std::uint64_t* number = std::get_if<std::uint64_t>(&attribute.value);
-        abbreviation.second.emplace_back(
-            attribute.attribute, form,
-            form == DW_FORM_implicit_const && number != nullptr ? *number : 0);
+        abbreviation.second.emplace_back(attribute.attribute, form, std::nullopt);
+        if (form == DW_FORM_implicit_const && number != nullptr) {
+            std::get<2>(abbreviation.second.back()) = *number;
+        }
     }
     return abbreviation;
 }
@@ -98,7 +99,7 @@ DieAttribute Text(std::uint32_t attribute, std::uint32_t form, std::string text)
 }
 
 DieAttribute Block(std::uint32_t attribute, std::uint32_t form, std::string bytes) {
-    return {attribute, form, std::move(bytes)};
+    return {attribute, form, std::move(bytes), 0, true};
 }
 
 DieAttribute Reference(std::uint32_t attribute, std::uint32_t form, DieLabel target) {
@@ -495,6 +496,10 @@ void DwarfSections::WriteValue(UnitState& state, const DieAttribute& attribute) 
         operations != nullptr ? EncodeExpression(*operations, mByteOrder, state.unit.addressSize)
                               : (text != nullptr ? *text : std::string());
     ByteWriter& writer = state.writer;
+    if (attribute.isBytes && attribute.form > DW_FORM_flag_present) {
+        writer.Bytes(bytes);
+        return;
+    }
     switch (attribute.form) {
     case DW_FORM_block1:
         writer.U8(bytes.size()).Bytes(bytes);
@@ -654,8 +659,8 @@ void DwarfSections::WriteAbbreviations(const UnitState& state) {
         mAbbreviations += Uleb128(code) + Uleb128(tag) + static_cast<char>(childrenByte);
         for (const auto& [attribute, form, constant] : abbreviation->second) {
             mAbbreviations += Uleb128(attribute) + Uleb128(form);
-            if (form == DW_FORM_implicit_const) {
-                mAbbreviations += Sleb128(static_cast<std::int64_t>(constant));
+            if (constant) {
+                mAbbreviations += Sleb128(static_cast<std::int64_t>(*constant));
             }
         }
         mAbbreviations += std::string(2, '\0');

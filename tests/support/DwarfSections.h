@@ -79,6 +79,8 @@ struct DieAttribute {
     Value value;
     /// How often the value is preceded by a form, `DW_FORM_indirect` standing in the abbreviation.
     int indirections = 0;
+    /// The value is given as its bytes, whatever the form.
+    bool isBytes = false;
 };
 
 /// @name Any attribute in any form
