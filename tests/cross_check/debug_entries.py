@@ -41,6 +41,11 @@ class DebugEntry:
         text = self.attributes.get("DW_AT_name")
         return None if text is None else STRING_NOTE.sub("", text).strip()
 
+    def linkage_name(self):
+        """The linkage name; None if there is none."""
+        text = self.attributes.get("DW_AT_linkage_name")
+        return None if text is None else STRING_NOTE.sub("", text).strip()
+
     def number(self, attribute):
         text = self.attributes.get(attribute)
         return None if text is None else int(text.split()[0], 0)
@@ -50,9 +55,19 @@ class DebugEntry:
         addresses that are given by their index."""
         location = self.attributes.get("DW_AT_location", "")
         if image and (found := ADDRESS_INDEX.search(location)):
-            return address_tables(image).get(self.unit, {}).get(int(found.group(1), 16))
+            return self._address_of_index(image, int(found.group(1), 16))
         found = ADDRESS.search(location)
         return int(found.group(1), 16) if found else None
+
+    def _address_of_index(self, image, index):
+        # readelf shows this section only where all its headers are to its liking; those of link-time
+        # optimisation by clang aren't.
+        unit = self
+        while unit.parent is not None:
+            unit = unit.parent
+        contents, order, size = address_section(image)
+        start = unit.number("DW_AT_addr_base") + index * size
+        return int.from_bytes(contents[start:start + size], order)
 
     def reference(self, attribute):
         """The offset that the attribute refers to; None without one."""
@@ -96,15 +111,15 @@ def _dump(image, part):
 
 
 @functools.cache
-def address_tables(image):
-    """For each unit, by its offset, the addresses that it gives by an index."""
-    tables, table = {}, {}
-    for line in _dump(image, "addr"):
-        if found := re.match(r"\s*For compilation unit at offset (?:0x)?([0-9a-f]+)", line):
-            table = tables[int(found[1], 16)] = {}
-        elif found := re.match(r"\s+(\d+):\s+([0-9a-f]+)$", line):
-            table[int(found[1])] = int(found[2], 16)
-    return tables
+def address_section(image):
+    """The contents of .debug_addr, the byte order, and the size of an address."""
+    data = image.read_bytes()
+    is_64_bit, order = data[4] == 2, "big" if data[5] == 2 else "little"
+    done = subprocess.run(["readelf", "--sections", "--wide", str(image)], capture_output=True, text=True,
+                          check=True, timeout=60)
+    found = re.search(r"\] \.debug_addr +PROGBITS +[0-9a-f]+ ([0-9a-f]+) ([0-9a-f]+)", done.stdout)
+    start, size = int(found[1], 16), int(found[2], 16)
+    return data[start:start + size], order, 8 if is_64_bit else 4
 
 
 def type_units(image):

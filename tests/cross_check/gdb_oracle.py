@@ -2,16 +2,19 @@
 
     gdb -nx -batch -iex 'set auto-load off' IMAGE -x gdb_oracle.py
 
-ORACLE_OUTPUT names the file to write, ORACLE_UNITS holds the names of the compile units, one a line.
+ORACLE_QUESTIONS names the file that leads to the units, ORACLE_ANSWERS the one to write.
 The document has `variables` and `types`; a type is told once, under a key that variables, members and
 other types refer to it by. gdb alone speaks here: nothing is adapted to the reader that is compared.
 """
 
 import json
 import os
-import re
+import sys
 
 import gdb
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import gdb_variables
 
 NAMED_CODES = {
     gdb.TYPE_CODE_INT: "integer",
@@ -113,85 +116,20 @@ class TypeTable:
                 "isArtificial": field.artificial}
 
 
-class VariableList:
-    """The variables with an address, of every block of every unit."""
-
-    def __init__(self, types):
-        self.variables = []
-        self._types = types
-
-    def add_unit(self, unit, symtab):
-        functions = []
-        for block in (symtab.global_block(), symtab.static_block()):
-            for symbol in block:
-                if symbol.is_function:
-                    functions.append(symbol)
-                else:
-                    self._add(unit, symbol, block.is_global, "")
-        for function in functions:
-            self._add_function(unit, function)
-
-    def _add_function(self, unit, function):
-        outermost = gdb.block_for_pc(int(function.value().address))
-        if outermost is None:
-            return
-        # gdb hands out a block for an address only, so every address of the function is asked for.
-        blocks = {}
-        for address in range(outermost.start, outermost.end):
-            block = gdb.block_for_pc(address)
-            while block is not None and not block.is_static and not block.is_global:
-                names = tuple(symbol.name for symbol in block)
-                blocks[block.start, block.end, names] = block
-                block = block.superblock
-        for block in blocks.values():
-            self._add_block(unit, block)
-
-    def _add_block(self, unit, block):
-        owner = block
-        while owner.function is None:
-            owner = owner.superblock
-        for symbol in block:
-            self._add(unit, symbol, False, owner.function.name)
-
-    def _add(self, unit, symbol, is_global, function):
-        if symbol.addr_class not in (gdb.SYMBOL_LOC_STATIC, gdb.SYMBOL_LOC_UNRESOLVED,
-                                     gdb.SYMBOL_LOC_COMPUTED):
-            return
-        if symbol.is_argument or symbol.type.code == gdb.TYPE_CODE_FUNC:
-            return
-        address = self._address_of(symbol)
-        if address is None:
-            return
-        variable = {
-            "name": symbol.name, "address": address, "unit": unit, "isGlobal": is_global,
-            "isDeclaration": symbol.addr_class == gdb.SYMBOL_LOC_UNRESOLVED, "function": function,
-            "type": self._types.key_of(symbol.type)}
-        if variable not in self.variables:
-            self.variables.append(variable)
-
-    @staticmethod
-    def _address_of(symbol):
-        try:
-            if symbol.type.strip_typedefs().code in (gdb.TYPE_CODE_REF, gdb.TYPE_CODE_RVALUE_REF):
-                # The value of a reference is what it refers to; only this command tells of itself.
-                text = gdb.execute(f"info address {symbol.name}", to_string=True)
-                return int(re.search(r"at address (0x[0-9a-f]+)", text)[1], 16)
-            address = symbol.value().address
-            return None if address is None else int(address)
-        except (gdb.error, TypeError):
-            # It needs a frame, or no symbol tells where it lies.
-            return None
-
-
 def main():
-    types = TypeTable()
-    variables = VariableList(types)
-    for unit in os.environ["ORACLE_UNITS"].splitlines():
-        places = gdb.decode_line(f"'{unit}':1")[1]
-        variables.add_unit(unit, places[0].symtab)
+    with open(os.environ["ORACLE_QUESTIONS"], encoding="utf-8") as questions:
+        questions = json.load(questions)
+    types, variables = TypeTable(), []
+    for symbol, address, unit, is_global, function in gdb_variables.static_variables(questions):
+        variable = {
+            "name": symbol.name, "address": address, "unit": unit,
+            "isGlobal": is_global, "isDeclaration": symbol.addr_class == gdb.SYMBOL_LOC_UNRESOLVED,
+            "function": function, "type": types.key_of(symbol.type)}
+        if variable not in variables:
+            variables.append(variable)
     types.finish()
-    with open(os.environ["ORACLE_OUTPUT"], "w", encoding="utf-8", errors="surrogateescape") as output:
-        json.dump({"variables": variables.variables, "types": types.types}, output, indent=1)
+    with open(os.environ["ORACLE_ANSWERS"], "w", encoding="utf-8", errors="surrogateescape") as answers:
+        json.dump({"variables": variables, "types": types.types}, answers, indent=1)
 
 
 main()

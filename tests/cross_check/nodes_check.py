@@ -44,8 +44,8 @@ def read_nodes(image):
     """The nodes of an image in the order of the dump."""
     with tempfile.TemporaryDirectory(prefix="brindle-nodes-") as folder:
         copy = shutil.copy(image, folder)
-        subprocess.run([PROGRAM, "vars", "--set", "mDumpDebugInfoNodes=1", copy], capture_output=True,
-                       timeout=60)
+        subprocess.run([PROGRAM, "vars", "--set", "mIsFullReading=0", "--set", "mDumpDebugInfoNodes=1", copy],
+                       capture_output=True, timeout=60)
         text = pathlib.Path(copy + ".debugInfoNodes0.rec0.log.txt").read_text(encoding="latin-1")
     nodes = []
     for line in text.splitlines():

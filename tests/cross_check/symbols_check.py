@@ -21,6 +21,8 @@ SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
 SCOPE = "_Symbol_Table_BKR_::"
 VIRTUAL_TABLE_PREFIXES = ("__vtbl", "_ZTV")
 SYMBOLS_ONLY = ["--set", "mElfForceSymbolTable=1"]
+CLASSIC = ["--set", "mIsFullReading=0"]
+FULL = ["--set", "mIsFullReading=1"]
 WITHOUT_SYMBOLS = "arm-c-dwarf4-O2-nosymtab.elf"
 
 
@@ -30,33 +32,42 @@ def readelf(*arguments):
     return done.stdout
 
 
-def raw_symbols(image):
-    """All records of .symtab in table order: (name, value, size, type). A Windows image has no such
-    section."""
+def raw_records(image):
+    """All records of .symtab in table order: (name, value, size, type, section). A Windows image has no
+    such section."""
     if windows_images.is_windows_image(image):
         return
     for line in readelf("--symbols", str(image)).splitlines():
         fields = line.split(maxsplit=7)
         if len(fields) >= 7 and fields[0].rstrip(":").isdigit():
             yield (fields[7] if len(fields) == 8 else "", int(fields[1], 16), int(fields[2], 0),
-                   fields[3])
+                   fields[3], fields[6])
 
 
-def expected_variables(image, names=(), addresses=()):
+def raw_symbols(image):
+    """The same without the section."""
+    for *record, _ in raw_records(image):
+        yield record
+
+
+def expected_variables(image, names=(), addresses=(), is_full=False):
     """The variables that the symbol table gives, as (address, size, name), in the order of delivery.
 
-    `names` and `addresses` are those of variables that were delivered before.
+    `names` and `addresses` are those of variables that were delivered before. In the classic manner a symbol
+    counts as delivered if its name or its address does, in the full one if both do together; and 0 is an
+    address like any other in the full one.
     """
     variables = []
-    names, addresses = set(names), set(addresses)
-    for name, value, size, kind in raw_symbols(image):
-        is_data = kind == "OBJECT" and value != 0 and name != ""
-        if not is_data or name.startswith(VIRTUAL_TABLE_PREFIXES):
+    names, addresses, pairs = set(names), set(addresses), set()
+    for name, value, size, kind, section in raw_records(image):
+        is_placed = section != "UND" if is_full else value != 0
+        if kind != "OBJECT" or not is_placed or name == "" or name.startswith(VIRTUAL_TABLE_PREFIXES):
             continue
-        if name in names or value in addresses:
+        if (name, value) in pairs if is_full else name in names or value in addresses:
             continue
         names.add(name)
         addresses.add(value)
+        pairs.add((name, value))
         variables.append((value, size, SCOPE + name))
     return variables
 
@@ -70,11 +81,16 @@ class SymbolsCheck(unittest.TestCase):
     maxDiff = None
 
     def assert_agreement(self, image, *arguments):
-        done = run_vars(image, *arguments)
+        for manner in (CLASSIC, FULL):
+            with self.subTest(manner=manner):
+                self.assert_agreement_in(manner, image, *arguments)
+
+    def assert_agreement_in(self, manner, image, *arguments):
+        done = run_vars(image, *manner, *arguments)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         rows = list(csv.DictReader(io.StringIO(done.stdout)))
         delivered = [(int(row["address"], 16), int(row["size"]), row["name"]) for row in rows]
-        expected = expected_variables(image)
+        expected = expected_variables(image, is_full=manner is FULL)
         self.assertGreater(len(expected), 5)
         self.assertEqual(delivered, expected)
         for row in rows:
@@ -122,18 +138,23 @@ class SymbolsCheck(unittest.TestCase):
         images = self.images("*.exe") + self.images("*.dll")
         self.assertEqual(len(images), 8)
         for image in images:
-            with self.subTest(image=image.name):
-                done = run_vars(image)
-                self.assertEqual((done.returncode, done.stderr), (0, ""))
-                symbols = windows_images.data_symbols(image)
-                compared = 0
-                for row in csv.DictReader(io.StringIO(done.stdout)):
-                    addresses = symbols.get(windows_images.last_part(row["name"]), set())
-                    compared += bool(addresses)
-                    expected = {windows_images.delivered_address(image, address) for address in addresses}
-                    self.assertTrue(not addresses or int(row["address"], 16) in expected,
-                                    f"{row['name']} at {row['address']}, nm says {expected}")
-                self.assertGreater(compared, 20)
+            for manner, delivered_address in ((CLASSIC, windows_images.delivered_address),
+                                              (FULL, windows_images.whole_delivered_address)):
+                with self.subTest(image=image.name, manner=manner):
+                    self.assert_windows_agreement(image, manner, delivered_address)
+
+    def assert_windows_agreement(self, image, manner, delivered_address):
+        done = run_vars(image, *manner)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        symbols = windows_images.data_symbols(image)
+        compared = 0
+        for row in csv.DictReader(io.StringIO(done.stdout)):
+            addresses = symbols.get(windows_images.last_part(row["name"]), set())
+            compared += bool(addresses)
+            expected = {delivered_address(image, address) for address in addresses}
+            self.assertTrue(not addresses or int(row["address"], 16) in expected,
+                            f"{row['name']} at {row['address']}, nm says {expected}")
+        self.assertGreater(compared, 20)
 
 
 if __name__ == "__main__":

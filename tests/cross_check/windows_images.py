@@ -28,11 +28,17 @@ def library_base(image):
 
 
 def delivered_address(image, address):
-    """Where the reader says a thing lies that the linker put at an address: addresses have 32 bits, and
-    those of a DLL are relative to its base, unless the base has more bits than they."""
+    """Where the reader says in the classic manner that a thing lies that the linker put at an address:
+    addresses have 32 bits, and those of a DLL are relative to its base, unless the base has more bits than
+    they."""
     base = library_base(image)
     cut = address & 0xFFFFFFFF
     return cut - base if cut > base else cut
+
+
+def whole_delivered_address(image, address):
+    """The same in the full manner, in which addresses have 64 bits."""
+    return address - library_base(image)
 
 
 def last_part(name):
