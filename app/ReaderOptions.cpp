@@ -3,6 +3,7 @@
 #include "NearNames.h"
 
 #include "core/OptionTable.h"
+#include "core/VElfOptions.h"
 
 #include <array>
 #include <cstddef>
@@ -31,6 +32,10 @@ std::string_view ValueDescription(const OptionDescription& option) {
 }
 
 } // namespace
+
+void SetProgramDefaults() {
+    Reader::DWARF::VElfOptions::mIsFullReading = 1;
+}
 
 std::string ApplyReaderOption(std::string_view setting) {
     const std::size_t separator = setting.find('=');

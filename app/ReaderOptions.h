@@ -7,6 +7,10 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
+/// Sets the options whose values in the program differ from the library's: the program reads in the
+/// full manner. Comes before any setting of the user.
+void SetProgramDefaults();
+
 /// Sets one option of the reader for the rest of the process.
 /// @param setting "OPTION=VALUE"
 /// @return empty on success, else what is wrong, for a person

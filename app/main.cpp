@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "ExitStatus.h"
 #include "Message.h"
+#include "ReaderOptions.h"
 #include "ResultOutput.h"
 
 #include <exception>
@@ -16,6 +17,7 @@ using Program::ExitStatus;
 
 ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     Program::ResultOutput output(*std::cout.rdbuf());
+    Program::SetProgramDefaults();
     Program::CommandLine commandLine;
     AddVarsCommand(commandLine);
     AddLeavesCommand(commandLine);

@@ -47,7 +47,8 @@ def needed_libraries(executable):
 
 
 def program_rows(command, *arguments):
-    text = run(PROGRAM, command, "--format", "csv", *arguments)
+    # The hosts keep the library's manner of reading, the program has one of its own.
+    text = run(PROGRAM, command, "--set", "mIsFullReading=0", "--format", "csv", *arguments)
     return list(csv.DictReader(io.StringIO(text)))
 
 

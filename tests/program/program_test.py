@@ -22,6 +22,7 @@ import unittest
 
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
+CLASSIC = ["--set", "mIsFullReading=0"]
 
 GLOBAL_OBJECT = 0x11
 FUNCTION = 0x12
@@ -219,15 +220,15 @@ class FailedReadTest(ProgramTest):
     def test_what_was_delivered_before_a_failure_is_printed(self):
         symbols = [("first", 0x1000, 4, GLOBAL_OBJECT), ("huge", 0x2000, 1 << 33, GLOBAL_OBJECT)]
         file = self.file("huge.elf", elf_image(symbols, is_64=True))
-        output, error = self.run_program("dump", file, status=1)
+        output, error = self.run_program("dump", *CLASSIC, file, status=1)
         document = json.loads(output)
         self.assertFalse(document["ok"])
         self.assertEqual([item["name"] for item in document["objects"] if item["kind"] == "global"],
                          ["first"])
         self.assertEqual(error, f"brindle: {file}: {document['error']}\n")
-        rows = self.run_json("vars", file, "--format", "json", status=1)
+        rows = self.run_json("vars", *CLASSIC, file, "--format", "json", status=1)
         self.assertEqual([row["address"] for row in rows], [0x1000])
-        lines = self.run_program("trace", file, status=1)[0].splitlines()
+        lines = self.run_program("trace", *CLASSIC, file, status=1)[0].splitlines()
         self.assertEqual(json.loads(lines[-3])["call"], "CreateGlobalData")
         self.assertEqual(json.loads(lines[-2])["args"][3], document["error"])
 
@@ -539,7 +540,7 @@ class TraceTest(ProgramTest):
         failure = [
             {"callback": "SignalError", "args": [2, 4112, "", "ELF file Open has failed."]},
             {"file": missing, "result": False}]
-        lines = self.trace(file, missing, file, status=1)
+        lines = self.trace(*CLASSIC, file, missing, file, status=1)
         self.assertEqual(lines, delivery + failure + delivery)
         self.assertEqual(list(lines[3]["args"]), ["symName"])
         self.assertEqual(list(lines[7]["args"])[:3], ["symName", "objIdOfSymType", "address"])
@@ -605,6 +606,17 @@ class SampleImagesTest(ProgramTest):
                 document = self.run_json("dump", str(image), status=status)
                 self.assertEqual(document["container"], containers[image.suffix])
                 self.assertTrue(any(item["kind"] == "global" for item in document["objects"]))
+
+    def test_the_full_manner_is_read_unless_told_otherwise(self):
+        image = str(SAMPLE_IMAGES / "full" / "arm-c-O2.elf")
+        commands = {"vars": [], "leaves": [], "find": ["motors[1].speed"], "types": ["motor"], "dump": [],
+                    "trace": []}
+        for command, arguments in commands.items():
+            with self.subTest(command=command):
+                self.assertIn("speed" if command not in ("vars", "trace") else "motors",
+                              self.run_program(command, image, *arguments)[0])
+        self.run_program("diff", image, image)
+        self.assertIn("Not supported DWARF version", self.run_program("vars", *CLASSIC, image, status=1)[1])
 
     def test_every_image_gives_the_same_variables_in_vars_and_dump(self):
         images = [image for image in sorted(SAMPLE_IMAGES.glob("*.elf"))
