@@ -28,6 +28,7 @@ enum class ReadRemarkKind : std::uint8_t {
 
 /// One remark.
 struct ReadRemark {
+    /// Why it was made, for hosts with words of their own.
     ReadRemarkKind kind = ReadRemarkKind::CompressedSections;
     /// What is the matter and what to do about it, in English: one line, UTF-8 if the names in the
     /// file are.
@@ -42,17 +43,24 @@ struct ReadRemark {
 /// makes any.
 class BRINDLE_EXPORT ReadRemarks {
 public:
+    /// The remarks; the view ends with the next change.
     [[nodiscard]] std::span<const ReadRemark> All() const { return mRemarks; }
+    /// True if there is a remark of this kind.
     [[nodiscard]] bool Has(ReadRemarkKind kind) const;
 
     /// @name What the reader tells
     /// @{
 
+    /// Sections are compressed; the first of them stands for all.
     void AddCompressedSections(std::string_view firstSection);
+    /// Of all units so many have their entries in other files.
     void AddSplitUnits(std::uint32_t count, std::uint32_t total);
+    /// The file isn't linked yet.
     void AddRelocatableObject();
-    /// @param file name of the supplementary file as this one has it
+    /// Names stand in another file.
+    /// @param file its name as this file has it
     void AddSupplementaryFile(std::string_view file);
+    /// Of all units so many are of a version of DWARF, or of a type in it, that isn't read.
     void AddUnitsNotRead(std::int32_t version, std::uint32_t count, std::uint32_t total);
 
     /// @}
