@@ -61,13 +61,13 @@ constexpr int sMostArrays = 64;
 } // namespace
 
 std::optional<Scalar> ScalarOfDatatype(std::string_view datatype) {
-    const auto found =
+    const auto* const found =
         std::ranges::find(sDatatypes, datatype, &std::pair<std::string_view, Scalar>::first);
     return found == sDatatypes.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::string_view DatatypeOf(const Scalar& scalar) {
-    const auto found = std::ranges::find_if(
+    const auto* const found = std::ranges::find_if(
         sDatatypes, [&scalar](const auto& known) { return known.second.Fits(scalar); });
     return found == sDatatypes.end() ? std::string_view() : found->first;
 }

@@ -348,7 +348,7 @@ private:
 
     // What is left out.
 
-    void Omit(Omission& omission, const Part& part) {
+    void Omit(Omission& omission, const Part& part) const {
         if (IsWanted(part)) {
             omission.Add(mVariable->path + part.steps);
         }

@@ -52,7 +52,7 @@ std::string LimitsOf(std::string_view datatype, std::optional<std::uint64_t> bit
     if (bitMask && *bitMask != 0) {
         return "0 " + std::to_string(*bitMask >> static_cast<unsigned>(std::countr_zero(*bitMask)));
     }
-    const auto found =
+    const auto* const found =
         std::ranges::find(sLimits, datatype, &std::pair<std::string_view, std::string_view>::first);
     return found == sLimits.end() ? "0 0" : std::string(found->second);
 }

@@ -113,8 +113,9 @@ std::string ExportTypes::NameOfStructure(ObjectId structure, bool isCalibrated) 
 std::string ExportTypes::Text() {
     std::string text;
     // Definitions name further structures while the list is walked.
-    for (std::size_t position = 0; position < mPending.size(); ++position) {
-        text += StructureText(Key(mPending[position]));
+    for (std::size_t position = 0; position < mPending.size();) {
+        const Key key = mPending[position++];
+        text += StructureText(key);
     }
     return text + mValueText;
 }

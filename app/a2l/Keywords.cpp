@@ -71,9 +71,9 @@ constexpr std::array sNameLists = {
 
 template <typename Blocks>
 auto FindBlock(const Blocks& blocks, std::string_view keyword) {
-    const auto found =
+    const auto* const found =
         std::ranges::find(blocks, keyword, [](const auto& block) { return block.keyword; });
-    return found == blocks.end() ? nullptr : &*found;
+    return found == blocks.end() ? nullptr : found;
 }
 
 } // namespace
@@ -91,7 +91,7 @@ const TypeBlock* FindTypeBlock(std::string_view keyword) {
 }
 
 std::optional<Part> FindPart(std::string_view keyword) {
-    const auto found =
+    const auto* const found =
         std::ranges::find(sParts, keyword, &std::pair<std::string_view, Part>::first);
     return found == sParts.end() ? std::nullopt : std::optional(found->second);
 }

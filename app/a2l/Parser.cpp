@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
@@ -36,13 +38,14 @@ public:
     Document Parse() {
         for (;;) {
             const PlacedToken token = mStream.Next();
+            if (token.kind == TokenKind::EndOfFile) {
+                CheckEnd(token);
+                return std::move(mDocument);
+            }
             if (token.kind == TokenKind::Begin) {
                 TakeBlock(OpenBlock(token));
             } else if (token.kind == TokenKind::End) {
                 CloseContainer(token);
-            } else if (token.kind == TokenKind::EndOfFile) {
-                CheckEnd(token);
-                return std::move(mDocument);
             } else {
                 TakeTopWord(token);
             }
@@ -431,8 +434,9 @@ private:
     // What objects refer to.
 
     template <typename Value>
-    static void Define(Module::ByName<Value>& table, std::string_view name, Value&& value) {
-        table.try_emplace(name, std::forward<Value>(value));
+    static void Define(Module::ByName<Value>& table, std::string_view name,
+                       std::type_identity_t<Value> value) {
+        table.try_emplace(name, std::move(value));
     }
 
     std::string_view NameOf(const Block& block) {
@@ -463,7 +467,7 @@ private:
                 ++layout.entries;
             }
         });
-        Define(CurrentModule().layouts, name, std::move(layout));
+        Define(CurrentModule().layouts, name, layout);
     }
 
     void TakeConversion(const Block& block) {
@@ -475,7 +479,7 @@ private:
                 table = reference.kind == TokenKind::Word ? reference.span.Text() : table;
             }
         });
-        Define(CurrentModule().conversions, name, std::move(table));
+        Define(CurrentModule().conversions, name, table);
     }
 
     void TakeConversionTable(const Block& block) {
@@ -487,10 +491,12 @@ private:
             const PlacedToken token = mStream.Next();
             if (token.kind == TokenKind::EndOfFile) {
                 FailAtEnd(token, block);
-            } else if (token.kind == TokenKind::End) {
+            }
+            if (token.kind == TokenKind::End) {
                 Close(block, token);
                 break;
-            } else if (token.kind == TokenKind::Begin) {
+            }
+            if (token.kind == TokenKind::Begin) {
                 Skip(OpenBlock(token));
             } else if (token.kind == TokenKind::Word) {
                 value = token.span.Text();

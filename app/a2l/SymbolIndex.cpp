@@ -38,7 +38,7 @@ std::size_t UnderscoreIndexLength(std::string_view text) {
     if (!text.starts_with('_')) {
         return 0;
     }
-    const auto digits = std::ranges::find_if_not(text.substr(1), IsDigit);
+    const auto* const digits = std::ranges::find_if_not(text.substr(1), IsDigit);
     const auto end = static_cast<std::size_t>(digits - text.begin());
     return end > 1 && end < text.size() && text[end] == '_' ? end + 1 : 0;
 }

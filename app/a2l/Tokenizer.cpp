@@ -99,14 +99,11 @@ Token Tokenizer::TakeText() {
         }
         const bool isPair = position + 1 < mBytes.size() &&
                             (mBytes[position] == '\\' || mBytes[position + 1] == '"');
-        if (isPair) {
-            position += 2;
-        } else if (mBytes[position] == '"') {
+        if (!isPair && mBytes[position] == '"') {
             mPosition = position + 1;
             return {TokenKind::Text, start, mPosition - start};
-        } else {
-            ++position;
         }
+        position += isPair ? 2 : 1;
     }
 }
 
