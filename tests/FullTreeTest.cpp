@@ -426,8 +426,11 @@ TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
         attributes.push_back(Type(kind.target == 'f'   ? function
                                   : kind.target == 'i' ? number
                                                        : byte));
-        const DwarfSections sections = Unit({UInt(byte, 1), Die(function, DW_TAG_subroutine_type),
-                                             Variable("v", type), Die(type, kind.tag, attributes)});
+        const DwarfSections sections = Unit(
+            {UInt(byte, 1),
+             Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
+             Die(function, DW_TAG_subroutine_type), Variable("v", type),
+             Die(type, kind.tag, attributes)});
         EXPECT_THAT(ScopedVariables(Read(sections, true)),
                     ElementsAre("::v@4096 " + std::string(kind.full)))
             << kind.what;
