@@ -1,6 +1,6 @@
 // Which variables have a place, and where: tombstones of discarded variables, declarations that the
 // symbol table places, symbols beside them. Each image is read in both manners.
-#include "container/SymbolName.h"
+#include "container/DeliveredSymbols.h"
 #include "core/VElfOptions.h"
 #include "support/DwarfSections.h"
 #include "support/ElfImage.h"
@@ -215,6 +215,9 @@ TEST_F(VariablePlacesTest, SymbolsOfVariablesAreKnownByEveryFormOfTheirNames) {
         {"_count", "count", "", true},
         {"count.12", "count", "", true},
         {"count.lto_priv.0", "count", "", true},
+        {"main.count", "count", "", true},
+        {"main.recount.count.3", "count", "", true},
+        {"main.recount", "count", "", false},
         {"count@@LIB_1", "count", "", true},
         {"counter", "count", "", false},
         {"count", "counter", "", false},
@@ -229,8 +232,13 @@ TEST_F(VariablePlacesTest, SymbolsOfVariablesAreKnownByEveryFormOfTheirNames) {
         {".12", "", "", false},
     };
     for (const Case& each : cases) {
-        EXPECT_EQ(IsSymbolOfVariable(each.symbol, each.name, each.linkageName), each.isSame)
-            << each.symbol << ' ' << each.name << ' ' << each.linkageName;
+        SCOPED_TRACE(each.symbol + ' ' + each.name + ' ' + each.linkageName);
+        DeliveredSymbols delivered;
+        delivered.AddVariable(0x10, each.name);
+        delivered.AddVariable(0x10, each.linkageName);
+        EXPECT_EQ(delivered.AddSymbol(0x10, each.symbol), !each.isSame);
+        EXPECT_TRUE(delivered.AddSymbol(0x20, each.symbol));
+        EXPECT_FALSE(delivered.AddSymbol(0x20, each.symbol));
     }
 }
 

@@ -1,29 +1,100 @@
 #include "container/DeliveredSymbols.h"
 
 #include "container/SymbolName.h"
-#include "container/VElfBuffer.h"
 #include "core/KeyMixing.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-bool DeliveredSymbols::Insert(std::uint64_t address, std::uint32_t nameOffset,
-                              std::string_view name, const VElfBuffer& names) {
-    const std::uint64_t hash = HashOfText(name, Mix(address ^ ProcessSeed()));
-    const auto isThisSymbol = [&](std::uint32_t position) {
-        const Symbol& known = mSymbols[position - 1];
-        if (known.address != address) {
-            return false;
-        }
-        const char* knownName = names.GetTextAt(known.nameOffset);
-        return known.nameOffset == nameOffset ||
-               (knownName != nullptr && CutSymbolName(knownName) == name);
-    };
-    if (mPositions.Find(hash, isThisSymbol) != 0) {
+namespace {
+
+std::uint64_t KeyOf(std::uint64_t address, std::string_view name) {
+    return HashOfText(name, Mix(address ^ ProcessSeed()));
+}
+
+bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
+} // namespace
+
+void DeliveredSymbols::AddVariable(std::uint64_t address, std::string_view name) {
+    if (!name.empty()) {
+        mVariables.Insert(KeyOf(address, name));
+    }
+}
+
+bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name) {
+    const std::string_view plainName = WithoutVersion(name);
+    if (IsVariable(address, plainName) || HasVariableInParts(address, plainName) ||
+        HasVariableInMangledName(address, plainName)) {
         return false;
     }
-    mSymbols.push_back({address, nameOffset});
-    mPositions.Add(hash, static_cast<std::uint32_t>(mSymbols.size()));
+    return mSymbols.Insert(KeyOf(address, name));
+}
+
+bool DeliveredSymbols::IsVariable(std::uint64_t address, std::string_view name) const {
+    return mVariables.Contains(KeyOf(address, name));
+}
+
+bool DeliveredSymbols::HasVariableInParts(std::uint64_t address, std::string_view name) const {
+    if (name.starts_with('_') && IsVariable(address, name.substr(1))) {
+        return true;
+    }
+    while (!name.empty()) {
+        const std::string_view part = name.substr(0, name.find('.'));
+        if (IsVariable(address, part)) {
+            return true;
+        }
+        name.remove_prefix(std::min(part.size() + 1, name.size()));
+    }
+    return false;
+}
+
+bool DeliveredSymbols::HasVariableInMangledName(std::uint64_t address,
+                                                std::string_view name) const {
+    if (!name.starts_with("_Z") && !name.starts_with("_R")) {
+        const DemangledSymbolName readable(name);
+        const std::string_view text = readable.GetName();
+        const std::size_t scopeEnd = text.rfind("::");
+        return readable.IsModified() && scopeEnd != std::string_view::npos &&
+               IsVariable(address, text.substr(scopeEnd + 2));
+    }
+    // Names of the Itanium ABI and of Rust hold each identifier behind its length.
+    while (!name.empty()) {
+        if (!IsDigit(name.front())) {
+            name.remove_prefix(1);
+            continue;
+        }
+        std::size_t length = 0;
+        const char* end = name.data() + name.size();
+        const auto [digitsEnd, error] = std::from_chars(name.data(), end, length);
+        name.remove_prefix(static_cast<std::size_t>(digitsEnd - name.data()));
+        if (error == std::errc() && length <= name.size()) {
+            if (IsVariable(address, name.substr(0, length))) {
+                return true;
+            }
+            name.remove_prefix(length);
+        }
+    }
+    return false;
+}
+
+bool DeliveredSymbols::KeySet::Insert(std::uint64_t key) {
+    if (Contains(key)) {
+        return false;
+    }
+    mKeys.push_back(key);
+    mPositions.Add(key, static_cast<std::uint32_t>(mKeys.size()));
     return true;
+}
+
+bool DeliveredSymbols::KeySet::Contains(std::uint64_t key) const {
+    return mPositions.Find(key,
+                           [&](std::uint32_t position) { return mKeys[position - 1] == key; }) != 0;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -11,26 +11,35 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-class VElfBuffer;
-
-/// A set of symbols. It keeps offsets of the string table, not the names.
+/// Names by their addresses. It keeps a hash of 64 bits for each, not the texts.
 class DeliveredSymbols {
 public:
-    /// Adds a symbol.
-    /// @param nameOffset where its name begins in `names`, the string table
-    /// @param name the name itself, which may be cut
-    /// @return false if it was there
-    bool Insert(std::uint64_t address, std::uint32_t nameOffset, std::string_view name,
-                const VElfBuffer& names);
+    /// Adds a name or linkage name of a variable; an empty one is none.
+    void AddVariable(std::uint64_t address, std::string_view name);
+
+    /// Adds a symbol, unless it is that of a variable at its address. Such a symbol has the name of
+    /// the variable plain, mangled, or with what compilers put before and behind it: `_calls`,
+    /// `calls.0`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.
+    /// @return false if the symbol or its variable was there
+    bool AddSymbol(std::uint64_t address, std::string_view name);
 
 private:
-    struct Symbol {
-        std::uint64_t address = 0;
-        std::uint32_t nameOffset = 0;
+    class KeySet {
+    public:
+        bool Insert(std::uint64_t key);
+        [[nodiscard]] bool Contains(std::uint64_t key) const;
+
+    private:
+        HashSlots mPositions;
+        std::vector<std::uint64_t> mKeys;
     };
 
-    HashSlots mPositions;
-    std::vector<Symbol> mSymbols;
+    [[nodiscard]] bool IsVariable(std::uint64_t address, std::string_view name) const;
+    [[nodiscard]] bool HasVariableInParts(std::uint64_t address, std::string_view name) const;
+    [[nodiscard]] bool HasVariableInMangledName(std::uint64_t address, std::string_view name) const;
+
+    KeySet mVariables;
+    KeySet mSymbols;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

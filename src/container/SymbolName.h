@@ -37,10 +37,4 @@ private:
 /// A symbol's name without the version that a dynamic symbol carries behind an "@".
 std::string_view WithoutVersion(std::string_view symbolName);
 
-/// True if a symbol at the address of a variable is that variable: it has its name or its linkage
-/// name, plain, with the prefix or the number that compilers add, or mangled.
-/// @param linkageName empty if there is none
-bool IsSymbolOfVariable(std::string_view symbolName, std::string_view name,
-                        std::string_view linkageName);
-
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -132,10 +132,6 @@ public:
     /// Windows image too, and those of symbols without type.
     /// @throws std::bad_alloc
     const VElfSymbolAddress* FindSymbolByName(const std::string& name);
-    /// Takes note that the symbols of a variable are in the data model. Full manner.
-    /// @param linkageName empty if there is none
-    void NoteDeliveredVariable(std::uint64_t address, std::string_view name,
-                               std::string_view linkageName);
 
     /// @}
 
@@ -181,7 +177,7 @@ public:
     VElfSymbolMap mSymbolMap{mManner};
     VElfSymbolNamesMap mSymbolNamesMap{mManner};
     VElfNamesObjectMap mNamesObjectMap;
-    /// Empty in the classic manner, which asks the data model.
+    /// Filled in the full manner only; the classic one asks the data model.
     DeliveredSymbols mDeliveredSymbols;
     std::unique_ptr<VCLIFactoryWrapper> mFactory;
     VDWARFReaderWrapper* mReader;

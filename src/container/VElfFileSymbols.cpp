@@ -208,8 +208,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         }
         if (mManner == ReadingManner::Classic) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
-        } else if (mDeliveredSymbols.Insert(symbol.st_value, symbol.st_name, rawName,
-                                            *mStrTabBuffer)) {
+        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName)) {
             emission.CreateVariable(name, symbol.st_value, symbol.st_size);
         }
     }
@@ -242,16 +241,6 @@ void VElfFile::ProcessSymbolTableEntryName(char* name, std::size_t size, std::ui
 
 Elf32_Sym* VElfFile::FindSymbolByAddress(std::uint64_t address, std::string_view name) {
     return mSymbolMap.FindByAddress(address, name);
-}
-
-void VElfFile::NoteDeliveredVariable(std::uint64_t address, std::string_view name,
-                                     std::string_view linkageName) {
-    for (const Elf32_Sym& symbol : mSymbolMap.AllAt(address)) {
-        const std::string_view symbolName = CutSymbolName(symbol.name);
-        if (mStrTabBuffer && IsSymbolOfVariable(symbolName, name, linkageName)) {
-            mDeliveredSymbols.Insert(address, symbol.st_name, symbolName, *mStrTabBuffer);
-        }
-    }
 }
 
 bool VElfFile::LoadSymbolNames() {

@@ -54,9 +54,8 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint64_t address, std::string_view 
 
 std::span<const Elf32_Sym> VElfSymbolMap::AllAt(std::uint64_t address) {
     SortByAddress();
-    const auto symbols = std::ranges::equal_range(
-        mSymbols, address, {}, [this](const Elf32_Sym& symbol) { return AddressOf(symbol); });
-    return std::span<const Elf32_Sym>(symbols).first(std::min(symbols.size(), sMaximumComparisons));
+    return std::ranges::equal_range(mSymbols, address, {},
+                                    [this](const Elf32_Sym& symbol) { return AddressOf(symbol); });
 }
 
 void VElfSymbolMap::SortByAddress() {

@@ -28,7 +28,7 @@ public:
     /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first. Of very
     /// many the first 1000 are looked at, and fewer of those whose names are long.
     Elf32_Sym* FindByAddress(std::uint64_t address, std::string_view name);
-    /// The symbols at an address in the order of insertion. Of very many the first 1000.
+    /// The symbols at an address in the order of insertion.
     [[nodiscard]] std::span<const Elf32_Sym> AllAt(std::uint64_t address);
 
 private:

@@ -6,7 +6,9 @@
 //
 // All of them are addresses as well: the vector table of a controller lies at 0, a port may. So a
 // variable at such a place is believed if something is known to be there.
+#include "container/SymbolName.h"
 #include "container/VElfFile.h"
+#include "core/KeyMixing.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "emit/VariableNames.h"
@@ -19,6 +21,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -37,7 +40,8 @@ std::array<std::uint64_t, 3> TombstonesOf(std::uint32_t addressSize) {
 class DiscardedVariables {
 public:
     explicit DiscardedVariables(VElfFile& file)
-        : mFile(file) {}
+        : mFile(file)
+        , mLongNames(file.mFileSize) {}
 
     void LookAt(VDebugInfoNode& variable) {
         if (!IsAtTombstone(variable)) {
@@ -51,6 +55,8 @@ public:
     }
 
 private:
+    using NameSet = std::unordered_set<std::string_view, SeededHash>;
+
     [[nodiscard]] bool IsAtTombstone(const VDebugInfoNode& variable) const {
         const std::uint64_t address = variable.GetLocationAddress();
         return std::ranges::any_of(
@@ -76,24 +82,36 @@ private:
     bool HasSymbolThere(const VDebugInfoNode& variable) {
         const std::uint64_t address = variable.GetLocationAddress();
         const VariableNames names(variable);
-        for (const Elf32_Sym& symbol : mFile.mSymbolMap.AllAt(address)) {
-            const std::string_view name = symbol.name;
-            if (!name.empty() && (name == names.name || name == names.linkageName)) {
-                return true;
-            }
-        }
         return IsSymbolAt(names.linkageName, address) || IsSymbolAt(names.name, address);
     }
 
     bool IsSymbolAt(std::string_view name, std::uint64_t address) {
-        const VElfSymbolAddress* symbol =
-            !name.empty() ? mFile.FindSymbolByName(std::string(name)) : nullptr;
+        if (name.empty()) {
+            return false;
+        }
+        // Static variables of several files may have the name.
+        if (DataNamesAt(address).contains(name)) {
+            return true;
+        }
+        const VElfSymbolAddress* symbol = mFile.FindSymbolByName(std::string(name));
         return symbol != nullptr && symbol->mAddress == address;
     }
 
+    const NameSet& DataNamesAt(std::uint64_t address) {
+        const auto [known, isNew] = mDataNames.try_emplace(address);
+        if (isNew) {
+            for (const Elf32_Sym& symbol : mFile.mSymbolMap.AllAt(address)) {
+                known->second.insert(CutSymbolName(symbol.name, mLongNames));
+            }
+        }
+        return known->second;
+    }
+
     VElfFile& mFile;
+    LongTextAllowance mLongNames;
     /// Of the few addresses that occur.
     std::unordered_map<std::uint64_t, bool> mIsInSection;
+    std::unordered_map<std::uint64_t, NameSet> mDataNames;
 };
 
 } // namespace

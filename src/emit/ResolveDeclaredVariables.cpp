@@ -7,6 +7,7 @@
 //
 // A wrong address is worse than none. So a name without linkage name counts with its scope, and a
 // symbol that only its own file knows serves no declaration of another one.
+#include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
 #include "diagnostics/ElfLog.h"
@@ -40,12 +41,19 @@ bool StandsInFunction(const VDebugInfoNode& variable) {
     return parent != nullptr;
 }
 
-/// The name as C++ writes it; of a variable in a function or in no scope its name alone.
+/// Scopes that a name may have; more occur in damaged files only.
+constexpr int sMaximumScopes = 100;
+
+/// The name as C++ writes it; of a variable in a function or in no scope its name alone. Empty if
+/// it is longer than the names of symbols are.
 std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name) {
     std::string qualifiedName(name);
     const VDebugInfoNode* completed = variable.GetSpecificationNode();
     const VDebugInfoNode* scope = (completed != nullptr ? *completed : variable).GetParent();
-    for (int link = 0; link < sMaximumChainLength && scope != nullptr; ++link) {
+    for (int link = 0; link < sMaximumScopes && scope != nullptr; ++link) {
+        if (qualifiedName.size() >= sSymbolNameBufferSize) {
+            return {};
+        }
         switch (scope->GetTag()) {
         case DW_TAG_namespace:
         case DW_TAG_class_type:

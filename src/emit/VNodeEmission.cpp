@@ -426,8 +426,9 @@ void VNodeEmission::RegisterVariable(ObjectId object, VDebugInfoNode& variable) 
     mSection.mObjectNodes.try_emplace(object, &variable);
     if (mSection.mElfFile->mManner == ReadingManner::Full) {
         const VariableNames names(variable);
-        mSection.mElfFile->NoteDeliveredVariable(variable.GetLocationAddress(), names.name,
-                                                 names.linkageName);
+        DeliveredSymbols& delivered = mSection.mElfFile->mDeliveredSymbols;
+        delivered.AddVariable(variable.GetLocationAddress(), names.name);
+        delivered.AddVariable(variable.GetLocationAddress(), names.linkageName);
     }
 }
 
