@@ -3,7 +3,17 @@
 #include "container/VElfFileCache.h"
 #include "core/ErrorState.h"
 
+#include <bit>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+bool IsNumberWidth(std::uint8_t width) {
+    return std::has_single_bit(width) && width <= sizeof(std::uint64_t);
+}
+
+} // namespace
 
 bool VWholeSection::LoadOrLeaveEmpty(const Elf64_Shdr& section) {
     if (section.sh_size == 0) {
@@ -21,7 +31,7 @@ bool VWholeSection::LoadOrLeaveEmpty(const Elf64_Shdr& section) {
 std::optional<std::uint64_t> VNumberTable::NumberAt(std::uint64_t base, std::uint64_t index,
                                                     std::uint8_t width) {
     const auto length = static_cast<std::uint64_t>(GetBufferLength());
-    if (width == 0 || base > length || index >= (length - base) / width) {
+    if (!IsNumberWidth(width) || base > length || index >= (length - base) / width) {
         return std::nullopt;
     }
     SetOffset(static_cast<std::int32_t>(base + index * width));

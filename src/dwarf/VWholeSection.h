@@ -31,7 +31,7 @@ public:
     using VWholeSection::VWholeSection;
 
     /// The number at a place, none if it lies outside of the section.
-    /// @param width bytes of each number: 1, 2, 4 or 8
+    /// @param width bytes of each number: 1, 2, 4 or 8; with another there are none
     std::optional<std::uint64_t> NumberAt(std::uint64_t base, std::uint64_t index,
                                           std::uint8_t width);
 };
