@@ -142,8 +142,9 @@ TEST_F(FullTreeTest, AStaticVariableOfAnInlinedFunctionIsThereOnce) {
     const DieLabel number;
     const DieLabel function;
     const DieLabel count;
-    const auto instance = [&](std::vector<DieAttribute> attributes) {
-        attributes.push_back(Address(0x1000));
+    const auto instance = [&](std::vector<DieAttribute> attributes,
+                              std::uint64_t address = 0x1000) {
+        attributes.push_back(Address(address));
         return Die(DW_TAG_subprogram, {Origin(function)},
                    {Die(DW_TAG_lexical_block, {}, {Die(DW_TAG_variable, attributes)})});
     };
@@ -153,10 +154,11 @@ TEST_F(FullTreeTest, AStaticVariableOfAnInlinedFunctionIsThereOnce) {
         Die(function, DW_TAG_subprogram, {Name("tick")},
             {Die(count, DW_TAG_variable, {Name("count"), Type(number)})}),
         instance({Origin(count)}),
-        instance({Name("count"), Type(number)}),
+        instance({Name("own"), Type(number)}, 0x1004),
     });
     const ReadRun run = Read(sections, true);
-    EXPECT_THAT(ScopedVariables(run), ElementsAre("tick::count@4096 uint32"));
+    EXPECT_THAT(ScopedVariables(run),
+                ElementsAre("tick::count@4096 uint32", "tick::own@4100 uint32"));
     EXPECT_EQ(
         std::ranges::count_if(
             run.calls, [](const std::string& call) { return call.starts_with("CreateFunction("); }),
