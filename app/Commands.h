@@ -17,6 +17,7 @@ void AddLeavesCommand(CommandLine& commandLine);
 void AddFindCommand(CommandLine& commandLine);
 void AddTypesCommand(CommandLine& commandLine);
 void AddDiffCommand(CommandLine& commandLine);
+void AddReportCommand(CommandLine& commandLine);
 void AddDumpCommand(CommandLine& commandLine);
 void AddTraceCommand(CommandLine& commandLine);
 void AddA2lCommands(CommandLine& commandLine);

@@ -1,6 +1,7 @@
 // The command `diff`: what has changed for each variable and each leaf from one build to the next.
 #include "CommandLine.h"
 #include "Commands.h"
+#include "DecisionGuard.h"
 #include "DifferenceTable.h"
 #include "Message.h"
 #include "ModelComparison.h"
@@ -11,10 +12,8 @@
 #include "TableWriter.h"
 #include "Terminal.h"
 
-#include "core/VElfOptions.h"
 #include "model/DataModel.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,27 +54,6 @@ void TellNothingFound(const DiffArguments& arguments, const DataModel::DataModel
              NearVariables(newModel, arguments.pattern));
     }
 }
-
-/// Puts back, at the end of a read, what the reader decided by the compiler of the file: it must
-/// not decide for the other build.
-class DecisionGuard {
-public:
-    DecisionGuard() = default;
-    ~DecisionGuard() {
-        Options::mHandle_DW_FORM_REF_ADDR_AS_DW3 = mReferenceWidth;
-        Options::mFixReferencesWithFileRelativeOffset = mFileRelativeReferences;
-    }
-    DecisionGuard(const DecisionGuard&) = delete;
-    DecisionGuard& operator=(const DecisionGuard&) = delete;
-    DecisionGuard(DecisionGuard&&) = delete;
-    DecisionGuard& operator=(DecisionGuard&&) = delete;
-
-private:
-    using Options = Reader::DWARF::VElfOptions;
-
-    std::int32_t mReferenceWidth = Options::mHandle_DW_FORM_REF_ADDR_AS_DW3;
-    std::int32_t mFileRelativeReferences = Options::mFixReferencesWithFileRelativeOffset;
-};
 
 ReadResult ReadBuild(ReadSession& session, const std::string& file, DataModel::DataModel& model) {
     const DecisionGuard guard;

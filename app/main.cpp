@@ -24,6 +24,7 @@ ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     AddFindCommand(commandLine);
     AddTypesCommand(commandLine);
     AddDiffCommand(commandLine);
+    AddReportCommand(commandLine);
     AddDumpCommand(commandLine);
     AddTraceCommand(commandLine);
     AddA2lCommands(commandLine);

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building and testing need, those that are missing alone. With the
 # argument "samples" also the cross compilers that rebuild the sample images; with "docs" also what
-# builds the reference; with "bench" also what makes the big images and the tools that brindle is
-# measured beside; with "fuzz" also the compiler that has libFuzzer; with "checks" also cppcheck.
+# builds the reference; with "report" also the browser that the tests of the report drive; with "bench"
+# also what makes the big images and the tools that brindle is measured beside; with "fuzz" also the
+# compiler that has libFuzzer; with "checks" also cppcheck.
 set -euo pipefail
 
 packages=(
@@ -21,6 +22,9 @@ samples)
     ;;
 docs)
     packages+=(doxygen)
+    ;;
+report)
+    packages+=(chromium chromium-driver fonts-dejavu-core python3-selenium)
     ;;
 fuzz)
     packages+=(clang-14 libclang-rt-14-dev llvm-14)

@@ -6,6 +6,7 @@ _brindle_options() {
     case $1 in
     vars | find) echo "--help $reading --format" ;;
     leaves | diff) echo "--help $reading --max-elements --max-leaves --format" ;;
+    report) echo "--help --output $reading" ;;
     types | dump | trace) echo "--help $reading" ;;
     a2l) echo '--help' ;;
     'a2l update') echo "--help --output --in-place --check --report --missing --bit-masks --word-addresses $reading" ;;
@@ -69,7 +70,7 @@ _brindle() {
             mapfile -t COMPREPLY < <(compgen -W "$(_brindle_options "$command")" -- "$current")
         elif [[ -z $command ]]; then
             mapfile -t COMPREPLY < <(compgen -W \
-                'vars leaves find types diff dump trace a2l demangle' -- "$current")
+                'vars leaves find types diff report dump trace a2l demangle' -- "$current")
         elif [[ $command == a2l ]]; then
             mapfile -t COMPREPLY < <(compgen -W 'update export' -- "$current")
         elif [[ $command != demangle ]]; then

@@ -58,14 +58,22 @@ public:
     /// "motor.Named::id".
     void Walk(ObjectId global, const Visitor& visit);
 
+    /// A member of a class as the walk meets it.
+    struct FlatMember {
+        /// Type, size and bits of the member; `address` is its offset from the start of the class.
+        DataModel::Place place;
+        /// What a path adds for it: ".gain", or ".Named::id" for a hidden one.
+        std::string step;
+    };
+
+    /// All members of a class, structure or union, inherited and anonymous ones among them, in the
+    /// order in which `Walk` visits them. Valid as long as the walk lives.
+    const std::vector<FlatMember>& Members(ObjectId type);
+
     /// What the walks of this object left out so far.
     [[nodiscard]] const LeafCuts& Cuts() const { return mCuts; }
 
 private:
-    struct FlatMember {
-        DataModel::Place place;
-        std::string step;
-    };
     struct Part;
     class Flattening;
 
@@ -75,7 +83,6 @@ private:
     bool EnterClass(ObjectId type, std::size_t depth);
     void Deliver(const DataModel::Place& place);
     void NoteWhole();
-    const std::vector<FlatMember>& Members(ObjectId type);
     const std::vector<ObjectId>& OwnMembers(ObjectId type);
 
     const DataModel& mModel;

@@ -5,6 +5,7 @@ BRINDLE_PROGRAM names the program, BRINDLE_SAMPLE_IMAGES the folder of the sampl
 inputs are made here, in a temporary folder.
 """
 
+import base64
 import csv
 import io
 import json
@@ -27,7 +28,7 @@ CLASSIC = ["--set", "mIsFullReading=0"]
 GLOBAL_OBJECT = 0x11
 FUNCTION = 0x12
 
-COMMANDS = ["vars", "leaves", "find", "types", "diff", "dump", "trace", "demangle"]
+COMMANDS = ["vars", "leaves", "find", "types", "diff", "report", "dump", "trace", "demangle"]
 
 SYMBOL_SCOPE = "_Symbol_Table_BKR_"
 TWO_SYMBOLS = [("gSpeed", 0x20001000, 4, GLOBAL_OBJECT),
@@ -136,7 +137,8 @@ class UsageTest(ProgramTest):
                 done = subprocess.run([PROGRAM, *shlex.split(example)], capture_output=True,
                                       cwd=self.folder, timeout=60)
                 self.assertEqual((done.returncode, done.stderr), (0, b""))
-                self.assertGreater(len(done.stdout), 10)
+                written = [file.read_bytes() for file in self.folder.glob("*.html")]
+                self.assertGreater(len(b"".join([done.stdout, *written])), 10)
 
     def test_the_later_of_two_values_counts(self):
         file = self.file("two.elf", elf_image(TWO_SYMBOLS))
@@ -145,6 +147,69 @@ class UsageTest(ProgramTest):
 
     def test_version_is_a_name_and_three_numbers(self):
         self.assertRegex(self.run_program("--version")[0], r"\Abrindle \d+\.\d+\.\d+\n\Z")
+
+
+class ReportTest(ProgramTest):
+    def data_of(self, page):
+        return json.loads(page.split('<script type="application/json" id="data">')[1]
+                          .split("</script>")[0])
+
+    def numbers(self, table, column):
+        width, text = table[column].split(":")
+        content = base64.b64decode(text)
+        if width == "0":
+            return [0] * table["count"]
+        return list(struct.unpack(f"<{table['count']}{' BH I   Q'[int(width)]}", content))
+
+    def test_columns_hold_the_variables(self):
+        names = ["gSpeed", "a</script><!--b", "zeros"]
+        symbols = [(names[0], 0xffffffff80001000, 4, GLOBAL_OBJECT),
+                   (names[1], 0x20001004, 70000, GLOBAL_OBJECT),
+                   (names[2], 0, 0, GLOBAL_OBJECT)]
+        file = self.file("three.elf", elf_image(symbols, is_64=True))
+        page = self.run_program("report", file, "-o", "-")[0]
+        self.assertEqual(page.count("</script>"), 2)
+        image, = self.data_of(page)["images"]
+        variables = image["variables"]
+        shown = {image["texts"][name]: place for name, *place in zip(
+            self.numbers(variables, "name"), self.numbers(variables, "address"),
+            self.numbers(variables, "size"))}
+        told = {row["name"].split("::")[-1]: [row["address"], row["size"]]
+                for row in json.loads(self.run_program("vars", file, "--format", "json")[0])}
+        self.assertEqual(shown, told)
+        self.assertIn(names[1], shown)
+
+    def test_a_report_is_written_whole_or_not_at_all(self):
+        file = self.file("two.elf", elf_image(TWO_SYMBOLS))
+        report = self.folder / "report.html"
+        report.write_text("older")
+        link = self.folder / "link.html"
+        link.symlink_to(report)
+        missing = str(self.folder / "missing.elf")
+        for arguments, status, text in [
+                ([missing, "-o", str(report)], 1, "missing.elf: "),
+                ([file, missing, "-o", str(report)], 1, "missing.elf: "),
+                ([file, "-o", str(self.folder / "no" / "report.html")], 1,
+                 "report.html: the report can't be written: No such file or directory\n"),
+                ([file, "-o", str(self.folder)], 1, "can't be written: Is a directory\n"),
+                ([file, "-o", file], 2, "would replace the image"),
+                ([file], 2, "--output is required")]:
+            with self.subTest(arguments=arguments):
+                output, error = self.run_program("report", *arguments, status=status)
+                self.assertEqual(output, "")
+                self.assertIn(text, error)
+                self.assertEqual(report.read_text(), "older")
+        self.assertEqual(sorted(each.name for each in self.folder.iterdir()),
+                         ["link.html", "report.html", "two.elf"])
+        self.run_program("report", file, "-o", str(link))
+        self.assertTrue(link.is_symlink())
+        self.assertIn("gSpeed", report.read_text())
+        self.assertEqual(len(list(self.folder.iterdir())), 3)
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs /dev/full")
+    def test_a_full_disk_is_a_failure(self):
+        file = self.file("two.elf", elf_image(TWO_SYMBOLS))
+        self.assertIn("No space left", self.run_program("report", file, "-o", "/dev/full", status=1)[1])
 
 
 class FailedReadTest(ProgramTest):

@@ -1,0 +1,32 @@
+// What the reader decides by the compiler of one file, kept from the next one. Commands that read
+// two builds use it.
+#pragma once
+
+#include "core/VElfOptions.h"
+
+#include <cstdint>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// Puts back, at the end of a read, what the reader decided by the compiler of the file: it must
+/// not decide for the other build.
+class DecisionGuard {
+public:
+    DecisionGuard() = default;
+    ~DecisionGuard() {
+        Options::mHandle_DW_FORM_REF_ADDR_AS_DW3 = mReferenceWidth;
+        Options::mFixReferencesWithFileRelativeOffset = mFileRelativeReferences;
+    }
+    DecisionGuard(const DecisionGuard&) = delete;
+    DecisionGuard& operator=(const DecisionGuard&) = delete;
+    DecisionGuard(DecisionGuard&&) = delete;
+    DecisionGuard& operator=(DecisionGuard&&) = delete;
+
+private:
+    using Options = Reader::DWARF::VElfOptions;
+
+    std::int32_t mReferenceWidth = Options::mHandle_DW_FORM_REF_ADDR_AS_DW3;
+    std::int32_t mFileRelativeReferences = Options::mFixReferencesWithFileRelativeOffset;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,58 @@
+// What a report says of two images: the differences in packed columns, without those that another
+// one explains. `app/report/src/differences.ts` reads what is written here.
+#pragma once
+
+#include "ImagePack.h"
+#include "PackedColumns.h"
+
+#include "model/DataModel.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+struct ComparisonScope;
+struct Difference;
+
+/// Packs the differences of two models, each a row: variables, and within those that stand in both
+/// builds the leaves that changed otherwise than by moving along with their variable. Leaves that
+/// changed alike in all elements of an array are one row.
+class DifferencePack {
+public:
+    DifferencePack(const DataModel::DataModel& oldModel, const DataModel::DataModel& newModel,
+                   const ComparisonScope& scope, const ImagePack& oldPack,
+                   const ImagePack& newPack);
+
+    void Write(PackWriter& json) const;
+
+private:
+    static constexpr std::size_t sColumnCount = 16;
+    using Row = std::array<std::uint64_t, sColumnCount>;
+    /// What makes two leaves of a variable one row: path without indices, and all that changed.
+    using AlikeKey = std::pair<std::string, std::array<std::uint64_t, 6>>;
+
+    void Add(const Difference& difference);
+    void AddLeaf(const Difference& difference);
+    [[nodiscard]] Row RowOf(const Difference& difference, std::uint64_t changes,
+                            std::string_view path);
+    std::array<std::uint64_t, 2> TypeTexts(const Difference& difference);
+
+    const DataModel::DataModel& mOldModel;
+    const DataModel::DataModel& mNewModel;
+    const ImagePack& mOldPack;
+    const ImagePack& mNewPack;
+    TextTable mTexts;
+    std::vector<Row> mRows;
+    /// Positions of the rows of the leaves of `mGlobal`.
+    std::map<AlikeKey, std::size_t> mAlike;
+    DataModel::ObjectId mGlobal = 0;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,70 @@
+// What a report holds of one image: variables, types and values in packed columns. Arrays are not
+// taken apart; the page derives leaves from the types. `app/report/src/image.ts` reads what is
+// written here.
+#pragma once
+
+#include "PackedColumns.h"
+#include "PackedTable.h"
+#include "ValuePack.h"
+
+#include "model/DataModel.h"
+#include "model/LeafWalk.h"
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+struct ReadResult;
+
+/// Packs one model. It must not change during the life of the pack.
+class ImagePack {
+public:
+    /// @param file name of the file, for people
+    /// @param result how the read of the file ended
+    /// @param valueLimit most bytes of initial values that are taken along
+    ImagePack(const DataModel::DataModel& model, std::string file, const ReadResult& result,
+              std::uint64_t valueLimit);
+
+    /// Position of a variable among the variables, from 0.
+    [[nodiscard]] std::uint64_t IndexOf(DataModel::ObjectId global) const {
+        return mVariableIndices.at(global);
+    }
+    void Write(PackWriter& json) const;
+
+private:
+    /// Number of a type among the types, from 1; 0 for none.
+    [[nodiscard]] std::uint64_t TypeNumber(DataModel::ObjectId type) const;
+    void NumberTypes();
+    void AddType(const DataModel::ModelObject& type);
+    std::uint64_t AddLayout(DataModel::ObjectId type);
+    std::uint64_t AddFlatMembers(DataModel::ObjectId type);
+    std::uint64_t AddDimensions(DataModel::ObjectId array);
+    std::uint64_t AddEnumerators(DataModel::ObjectId table);
+    void AddVariables();
+    void AddVariable(const DataModel::ModelObject& variable);
+    void AddSections();
+    std::uint32_t ScopeText(const DataModel::ModelObject& variable);
+    std::uint32_t UnitText(DataModel::ObjectId id);
+
+    const DataModel::DataModel& mModel;
+    std::string mFile;
+    const ReadResult& mResult;
+    DataModel::LeafWalk mWalk;
+    TextTable mTexts;
+    std::vector<std::uint32_t> mTypeNumbers;
+    std::unordered_map<DataModel::ObjectId, std::uint64_t> mVariableIndices;
+    std::unordered_map<DataModel::ObjectId, std::uint32_t> mScopeTexts;
+    PackedTable mTypes;
+    PackedTable mLayout;
+    PackedTable mFlatMembers;
+    PackedTable mDimensions;
+    PackedTable mEnumerators;
+    PackedTable mVariables;
+    PackedTable mSections;
+    ValuePack mValues;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,70 @@
+// How numbers and names travel in a report: a column of numbers is one text, a name stands once and
+// is called by its number. The page unpacks both; what the columns mean is not known here.
+#pragma once
+
+#include "ResultOutput.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <rapidjson/writer.h>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// Output of JSON that stands within a script element. "<" is written as an escape, so that no text
+/// ends the element or begins a comment.
+class ScriptOutput {
+public:
+    using Ch = char;
+
+    /// @param output borrowed
+    explicit ScriptOutput(ResultOutput& output)
+        : mOutput(output) {}
+
+    void Put(char character) {
+        if (character == '<') {
+            mOutput.Write("\\u003c");
+        } else {
+            mOutput.Put(character);
+        }
+    }
+    void Flush() {}
+
+private:
+    ResultOutput& mOutput;
+};
+
+using PackWriter = rapidjson::Writer<ScriptOutput>;
+
+/// Texts by their numbers. Number 0 is the empty text.
+class TextTable {
+public:
+    TextTable();
+
+    /// The number of a text that outlives the table.
+    std::uint32_t NumberOf(std::string_view text);
+    /// The number of a text that the table keeps.
+    std::uint32_t NumberOfCopy(std::string text);
+
+    /// Writes the texts as an array.
+    void Write(PackWriter& json) const;
+
+private:
+    std::unordered_map<std::string_view, std::uint32_t> mNumbers;
+    std::vector<std::string_view> mTexts;
+    std::deque<std::string> mCopies;
+};
+
+/// Writes numbers as one text: the width of a number in bytes (0, 1, 2, 4 or 8), a colon, and the
+/// numbers in base64, least significant byte first. Width 0 says that all of them are 0.
+void WriteColumn(PackWriter& json, std::string_view key, std::span<const std::uint64_t> numbers);
+
+/// Writes bytes as base64.
+void WriteBytes(PackWriter& json, std::string_view key, std::span<const std::uint8_t> bytes);
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,42 @@
+// A file that is written whole or not at all. Commands that write their result to a file of the
+// user's choice use it.
+#pragma once
+
+#include "ResultOutput.h"
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// Writes beside the file under another name, which becomes the file's own at the end. Until then,
+/// and if anything fails, the file stays what it was. A device or pipe is written to directly.
+/// Failures throw `std::filesystem::filesystem_error` or `OutputError`.
+class ReplacedFile {
+public:
+    explicit ReplacedFile(const std::filesystem::path& file);
+    /// Removes what was written unless it was committed.
+    ~ReplacedFile();
+    ReplacedFile(const ReplacedFile&) = delete;
+    ReplacedFile& operator=(const ReplacedFile&) = delete;
+    ReplacedFile(ReplacedFile&&) = delete;
+    ReplacedFile& operator=(ReplacedFile&&) = delete;
+
+    /// Where the content goes. Lives as long as this object.
+    ResultOutput& Output() { return *mOutput; }
+
+    /// Ends the writing and gives the file its name.
+    void Commit();
+
+private:
+    std::filesystem::path mFile;
+    /// Where the content is until it is complete; that of the file itself if it can't be replaced.
+    std::filesystem::path mPart;
+    std::filebuf mBuffer;
+    std::optional<ResultOutput> mOutput;
+    bool mIsCommitted = false;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

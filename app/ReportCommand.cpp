@@ -1,0 +1,154 @@
+// The command `report`: one image, or two and what differs between them, as a page to look at.
+#include "CommandLine.h"
+#include "Commands.h"
+#include "DecisionGuard.h"
+#include "DifferencePack.h"
+#include "ImagePack.h"
+#include "Message.h"
+#include "ModelComparison.h"
+#include "ReadArguments.h"
+#include "ReadSession.h"
+#include "ReplacedFile.h"
+#include "ReportPage.h"
+#include "ResultOutput.h"
+
+#include "core/HostText.h"
+#include "model/DataModel.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <system_error>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+constexpr std::uint64_t sDefaultValueLimit = 1024 * 1024;
+
+struct ReportArguments {
+    ReadArguments read;
+    std::string file;
+    std::string newFile;
+    std::string report;
+    std::uint64_t valueLimit = sDefaultValueLimit;
+};
+
+/// An image with all that its report needs of it.
+struct ReportedImage {
+    ReportedImage(ReadSession& session, const std::string& imageFile)
+        : file(imageFile) {
+        const DecisionGuard guard;
+        result = session.Read(file, model);
+        status = ReportResult(file, result);
+    }
+
+    [[nodiscard]] ImagePack Pack(std::uint64_t valueLimit) const {
+        const std::string name = std::filesystem::path(file).filename().string();
+        return {model, Reader::DWARF::ToHostText(name), result, valueLimit};
+    }
+
+    std::string file;
+    DataModel::DataModel model;
+    ReadResult result;
+    ExitStatus status = ExitStatus::Failed;
+};
+
+using WritePage = std::function<void(ResultOutput& output)>;
+
+/// Writes a page to the file that the user named; "-" is standard output.
+ExitStatus WritePageTo(const std::string& report, ResultOutput& standardOutput,
+                       const WritePage& write) {
+    if (report == "-") {
+        write(standardOutput);
+        return ExitStatus::Success;
+    }
+    try {
+        ReplacedFile file(report);
+        write(file.Output());
+        file.Commit();
+        return ExitStatus::Success;
+    } catch (const std::system_error& error) {
+        Tell(report, "the report can't be written: " + error.code().message());
+    }
+    return ExitStatus::Failed;
+}
+
+ExitStatus ReportImage(const ReportArguments& arguments, ResultOutput& output) {
+    ReadSession session(arguments.read);
+    const ReportedImage image(session, arguments.file);
+    if (!HasDelivered(image.result, image.model)) {
+        return image.status;
+    }
+    const ExitStatus status = WritePageTo(arguments.report, output, [&](ResultOutput& page) {
+        WriteReport(image.Pack(arguments.valueLimit), page);
+    });
+    return status == ExitStatus::Success ? image.status : status;
+}
+
+ExitStatus ReportDifferences(const ReportArguments& arguments, ResultOutput& output) {
+    ReadSession session(arguments.read);
+    const ReportedImage oldImage(session, arguments.file);
+    const ReportedImage newImage(session, arguments.newFile);
+    if (!HasDelivered(oldImage.result, oldImage.model) ||
+        !HasDelivered(newImage.result, newImage.model)) {
+        return ExitStatus::Failed;
+    }
+    ComparisonScope scope;
+    scope.hasAllOfOld = oldImage.result.isOk;
+    scope.hasAllOfNew = newImage.result.isOk;
+    const ExitStatus status = WritePageTo(arguments.report, output, [&](ResultOutput& page) {
+        const ImagePack oldPack = oldImage.Pack(arguments.valueLimit);
+        const ImagePack newPack = newImage.Pack(arguments.valueLimit);
+        const DifferencePack differences(oldImage.model, newImage.model, scope, oldPack, newPack);
+        WriteReport(oldPack, newPack, differences, page);
+    });
+    const bool isComplete = oldImage.result.isOk && newImage.result.isOk;
+    return isComplete ? status : ExitStatus::Failed;
+}
+
+bool IsSameFile(const std::string& first, const std::string& second) {
+    std::error_code error;
+    return std::filesystem::equivalent(first, second, error) && !error;
+}
+
+ExitStatus RunReport(const ReportArguments& arguments, ResultOutput& output) {
+    for (const std::string& file : {arguments.file, arguments.newFile}) {
+        if (IsSameFile(file, arguments.report)) {
+            Tell(arguments.report, "the report would replace the image that it is about; "
+                                   "--output needs another name");
+            return ExitStatus::WrongUsage;
+        }
+    }
+    return arguments.newFile.empty() ? ReportImage(arguments, output)
+                                     : ReportDifferences(arguments, output);
+}
+
+} // namespace
+
+void AddReportCommand(CommandLine& commandLine) {
+    const auto arguments = std::make_shared<ReportArguments>();
+    CLI::App& command = commandLine.AddCommand(
+        {"report", "Write an image, or what differs between two, as one HTML page to look at",
+         "brindle report firmware.elf -o firmware.html",
+         "The page is one file that needs no server and no network; any browser of today opens it. "
+         "With two\nfiles it shows what differs between them."},
+        [arguments](ResultOutput& output) { return RunReport(*arguments, output); });
+    command
+        .add_option("IMAGE", arguments->file, "The file to show, or the file of the earlier build")
+        ->required()
+        ->type_name("");
+    command.add_option("NEW", arguments->newFile, "The file of the later build")->type_name("");
+    command
+        .add_option("-o,--output", arguments->report,
+                    "The page to write; - stands for standard output")
+        ->required()
+        ->take_last()
+        ->type_name("")
+        ->option_text("REPORT (required)");
+    AddReadArguments(command, arguments->read);
+}
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,107 @@
+#include "ValuePack.h"
+
+#include "host/ImageDescription.h"
+
+#include <algorithm>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::ImageSection;
+using DataModel::ModelObject;
+using DataModel::SectionKind;
+
+/// A row of zeros from this length on stands without bytes.
+constexpr std::ptrdiff_t sLongZeros = 24;
+/// Variables that lie no farther apart are one stretch.
+constexpr std::uint64_t sNear = 16;
+/// No one value is larger; a lying size may be.
+constexpr std::uint64_t sLargestStretch = 16 * 1024 * 1024;
+
+} // namespace
+
+ValuePack::ValuePack(const DataModel::DataModel& model, std::uint64_t limit)
+    : mLimit(limit)
+    , mChunks({"address", "length", "hasBytes"}) {
+    for (const Stretch& stretch : StretchesOf(model)) {
+        if (mBytes.size() >= mLimit) {
+            mIsCut = true;
+            break;
+        }
+        const std::vector<std::uint8_t> bytes = model.InitialBytes(stretch.address, stretch.size);
+        Add(stretch.address, bytes);
+    }
+}
+
+std::vector<ValuePack::Stretch> ValuePack::StretchesOf(const DataModel::DataModel& model) {
+    std::vector<Stretch> variables;
+    model.ForEach(DataModel::ObjectKind::Global, [&](const ModelObject& variable) {
+        const std::uint64_t size = model.SizeOf(variable.id);
+        if (size != 0 && size <= sLargestStretch) {
+            variables.push_back({variable.address, size});
+        }
+    });
+    std::ranges::sort(variables, {}, &Stretch::address);
+    std::vector<Stretch> stretches;
+    const ImageSection* section = nullptr;
+    for (const Stretch& variable : variables) {
+        const ImageSection* const own = model.Image().SectionAt(variable.address);
+        if (own == nullptr || own->kind == SectionKind::Zero ||
+            variable.size > own->size - (variable.address - own->address)) {
+            continue;
+        }
+        // A stretch lies in one section, and the next variable may lie within the one before.
+        Stretch* const last = stretches.empty() || own != section ? nullptr : &stretches.back();
+        const bool isNear = last != nullptr &&
+                            variable.address <= last->address + last->size + sNear &&
+                            last->size < sLargestStretch;
+        if (isNear) {
+            last->size = std::max(last->size, variable.address + variable.size - last->address);
+        } else {
+            stretches.push_back(variable);
+        }
+        section = own;
+    }
+    return stretches;
+}
+
+void ValuePack::Add(std::uint64_t address, const std::vector<std::uint8_t>& bytes) {
+    const auto isZero = [](std::uint8_t byte) { return byte == 0; };
+    const std::uint8_t* const end = bytes.data() + bytes.size();
+    const std::uint8_t* begin = bytes.data();
+    for (const std::uint8_t* at = begin; at != end;) {
+        const std::uint8_t* const zeros = std::find(at, end, 0);
+        const std::uint8_t* const zerosEnd = std::find_if_not(zeros, end, isZero);
+        if (zerosEnd - zeros >= sLongZeros) {
+            AddChunk(address + static_cast<std::uint64_t>(begin - bytes.data()), begin, zeros);
+            mChunks.AddRow({address + static_cast<std::uint64_t>(zeros - bytes.data()),
+                            static_cast<std::uint64_t>(zerosEnd - zeros), 0});
+            begin = zerosEnd;
+        }
+        at = zerosEnd;
+    }
+    AddChunk(address + static_cast<std::uint64_t>(begin - bytes.data()), begin, end);
+}
+
+void ValuePack::AddChunk(std::uint64_t address, const std::uint8_t* begin,
+                         const std::uint8_t* end) {
+    const std::uint64_t room = mLimit - std::min<std::uint64_t>(mLimit, mBytes.size());
+    const std::uint64_t count = std::min(static_cast<std::uint64_t>(end - begin), room);
+    mIsCut = mIsCut || count < static_cast<std::uint64_t>(end - begin);
+    if (count > 0) {
+        mChunks.AddRow({address, count, 1});
+        mBytes.insert(mBytes.end(), begin, begin + count);
+    }
+}
+
+void ValuePack::Write(PackWriter& json) const {
+    json.StartObject();
+    mChunks.WriteColumns(json);
+    WriteBytes(json, "bytes", mBytes);
+    json.Key("isCut");
+    json.Bool(mIsCut);
+    json.EndObject();
+}
+
+} // namespace Tessel::Norn::Brindle::Program

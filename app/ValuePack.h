@@ -1,0 +1,39 @@
+// The initial values of an image's variables for a report: stretches of memory with their bytes.
+// Stretches of zeros take no bytes, and what several variables share is there once.
+#pragma once
+
+#include "PackedColumns.h"
+#include "PackedTable.h"
+
+#include "model/DataModel.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// Takes the bytes of all variables in sections that have any, by ascending address.
+class ValuePack {
+public:
+    /// @param limit most bytes that are taken; values beyond it are missing
+    ValuePack(const DataModel::DataModel& model, std::uint64_t limit);
+
+    void Write(PackWriter& json) const;
+
+private:
+    struct Stretch {
+        std::uint64_t address = 0;
+        std::uint64_t size = 0;
+    };
+
+    static std::vector<Stretch> StretchesOf(const DataModel::DataModel& model);
+    void Add(std::uint64_t address, const std::vector<std::uint8_t>& bytes);
+    void AddChunk(std::uint64_t address, const std::uint8_t* begin, const std::uint8_t* end);
+
+    std::uint64_t mLimit;
+    bool mIsCut = false;
+    PackedTable mChunks;
+    std::vector<std::uint8_t> mBytes;
+};
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,27 @@
+// What the views of the page share: the images, where the user is, and how to go elsewhere.
+
+import type { Differences } from "./differences.ts";
+import type { Image, Place } from "./image.ts";
+import type { Search } from "./search.ts";
+
+export interface Context {
+  images: Image[];
+  differences: Differences | undefined;
+  /** Number of the image that tables and types show: the later of two. */
+  current: number;
+  search(image: number): Search;
+  /** Shows a part of the page; see `route.ts` for the texts. */
+  go(hash: string): void;
+  /** Says something in a line that goes away again. */
+  say(message: string): void;
+}
+
+export interface View {
+  id: string;
+  title: string;
+  element: HTMLElement;
+  /** Called whenever the view comes into sight, with what the address says behind its name. */
+  show(argument: string): void;
+}
+
+export type PlaceSink = (place: Place) => void;
