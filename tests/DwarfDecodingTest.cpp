@@ -267,13 +267,15 @@ TEST_F(DwarfDecodingTest, FileRelativeReferencesAreDetectedByTheWholeProducer) {
     EXPECT_EQ(read("ICCRL78", "other"), 1);
     EXPECT_EQ(read("ICCRL78 V2", "ICCRL78"), 0);
     // A producer that the unit cuts off decides nothing.
-    VElfOptions::mFixReferencesWithFileRelativeOffset = 2;
-    DwarfSections sections;
-    sections.Unit(
-        {Die(DW_TAG_compile_unit, {Block(DW_AT_producer, DW_FORM_indirect, "\x08without end")})});
-    sections.Unit({UnitDie({}, {Producer("ICCRL78")})});
-    EXPECT_THAT(OutlineOf(sections), ElementsAre("0:compile_unit "));
-    EXPECT_EQ(VElfOptions::mFixReferencesWithFileRelativeOffset, 1);
+    for (const std::string cutOff : {"\x08without end", "\x08"}) {
+        VElfOptions::mFixReferencesWithFileRelativeOffset = 2;
+        DwarfSections sections;
+        sections.Unit({Die(DW_TAG_compile_unit,
+                           {CompDir("/src"), Block(DW_AT_producer, DW_FORM_indirect, cutOff)})});
+        sections.Unit({UnitDie({}, {Producer("ICCRL78")})});
+        EXPECT_THAT(OutlineOf(sections), ElementsAre("0:compile_unit "));
+        EXPECT_EQ(VElfOptions::mFixReferencesWithFileRelativeOffset, 1);
+    }
     VElfOptions::mIsLogFile = 1;
     VElfOptions::mFixReferencesWithFileRelativeOffset = 2;
     SectionRun run(ElfImage() + DwarfSections().Unit({UnitDie({}, {Producer("ICCRL78")})}));
@@ -557,6 +559,9 @@ TEST_F(DwarfDecodingTest, EntriesThatTheUnitCutsOffMakeNoNode) {
         Block(DW_AT_location, DW_FORM_data1, ""),
         Block(DW_AT_name, DW_FORM_indirect, ""),
         Block(DW_AT_name, DW_FORM_indirect, "\x16\x16"),
+        // A text of which not a byte is left.
+        Block(DW_AT_name, DW_FORM_indirect, "\x08"),
+        Block(DW_AT_producer, DW_FORM_indirect, "\x08"),
     };
     for (const DieAttribute& attribute : cutOff) {
         DwarfSections sections;

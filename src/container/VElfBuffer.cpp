@@ -199,6 +199,7 @@ std::uint64_t VElfBuffer::GetLEB128In64Bits(bool isSigned) {
 const char* VElfBuffer::GetNullTStr() {
     if (IsEOF()) {
         mIsOverrun = true;
+        MoveOffset(1);
         return nullptr;
     }
     const char* text = GetTextAt(static_cast<std::uint32_t>(mOffset));

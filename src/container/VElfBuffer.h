@@ -106,7 +106,8 @@ public:
     std::uint64_t GetULEB128In64Bits() { return GetLEB128In64Bits(false); }
     std::int64_t GetSLEB128In64Bits() { return static_cast<std::int64_t>(GetLEB128In64Bits(true)); }
     /// The text at the cursor, terminated and not copied; the cursor moves past its terminator.
-    /// Null if no byte lies at the cursor. Valid until the next load.
+    /// Null if no byte lies at the cursor, which passes the end like any other read. Valid until
+    /// the next load.
     const char* GetNullTStr();
 
     /// @}
