@@ -230,8 +230,7 @@ TEST_F(LocationTest, ListsAndTheirLimits) {
     EXPECT_EQ(InList(address, {}, 0, 0), sNotStatic);
     EXPECT_EQ(InList(address, {}, 8, 0), 0x2000U);
     EXPECT_EQ(InList(address, std::uint16_t{0}), sNotStatic);
-    // Operands may not reach behind the expression.
-    EXPECT_EQ(InList(address, std::uint16_t{4}), sNotStatic);
+    EXPECT_EQ(InList(address, std::uint16_t{4}), 0x2000U);
     const Operations pushes(63, {DW_OP_const1u, {7}});
     Operations longest = pushes;
     longest.push_back({DW_OP_plus});
@@ -267,11 +266,40 @@ TEST_F(LocationTest, StackHolds127Values) {
     EXPECT_EQ(InEntry(Operations(200, {DW_OP_const1u, {7}})), sNotStatic);
 }
 
-TEST_F(LocationTest, OperandsEndWithTheirExpression) {
+// Behind each expression lies the name "behind".
+TEST_F(LocationTest, TheLastOperandMayPassItsExpression) {
+    const std::vector<std::pair<std::string, std::uint32_t>> cases = {
+        {"\x03\1\2\3", 0x62030201}, {"\x08", 0x62}, {"\x0b\1", 0x6201},
+        {"\x10\x80", 0x62U << 7U},  {"#", 0x62},    {"\x9d\3", 0},
+    };
+    for (const auto& [bytes, value] : cases) {
+        EXPECT_EQ(Evaluate(Block(DW_AT_location, DW_FORM_block1, bytes)).value, value) << bytes;
+    }
+    EXPECT_EQ(Evaluate(Block(DW_AT_location, DW_FORM_block1, "\x9d\3")).bitOffset, 0x62U);
+    const DwarfUnit wide{.addressSize = 8};
+    EXPECT_EQ(Evaluate(Block(DW_AT_location, DW_FORM_block1, "\x03\1\2\3\4"), wide).value,
+              0x04030201U);
+}
+
+TEST_F(LocationTest, OperandsEndWithTheUnitOrTheSection) {
     for (const std::string_view bytes :
-         {"\x03\1\2\3", "\x08", "\x0b\1", "\x10\x80", "#", "\x9d\3"}) {
-        EXPECT_EQ(Evaluate(Block(DW_AT_location, DW_FORM_block1, std::string(bytes))).value,
-                  sNotStatic);
+         {"\x03\1\2\3", "\x08", "\x0b\1", "\x10\x80", "#", "\x9d\3", "\x9d\x80"}) {
+        const DieLabel variable;
+        DwarfSections sections;
+        sections.Unit(
+            {Die(variable, DW_TAG_variable,
+                 {Name("variable"), Block(DW_AT_location, DW_FORM_block1, std::string(bytes))})});
+        SectionRun run(ElfImage() + sections);
+        ASSERT_TRUE(run.Read());
+        const VDebugInfoNode& node = run.At(sections.OffsetOf(variable));
+        EXPECT_TRUE(node.IsRegisterOrStackLocation()) << bytes;
+        EXPECT_EQ(node.GetLocationAddress(), 0U) << bytes;
+        DwarfSections list;
+        list.RawLocations(ByteWriter().U32(0).U32(8).U16(bytes.size()).Content() +
+                          std::string(bytes));
+        EXPECT_EQ(Evaluate(Number(DW_AT_location, DW_FORM_sec_offset, 0), {}, list).value,
+                  sNotStatic)
+            << bytes;
     }
 }
 

@@ -68,6 +68,10 @@ constexpr LocationOperators sFullOperators = [] {
     return operators;
 }();
 
+/// Bytes behind its expression that an operand may have in the classic manner. Only LEB128 could
+/// take more, and many expressions may name the same bytes.
+constexpr std::int32_t sMaximumOverhang = 128;
+
 /// What an evaluation of the classic manner computes with.
 struct ClassicNumbers {
     using Value = std::uint32_t;
@@ -77,6 +81,10 @@ struct ClassicNumbers {
     static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128(); }
     static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128(); }
     static Value CutToAddress(Value value, const VElfBuffer& /*buffer*/) { return value; }
+    /// Where operands end at the latest. The last one may pass the end of its expression.
+    static std::int32_t EndOfOperands(std::int32_t end, const VElfBuffer& buffer) {
+        return end + std::min(sMaximumOverhang, buffer.GetBufferLength() - end);
+    }
 };
 
 /// The same in the full manner.
@@ -92,6 +100,9 @@ struct FullNumbers {
     static Value CutToAddress(Value value, const VElfBuffer& buffer) {
         return buffer.GetADDRESSsize() == sizeof value ? value : value & 0xFFFFFFFFU;
     }
+    static std::int32_t EndOfOperands(std::int32_t end, const VElfBuffer& /*buffer*/) {
+        return end;
+    }
 };
 
 template <typename Numbers>
@@ -104,6 +115,7 @@ public:
         : mBuffer(buffer)
         , mAddresses(addresses)
         , mEnd(std::min(end, buffer.GetBufferLength()))
+        , mEndOfOperands(Numbers::EndOfOperands(mEnd, buffer))
         , mPlace(place) {}
 
     VLocationResult Run() {
@@ -164,7 +176,7 @@ private:
         return true;
     }
 
-    /// False if the operand does not lie within the expression.
+    /// False if the operand ends too late.
     bool ReadOperand(OperandKind kind, Value& value) {
         const bool isLeb128 = kind == OperandKind::UnsignedLeb128 ||
                               kind == OperandKind::SignedLeb128 ||
@@ -180,7 +192,7 @@ private:
             return address.has_value() && mBuffer.GetOffset() <= mEnd;
         }
         value = Decode(kind);
-        return mBuffer.GetOffset() <= mEnd;
+        return mBuffer.GetOffset() <= mEndOfOperands;
     }
 
     Value Decode(OperandKind kind) {
@@ -214,18 +226,19 @@ private:
         return static_cast<Value>(number);
     }
 
-    /// Many expressions may name the same bytes: none of them may read on behind its own.
+    /// Many expressions may name the same bytes: none of them may read on for long behind its own.
     [[nodiscard]] bool HoldsLeb128() const {
         std::int32_t offset = mBuffer.GetOffset();
-        while (offset < mEnd && mBuffer[offset] < 0) {
+        while (offset < mEndOfOperands && mBuffer[offset] < 0) {
             ++offset;
         }
-        return offset < mEnd;
+        return offset < mEndOfOperands;
     }
 
     VElfBuffer& mBuffer;
     const UnitAddresses* mAddresses;
     std::int32_t mEnd;
+    std::int32_t mEndOfOperands;
     ExpressionPlace mPlace;
     /// Element 0 stands for the address of the enclosing object.
     std::array<Value, 128> mStack{};

@@ -28,8 +28,9 @@ struct VLocationResult {
     std::uint32_t mBitOffset = 0;
 };
 
-/// Evaluates the expression from the cursor to `end`, a buffer offset. Nothing behind `end` or the
-/// buffer is looked at; the cursor stands anywhere afterwards. An empty expression gives 0.
+/// Evaluates the expression from the cursor to `end`, a buffer offset. In the classic manner the
+/// operand of the last operator may pass `end`; nothing may pass the end of the buffer. The cursor
+/// stands anywhere afterwards. An empty expression gives 0.
 /// @param addresses those that the expression may name by index; null if there are none
 VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
                                  ReadingManner manner, const UnitAddresses* addresses = nullptr);
