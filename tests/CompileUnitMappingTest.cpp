@@ -3,11 +3,13 @@
 #include "core/ErrorState.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
+#include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <optional>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 using testing::ElementsAre;
@@ -272,6 +274,33 @@ TEST_F(CompileUnitMappingTest, OverlappingUnitsKeepTheFirstNodeOfAPlace) {
     EXPECT_EQ(std::ranges::count_if(
                   nodes, [](const VDebugInfoNode* node) { return node->GetName() == "a"; }),
               1);
+}
+
+TEST_F(CompileUnitMappingTest, AUnitWhosePlaceIsTakenIsTheFirstOfItsKind) {
+    VElfOptions::mTryReadCorruptedCompileUnits = 1;
+    const auto unit = [](DwarfSections& sections, const std::string& entries,
+                         std::optional<std::uint64_t> length) {
+        const std::uint64_t table = sections.RawAbbreviations(
+            Uleb128(1) + Uleb128(DW_TAG_compile_unit) + '\1' + Uleb128(DW_AT_name) +
+            Uleb128(DW_FORM_string) + std::string(2, '\0') + Uleb128(2) + Uleb128(DW_TAG_variable) +
+            '\0' + Uleb128(DW_AT_name) + Uleb128(DW_FORM_string) + Uleb128(DW_AT_location) +
+            Uleb128(DW_FORM_block1) + std::string(3, '\0'));
+        sections.Unit(
+            {.entries = {Die::Raw(entries)}, .length = length, .abbreviationOffset = table});
+    };
+    using namespace std::string_literals;
+    DwarfSections inner;
+    unit(inner, "\1s\0\2x\0\5\3\0\x10\0\0\0"s, {});
+    DwarfSections sections;
+    unit(sections, "\1f\0\0"s, 40);
+    // The first unit ends behind the entry of the second one, which it takes for its own.
+    sections.RawInfo(std::string(30 - sections.Info().size(), '\0') + inner.Info());
+    const ReadRun run =
+        ReadImage((ElfImage().Symbol({"main", 0x8000, 4, 0x12}) + sections).Build());
+    EXPECT_TRUE(run.result);
+    EXPECT_THAT(run.Variables(), ElementsAre("x@1000:0"));
+    const DataModel::ObjectId variable = run.model->GetGlobalData("x");
+    EXPECT_EQ(run.model->Object(run.model->CompileUnitOf(variable)).name, "s");
 }
 
 TEST_F(CompileUnitMappingTest, DebugSectionsOfDsPicHoldEverySecondByte) {

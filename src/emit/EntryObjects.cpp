@@ -126,7 +126,7 @@ public:
 
     ObjectId CreateCompileUnit(bool& alreadyRegistered) {
         const std::string_view name = Name();
-        VDebugInfoNode* first = mNode.GetFirstKindOfCompileUnit();
+        VDebugInfoNode* first = FirstUnitOfKind();
         alreadyRegistered = first != &mNode;
         const ObjectId object =
             alreadyRegistered ? mInputs.compileUnit : mFactory.CreateCompileUnit(name);
@@ -210,6 +210,13 @@ private:
 
     [[nodiscard]] std::uint32_t UnsignedSize() const {
         return static_cast<std::uint32_t>(mNode.GetByteSize());
+    }
+
+    /// A unit that overlaps another one may begin with an entry whose place is taken. The passes
+    /// don't see its node, which then is the first of its kind itself.
+    VDebugInfoNode* FirstUnitOfKind() {
+        VDebugInfoNode* first = mNode.GetFirstKindOfCompileUnit();
+        return first != nullptr ? first : &mNode;
     }
 
     /// The function type of a subprogram. Its parameters are not delivered.
