@@ -86,9 +86,7 @@ struct PlaceCells {
         type = typeName;
         if (compared->place.isBitField) {
             bitSize = compared->place.bitSize;
-            if (compared->place.bitOffset >= 0) {
-                bitOffset = static_cast<std::uint64_t>(compared->place.bitOffset);
-            }
+            bitOffset = std::uint64_t{compared->place.bitOffset};
         }
     }
 

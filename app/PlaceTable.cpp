@@ -34,10 +34,7 @@ public:
             Address{place.address}, place.size, mTypeTexts.Of(place.type), path, std::monostate(),
             std::monostate(),       unit.name};
         if (place.isBitField) {
-            // A position below 0 comes from broken input alone; it has no place in the storage
-            // unit.
-            row[4] =
-                place.bitOffset < 0 ? Cell() : Cell(static_cast<std::uint64_t>(place.bitOffset));
+            row[4] = std::uint64_t{place.bitOffset};
             row[5] = place.bitSize;
         }
         mTable.AddRow(row);

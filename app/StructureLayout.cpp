@@ -15,6 +15,9 @@ using Kind = LayoutEntry::Kind;
 
 constexpr std::uint64_t sBitsOfByte = 8;
 
+/// Positions beyond come from broken input alone: numbers below 0, cut to 32 bits.
+constexpr std::uint32_t sLargestBitOffset = 0x7FFFFFFF;
+
 std::uint64_t EndOf(const LayoutEntry& entry) {
     return entry.offset +
            std::min(entry.size, std::numeric_limits<std::uint64_t>::max() - entry.offset);
@@ -22,10 +25,10 @@ std::uint64_t EndOf(const LayoutEntry& entry) {
 
 /// Bytes from the storage unit on that a member takes: packed bit fields reach beyond their unit.
 std::uint64_t ExtentOf(const ModelObject& member, std::uint64_t size) {
-    if (member.kind != ObjectKind::BitField || member.bitOffset < 0) {
+    if (member.kind != ObjectKind::BitField || member.bitOffset > sLargestBitOffset) {
         return size;
     }
-    const auto firstBit = static_cast<std::uint64_t>(member.bitOffset);
+    const std::uint64_t firstBit = member.bitOffset;
     const std::uint64_t lastByte =
         firstBit / sBitsOfByte + member.bitSize / sBitsOfByte +
         (firstBit % sBitsOfByte + member.bitSize % sBitsOfByte + sBitsOfByte - 1) / sBitsOfByte;

@@ -544,7 +544,7 @@ typedef struct brindle_object {
      * field that of its storage unit. */
     uint32_t offset;
     /** Position of a bit field in its storage unit, in bits. */
-    int32_t bit_offset;
+    uint32_t bit_offset;
     /** Width of a bit field in bits. */
     uint64_t bit_size;
     /** Number of base classes of a class or structure, enumerators of an enum, dimensions of an
@@ -673,7 +673,7 @@ typedef struct brindle_place {
     size_t indexed_dimensions;
     brindle_bool is_bit_field;
     /** Of a bit field: position in the storage unit at `address`, in bits. */
-    int32_t bit_offset;
+    uint32_t bit_offset;
     /** Of a bit field: width in bits. */
     uint64_t bit_size;
     /** Number of variables for which the path resolves. */

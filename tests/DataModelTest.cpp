@@ -220,11 +220,11 @@ TEST_F(DataModelTest, ObjectsTellWhatWasDelivered) {
     EXPECT_EQ(bits.type, word);
     EXPECT_EQ(bits.scope, parent);
     EXPECT_EQ(bits.offset, 8U);
-    EXPECT_EQ(static_cast<std::uint32_t>(bits.bitOffset), 0x80000001U);
+    EXPECT_EQ(bits.bitOffset, 0x80000001U);
     EXPECT_EQ(bits.bitSize, 0xFFFFFFFFU);
     EXPECT_EQ(bits.size + bits.address + bits.compileUnit, 0U);
     const ModelObject old = mModel.Object(mModel.CreateOldBitfieldEntryType(word, -3, 5, 1));
-    EXPECT_EQ(old.bitOffset, -3);
+    EXPECT_EQ(old.bitOffset, 0xFFFFFFFDU);
     EXPECT_EQ(old.bitSize, 5U);
     const ModelObject segment = mModel.Object(mModel.CreateSegment("ram", 0x20000000, 0x400));
     EXPECT_EQ(segment.address, 0x20000000U);

@@ -31,7 +31,8 @@ std::optional<MaskedPlace> FindMaskedPlace(const DataModel::DataModel::Place& pl
                                            std::uint64_t size, bool isBigEndian,
                                            std::optional<std::uint64_t> wantedMask) {
     const bool isSane = size >= 1 && size <= sLargestNumber && place.size >= 1 &&
-                        place.size <= sLargestUnit && place.bitOffset >= 0 && place.bitSize >= 1 &&
+                        place.size <= sLargestUnit &&
+                        place.bitOffset < sLargestUnit * sBitsOfByte && place.bitSize >= 1 &&
                         place.bitSize <= sLargestNumber * sBitsOfByte;
     if (!isSane) {
         return std::nullopt;

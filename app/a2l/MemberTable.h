@@ -23,7 +23,7 @@ struct Member {
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
     bool isBitField = false;
-    std::int32_t bitOffset = 0;
+    std::uint32_t bitOffset = 0;
     std::uint64_t bitSize = 0;
 };
 

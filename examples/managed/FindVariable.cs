@@ -21,7 +21,7 @@ static class FindVariable
         public ulong Size;
         public UIntPtr IndexedDimensions;
         public int IsBitField;
-        public int BitOffset;
+        public uint BitOffset;
         public ulong BitSize;
         public UIntPtr Candidates;
     }

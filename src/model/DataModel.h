@@ -144,7 +144,7 @@ public:
         /// The place is a bit field, whose storage unit lies at `address`.
         bool isBitField = false;
         /// Position of a bit field in its storage unit, in bits from the least significant.
-        std::int32_t bitOffset = 0;
+        std::uint32_t bitOffset = 0;
         /// Width of a bit field in bits.
         std::uint64_t bitSize = 0;
     };

@@ -64,11 +64,11 @@ void SetKindFields(ModelObject& object, const Record& record) {
         break;
     case ObjectKind::BitField:
         object.offset = record.detail;
-        object.bitOffset = static_cast<std::int32_t>(record.value >> 32U);
+        object.bitOffset = static_cast<std::uint32_t>(record.value >> 32U);
         object.bitSize = static_cast<std::uint32_t>(record.value);
         break;
     case ObjectKind::OldBitField:
-        object.bitOffset = static_cast<std::int32_t>(record.detail);
+        object.bitOffset = record.detail;
         object.bitSize = record.value;
         break;
     case ObjectKind::Function:

@@ -92,9 +92,8 @@ std::uint64_t LayoutFingerprints::OfClass(ObjectId classType, std::size_t depth)
     mModel.ForEachIn(classType, [&](const ModelObject& member) {
         if (IsMember(member.kind)) {
             ++members;
-            hash = Chained({hash, OfText(member.name), member.offset,
-                            static_cast<std::uint32_t>(member.bitOffset), member.bitSize,
-                            Fingerprint(member.type, depth + 1)});
+            hash = Chained({hash, OfText(member.name), member.offset, member.bitOffset,
+                            member.bitSize, Fingerprint(member.type, depth + 1)});
         }
     });
     for (const BaseClass& base : mModel.BaseClasses(classType)) {

@@ -77,8 +77,8 @@ struct ModelObject {
     /// Offset in bytes of member, union member and bit field in their class or union.
     std::uint32_t offset = 0;
     /// Position of a bit field or old bit field in its storage unit, in bits from the least
-    /// significant.
-    std::int32_t bitOffset = 0;
+    /// significant; broken files tell positions outside of it.
+    std::uint32_t bitOffset = 0;
     /// Width of a bit field or old bit field in bits.
     std::uint64_t bitSize = 0;
     /// Which scalar type a base type is.

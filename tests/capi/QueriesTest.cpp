@@ -105,7 +105,7 @@ TEST_F(QueriesTest, ObjectsTellWhatTheyAre) {
 
     const brindle_object low = Object(mModel.Find("plant::Motor::low"));
     EXPECT_EQ(low.kind, BRINDLE_KIND_BIT_FIELD);
-    EXPECT_EQ(low.bit_offset, 0);
+    EXPECT_EQ(low.bit_offset, 0U);
     EXPECT_EQ(low.bit_size, 3U);
 
     const brindle_object pid = Object(Object(mModel.Find("plant::Motor::pid")).type);

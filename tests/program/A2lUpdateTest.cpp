@@ -281,7 +281,7 @@ TEST(A2lUpdate, DoesWithMissingObjectsAsItIsAsked) {
 TEST(A2lUpdate, PlacesBitFieldsForTheNumberThatTheMaskCountsIn) {
     struct Case {
         std::uint64_t size;
-        std::int32_t bitOffset;
+        std::uint32_t bitOffset;
         std::uint64_t bitSize;
         bool isBigEndian;
         std::uint64_t numberSize;
@@ -307,7 +307,7 @@ TEST(A2lUpdate, PlacesBitFieldsForTheNumberThatTheMaskCountsIn) {
         {1, 3, 2, true, 4, 0x18, -3, 0x18},
         // No number of the size holds the field.
         {4, 6, 4, false, 1, {}, 0, 0},
-        {4, -1, 4, false, 4, {}, 0, 0},
+        {4, 0xFFFFFFFF, 4, false, 4, {}, 0, 0},
         {4, 30, 4, true, 4, {}, 0, 0},
         {8, 62, 4, false, 8, {}, 1, 0x3C0000000000000},
         // A packed field goes on in the byte behind its unit.
