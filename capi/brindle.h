@@ -277,9 +277,14 @@ BRINDLE_C_API brindle_status brindle_reader_cancel(brindle_reader reader);
  * Objects are named by identifiers that the host gives out and the library passes back unchanged; 0
  * is none. A Create function makes an object and returns its identifier, which stays valid for the
  * whole read; 0 tells the reader that the object could not be made, and the read goes on without
- * it. A Get function returns the identifier of an existing object of that key, or 0. The reader
- * calls a Create function only after the Get function of the same key, where there is one, gave 0.
- * A null function answers 0.
+ * it. A Get function returns the identifier of an existing object of that key, or 0. A null
+ * function answers 0.
+ *
+ * Namespaces, unknown types and the void type of the global namespace are made once for each key:
+ * the reader calls the Create function only if the Get function gave 0. A variable is made under a
+ * name that is free in its scope. Nothing else is asked for before it is made: base types of one
+ * value in one scope come as often as the file lists them, and so do all objects of one name. A
+ * model must not take their keys for unique.
  *
  * Scopes are namespaces, block scopes, classes, unions, functions and compile units. Order of
  * calls: a scope before what lies in it, a type before the object that uses it, a class before its
@@ -313,8 +318,10 @@ typedef struct brindle_factory {
     /** Spare. */
     brindle_id (*GetOrCreateCompileUnit)(void* user_data, const char* compileUnitName);
 
-    /** basicType is one of BRINDLE_BASIC_... */
+    /** basicType is one of BRINDLE_BASIC_... Asked for void in the global namespace alone; of
+     * several objects of the key any one. */
     brindle_id (*GetBaseEntryType)(void* user_data, int32_t basicType, brindle_id objIdParentScope);
+    /** A scalar type, also where there is one of this value in this scope. */
     brindle_id (*CreateBaseEntryType)(void* user_data, int32_t basicType, uint64_t length,
                                       brindle_id objIdParentScope);
     /** The type of which nothing is known but its size; 0 is a size like any other. */

@@ -20,9 +20,13 @@ using ObjectId = std::uint64_t;
 ///
 /// Create operations make an object and return its identifier, which is not 0 and stays valid for
 /// the whole read; 0 tells the reader that the object could not be made, and the read goes on
-/// without it. Get operations return the identifier of an existing object of that key, or 0. The
-/// reader calls a Create operation only after the Get operation of the same key, where there is
-/// one, gave 0.
+/// without it. Get operations return the identifier of an existing object of that key, or 0.
+///
+/// Namespaces, unknown types and the void type of the global namespace are made once for each key:
+/// the reader asks with the Get operation and calls Create only if that gave 0. A variable is made
+/// under a name that is free in its scope. Nothing else is asked for before it is made: base types
+/// of one value in one scope come as often as the file lists them, `int` and `long` of one size for
+/// instance, and so do all objects of one name. A model must not take their keys for unique.
 ///
 /// All texts are valid UTF-8. `objIdParentScope` and its like name the enclosing namespace, block
 /// scope, class, compile unit or other scope object. All calls come from the thread of
@@ -65,7 +69,8 @@ public:
                                       ObjectId objIdParentScope) = 0;
     /// Spare. The compile unit of this name.
     virtual ObjectId GetCompileUnit(const std::string& compileUnitName) = 0;
-    /// Makes a compile unit. Units of one name are delivered once.
+    /// Makes a compile unit. Units of one name and directory are delivered once, unless a damaged
+    /// file has them overlap.
     /// @param compileUnitName the name of its source as the compiler wrote it
     virtual ObjectId CreateCompileUnit(const std::string& compileUnitName) = 0;
     /// Spare. The compile unit of this name, made if there is none.
@@ -75,9 +80,10 @@ public:
     /// @name Scalar and unknown types
     /// @{
 
-    /// The scalar type of this value in this scope, which an earlier `CreateBaseEntryType` made.
+    /// The scalar type of this value in this scope, which an earlier `CreateBaseEntryType` made; of
+    /// several any one. The reader asks for void in the global namespace alone.
     virtual ObjectId GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) = 0;
-    /// Makes a scalar type.
+    /// Makes a scalar type, also where there is one of this value in this scope.
     /// @param length size in bytes, also where the value doesn't express it; 0 for void
     virtual ObjectId CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
                                          ObjectId objIdParentScope) = 0;
