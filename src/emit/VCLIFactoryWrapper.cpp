@@ -10,7 +10,7 @@ using DataModel::Factory::FactoryForCliClient;
 /// Keeps the host's type out of the wrapper's declaration.
 class VCLIFactoryWrapperPrivate {
 public:
-    std::unique_ptr<FactoryForCliClient> mFactory = std::make_unique<FactoryForCliClient>();
+    FactoryForCliClient mFactory;
 };
 
 VCLIFactoryWrapper::VCLIFactoryWrapper()
@@ -19,11 +19,11 @@ VCLIFactoryWrapper::VCLIFactoryWrapper()
 VCLIFactoryWrapper::~VCLIFactoryWrapper() = default;
 
 bool VCLIFactoryWrapper::PreCondition() const {
-    return mPrivate && mPrivate->mFactory && mPrivate->mFactory->HasDataModel();
+    return mPrivate->mFactory.HasDataModel();
 }
 
 FactoryForCliClient& VCLIFactoryWrapper::Factory() {
-    return *mPrivate->mFactory;
+    return mPrivate->mFactory;
 }
 
 const std::string& VCLIFactoryWrapper::HostText(std::string_view narrowText) {

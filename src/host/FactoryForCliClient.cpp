@@ -14,114 +14,101 @@ void FactoryForCliClient::DescribeImage(const ImageDescription& image) {
 }
 
 ObjectId FactoryForCliClient::GetGlobalNamespace() {
-    return HasDataModel() ? mDataModel->GetGlobalNamespace() : 0;
+    return mDataModel->GetGlobalNamespace();
 }
 
 ObjectId FactoryForCliClient::GetNamespace(const std::string& namespaceName,
                                            ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetNamespace(namespaceName, objIdParentScope) : 0;
+    return mDataModel->GetNamespace(namespaceName, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateNamespace(const std::string& namespaceName,
                                               ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateNamespace(namespaceName, objIdParentScope) : 0;
+    return mDataModel->CreateNamespace(namespaceName, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetBlockScope(const std::string& blockIdentifier,
                                             ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetBlockScope(blockIdentifier, objIdParentScope) : 0;
+    return mDataModel->GetBlockScope(blockIdentifier, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateBlockScope(const std::string& blockIdentifier,
                                                ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateBlockScope(blockIdentifier, objIdParentScope) : 0;
+    return mDataModel->CreateBlockScope(blockIdentifier, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetCompileUnit(const std::string& compileUnitName) {
-    return HasDataModel() ? mDataModel->GetCompileUnit(compileUnitName) : 0;
+    return mDataModel->GetCompileUnit(compileUnitName);
 }
 
 ObjectId FactoryForCliClient::CreateCompileUnit(const std::string& compileUnitName) {
-    return HasDataModel() ? mDataModel->CreateCompileUnit(compileUnitName) : 0;
+    return mDataModel->CreateCompileUnit(compileUnitName);
 }
 
 ObjectId FactoryForCliClient::GetOrCreateCompileUnit(const std::string& compileUnitName) {
-    return HasDataModel() ? mDataModel->GetOrCreateCompileUnit(compileUnitName) : 0;
+    return mDataModel->GetOrCreateCompileUnit(compileUnitName);
 }
 
 ObjectId FactoryForCliClient::GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetBaseEntryType(basicType, objIdParentScope) : 0;
+    return mDataModel->GetBaseEntryType(basicType, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
                                                   ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateBaseEntryType(basicType, length, objIdParentScope)
-                          : 0;
+    return mDataModel->CreateBaseEntryType(basicType, length, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetUnknownEntryType(std::uint64_t sizeOfUnknownType,
                                                   ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetUnknownEntryType(sizeOfUnknownType, objIdParentScope)
-                          : 0;
+    return mDataModel->GetUnknownEntryType(sizeOfUnknownType, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
                                                      ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateUnknownEntryType(sizeOfUnknownType, objIdParentScope)
-                          : 0;
+    return mDataModel->CreateUnknownEntryType(sizeOfUnknownType, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetClassEntryType(const std::string& className,
                                                 ObjectId objIdOfParentClass) {
-    return HasDataModel() ? mDataModel->GetClassEntryType(className, objIdOfParentClass) : 0;
+    return mDataModel->GetClassEntryType(className, objIdOfParentClass);
 }
 
 ObjectId FactoryForCliClient::CreateClassEntryType(
     const std::string& className, std::uint32_t classSize, ObjectId objIdOfScopeParent,
     const std::vector<ObjectId>& vecObjIdsOfInheritances, bool anonymous, bool isStruct) {
-    return HasDataModel()
-               ? mDataModel->CreateClassEntryType(className, classSize, objIdOfScopeParent,
-                                                  vecObjIdsOfInheritances, anonymous, isStruct)
-               : 0;
+    return mDataModel->CreateClassEntryType(className, classSize, objIdOfScopeParent,
+                                            vecObjIdsOfInheritances, anonymous, isStruct);
 }
 
 ObjectId FactoryForCliClient::GetUnionEntryType(const std::string& unionName,
                                                 ObjectId objIdOfParentClass) {
-    return HasDataModel() ? mDataModel->GetUnionEntryType(unionName, objIdOfParentClass) : 0;
+    return mDataModel->GetUnionEntryType(unionName, objIdOfParentClass);
 }
 
 ObjectId FactoryForCliClient::CreateUnionEntryType(const std::string& unionName,
                                                    std::uint32_t unionSize,
                                                    ObjectId objIdOfParentClass, bool anonymous) {
-    return HasDataModel() ? mDataModel->CreateUnionEntryType(unionName, unionSize,
-                                                             objIdOfParentClass, anonymous)
-                          : 0;
+    return mDataModel->CreateUnionEntryType(unionName, unionSize, objIdOfParentClass, anonymous);
 }
 
 bool FactoryForCliClient::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
                                        std::uint32_t byteOffset) {
-    return HasDataModel() ? mDataModel->AddBaseClass(objIdOfClass, objIdOfBaseClass, byteOffset)
-                          : false;
+    return mDataModel->AddBaseClass(objIdOfClass, objIdOfBaseClass, byteOffset);
 }
 
 ObjectId
 FactoryForCliClient::CreateMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
                                       ObjectId objIdOfParentClass, std::uint32_t byteOffset,
                                       std::int16_t addressExtension, bool addressExtensionIsValid) {
-    return HasDataModel()
-               ? mDataModel->CreateMemberData(memberName, objIdOfMemberType, objIdOfParentClass,
-                                              byteOffset, addressExtension, addressExtensionIsValid)
-               : 0;
+    return mDataModel->CreateMemberData(memberName, objIdOfMemberType, objIdOfParentClass,
+                                        byteOffset, addressExtension, addressExtensionIsValid);
 }
 
 ObjectId FactoryForCliClient::CreateUnionMemberData(
     const std::string& memberName, ObjectId objIdOfMemberType, ObjectId objIdOfParentUnion,
     std::uint32_t byteOffset, std::int16_t addressExtension, bool addressExtensionIsValid) {
-    return HasDataModel()
-               ? mDataModel->CreateUnionMemberData(memberName, objIdOfMemberType,
-                                                   objIdOfParentUnion, byteOffset, addressExtension,
-                                                   addressExtensionIsValid)
-               : 0;
+    return mDataModel->CreateUnionMemberData(memberName, objIdOfMemberType, objIdOfParentUnion,
+                                             byteOffset, addressExtension, addressExtensionIsValid);
 }
 
 ObjectId FactoryForCliClient::CreateMemberStaticData(const std::string& memberName,
@@ -130,171 +117,148 @@ ObjectId FactoryForCliClient::CreateMemberStaticData(const std::string& memberNa
                                                      std::uint64_t address, bool addressIsValid,
                                                      std::int16_t addressExtension,
                                                      bool addressExtensionIsValid) {
-    return HasDataModel()
-               ? mDataModel->CreateMemberStaticData(memberName, objIdOfMemberType,
-                                                    objIdOfParentClass, address, addressIsValid,
-                                                    addressExtension, addressExtensionIsValid)
-               : 0;
+    return mDataModel->CreateMemberStaticData(memberName, objIdOfMemberType, objIdOfParentClass,
+                                              address, addressIsValid, addressExtension,
+                                              addressExtensionIsValid);
 }
 
 ObjectId FactoryForCliClient::CreateBitfieldInUdt(
     const std::string& memberName, ObjectId objIdOfBitfieldType, ObjectId ObjectIdOfParentUdt,
     std::uint32_t byteOffset, std::uint32_t bitOffset, std::uint32_t bitSize,
     std::int16_t addressExtension, bool addressExtensionIsValid) {
-    return HasDataModel()
-               ? mDataModel->CreateBitfieldInUdt(memberName, objIdOfBitfieldType,
-                                                 ObjectIdOfParentUdt, byteOffset, bitOffset,
-                                                 bitSize, addressExtension, addressExtensionIsValid)
-               : 0;
+    return mDataModel->CreateBitfieldInUdt(memberName, objIdOfBitfieldType, ObjectIdOfParentUdt,
+                                           byteOffset, bitOffset, bitSize, addressExtension,
+                                           addressExtensionIsValid);
 }
 
 ObjectId FactoryForCliClient::CreateArrayEntryType(const std::vector<std::uint32_t>& dimensions,
                                                    ObjectId objIdOfArrayElementsType,
                                                    std::uint64_t arraySize,
                                                    ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateArrayEntryType(dimensions, objIdOfArrayElementsType,
-                                                             arraySize, objIdParentScope)
-                          : 0;
+    return mDataModel->CreateArrayEntryType(dimensions, objIdOfArrayElementsType, arraySize,
+                                            objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreatePointerEntryType(ObjectId objIdOfReferencedType,
                                                      std::uint64_t ptrSize,
                                                      ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreatePointerEntryType(objIdOfReferencedType, ptrSize,
-                                                               objIdParentScope)
-                          : 0;
+    return mDataModel->CreatePointerEntryType(objIdOfReferencedType, ptrSize, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetEnumTable(const std::string& tableName,
                                            ObjectId objIdOfScopeParent) {
-    return HasDataModel() ? mDataModel->GetEnumTable(tableName, objIdOfScopeParent) : 0;
+    return mDataModel->GetEnumTable(tableName, objIdOfScopeParent);
 }
 
 ObjectId FactoryForCliClient::CreateEnumTable(const std::string& tableName,
                                               ObjectId objIdOfUnderlyingType,
                                               ObjectId objIdOfScopeParent, bool anonymous) {
-    return HasDataModel() ? mDataModel->CreateEnumTable(tableName, objIdOfUnderlyingType,
-                                                        objIdOfScopeParent, anonymous)
-                          : 0;
+    return mDataModel->CreateEnumTable(tableName, objIdOfUnderlyingType, objIdOfScopeParent,
+                                       anonymous);
 }
 
 bool FactoryForCliClient::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable,
                                                         std::int32_t enumValue,
                                                         const std::string& enumText) {
-    return HasDataModel()
-               ? mDataModel->AddEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue, enumText)
-               : false;
+    return mDataModel->AddEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue, enumText);
 }
 
 ObjectId FactoryForCliClient::GetTypedefEntryType(const std::string& aliasName,
                                                   ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetTypedefEntryType(aliasName, objIdParentScope) : 0;
+    return mDataModel->GetTypedefEntryType(aliasName, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateTypedefEntryType(const std::string& aliasName,
                                                      ObjectId objIdReferencedType,
                                                      ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateTypedefEntryType(aliasName, objIdReferencedType,
-                                                               objIdParentScope)
-                          : 0;
+    return mDataModel->CreateTypedefEntryType(aliasName, objIdReferencedType, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetGlobalData(const std::string& symName,
                                             ObjectId objIdOfScopeParent) {
-    return HasDataModel() ? mDataModel->GetGlobalData(symName, objIdOfScopeParent) : 0;
+    return mDataModel->GetGlobalData(symName, objIdOfScopeParent);
 }
 
 ObjectId FactoryForCliClient::GetGlobalData(const std::string& symName) {
-    return HasDataModel() ? mDataModel->GetGlobalData(symName) : 0;
+    return mDataModel->GetGlobalData(symName);
 }
 
 ObjectId FactoryForCliClient::GetGlobalDataByAddress(std::uint64_t address) {
-    return HasDataModel() ? mDataModel->GetGlobalDataByAddress(address) : 0;
+    return mDataModel->GetGlobalDataByAddress(address);
 }
 
 ObjectId FactoryForCliClient::CreateGlobalData(const std::string& symName, ObjectId objIdOfSymType,
                                                std::uint64_t address, ObjectId objIdOfScopeParent,
                                                bool addressIsValid, std::int16_t addressExtension,
                                                bool addressExtensionIsValid) {
-    return HasDataModel() ? mDataModel->CreateGlobalData(symName, objIdOfSymType, address,
-                                                         objIdOfScopeParent, addressIsValid,
-                                                         addressExtension, addressExtensionIsValid)
-                          : 0;
+    return mDataModel->CreateGlobalData(symName, objIdOfSymType, address, objIdOfScopeParent,
+                                        addressIsValid, addressExtension, addressExtensionIsValid);
 }
 
 ObjectId FactoryForCliClient::GetFunction(const std::string& name, ObjectId functionType,
                                           ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetFunction(name, functionType, objIdParentScope) : 0;
+    return mDataModel->GetFunction(name, functionType, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
                                              ObjectId objIdParentScope, ObjectId objIdCompileUnit,
                                              bool flag) {
-    return HasDataModel() ? mDataModel->CreateFunction(name, objIdFunctionType, objIdParentScope,
-                                                       objIdCompileUnit, flag)
-                          : 0;
+    return mDataModel->CreateFunction(name, objIdFunctionType, objIdParentScope, objIdCompileUnit,
+                                      flag);
 }
 
 ObjectId FactoryForCliClient::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
                                              bool hasParentScope) {
-    return HasDataModel() ? mDataModel->CreateFunction(name, objIdFunctionType, hasParentScope) : 0;
+    return mDataModel->CreateFunction(name, objIdFunctionType, hasParentScope);
 }
 
 ObjectId FactoryForCliClient::GetFunctionType(ObjectId objIdOfReturnType,
                                               const std::vector<ObjectId>& vecParameterTypes,
                                               ObjectId objIdParentScope) {
-    return HasDataModel()
-               ? mDataModel->GetFunctionType(objIdOfReturnType, vecParameterTypes, objIdParentScope)
-               : 0;
+    return mDataModel->GetFunctionType(objIdOfReturnType, vecParameterTypes, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateFunctionType(ObjectId objIdOfReturnType,
                                                  const std::vector<ObjectId>& vecParameterTypes,
                                                  ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateFunctionType(objIdOfReturnType, vecParameterTypes,
-                                                           objIdParentScope)
-                          : 0;
+    return mDataModel->CreateFunctionType(objIdOfReturnType, vecParameterTypes, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetOldBitfieldEntryType(ObjectId objIdOfBaseType,
                                                       std::int32_t bitOffset, std::uint64_t bitSize,
                                                       ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetOldBitfieldEntryType(objIdOfBaseType, bitOffset, bitSize,
-                                                                objIdParentScope)
-                          : 0;
+    return mDataModel->GetOldBitfieldEntryType(objIdOfBaseType, bitOffset, bitSize,
+                                               objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateOldBitfieldEntryType(ObjectId objIdOfBaseType,
                                                          std::int32_t bitOffset,
                                                          std::uint64_t bitSize,
                                                          ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateOldBitfieldEntryType(objIdOfBaseType, bitOffset,
-                                                                   bitSize, objIdParentScope)
-                          : 0;
+    return mDataModel->CreateOldBitfieldEntryType(objIdOfBaseType, bitOffset, bitSize,
+                                                  objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->GetSectionEntryType(size, objIdParentScope) : 0;
+    return mDataModel->GetSectionEntryType(size, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::CreateSectionEntryType(std::uint64_t size,
                                                      ObjectId objIdParentScope) {
-    return HasDataModel() ? mDataModel->CreateSectionEntryType(size, objIdParentScope) : 0;
+    return mDataModel->CreateSectionEntryType(size, objIdParentScope);
 }
 
 ObjectId FactoryForCliClient::GetSegment(const std::string& segmentName) {
-    return HasDataModel() ? mDataModel->GetSegment(segmentName) : 0;
+    return mDataModel->GetSegment(segmentName);
 }
 
 ObjectId FactoryForCliClient::CreateSegment(const std::string& segmentName, std::uint64_t address,
                                             std::uint64_t size) {
-    return HasDataModel() ? mDataModel->CreateSegment(segmentName, address, size) : 0;
+    return mDataModel->CreateSegment(segmentName, address, size);
 }
 
 void FactoryForCliClient::SetTransformed(bool transformedDataModel) {
-    if (HasDataModel()) {
-        mDataModel->SetTransformed(transformedDataModel);
-    }
+    mDataModel->SetTransformed(transformedDataModel);
 }
 
 } // namespace Tessel::Norn::Brindle::DataModel::Factory

@@ -6,8 +6,8 @@
 
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 
-/// Forwards each operation of `HostDataModel` unchanged. Without a data model every operation
-/// answers 0 or false.
+/// Forwards each operation of `HostDataModel` unchanged. Only a factory that has a data model may
+/// be asked: the wrapper tests that for all who deliver.
 class FactoryForCliClient final : public HostDataModel {
 public:
     FactoryForCliClient();
