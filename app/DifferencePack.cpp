@@ -36,9 +36,7 @@ struct Bits {
     explicit Bits(const ComparedPlace* compared) {
         if (compared != nullptr && compared->place.isBitField) {
             width = compared->place.bitSize;
-            position = compared->place.bitOffset < 0
-                           ? 0
-                           : static_cast<std::uint64_t>(compared->place.bitOffset) + 1;
+            position = std::uint64_t{compared->place.bitOffset} + 1;
         }
     }
 

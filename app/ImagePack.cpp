@@ -62,10 +62,9 @@ std::optional<PackedKind> PackedKindOf(ObjectKind kind) {
 /// A bit field among the kinds of layout entries, behind the last of those.
 constexpr std::uint64_t sBitFieldEntry = 6;
 
-/// Positions below 0 come from broken input alone. 0 stands for none, so that the column of a type
-/// without bit fields takes no room.
-std::uint64_t PackedBit(std::int32_t bitOffset) {
-    return bitOffset < 0 ? 0 : static_cast<std::uint64_t>(bitOffset) + 1;
+/// 0 stands for none, so that the column of a type without bit fields takes no room.
+std::uint64_t PackedBit(std::uint32_t bitOffset) {
+    return std::uint64_t{bitOffset} + 1;
 }
 
 std::string_view ContainerName(Reader::DWARF::DWARFContainerType container) {
