@@ -18,7 +18,7 @@ constexpr std::int32_t sVersionOfListKinds = 5;
 
 /// Lists may be read for this multiple of the sections' size and a little more.
 constexpr std::int64_t sReadingsOfSections = 16;
-constexpr std::int64_t sFreeBytes = 0x10000;
+constexpr std::int64_t sFreeListBytes = 0x10000;
 
 enum class Operand : std::uint8_t { None, Leb128, Address };
 
@@ -210,7 +210,7 @@ bool VLocationLists::Load(const VElfFile& file) {
     }
     const std::int64_t size =
         std::int64_t{mLists.GetBufferLength()} + mIndexedLists.GetBufferLength();
-    mBytesLeft = sReadingsOfSections * size + sFreeBytes;
+    mBytesLeft = sReadingsOfSections * size + sFreeListBytes;
     return true;
 }
 
