@@ -107,6 +107,7 @@ UpdateResult UpdateDescription(const UpdateArguments& arguments, const Document&
     A2l::UpdateChoices choices;
     choices.missing = MissingChoiceOf(arguments.missing);
     choices.hasBitMasks = arguments.bitMasks;
+    choices.hasOldPlaces = !arguments.report.empty();
     choices.isBigEndian = image.byteOrder == DataModel::ByteOrder::Big;
     choices.isWordAddressed = arguments.wordAddresses;
     choices.progress = [&bar](std::size_t done) { bar.Set(done); };

@@ -114,7 +114,8 @@ private:
                 TakeMissing(object, result);
             }
         }
-        if (result.status != Status::Unchanged) {
+        const bool isLost = result.status != Status::Unchanged && result.status != Status::Updated;
+        if (isLost || (result.status == Status::Updated && mChoices.hasOldPlaces)) {
             result.nowAtOldAddress = mIndex.NameAt(object.address.value * AddressUnit());
         }
         ++mResult.counts[static_cast<std::size_t>(result.status)];

@@ -43,6 +43,8 @@ struct UpdateChoices {
     bool isBigEndian = false;
     /// Addresses of the description count words of 16 bits, those of the image bytes.
     bool isWordAddressed = false;
+    /// Name what lies at the old addresses of objects that have moved as well.
+    bool hasOldPlaces = true;
     /// Called now and then with the number of objects that are done; may be empty.
     std::function<void(std::size_t done)> progress;
 };
