@@ -566,6 +566,15 @@ std::string SymbolIndex::NameAt(std::uint64_t address) const {
         --place;
         global = address - place->first < mModel.SizeOf(place->second) ? place->second : 0;
     }
+    // Of several names of one place the first delivered counts: symbols without types come last.
+    for (int count = 0; count < lookBack && global != 0 && place != mByAddress.begin(); ++count) {
+        const auto& [start, earlier] = *(place - 1);
+        if (start != place->first || address - start >= mModel.SizeOf(earlier)) {
+            break;
+        }
+        --place;
+        global = earlier;
+    }
     if (global == 0) {
         return {};
     }

@@ -5,10 +5,12 @@ status; and of its exports, which are read by a strict reader and by the update.
 BRINDLE_PROGRAM names the program, BRINDLE_SAMPLE_IMAGES the folder of the sample images.
 """
 
+import collections
 import csv
 import json
 import os
 import pathlib
+import re
 import shutil
 import stat
 import subprocess
@@ -207,9 +209,20 @@ class ExportTest(A2lTest):
                                                 "out.a2l", image, *reading)
                     with open(self.folder / "r.csv", newline="", encoding="utf-8") as file:
                         rows = list(csv.DictReader(file))
+                    alike = self.alike(image, reading)
                     wrong = [row for row in rows if row["status"] != "unchanged" or row["differences"]]
+                    wrong = [row for row in wrong if not alike.intersection(re.split(r"[.[]|_\d+$", row["object"]))
+                             or row["newAddress"] != row["oldAddress"]]
                     self.assertEqual(wrong, [], error)
                     self.assertEqual(len(rows), len(found.objects))
+
+    def alike(self, image, reading):
+        """Names that several variables have which nothing tells apart, as statics without debug
+        information: the update must not guess which is meant."""
+        rows = subprocess.run([PROGRAM, "vars", "--format", "json", *reading, image], capture_output=True,
+                              check=True, timeout=60).stdout
+        names = collections.Counter((row["name"], row["compileUnit"]) for row in json.loads(rows))
+        return {name.split("::")[-1] for (name, _), count in names.items() if count > 1}
 
     def refused(self, image, reading):
         """The image, if it can't be read to its end; nothing is then exported."""
