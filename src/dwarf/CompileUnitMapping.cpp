@@ -282,7 +282,7 @@ bool VDwarf2Section::MapCompileUnits() {
     }
     if (mLinkage == Linkage::NothingInPlace && mCompileUnits.size() > 1) {
         // Only of the first unit it's sure where its abbreviations lie: at the section's start.
-        mCompileUnits.resize(1);
+        mCompileUnits.erase(mCompileUnits.begin() + 1, mCompileUnits.end());
     }
     if (outcome == MappingOutcome::Mapped) {
         for (VCompileUnitHeader* header : mCompileUnits) {

@@ -106,6 +106,7 @@ public:
                 const VLocationResult location = Evaluate(mSection.GetULEB128());
                 if (code == DW_LLE_default_location) {
                     mDefault = location;
+                    mHasDefault = true;
                 } else if (!CoversNothing(kind.emptiness, first, second)) {
                     Take(location);
                 }
@@ -144,10 +145,10 @@ public:
         if (!mIsSound) {
             return std::nullopt;
         }
-        if (mDefault) {
-            return AddressIn(*mDefault);
+        if (mHasDefault) {
+            return AddressIn(mDefault);
         }
-        return mCommon && !mIsManifold ? AddressIn(*mCommon) : std::nullopt;
+        return mHasCommon && !mIsManifold ? AddressIn(mCommon) : std::nullopt;
     }
 
 private:
@@ -182,17 +183,21 @@ private:
     }
 
     void Take(const VLocationResult& location) {
-        if (!mCommon) {
+        if (!mHasCommon) {
             mCommon = location;
+            mHasCommon = true;
         }
-        mIsManifold = mIsManifold || !location.mIsValid || location.mValue != mCommon->mValue;
+        mIsManifold = mIsManifold || !location.mIsValid || location.mValue != mCommon.mValue;
     }
 
     VElfBuffer& mSection;
     const UnitAddresses& mAddresses;
     std::uint8_t mAddressSize;
-    std::optional<VLocationResult> mCommon;
-    std::optional<VLocationResult> mDefault;
+    // No `std::optional`: compilers take its value for uninitialized where all is inlined.
+    VLocationResult mCommon;
+    VLocationResult mDefault;
+    bool mHasCommon = false;
+    bool mHasDefault = false;
     /// Entries tell different places, or one that isn't static.
     bool mIsManifold = false;
     bool mIsSound = true;
