@@ -78,6 +78,9 @@ std::size_t HeadersSizeOfSample(const std::string& content) {
 std::vector<Input> Samples() {
     std::vector<Input> samples;
     for (const auto& entry : std::filesystem::directory_iterator(BRINDLE_SAMPLE_IMAGES)) {
+        if (!entry.is_regular_file()) {
+            continue;
+        }
         std::ifstream file(entry.path(), std::ios::binary);
         const std::string content{std::istreambuf_iterator<char>(file), {}};
         samples.push_back({entry.path().filename().string(), content,

@@ -29,6 +29,7 @@ enum class SectionKind : std::uint8_t {
 struct ImageSection {
     /// Valid UTF-8; at most 255 bytes of the file's text.
     std::string name;
+    /// Of the first byte.
     std::uint64_t address = 0;
     /// Size in memory in bytes.
     std::uint64_t size = 0;
@@ -36,6 +37,7 @@ struct ImageSection {
     std::uint64_t filePosition = 0;
     /// Bytes that the file has of it, at most `size`; what is missing at the end is zero.
     std::uint64_t fileSize = 0;
+    /// What it holds.
     SectionKind kind = SectionKind::Data;
 
     /// True if the section holds the byte at an address.
@@ -50,9 +52,11 @@ struct BRINDLE_EXPORT ImageDescription {
     std::string path;
     /// Length of the file in bytes.
     std::uint64_t fileSize = 0;
+    /// As the host told the reader.
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
     /// ELF class 64 or PE32+.
     bool is64Bit = false;
+    /// Of the target's memory.
     ByteOrder byteOrder = ByteOrder::Little;
     /// `e_machine` of ELF, the target id of TI COFF, the machine of PE.
     std::uint16_t machine = 0;

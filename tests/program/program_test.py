@@ -670,7 +670,9 @@ class SampleImagesTest(ProgramTest):
                 status = 1 if "nosymtab" in image.name else 0
                 document = self.run_json("dump", str(image), status=status)
                 self.assertEqual(document["container"], containers[image.suffix])
-                self.assertTrue(any(item["kind"] == "global" for item in document["objects"]))
+                # Only the linker gives the variables of an object file their addresses.
+                self.assertEqual(any(item["kind"] == "global" for item in document["objects"]),
+                                 image.suffix != ".o")
 
     def test_the_full_manner_is_read_unless_told_otherwise(self):
         image = str(SAMPLE_IMAGES / "full" / "arm-c-O2.elf")
