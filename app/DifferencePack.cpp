@@ -3,6 +3,7 @@
 #include "ModelComparison.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -74,6 +75,7 @@ void DifferencePack::Add(const Difference& difference) {
 void DifferencePack::AddLeaf(const Difference& difference) {
     const ComparedPlace* const before = difference.oldPlace;
     const ComparedPlace* const after = difference.newPlace;
+    assert(before != nullptr || after != nullptr);
     const ComparedPlace& present = after != nullptr ? *after : *before;
     const DataModel::DataModel& model = after != nullptr ? mNewModel : mOldModel;
     const ObjectId global = present.place.global;

@@ -21,6 +21,7 @@
 #include <memory>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -38,8 +39,8 @@ struct ReportArguments {
 
 /// An image with all that its report needs of it.
 struct ReportedImage {
-    ReportedImage(ReadSession& session, const std::string& imageFile)
-        : file(imageFile) {
+    ReportedImage(ReadSession& session, std::string imageFile)
+        : file(std::move(imageFile)) {
         const DecisionGuard guard;
         result = session.Read(file, model);
         status = ReportResult(file, result);

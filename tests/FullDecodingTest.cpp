@@ -17,6 +17,7 @@ using namespace Tessel::Norn::Brindle::Reader::DWARF;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
@@ -428,8 +429,10 @@ std::string ComputedFrom(std::uint64_t address) {
 }
 
 /// What a variable with the list is delivered as.
+/// @param scope tag of the entry around the variable
 std::vector<std::string> VariableOfList(const std::string& list, int version,
-                                        ReadingManner manner = ReadingManner::Full) {
+                                        ReadingManner manner = ReadingManner::Full,
+                                        dwarf_tag scope = DW_TAG_namespace) {
     DwarfSections sections;
     const std::uint64_t offset = version >= 5 ? sections.RawLocationLists("head" + list) + 4
                                               : sections.RawLocations("head" + list) + 4;
@@ -437,8 +440,9 @@ std::vector<std::string> VariableOfList(const std::string& list, int version,
     DwarfUnit unit{
         {Die(DW_TAG_compile_unit, {Name("unit")},
              {BaseType(number),
-              Die(DW_TAG_variable, {Name("g"), Type(number), External(),
-                                    Number(DW_AT_location, DW_FORM_sec_offset, offset)})})}};
+              Die(scope, {Name("around")},
+                  {Die(DW_TAG_variable, {Name("g"), Type(number), External(),
+                                         Number(DW_AT_location, DW_FORM_sec_offset, offset)})})})}};
     unit.version = version;
     sections.Unit(unit);
     return VariablesIn(manner, sections);
@@ -511,6 +515,15 @@ TEST_F(FullDecodingTest, ListsOfOneAddressAreStatic) {
             EXPECT_THAT(VariableOfList(example.list, 5), IsEmpty());
         }
     }
+}
+
+TEST_F(FullDecodingTest, OfAListWithinAFunctionOnlyTheDefaultCounts) {
+    const auto ofLocal = [](const std::string& list) {
+        return VariableOfList(list, 5, ReadingManner::Full, DW_TAG_subprogram);
+    };
+    EXPECT_THAT(ofLocal(ListWriter().Entry(4, {Uleb128(0), Uleb128(8)}, At(0x1000)).Closed()),
+                IsEmpty());
+    EXPECT_THAT(ofLocal(ListWriter().Entry(5, {}, At(0x1000)).Closed()), SizeIs(1));
 }
 
 TEST_F(FullDecodingTest, PairsOfAddressesHaveToAgree) {

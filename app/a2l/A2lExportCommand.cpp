@@ -46,7 +46,10 @@ bool HasSections(const ExportArguments& arguments, const DataModel::DataModel& m
             for (const DataModel::ImageSection& section : sections) {
                 names.append(names.empty() ? "" : ", ").append(section.name);
             }
-            Tell(arguments.image, "no section fits '" + pattern + "'; there are " + names);
+            Tell(arguments.image, std::string("no section fits '")
+                                      .append(pattern)
+                                      .append("'; there are ")
+                                      .append(names));
             return false;
         }
     }

@@ -247,8 +247,8 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
         }
         values.insert(*value);
         const auto [first, last] = names.equal_range(*value);
-        const bool isSame =
-            std::any_of(first, last, [&text](const auto& known) { return known.second == text; });
+        const bool isSame = std::any_of(
+            first, last, [&text = text](const auto& known) { return known.second == text; });
         if (!isSame) {
             inFile.Add(std::string(valueText) + " " + Quoted(text));
             inImage.Add(std::string(valueText) + " " +

@@ -10,6 +10,9 @@
 #include "dwarf/VDwarf2Section.h"
 #include "dwarf/VLocTabBuffer.h"
 #include "dwarf/VLocationLists.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <algorithm>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -87,6 +90,11 @@ bool VDie2::NamesLocationList(const TDieAttribute& attribute) const {
            (isDataForm && mUnitReader->mHeader.mDwarfVersion < sVersionOfSectionOffsets);
 }
 
+bool VDie2::IsInFunction() const {
+    return std::ranges::any_of(
+        mOpenNodes, [](const VDebugInfoNode* node) { return node->GetTag() == DW_TAG_subprogram; });
+}
+
 bool VDie2::ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value) {
     if (VDieFormValue address; GivesIndexedAddress(attribute.mReading)) {
         const bool isThere = ReadFormValue(attribute, address);
@@ -99,9 +107,9 @@ bool VDie2::ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t
         return true;
     }
     VLocationLists& lists = *mSection->mLocationLists;
-    const std::optional<std::uint64_t> address = isIndex
-                                                     ? lists.AddressOfIndexed(*mUnitReader, value)
-                                                     : lists.AddressOf(*mUnitReader, value);
+    const std::optional<std::uint64_t> address =
+        isIndex ? lists.AddressOfIndexed(*mUnitReader, value, IsInFunction())
+                : lists.AddressOf(*mUnitReader, value, IsInFunction());
     value = address.value_or(0);
     return address.has_value();
 }

@@ -155,6 +155,8 @@ private:
     VLocationResult EvaluateLocationBlock(std::int32_t end);
     /// True if a value of the attribute's form is the offset of a location list.
     [[nodiscard]] bool NamesLocationList(const TDieAttribute& attribute) const;
+    /// True while the children of a function are read, at any depth.
+    [[nodiscard]] bool IsInFunction() const;
     bool ReadClassicLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
     bool ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
     std::uint64_t ReadPlainLocation(const TDieAttribute& attribute);

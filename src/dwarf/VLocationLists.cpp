@@ -141,8 +141,8 @@ public:
         mIsSound = false;
     }
 
-    [[nodiscard]] std::optional<std::uint64_t> Result() const {
-        if (!mIsSound) {
+    [[nodiscard]] std::optional<std::uint64_t> Result(bool isInFunction) const {
+        if (!mIsSound || (isInFunction && !mHasDefault)) {
             return std::nullopt;
         }
         if (mHasDefault) {
@@ -220,7 +220,7 @@ bool VLocationLists::Load(const VElfFile& file) {
 }
 
 std::optional<std::uint64_t> VLocationLists::AddressOf(const VCompileUnitReader& unit,
-                                                       std::uint64_t offset) {
+                                                       std::uint64_t offset, bool isInFunction) {
     const bool hasKinds = unit.mHeader.mDwarfVersion >= sVersionOfListKinds;
     VElfBuffer& section = hasKinds ? mIndexedLists : mLists;
     if (offset >= static_cast<std::uint64_t>(section.GetBufferLength()) || mBytesLeft < 0) {
@@ -235,16 +235,17 @@ std::optional<std::uint64_t> VLocationLists::AddressOf(const VCompileUnitReader&
         list.ReadPairs();
     }
     mBytesLeft -= section.GetOffset() - static_cast<std::int64_t>(offset);
-    return list.Result();
+    return list.Result(isInFunction);
 }
 
 std::optional<std::uint64_t> VLocationLists::AddressOfIndexed(const VCompileUnitReader& unit,
-                                                              std::uint64_t index) {
+                                                              std::uint64_t index,
+                                                              bool isInFunction) {
     const std::optional<std::uint64_t> base = unit.mFacts.mLocationListsBase;
     const std::uint8_t width = unit.mHeader.mIs64BitDwarf ? 8 : 4;
     const std::optional<std::uint64_t> offset =
         base ? mIndexedLists.NumberAt(*base, index, width) : std::nullopt;
-    return offset ? AddressOf(unit, *base + *offset) : std::nullopt;
+    return offset ? AddressOf(unit, *base + *offset, isInFunction) : std::nullopt;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

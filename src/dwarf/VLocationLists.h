@@ -25,11 +25,16 @@ public:
     bool Load(const VElfFile& file);
 
     /// The address that a list gives for its whole range, or as its default.
+    ///
+    /// Of a variable within a function only the default counts. Its other entries hold for some
+    /// instructions each, and the place may be that of another variable: after `old = end;` a
+    /// compiler says that `old` is where `end` is until `end` changes.
     /// @param offset section offset of the list
-    std::optional<std::uint64_t> AddressOf(const VCompileUnitReader& unit, std::uint64_t offset);
+    std::optional<std::uint64_t> AddressOf(const VCompileUnitReader& unit, std::uint64_t offset,
+                                           bool isInFunction);
     /// The same for a list that the unit names by index.
     std::optional<std::uint64_t> AddressOfIndexed(const VCompileUnitReader& unit,
-                                                  std::uint64_t index);
+                                                  std::uint64_t index, bool isInFunction);
 
 private:
     class ListReading;

@@ -43,7 +43,7 @@ class DebugEntry:
 
     def linkage_name(self):
         """The linkage name; None if there is none."""
-        text = self.attributes.get("DW_AT_linkage_name")
+        text = self.attributes.get("DW_AT_linkage_name", self.attributes.get("DW_AT_MIPS_linkage_name"))
         return None if text is None else STRING_NOTE.sub("", text).strip()
 
     def number(self, attribute):

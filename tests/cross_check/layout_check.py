@@ -114,6 +114,13 @@ def is_hidden_from_gdb(variable, facts):
 
 
 @rule
+def is_discarded(address):
+    """gdb takes the address at which a linker puts what it discards, all ones (spare_words of spare.c, by lld),
+    for one like any other."""
+    return address in (0xFFFFFFFF, 0xFFFFFFFFFFFFFFFF)
+
+
+@rule
 def is_declared_only(variable, types):
     """Of an array that one unit declares without bounds (_ctype_ of newlib), gdb is asked for that declaration if
     the unit that defines it has no code."""
@@ -369,7 +376,7 @@ class EntryFacts:
         self.has_namespaces = any(entry.tag == "DW_TAG_namespace" for entry in entries)
         self.constants = {entry.name() for entry in entries
                           if entry.tag == "DW_TAG_variable" and "DW_AT_const_value" in entry.attributes
-                          and "DW_AT_linkage_name" in entry.attributes}
+                          and entry.linkage_name() is not None}
         self._linkage_names = collections.Counter(entry.linkage_name() for entry in entries
                                                   if "DW_AT_location" in entry.attributes)
         self._variables = collections.defaultdict(list)
@@ -515,7 +522,7 @@ class Comparison:
             elif not is_hidden_from_gdb(item, self._facts):
                 self._differ(f"{item['name']} at {item['address']:#x}", "unknown to gdb")
         for key, variables in known.items():
-            if delivered[key] != 1 and not all(has_no_data_symbol(variable, self._symbol_names, self._facts)
+            if delivered[key] != 1 and not is_discarded(key[0]) and not all(has_no_data_symbol(variable, self._symbol_names, self._facts)
                                                for variable in variables):
                 self._differ(f"{variables[0]['name']} at {key[0]:#x}", f"delivered {delivered[key]} times")
         while self._waiting:

@@ -87,6 +87,10 @@ class SymbolsCheck(unittest.TestCase):
 
     def assert_agreement_in(self, manner, image, *arguments):
         done = run_vars(image, *manner, *arguments)
+        if manner is FULL and image.suffix == ".o":
+            self.assertIn("the linker assigns its addresses", done.stderr)
+            self.assertEqual((done.returncode, done.stdout.count("\n")), (0, 1))
+            return
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         rows = list(csv.DictReader(io.StringIO(done.stdout)))
         delivered = [(int(row["address"], 16), int(row["size"]), row["name"]) for row in rows]
