@@ -7,6 +7,7 @@
 #include "a2l/BitMask.h"
 #include "a2l/Conversions.h"
 #include "a2l/Datatypes.h"
+#include "a2l/ElementIndices.h"
 #include "a2l/ExportText.h"
 #include "a2l/ExportTypes.h"
 #include "a2l/Identifiers.h"
@@ -228,16 +229,8 @@ private:
             Omit(mCutArrays, part);
         }
         for (std::uint64_t index = 0; index < end; ++index) {
-            std::string indices;
-            std::uint64_t rest = index;
-            const std::span<const std::uint32_t> dimensions = mModel.Dimensions(array);
-            for (auto dimension = dimensions.rbegin(); dimension != dimensions.rend();
-                 ++dimension) {
-                indices.insert(0, "[" + std::to_string(rest % *dimension) + "]");
-                rest /= *dimension;
-            }
             TakePart({mModel.Object(array).type, part.address + index * stride,
-                      part.steps + indices, part.depth + 1});
+                      part.steps + IndicesOf(index, mModel.Dimensions(array)), part.depth + 1});
         }
     }
 

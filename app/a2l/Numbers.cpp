@@ -45,8 +45,7 @@ std::optional<std::int64_t> ParseSigned(std::string_view text) {
 
 bool LooksNumeric(std::string_view text) {
     const std::size_t start = text.find_first_not_of("+-");
-    return start != std::string_view::npos && start <= 1 && text[start] >= '0' &&
-           text[start] <= '9';
+    return start <= 1 && text[start] >= '0' && text[start] <= '9';
 }
 
 std::optional<bool> LetterCase(std::string_view number) {

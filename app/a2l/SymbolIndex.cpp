@@ -2,6 +2,7 @@
 
 #include "NearNames.h"
 
+#include "a2l/ElementIndices.h"
 #include "a2l/Identifiers.h"
 #include "demangle/Demangler.h"
 
@@ -595,15 +596,7 @@ std::string SymbolIndex::NameAt(std::uint64_t address) const {
             type = inside->type;
             offset -= inside->offset;
         } else if (stride != 0 && offset / stride < mModel.ElementCount(plain)) {
-            std::uint64_t element = offset / stride;
-            std::string indices;
-            const std::span<const std::uint32_t> dimensions = mModel.Dimensions(plain);
-            for (auto dimension = dimensions.rbegin(); dimension != dimensions.rend();
-                 ++dimension) {
-                indices.insert(0, "[" + std::to_string(element % *dimension) + "]");
-                element /= *dimension;
-            }
-            name.append(indices);
+            name.append(IndicesOf(offset / stride, mModel.Dimensions(plain)));
             type = object.type;
             offset %= stride;
         } else {
