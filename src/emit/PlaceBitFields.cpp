@@ -47,7 +47,8 @@ public:
         const BitNumbering numbering = member.GetBitNumbering();
         if (member.GetBitSize() == 0) {
             if (numbering == BitNumbering::Structure) {
-                member.SetMemberOffset(member.GetBitOffset() / sBitsPerByte);
+                member.SetMemberOffset(
+                    static_cast<std::uint32_t>(member.GetBitOffset() / sBitsPerByte));
             }
             return;
         }
