@@ -72,11 +72,12 @@ bool Covers(const Span& span, const Source& source, const TextEdit& edit) {
 
 /// Every edit is the number of an object, nothing less and nothing more.
 void RequireOnlyNumbers(const Document& document, const UpdateResult& result) {
-    for (const auto& [source, edits] : result.edits) {
-        for (const TextEdit& edit : edits.All()) {
+    for (const auto& editsOfSource : result.edits) {
+        const Source& source = *editsOfSource.first;
+        for (const TextEdit& edit : editsOfSource.second.All()) {
             const bool isNumber = std::ranges::any_of(document.objects, [&](const Object& object) {
-                return Covers(object.address.span, *source, edit) ||
-                       Covers(object.bitMask.span, *source, edit);
+                return Covers(object.address.span, source, edit) ||
+                       Covers(object.bitMask.span, source, edit);
             });
             Fuzzing::Require(isNumber, "only addresses and masks change");
         }

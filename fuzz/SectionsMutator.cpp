@@ -97,7 +97,8 @@ private:
     }
 
     /// @return the new size of the range
-    std::size_t MutateRange(std::string& content, Range range) {
+    // NOLINTNEXTLINE(modernize-use-nodiscard): two callers want the change alone
+    std::size_t MutateRange(std::string& content, Range range) const {
         const std::size_t most = range.size + std::min(mRoom, range.size + sLeastRoom);
         if (most == 0) {
             return 0;
@@ -119,7 +120,7 @@ std::size_t Store(const std::string& choices, const SectionInput& sections, std:
                   std::size_t maxSize) {
     const std::string bytes = choices + sections.Bytes();
     const std::size_t size = std::min(bytes.size(), maxSize);
-    std::memcpy(data, bytes.data(), size);
+    std::copy_n(bytes.data(), size, data);
     return size;
 }
 

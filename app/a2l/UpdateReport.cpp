@@ -65,7 +65,7 @@ std::string DifferencesOf(const ObjectResult& result) {
 }
 
 std::string SymbolOf(const Object& object) {
-    const std::string symbol = ToHostText(object.link.Text());
+    std::string symbol = ToHostText(object.link.Text());
     if (symbol.empty() || object.linkOffset == 0) {
         return symbol;
     }
