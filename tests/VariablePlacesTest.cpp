@@ -36,7 +36,7 @@ protected:
     }
 
     /// A unit with the type `mInteger` and the entries.
-    DwarfSections Sections(std::vector<Die> entries, int addressSize = 4) const {
+    [[nodiscard]] DwarfSections Sections(std::vector<Die> entries, int addressSize = 4) const {
         entries.insert(entries.begin(),
                        Die(mInteger, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(5)}));
         return DwarfSections().Unit(
@@ -44,13 +44,13 @@ protected:
              .addressSize = addressSize});
     }
 
-    Die Variable(const std::string& name, std::vector<DieAttribute> more) const {
+    [[nodiscard]] Die Variable(const std::string& name, std::vector<DieAttribute> more) const {
         more.push_back(Name(name));
         more.push_back(Type(mInteger));
         return Die(DW_TAG_variable, more);
     }
 
-    Die Declared(const std::string& name) const {
+    [[nodiscard]] Die Declared(const std::string& name) const {
         return Variable(name, {External(), Declaration()});
     }
 

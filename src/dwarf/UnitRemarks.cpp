@@ -41,7 +41,7 @@ void VDwarf2Section::AddRemarks() {
     RemarkOnSupplement(mElfFile->mSecDebugSup, sSupplementHeaderSize);
 }
 
-void VDwarf2Section::RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) {
+void VDwarf2Section::RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) const {
     if (!section.IsPresent()) {
         return;
     }

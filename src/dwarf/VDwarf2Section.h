@@ -204,7 +204,7 @@ private:
     /// Tells the file's remarks what was passed over.
     void AddRemarks();
     /// @param nameOffset place of the supplementary file's name in the section
-    void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset);
+    void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) const;
     bool ProcessCompileUnit(VCompileUnitHeader& header);
     /// True only for a text of `.debug_str` that is known to be short.
     [[nodiscard]] bool IsShortText(const char* text) const;

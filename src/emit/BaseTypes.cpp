@@ -68,7 +68,7 @@ constexpr UnsizedEntry sUnsizedTypes[] = {
 };
 
 struct FullEncodingEntry {
-    std::uint32_t encoding;
+    std::uint32_t encoding = 0;
     /// Nothing for kinds that the host lacks.
     std::optional<BasicType> code;
 };

@@ -13,7 +13,6 @@
 
 using namespace Tessel::Norn::Brindle;
 using namespace Tessel::Norn::Brindle::Program::A2l;
-using DataModel::BasicTypes;
 using Tests::A2lFiles;
 using Tests::InModule;
 using Tests::ModelBuilder;
@@ -396,7 +395,8 @@ TEST(A2lUpdate, TellsWhatDiffersFromTheImage) {
         {"/begin INSTANCE speed \"\" unknown_t 1 /end INSTANCE", ""},
     };
     for (const auto& [content, expected] : cases) {
-        EXPECT_EQ(DifferencesOf(content + "\n" + layouts), expected) << content;
+        EXPECT_EQ(DifferencesOf(std::string(content).append("\n").append(layouts)), expected)
+            << content;
     }
 }
 
@@ -428,7 +428,7 @@ TEST(A2lUpdate, LeavesAllOtherBytesUnderRandomEdits) {
                                              "/begin",
                                              "MODULE",
                                              "m",
-                                             "\"a\\\"b\"",
+                                             R"("a\"b")",
                                              "/begin",
                                              "MEASUREMENT",
                                              "speed",
