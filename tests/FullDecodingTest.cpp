@@ -504,7 +504,7 @@ TEST_F(FullDecodingTest, ListsOfOneAddressAreStatic) {
          ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Plain({4, 8, 9, 100, 3}).Open(),
          false},
         {"an unknown kind",
-         ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Plain("\x70").Closed(), false},
+         ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Plain({0x70}).Closed(), false},
         {"nothing", ListWriter().Closed(), false},
     };
     for (const ListCase& example : cases) {

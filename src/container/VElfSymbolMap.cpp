@@ -54,8 +54,9 @@ Elf32_Sym* VElfSymbolMap::FindByAddress(std::uint64_t address, std::string_view 
 
 std::span<const Elf32_Sym> VElfSymbolMap::AllAt(std::uint64_t address) {
     SortByAddress();
-    return std::ranges::equal_range(mSymbols, address, {},
-                                    [this](const Elf32_Sym& symbol) { return AddressOf(symbol); });
+    const auto addressOf = [this](const Elf32_Sym& symbol) { return AddressOf(symbol); };
+    return {std::ranges::lower_bound(mSymbols, address, {}, addressOf),
+            std::ranges::upper_bound(mSymbols, address, {}, addressOf)};
 }
 
 void VElfSymbolMap::SortByAddress() {
