@@ -11,7 +11,6 @@
 #include <vector>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace Tessel::Norn::Brindle::Tests {

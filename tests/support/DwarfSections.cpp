@@ -1,5 +1,6 @@
 #include "support/DwarfSections.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace Tessel::Norn::Brindle::Tests {
@@ -34,6 +35,82 @@ constexpr OperandEncoding sOperandEncodings[] = {
     {DW_OP_addrx, DW_OP_constx, OperandKind::Unsigned},
     {DW_OP_GNU_addr_index, DW_OP_GNU_const_index, OperandKind::Unsigned},
 };
+
+/// How the value of a form that is a number is written; `Twice` is 16 bytes of the number repeated.
+enum class NumberWidth { Fixed, Twice, Address, Offset, Reference, Unsigned, Signed };
+
+struct NumberForm {
+    std::uint32_t form = 0;
+    NumberWidth width = NumberWidth::Fixed;
+    std::size_t size = 0;
+};
+
+constexpr NumberForm sNumberForms[] = {
+    {DW_FORM_data1, NumberWidth::Fixed, 1},
+    {DW_FORM_flag, NumberWidth::Fixed, 1},
+    {DW_FORM_ref1, NumberWidth::Fixed, 1},
+    {DW_FORM_strx1, NumberWidth::Fixed, 1},
+    {DW_FORM_addrx1, NumberWidth::Fixed, 1},
+    {DW_FORM_data2, NumberWidth::Fixed, 2},
+    {DW_FORM_ref2, NumberWidth::Fixed, 2},
+    {DW_FORM_strx2, NumberWidth::Fixed, 2},
+    {DW_FORM_addrx2, NumberWidth::Fixed, 2},
+    {DW_FORM_strx3, NumberWidth::Fixed, 3},
+    {DW_FORM_addrx3, NumberWidth::Fixed, 3},
+    {DW_FORM_data4, NumberWidth::Fixed, 4},
+    {DW_FORM_ref4, NumberWidth::Fixed, 4},
+    {DW_FORM_ref_sup4, NumberWidth::Fixed, 4},
+    {DW_FORM_strx4, NumberWidth::Fixed, 4},
+    {DW_FORM_addrx4, NumberWidth::Fixed, 4},
+    {DW_FORM_data8, NumberWidth::Fixed, 8},
+    {DW_FORM_ref8, NumberWidth::Fixed, 8},
+    {DW_FORM_ref_sig8, NumberWidth::Fixed, 8},
+    {DW_FORM_ref_sup8, NumberWidth::Fixed, 8},
+    {DW_FORM_flag_present, NumberWidth::Fixed, 0},
+    {DW_FORM_implicit_const, NumberWidth::Fixed, 0},
+    {DW_FORM_data16, NumberWidth::Twice},
+    {DW_FORM_addr, NumberWidth::Address},
+    {DW_FORM_sec_offset, NumberWidth::Offset},
+    {DW_FORM_strp, NumberWidth::Offset},
+    {DW_FORM_line_strp, NumberWidth::Offset},
+    {DW_FORM_strp_sup, NumberWidth::Offset},
+    {DW_FORM_GNU_ref_alt, NumberWidth::Offset},
+    {DW_FORM_GNU_strp_alt, NumberWidth::Offset},
+    {DW_FORM_ref_addr, NumberWidth::Reference},
+    {DW_FORM_udata, NumberWidth::Unsigned},
+    {DW_FORM_ref_udata, NumberWidth::Unsigned},
+    {DW_FORM_strx, NumberWidth::Unsigned},
+    {DW_FORM_addrx, NumberWidth::Unsigned},
+    {DW_FORM_loclistx, NumberWidth::Unsigned},
+    {DW_FORM_rnglistx, NumberWidth::Unsigned},
+    {DW_FORM_GNU_str_index, NumberWidth::Unsigned},
+    {DW_FORM_GNU_addr_index, NumberWidth::Unsigned},
+    {DW_FORM_sdata, NumberWidth::Signed},
+};
+
+/// Writes the forms whose bytes carry their own extent; false for any other form.
+bool WriteBlock(ByteWriter& writer, std::uint32_t form, const std::string& bytes) {
+    switch (form) {
+    case DW_FORM_block1:
+        writer.U8(bytes.size()).Bytes(bytes);
+        return true;
+    case DW_FORM_block2:
+        writer.U16(bytes.size()).Bytes(bytes);
+        return true;
+    case DW_FORM_block4:
+        writer.U32(bytes.size()).Bytes(bytes);
+        return true;
+    case DW_FORM_block:
+    case DW_FORM_exprloc:
+        writer.Bytes(Uleb128(bytes.size())).Bytes(bytes);
+        return true;
+    case DW_FORM_string:
+        writer.Text(bytes);
+        return true;
+    default:
+        return false;
+    }
+}
 
 /// Bytes of a reference in LEB128, wide enough for every unit of a test.
 constexpr std::size_t sLebReferenceSize = 4;
@@ -491,119 +568,71 @@ void DwarfSections::WriteValue(UnitState& state, const DieAttribute& attribute) 
     const std::string* text = std::get_if<std::string>(&attribute.value);
     const std::vector<Operation>* operations =
         std::get_if<std::vector<Operation>>(&attribute.value);
-    const std::uint64_t value = number != nullptr ? *number : 0;
     const std::string bytes =
         operations != nullptr ? EncodeExpression(*operations, mByteOrder, state.unit.addressSize)
                               : (text != nullptr ? *text : std::string());
-    ByteWriter& writer = state.writer;
-    if (attribute.isBytes && attribute.form > DW_FORM_flag_present) {
-        writer.Bytes(bytes);
+    const bool isVerbatim = attribute.isBytes && attribute.form > DW_FORM_flag_present;
+    if (!isVerbatim && WriteBlock(state.writer, attribute.form, bytes)) {
         return;
     }
-    switch (attribute.form) {
-    case DW_FORM_block1:
-        writer.U8(bytes.size()).Bytes(bytes);
-        return;
-    case DW_FORM_block2:
-        writer.U16(bytes.size()).Bytes(bytes);
-        return;
-    case DW_FORM_block4:
-        writer.U32(bytes.size()).Bytes(bytes);
-        return;
-    case DW_FORM_block:
-    case DW_FORM_exprloc:
-        writer.Bytes(Uleb128(bytes.size())).Bytes(bytes);
-        return;
-    case DW_FORM_string:
-        writer.Text(bytes);
-        return;
+    const std::optional<std::uint64_t> place =
+        text != nullptr && !isVerbatim ? PlaceOfText(attribute.form, *text) : std::nullopt;
+    if (place) {
+        WriteNumber(state, attribute.form, *place);
+    } else if (number != nullptr && !isVerbatim) {
+        WriteNumber(state, attribute.form, *number);
+    } else {
+        state.writer.Bytes(bytes);
+    }
+}
+
+std::optional<std::uint64_t> DwarfSections::PlaceOfText(std::uint32_t form,
+                                                        const std::string& text) {
+    switch (form) {
     case DW_FORM_strp:
-        writer.Integer(text != nullptr ? String(*text) : value, state.OffsetSize());
-        return;
+        return String(text);
     case DW_FORM_line_strp:
-        writer.Integer(text != nullptr ? LineString(*text) : value, state.OffsetSize());
-        return;
-    case DW_FORM_strx1:
-        writer.U8(text != nullptr ? TextIndex(*text) : value);
-        return;
-    case DW_FORM_strx2:
-        writer.U16(text != nullptr ? TextIndex(*text) : value);
-        return;
-    case DW_FORM_strx3:
-        writer.Integer(text != nullptr ? TextIndex(*text) : value, 3);
-        return;
-    case DW_FORM_strx4:
-        writer.U32(text != nullptr ? TextIndex(*text) : value);
-        return;
+        return LineString(text);
     case DW_FORM_strx:
+    case DW_FORM_strx1:
+    case DW_FORM_strx2:
+    case DW_FORM_strx3:
+    case DW_FORM_strx4:
     case DW_FORM_GNU_str_index:
-        writer.Bytes(Uleb128(text != nullptr ? TextIndex(*text) : value));
-        return;
+        return TextIndex(text);
     default:
-        break;
+        return std::nullopt;
     }
-    if (number == nullptr) {
-        writer.Bytes(bytes);
+}
+
+void DwarfSections::WriteNumber(UnitState& state, std::uint32_t form, std::uint64_t value) {
+    const auto* const found = std::ranges::find(sNumberForms, form, &NumberForm::form);
+    if (found == std::end(sNumberForms)) {
+        ADD_FAILURE() << "form " << form << " takes bytes only";
         return;
     }
-    switch (attribute.form) {
-    case DW_FORM_addr:
-        writer.Integer(value, static_cast<std::size_t>(state.unit.addressSize));
+    switch (found->width) {
+    case NumberWidth::Fixed:
+        state.writer.Integer(value, found->size);
         return;
-    case DW_FORM_data1:
-    case DW_FORM_flag:
-    case DW_FORM_ref1:
-    case DW_FORM_addrx1:
-        writer.U8(value);
+    case NumberWidth::Twice:
+        state.writer.U64(value).U64(value);
         return;
-    case DW_FORM_data2:
-    case DW_FORM_ref2:
-    case DW_FORM_addrx2:
-        writer.U16(value);
+    case NumberWidth::Address:
+        state.writer.Integer(value, static_cast<std::size_t>(state.unit.addressSize));
         return;
-    case DW_FORM_addrx3:
-        writer.Integer(value, 3);
+    case NumberWidth::Offset:
+        state.writer.Integer(value, state.OffsetSize());
         return;
-    case DW_FORM_data4:
-    case DW_FORM_ref4:
-    case DW_FORM_ref_sup4:
-    case DW_FORM_addrx4:
-        writer.U32(value);
+    case NumberWidth::Reference:
+        state.writer.Integer(value, state.ReferenceSize());
         return;
-    case DW_FORM_data8:
-    case DW_FORM_ref8:
-    case DW_FORM_ref_sig8:
-    case DW_FORM_ref_sup8:
-        writer.U64(value);
+    case NumberWidth::Unsigned:
+        state.writer.Bytes(Uleb128(value));
         return;
-    case DW_FORM_data16:
-        writer.U64(value).U64(value);
+    case NumberWidth::Signed:
+        state.writer.Bytes(Sleb128(static_cast<std::int64_t>(value)));
         return;
-    case DW_FORM_sdata:
-        writer.Bytes(Sleb128(static_cast<std::int64_t>(value)));
-        return;
-    case DW_FORM_udata:
-    case DW_FORM_ref_udata:
-    case DW_FORM_addrx:
-    case DW_FORM_loclistx:
-    case DW_FORM_rnglistx:
-    case DW_FORM_GNU_addr_index:
-        writer.Bytes(Uleb128(value));
-        return;
-    case DW_FORM_sec_offset:
-    case DW_FORM_strp_sup:
-    case DW_FORM_GNU_ref_alt:
-    case DW_FORM_GNU_strp_alt:
-        writer.Integer(value, state.OffsetSize());
-        return;
-    case DW_FORM_ref_addr:
-        writer.Integer(value, state.ReferenceSize());
-        return;
-    case DW_FORM_flag_present:
-    case DW_FORM_implicit_const:
-        return;
-    default:
-        ADD_FAILURE() << "form " << attribute.form << " takes bytes only";
     }
 }
 

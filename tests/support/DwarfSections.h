@@ -244,6 +244,10 @@ private:
     void WriteEntry(UnitState& state, const Die& die);
     void WriteAttribute(UnitState& state, const DieAttribute& attribute);
     void WriteValue(UnitState& state, const DieAttribute& attribute);
+    /// Where a form that refers to a text finds it, the text added to its section; nothing for
+    /// other forms.
+    std::optional<std::uint64_t> PlaceOfText(std::uint32_t form, const std::string& text);
+    static void WriteNumber(UnitState& state, std::uint32_t form, std::uint64_t value);
     void WriteReference(UnitState& state, std::uint32_t form, DieLabel target);
     void WriteAbbreviations(const UnitState& state);
     std::uint64_t AbbreviationCode(UnitState& state, const Die& die);
