@@ -5,7 +5,7 @@
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 
-"$root/scripts/install-packages.sh"
+"$root/scripts/install-packages.sh" tests
 cd "$root"
 cmake --preset release >&2
 cmake --build --preset release --target brindle_benchmarks >&2

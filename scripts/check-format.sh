@@ -3,6 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/install-packages.sh checks
 mode=(--dry-run --Werror)
 [ "${1:-}" != --fix ] || mode=(-i)
 git ls-files -z --cached --others --exclude-standard -- '*.c' '*.cpp' '*.h' |

@@ -4,5 +4,6 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/install-packages.sh checks
 cmake --preset debug >/dev/null
 run-clang-tidy-14 -quiet -p build/debug "^$PWD/(src|capi|app|tests|bench|fuzz)/.*\.cpp$"

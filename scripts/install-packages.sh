@@ -1,19 +1,27 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need, those that are missing alone. With the
-# argument "samples" also the cross compilers that rebuild the sample images; with "docs" also what
-# builds the reference; with "report" also the browser that the tests of the report drive; with "bench"
-# also what makes the big images and the tools that brindle is measured beside; with "fuzz" also the
-# compiler that has libFuzzer; with "checks" also cppcheck.
+# Installs the missing ones of the Debian packages that a purpose needs; without an argument, those that
+# build the library and the program. Purposes: "tests" for building and running the tests and benchmarks;
+# "checks" for the formatting, clang-tidy and cppcheck; "samples" for the cross compilers that rebuild the
+# sample images; "docs" for the reference; "report" for the browser that the tests of the report drive;
+# "bench" for the big images and the tools that brindle is measured beside; "fuzz" for the compiler that
+# has libFuzzer.
 set -euo pipefail
 
 packages=(
     cmake g++ ninja-build
     libcli11-dev libcsv-dev rapidjson-dev
+)
+# What every build needs that has tests in it.
+tests=(
     libbenchmark-dev libgmock-dev libgtest-dev
-    binutils clang-format-14 clang-tidy-14 gdb-multiarch pkgconf python3
+    binutils gdb-multiarch pkgconf python3
     mono-mcs mono-runtime
 )
 case "${1:-}" in
+"") ;;
+tests)
+    packages+=("${tests[@]}")
+    ;;
 samples)
     packages+=(clang-14 lld-14 gcc-arm-none-eabi libnewlib-arm-none-eabi
         g++-powerpc-linux-gnu gcc-powerpc-linux-gnu gcc-aarch64-linux-gnu gcc-riscv64-linux-gnu
@@ -21,19 +29,23 @@ samples)
         g++-mingw-w64-i686-win32 g++-mingw-w64-x86-64-win32)
     ;;
 docs)
-    packages+=(doxygen)
+    packages+=("${tests[@]}" doxygen)
     ;;
 report)
     packages+=(chromium chromium-driver fonts-dejavu-core python3-selenium)
     ;;
 fuzz)
-    packages+=(clang-14 libclang-rt-14-dev llvm-14)
+    packages+=("${tests[@]}" clang-14 libclang-rt-14-dev llvm-14)
     ;;
 checks)
-    packages+=(cppcheck)
+    packages+=("${tests[@]}" clang-format-14 clang-tidy-14 cppcheck)
     ;;
 bench)
-    packages+=(gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)
+    packages+=("${tests[@]}" gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)
+    ;;
+*)
+    echo "install-packages.sh: unknown purpose '$1'" >&2
+    exit 2
     ;;
 esac
 

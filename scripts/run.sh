@@ -6,14 +6,14 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/install-packages.sh"
 {
     cd "$root"
-    cmake --preset release
-    cmake --build --preset release --target brindle_program
+    cmake --preset program
+    cmake --build --preset program
 } >&2
 cd - >/dev/null
 
 [ $# -gt 0 ] || set -- "$root/tests/samples/images/arm-symbols.elf"
 status=0
 for file in "$@"; do
-    "$root/build/release/app/brindle" vars "$file" || status=$?
+    "$root/build/program/app/brindle" vars "$file" || status=$?
 done
 exit "$status"

@@ -5,7 +5,7 @@ set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 preset=${1:-debug}
 
-"$root/scripts/install-packages.sh"
+"$root/scripts/install-packages.sh" tests
 cd "$root"
 cmake --preset "$preset"
 cmake --build --preset "$preset"
