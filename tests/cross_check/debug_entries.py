@@ -1,9 +1,11 @@
-"""The debug entries of an image as binutils show them, for the checks of this folder.
+"""The debug entries of an image as binutils show them, for the checks of this folder, and what these checks
+allow gdb to tell otherwise.
 
 Everything here is parsed from the text of `readelf --debug-dump=info` or, for Windows images, from that of
 `objdump --dwarf=info`, which is the same; the program under test is never asked.
 """
 
+import collections
 import dataclasses
 import functools
 import re
@@ -166,3 +168,99 @@ def debug_entries(image):
 def count_entries(image):
     """How many debug entries the image has, null entries apart."""
     return len(debug_entries(image))
+
+
+# What the checks against gdb share ----------------------------------------------------------------
+
+
+def rule(function):
+    """Marks an intended difference between gdb and the reader; its docstring is the reason."""
+    assert function.__doc__
+    return function
+
+
+def components(name):
+    """The parts of a qualified name; colons within brackets don't part."""
+    parts, depth, start = [], 0, 0
+    for place, character in enumerate(name):
+        if character in "<({":
+            depth += 1
+        elif character in ">)}":
+            depth -= 1
+        elif depth == 0 and name.startswith("::", place):
+            parts.append(name[start:place])
+            start = place + 2
+    return parts + [name[start:]]
+
+
+def is_big_endian(image):
+    start = image.read_bytes()[:6]
+    return start[:4] == b"\x7fELF" and start[5] == 2
+
+
+@rule
+def is_discarded(address):
+    """gdb takes the address at which a linker puts what it discards, all ones (spare_words of spare.c, by lld),
+    for one like any other."""
+    return address in (0xFFFFFFFF, 0xFFFFFFFFFFFFFFFF)
+
+
+class VariableFacts:
+    """What gdb doesn't tell of the variables of an image: how the compiler wrote their entries."""
+
+    def __init__(self, image, tree, delivered_address):
+        self.tree = tree
+        self._constants = {entry.name() for entry in tree.entries
+                           if entry.tag == "DW_TAG_variable" and "DW_AT_const_value" in entry.attributes
+                           and entry.linkage_name() is not None}
+        self._linkage_names = collections.Counter(entry.linkage_name() for entry in tree.entries
+                                                  if "DW_AT_location" in entry.attributes)
+        self._variables = collections.defaultdict(list)
+        for entry in tree.entries:
+            if entry.tag == "DW_TAG_variable" and (address := entry.address(image)) is not None:
+                self._variables[self.name_of(entry), delivered_address(image, address)].append(entry)
+
+    def name_of(self, entry):
+        """The name under which a variable is found."""
+        return self.tree.origin(entry).name()
+
+    def entries_of(self, name, address):
+        return self._variables[name, address]
+
+    @rule
+    def is_hidden_from_gdb(self, name, address):
+        """gdb leaves out the static variables of functions that exist as inlined copies only (limited::seen of
+        timers.c), and variables without a name (the anonymous union in a namespace of main.cpp, by gcc); it takes
+        a static member whose declaration tells a value for a constant (Sensor::kLimit). Of variables with one
+        linkage name it keeps the first (word and bytes of that union, by clang), and of a declaration with a value
+        the value (gThreshold of signals.cpp)."""
+        return not name or name in self._constants or any(
+            self._shares_linkage_name(entry) or self._has_constant_declaration(entry)
+            for entry in self.entries_of(name, address)) or self.function_without_code(name, address) is not None
+
+    @rule
+    def is_unspecified(self, name, address):
+        """A type that the compiler doesn't specify (that of nullptr) is void; gdb makes an integer of it."""
+        return any(self._has_unspecified_type(entry) for entry in self.entries_of(name, address))
+
+    def function_without_code(self, name, address):
+        """The function of a static variable, if it exists as inlined copies only; else None."""
+        for entry in self.entries_of(name, address):
+            owner = entry.parent
+            while owner is not None and owner.tag != "DW_TAG_subprogram":
+                owner = owner.parent
+            if owner is not None and not {"DW_AT_low_pc", "DW_AT_ranges"} & set(owner.attributes):
+                return self.tree.origin(owner).name() or "<unnamed-subprogram>"
+        return None
+
+    def _has_constant_declaration(self, entry):
+        return "DW_AT_const_value" in self.tree.origin(entry).attributes
+
+    def _shares_linkage_name(self, entry):
+        return entry.linkage_name() is not None and self._linkage_names[entry.linkage_name()] > 1
+
+    def _has_unspecified_type(self, entry):
+        kind = self.tree.target(self.tree.origin(entry), "DW_AT_type")
+        while kind is not None and kind.tag in ("DW_TAG_typedef", "DW_TAG_const_type", "DW_TAG_volatile_type"):
+            kind = self.tree.target(kind, "DW_AT_type")
+        return kind is not None and kind.tag == "DW_TAG_unspecified_type"

@@ -23,6 +23,7 @@ import debug_entries
 import gdb_answers
 import symbols_check
 import windows_images
+from debug_entries import components, is_big_endian, is_discarded, rule
 
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
@@ -40,12 +41,6 @@ FLOATS = {2: 18, 4: 6}
 OTHER_FLOAT = 10
 COMPLEX = 10
 BOOLEAN = 7
-
-
-def rule(function):
-    """Marks an intended difference between gdb and the reader; its docstring is the reason."""
-    assert function.__doc__
-    return function
 
 
 # What the reader tells otherwise than gdb ---------------------------------------------------------
@@ -96,31 +91,6 @@ def is_static_member(member):
 
 
 @rule
-def is_unspecified_type(variable, facts):
-    """A type that the compiler doesn't specify, such as that of nullptr, is void; gdb takes int."""
-    return facts.is_unspecified(variable["address"], variable["name"])
-
-
-@rule
-def is_hidden_from_gdb(variable, facts):
-    """gdb leaves out the static variables of functions that exist as inlined copies only, and variables
-    without a name, such as an anonymous union in a namespace; it takes a variable whose declaration tells a
-    value for a constant without address. Of variables with one linkage name, as clang gives them to such a
-    union, it keeps the first."""
-    place = variable["address"], variable["name"]
-    if not variable["name"] or variable["name"] in facts.constants or facts.shares_linkage_name(*place):
-        return True
-    return facts.function_without_code(*place) is not None or facts.has_constant_declaration(*place)
-
-
-@rule
-def is_discarded(address):
-    """gdb takes the address at which a linker puts what it discards, all ones (spare_words of spare.c, by lld),
-    for one like any other."""
-    return address in (0xFFFFFFFF, 0xFFFFFFFFFFFFFFFF)
-
-
-@rule
 def is_declared_only(variable, types):
     """Of an array that one unit declares without bounds (_ctype_ of newlib), gdb is asked for that declaration if
     the unit that defines it has no code."""
@@ -130,7 +100,7 @@ def is_declared_only(variable, types):
 @rule
 def owning_functions(variable, variables, facts):
     """The static variables of an inlined function belong to that function, whatever it was inlined to."""
-    inlined = facts.function_without_code(variable["address"], variable["name"])
+    inlined = facts.function_without_code(variable["name"], variable["address"])
     return {inlined} if inlined else {function_name(known["function"]) for known in variables}
 
 
@@ -138,7 +108,7 @@ def owning_functions(variable, variables, facts):
 def owning_units(variable, owners, facts):
     """After link-time optimisation variables lie in a unit that the compiler makes up; they belong to the one that
     they were written in."""
-    return owners | facts.units_of_origin(variable["address"], variable["name"])
+    return owners | facts.units_of_origin(variable["name"], variable["address"])
 
 
 @rule
@@ -275,20 +245,6 @@ class FullManner:
 # Names and documents ------------------------------------------------------------------------------
 
 
-def components(name):
-    """The parts of a qualified name; colons within brackets don't part."""
-    parts, depth, start = [], 0, 0
-    for place, character in enumerate(name):
-        if character in "<({":
-            depth += 1
-        elif character in ">)}":
-            depth -= 1
-        elif depth == 0 and name.startswith("::", place):
-            parts.append(name[start:place])
-            start = place + 2
-    return parts + [name[start:]]
-
-
 def last_component(name):
     return without_template_arguments(re.sub(r"\[abi:\w+\]$", "", components(name)[-1]))
 
@@ -353,6 +309,10 @@ class Dump:
             item = self.objects[element]
         return dimensions, element
 
+    def without_typedefs(self, identifier):
+        item = self.objects[identifier]
+        return self.without_typedefs(item["type"]) if item["kind"] == "typedef" else item
+
     def size_of(self, identifier):
         item = self.objects[identifier]
         return item["size"] if "size" in item else self.size_of(item["type"])
@@ -368,22 +328,13 @@ class Oracle:
             variable["address"] = manner.delivered_address(image, variable["address"])
 
 
-class EntryFacts:
+class EntryFacts(debug_entries.VariableFacts):
     """What the rules need to know and gdb doesn't tell: how the compiler wrote the entries."""
 
     def __init__(self, image, tree, manner):
-        self._tree, entries = tree, tree.entries
+        super().__init__(image, tree, manner.delivered_address)
+        entries = tree.entries
         self.has_namespaces = any(entry.tag == "DW_TAG_namespace" for entry in entries)
-        self.constants = {entry.name() for entry in entries
-                          if entry.tag == "DW_TAG_variable" and "DW_AT_const_value" in entry.attributes
-                          and entry.linkage_name() is not None}
-        self._linkage_names = collections.Counter(entry.linkage_name() for entry in entries
-                                                  if "DW_AT_location" in entry.attributes)
-        self._variables = collections.defaultdict(list)
-        for entry in entries:
-            if entry.tag == "DW_TAG_variable" and (address := entry.address(image)) is not None:
-                address = manner.delivered_address(image, address)
-                self._variables[address, self._declaration(entry).name()].append(entry)
         self._found_by_name = self._find_variables_looked_up(entries)
         self._completed_without_name = self._find_completions_without_name(entries)
 
@@ -393,37 +344,11 @@ class EntryFacts:
         assert len(answers) == 1, f"{kind['name']}: no single answer for its anonymous members"
         return next(iter(answers))
 
-    def is_unspecified(self, address, name):
-        """Whether a variable is of an unspecified type."""
-        kinds = [self._tree.target(self._declaration(entry), "DW_AT_type")
-                 for entry in self._variables[address, name]]
-        return any(kind is not None and kind.tag == "DW_TAG_unspecified_type" for kind in kinds)
-
-    def has_constant_declaration(self, address, name):
-        """Whether the declaration of a static member tells a constant value."""
-        return any("DW_AT_const_value" in self._declaration(entry).attributes
-                   for entry in self._variables[address, name])
-
-    def function_without_code(self, address, name):
-        """The function of a static variable, if it exists as inlined copies only; else None."""
-        for entry in self._variables[address, name]:
-            owner = entry.parent
-            while owner is not None and owner.tag != "DW_TAG_subprogram":
-                owner = owner.parent
-            if owner is not None and not {"DW_AT_low_pc", "DW_AT_ranges"} & set(owner.attributes):
-                return self._declaration(owner).name() or "<unnamed-subprogram>"
-        return None
-
-    def shares_linkage_name(self, address, name):
-        """Whether another variable has the linkage name of a variable."""
-        return any(entry.linkage_name() and self._linkage_names[entry.linkage_name()] > 1
-                   for entry in self._variables[address, name])
-
-    def units_of_origin(self, address, name):
+    def units_of_origin(self, name, address):
         """The names of the units in which the entry of a variable first stands."""
         found = set()
-        for entry in self._variables[address, name]:
-            owner = self._declaration(entry)
+        for entry in self.entries_of(name, address):
+            owner = self.tree.origin(entry)
             while owner.parent is not None:
                 owner = owner.parent
             found.add(owner.name() or "")
@@ -451,12 +376,9 @@ class EntryFacts:
         return name in self._completed_without_name
 
     def _find_completions_without_name(self, entries):
-        return {self._declaration(entry).name() for entry in entries
+        return {self.tree.origin(entry).name() for entry in entries
                 if "DW_AT_specification" in entry.attributes
                 and entry.tag in ("DW_TAG_class_type", "DW_TAG_structure_type")}
-
-    def _declaration(self, entry):
-        return self._tree.origin(entry)
 
     @functools.cache
     def _hoisting(self):
@@ -465,10 +387,10 @@ class EntryFacts:
         It goes as the reader does, in file order, and with every step that moves a member on."""
         parents = {}
         hoisting = collections.defaultdict(set)
-        for entry in self._tree.entries:
+        for entry in self.tree.entries:
             if entry.tag != "DW_TAG_member" or entry.name() is not None:
                 continue
-            kind = self._tree.target(entry, "DW_AT_type")
+            kind = self.tree.target(entry, "DW_AT_type")
             parent = parents.get(entry.offset, entry.parent)
             is_hoisted = kind.parent is parent and kind.name() is None
             hoisting[shape_of_entry(entry.parent)].add(is_hoisted)
@@ -519,7 +441,7 @@ class Comparison:
             delivered[key] += 1
             if key in known:
                 self._compare_variable(item, known[key])
-            elif not is_hidden_from_gdb(item, self._facts):
+            elif not self._facts.is_hidden_from_gdb(item["name"], item["address"]):
                 self._differ(f"{item['name']} at {item['address']:#x}", "unknown to gdb")
         for key, variables in known.items():
             if delivered[key] != 1 and not is_discarded(key[0]) and not all(has_no_data_symbol(variable, self._symbol_names, self._facts)
@@ -550,8 +472,8 @@ class Comparison:
         self._compare_variable_scope(item, variables)
         if is_declared_only(best, self._oracle.types):
             return
-        if is_unspecified_type(item, self._facts):
-            kind = self._dump.objects[item["type"]]
+        if self._facts.is_unspecified(item["name"], item["address"]):
+            kind = self._dump.without_typedefs(item["type"])
             self._expect(item["name"], "type", (kind["kind"], kind.get("basicType")), ("base", VOID))
         else:
             self._compare_later(best["type"], item["type"], item["name"])
@@ -759,11 +681,6 @@ def expected_basic_type(kind, manner):
 
 
 # The check ----------------------------------------------------------------------------------------
-
-
-def is_big_endian(image):
-    start = image.read_bytes()[:6]
-    return start[:4] == b"\x7fELF" and start[5] == 2
 
 
 def dump(image, manner):

@@ -24,6 +24,7 @@ import debug_entries
 import gdb_answers
 import symbols_check
 import windows_images
+from debug_entries import components, is_big_endian, is_discarded, rule
 
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLES = pathlib.Path(os.environ["BRINDLE_SOURCE"], "tests", "samples")
@@ -38,12 +39,6 @@ ELEMENTS = "100000"
 Leaf = collections.namedtuple("Leaf", "address size bit width")
 
 
-def rule(function):
-    """Marks an intended difference between gdb and the reader; its docstring is the reason."""
-    assert function.__doc__
-    return function
-
-
 # What the reader tells otherwise than gdb ---------------------------------------------------------
 
 
@@ -51,17 +46,6 @@ def rule(function):
 def lies_in_virtual_base(variable, path):
     """gdb tells the place of a virtual base for a living object only: plant::sensor.mNumber."""
     return any(leaf[4] == "virtual base" for leaf in variable["leaves"]) and path not in variable["paths"]
-
-
-@rule
-def is_hidden_from_gdb(name, address, facts):
-    """gdb leaves out the static variables of functions that exist as inlined copies only (limited::seen of
-    timers.c), and variables without a name (the anonymous union in a namespace of main.cpp, by gcc); it takes a
-    static member whose declaration tells a value for a constant (Sensor::kLimit). Of variables with one linkage
-    name it keeps the first (word and bytes of that union, by clang), and of a declaration with a value the value
-    (gThreshold of signals.cpp)."""
-    return not name or name in facts.constants or any(facts.shares_linkage_name(entry) or not facts.has_code(entry) or facts.has_constant_declaration(entry)
-               for entry in facts.variables[name, address])
 
 
 @rule
@@ -89,26 +73,6 @@ def is_symbol_of_linker(name):
 
 
 @rule
-def is_discarded(address):
-    """gdb takes the address at which a linker puts what it discards, all ones (spare_words of spare.c, by lld),
-    for one like any other."""
-    return address in (0xFFFFFFFF, 0xFFFFFFFFFFFFFFFF)
-
-
-@rule
-def without_order(path, facts):
-    """gdb turns the indices of an array of Fortran round (grid of plant.f90), since the first one runs fastest;
-    the reader has them in the order of the declaration, and counts in it as C does."""
-    return re.sub(r"(?:\[\d+\]){2,}", "[...]", path) if facts.language.startswith("Fortran") else path
-
-
-@rule
-def has_no_size_in_file(name, address, facts):
-    """Of a type that the compiler doesn't specify (that of nullptr), gdb makes a size up."""
-    return any(facts.is_unspecified(entry) for entry in facts.variables[name, address])
-
-
-@rule
 def comparable_name(name, facts):
     """gdb respells names of Ada: the entry of plant.weight is named plant__weight."""
     last = last_component(name)
@@ -127,20 +91,6 @@ def storage_size(size, offset, width):
 # Names and addresses ------------------------------------------------------------------------------
 
 
-def components(name):
-    """The parts of a qualified name; colons within brackets don't part."""
-    parts, depth, start = [], 0, 0
-    for place, character in enumerate(name):
-        if character in "<({":
-            depth += 1
-        elif character in ">)}":
-            depth -= 1
-        elif depth == 0 and name.startswith("::", place):
-            parts.append(name[start:place])
-            start = place + 2
-    return parts + [name[start:]]
-
-
 def last_component(name):
     last = re.sub(r"\[abi:\w+\]$", "", components(name)[-1])
     return last if last.startswith("<") else last.split("<", 1)[0]
@@ -149,55 +99,23 @@ def last_component(name):
 # What the debug entries say -----------------------------------------------------------------------
 
 
-class Facts:
+class Facts(debug_entries.VariableFacts):
     """What gdb doesn't tell."""
 
     def __init__(self, image, tree):
-        self._tree = tree
         languages = [entry.attributes["DW_AT_language"] for entry in tree.entries
                      if "DW_AT_language" in entry.attributes]
         self.language = languages[0].partition("(")[2].title() if languages else ""
         self.has_split_classes = any(
             entry.tag in ("DW_TAG_class_type", "DW_TAG_structure_type") and not entry.name()
             and "DW_AT_specification" in entry.attributes for entry in tree.entries)
-        self.constants = {entry.name() for entry in tree.entries
-                          if entry.tag == "DW_TAG_variable" and "DW_AT_const_value" in entry.attributes
-                          and entry.linkage_name() is not None}
-        self._linkage_names = collections.Counter(entry.linkage_name() for entry in tree.entries
-                                                  if "DW_AT_location" in entry.attributes)
-        self.variables = collections.defaultdict(list)
-        for entry in tree.entries:
-            if entry.tag == "DW_TAG_variable" and (address := entry.address(image)) is not None:
-                name = tree.origin(entry).name()
-                if name:
-                    address = windows_images.whole_delivered_address(image, address)
-                    self.variables[comparable_name(name, self), address].append(entry)
+        super().__init__(image, tree, windows_images.whole_delivered_address)
 
-    def has_code(self, entry):
-        """Whether the function around an entry has code of its own; also true without a function."""
-        while entry is not None and entry.tag != "DW_TAG_subprogram":
-            entry = entry.parent
-        return entry is None or bool({"DW_AT_low_pc", "DW_AT_ranges"} & set(entry.attributes))
-
-    def has_constant_declaration(self, entry):
-        return "DW_AT_const_value" in self._tree.origin(entry).attributes
-
-    def shares_linkage_name(self, entry):
-        return entry.linkage_name() is not None and self._linkage_names[entry.linkage_name()] > 1
-
-    def is_unspecified(self, entry):
-        kind = self._tree.target(self._tree.origin(entry), "DW_AT_type")
-        while kind is not None and kind.tag in ("DW_TAG_typedef", "DW_TAG_const_type", "DW_TAG_volatile_type"):
-            kind = self._tree.target(kind, "DW_AT_type")
-        return kind is not None and kind.tag == "DW_TAG_unspecified_type"
+    def name_of(self, entry):
+        return comparable_name(super().name_of(entry) or "", self)
 
 
 # The two sides ------------------------------------------------------------------------------------
-
-
-def is_big_endian(image):
-    start = image.read_bytes()[:6]
-    return start[:4] == b"\x7fELF" and start[5] == 2
 
 
 def ask_gdb(image, tree, facts):
@@ -289,7 +207,7 @@ def compare(image):
         differences += variable.faults
         if key in known:
             compared += compare_leaves(variable, known[key], key, facts, differences)
-        elif not is_hidden_from_gdb(*key, facts):
+        elif not facts.is_hidden_from_gdb(*key):
             differences.append(f"{variable.qualified_name} at {variable.address:#x}: unknown to gdb")
     for (name, address), candidates in known.items():
         if delivered[name, address] != 1 and not is_symbol_of_linker(name) and not is_discarded(address):
@@ -306,12 +224,12 @@ def compare_leaves(variable, candidates, key, facts, differences):
         return 0
     for path, bits, size, width, kind, _ in best["leaves"]:
         if kind != "virtual base":
-            size = 0 if has_no_size_in_file(*key, facts) else size
+            size = 0 if facts.is_unspecified(*key) else size
             place = f"bits {bits}:{width}" if width else f"{variable.address + bits // 8:#x}, {size} bytes"
-            expected[without_order(path, facts)].append(place)
+            expected[path].append(place)
     for path, leaf in variable.leaves.items():
         place = f"bits {leaf.bit}:{leaf.width}" if leaf.width else f"{leaf.address:#x}, {leaf.size} bytes"
-        found[without_order(path, facts)].append(place)
+        found[path].append(place)
     for path in sorted(expected.keys() | found.keys()):
         if sorted(expected[path]) != sorted(found[path]) and not lies_in_virtual_base(best, path) \
                 and not lies_in_split_class(path, variable, facts):
