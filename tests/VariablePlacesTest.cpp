@@ -171,6 +171,24 @@ TEST_F(VariablePlacesTest, StaticVariablesWithoutLocationTakeNoPlaceOfOthers) {
                 UnorderedElementsAre("count@100:4", "taken@200:4", "twice@300:8", "twice@400:8"));
 }
 
+// Each variable is of "unit.c", and optimized away there or not told where it lies.
+TEST_F(VariablePlacesTest, StaticVariablesTakeSymbolsOfTheirOwnFileOnly) {
+    const auto image = [this](const std::vector<ElfSymbol>& symbols) {
+        ElfImage elf;
+        for (const ElfSymbol& symbol : symbols) {
+            elf.Symbol(symbol);
+        }
+        return Full(elf + Sections({Variable("count", {})}));
+    };
+    const ElfSymbol count{"count", 0x100, sSymbolSize, sLocalObject};
+    const ElfSymbol ownFile{"/src/unit.c", 0, 0, sSourceFile, 0, 0xFFF1};
+    const ElfSymbol otherFile{"other.c", 0, 0, sSourceFile, 0, 0xFFF1};
+    EXPECT_THAT(image({count}), ElementsAre("count@100:4"));
+    EXPECT_THAT(image({otherFile, ownFile, count}), ElementsAre("count@100:4"));
+    EXPECT_THAT(image({ownFile, otherFile, count}), ElementsAre("count@100:8"));
+    EXPECT_THAT(image({ownFile, {"count", 0x100, sSymbolSize}}), ElementsAre("count@100:8"));
+}
+
 TEST_F(VariablePlacesTest, DefinitionComesBeforeTheDeclarationInAFunction) {
     const ElfImage image = ElfImage().Symbol({"shared", 0x100, sSymbolSize}) +
                            Sections({Die(DW_TAG_subprogram, {Name("f")}, {Declared("shared")}),

@@ -72,9 +72,10 @@ struct Elf32_Sym {
     static constexpr std::uint16_t kCommon = 0xFFF2;
 };
 
-/// Symbol types (`STT_NOTYPE`, `STT_OBJECT`).
+/// Symbol types (`STT_NOTYPE`, `STT_OBJECT`, `STT_FILE`).
 constexpr std::uint8_t sSymbolTypeNone = 0;
 constexpr std::uint8_t sSymbolTypeObject = 1;
+constexpr std::uint8_t sSymbolTypeFile = 4;
 
 /// Type of files that aren't linked yet (`ET_REL`).
 constexpr std::uint16_t sElfTypeRelocatable = 1;

@@ -51,8 +51,12 @@ bool IsFullAddressMapSymbol(const Elf32_Sym& symbol) {
     return IsDataByOption(symbol) && symbol.IsDefined();
 }
 
-/// Symbols of linker scripts and of assembler files often have no type.
+/// Symbols of linker scripts and of assembler files often have no type. Those of source files tell
+/// whose the local ones behind them are.
 bool IsFullNamesMapSymbol(const Elf32_Sym& symbol) {
+    if (symbol.Type() == sSymbolTypeFile) {
+        return true;
+    }
     const bool isUntyped = symbol.Type() == sSymbolTypeNone && !symbol.IsLocal();
     return (IsDataByOption(symbol) || isUntyped) && symbol.IsDefined();
 }

@@ -26,8 +26,15 @@ void VElfSymbolNamesMap::AddSymbol(const Elf32_Sym& symbol) {
 }
 
 void VElfSymbolNamesMap::AddFarthestKnown(const Elf32_Sym& symbol) {
+    if (symbol.Type() == sSymbolTypeFile) {
+        mSourceFile = symbol.name;
+        return;
+    }
     const std::string name(WithoutVersion(CutSymbolName(symbol.name, mLongNames)));
-    const VElfSymbolAddress address{symbol.st_value & AddressBits(mManner), ReachOf(symbol)};
+    VElfSymbolAddress address{symbol.st_value & AddressBits(mManner), ReachOf(symbol)};
+    if (address.mReach == SymbolReach::File) {
+        address.mSourceFile = mSourceFile;
+    }
     FileFarthestKnown(name.c_str(), address);
     if (const DemangledSymbolName readable(name); readable.IsModified()) {
         FileFarthestKnown(readable.GetName(), address);
@@ -56,6 +63,7 @@ void VElfSymbolNamesMap::AddLatest(const Elf32_Sym& symbol) {
 void VElfSymbolNamesMap::Clear() {
     mAddressesByName.RemoveAll();
     mAddresses.clear();
+    mSourceFile = nullptr;
 }
 
 const VElfSymbolAddress* VElfSymbolNamesMap::FindByName(const char* name) const {

@@ -28,10 +28,14 @@ struct VElfSymbolAddress {
     SymbolReach mReach = SymbolReach::All;
     /// Several symbols of this name and reach lie at different addresses.
     bool mIsAmbiguous = false;
+    /// Source file of a symbol that only its own file knows; null if the table doesn't tell it.
+    /// Points into the string table buffer.
+    const char* mSourceFile = nullptr;
 };
 
 /// Symbol addresses by name. In the classic manner the last symbol of a name wins; in the full one
-/// that which is known farthest, and the name gives no address if there are several.
+/// that which is known farthest, and the name gives no address if there are several. There, symbols
+/// of source files are no addresses, but the files of the local symbols behind them.
 class VElfSymbolNamesMap final : public IElfSymbolMap {
 public:
     explicit VElfSymbolNamesMap(ReadingManner manner = ReadingManner::Classic)
@@ -61,6 +65,8 @@ private:
     ReadingManner mManner;
     VMapStringToPtr mAddressesByName{10};
     LongTextAllowance mLongNames;
+    /// Source file of the local symbols that come next.
+    const char* mSourceFile = nullptr;
     bool mIsInitialized = false;
     // Records of names that came again stay here unreachable until the map is emptied.
     std::deque<VElfSymbolAddress> mAddresses;

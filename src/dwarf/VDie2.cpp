@@ -6,6 +6,7 @@
 #include "core/CutText.h"
 #include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "dwarf/UnitName.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
@@ -21,7 +22,6 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 constexpr std::size_t sMaximumProducerLength = 1024;
-constexpr std::size_t sMaximumUnitNameLength = 79;
 /// From this version on, references to entries of other units are as wide as offsets (DWARF 3,
 /// 7.5.4).
 constexpr std::int32_t sVersionOfOffsetReferences = 3;
@@ -372,13 +372,7 @@ void VDie2::StoreName(const char* name) {
 }
 
 void VDie2::ShortenUnitName() {
-    const std::string_view path = mName.Get();
-    // Without a separator, npos + 1 is the start of the text.
-    std::string_view last = path.substr(path.find_last_of("/\\") + 1);
-    last.remove_prefix(last.size() - std::min(last.size(), sMaximumUnitNameLength));
-    std::string name(last);
-    std::ranges::replace(name, '.', '_');
-    mName = {mSection->mArena.KeepText(name)};
+    mName = {mSection->mArena.KeepText(ShortUnitName(mName.Get()))};
 }
 
 void VDie2::StoreProducer(const char* producer) {

@@ -3,7 +3,8 @@
 //   extern int total;          declared external: the symbol `total` that all files know
 //   int f(void) { int n; }     a local without location, optimized away: no static variable
 //   static int count;          optimized away, or of a compiler that tells no locations here: the
-//                              symbol `count`, unless another variable of that name has a place
+//                              symbol `count` of its own file, unless another variable of that name
+//                              has a place
 //
 // A wrong address is worse than none. So a name without linkage name counts with its scope, and a
 // symbol that only its own file knows serves no declaration of another one.
@@ -11,6 +12,7 @@
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
 #include "diagnostics/ElfLog.h"
+#include "dwarf/UnitName.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "emit/VariableNames.h"
@@ -69,6 +71,31 @@ std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name)
     return qualifiedName;
 }
 
+/// The name of a variable's unit; empty if it has none.
+std::string_view UnitNameOf(const VDebugInfoNode& variable) {
+    const VDebugInfoNode* node = &variable;
+    for (int link = 0; link < sMaximumChainLength && node != nullptr; ++link) {
+        if (node->GetTag() == DW_TAG_compile_unit) {
+            return node->GetName();
+        }
+        node = node->GetParent();
+    }
+    return {};
+}
+
+/// True if the variable may be the one that the symbol names.
+bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
+               const VariableNames& names) {
+    if (names.isExternal) {
+        return symbol.mReach > SymbolReach::File;
+    }
+    if (symbol.mReach > SymbolReach::File) {
+        return variable.IsDeclaration();
+    }
+    return symbol.mSourceFile == nullptr ||
+           ShortUnitName(symbol.mSourceFile) == UnitNameOf(variable);
+}
+
 class DeclaredVariables {
 public:
     explicit DeclaredVariables(VDwarf2Section& section)
@@ -110,9 +137,7 @@ private:
         const std::string name = !names.linkageName.empty() ? std::string(names.linkageName)
                                                             : QualifiedName(variable, names.name);
         const VElfSymbolAddress* symbol = !name.empty() ? mFile.FindSymbolByName(name) : nullptr;
-        const bool isKnown =
-            symbol != nullptr && (!names.isExternal || symbol->mReach > SymbolReach::File);
-        return isKnown ? symbol : nullptr;
+        return symbol != nullptr && IsKnownTo(*symbol, variable, names) ? symbol : nullptr;
     }
 
     void Log(const VDebugInfoNode& variable, const char* outcome) {

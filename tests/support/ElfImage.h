@@ -17,6 +17,7 @@ enum class ElfClass { Class32, Class64 };
 constexpr std::uint8_t sNoType = 0;
 constexpr std::uint8_t sObject = 1;
 constexpr std::uint8_t sFunction = 2;
+constexpr std::uint8_t sSourceFile = 4;
 constexpr std::uint8_t sLocalObject = sObject;
 constexpr std::uint8_t sGlobalObject = 0x10 | sObject;
 constexpr std::uint8_t sGlobalNoType = 0x10 | sNoType;
