@@ -344,6 +344,130 @@ TEST_F(FullTreeTest, ABitFieldOfAUnionHasItsBits) {
     EXPECT_THAT(Leaves(sections, false), ElementsAre("v.f@0 4", "v.whole@0 4"));
 }
 
+DieAttribute Stride(std::uint32_t attribute, std::uint64_t value) {
+    return Number(attribute, DW_FORM_data1, value);
+}
+
+// Arrays of 2 bytes an element; a place that only a running program knows is a block.
+TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
+    const DieAttribute computedStride = Block(DW_AT_byte_stride, DW_FORM_exprloc, "\x97\x06");
+    const DieAttribute computedLow = Block(DW_AT_lower_bound, DW_FORM_exprloc, "\x97\x06");
+    const DieAttribute elsewhere = Block(DW_AT_data_location, DW_FORM_exprloc, "\x97\x06");
+    using Bounds = std::vector<std::vector<DieAttribute>>;
+    const struct {
+        const char* what;
+        std::vector<DieAttribute> array;
+        Bounds bounds;
+        const char* full;
+        const char* classic;
+    } cases[] = {
+        {"plain", {}, {{Count(3)}, {Count(5)}}, "uint16[3][5]", "uint16[3][5]"},
+        {"packed", {Stride(DW_AT_bit_stride, 3)}, {{Count(10)}}, "unknown(4)", "uint16[10]"},
+        {"packed by its dimension",
+         {ByteSize(3)},
+         {{Count(10), Stride(DW_AT_bit_stride, 2)}},
+         "unknown(3)",
+         "uint16[10]"},
+        {"apart", {Stride(DW_AT_byte_stride, 8)}, {{Count(3)}}, "unknown(24)", "uint16[3]"},
+        {"rows apart",
+         {},
+         {{Count(3), Stride(DW_AT_byte_stride, 16)}, {Count(5)}},
+         "unknown(48)",
+         "uint16[3][5]"},
+        {"strides of the elements' own size",
+         {Stride(DW_AT_bit_stride, 16)},
+         {{Count(3), Stride(DW_AT_byte_stride, 10)}, {Count(5)}},
+         "uint16[3][5]",
+         "uint16[3][5]"},
+        {"computed stride", {computedStride}, {{Count(3)}}, "unknown(6)", "uint16[3]"},
+        {"elsewhere", {elsewhere}, {{Count(3)}}, "unknown(6)", "uint16[3]"},
+        {"computed first index", {}, {{computedLow, UpperBound(9)}}, "uint16[]", "uint16[]"},
+        {"first index of the first kind",
+         {Number(DW_AT_ordering, DW_FORM_data1, DW_ORD_col_major)},
+         {{Count(3)}, {Count(5)}},
+         "uint16[5][3]",
+         "uint16[3][5]"},
+    };
+    for (const auto& example : cases) {
+        const DieLabel number;
+        const DieLabel array;
+        std::vector<DieAttribute> attributes = example.array;
+        attributes.push_back(Type(number));
+        std::vector<Die> subranges;
+        for (const std::vector<DieAttribute>& bounds : example.bounds) {
+            subranges.emplace_back(DW_TAG_subrange_type, bounds);
+        }
+        const DwarfSections sections =
+            Unit({UInt(number, 2), Variable("v", array),
+                  Die(array, DW_TAG_array_type, attributes, std::move(subranges))});
+        EXPECT_THAT(ScopedVariables(Read(sections, true)),
+                    ElementsAre("::v@4096 " + std::string(example.full)))
+            << example.what;
+        EXPECT_THAT(ScopedVariables(Read(sections, false)),
+                    ElementsAre("::v@4096 " + std::string(example.classic)))
+            << example.what;
+    }
+}
+
+// A bound that lies in a variable is known at run time only.
+TEST_F(FullTreeTest, AVariableIsNoBound) {
+    const DieLabel number;
+    const DieLabel array;
+    const DieLabel bound;
+    const DwarfSections sections = Unit(
+        {UInt(number, 2), Die(bound, DW_TAG_variable, {Name("last"), Type(number), Address(7)}),
+         Die(array, DW_TAG_array_type, {Type(number)},
+             {Die(DW_TAG_subrange_type, {Reference(DW_AT_upper_bound, DW_FORM_ref4, bound)})}),
+         Variable("v", array)});
+    EXPECT_THAT(ScopedVariables(Read(sections, true)),
+                testing::Contains(std::string("::v@4096 uint16[]")));
+    EXPECT_THAT(ScopedVariables(Read(sections, false)),
+                testing::Contains(std::string("::v@4096 uint16[8]")));
+}
+
+// In a structure of the other byte order. Its bits count from the other end of each byte.
+TEST_F(FullTreeTest, OtherByteOrdersAreTheirBytes) {
+    const auto leaves = [](ByteOrder order, std::uint64_t endianity, bool isFull) {
+        const DieLabel word;
+        const DieLabel byte;
+        const DieLabel structure;
+        const auto base = [&](DieLabel label, std::uint64_t size) {
+            return Die(label, DW_TAG_base_type,
+                       {Name("u"), ByteSize(size), Encoding(DW_ATE_unsigned),
+                        Number(DW_AT_endianity, DW_FORM_data1, endianity)});
+        };
+        const auto field = [&](const char* name, DieLabel type, std::uint64_t first,
+                               std::uint64_t count) {
+            return Die(DW_TAG_member,
+                       {Name(name), Type(type), BitSize(count), DataBitOffset(first)});
+        };
+        const DwarfSections sections = DwarfSections(order).Unit(
+            {.entries = {UnitDie(
+                 "a.c", {base(word, 4), base(byte, 1), Variable("v", structure),
+                         Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(12)},
+                             {Member("word", word, 0), Member("byte", byte, 4),
+                              field("inByte", word, 64, 3), field("acrossBytes", word, 67, 11)})})},
+             .version = 5});
+        const ReadRun run = Read(sections, isFull, ElfImage(ElfClass::Class32, order));
+        Lines found = Leaves(run);
+        for (std::string& leaf : found) {
+            const std::string path = leaf.substr(0, leaf.find('@'));
+            leaf += ' ' + run.model->TypeText(run.model->ResolvePath(path).place.type);
+        }
+        return found;
+    };
+    const Lines own = {"v.word@0 4 uint32", "v.byte@4 1 uint8", "v.inByte@8 4:0+3 uint32",
+                       "v.acrossBytes@8 4:3+11 uint32"};
+    EXPECT_EQ(leaves(ByteOrder::Little, DW_END_little, true), own);
+    EXPECT_EQ(leaves(ByteOrder::Little, DW_END_default, true), own);
+    EXPECT_THAT(leaves(ByteOrder::Little, DW_END_big, true),
+                ElementsAre("v.word@0 4 unknown(4)", "v.byte@4 1 uint8",
+                            "v.inByte@8 4:5+3 unknown(4)", "v.acrossBytes@8 2 unknown(2)"));
+    EXPECT_THAT(leaves(ByteOrder::Big, DW_END_little, true),
+                ElementsAre("v.word@0 4 unknown(4)", "v.byte@4 1 uint8",
+                            "v.inByte@8 4:24+3 unknown(4)", "v.acrossBytes@8 2 unknown(2)"));
+}
+
 TEST_F(FullTreeTest, BaseTypesOfOtherKindsAndSizesAreWhatTheyAre) {
     const struct {
         const char* name;

@@ -165,6 +165,11 @@ constexpr auto sFullTargets = [] {
     targets[DW_AT_language] = AttributeTarget::Language;
     targets[DW_AT_abstract_origin] = AttributeTarget::AbstractOrigin;
     targets[DW_AT_data_bit_offset] = AttributeTarget::DataBitOffset;
+    targets[DW_AT_endianity] = AttributeTarget::Endianity;
+    targets[DW_AT_ordering] = AttributeTarget::Ordering;
+    targets[DW_AT_bit_stride] = AttributeTarget::BitStride;
+    targets[DW_AT_byte_stride] = AttributeTarget::ByteStride;
+    targets[DW_AT_data_location] = AttributeTarget::ComputedPlace;
     targets[DW_AT_dwo_name] = AttributeTarget::SplitFile;
     targets[DW_AT_str_offsets_base] = AttributeTarget::TextOffsetsBase;
     targets[DW_AT_addr_base] = AttributeTarget::AddressesBase;
@@ -177,6 +182,43 @@ constexpr auto sFullVendorTargets = std::to_array<VendorTarget>({
     {DW_AT_GNU_dwo_name, AttributeTarget::SplitFile},
     {DW_AT_GNU_addr_base, AttributeTarget::AddressesBase},
 });
+
+/// What counts to lay out an array, and may be computed at run time.
+constexpr bool IsOfArrayLayout(AttributeTarget target) {
+    switch (target) {
+    case AttributeTarget::LowerBound:
+    case AttributeTarget::UpperBound:
+    case AttributeTarget::Count:
+    case AttributeTarget::BitStride:
+    case AttributeTarget::ByteStride:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// True if the value is none in the file: an expression, a list of them, or, where a number is
+/// wanted for an array, a variable that has it.
+constexpr bool IsComputed(AttributeTarget target, FormProperties properties) {
+    return IsBlock(properties.reading) ||
+           (IsOfArrayLayout(target) && (properties.value == FormValue::Reference ||
+                                        properties.reading == FormReading::Offset ||
+                                        properties.reading == FormReading::LocationListIndex));
+}
+
+/// What a computed value says to a target: mostly nothing.
+constexpr AttributeTarget IfComputed(AttributeTarget target) {
+    switch (target) {
+    case AttributeTarget::LowerBound:
+        return AttributeTarget::ComputedLowerBound;
+    case AttributeTarget::BitStride:
+    case AttributeTarget::ByteStride:
+    case AttributeTarget::ComputedPlace:
+        return AttributeTarget::ComputedPlace;
+    default:
+        return AttributeTarget::None;
+    }
+}
 
 /// Kinds of unit that count as compile units.
 constexpr auto sFullTagAliases = std::to_array<TagAlias>({
@@ -241,8 +283,13 @@ AttributeTarget DieForms::TargetOf(AttributeTarget target, std::uint32_t form) c
     const FormProperties properties = PropertiesOf(form);
     const bool isLocation =
         target == AttributeTarget::Location || target == AttributeTarget::MemberLocation;
-    const bool isTaken = !IsBlock(properties.reading) || isLocation || mTakesBlocksAsNumbers;
-    return properties.value != FormValue::Absent && isTaken ? target : AttributeTarget::None;
+    if (properties.value == FormValue::Absent) {
+        return AttributeTarget::None;
+    }
+    if (isLocation || mTakesAllAsNumbers || !IsComputed(target, properties)) {
+        return target;
+    }
+    return IfComputed(target);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -140,6 +140,15 @@ enum class AttributeTarget : std::uint8_t {
     DataBitOffset,
     Import,
     Signature,
+    Endianity,
+    // Of arrays and their dimensions.
+    Ordering,
+    BitStride,
+    ByteStride,
+    /// Where the elements lie is computed at run time.
+    ComputedPlace,
+    /// There is a lower bound, but it's computed at run time.
+    ComputedLowerBound,
     // Of units, see `VUnitFacts`.
     Language,
     SplitFile,
@@ -177,13 +186,13 @@ private:
                        std::span<const FormProperties> vendorForms,
                        std::span<const AttributeTarget> targets,
                        std::span<const VendorTarget> vendorTargets,
-                       std::span<const TagAlias> tagAliases, bool takesBlocksAsNumbers)
+                       std::span<const TagAlias> tagAliases, bool takesAllAsNumbers)
         : mForms(forms)
         , mVendorForms(vendorForms)
         , mTargets(targets)
         , mVendorTargets(vendorTargets)
         , mTagAliases(tagAliases)
-        , mTakesBlocksAsNumbers(takesBlocksAsNumbers) {}
+        , mTakesAllAsNumbers(takesAllAsNumbers) {}
 
     [[nodiscard]] FormProperties PropertiesOf(std::uint32_t form) const;
 
@@ -195,7 +204,8 @@ private:
     std::span<const AttributeTarget> mTargets;
     std::span<const VendorTarget> mVendorTargets;
     std::span<const TagAlias> mTagAliases;
-    bool mTakesBlocksAsNumbers;
+    /// Where a number is wanted, blocks and references count as one.
+    bool mTakesAllAsNumbers;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -47,6 +47,7 @@ void VDie2::StoreUnitFact(AttributeTarget target, const VDieFormValue& value) {
         break;
     case AttributeTarget::Language:
         facts.mDefaultLowerBound = DefaultLowerBound(value.mNumber);
+        facts.mIsColumnMajor = IsColumnMajorLanguage(value.mNumber);
         break;
     default:
         break;
@@ -56,6 +57,12 @@ void VDie2::StoreUnitFact(AttributeTarget target, const VDieFormValue& value) {
 VAttributeValue VDie2::DefaultLowerBoundOfUnit() const {
     const std::uint32_t bound = mUnitReader->mFacts.mDefaultLowerBound;
     return bound != 0 ? VAttributeValue::Integer(bound) : VAttributeValue();
+}
+
+bool VDie2::IsColumnMajor() const {
+    return mHasRareAttributes && mRareAttributes.mOrdering
+               ? *mRareAttributes.mOrdering == DW_ORD_col_major
+               : mUnitReader->mFacts.mIsColumnMajor;
 }
 
 std::uint32_t VDie2::ReadIndex(FormReading reading) {

@@ -112,6 +112,7 @@ constexpr bool IsGroupedType(dwarf_tag tag) {
 enum : std::uint32_t {
     DW_AT_location = 0x02,
     DW_AT_name = 0x03,
+    DW_AT_ordering = 0x09,
     DW_AT_byte_size = 0x0b,
     DW_AT_bit_offset = 0x0c,
     DW_AT_bit_size = 0x0d,
@@ -121,6 +122,7 @@ enum : std::uint32_t {
     DW_AT_const_value = 0x1c,
     DW_AT_lower_bound = 0x22,
     DW_AT_producer = 0x25,
+    DW_AT_bit_stride = 0x2e,
     DW_AT_upper_bound = 0x2f,
     DW_AT_abstract_origin = 0x31,
     DW_AT_accessibility = 0x32,
@@ -131,6 +133,9 @@ enum : std::uint32_t {
     DW_AT_external = 0x3f,
     DW_AT_specification = 0x47,
     DW_AT_type = 0x49,
+    DW_AT_data_location = 0x50,
+    DW_AT_byte_stride = 0x51,
+    DW_AT_endianity = 0x65,
     DW_AT_signature = 0x69,
     DW_AT_data_bit_offset = 0x6b,
     DW_AT_linkage_name = 0x6e,
@@ -215,6 +220,19 @@ enum : std::uint8_t {
     DW_OP_constx = 0xa2,
     DW_OP_GNU_addr_index = 0xfb,
     DW_OP_GNU_const_index = 0xfc,
+};
+
+/// Values of the ordering attribute.
+enum : std::uint32_t {
+    DW_ORD_row_major = 0,
+    DW_ORD_col_major = 1,
+};
+
+/// Values of the endianity attribute.
+enum : std::uint32_t {
+    DW_END_default = 0,
+    DW_END_big = 1,
+    DW_END_little = 2,
 };
 
 /// Encodings that the reader itself looks at.

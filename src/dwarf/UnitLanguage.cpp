@@ -28,10 +28,23 @@ constexpr auto sLanguagesFromOne = std::to_array<std::uint32_t>({
     0x2f, // Ada 2012
 });
 
+constexpr auto sColumnMajorLanguages = std::to_array<std::uint32_t>({
+    0x07, // Fortran 77
+    0x08, // Fortran 90
+    0x0e, // Fortran 95
+    0x22, // Fortran 2003
+    0x23, // Fortran 2008
+    0x2d, // Fortran 2018
+});
+
 } // namespace
 
 std::uint32_t DefaultLowerBound(std::uint32_t language) {
     return std::ranges::binary_search(sLanguagesFromOne, language) ? 1 : 0;
+}
+
+bool IsColumnMajorLanguage(std::uint32_t language) {
+    return std::ranges::binary_search(sColumnMajorLanguages, language);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

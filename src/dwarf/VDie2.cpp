@@ -15,7 +15,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <string>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -323,6 +322,33 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
         mHasLinkageName = true;
         mLinkageName =
             value.mString != nullptr ? mSection->AllowText(value.mString, sNoLimit) : VDieText{};
+        break;
+    default:
+        StoreLayoutAttribute(attribute.mAttribute, value.mNumber);
+        break;
+    }
+}
+
+void VDie2::StoreLayoutAttribute(AttributeTarget target, std::uint32_t value) {
+    switch (target) {
+    case AttributeTarget::Endianity:
+        mHasOtherByteOrder =
+            value != DW_END_default && (value == DW_END_big) != mSection->mElfFile->mIsMSBData;
+        break;
+    case AttributeTarget::Ordering:
+        Rare().mOrdering = value;
+        break;
+    case AttributeTarget::BitStride:
+        Rare().mStrideInBits = value;
+        break;
+    case AttributeTarget::ByteStride:
+        Rare().mStrideInBits = std::uint64_t{value} * (mBuffer->IsWordAddressedTarget() ? 16 : 8);
+        break;
+    case AttributeTarget::ComputedPlace:
+        Rare().mHasComputedPlace = true;
+        break;
+    case AttributeTarget::ComputedLowerBound:
+        Rare().mHasComputedLowerBound = true;
         break;
     default:
         break;

@@ -8,6 +8,7 @@
 #include "dwarf/VAttributeValue.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -63,6 +64,8 @@ struct VDieAttributes {
     bool mHasBitOffset = false;
     /// The bit offset counts from the start of the structure.
     bool mHasDataBitOffset = false;
+    /// Of a type whose bytes lie in the order that the target doesn't have.
+    bool mHasOtherByteOrder = false;
     bool mHasRareAttributes = false;
 };
 
@@ -75,6 +78,12 @@ struct VRareDieAttributes {
     VAttributeValue mUpperBound;
     VAttributeValue mLowerBound;
     VAttributeValue mConstValue;
+    /// Value of the ordering attribute, if there is one.
+    std::optional<std::uint32_t> mOrdering;
+    /// From one element to the next, in bits; 0 if that isn't told.
+    std::uint64_t mStrideInBits = 0;
+    bool mHasComputedPlace = false;
+    bool mHasComputedLowerBound = false;
     /// Section offset of the type that the entry stands for, 0 if it stands for itself.
     std::uint32_t mSignatureType = 0;
 };
@@ -104,6 +113,8 @@ public:
 
     /// Lower bound of arrays that tell none, where it isn't 0.
     [[nodiscard]] VAttributeValue DefaultLowerBoundOfUnit() const;
+    /// True for an array whose first index runs fastest in memory.
+    [[nodiscard]] bool IsColumnMajor() const;
     [[nodiscard]] const VRareDieAttributes& GetRareAttributes() const { return mRareAttributes; }
 
 private:
@@ -137,6 +148,8 @@ private:
         return mRareAttributes;
     }
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
+    /// What few types and arrays say of their layout.
+    void StoreLayoutAttribute(AttributeTarget target, std::uint32_t value);
     /// The origin of an instance says what a specification says.
     void StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin);
     void StoreImport(const TDieAttribute& attribute, std::uint32_t value);

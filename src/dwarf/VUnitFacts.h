@@ -19,6 +19,8 @@ struct VUnitFacts {
     bool mIsSplit = false;
     /// Lower bound of arrays that tell none.
     std::uint32_t mDefaultLowerBound = 0;
+    /// Of arrays that don't say otherwise, the first index runs fastest in memory.
+    bool mIsColumnMajor = false;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -68,13 +68,15 @@ public:
                                             Widened(mNode.GetByteSize()), mInputs.scope);
     }
 
-    /// A base type whose value fits its size; of a kind that the contract lacks an unknown type.
+    /// A base type whose value fits its size; of a kind that the contract lacks, or of a byte order
+    /// that it can't tell, an unknown type.
     ObjectId CreateBaseTypeOfItsSize(std::uint32_t encoding) {
         const std::optional<BasicType> code =
             BasicTypeOfItsSize(encoding, UnsignedSize(), mNode.GetName());
-        return code ? mFactory.CreateBaseEntryType(*code, Widened(mNode.GetByteSize()),
-                                                   mInputs.scope)
-                    : GetOrCreateUnknownType();
+        const bool hasOtherOrder = mNode.HasOtherByteOrder() && mNode.GetByteSize() > 1;
+        return code && !hasOtherOrder ? mFactory.CreateBaseEntryType(
+                                            *code, Widened(mNode.GetByteSize()), mInputs.scope)
+                                      : GetOrCreateUnknownType();
     }
 
     /// A range of a type that is a type of its own. Where it takes other bytes than that type, its
@@ -134,18 +136,31 @@ public:
         return object;
     }
 
-    ObjectId CreateMember() {
+    ObjectId CreateMember() { return CreateMember(mInputs.type); }
+
+    ObjectId CreateMember(ObjectId type) {
         const std::string_view name = Name();
         const VDebugInfoNode* parent = mNode.GetParent();
         if (parent != nullptr && parent->GetTag() == DW_TAG_union_type) {
-            return mFactory.CreateUnionMemberData(name, mInputs.type, mInputs.scope,
+            return mFactory.CreateUnionMemberData(name, type, mInputs.scope,
                                                   mNode.GetMemberOffset(), sNoExtension, false);
         }
         if (mNode.GetBitSize() != 0) {
             return CreateBitField();
         }
-        return mFactory.CreateMemberData(name, mInputs.type, mInputs.scope, mNode.GetMemberOffset(),
+        return mFactory.CreateMemberData(name, type, mInputs.scope, mNode.GetMemberOffset(),
                                          sNoExtension, false);
+    }
+
+    /// The type of a member without bits. What was a bit field before it turned out that no bits
+    /// can be told of it is as many bytes as hold it.
+    ObjectId TypeOfMember() {
+        const bool wasBitField = mNode.GetBitNumbering() != BitNumbering::Unsaid;
+        const VDebugInfoNode* type = wasBitField ? mNode.GetPlainTypeNode() : nullptr;
+        return type != nullptr && type->HasOtherByteOrder() &&
+                       type->GetByteSize() != mNode.GetByteSize()
+                   ? GetOrCreateUnknownType()
+                   : mInputs.type;
     }
 
     ObjectId CreateBitField() {
@@ -190,6 +205,9 @@ public:
     }
 
     ObjectId CreateArray() {
+        if (mNode.GetByteSize() > 0 && mNode.AsArrayNode()->HasScatteredElements()) {
+            return GetOrCreateUnknownType();
+        }
         return mFactory.CreateArrayEntryType(mNode.AsArrayNode()->GetDimensions(), mInputs.type,
                                              Widened(mNode.GetByteSize()), mInputs.scope);
     }
@@ -353,7 +371,8 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
         id = object.CreateBaseTypeOfItsSize(node.GetEncoding());
         return true;
     case DW_TAG_member:
-        id = node.GetBitSize() != 0 ? object.CreateBitField() : object.CreateMember();
+        id = node.GetBitSize() != 0 ? object.CreateBitField()
+                                    : object.CreateMember(object.TypeOfMember());
         return true;
     default:
         return CreateClassicObject(node, emission, inputs, id, alreadyRegistered);

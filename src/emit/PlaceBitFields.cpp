@@ -59,7 +59,13 @@ public:
             type != nullptr ? type->GetResolvedByteSize(isAddressSize) : 0;
         const BitRange bits = BitsOf(member, namedSize);
         const std::int64_t storageSize = typeSize > 0 ? typeSize : namedSize;
-        if (bits.first >= 0 && storageSize > 0) {
+        if (bits.first < 0 || storageSize <= 0) {
+            return;
+        }
+        const VDebugInfoNode* plainType = member.GetPlainTypeNode();
+        if (plainType != nullptr && plainType->HasOtherByteOrder()) {
+            PlaceInOtherOrder(member, bits, storageSize);
+        } else {
             PlaceIn(member, bits, storageSize);
         }
     }
@@ -86,6 +92,24 @@ private:
         const bool isOldStyle =
             member.GetCompileUnitHeader()->mDwarfVersion < sVersionOfStructureOffsets;
         return numbering == BitNumbering::Unsaid && isOldStyle ? BitNumbering::Storage : numbering;
+    }
+
+    /// A field of the other byte order counts its bits from the other end of each byte. Where it
+    /// crosses bytes, its bits don't lie side by side in the order of the target: then it becomes a
+    /// member of as many bytes as hold it.
+    void PlaceInOtherOrder(VDebugInfoNode& member, const BitRange& bits,
+                           std::int64_t storageSize) const {
+        const std::int64_t firstByte = bits.first / sBitsPerByte;
+        const std::int64_t firstBit = bits.first % sBitsPerByte;
+        const std::int64_t bytes = (firstBit + bits.count + sBitsPerByte - 1) / sBitsPerByte;
+        if (bytes == 1) {
+            const std::int64_t mirrored = sBitsPerByte - firstBit - bits.count;
+            PlaceIn(member, {firstByte * sBitsPerByte + mirrored, bits.count}, storageSize);
+            return;
+        }
+        member.SetMemberOffset(static_cast<std::uint32_t>(firstByte));
+        member.SetByteSize(static_cast<std::int32_t>(bytes));
+        member.SetBitSize(0);
     }
 
     void PlaceIn(VDebugInfoNode& member, const BitRange& bits, std::int64_t storageSize) const {

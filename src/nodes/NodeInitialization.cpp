@@ -61,8 +61,9 @@ VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& sectio
     extras->mAccessibility = static_cast<std::uint32_t>(die.mAccessibility.mValue);
     extras->mAccessibilityKind = KindOf(die.mAccessibility);
     if (HasStorage(die)) {
-        extras->mStorage = section.mArena.Create<VNodeStorage>(VNodeStorage{
-            die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding, NumberingOf(die)});
+        extras->mStorage = section.mArena.Create<VNodeStorage>(
+            VNodeStorage{die.mBitOffset, die.mBitSize, die.mEncoding, die.mHasEncoding,
+                         die.mHasOtherByteOrder, NumberingOf(die)});
     }
     return *extras;
 }
@@ -95,12 +96,29 @@ void VDebugInfoNodeInheritance::InitFromDie(const VDie2& die, VDwarf2Section& se
     mHasMemberOffset = die.mHasMemberLocation;
 }
 
+void VDebugInfoNodeArray::InitFromDie(const VDie2& die, VDwarf2Section& section) {
+    VDebugInfoNode::InitFromDie(die, section);
+    const VRareDieAttributes& attributes = die.GetRareAttributes();
+    mStrideInBits = attributes.mStrideInBits;
+    mHasComputedPlace = attributes.mHasComputedPlace;
+    mHasStrides = mStrideInBits != 0;
+    mIsColumnMajor = die.IsColumnMajor();
+}
+
 void VDebugInfoNodeSubrange::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     VDebugInfoNode::InitFromDie(die, section);
     const VRareDieAttributes& attributes = die.GetRareAttributes();
+    mStrideInBits = attributes.mStrideInBits;
+    mHasComputedPlace = attributes.mHasComputedPlace;
+    VDebugInfoNodeArray* array = GetParent() != nullptr ? GetParent()->AsArrayNode() : nullptr;
+    if (array != nullptr && (mStrideInBits != 0 || mHasComputedPlace)) {
+        array->SetHasStrides();
+    }
     mLowerBound =
         attributes.mLowerBound.IsDefined() ? attributes.mLowerBound : die.DefaultLowerBoundOfUnit();
-    mUpperBound = attributes.mUpperBound;
+    if (!attributes.mHasComputedLowerBound) {
+        mUpperBound = attributes.mUpperBound;
+    }
     mCount = attributes.mCount;
 }
 

@@ -194,6 +194,10 @@ VDebugInfoNode::SizeSource VDebugInfoNodeArray::PrepareByteSize(const VDieNodeMa
 }
 
 void VDebugInfoNodeArray::TakeByteSizeOfType(const VDebugInfoNode& type) {
+    if (mHasStrides) {
+        SetByteSize(static_cast<std::int32_t>((ExtentOf(type.GetByteSize()).bits + 7) / 8));
+        return;
+    }
     SetByteSize(static_cast<std::int32_t>(static_cast<std::uint32_t>(type.GetByteSize()) *
                                           GetTotalElementCount()));
 }

@@ -250,6 +250,11 @@ BitNumbering VDebugInfoNode::GetBitNumbering() const {
     return storage != nullptr ? storage->mBitNumbering : BitNumbering::Unsaid;
 }
 
+bool VDebugInfoNode::HasOtherByteOrder() const {
+    const VNodeStorage* storage = GetStorage();
+    return storage != nullptr && storage->mHasOtherByteOrder;
+}
+
 void VDebugInfoNode::SetBitOffset(std::uint32_t bitOffset) {
     if (VNodeStorage* storage = GetStorage()) {
         storage->mBitOffset = bitOffset;

@@ -58,6 +58,7 @@ struct VNodeStorage {
     std::uint32_t mBitSize = 0;
     std::uint32_t mEncoding = 0;
     bool mHasEncoding = false;
+    bool mHasOtherByteOrder = false;
     BitNumbering mBitNumbering = BitNumbering::Unsaid;
 };
 
@@ -279,6 +280,8 @@ public:
     [[nodiscard]] std::uint32_t GetBitOffset() const;
     [[nodiscard]] std::uint32_t GetBitSize() const;
     [[nodiscard]] BitNumbering GetBitNumbering() const;
+    /// True for a type whose bytes lie in the order that the target doesn't have.
+    [[nodiscard]] bool HasOtherByteOrder() const;
     /// For nodes that have extras; no others keep the value.
     void SetBitOffset(std::uint32_t bitOffset);
     void SetBitSize(std::uint32_t bitSize);

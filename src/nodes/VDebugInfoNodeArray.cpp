@@ -2,11 +2,15 @@
 
 #include "nodes/VDieNodeMap.h"
 
+#include <algorithm>
 #include <optional>
+#include <ranges>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
+
+constexpr std::uint32_t sBitsPerByte = 8;
 
 /// The number that a bound gives, in 32 bits; none if it can't be used. A reference has to lead to
 /// a variable in memory, whose address then is the number.
@@ -50,21 +54,32 @@ void VDebugInfoNodeArray::ResolveArrayDimensions(const VDieNodeMap& nodes) {
 }
 
 template <typename Visitor>
+void VDebugInfoNodeArray::ForEachSubrange(Visitor&& visit) const {
+    const auto visitIfSubrange = [&](const VDebugInfoNode* child) {
+        if (child->GetTag() == DW_TAG_subrange_type) {
+            visit(static_cast<const VDebugInfoNodeSubrange&>(*child));
+        }
+    };
+    if (!mIsColumnMajor) {
+        std::ranges::for_each(Children(), visitIfSubrange);
+        return;
+    }
+    const std::vector<const VDebugInfoNode*> children(Children().begin(), Children().end());
+    std::ranges::for_each(std::views::reverse(children), visitIfSubrange);
+}
+
+template <typename Visitor>
 void VDebugInfoNodeArray::ForEachDimension(Visitor&& visit) const {
     if (!mHasDimensions) {
         return;
     }
     bool hasVisited = false;
-    for (const VDebugInfoNode* child : Children()) {
-        if (child->GetTag() != DW_TAG_subrange_type) {
-            continue;
-        }
-        if (const auto* subrange = static_cast<const VDebugInfoNodeSubrange*>(child);
-            subrange->GetDimension() != 0) {
-            visit(subrange->GetDimension());
+    ForEachSubrange([&](const VDebugInfoNodeSubrange& subrange) {
+        if (subrange.GetDimension() != 0) {
+            visit(subrange.GetDimension());
             hasVisited = true;
         }
-    }
+    });
     if (!hasVisited) {
         visit(std::uint32_t{0});
     }
@@ -80,6 +95,31 @@ std::uint32_t VDebugInfoNodeArray::GetTotalElementCount() const {
     std::uint32_t count = mHasDimensions ? 1 : 0;
     ForEachDimension([&](std::uint32_t dimension) { count *= dimension; });
     return count;
+}
+
+VDebugInfoNodeArray::Extent VDebugInfoNodeArray::ExtentOf(std::int32_t elementSize) const {
+    std::vector<const VDebugInfoNodeSubrange*> subranges;
+    ForEachSubrange(
+        [&](const VDebugInfoNodeSubrange& subrange) { subranges.push_back(&subrange); });
+    Extent extent{static_cast<std::uint32_t>(elementSize) * std::uint64_t{sBitsPerByte}, true};
+    std::uint64_t stride = mStrideInBits;
+    for (const VDebugInfoNodeSubrange* subrange : std::views::reverse(subranges)) {
+        stride = subrange->GetStrideInBits() != 0 ? subrange->GetStrideInBits() : stride;
+        if (stride != 0 && stride != extent.bits) {
+            extent = {stride, false};
+        }
+        extent.bits *= subrange->GetDimension();
+        extent.isDense = extent.isDense && !subrange->HasComputedPlace();
+        // That of the array is the one between its elements, in its innermost dimension.
+        stride = 0;
+    }
+    return extent;
+}
+
+bool VDebugInfoNodeArray::HasScatteredElements() const {
+    const VDebugInfoNode* type = GetTypeNode();
+    const std::int32_t elementSize = type != nullptr ? type->GetByteSize() : 0;
+    return mHasComputedPlace || (mHasStrides && elementSize > 0 && !ExtentOf(elementSize).isDense);
 }
 
 std::string VDebugInfoNodeArray::GetArrayDimensionText() const {

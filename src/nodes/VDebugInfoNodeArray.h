@@ -29,6 +29,10 @@ public:
     void ResolveDimension(const VDieNodeMap& nodes);
     /// Number of elements; 0 if the bounds give none.
     [[nodiscard]] std::uint32_t GetDimension() const { return mDimension; }
+    /// From one element of the dimension to the next, in bits; 0 if that isn't told.
+    [[nodiscard]] std::uint64_t GetStrideInBits() const { return mStrideInBits; }
+    /// True if that is known at run time only.
+    [[nodiscard]] bool HasComputedPlace() const { return mHasComputedPlace; }
 
 private:
     VAttributeValue mCount;
@@ -37,16 +41,20 @@ private:
     VNodeLink<VDebugInfoNode> mCountNode;
     VNodeLink<VDebugInfoNode> mLowerBoundNode;
     VNodeLink<VDebugInfoNode> mUpperBoundNode;
+    std::uint64_t mStrideInBits = 0;
     std::uint32_t mDimension = 0;
+    bool mHasComputedPlace = false;
 };
 
-/// An array. Its dimensions are those of its subranges, outermost first.
+/// An array. Its dimensions are those of its subranges, in the order of memory: the index of the
+/// last one runs fastest.
 class VDebugInfoNodeArray final : public VDebugInfoNode {
 public:
     VDebugInfoNodeArray(std::uint32_t sectionOffset, VCompileUnitHeader* header,
                         VDebugInfoNode* parent)
         : VDebugInfoNode(DW_TAG_array_type, sectionOffset, header, parent) {}
 
+    void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
     bool ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section) override;
     VDebugInfoNodeArray* AsArrayNode() override { return this; }
     bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs, ObjectId& id,
@@ -54,6 +62,8 @@ public:
     /// Each dimension as "[n]".
     [[nodiscard]] std::string GetArrayDimensionText() const override;
 
+    /// Takes note of a dimension that tells where its elements lie.
+    void SetHasStrides() { mHasStrides = true; }
     /// Settles the dimensions, once.
     void ResolveArrayDimensions(const VDieNodeMap& nodes);
     /// The dimensions; none before they are settled, and never none afterwards: an array without
@@ -61,16 +71,35 @@ public:
     [[nodiscard]] std::vector<std::uint32_t> GetDimensions() const;
     /// Product of the dimensions in 32 bits; 0 before they are settled.
     [[nodiscard]] std::uint32_t GetTotalElementCount() const;
+    /// True if elements don't follow one another, each in bytes of its own: packed arrays, parts of
+    /// other arrays, and arrays that lie elsewhere. For arrays whose sizes are settled.
+    [[nodiscard]] bool HasScatteredElements() const;
 
 protected:
     SizeSource PrepareByteSize(const VDieNodeMap& nodes) override;
     void TakeByteSizeOfType(const VDebugInfoNode& type) override;
 
 private:
+    /// How much an array takes, and whether all of its elements follow one another.
+    struct Extent {
+        std::uint64_t bits;
+        bool isDense;
+    };
+
+    template <typename Visitor>
+    void ForEachSubrange(Visitor&& visit) const;
     template <typename Visitor>
     void ForEachDimension(Visitor&& visit) const;
+    /// For arrays with strides; others need no more than the number of elements.
+    [[nodiscard]] Extent ExtentOf(std::int32_t elementSize) const;
 
+    /// From one element to the next, in bits; 0 if that isn't told.
+    std::uint64_t mStrideInBits = 0;
     bool mHasDimensions = false;
+    bool mIsColumnMajor = false;
+    bool mHasComputedPlace = false;
+    /// The array or one of its dimensions tells a stride.
+    bool mHasStrides = false;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
