@@ -181,6 +181,29 @@ brindle_status brindle_reader_deliver(brindle_reader reader, const char* path,
     });
 }
 
+brindle_status brindle_reader_remark_at(brindle_reader reader, size_t index, brindle_remark* remark,
+                                        char* buffer, size_t capacity, size_t* length) {
+    return Guarded([&]() -> brindle_status {
+        const TextTarget target{buffer, capacity, length};
+        GiveText({}, target);
+        const std::shared_ptr<ReaderState> state = ReaderTable::Instance().Find(reader);
+        const auto found = state != nullptr ? state->RemarkAt(index) : std::nullopt;
+        brindle_remark known = {};
+        if (found) {
+            known.kind = static_cast<brindle_remark_kind>(found->kind);
+            known.count = found->count;
+            known.total = found->total;
+        }
+        if (remark != nullptr && !CInterface::GiveStructure(known, remark)) {
+            return BRINDLE_INVALID_ARGUMENT;
+        }
+        if (!found) {
+            return state == nullptr ? BRINDLE_INVALID_HANDLE : BRINDLE_NOT_FOUND;
+        }
+        return GiveText(found->text, target);
+    });
+}
+
 brindle_status brindle_reader_cancel(brindle_reader reader) {
     return Guarded([&] {
         const std::shared_ptr<ReaderState> state = ReaderTable::Instance().Find(reader);

@@ -90,6 +90,17 @@ Outcome ReaderState::LastOutcome() const {
     return mLastOutcome;
 }
 
+std::optional<Reader::DWARF::ReadRemark> ReaderState::RemarkAt(std::size_t index) const {
+    const std::scoped_lock lock(mMutex);
+    const auto remarks = mRemarks.All();
+    return index < remarks.size() ? std::optional(remarks[index]) : std::nullopt;
+}
+
+void ReaderState::SetRemarks(Reader::DWARF::ReadRemarks remarks) {
+    const std::scoped_lock lock(mMutex);
+    mRemarks = std::move(remarks);
+}
+
 Outcome ReaderState::Read(const std::string& path, DWARFContainerType container,
                           DataModel::Factory::HostDataModel& model) {
     const ReadGate gate;
@@ -98,6 +109,7 @@ Outcome ReaderState::Read(const std::string& path, DWARFContainerType container,
     }
     const DataModel::Factory::CurrentDataModel current(model);
     mIsCancelled = false;
+    SetRemarks({});
     try {
         return RunRead(path, container);
     } catch (const ReadCancelled&) {
@@ -120,7 +132,9 @@ Outcome ReaderState::RunRead(const std::string& path, DWARFContainerType contain
         callbacks = mCallbacks;
     }
     const CallbackBridge bridge(reader, callbacks, mIsCancelled);
-    if (reader.Read(path, container)) {
+    const bool isRead = reader.Read(path, container);
+    SetRemarks(reader.GetRemarks());
+    if (isRead) {
         return {};
     }
     return {BRINDLE_READ_FAILED, bridge.Message()};

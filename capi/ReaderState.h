@@ -5,11 +5,14 @@
 #include "HandleTable.h"
 #include "brindle.h"
 
+#include "core/ReadRemarks.h"
 #include "host/DWARFContainerType.h"
 #include "host/HostDataModel.h"
 
 #include <atomic>
+#include <cstddef>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace Tessel::Norn::Brindle::CInterface {
@@ -38,8 +41,11 @@ public:
 
     void Remember(Outcome outcome);
     [[nodiscard]] Outcome LastOutcome() const;
+    /// A remark of the latest read; nothing behind the last one.
+    [[nodiscard]] std::optional<Reader::DWARF::ReadRemark> RemarkAt(std::size_t index) const;
 
 private:
+    void SetRemarks(Reader::DWARF::ReadRemarks remarks);
     Outcome RunRead(const std::string& path, Reader::DWARF::DWARFContainerType container);
 
     /// Protects all members below; not held during a read.
@@ -47,6 +53,7 @@ private:
     bool mReadAllTypes = false;
     brindle_callbacks mCallbacks = {};
     Outcome mLastOutcome;
+    Reader::DWARF::ReadRemarks mRemarks;
 
     std::atomic<bool> mIsCancelled = false;
 };

@@ -123,7 +123,7 @@ enum {
 /** @{ */
 
 /** Number of the interface of this header. It grows with each addition. */
-#define BRINDLE_INTERFACE_VERSION 1
+#define BRINDLE_INTERFACE_VERSION 2
 
 /** BRINDLE_INTERFACE_VERSION as the loaded library was built. */
 BRINDLE_C_API int32_t brindle_interface_version(void);
@@ -204,8 +204,8 @@ BRINDLE_C_API brindle_status brindle_reader_create(brindle_reader* reader);
  * ends before the reader is gone. */
 BRINDLE_C_API brindle_status brindle_reader_destroy(brindle_reader reader);
 
-/** How the last call ended that was given this reader, this one and brindle_reader_error_text
- * left aside. */
+/** How the last call ended that was given this reader, this one, brindle_reader_error_text and
+ * brindle_reader_remark_at left aside. */
 BRINDLE_C_API brindle_status brindle_reader_last_status(brindle_reader reader);
 
 /**
@@ -259,6 +259,46 @@ BRINDLE_C_API brindle_status brindle_reader_set_callbacks(brindle_reader reader,
  */
 BRINDLE_C_API brindle_status brindle_reader_read(brindle_reader reader, const char* path,
                                                  brindle_container container, brindle_model* model);
+
+/** What a remark is about. */
+typedef int32_t brindle_remark_kind;
+enum {
+    /** Debug sections are compressed. */
+    BRINDLE_REMARK_COMPRESSED_SECTIONS = 0,
+    /** Units keep their debug information in other files. */
+    BRINDLE_REMARK_SPLIT_UNITS = 1,
+    /** The file has no addresses yet. */
+    BRINDLE_REMARK_RELOCATABLE_OBJECT = 2,
+    /** Names stand in another file. */
+    BRINDLE_REMARK_SUPPLEMENTARY_FILE = 3,
+    /** Units are of a version of DWARF, or of a type in it, that isn't read. */
+    BRINDLE_REMARK_UNITS_NOT_READ = 4
+};
+
+/** A remark on what a read passed over. */
+typedef struct brindle_remark {
+    size_t struct_size;
+    /** Later versions may know more kinds; the text tells them all. */
+    brindle_remark_kind kind;
+    /** Units that it is about, and all units of the file; 0 if it isn't about units. */
+    uint32_t count;
+    uint32_t total;
+} brindle_remark;
+
+/**
+ * What the latest read of a reader passed over, and what to do about it: a read that ends well may
+ * still leave out what it has no way to take. Only the full manner of reading (the option
+ * mIsFullReading) makes remarks. Status and text of the reader stay those of the read.
+ *
+ * @param index from 0, in the order in which the remarks came up
+ * @param remark receives what can be told without words; may be null
+ * @param buffer receives the remark in words, one line in the language of the reader at the time
+ *     of the read. For this and the other arguments see brindle_option_get.
+ * @return BRINDLE_NOT_FOUND behind the last remark
+ */
+BRINDLE_C_API brindle_status brindle_reader_remark_at(brindle_reader reader, size_t index,
+                                                      brindle_remark* remark, char* buffer,
+                                                      size_t capacity, size_t* length);
 
 /**
  * Ends the read of a reader that runs, at its next callback or delivered object; without one it

@@ -30,8 +30,8 @@ enum class ReadRemarkKind : std::uint8_t {
 struct ReadRemark {
     /// Why it was made, for hosts with words of their own.
     ReadRemarkKind kind = ReadRemarkKind::CompressedSections;
-    /// What is the matter and what to do about it, in English: one line, UTF-8 if the names in the
-    /// file are.
+    /// What is the matter and what to do about it, in the language of the messages when the remark
+    /// was made: one line, UTF-8 if the names in the file are.
     std::string text;
     /// Units that the remark is about; 0 if it isn't about units.
     std::uint32_t count = 0;

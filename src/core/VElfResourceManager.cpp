@@ -104,8 +104,12 @@ void VElfResourceManager::SetLanguage(std::int32_t language) {
     mLanguage = language;
 }
 
+bool VElfResourceManager::IsGerman() const {
+    return mLanguage == sGermanLanguage;
+}
+
 std::string VElfResourceManager::GetText(ELFReadErrorEnum code) const {
-    const Texts& texts = mLanguage == sGermanLanguage ? mGermanTexts : mEnglishTexts;
+    const Texts& texts = IsGerman() ? mGermanTexts : mEnglishTexts;
     if (const auto found = texts.find(code); found != texts.end()) {
         return std::string(found->second);
     }

@@ -20,6 +20,8 @@ public:
     /// Sets the language of the texts, as telephone country code: 49 is German, every other value
     /// reads English. Applies to the next `GetText`.
     void SetLanguage(std::int32_t language);
+    /// True if texts are German, as those of remarks are then, too.
+    [[nodiscard]] bool IsGerman() const;
 
     /// The text of a code in the current language, UTF-8. A code without text gives an English
     /// sentence that names code and language.

@@ -57,6 +57,10 @@ std::vector<ReaderCall> ReaderCalls() {
              const auto factory = Sized<brindle_factory>();
              return brindle_reader_deliver(reader, "none", BRINDLE_CONTAINER_ELF, &factory);
          }},
+        {"remark_at",
+         [](brindle_reader reader) {
+             return brindle_reader_remark_at(reader, 0, nullptr, nullptr, 0, nullptr);
+         }},
         {"cancel", brindle_reader_cancel},
     };
 }

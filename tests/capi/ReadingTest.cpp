@@ -137,6 +137,41 @@ TEST_F(ReadingTest, CallbacksTellProgressAndFailure) {
     EXPECT_THAT(told.errors, SizeIs(2));
 }
 
+TEST_F(ReadingTest, RemarksTellWhatAReadPassedOver) {
+    DwarfUnit future{{UnitDie({})}};
+    future.version = 6;
+    const std::string path = mFolder.Write(
+        "future.elf", (ElfImage().Symbol({"one", 0x1000, 4}) +
+                       DwarfSections().Unit(future).Unit({UnitDie({})}).Unit({UnitDie({})}))
+                          .Build());
+    const auto textAt = [&](std::size_t index, brindle_remark& remark) {
+        std::array<char, 200> text = {};
+        const brindle_status status =
+            brindle_reader_remark_at(mReader, index, &remark, text.data(), text.size(), nullptr);
+        return status == BRINDLE_OK ? std::string(text.data()) : std::to_string(status);
+    };
+    const auto notFound = std::to_string(BRINDLE_NOT_FOUND);
+    auto remark = Sized<brindle_remark>();
+    EXPECT_EQ(textAt(0, remark), notFound) << "nothing was read";
+    ASSERT_EQ(brindle_option_set("mIsFullReading", "1"), BRINDLE_OK);
+    const CModel english(mReader, path);
+    EXPECT_EQ(textAt(0, remark), "1 of 3 units is of DWARF 6, which isn't read.");
+    EXPECT_EQ(remark.kind, BRINDLE_REMARK_UNITS_NOT_READ);
+    EXPECT_EQ(remark.count, 1U);
+    EXPECT_EQ(remark.total, 3U);
+    EXPECT_EQ(textAt(1, remark), notFound);
+    EXPECT_EQ(brindle_reader_last_status(mReader), BRINDLE_OK) << "that of the read";
+    ASSERT_EQ(brindle_reader_set_language(mReader, 49), BRINDLE_OK);
+    const CModel german(mReader, path);
+    EXPECT_EQ(textAt(0, remark), "1 von 3 Units ist in DWARF 6, das nicht gelesen wird.");
+    brindle_remark unsized = {};
+    EXPECT_EQ(textAt(0, unsized), std::to_string(BRINDLE_INVALID_ARGUMENT));
+    const CModel none(mReader, mPath);
+    EXPECT_EQ(textAt(0, remark), notFound) << "remarks are those of the latest read";
+    EXPECT_EQ(brindle_reader_set_language(mReader, 1), BRINDLE_OK);
+    EXPECT_EQ(brindle_option_set("mIsFullReading", "0"), BRINDLE_OK);
+}
+
 TEST_F(ReadingTest, WhatDisturbsARunningReadIsRefused) {
     const CModel finished(mReader, mPath);
     bool hasActed = false;
