@@ -381,7 +381,7 @@ TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
          "uint16[3][5]"},
         {"computed stride", {computedStride}, {{Count(3)}}, "unknown(6)", "uint16[3]"},
         {"elsewhere", {elsewhere}, {{Count(3)}}, "unknown(6)", "uint16[3]"},
-        {"computed first index", {}, {{computedLow, UpperBound(9)}}, "uint16[]", "uint16[]"},
+        {"computed first index", {}, {{computedLow, UpperBound(9)}}, "uint16[0]", "uint16[0]"},
         {"first index of the first kind",
          {Number(DW_AT_ordering, DW_FORM_data1, DW_ORD_col_major)},
          {{Count(3)}, {Count(5)}},
@@ -420,7 +420,7 @@ TEST_F(FullTreeTest, AVariableIsNoBound) {
              {Die(DW_TAG_subrange_type, {Reference(DW_AT_upper_bound, DW_FORM_ref4, bound)})}),
          Variable("v", array)});
     EXPECT_THAT(ScopedVariables(Read(sections, true)),
-                testing::Contains(std::string("::v@4096 uint16[]")));
+                testing::Contains(std::string("::v@4096 uint16[0]")));
     EXPECT_THAT(ScopedVariables(Read(sections, false)),
                 testing::Contains(std::string("::v@4096 uint16[8]")));
 }

@@ -816,6 +816,67 @@ def variables_of_one_long_list(n):
     return image
 
 
+def signatures_of_one_bucket(n):
+    """Type units whose signatures a table of as many would keep in one bucket."""
+    image = Image()
+    signatures = numbers_of_one_bucket(n)
+    image.begin_modern_unit()
+    for index, signature in enumerate(signatures):
+        image.entry("variable", name="v", type_signature=signature, address=0x1000 + 8 * index)
+    image.end_unit()
+    for signature in signatures:
+        image.begin_type_unit(signature)
+        image.entry("struct", size=8, name="S")
+        image.end_unit()
+    return image
+
+
+def origins(n, is_closed):
+    """n variables, each an instance of the one before it; the first one of the last or of none."""
+    def fill(image, integer):
+        last = Image.Later()
+        target = last if is_closed else image.entry("variable", name="v", type=integer)
+        for index in range(n):
+            target = image.entry("variable", origin=target, address=0x1000 + 4 * index)
+        last.offset = target
+    return unit_of(fill)
+
+
+def origin_chain(n):
+    return origins(n, False)
+
+
+def origin_circle(n):
+    return origins(n, True)
+
+
+def anonymous_structures_of_one_type(n):
+    """n structures, each with an anonymous member of the same structure of n members."""
+    def fill(image, integer):
+        shared = image.entry("struct", children=True, size=4 * n)
+        for index in range(n):
+            image.entry("member", name="m", type=integer, offset=4 * index)
+        image.end()
+        for index in range(n):
+            around = image.entry("struct", children=True, name="S%d" % index, size=4 * n)
+            image.entry("member", type=shared, offset=0)
+            image.end()
+            image.entry("variable", name="v", type=around, address=0x1000 + 4 * index)
+    return unit_of(fill)
+
+
+def deep_anonymous_structures_in_full(n):
+    return deep_anonymous_structures(n)
+
+
+def doubling_anonymous_structures_in_full(n):
+    return doubling_anonymous_structures(n)
+
+
+def damaged_units_in_full(n):
+    return damaged_units(n)
+
+
 # Smaller or larger numbers where an entry costs more or less than usual, and options.
 MILLION = 250_000  # four times as many in the largest input
 SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
@@ -825,18 +886,22 @@ SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymo
          "least_inner_classes": MILLION, "least_variables": MILLION, "deep_blocks": MILLION,
          "itanium_names_of_suffixes": 200_000, "one_long_text": 400_000, "damaged_units": 20_000,
          "codes_of_one_bucket": 12_500, "abbreviation_offsets_of_one_bucket": 12_500,
-         "addresses_of_one_bucket": 6_250, "type_units": MILLION, "circle_of_signatures": MILLION}
+         "addresses_of_one_bucket": 6_250, "signatures_of_one_bucket": 12_500,
+         "doubling_anonymous_structures_in_full": 20_000, "damaged_units_in_full": 20_000, "type_units": MILLION, "circle_of_signatures": MILLION}
 FULL = ["mIsFullReading=1"]
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "type_units": FULL, "circle_of_signatures": FULL, "indices_of_one_long_text": FULL,
-           "variables_of_one_long_list": FULL,
+           "variables_of_one_long_list": FULL, "signatures_of_one_bucket": FULL, "origin_chain": FULL,
+           "origin_circle": FULL, "anonymous_structures_of_one_type": FULL,
+           "deep_anonymous_structures_in_full": FULL, "doubling_anonymous_structures_in_full": FULL,
+           "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
            "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],
            "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
 HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "structures_of_suffixes", "long_array", "nested",
-           "chain", "fan", "many", "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "all_cases"}
+           "chain", "fan", "many", "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "origins", "all_cases"}
 
 
 def all_cases():
