@@ -21,7 +21,8 @@ SIGNATURE_LINE = re.compile(r"\s*Signature:\s+0x([0-9a-f]+)")
 TYPE_OFFSET_LINE = re.compile(r"\s*Type Offset:\s+0x([0-9a-f]+)")
 ADDRESS = re.compile(r"\(DW_OP_addr: ([0-9a-f]+)\)$")
 ADDRESS_INDEX = re.compile(r"\(DW_OP_addrx <(?:0x)?([0-9a-f]+)>\)$")
-REFERENCE = re.compile(r"<(?:alt )?0x([0-9a-f]+)>")
+# In 64-bit DWARF there are no brackets.
+REFERENCE = re.compile(r"<(?:alt )?0x([0-9a-f]+)>|^0x([0-9a-f]+)$")
 SIGNATURE = re.compile(r"signature: 0x([0-9a-f]+)$")
 STRING_NOTE = re.compile(r"^\((?:alt )?(?:indirect|indexed)(?: line)? string[^)]*\): ")
 
@@ -74,7 +75,7 @@ class DebugEntry:
     def reference(self, attribute):
         """The offset that the attribute refers to; None without one."""
         found = REFERENCE.search(self.attributes.get(attribute, ""))
-        return int(found.group(1), 16) if found else None
+        return int(found[1] or found[2], 16) if found else None
 
 
 class EntryTree:
@@ -117,11 +118,20 @@ def address_section(image):
     """The contents of .debug_addr, the byte order, and the size of an address."""
     data = image.read_bytes()
     is_64_bit, order = data[4] == 2, "big" if data[5] == 2 else "little"
+    start, size = _section(image, ".debug_addr")
+    return data[start:start + size], order, 8 if is_64_bit else 4
+
+
+def _section(image, name):
+    """File position and size of a section; of one that isn't there 0."""
     done = subprocess.run(["readelf", "--sections", "--wide", str(image)], capture_output=True, text=True,
                           check=True, timeout=60)
-    found = re.search(r"\] \.debug_addr +PROGBITS +[0-9a-f]+ ([0-9a-f]+) ([0-9a-f]+)", done.stdout)
-    start, size = int(found[1], 16), int(found[2], 16)
-    return data[start:start + size], order, 8 if is_64_bit else 4
+    found = re.search(rf"\] {re.escape(name)} +PROGBITS +[0-9a-f]+ ([0-9a-f]+) ([0-9a-f]+)", done.stdout)
+    return (int(found[1], 16), int(found[2], 16)) if found else (0, 0)
+
+
+def section_size(image, name):
+    return _section(image, name)[1]
 
 
 def type_units(image):
