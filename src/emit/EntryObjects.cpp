@@ -47,13 +47,13 @@ public:
         , mInputs(inputs) {}
 
     ObjectId CreateClass(bool isStruct) {
-        const std::string_view name = Name();
+        const std::string_view name = TypeName();
         return mFactory.CreateClassEntryType(name, UnsignedSize(), mInputs.scope, {},
                                              mNode.HasAnonymousName(), isStruct);
     }
 
     ObjectId CreateUnion() {
-        const std::string_view name = Name();
+        const std::string_view name = TypeName();
         return mFactory.CreateUnionEntryType(name, UnsignedSize(), mInputs.scope,
                                              mNode.HasAnonymousName());
     }
@@ -195,7 +195,7 @@ public:
     }
 
     ObjectId CreateEnumeration() {
-        const std::string_view name = Name();
+        const std::string_view name = TypeName();
         const ObjectId table =
             mFactory.CreateEnumTable(name, mInputs.type, mInputs.scope, mNode.HasAnonymousName());
         if (table != 0) {
@@ -224,6 +224,12 @@ private:
         std::string_view name;
         mNode.GetEntryName(name, mEmission.Section());
         return name;
+    }
+
+    /// The name of a type, where the entry that it completes may have none either.
+    std::string_view TypeName() {
+        const std::string_view name = Name();
+        return !name.empty() ? name : mEmission.Rules().nameOfNameless(mNode);
     }
 
     [[nodiscard]] std::uint32_t UnsignedSize() const {
@@ -336,6 +342,15 @@ bool CreateClassicObject(VDebugInfoNode& node, VNodeEmission& emission,
     }
 }
 
+std::string_view ClassicNameOfNameless(VDebugInfoNode& /*type*/) {
+    return {};
+}
+
+std::string_view FullNameOfNameless(VDebugInfoNode& type) {
+    type.SetAnonymousName(true);
+    return type.GetDefaultName();
+}
+
 std::span<const EntryNeed> FullNeedsOf(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_rvalue_reference_type:
@@ -382,8 +397,9 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
 } // namespace
 
 const DeliveryRules& DeliveryRules::Of(ReadingManner manner) {
-    static constexpr DeliveryRules sClassic{ClassicNeedsOf, CreateClassicObject};
-    static constexpr DeliveryRules sFull{FullNeedsOf, CreateFullObject};
+    static constexpr DeliveryRules sClassic{ClassicNeedsOf, CreateClassicObject,
+                                            ClassicNameOfNameless};
+    static constexpr DeliveryRules sFull{FullNeedsOf, CreateFullObject, FullNameOfNameless};
     return manner == ReadingManner::Full ? sFull : sClassic;
 }
 

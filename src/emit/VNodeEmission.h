@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -60,6 +61,9 @@ struct DeliveryRules {
     /// Makes the object of a node that has none yet, see `VDebugInfoNode::CreateEntryObject`.
     bool (*createObject)(VDebugInfoNode& node, VNodeEmission& emission,
                          const EmissionInputs& inputs, ObjectId& id, bool& alreadyRegistered);
+    /// The name of a type that has none, and completes an entry that has none. May mark it as
+    /// anonymous.
+    std::string_view (*nameOfNameless)(VDebugInfoNode& type);
 };
 
 /// The delivery of one tree.

@@ -269,8 +269,13 @@ class VariableFacts:
     def _shares_linkage_name(self, entry):
         return entry.linkage_name() is not None and self._linkage_names[entry.linkage_name()] > 1
 
-    def _has_unspecified_type(self, entry):
+    def plain_type(self, entry):
+        """The type of a variable behind typedefs and qualifiers; None without one."""
         kind = self.tree.target(self.tree.origin(entry), "DW_AT_type")
         while kind is not None and kind.tag in ("DW_TAG_typedef", "DW_TAG_const_type", "DW_TAG_volatile_type"):
             kind = self.tree.target(kind, "DW_AT_type")
+        return kind
+
+    def _has_unspecified_type(self, entry):
+        kind = self.plain_type(entry)
         return kind is not None and kind.tag == "DW_TAG_unspecified_type"

@@ -23,6 +23,7 @@ NAMED_CODES = {
     gdb.TYPE_CODE_FLT: "float",
     gdb.TYPE_CODE_COMPLEX: "complex",
     gdb.TYPE_CODE_VOID: "void",
+    gdb.TYPE_CODE_STRING: "string",
 }
 REFERRING_CODES = {
     gdb.TYPE_CODE_PTR: "pointer",

@@ -80,6 +80,20 @@ def comparable_name(name, facts):
 
 
 @rule
+def packed_size(entry, facts):
+    """Of an array whose elements are a few bits each (bits of plant.adb), the script makes elements of whole bytes;
+    the reader tells the bytes alone. Gives how many there are, None for any other variable."""
+    kind = facts.plain_type(entry)
+    if kind is None or kind.tag != "DW_TAG_array_type" or "DW_AT_bit_stride" not in kind.attributes:
+        return None
+    bits = kind.number("DW_AT_bit_stride")
+    for dimension in kind.children:
+        lowest = dimension.number("DW_AT_lower_bound")
+        bits *= dimension.number("DW_AT_upper_bound") - (1 if lowest is None else lowest) + 1
+    return (bits + 7) // 8
+
+
+@rule
 def storage_size(size, offset, width):
     """A packed field may need a byte more than its type has (mixed_fields.third of timers.c, 27 bits from bit 6
     of its first byte on). No type is made up for it: it ends with the last byte that it needs."""
@@ -222,6 +236,9 @@ def compare_leaves(variable, candidates, key, facts, differences):
     expected, found = collections.defaultdict(list), collections.defaultdict(list)
     if is_declared_only(best):
         return 0
+    sizes = [packed_size(entry, facts) for entry in facts.entries_of(*key)]
+    if sizes and sizes[0] is not None:
+        best = {**best, "leaves": [["", 0, sizes[0], 0, "packed array", False]], "paths": {""}}
     for path, bits, size, width, kind, _ in best["leaves"]:
         if kind != "virtual base":
             size = 0 if facts.is_unspecified(*key) else size
