@@ -148,7 +148,7 @@ export class ChangesView implements View {
     switch (item.kind) {
       case "cause":
         return item.cause === "moved alone"
-          ? sourceOf(this.blocksOf(item.variables).map((block): Item => ({ kind: "block", block })))
+          ? sourceOf(this.blocksOf(item.variables).map(itemOf))
           : sourceOf(item.variables.map((variable): Item => ({ kind: "variable", variable })));
       case "block":
         return sourceOf(item.block.variables.map((variable): Item => ({ kind: "variable", variable })));
@@ -266,6 +266,13 @@ export class ChangesView implements View {
     saveText("changes.csv", "text/csv", lines.join("\n") + "\n");
     this.context.say(`Saved ${count(lines.length - 1, "row")}`);
   }
+}
+
+/** A variable that moved by a distance of its own is no group. */
+function itemOf(block: MovedBlock): Item {
+  const [variable] = block.variables;
+  return block.variables.length === 1 && block.reason === "" && variable !== undefined
+    ? { kind: "variable", variable } : { kind: "block", block };
 }
 
 function sourceOf<Item>(items: Item[]): Source<Item> {

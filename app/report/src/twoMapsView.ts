@@ -1,4 +1,5 @@
-// The memory maps of two images one above the other, on one scale, coloured by what changed.
+// The memory maps of two images side by side, one above the other where there is little room, on one
+// scale, coloured by what changed.
 
 import type { Context, View } from "./context.ts";
 import { type Differences, causes } from "./differences.ts";
@@ -14,7 +15,7 @@ import { placeHash } from "./route.ts";
 export class TwoMapsView implements View {
   readonly id = "maps";
   readonly title = "Both maps";
-  readonly element = make("section", { class: "view map" });
+  readonly element = make("section", { class: "view map maps" });
   private readonly detail: DetailPane;
   private isBuilt = false;
 
@@ -31,17 +32,18 @@ export class TwoMapsView implements View {
 
   private build(): void {
     const { oldImage, newImage } = this.differences;
-    const upper = this.canvasOf(oldImage, newImage, "old", (range) => lower.show(...range, false));
-    const lower: MapCanvas = this.canvasOf(newImage, oldImage, "new", (range) => upper.show(...range, false));
-    this.select = (side, place) => this.selectInBoth(side, place, upper, lower);
+    const before = this.canvasOf(oldImage, newImage, "old", (range) => after.show(...range, false));
+    const after: MapCanvas = this.canvasOf(newImage, oldImage, "new", (range) => before.show(...range, false));
+    this.select = (side, place) => this.selectInBoth(side, place, before, after);
     const legend = make("ul", { class: "legend", "aria-label": "Colours" },
       ...causes.map((cause) => make("li", {},
         make("span", { class: `swatch ${causeClass(cause)}` }), causeTexts[cause])),
       make("li", {}, make("span", { class: "swatch fill-unchanged" }), "unchanged"));
     this.element.replaceChildren(
-      make("div", { class: "toolbar" }, ...mapButtons(upper), legend),
-      make("h2", { class: "map-title" }, `Old: ${oldImage.pack.file}`), upper.element,
-      make("h2", { class: "map-title" }, `New: ${newImage.pack.file}`), lower.element,
+      make("div", { class: "toolbar" }, ...mapButtons(before), legend),
+      make("div", { class: "two-maps" },
+        make("section", {}, make("h2", { class: "map-title" }, `Old: ${oldImage.pack.file}`), before.element),
+        make("section", {}, make("h2", { class: "map-title" }, `New: ${newImage.pack.file}`), after.element)),
       this.detail.element);
   }
 
@@ -68,11 +70,11 @@ export class TwoMapsView implements View {
 
   /** Marks the variable in the other map too. */
   private selectInBoth(
-    side: "old" | "new", place: Place, upper: MapCanvas, lower: MapCanvas,
+    side: "old" | "new", place: Place, before: MapCanvas, after: MapCanvas,
   ): void {
     const { oldImage, newImage } = this.differences;
     const [image, other, otherCanvas] = side === "old"
-      ? [oldImage, newImage, lower] as const : [newImage, oldImage, upper] as const;
+      ? [oldImage, newImage, after] as const : [newImage, oldImage, before] as const;
     this.detail.show(image, place);
     const twin = other.resolve(place.path);
     if (twin !== undefined) {
