@@ -47,12 +47,12 @@ class Browser:
         self.driver.quit()
         shutil.rmtree(self.profile, ignore_errors=True)
 
-    def resize(self, width, height, is_dark=False):
+    def resize(self, width, height, is_dark=False, media=""):
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
             "width": width, "height": height, "deviceScaleFactor": 1, "mobile": False})
         scheme = "dark" if is_dark else "light"
         self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {
-            "features": [{"name": "prefers-color-scheme", "value": scheme}]})
+            "media": media, "features": [{"name": "prefers-color-scheme", "value": scheme}]})
 
     def open(self, report, fragment=""):
         self.driver.get("about:blank")

@@ -6,6 +6,7 @@ import { bytes, count, familyOfPlace } from "./format.ts";
 import type { Image, Place, Section } from "./image.ts";
 import type { MapModel } from "./mapModel.ts";
 import { placeAt } from "./rows.ts";
+import { onColourChange } from "./theme.ts";
 
 export interface MapCanvasOptions {
   label: string;
@@ -64,9 +65,7 @@ export class MapCanvas {
     this.element = make("div", { class: "map-frame" }, this.canvas, this.tip, this.announced);
     this.listen();
     new ResizeObserver(() => this.resize()).observe(this.element);
-    matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.recolour());
-    addEventListener("themechange", () => this.recolour());
-    addEventListener("beforeprint", () => this.draw());
+    onColourChange(() => this.recolour());
   }
 
   get range(): [number, number] {
@@ -260,7 +259,8 @@ export class MapCanvas {
 
   private recolour(): void {
     this.colours.clear();
-    this.redraw();
+    // Paper has another width as well.
+    this.resize();
   }
 
   private colour(name: string): string {

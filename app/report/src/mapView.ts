@@ -185,7 +185,7 @@ export function card(
     result.append(make("p", { class: "muted" }, emptyText));
     return result;
   }
-  result.append(make("div", { class: "table-frame" }, make("table", { class: "plain" },
+  result.append(make("div", { class: "table-frame", role: "region", tabindex: 0, "aria-label": title }, make("table", { class: "plain" },
     make("thead", {}, make("tr", {}, ...head.map((text) => make("th", { scope: "col" }, text)))), body)));
   if (rows.length > mostRows) {
     const more = button(`Show all ${number(rows.length)}`, () => {

@@ -7,6 +7,7 @@ import { bytes, count, number } from "./format.ts";
 import type { Image } from "./image.ts";
 import { placeHash } from "./route.ts";
 import { splitScopes } from "./scopes.ts";
+import { onColourChange } from "./theme.ts";
 
 interface Branch {
   name: string;
@@ -69,8 +70,7 @@ export class RoomView implements View {
         make("aside", { class: "detail", "aria-label": "Largest parts" },
           make("h2", {}, "Largest here"), this.list)));
     new ResizeObserver(() => this.resize()).observe(this.frame);
-    matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => this.redraw());
-    addEventListener("themechange", () => this.redraw());
+    onColourChange(() => this.draw());
   }
 
   show(): void {

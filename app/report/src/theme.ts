@@ -23,6 +23,15 @@ function apply(theme: string): void {
   dispatchEvent(new Event("themechange"));
 }
 
+/** Calls a function at once whenever the colours are others: paper has light ones whatever the screen
+ * has, and takes what is drawn when printing begins. */
+export function onColourChange(redraw: () => void): void {
+  for (const query of ["(prefers-color-scheme: dark)", "print"]) {
+    matchMedia(query).addEventListener("change", redraw);
+  }
+  addEventListener("themechange", redraw);
+}
+
 export function themeSwitch(): HTMLElement {
   const select = make("select", { "aria-label": "Colours" },
     ...themes.map(([value, title]) => make("option", { value }, title)));
