@@ -25,6 +25,7 @@ PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
 PICTURES = pathlib.Path(os.environ["BRINDLE_REPORT_PICTURES"])
 
+ACCESSIBILITY = pathlib.Path(__file__).parents[2] / "app/report/node_modules/axe-core/axe.min.js"
 HOSTILE = "</script><img src=x onerror=alert(1)><!--"
 MOST_BYTES = 3_000_000
 MOST_MILLISECONDS = 50
@@ -220,8 +221,14 @@ class ReportTest(unittest.TestCase):
         self.assertIn(f" of {sum(counted.values())} changed variables",
                       self.browser.texts(".changes .status")[0])
         self.browser.go("#/maps")
-        self.assertEqual(len(self.browser.texts(".map-title")), 2)
+        tops = "return [...document.querySelectorAll('.map-title')].map((each) => each.offsetTop)"
+        old, new = self.browser.run(tops)
+        self.assertEqual(old, new)
         self.browser.picture(PICTURES / "changes-maps.png")
+        self.browser.resize(800, 900)
+        self.browser.settle()
+        old, new = self.browser.run(tops)
+        self.assertLess(old, new)
 
     def test_every_width_shows_all_views_without_scrolling_sideways(self):
         report = self.sample("arm-cpp-dwarf4-O0.elf")
@@ -235,6 +242,51 @@ class ReportTest(unittest.TestCase):
                     self.assertLessEqual(self.browser.run(
                         "return document.querySelector('main').scrollWidth"), width)
                     self.browser.picture(PICTURES / f"{view}-{width}.png")
+
+    def changes(self):
+        return self.report(SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf", SAMPLE_IMAGES / "powerpc-c-dwarf4-O2.elf",
+                           name="changes-of-target.html")
+
+    @unittest.skipUnless(ACCESSIBILITY.exists(), "scripts/build-report.sh installs axe-core")
+    def test_every_view_is_accessible(self):
+        image, changes = self.sample("arm-cpp-dwarf4-O0.elf"), self.changes()
+        for is_dark in [False, True]:
+            self.browser.resize(1400, 900, is_dark)
+            for report, view in [(image, "map"), (image, "room"), (image, "variables/Ring"), (image, "types"),
+                                 (changes, "changes/motors"), (changes, "maps")]:
+                with self.subTest(view=view, is_dark=is_dark):
+                    self.browser.open(report, "#/" + view)
+                    self.browser.run(ACCESSIBILITY.read_text(encoding="utf-8"))
+                    found = self.browser.wait_for(
+                        "axe.run({ resultTypes: ['violations'] }).then(done)")
+                    self.assertGreater(len(found["passes"]), 10)
+                    self.assertEqual([(each["id"], each["nodes"][0]["html"]) for each in found["violations"]], [])
+
+    def test_paper_is_light_and_shows_all(self):
+        image, changes = self.sample("arm-cpp-dwarf4-O0.elf"), self.changes()
+        for report, view in [(image, "map"), (image, "variables"), (image, "types"), (changes, "changes")]:
+            with self.subTest(view=view):
+                self.browser.resize(1400, 900, is_dark=True)
+                self.browser.open(report, "#/" + view)
+                rows = self.browser.run("return document.querySelector('.view:not([hidden]) .grid')"
+                                        "?.getAttribute('aria-rowcount') ?? 1")
+                self.browser.resize(700, 900, is_dark=True, media="print")
+                self.browser.run("dispatchEvent(new Event('beforeprint'))")
+                self.browser.settle()
+                self.assertEqual(self.browser.run("return getComputedStyle(document.body).backgroundColor"),
+                                 "rgb(255, 255, 255)")
+                self.assertEqual(self.browser.run("return getComputedStyle(document.body).color"),
+                                 "rgb(23, 33, 44)")
+                self.assertEqual(self.browser.run("""
+                    return [...document.querySelectorAll(".grid-cell, .table-frame, .grid")]
+                        .filter((each) => each.offsetParent !== null &&
+                                (each.scrollWidth > each.clientWidth + 1 || each.scrollHeight > each.clientHeight + 1))
+                        .map((each) => each.outerHTML.slice(0, 200));
+                """), [])
+                printed = self.browser.texts(".view:not([hidden]) .grid-row")
+                if view != "types":
+                    self.assertEqual(len(printed), int(rows) - 1)
+                self.browser.run("dispatchEvent(new Event('afterprint'))")
 
     def test_a_large_image_is_small_and_answers_each_key_at_once(self):
         image = self.build_large_image()
