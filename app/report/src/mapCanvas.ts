@@ -323,7 +323,8 @@ export class MapCanvas {
   private drawRegions(): void {
     const { context } = this;
     const top = this.variablesTop;
-    const bottom = top + this.model.lineCount * (variableHeight + gap);
+    // Further lines hold what overlaps: nothing is missing beside it.
+    const bottom = top + variableHeight + gap;
     for (const region of this.model.regions) {
       const left = Math.max(0, this.px(region.x));
       const right = Math.min(this.width, this.px(region.x + region.length));
