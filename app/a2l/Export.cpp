@@ -7,12 +7,12 @@
 #include "a2l/BitMask.h"
 #include "a2l/Conversions.h"
 #include "a2l/Datatypes.h"
-#include "a2l/ElementIndices.h"
 #include "a2l/ExportText.h"
 #include "a2l/ExportTypes.h"
 #include "a2l/Identifiers.h"
 #include "a2l/SymbolIndex.h"
 #include "a2l/VariableNames.h"
+#include "model/ElementIndices.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -229,8 +229,10 @@ private:
             Omit(mCutArrays, part);
         }
         for (std::uint64_t index = 0; index < end; ++index) {
-            TakePart({mModel.Object(array).type, part.address + index * stride,
-                      part.steps + IndicesOf(index, mModel.Dimensions(array)), part.depth + 1});
+            Part element{mModel.Object(array).type, part.address + index * stride, part.steps,
+                         part.depth + 1};
+            DataModel::AppendElementIndices(element.steps, index, mModel.Dimensions(array));
+            TakePart(element);
         }
     }
 

@@ -2,9 +2,9 @@
 
 #include "NearNames.h"
 
-#include "a2l/ElementIndices.h"
 #include "a2l/Identifiers.h"
 #include "demangle/Demangler.h"
+#include "model/ElementIndices.h"
 
 #include <algorithm>
 #include <array>
@@ -596,7 +596,7 @@ std::string SymbolIndex::NameAt(std::uint64_t address) const {
             type = inside->type;
             offset -= inside->offset;
         } else if (stride != 0 && offset / stride < mModel.ElementCount(plain)) {
-            name.append(IndicesOf(offset / stride, mModel.Dimensions(plain)));
+            DataModel::AppendElementIndices(name, offset / stride, mModel.Dimensions(plain));
             type = object.type;
             offset %= stride;
         } else {

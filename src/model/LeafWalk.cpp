@@ -1,5 +1,7 @@
 #include "model/LeafWalk.h"
 
+#include "model/ElementIndices.h"
+
 #include <algorithm>
 #include <deque>
 #include <string>
@@ -21,18 +23,6 @@ constexpr std::size_t sShortestIndex = 3;
 
 constexpr bool HasMembers(ObjectKind kind) {
     return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
-}
-
-void AppendIndices(std::string& path, std::uint64_t element,
-                   std::span<const std::uint32_t> dimensions) {
-    std::vector<std::uint64_t> indices(dimensions.size());
-    for (std::size_t dimension = dimensions.size(); dimension-- > 0;) {
-        indices[dimension] = element % dimensions[dimension];
-        element /= dimensions[dimension];
-    }
-    for (const std::uint64_t index : indices) {
-        path.append("[").append(std::to_string(index)).append("]");
-    }
 }
 
 } // namespace
@@ -217,7 +207,7 @@ bool LeafWalk::ExpandElements(ObjectId array, const Place& place, std::size_t de
     element.size = ownSize != 0 ? ownSize : stride;
     const std::uint64_t end = std::min(count, mLimits.arrayElements);
     for (std::uint64_t index = 0; index < end && !mCuts.isExhausted; ++index) {
-        AppendIndices(mPath, index, dimensions);
+        AppendElementIndices(mPath, index, dimensions);
         element.address = place.address + index * stride;
         Expand(element, depth + 1);
         mPath.resize(length);
