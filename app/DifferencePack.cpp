@@ -74,12 +74,9 @@ void DifferencePack::Add(const Difference& difference) {
 void DifferencePack::AddLeaf(const Difference& difference) {
     const ComparedPlace* const before = difference.oldPlace;
     const ComparedPlace* const after = difference.newPlace;
-    const ComparedPlace* const present = after != nullptr ? after : before;
-    if (present == nullptr) {
-        return;
-    }
+    const ComparedPlace& latest = difference.Latest();
     const DataModel::DataModel& model = after != nullptr ? mNewModel : mOldModel;
-    const ObjectId global = present->place.global;
+    const ObjectId global = latest.place.global;
     // Offsets within the variable, of which there is only the one where the leaf stands.
     std::uint64_t oldOffset = 0;
     std::uint64_t newOffset = 0;
@@ -104,7 +101,7 @@ void DifferencePack::AddLeaf(const Difference& difference) {
         mAlike.clear();
     }
     const std::string_view path =
-        std::string_view(present->name).substr(model.QualifiedName(global).size());
+        std::string_view(latest.name).substr(model.QualifiedName(global).size());
     Row row = RowOf(difference, changes, path);
     const AlikeKey key = {WithoutIndices(path),
                           {row[2], row[8], row[9], row[10], row[11], newOffset - oldOffset}};

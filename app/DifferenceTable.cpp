@@ -111,7 +111,7 @@ DifferenceCount WriteDifferences(const DataModel::DataModel& oldModel,
     comparison.Run([&](const Difference& difference) {
         ++count.rows;
         const bool isNew = difference.newPlace != nullptr;
-        const ComparedPlace& latest = isNew ? *difference.newPlace : *difference.oldPlace;
+        const ComparedPlace& latest = difference.Latest();
         const DataModel::DataModel& model = isNew ? newModel : oldModel;
         const std::string change = ChangeText(difference);
         const TypeNames types(difference, oldModel, newModel);

@@ -138,9 +138,7 @@ void ModelComparison::PassChanged(const ComparedPlace& oldPlace, const ComparedP
 }
 
 void ModelComparison::Pass(const Difference& difference) const {
-    const ComparedPlace& place =
-        difference.newPlace != nullptr ? *difference.newPlace : *difference.oldPlace;
-    if (mIsWholeWanted || mScope.filter.Takes(place.name, mOwnName)) {
+    if (mIsWholeWanted || mScope.filter.Takes(difference.Latest().name, mOwnName)) {
         (*mSink)(difference);
     }
 }

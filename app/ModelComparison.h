@@ -30,11 +30,16 @@ struct ComparedPlace {
 
 /// One variable or leaf that is not the same in both builds.
 struct Difference {
-    /// Null in the build that does not have it.
+    /// Null in the build that does not have it; one of the builds always has it.
     const ComparedPlace* oldPlace = nullptr;
     const ComparedPlace* newPlace = nullptr;
     /// A part of a variable, not the variable itself.
     bool isLeaf = false;
+
+    /// The later build's place, or the earlier one's of what vanished.
+    [[nodiscard]] const ComparedPlace& Latest() const {
+        return newPlace != nullptr ? *newPlace : *oldPlace;
+    }
 
     /// @name What has changed where both builds have it
     /// @{
