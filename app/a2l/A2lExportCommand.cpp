@@ -5,10 +5,10 @@
 #include "Message.h"
 #include "NamePattern.h"
 #include "ReadArguments.h"
-#include "ReadSession.h"
 #include "ResultOutput.h"
 
 #include "a2l/Export.h"
+#include "a2l/ImageArguments.h"
 #include "model/DataModel.h"
 
 #include <algorithm>
@@ -25,11 +25,8 @@ using A2l::ExportChoices;
 using A2l::ExportResult;
 using A2l::Version;
 
-struct ExportArguments {
-    ReadArguments read;
+struct ExportArguments : A2l::ImageArguments {
     ExportChoices choices;
-    std::string image;
-    std::string output;
     std::string version;
 };
 
@@ -69,19 +66,9 @@ void TellResult(const ExportArguments& arguments, const ExportResult& result) {
 
 ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
     DataModel::DataModel model;
-    const ReadResult read = ReadSession(arguments.read).Read(arguments.image, model);
-    if (!read.isOk) {
-        // A description of half an image would pass for one of the whole.
-        return ReportResult(arguments.image, read);
-    }
-    if (!model.Image().isLinked) {
-        Tell(arguments.image, "an object file has no addresses yet; give the linked image");
-        return ExitStatus::Failed;
-    }
-    if (model.Image().isWordAddressed && !arguments.choices.hasWordAddresses) {
-        Tell(arguments.image,
-             "this target counts memory in words of 16 bits, and addresses are written "
-             "in bytes; --word-addresses writes them in words");
+    const ExitStatus status = ReadWholeImage(arguments, model);
+    if (status != ExitStatus::Success) {
+        return status;
     }
     if (!HasSections(arguments, model)) {
         return ExitStatus::Failed;
@@ -105,8 +92,9 @@ ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
     }
 }
 
-void SetVersion(ExportArguments& arguments) {
+void CompleteChoices(ExportArguments& arguments) {
     ExportChoices& choices = arguments.choices;
+    choices.hasWordAddresses = arguments.hasWordAddresses;
     if (arguments.version.empty()) {
         choices.version = choices.hasStructures ? Version::V1_7_1 : Version::V1_6;
         return;
@@ -131,15 +119,13 @@ void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
          "characteristics, and\nthose that --characteristics and --section name."},
         [arguments](ResultOutput& output) { return RunExport(*arguments, output); });
     ExportChoices& choices = arguments->choices;
-    command.add_option("IMAGE", arguments->image, "The file to read")->required()->type_name("");
+    AddImageArgument(command, "The file to read", *arguments);
     command
         .add_option("PATTERN", choices.patterns,
                     "Only the variables and leaves whose name fits one of these: * stands for any "
                     "characters, ? for one")
         ->type_name("");
-    command.add_option("-o,--output", arguments->output, "Write to FILE, not to standard output")
-        ->option_text("FILE")
-        ->take_last();
+    AddOutputArgument(command, *arguments);
     command.add_flag("--fragment", choices.isFragment,
                      "Write objects and what they refer to alone, for an /include in a MODULE");
     const auto addPatterns = [&command](const std::string& name, std::vector<std::string>& patterns,
@@ -161,11 +147,9 @@ void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
         ->check(CLI::IsMember({"1.5.1", "1.6", "1.7.1"}))
         ->option_text("1.5.1|1.6|1.7.1")
         ->take_last();
-    command.add_flag("--word-addresses", choices.hasWordAddresses,
-                     "Count addresses in words of 16 bits, for targets that do so");
     AddLeafLimitArguments(command, choices.limits);
-    AddReadArguments(command, arguments->read);
-    command.parse_complete_callback([arguments] { SetVersion(*arguments); });
+    AddReadingArguments(command, *arguments);
+    command.parse_complete_callback([arguments] { CompleteChoices(*arguments); });
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -6,11 +6,11 @@
 #include "Message.h"
 #include "ProgressBar.h"
 #include "ReadArguments.h"
-#include "ReadSession.h"
 #include "ResultOutput.h"
 #include "TableWriter.h"
 #include "Terminal.h"
 
+#include "a2l/ImageArguments.h"
 #include "a2l/Parser.h"
 #include "a2l/SymbolIndex.h"
 #include "a2l/Update.h"
@@ -37,17 +37,13 @@ using A2l::Source;
 using A2l::SourceSet;
 using A2l::UpdateResult;
 
-struct UpdateArguments {
-    ReadArguments read;
+struct UpdateArguments : A2l::ImageArguments {
     std::string input;
-    std::string image;
-    std::string output;
     std::string report;
     std::string missing = "keep";
     bool inPlace = false;
     bool check = false;
     bool bitMasks = false;
-    bool wordAddresses = false;
 };
 
 MissingChoice MissingChoiceOf(const std::string& name) {
@@ -109,7 +105,7 @@ UpdateResult UpdateDescription(const UpdateArguments& arguments, const Document&
     choices.hasBitMasks = arguments.bitMasks;
     choices.hasOldPlaces = !arguments.report.empty();
     choices.isBigEndian = image.byteOrder == DataModel::ByteOrder::Big;
-    choices.isWordAddressed = arguments.wordAddresses;
+    choices.isWordAddressed = arguments.hasWordAddresses;
     choices.progress = [&bar](std::size_t done) { bar.Set(done); };
     return A2l::Update(document, model, index, choices);
 }
@@ -158,19 +154,9 @@ ExitStatus RunChecked(const UpdateArguments& arguments, ResultOutput& output) {
     SourceSet sources(LoadIfThere);
     const Document document = ParseDescription(arguments, sources);
     DataModel::DataModel model;
-    const ReadResult read = ReadSession(arguments.read).Read(arguments.image, model);
-    if (!read.isOk) {
-        // What such a read has not delivered would look as if the image lacked it.
-        return ReportResult(arguments.image, read);
-    }
-    if (!model.Image().isLinked) {
-        Tell(arguments.image, "an object file has no addresses yet; give the linked image");
-        return ExitStatus::Failed;
-    }
-    if (model.Image().isWordAddressed && !arguments.wordAddresses) {
-        Tell(arguments.image,
-             "this target counts memory in words of 16 bits, and addresses are written "
-             "in bytes; --word-addresses writes them in words");
+    const ExitStatus status = ReadWholeImage(arguments, model);
+    if (status != ExitStatus::Success) {
+        return status;
     }
     const UpdateResult result = UpdateDescription(arguments, document, model);
     std::optional<FileReplacement> report;
@@ -217,14 +203,8 @@ void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group) {
     command.add_option("A2L", arguments->input, "The description to update")
         ->required()
         ->type_name("");
-    command.add_option("IMAGE", arguments->image, "The file to read addresses from")
-        ->required()
-        ->type_name("");
-    CLI::Option* const output =
-        command
-            .add_option("-o,--output", arguments->output, "Write to FILE, not to standard output")
-            ->option_text("FILE")
-            ->take_last();
+    AddImageArgument(command, "The file to read addresses from", *arguments);
+    CLI::Option* const output = AddOutputArgument(command, *arguments);
     CLI::Option* const inPlace =
         command.add_flag("--in-place", arguments->inPlace,
                          "Change the description itself, and the files that it includes");
@@ -242,9 +222,7 @@ void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group) {
     AddChoiceArgument(command, "--missing", arguments->missing, {"keep", "zero", "remove"},
                       "What becomes of objects that the image lacks");
     command.add_flag("--bit-masks", arguments->bitMasks, "Change BIT_MASK of bit fields as well");
-    command.add_flag("--word-addresses", arguments->wordAddresses,
-                     "Count addresses in words of 16 bits, for targets that do so");
-    AddReadArguments(command, arguments->read);
+    AddReadingArguments(command, *arguments);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

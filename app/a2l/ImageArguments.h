@@ -1,0 +1,47 @@
+// What the commands of A2L files have in common: the image that they read, the file that they
+// write, and how the target counts its memory.
+#pragma once
+
+#include "ExitStatus.h"
+#include "ReadArguments.h"
+
+#include <string>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace Tessel::Norn::Brindle::DataModel {
+class DataModel;
+}
+
+namespace Tessel::Norn::Brindle::Program::A2l {
+
+struct ImageArguments {
+    ReadArguments read;
+    std::string image;
+    /// Empty for standard output.
+    std::string output;
+    /// Addresses in files count words of 16 bits.
+    bool hasWordAddresses = false;
+};
+
+/// @name Adding arguments
+/// `arguments` receives the values and must outlive the parsing.
+/// @{
+/// Adds `IMAGE`.
+void AddImageArgument(CLI::App& command, const std::string& purpose, ImageArguments& arguments);
+
+/// Adds `--output`.
+CLI::Option* AddOutputArgument(CLI::App& command, ImageArguments& arguments);
+
+/// Adds `--word-addresses` and what all commands that read files have.
+void AddReadingArguments(CLI::App& command, ImageArguments& arguments);
+/// @}
+
+/// Reads the image whole. Anything less is refused, since what is missing would look as if the
+/// image lacked it; the user is told. @return whether the model has all addresses
+ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::DataModel& model);
+
+} // namespace Tessel::Norn::Brindle::Program::A2l
