@@ -5,6 +5,7 @@
 
 #include "host/ImageDescription.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
@@ -108,6 +109,7 @@ ImagePack::ImagePack(const DataModel::DataModel& model, std::string file, const 
     , mFile(std::move(file))
     , mResult(result)
     , mWalk(model)
+    , mTexts(model.ObjectCount())
     , mTypes({"kind", "text", "size", "target", "basic", "stride", "unit", "entries", "members",
               "dimensions", "enumerators"})
     , mLayout({"kind", "name", "type", "offset", "size", "bit", "bits"})
@@ -129,6 +131,11 @@ ImagePack::ImagePack(const DataModel::DataModel& model, std::string file, const 
 
 std::uint64_t ImagePack::TypeNumber(ObjectId type) const {
     return type < mTypeNumbers.size() ? mTypeNumbers[type] : 0;
+}
+
+std::uint64_t ImagePack::IndexOf(ObjectId global) const {
+    const auto place = std::ranges::lower_bound(mVariableIds, global);
+    return static_cast<std::uint64_t>(place - mVariableIds.begin());
 }
 
 void ImagePack::NumberTypes() {
@@ -213,7 +220,7 @@ void ImagePack::AddVariables() {
 }
 
 void ImagePack::AddVariable(const ModelObject& variable) {
-    mVariableIndices.emplace(variable.id, mVariables.RowCount());
+    mVariableIds.push_back(variable.id);
     mVariables.AddRow({mTexts.NumberOf(variable.name), ScopeText(variable),
                        TypeNumber(variable.type), variable.address, mModel.SizeOf(variable.id),
                        UnitText(variable.id)});
@@ -239,7 +246,12 @@ std::uint32_t ImagePack::ScopeText(const ModelObject& variable) {
 }
 
 std::uint32_t ImagePack::UnitText(ObjectId id) {
-    return mTexts.NumberOf(mModel.Object(mModel.CompileUnitOf(id)).name);
+    const ObjectId unit = mModel.CompileUnitOf(id);
+    if (unit != mLastUnit) {
+        mLastUnit = unit;
+        mLastUnitText = mTexts.NumberOf(mModel.Object(unit).name);
+    }
+    return mLastUnitText;
 }
 
 void ImagePack::Write(PackWriter& json) const {

@@ -29,9 +29,7 @@ public:
               std::uint64_t valueLimit);
 
     /// Position of a variable among the variables, from 0.
-    [[nodiscard]] std::uint64_t IndexOf(DataModel::ObjectId global) const {
-        return mVariableIndices.at(global);
-    }
+    [[nodiscard]] std::uint64_t IndexOf(DataModel::ObjectId global) const;
     void Write(PackWriter& json) const;
 
 private:
@@ -55,7 +53,11 @@ private:
     DataModel::LeafWalk mWalk;
     TextTable mTexts;
     std::vector<std::uint32_t> mTypeNumbers;
-    std::unordered_map<DataModel::ObjectId, std::uint64_t> mVariableIndices;
+    /// Identifiers of the variables, in their order, which is rising.
+    std::vector<DataModel::ObjectId> mVariableIds;
+    /// The unit that was asked for last, with its text: neighbours share theirs.
+    DataModel::ObjectId mLastUnit = 0;
+    std::uint32_t mLastUnitText = 0;
     std::unordered_map<DataModel::ObjectId, std::uint32_t> mScopeTexts;
     PackedTable mTypes;
     PackedTable mLayout;

@@ -1,7 +1,6 @@
 #include "PackedColumns.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <utility>
 
@@ -12,47 +11,24 @@ namespace {
 constexpr std::string_view sDigits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::size_t sGroup = 3;
+constexpr std::size_t sDigitsOfGroup = 4;
 
-/// Turns bytes into base64 digits, three bytes at a time.
-class Base64Text {
-public:
-    /// @param byteCount number of bytes that will come
-    Base64Text(std::string start, std::size_t byteCount)
-        : mText(std::move(start)) {
-        mText.reserve(mText.size() + (byteCount + sGroup - 1) / sGroup * 4);
-    }
-
-    void Add(std::uint8_t byte) {
-        mBits = mBits << 8U | byte;
-        if (++mCount == sGroup) {
-            AddDigits();
+/// Appends bytes in base64.
+void AppendBase64(std::string& text, std::span<const std::uint8_t> bytes) {
+    std::size_t place = text.size();
+    text.resize(place + (bytes.size() + sGroup - 1) / sGroup * sDigitsOfGroup, '=');
+    for (; !bytes.empty(); bytes = bytes.subspan(std::min(bytes.size(), sGroup))) {
+        const std::size_t count = std::min(bytes.size(), sGroup);
+        const std::uint32_t bits = std::uint32_t{bytes[0]} << 16U |
+                                   (count > 1 ? std::uint32_t{bytes[1]} << 8U : 0U) |
+                                   (count > 2 ? std::uint32_t{bytes[2]} : 0U);
+        // The last group has a digit more than bytes; the rest of it stays filled up.
+        for (std::size_t digit = 0; digit <= count; ++digit) {
+            text[place + digit] = sDigits[bits >> (18U - 6U * digit) & 63U];
         }
+        place += sDigitsOfGroup;
     }
-
-    const std::string& Finish() {
-        if (mCount != 0) {
-            const std::size_t missing = sGroup - mCount;
-            mBits <<= 8U * missing;
-            AddDigits();
-            mText.replace(mText.size() - missing, missing, missing, '=');
-        }
-        return mText;
-    }
-
-private:
-    void AddDigits() {
-        const std::array<char, 4> digits = {sDigits[mBits >> 18U & 63U],
-                                            sDigits[mBits >> 12U & 63U], sDigits[mBits >> 6U & 63U],
-                                            sDigits[mBits & 63U]};
-        mText.append(digits.data(), digits.size());
-        mBits = 0;
-        mCount = 0;
-    }
-
-    std::string mText;
-    std::uint32_t mBits = 0;
-    std::size_t mCount = 0;
-};
+}
 
 std::size_t WidthOf(std::span<const std::uint64_t> numbers) {
     std::uint64_t allBits = 0;
@@ -73,7 +49,9 @@ void WriteKey(PackWriter& json, std::string_view key) {
 
 } // namespace
 
-TextTable::TextTable() {
+TextTable::TextTable(std::size_t expected) {
+    constexpr std::size_t mostReserved = std::size_t{1} << 16U;
+    mNumbers.reserve(std::min(expected, mostReserved));
     NumberOf({});
 }
 
@@ -102,24 +80,25 @@ void TextTable::Write(PackWriter& json) const {
 
 void WriteColumn(PackWriter& json, std::string_view key, std::span<const std::uint64_t> numbers) {
     const std::size_t width = WidthOf(numbers);
-    Base64Text text(std::to_string(width) + ":", numbers.size() * width);
+    std::vector<std::uint8_t> bytes;
+    bytes.reserve(numbers.size() * width);
     for (std::uint64_t number : numbers) {
         for (std::size_t byte = 0; byte < width; ++byte) {
-            text.Add(static_cast<std::uint8_t>(number));
+            bytes.push_back(static_cast<std::uint8_t>(number));
             number >>= 8U;
         }
     }
+    std::string text = std::to_string(width) + ":";
+    AppendBase64(text, bytes);
     WriteKey(json, key);
-    WriteString(json, text.Finish());
+    WriteString(json, text);
 }
 
 void WriteBytes(PackWriter& json, std::string_view key, std::span<const std::uint8_t> bytes) {
-    Base64Text text({}, bytes.size());
-    for (const std::uint8_t byte : bytes) {
-        text.Add(byte);
-    }
+    std::string text;
+    AppendBase64(text, bytes);
     WriteKey(json, key);
-    WriteString(json, text.Finish());
+    WriteString(json, text);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

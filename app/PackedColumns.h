@@ -44,7 +44,8 @@ using PackWriter = rapidjson::Writer<ScriptOutput>;
 /// Texts by their numbers. Number 0 is the empty text.
 class TextTable {
 public:
-    TextTable();
+    /// @param expected about how many texts will come; it only saves time
+    explicit TextTable(std::size_t expected = 0);
 
     /// The number of a text that outlives the table.
     std::uint32_t NumberOf(std::string_view text);
