@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <string_view>
 
 using namespace Tessel::Norn::Brindle;
 using namespace Tessel::Norn::Brindle::Program::A2l;
@@ -70,6 +71,16 @@ bool Covers(const Span& span, const Source& source, const TextEdit& edit) {
     return span.source == &source && span.position == edit.position && span.length == edit.length;
 }
 
+/// What is written of a file without a change is the file.
+void RequireSameBytes(const SourceSet& sources, std::string_view bytes) {
+    if (!sources.All().empty()) {
+        const Source& main = *sources.All().front();
+        std::string written;
+        main.WriteEncoded(main.Bytes(), [&written](std::string_view text) { written += text; });
+        Fuzzing::Require(written == bytes, "a file comes out as it went in");
+    }
+}
+
 /// Every edit is the number of an object, nothing less and nothing more.
 void RequireOnlyNumbers(const Document& document, const UpdateResult& result) {
     for (const auto& editsOfSource : result.edits) {
@@ -98,8 +109,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     parseChoices.hasMentions = choices.missing == MissingChoice::Remove;
     static const SymbolIndex sIndex(Image());
 
-    SourceSet sources = Files(std::string(input.Rest()));
+    const std::string_view bytes = input.Rest();
+    SourceSet sources = Files(std::string(bytes));
     const std::optional<Document> document = ParseMain(sources, parseChoices);
+    RequireSameBytes(sources, bytes);
     if (!document) {
         return 0;
     }

@@ -189,7 +189,9 @@ class Seeds:
         for index, text in enumerate(A2L[1:]):
             for choice in (0, 1, 3, 4, 8, 16):
                 self.add("a2l", f"{index}-{choice}", bytes([choice]) + text.encode())
-            self.add("a2l", f"{index}-whole", b"\1" + (A2L[0] % text).encode())
+            whole = A2L[0] % text
+            self.add("a2l", f"{index}-whole", b"\1" + whole.encode())
+            self.add("a2l", f"{index}-wide", b"\1\xff\xfe" + whole.encode("utf-16-le"))
         for index, text in enumerate(LOCATIONS):
             expression = bytes.fromhex(text.replace(" ", ""))
             self.add("locations", f"entry-{index}", bytes([4, 0, len(expression), 0]) + expression)

@@ -121,13 +121,6 @@ void WriteReport(const UpdateArguments& arguments, const Document& document,
     file.Finish();
 }
 
-void WriteToOutput(const Source& source, const UpdateResult& result, ResultOutput& output) {
-    const auto edits = result.edits.find(&source);
-    const A2l::TextEdits none;
-    (edits == result.edits.end() ? none : edits->second)
-        .Write(source.Bytes(), [&output](std::string_view text) { output.Write(text); });
-}
-
 /// @return false if included files would have to change that are not written
 bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
                   const UpdateResult& result, ResultOutput& output) {
@@ -138,7 +131,8 @@ bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
         plan = PlanAt(arguments.output, sources, result);
     } else {
         plan = PlanForMainAlone(sources, result);
-        WriteToOutput(*sources.All().front(), result, output);
+        WriteUpdated(*sources.All().front(), result,
+                     [&output](std::string_view text) { output.Write(text); });
     }
     WriteFiles(plan, result);
     for (const Source* const source : plan.stale) {

@@ -16,13 +16,7 @@ struct Closer {
 };
 
 /// Why bytes are no text that A2L can be written in; empty if they may be.
-std::string EncodingProblem(std::string_view bytes) {
-    using namespace std::string_view_literals;
-    for (const std::string_view mark : {"\xFF\xFE"sv, "\xFE\xFF"sv, "\0\0\xFE\xFF"sv}) {
-        if (bytes.starts_with(mark)) {
-            return "the file is in UTF-16 or UTF-32; convert it to UTF-8 first";
-        }
-    }
+std::string TextProblem(std::string_view bytes) {
     const std::size_t zero = bytes.find('\0');
     if (zero == std::string_view::npos) {
         return {};
@@ -30,8 +24,24 @@ std::string EncodingProblem(std::string_view bytes) {
     const std::string_view start = bytes.substr(0, 64);
     const auto zeros = static_cast<std::size_t>(std::ranges::count(start, '\0'));
     return zeros * 2 >= start.size() - 1 && start.size() > 1 && zero < 2
-               ? "the file looks like UTF-16; convert it to UTF-8 first"
+               ? "the file looks like UTF-16 without its byte order mark; convert it to UTF-8"
                : "expected an A2L text, got a binary file";
+}
+
+/// A file as a text. @throws Fault if it is none
+std::unique_ptr<Source> SourceOf(const std::string& path, std::string bytes) {
+    const Encoding encoding = EncodingOf(bytes);
+    if (encoding != Encoding::Bytes) {
+        std::optional<std::string> text = Decode(bytes, encoding);
+        if (!text) {
+            throw Fault(path, "the file begins as UTF-16 or UTF-32 and has bytes that aren't");
+        }
+        bytes = std::move(*text);
+    }
+    if (const std::string problem = TextProblem(bytes); !problem.empty()) {
+        throw Fault(path, problem);
+    }
+    return std::make_unique<Source>(path, std::move(bytes), encoding);
 }
 
 /// One spelling for each file, so that none is read twice.
@@ -52,6 +62,15 @@ std::size_t Source::LineOf(std::size_t position) const {
     mLine += static_cast<std::size_t>(std::count(start, end, '\n'));
     mCountedTo = std::min(position, mBytes.size());
     return mLine;
+}
+
+void Source::WriteEncoded(std::string_view text,
+                          const std::function<void(std::string_view)>& sink) const {
+    if (mEncoding == Encoding::Bytes) {
+        sink(text);
+    } else {
+        sink(Encode(text, mEncoding));
+    }
 }
 
 Fault::Fault(const Source& source, std::size_t position, const std::string& problem)
@@ -103,10 +122,7 @@ const Source* SourceSet::Find(const std::string& path) {
     if (!bytes) {
         return nullptr;
     }
-    if (const std::string problem = EncodingProblem(*bytes); !problem.empty()) {
-        throw Fault(path, problem);
-    }
-    mSources.push_back(std::make_unique<Source>(path, std::move(*bytes)));
+    mSources.push_back(SourceOf(path, std::move(*bytes)));
     return mByPath[normal] = mSources.back().get();
 }
 

@@ -2,6 +2,8 @@
 // of this folder works on views of their bytes; nothing here changes them.
 #pragma once
 
+#include "a2l/Encoding.h"
+
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -17,12 +19,18 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 /// One file, read whole. Its bytes stay where they are as long as the object lives.
 class Source {
 public:
-    Source(std::string path, std::string bytes)
+    /// @param bytes what the file holds; decoded, if its encoding is one that is
+    Source(std::string path, std::string bytes, Encoding encoding = Encoding::Bytes)
         : mPath(std::move(path))
-        , mBytes(std::move(bytes)) {}
+        , mBytes(std::move(bytes))
+        , mEncoding(encoding) {}
 
     [[nodiscard]] const std::string& Path() const { return mPath; }
     [[nodiscard]] std::string_view Bytes() const { return mBytes; }
+
+    /// Gives a part of `Bytes`, or what replaces one, as the file has it.
+    void WriteEncoded(std::string_view text,
+                      const std::function<void(std::string_view)>& sink) const;
 
     /// Number of the line of a position, counted from 1. Cheap where positions are asked in rising
     /// order.
@@ -31,6 +39,7 @@ public:
 private:
     std::string mPath;
     std::string mBytes;
+    Encoding mEncoding;
     mutable std::size_t mCountedTo = 0;
     mutable std::size_t mLine = 1;
 };
@@ -57,8 +66,7 @@ public:
     explicit SourceSet(FileLoader loader)
         : mLoader(std::move(loader)) {}
 
-    /// The file of a path. @throws Fault if it can't be read or is no text in ASCII, Latin-1 or
-    /// UTF-8
+    /// The file of a path. @throws Fault if it can't be read or is no text
     const Source& Open(const std::string& path);
 
     /// Finds the file that an include names: beside the file that includes it. Backslashes part

@@ -68,8 +68,16 @@ OutputPlan PlanForMainAlone(const SourceSet& sources, const UpdateResult& result
     return plan;
 }
 
-void WriteFiles(const OutputPlan& plan, const UpdateResult& result) {
+void WriteUpdated(const Source& source, const UpdateResult& result,
+                  const std::function<void(std::string_view)>& sink) {
     static const TextEdits sNoEdits;
+    const auto edits = result.edits.find(&source);
+    (edits == result.edits.end() ? sNoEdits : edits->second)
+        .Write(source.Bytes(),
+               [&](std::string_view text) { source.WriteEncoded(text, sink); });
+}
+
+void WriteFiles(const OutputPlan& plan, const UpdateResult& result) {
     std::vector<std::unique_ptr<FileReplacement>> files;
     for (const OutputFile& output : plan.files) {
         const fs::path folder = fs::path(output.path).parent_path();
@@ -77,10 +85,8 @@ void WriteFiles(const OutputPlan& plan, const UpdateResult& result) {
             fs::create_directories(folder);
         }
         files.push_back(std::make_unique<FileReplacement>(output.path));
-        const auto edits = result.edits.find(output.source);
-        (edits == result.edits.end() ? sNoEdits : edits->second)
-            .Write(output.source->Bytes(),
-                   [&files](std::string_view text) { files.back()->Write(text); });
+        WriteUpdated(*output.source, result,
+                     [&files](std::string_view text) { files.back()->Write(text); });
         files.back()->Finish();
     }
     for (const auto& file : files) {

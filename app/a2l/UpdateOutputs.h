@@ -4,7 +4,9 @@
 #include "a2l/Source.h"
 #include "a2l/Update.h"
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -30,6 +32,10 @@ OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const Updat
 
 /// Only the main file, which the caller writes.
 OutputPlan PlanForMainAlone(const SourceSet& sources, const UpdateResult& result);
+
+/// Gives a source with its changes piece by piece, as its file has it.
+void WriteUpdated(const Source& source, const UpdateResult& result,
+                  const std::function<void(std::string_view)>& sink);
 
 /// Writes all files, then puts all in their places. @throws std::system_error if one can't be
 /// written
