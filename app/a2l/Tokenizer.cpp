@@ -1,5 +1,6 @@
 #include "a2l/Tokenizer.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
@@ -28,6 +29,18 @@ bool IsSpace(char character) {
 constexpr std::array sShapingWords = {std::pair{std::string_view("/begin"), TokenKind::Begin},
                                       std::pair{std::string_view("/end"), TokenKind::End},
                                       std::pair{std::string_view("/include"), TokenKind::Include}};
+
+/// True where a word ends although no space parts it from what follows: at a comment, and at a
+/// "/end" or its like, which no name holds.
+bool EndsWord(std::string_view text) {
+    if (text.starts_with("/*") || text.starts_with("//")) {
+        return true;
+    }
+    return std::ranges::any_of(sShapingWords, [text](const auto& shaping) {
+        const std::string_view word = shaping.first;
+        return text.starts_with(word) && (text.size() == word.size() || IsSpace(text[word.size()]));
+    });
+}
 
 TokenKind KindOf(std::string_view word) {
     if (word.front() == '/') {
@@ -83,7 +96,7 @@ void Tokenizer::SkipSpace() {
             }
             mPosition = end + 2;
         } else if (start == "//") {
-            mPosition = std::min(mBytes.find('\n', mPosition), mBytes.size());
+            mPosition = std::min(mBytes.find_first_of("\r\n", mPosition), mBytes.size());
         } else {
             break;
         }
@@ -111,9 +124,7 @@ Token Tokenizer::TakeWord() {
     const std::size_t start = mPosition;
     ++mPosition;
     while (mPosition < mBytes.size() && !IsSpace(mBytes[mPosition]) && mBytes[mPosition] != '"') {
-        const bool isComment = mBytes[mPosition] == '/' && mPosition + 1 < mBytes.size() &&
-                               (mBytes[mPosition + 1] == '*' || mBytes[mPosition + 1] == '/');
-        if (isComment) {
+        if (mBytes[mPosition] == '/' && EndsWord(mBytes.substr(mPosition))) {
             break;
         }
         ++mPosition;

@@ -141,7 +141,7 @@ TEST(A2lParser, SaysWhereTheTextIsWrongAndWhatWasExpected) {
         {"\x7F"
          "ELF\2\1\1",
          "main.a2l:1: expected ASAP2_VERSION or /begin PROJECT"},
-        {"\xFF\xFE/", "main.a2l: the file is in UTF-16 or UTF-32; convert it to UTF-8 first"},
+        {"\xFF\xFE/", "main.a2l: the file begins as UTF-16 or UTF-32 and has bytes that aren't"},
         {"/begin PROJECT p \"\"\n/begin MODULE m \"\"\n/end PROJECT",
          "main.a2l:3: expected /end MODULE of line 2, got /end PROJECT"},
         {"/begin PROJECT p \"\"\n",
@@ -172,7 +172,7 @@ TEST(A2lParser, SaysWhereTheTextIsWrongAndWhatWasExpected) {
         EXPECT_THAT(ProblemOf(one.text), testing::HasSubstr(one.problem)) << one.text;
     }
     const std::string zeros("/\0b\0e\0g\0", 8);
-    EXPECT_THAT(ProblemOf(zeros), testing::HasSubstr("looks like UTF-16"));
+    EXPECT_THAT(ProblemOf(zeros), testing::HasSubstr("looks like UTF-16 without its byte order mark"));
     EXPECT_THAT(ProblemOf(std::string("\x7F"
                                       "ELF\1\1\1\0\0",
                                       9)),
@@ -211,4 +211,35 @@ TEST(A2lNumbers, AreWrittenAsTheOlderOnes) {
         EXPECT_EQ(Notation(one.older, true).Write(one.number), one.expected) << one.older;
     }
     EXPECT_EQ(Notation("0x20", false).Write(0xAB), "0xab");
+}
+
+TEST(A2lEncoding, GivesAnyTextBackAsItWas) {
+    using namespace std::string_literals;
+    struct Case {
+        std::string bytes;
+        Encoding encoding;
+        std::string text;
+    };
+    // Beside whole characters, halves of them that stand alone or the wrong way round.
+    const std::vector<Case> cases = {
+        {"\xFF\xFE"
+         "a\0\xE9\0\x3D\xD8\x00\xDE"s,
+         Encoding::Utf16Little, "\uFEFFa\u00E9\U0001F600"},
+        {"\xFE\xFF\0a\xD8\x3D\0b\xDE\0\xD8\x3D"s, Encoding::Utf16Big,
+         "\uFEFFa\xED\xA0\xBD"
+         "b\xED\xB8\x80\xED\xA0\xBD"},
+        {"\xFF\xFE\0\0\x00\xF6\x01\0\xFF\xFF\x10\0"s, Encoding::Utf32Little,
+         "\uFEFF\U0001F600\U0010FFFF"},
+        {"\0\0\xFE\xFF\0\0\xD8\x3D\0\0\xDE\0"s, Encoding::Utf32Big,
+         "\uFEFF\xED\xA0\xBD\xED\xB8\x80"},
+    };
+    for (const Case& one : cases) {
+        EXPECT_EQ(EncodingOf(one.bytes), one.encoding);
+        const std::optional<std::string> text = Decode(one.bytes, one.encoding);
+        EXPECT_EQ(text, one.text);
+        EXPECT_EQ(Encode(*text, one.encoding), one.bytes);
+    }
+    EXPECT_EQ(EncodingOf("\xEF\xBB\xBF/"), Encoding::Bytes);
+    EXPECT_EQ(Decode("abc", Encoding::Utf16Big), std::nullopt);
+    EXPECT_EQ(Decode("\0\x11\0\0"s, Encoding::Utf32Big), std::nullopt);
 }

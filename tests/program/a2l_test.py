@@ -117,6 +117,39 @@ class UpdateTest(A2lTest):
         self.assertEqual([row["status"] for row in document], ["updated", "notFound"])
         self.assertEqual(document[0]["newAddress"], 0x20000048)
 
+    def test_a_file_with_every_block_keeps_all_but_its_addresses(self):
+        template = (pathlib.Path(__file__).parent / "every_block.a2l").read_text(encoding="utf-8")
+        marks = re.findall("@([^@ ]+):([0-9]*[xXd])@", template)
+        self.assertEqual(len(marks), template.count("@") // 2)
+        new = old = template
+        for number, (name, form) in enumerate(marks):
+            prefix = "" if form == "d" else "0x"
+            mark = f"@{name}:{form}@"
+            new = new.replace(mark, prefix + format(self.address_of(name), form))
+            old = old.replace(mark, prefix + format(0x3B9ACA00 + 16 * number, form))
+        for encoding, ending in [("utf-8", "\n"), ("latin-1", "\r\n"), ("utf-8-sig", "\r\n"), ("latin-1", "\r"),
+                                 ("utf-16", "\r\n"), ("utf-16-be", "\n"), ("utf-32", "\n"), ("utf-32-be", "\n")]:
+            with self.subTest(encoding=encoding, ending=ending):
+                mark = "\ufeff" if encoding.endswith("-be") else ""
+                before, after = ((mark + text.replace("\n", ending)).encode(encoding) for text in (old, new))
+                self.input.write_bytes(before)
+                _, error = self.run_program("update", "in.a2l", IMAGE, "-o", "out.a2l")
+                self.assertEqual((self.folder / "out.a2l").read_bytes(), after)
+                self.assertIn(f"{len(marks) + 1} objects: {len(marks)} updated, 0 unchanged, 1 not found", error)
+                self.run_program("update", "out.a2l", IMAGE, "--check")
+
+    def test_word_addresses_count_words(self):
+        address = self.address_of("tick")
+        content = measurement("tick", "0x1") + measurement("link", "0x1", parts='SYMBOL_LINK "tick" 2')
+        self.input.write_text(description(content))
+        output, _ = self.run_program("update", "--word-addresses", "in.a2l", IMAGE)
+        found = [int(text, 16) for text in re.findall("ECU_ADDRESS (0x[0-9A-F]+)", output)]
+        self.assertEqual(found, [address // 2, address // 2 + 2])
+        _, error = self.run_program("export", "--word-addresses", IMAGE, "tick", "-o", "out.a2l")
+        self.assertIn(f"ECU_ADDRESS 0x{address // 2:08X}", (self.folder / "out.a2l").read_text())
+        self.run_program("update", "--word-addresses", "--check", "out.a2l", IMAGE)
+        self.run_program("update", "--check", "out.a2l", IMAGE, status=1)
+
     def test_a_person_is_told_what_is_wrong(self):
         content = measurement("motors[1].loops[0].gain", "0x200000CC", "UWORD") \
             + measurement("counter", "0x1") + measurement("tick", "0x20000048", "ULONG", "ARRAY_SIZE 3")
@@ -152,7 +185,7 @@ class UpdateTest(A2lTest):
     def test_bad_input_leaves_no_file_behind(self):
         self.file("bad.a2l", '/begin PROJECT p ""\n')
         self.file("circle.a2l", "/include circle.a2l")
-        self.file("utf16.a2l", "\xff\xfe/\0b\0")
+        self.file("utf16.a2l", "\xff\xfe/\0b")
         self.file("bad.elf", "\x7fELF")
         before = self.files()
         for arguments, message in [
