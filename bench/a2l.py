@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Measures `brindle a2l update` and `export` on a description of many objects: time and peak memory, beside
-those of the read of the image alone.
+"""Measures `brindle a2l update` and `export` on a description of many objects: time, time of the processor
+and peak memory, beside those of the read of the image alone.
 
     bench/a2l.py PROGRAM [--objects N]
 
@@ -74,7 +74,7 @@ def make_description(folder, image, variables):
 
 
 def run(*command):
-    """Seconds and megabytes of a program that ends well."""
+    """Seconds, seconds of the processor and megabytes of a program that ends well."""
     start = time.monotonic()
     process = subprocess.Popen([str(part) for part in command], stdout=subprocess.DEVNULL,
                                stderr=subprocess.PIPE)
@@ -82,7 +82,8 @@ def run(*command):
     _, status, usage = os.wait4(process.pid, 0)
     if status != 0:
         sys.exit(f"{command}: {message[-500:]}")
-    return time.monotonic() - start, usage.ru_maxrss / 1024, message.strip().splitlines()[-1:]
+    return (time.monotonic() - start, usage.ru_utime + usage.ru_stime, usage.ru_maxrss / 1024,
+            message.strip().splitlines()[-1:])
 
 
 def main():
@@ -96,7 +97,7 @@ def main():
         image = make_image(folder, variables)
         path, count = make_description(folder, image, variables)
         size = path.stat().st_size / 1e6
-        read_time, read_memory, _ = run(arguments.program, "find", image, "module_0")
+        read_time, read_busy, read_memory, _ = run(arguments.program, "find", image, "module_0")
         print(f"{count} objects, {size:.1f} MB; image read alone: {read_time:.2f} s, {read_memory:.0f} MB")
         for title, command in [
                 ("update", ["update", path, image, "-o", folder / "out.a2l"]),
@@ -104,8 +105,9 @@ def main():
                                           folder / "report.csv"]),
                 ("export", ["export", image, "-o", folder / "export.a2l"]),
                 ("export --structures", ["export", image, "--structures", "-o", folder / "types.a2l"])]:
-            seconds, memory, last = run(arguments.program, "a2l", *command)
-            print(f"{title}: {seconds - read_time:.2f} s and {memory - read_memory:.0f} MB beside the read, "
+            seconds, busy, memory, last = run(arguments.program, "a2l", *command)
+            print(f"{title}: {seconds - read_time:.2f} s ({busy - read_busy:.2f} s of the processor) and "
+                  f"{memory - read_memory:.0f} MB beside the read, "
                   f"{(memory - read_memory) / size:.1f} times the file; {' '.join(last)}")
 
 
