@@ -6,7 +6,6 @@
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TableWriter.h"
-#include "Terminal.h"
 
 #include "model/DataModel.h"
 
@@ -29,8 +28,9 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
     DataModel::DataModel model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), PlaceColumns(), output,
-                                       IsStandardOutputColoured());
+    const std::vector<Column> columns = PlaceColumns();
+    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
+                                       StandardOutputStyle());
     const std::vector<std::string> problems = WritePlaces(model, arguments.expressions, *table);
     if (HasDelivered(result, model)) {
         for (const std::string& problem : problems) {

@@ -1,18 +1,20 @@
 // The command `leaves`: the variables of a file, expanded to scalars.
 #include "CommandLine.h"
 #include "Commands.h"
+#include "ListArguments.h"
 #include "Message.h"
 #include "NearObjects.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TableWriter.h"
-#include "Terminal.h"
 
 #include "model/DataModel.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -21,8 +23,8 @@ namespace {
 struct LeavesArguments {
     ReadArguments read;
     DataModel::LeafLimits limits;
+    ListArguments list;
     std::string file;
-    std::string pattern;
     std::string format = "table";
 };
 
@@ -30,17 +32,31 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
     DataModel::DataModel model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), PlaceColumns(), output,
-                                       IsStandardOutputColoured());
-    const LeafList list = WriteLeaves(model, arguments.pattern, arguments.limits, *table);
-    for (const std::string& cut : DescribeCuts(list.cuts, arguments.limits)) {
+    std::optional<ListChoice> choice = MakeListChoice(arguments.list, arguments.file, model);
+    if (!choice) {
+        return ExitStatus::Failed;
+    }
+    const std::vector<Column> columns = PlaceColumns(choice->hasSections);
+    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
+                                       StandardOutputStyle());
+    const PatternArguments& names = arguments.list.names;
+    DataModel::LeafCuts cuts;
+    const bool hasMatch =
+        ListByPattern(names, arguments.file, "leaves", [&](const NameFilter& filter) {
+            choice->names = filter;
+            const LeafList list = WriteLeaves(model, *choice, arguments.limits, *table);
+            cuts = list.cuts;
+            return list.hasMatch;
+        });
+    table->Finish();
+    for (const std::string& cut : DescribeCuts(cuts, arguments.limits)) {
         Tell(arguments.file, cut);
     }
-    if (!list.hasMatch && HasDelivered(result, model)) {
-        Tell(arguments.file, "no leaf matches '" + arguments.pattern + "'" +
-                                 NearVariables(model, arguments.pattern));
+    if (hasMatch || !HasDelivered(result, model)) {
+        return status;
     }
-    return status;
+    Tell(arguments.file, EmptyListText("leaf", names) + NearVariables(model, names.pattern));
+    return EmptyListStatus(names, status);
 }
 
 } // namespace
@@ -54,7 +70,7 @@ void AddLeavesCommand(CommandLine& commandLine) {
          {}},
         [arguments](ResultOutput& output) { return RunLeaves(*arguments, output); });
     AddFileArgument(command, arguments->file);
-    AddPatternArgument(command, "variables and leaves", arguments->pattern);
+    AddListArguments(command, "variables and leaves", arguments->list);
     AddReadArguments(command, arguments->read);
     AddLeafLimitArguments(command, arguments->limits);
     AddFormatArgument(command, arguments->format);

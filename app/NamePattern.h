@@ -1,37 +1,92 @@
-// Patterns of names as a user writes them on the command line. Commands that list things by name
-// match with it.
+// Patterns of names as a user of a shell writes them. Commands that list things by name match with
+// them.
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// True if the whole name fits the pattern, in which `*` stands for any characters, none included,
-/// and `?` for one. Every other character stands for itself.
-bool MatchesPattern(std::string_view name, std::string_view pattern);
+/// `*` stands for any characters, none included, `?` for one, `[a-z]`, `[!a-z]` and `[[:digit:]]`
+/// for one of a set; `\` takes the meaning from the character behind it. Brackets are those of an
+/// index as well, so that `loops[0].gain` and `loops[*].gain` need no `\[`.
+class NamePattern {
+public:
+    /// @param ignoresCase upper and lower case count as alike
+    explicit NamePattern(std::string_view pattern, bool ignoresCase = false);
 
-/// True if there are texts that begin with `start` and fit the pattern.
-bool CanBeginMatch(std::string_view start, std::string_view pattern);
+    /// Fits what holds the word anywhere.
+    static NamePattern PartOf(std::string_view word, bool ignoresCase);
+
+    /// True for a pattern that is a plain word: it has no wildcards, and no brackets but those of
+    /// indices.
+    static bool IsPlain(std::string_view pattern);
+
+    /// True if the pattern fits the whole name.
+    [[nodiscard]] bool Fits(std::string_view name) const;
+
+    /// True if there are texts that begin with `start` and fit the pattern.
+    [[nodiscard]] bool CanBegin(std::string_view start) const;
+
+private:
+    enum class Kind { Character, AnyCharacter, AnyText, OneOf, NoneOf };
+    struct Step {
+        Kind kind = Kind::Character;
+        char32_t character = 0;
+        /// First and last character of each range of a set.
+        std::u32string ranges;
+    };
+    using Steps = std::vector<Step>;
+    class Parser;
+
+    NamePattern() = default;
+
+    [[nodiscard]] bool FitsSteps(const Steps& steps, std::string_view name) const;
+    [[nodiscard]] bool CanBeginSteps(const Steps& steps, std::string_view start) const;
+    [[nodiscard]] bool FitsOne(const Step& step, char32_t character) const;
+    [[nodiscard]] char32_t Folded(char32_t character) const;
+
+    /// With brackets as sets.
+    Steps mSteps;
+    /// With brackets as those of indices; empty for a pattern without any.
+    Steps mIndexSteps;
+    bool mIgnoresCase = false;
+};
+
+/// True if the whole name fits the pattern.
+bool MatchesPattern(std::string_view name, std::string_view pattern);
 
 /// What a command was asked to list.
 class NameFilter {
 public:
-    /// @param pattern borrowed; empty for everything
-    explicit NameFilter(std::string_view pattern)
-        : mPattern(pattern) {}
+    /// Takes everything.
+    NameFilter() = default;
+    /// @param pattern empty for everything
+    explicit NameFilter(std::string_view pattern, bool ignoresCase = false);
 
-    [[nodiscard]] bool TakesAll() const { return mPattern.empty(); }
+    /// Takes each name that holds the word; the scope of symbols without debug information is no
+    /// part of a name then.
+    static NameFilter PartOf(std::string_view word, bool ignoresCase);
+
+    [[nodiscard]] bool TakesAll() const { return !mPattern.has_value(); }
 
     /// True if the pattern fits the whole of a qualified name, or its last part, which begins at
-    /// `ownName`.
-    [[nodiscard]] bool Takes(std::string_view qualifiedName, std::size_t ownName) const;
+    /// `ownName`, or either with the compile unit and "::" in front.
+    /// @param unit may be empty
+    [[nodiscard]] bool Takes(std::string_view qualifiedName, std::size_t ownName,
+                             std::string_view unit = {}) const;
 
     /// True if a continuation of the name may be wanted.
-    [[nodiscard]] bool MayTakeBehind(std::string_view qualifiedName, std::size_t ownName) const;
+    [[nodiscard]] bool MayTakeBehind(std::string_view qualifiedName, std::size_t ownName,
+                                     std::string_view unit = {}) const;
 
 private:
-    std::string_view mPattern;
+    std::optional<NamePattern> mPattern;
+    bool mHasScope = false;
+    bool mIsPart = false;
 };
 
 /// Where the own name of an object begins in its qualified name.

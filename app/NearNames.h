@@ -18,9 +18,6 @@ public:
     ///     near names
     explicit NearNames(std::string_view wanted);
 
-    /// Takes any name for near, however far it is.
-    void TakeAll() { mFarthest = sAnyDistance; }
-
     void Offer(std::string_view name);
 
     /// "; nearest names: a, b", empty without any.
@@ -29,8 +26,6 @@ public:
     [[nodiscard]] std::string List() const;
 
 private:
-    static constexpr std::size_t sAnyDistance = 1000;
-
     [[nodiscard]] std::size_t DistanceTo(std::string_view name);
 
     std::string mWanted;

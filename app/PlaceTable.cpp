@@ -1,6 +1,6 @@
 #include "PlaceTable.h"
 
-#include "NamePattern.h"
+#include "ListChoice.h"
 #include "NearObjects.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
@@ -13,37 +13,69 @@ using DataModel::ModelObject;
 using DataModel::ObjectKind;
 using Place = DataModel::DataModel::Place;
 
-constexpr std::array sColumns = {Column{"address", true},
-                                 Column{"size", true},
-                                 Column{"type"},
-                                 Column{"name"},
-                                 Column{"bitOffset", true, true},
-                                 Column{"bitSize", true, true},
-                                 Column{"compileUnit"}};
-
 class PlaceRows {
 public:
-    PlaceRows(const DataModel::DataModel& model, TableWriter& table)
+    PlaceRows(const DataModel::DataModel& model, TableWriter& table, bool hasSections = false)
         : mModel(model)
         , mTable(table)
+        , mHasSections(hasSections)
         , mTypeTexts(model) {}
 
     void Add(std::string_view path, const Place& place) {
         const ModelObject unit = mModel.Object(mModel.CompileUnitOf(place.global));
-        std::array<Cell, sColumns.size()> row{
-            Address{place.address}, place.size, mTypeTexts.Of(place.type), path, std::monostate(),
-            std::monostate(),       unit.name};
+        mRow = {Address{place.address}, place.size, mTypeTexts.Of(place.type), path, Cell(), Cell(),
+                unit.name};
         if (place.isBitField) {
-            row[4] = std::uint64_t{place.bitOffset};
-            row[5] = place.bitSize;
+            mRow[4] = std::uint64_t{place.bitOffset};
+            mRow[5] = place.bitSize;
         }
-        mTable.AddRow(row);
+        if (mHasSections) {
+            mRow.push_back(SectionCell(mModel, place.address));
+        }
+        mTable.AddRow(mRow);
     }
 
 private:
     const DataModel::DataModel& mModel;
     TableWriter& mTable;
+    bool mHasSections;
     TypeTexts mTypeTexts;
+    std::vector<Cell> mRow;
+};
+
+/// Leaves that are kept until all are known.
+class KeptLeaves {
+public:
+    void Keep(std::string_view path, const Place& place) {
+        mLeaves.push_back({mPaths.size(), path.size(), place});
+        mPaths += path;
+    }
+
+    void WriteTo(PlaceRows& rows, RowOrder order) const {
+        std::vector<RowKey> keys;
+        keys.reserve(mLeaves.size());
+        for (const Leaf& leaf : mLeaves) {
+            keys.push_back({leaf.place.address, leaf.place.size, PathOf(leaf)});
+        }
+        for (const std::size_t row : SortedRows(keys, order)) {
+            rows.Add(PathOf(mLeaves[row]), mLeaves[row].place);
+        }
+    }
+
+private:
+    struct Leaf {
+        std::size_t pathStart = 0;
+        std::size_t pathLength = 0;
+        Place place;
+    };
+
+    [[nodiscard]] std::string_view PathOf(const Leaf& leaf) const {
+        return std::string_view(mPaths).substr(leaf.pathStart, leaf.pathLength);
+    }
+
+    /// The paths of all leaves, one after the other.
+    std::string mPaths;
+    std::vector<Leaf> mLeaves;
 };
 
 std::string ProblemText(const DataModel::DataModel& model, const std::string& expression,
@@ -58,23 +90,17 @@ std::string ProblemText(const DataModel::DataModel& model, const std::string& ex
 }
 
 /// Visits the leaves that are wanted, as `WriteLeaves` says.
-DataModel::LeafCuts VisitLeaves(const DataModel::DataModel& model, std::string_view pattern,
+DataModel::LeafCuts VisitLeaves(const DataModel::DataModel& model, const ListChoice& choice,
                                 const DataModel::LeafLimits& limits,
                                 const DataModel::LeafWalk::Visitor& visit) {
-    const NameFilter filter(pattern);
+    VariableFilter filter(model, choice);
     DataModel::LeafWalk walk(model, limits);
     model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
-        if (walk.Cuts().isExhausted) {
-            return;
-        }
-        const std::string name = model.QualifiedName(variable.id);
-        const std::size_t ownName = OwnNameStart(name, variable.name);
-        const bool isWhole = filter.Takes(name, ownName);
-        if (!isWhole && !filter.MayTakeBehind(name, ownName)) {
+        if (walk.Cuts().isExhausted || !filter.Begin(variable)) {
             return;
         }
         walk.Walk(variable.id, [&](std::string_view path, const Place& place) {
-            if (isWhole || filter.Takes(path, ownName)) {
+            if (filter.TakesSize(place.size) && filter.TakesLeaf(path)) {
                 visit(path, place);
             }
         });
@@ -88,28 +114,42 @@ std::string Count(std::uint64_t number, std::string_view one, std::string_view s
 
 } // namespace
 
-std::span<const Column> PlaceColumns() {
-    return sColumns;
+std::vector<Column> PlaceColumns(bool hasSections) {
+    std::vector<Column> columns = {Column{"address", true},         Column{"size", true},
+                                   Column{"type"},                  Column{"name", false, false, sLeastNameWidth},
+                                   Column{"bitOffset", true, true}, Column{"bitSize", true, true},
+                                   Column{"compileUnit"}};
+    if (hasSections) {
+        columns.push_back(Column{"section"});
+    }
+    return columns;
 }
 
-LeafList WriteLeaves(const DataModel::DataModel& model, std::string_view pattern,
+LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table) {
     LeafList result;
-    result.hasMatch = NameFilter(pattern).TakesAll();
-    PlaceRows rows(model, table);
+    PlaceRows rows(model, table, choice.hasSections);
+    KeptLeaves kept;
+    const bool isKept = choice.order != RowOrder::File;
     result.cuts =
-        VisitLeaves(model, pattern, limits, [&](std::string_view path, const Place& place) {
+        VisitLeaves(model, choice, limits, [&](std::string_view path, const Place& place) {
             result.hasMatch = true;
-            rows.Add(path, place);
+            if (isKept) {
+                kept.Keep(path, place);
+            } else {
+                rows.Add(path, place);
+            }
         });
-    table.Finish();
+    kept.WriteTo(rows, choice.order);
     return result;
 }
 
-bool HasMatch(const DataModel::DataModel& model, std::string_view pattern,
+bool HasMatch(const DataModel::DataModel& model, const NameFilter& names,
               const DataModel::LeafLimits& limits) {
     bool hasMatch = false;
-    VisitLeaves(model, pattern, limits,
+    ListChoice choice;
+    choice.names = names;
+    VisitLeaves(model, choice, limits,
                 [&hasMatch](std::string_view, const Place&) { hasMatch = true; });
     return hasMatch;
 }

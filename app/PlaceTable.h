@@ -3,7 +3,6 @@
 
 #include "model/LeafWalk.h"
 
-#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -12,27 +11,29 @@
 namespace Tessel::Norn::Brindle::Program {
 
 struct Column;
+struct ListChoice;
+class NameFilter;
 class TableWriter;
 
-/// address, size, type, name, bitOffset, bitSize, compileUnit
-std::span<const Column> PlaceColumns();
+/// address, size, type, name, bitOffset, bitSize, compileUnit, and section where it is asked for
+std::vector<Column> PlaceColumns(bool hasSections = false);
 
 /// The leaves that were wanted, and what was left out of them.
 struct LeafList {
-    /// False if there is a pattern that no leaf matches.
-    bool hasMatch = true;
+    /// False if there are none.
+    bool hasMatch = false;
     DataModel::LeafCuts cuts;
 };
 
-/// Writes a whole table of leaves, in the order of the delivery of their variables. Those are
-/// wanted whose path the pattern fits, with or without the scopes in front, and all of a variable
-/// whose name it fits.
+/// Adds the rows of the leaves that are wanted. By name those are whose path the pattern fits, with
+/// or without the scopes in front, and all of a variable whose name it fits. The caller finishes the
+/// table.
 /// @param table has `PlaceColumns`
-LeafList WriteLeaves(const DataModel::DataModel& model, std::string_view pattern,
+LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table);
 
-/// True if the pattern names a leaf, or a variable, of a model.
-bool HasMatch(const DataModel::DataModel& model, std::string_view pattern,
+/// True if a filter takes a leaf, or a variable, of a model.
+bool HasMatch(const DataModel::DataModel& model, const NameFilter& names,
               const DataModel::LeafLimits& limits);
 
 /// Writes a whole table of what expressions lead to, in their order: a row for each variable of the

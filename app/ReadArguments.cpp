@@ -9,7 +9,9 @@
 #include <CLI/Formatter.hpp>
 #include <CLI/Validators.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <fstream>
 #include <limits>
 #include <string_view>
 #include <system_error>
@@ -40,19 +42,6 @@ Number ParseNumber(const std::string& name, const std::string& text, Number leas
             name, std::string("'").append(text).append("' is no ").append(expected));
     }
     return number;
-}
-
-void AddLimit(CLI::App& command, const std::string& name, std::uint64_t& limit,
-              const std::string& purpose) {
-    command
-        .add_option_function<std::string>(
-            name,
-            [name, &limit](const std::string& text) {
-                limit = ParseNumber<std::uint64_t>(name, text, 1, "number from 1 on");
-            },
-            purpose)
-        ->take_last()
-        ->option_text("N (" + std::to_string(limit) + ")");
 }
 
 } // namespace
@@ -93,14 +82,47 @@ void AddPatternArgument(CLI::App& command, const std::string& things, std::strin
     command
         .add_option("PATTERN", pattern,
                     "Only the " + things +
-                        " whose name fits: * stands for any characters, ? for one")
+                        " whose name fits, with * ? [a-z] as in a shell, or contains the word")
+        ->each([](const std::string& text) {
+            const std::string problem = SecondImageProblem(text);
+            if (!problem.empty()) {
+                throw CLI::ValidationError(problem);
+            }
+        })
         ->type_name("");
 }
 
+std::string SecondImageProblem(const std::string& text) {
+    std::ifstream file(text, std::ios::binary);
+    std::array<char, 4> start{};
+    file.read(start.data(), start.size());
+    const std::string_view bytes(start.data(), static_cast<std::size_t>(file.gcount()));
+    if (!bytes.starts_with("\x7F" "ELF") && !bytes.starts_with("MZ")) {
+        return {};
+    }
+    return "one file at a time: '" + text +
+           "' is an image as well, and stands where a pattern is expected";
+}
+
+void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t& value,
+                       std::uint64_t least, const std::string& purpose) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [name, least, &value](const std::string& text) {
+                value = ParseNumber<std::uint64_t>(
+                    name, text, least, least == 0 ? "number" : "number from 1 on");
+            },
+            purpose)
+        ->take_last()
+        ->option_text("N (" + std::to_string(value) + ")");
+}
+
 void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits) {
-    AddLimit(command, "--max-elements", limits.arrayElements,
-             "Expand this many elements of each array");
-    AddLimit(command, "--max-leaves", limits.leaves, "Expand to this many leaves in all");
+    AddNumberArgument(command, "--max-elements", limits.arrayElements, 1,
+                      "Expand this many elements of each array");
+    AddNumberArgument(command, "--max-leaves", limits.leaves, 1,
+                      "Expand to this many leaves in all");
 }
 
 void AddChoiceArgument(CLI::App& command, const std::string& name, std::string& value,

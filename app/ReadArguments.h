@@ -37,9 +37,19 @@ void AddReaderOptionArgument(CLI::App& command);
 /// Adds `FILE`.
 void AddFileArgument(CLI::App& command, std::string& file);
 
-/// Adds `PATTERN`, which may be missing.
+/// Adds `PATTERN`, which may be missing. An image in its place is refused, since commands with a
+/// pattern read one file.
 /// @param things what the command lists, in the plural
 void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern);
+
+/// What is wrong with a text in the place of a pattern, for a person: it is a second image. Empty if
+/// nothing is.
+std::string SecondImageProblem(const std::string& text);
+
+/// Adds an option that takes a number.
+/// @param value what counts without the option; must outlive the parsing
+void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t& value,
+                       std::uint64_t least, const std::string& purpose);
 
 /// Adds `--max-elements` and `--max-leaves`.
 void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits);

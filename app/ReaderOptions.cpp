@@ -17,7 +17,6 @@ using Reader::DWARF::OptionDescription;
 
 std::string UnknownOptionMessage(std::string_view name) {
     NearNames near(name);
-    near.TakeAll();
     for (const OptionDescription& option : Reader::DWARF::OptionTable()) {
         near.Offer(option.name);
     }

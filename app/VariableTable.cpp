@@ -1,42 +1,95 @@
 #include "VariableTable.h"
 
-#include "NamePattern.h"
+#include "ListChoice.h"
 #include "TableWriter.h"
 
 #include "model/DataModel.h"
 
-#include <array>
 #include <string>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-constexpr std::array sColumns = {Column{"address", true}, Column{"size", true}, Column{"type"},
-                                 Column{"name"}, Column{"compileUnit"}};
+using DataModel::ModelObject;
+using DataModel::ObjectId;
+
+/// One variable that is kept until all are known.
+struct VariableRow {
+    ObjectId id = 0;
+    std::uint64_t address = 0;
+    std::uint64_t size = 0;
+    std::string name;
+};
+
+class VariableRows {
+public:
+    VariableRows(const DataModel::DataModel& model, const ListChoice& choice, TableWriter& table)
+        : mModel(model)
+        , mChoice(choice)
+        , mTable(table) {}
+
+    void Take(VariableRow row) {
+        if (mChoice.order == RowOrder::File) {
+            Write(row);
+        } else {
+            mRows.push_back(std::move(row));
+        }
+    }
+
+    void WriteKept() {
+        std::vector<RowKey> keys;
+        keys.reserve(mRows.size());
+        for (const VariableRow& row : mRows) {
+            keys.push_back({row.address, row.size, row.name});
+        }
+        for (const std::size_t row : SortedRows(keys, mChoice.order)) {
+            Write(mRows[row]);
+        }
+    }
+
+private:
+    void Write(const VariableRow& row) {
+        const std::string type = mModel.TypeText(mModel.Object(row.id).type);
+        const ModelObject unit = mModel.Object(mModel.CompileUnitOf(row.id));
+        std::vector<Cell> cells = {Address{row.address}, row.size, type, row.name, unit.name};
+        if (mChoice.hasSections) {
+            cells.push_back(SectionCell(mModel, row.address));
+        }
+        mTable.AddRow(cells);
+    }
+
+    const DataModel::DataModel& mModel;
+    const ListChoice& mChoice;
+    TableWriter& mTable;
+    std::vector<VariableRow> mRows;
+};
 
 } // namespace
 
-std::span<const Column> VariableColumns() {
-    return sColumns;
+std::vector<Column> VariableColumns(const ListChoice& choice) {
+    std::vector<Column> columns = {Column{"address", true}, Column{"size", true}, Column{"type"},
+                                   Column{"name", false, false, sLeastNameWidth}, Column{"compileUnit"}};
+    if (choice.hasSections) {
+        columns.push_back(Column{"section"});
+    }
+    return columns;
 }
 
-bool WriteVariables(const DataModel::DataModel& model, std::string_view pattern,
+bool WriteVariables(const DataModel::DataModel& model, const ListChoice& choice,
                     TableWriter& table) {
-    const NameFilter filter(pattern);
-    bool hasMatch = filter.TakesAll();
-    model.ForEach(DataModel::ObjectKind::Global, [&](const DataModel::ModelObject& variable) {
-        const std::string name = model.QualifiedName(variable.id);
-        if (!filter.Takes(name, OwnNameStart(name, variable.name))) {
-            return;
+    VariableFilter filter(model, choice);
+    VariableRows rows(model, choice, table);
+    bool hasMatch = false;
+    model.ForEach(DataModel::ObjectKind::Global, [&](const ModelObject& variable) {
+        const std::uint64_t size = model.SizeOf(variable.id);
+        if (filter.TakesSize(size) && filter.Begin(variable) && filter.IsWhole()) {
+            hasMatch = true;
+            rows.Take({variable.id, variable.address, size, filter.Name()});
         }
-        hasMatch = true;
-        const std::string type = model.TypeText(variable.type);
-        const DataModel::ModelObject unit = model.Object(model.CompileUnitOf(variable.id));
-        table.AddRow(std::array<Cell, sColumns.size()>{
-            Address{variable.address}, model.SizeOf(variable.id), type, name, unit.name});
     });
-    table.Finish();
+    rows.WriteKept();
     return hasMatch;
 }
 

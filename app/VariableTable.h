@@ -1,8 +1,7 @@
 // The rows that `vars` prints: one for each global variable of a model.
 #pragma once
 
-#include <span>
-#include <string_view>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::DataModel {
 class DataModel;
@@ -11,16 +10,16 @@ class DataModel;
 namespace Tessel::Norn::Brindle::Program {
 
 struct Column;
+struct ListChoice;
 class TableWriter;
 
-/// address, size, type, name, compileUnit
-std::span<const Column> VariableColumns();
+/// address, size, type, name, compileUnit, and section if the choice has it
+std::vector<Column> VariableColumns(const ListChoice& choice);
 
-/// Writes a whole table of the variables that a pattern fits, all for an empty one, in the order of
-/// delivery.
+/// Adds the rows of the variables that are wanted. The caller finishes the table.
 /// @param table has `VariableColumns`
-/// @return false if there is a pattern that no variable matches
-bool WriteVariables(const DataModel::DataModel& model, std::string_view pattern,
+/// @return false if there are none
+bool WriteVariables(const DataModel::DataModel& model, const ListChoice& choice,
                     TableWriter& table);
 
 } // namespace Tessel::Norn::Brindle::Program

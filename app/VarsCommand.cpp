@@ -1,18 +1,20 @@
 // The command `vars`: one row for each global variable of a file.
 #include "CommandLine.h"
 #include "Commands.h"
+#include "ListArguments.h"
 #include "Message.h"
 #include "NearObjects.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TableWriter.h"
-#include "Terminal.h"
 #include "VariableTable.h"
 
 #include "model/DataModel.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -20,8 +22,8 @@ namespace {
 
 struct VarsArguments {
     ReadArguments read;
+    ListArguments list;
     std::string file;
-    std::string pattern;
     std::string format = "table";
 };
 
@@ -29,13 +31,25 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
     DataModel::DataModel model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), VariableColumns(), output,
-                                       IsStandardOutputColoured());
-    if (!WriteVariables(model, arguments.pattern, *table) && HasDelivered(result, model)) {
-        Tell(arguments.file, "no variable matches '" + arguments.pattern + "'" +
-                                 NearVariables(model, arguments.pattern));
+    std::optional<ListChoice> choice = MakeListChoice(arguments.list, arguments.file, model);
+    if (!choice) {
+        return ExitStatus::Failed;
     }
-    return status;
+    const std::vector<Column> columns = VariableColumns(*choice);
+    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
+                                       StandardOutputStyle());
+    const PatternArguments& names = arguments.list.names;
+    const bool hasMatch =
+        ListByPattern(names, arguments.file, "variables", [&](const NameFilter& filter) {
+            choice->names = filter;
+            return WriteVariables(model, *choice, *table);
+        });
+    table->Finish();
+    if (hasMatch || !HasDelivered(result, model)) {
+        return status;
+    }
+    Tell(arguments.file, EmptyListText("variable", names) + NearVariables(model, names.pattern));
+    return EmptyListStatus(names, status);
 }
 
 } // namespace
@@ -49,7 +63,7 @@ void AddVarsCommand(CommandLine& commandLine) {
          {}},
         [arguments](ResultOutput& output) { return RunVars(*arguments, output); });
     AddFileArgument(command, arguments->file);
-    AddPatternArgument(command, "variables", arguments->pattern);
+    AddListArguments(command, "variables", arguments->list);
     AddReadArguments(command, arguments->read);
     AddFormatArgument(command, arguments->format);
 }

@@ -9,12 +9,13 @@ set -euo pipefail
 
 packages=(
     cmake g++ ninja-build
-    libcli11-dev libcsv-dev rapidjson-dev
+    libcli11-dev libcsv-dev libutf8proc-dev rapidjson-dev
 )
 # What every build needs that has tests in it.
 tests=(
     libbenchmark-dev libgmock-dev libgtest-dev
-    binutils gdb-multiarch pkgconf python3
+    binutils gdb-multiarch pkgconf python3 python3-jsonschema
+    fish zsh
     mono-mcs mono-runtime
 )
 case "${1:-}" in

@@ -25,14 +25,6 @@ TEST(NearNamesTest, TheNearestThreeAreKeptInTheirOrder) {
     EXPECT_EQ(NearTo(std::string(1000, 'x')), "");
 }
 
-TEST(NearNamesTest, AllMayCountAsNear) {
-    NearNames near("mode");
-    near.TakeAll();
-    near.Offer("something else");
-    near.Offer("mood");
-    EXPECT_EQ(near.Text(), "; nearest names: mood, something else");
-}
-
 } // namespace
 
 } // namespace Tessel::Norn::Brindle::Program
