@@ -3,10 +3,13 @@
 #include "Message.h"
 #include "NearNames.h"
 #include "OptionList.h"
+#include "ReadArguments.h"
 #include "ResultOutput.h"
+#include "Terminal.h"
 
 #include <algorithm>
 #include <iostream>
+#include <memory>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -57,7 +60,7 @@ std::string UnknownCommandProblem(const CLI::App& program, const std::string& ar
 CommandLine::CommandLine()
     : mProgram("Reads the symbols of a firmware image and prints them.", "brindle") {
     mProgram.set_help_flag("-h,--help", "Print this help and exit");
-    mProgram.set_version_flag("--version", "brindle " BRINDLE_VERSION,
+    mProgram.set_version_flag("-V,--version", "brindle " BRINDLE_VERSION,
                               "Print the version and exit");
     mProgram.add_flag_callback(
         "--list-options", [this] { mChosenAction = ListReaderOptions; },
@@ -69,9 +72,9 @@ CommandLine::CommandLine()
     mProgram.get_formatter()->label("REQUIRED", "(required)");
     mProgram.footer(
         "Results go to standard output, progress and messages to standard error.\n"
-        "Exit status: 0 success, 1 a read failed or an expression does not resolve, 2 wrong "
-        "usage.\n"
-        "'brindle COMMAND --help' shows the options of a command and an example.");
+        "Exit status: 0 success, 1 a read failed, nothing matches or an expression does not "
+        "resolve,\n2 wrong usage; 'diff --exit-code' has its own.\n"
+        "'brindle help COMMAND' shows the options of a command and an example.");
 }
 
 CLI::App& CommandLine::AddCommand(const CommandDescription& description, Action action) {
@@ -92,23 +95,70 @@ CLI::App& CommandLine::AddCommandTo(CLI::App& group, const CommandDescription& d
     command.group("Commands");
     command.footer((description.details.empty() ? "" : description.details + "\n\n") +
                    "Example:\n  " + description.example);
+    AddChoiceArgument(command, "--color", mColours, {"auto", "always", "never"},
+                      "Use colours; auto does so on a terminal, unless NO_COLOR is set");
     command.callback([this, action = std::move(action)] { mChosenAction = action; });
     return command;
 }
 
+void CommandLine::AddHelpCommand() {
+    const auto names = std::make_shared<Arguments>();
+    CLI::App& command = AddCommand(
+        {"help", "Print the help of a command", "brindle help vars", {}},
+        [this, names](ResultOutput& output) { return WriteHelp(*names, output); });
+    command.add_option("COMMAND", *names, "The command; without one, that of the program")
+        ->type_name("");
+}
+
+ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) const {
+    const CLI::App* command = &mProgram;
+    for (const std::string& name : names) {
+        if (!HasCommand(*command, name)) {
+            return EndWrongUsage(UnknownCommandProblem(*command, name));
+        }
+        command = command->get_subcommand(name);
+    }
+    std::string text = command->help();
+    output.Write(text.append(text.ends_with('\n') ? "" : "\n"));
+    return ExitStatus::Success;
+}
+
+void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
+    const auto isCommand = [this](const std::string& argument) {
+        return HasCommand(mProgram, argument);
+    };
+    const auto command = std::ranges::find_if(arguments, isCommand);
+    if (command == arguments.begin() || command == arguments.end() ||
+        !IsOption(arguments.front()) || mProgram.get_option_no_throw(arguments.front()) != nullptr) {
+        return;
+    }
+    auto behind = command + 1;
+    const CLI::App* const group = mProgram.get_subcommand(*command);
+    if (behind != arguments.end() && HasCommand(*group, *behind)) {
+        ++behind;
+    }
+    std::rotate(arguments.begin(), command, behind);
+}
+
 ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, ResultOutput& output) {
+    Arguments words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
+    MoveOptionsBehindCommand(words);
     // The parser would look for a command behind a word that is none.
     const CLI::App* group = &mProgram;
-    for (int position = 1; position < argumentCount && !group->get_subcommands({}).empty() &&
-                           !IsOption(arguments[position]);
-         ++position) {
-        if (!HasCommand(*group, arguments[position])) {
-            return EndWrongUsage(UnknownCommandProblem(*group, arguments[position]));
+    for (const std::string& word : words) {
+        if (group->get_subcommands({}).empty() || IsOption(word)) {
+            break;
         }
-        group = group->get_subcommand(arguments[position]);
+        if (!HasCommand(*group, word)) {
+            return EndWrongUsage(UnknownCommandProblem(*group, word));
+        }
+        group = group->get_subcommand(word);
     }
     try {
-        mProgram.parse(argumentCount, arguments);
+        // The parser takes the words from the end.
+        std::ranges::reverse(words);
+        mProgram.parse(words);
+        ChooseColours(ColourChoiceOf(mColours));
         if (!mChosenAction) {
             throw CLI::RequiredError("a command");
         }
@@ -154,7 +204,8 @@ std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
     if (unknown.empty()) {
         return error.what();
     }
-    return "nothing is expected behind the last argument, but there is '" + unknown.front() + "'";
+    const std::string problem = SecondImageProblem(unknown.front());
+    return problem.empty() ? "unexpected argument '" + unknown.front() + "'" : problem;
 }
 
 const CLI::App* CommandLine::ChosenCommand() const {

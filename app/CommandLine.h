@@ -9,6 +9,7 @@
 #include <CLI/Formatter.hpp>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -43,16 +44,24 @@ public:
     /// As `AddCommand`, within a group.
     CLI::App& AddCommandTo(CLI::App& group, const CommandDescription& description, Action action);
 
+    /// Adds the command `help`, which prints what `--help` of another command does.
+    void AddHelpCommand();
+
     /// Reads the arguments and runs the command that they name.
     ExitStatus Run(int argumentCount, const char* const* arguments, ResultOutput& output);
 
 private:
+    using Arguments = std::vector<std::string>;
+
+    ExitStatus WriteHelp(const Arguments& names, ResultOutput& output) const;
+    void MoveOptionsBehindCommand(Arguments& arguments) const;
     ExitStatus EndParsing(const CLI::ParseError& error, ResultOutput& output) const;
     [[nodiscard]] ExitStatus EndWrongUsage(const std::string& problem) const;
     [[nodiscard]] std::string UsageProblem(const CLI::ParseError& error) const;
     [[nodiscard]] const CLI::App* ChosenCommand() const;
 
     CLI::App mProgram;
+    std::string mColours = "auto";
     Action mChosenAction;
 };
 

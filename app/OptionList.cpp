@@ -2,7 +2,6 @@
 
 #include "ResultOutput.h"
 #include "TableWriter.h"
-#include "Terminal.h"
 
 #include "core/OptionTable.h"
 
@@ -38,7 +37,7 @@ ExitStatus ListReaderOptions(ResultOutput& output) {
     static constexpr std::array sColumns = {Column{"option"}, Column{"type"}, Column{"start"},
                                             Column{"meaning"}};
     const auto table =
-        MakeTableWriter(TableFormat::Table, sColumns, output, IsStandardOutputColoured());
+        MakeTableWriter(TableFormat::Table, sColumns, output, StandardOutputStyle());
     for (const Reader::DWARF::OptionDescription& option : Reader::DWARF::OptionTable()) {
         const std::string value = std::visit(ValueText(), option.variable);
         table->AddRow(std::array<Cell, sColumns.size()>{

@@ -10,13 +10,18 @@ namespace {
 
 /// Wide enough for the longest name of a phase.
 constexpr std::size_t sPhaseWidth = 12;
-constexpr std::size_t sBarWidth = 40;
+constexpr std::size_t sWidestBar = 40;
+/// What stands around the bar: its brackets, a space, three digits, the sign, and the last column,
+/// in which some terminals begin a new line.
+constexpr std::size_t sAroundBar = 8;
 constexpr std::int64_t sHundred = 100;
 
 } // namespace
 
-ProgressBar::ProgressBar(std::ostream& stream)
-    : mStream(stream) {}
+ProgressBar::ProgressBar(std::ostream& stream, std::size_t width)
+    : mStream(stream)
+    , mBarWidth(std::min(sWidestBar, width - std::min(width, sPhaseWidth + sAroundBar)))
+    , mLineWidth(std::max<std::size_t>(width, 1) - 1) {}
 
 ProgressBar::~ProgressBar() {
     Draw({});
@@ -50,18 +55,19 @@ void ProgressBar::SetPercent(std::int64_t percent) {
     mPercent = percent;
     std::string line = mPhase;
     if (percent != sNoBar) {
-        const auto full = static_cast<std::size_t>(percent) * sBarWidth / sHundred;
+        const auto full = static_cast<std::size_t>(percent) * mBarWidth / sHundred;
         line.resize(std::max(sPhaseWidth, line.size()), ' ');
-        line.append("[").append(full, '#').append(sBarWidth - full, '.').append("] ");
+        line.append("[").append(full, '#').append(mBarWidth - full, '.').append("] ");
         line.append(std::to_string(percent)).append("%");
     }
     Draw(line);
 }
 
 void ProgressBar::Draw(const std::string& line) {
-    const std::size_t rest = mDrawnLength - std::min(line.size(), mDrawnLength);
-    mStream << '\r' << line << std::string(rest, ' ') << std::flush;
-    mDrawnLength = line.size();
+    const std::string_view shown = std::string_view(line).substr(0, mLineWidth);
+    const std::size_t rest = mDrawnLength - std::min(shown.size(), mDrawnLength);
+    mStream << '\r' << shown << std::string(rest, ' ') << std::flush;
+    mDrawnLength = shown.size();
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -2,6 +2,7 @@
 // the reader; it writes to the stream it is given and nowhere else.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
@@ -14,7 +15,8 @@ namespace Tessel::Norn::Brindle::Program {
 class ProgressBar {
 public:
     /// @param stream a terminal; borrowed
-    explicit ProgressBar(std::ostream& stream);
+    /// @param width columns of the terminal
+    explicit ProgressBar(std::ostream& stream, std::size_t width = sUsualWidth);
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -30,11 +32,16 @@ public:
 
 private:
     static constexpr std::int64_t sNoBar = -1;
+    static constexpr std::size_t sUsualWidth = 80;
 
     void SetPercent(std::int64_t percent);
     void Draw(const std::string& line);
 
     std::ostream& mStream;
+    /// Characters of a full bar.
+    std::size_t mBarWidth;
+    /// Characters of a line.
+    std::size_t mLineWidth;
     std::string mPhase;
     std::int64_t mStart = 0;
     std::int64_t mExtent = 0;

@@ -1,9 +1,10 @@
 #include "TableWriter.h"
 
+#include "Characters.h"
 #include "JsonOutput.h"
 #include "PlainText.h"
 #include "ResultOutput.h"
-#include "Utf8.h"
+#include "Terminal.h"
 
 #include <algorithm>
 #include <array>
@@ -62,10 +63,10 @@ constexpr std::string_view sEndCode = "\x1B[0m";
 /// Keeps the rows, since the widths of the columns follow from all of them, or from very many.
 class AlignedWriter final : public TableWriter {
 public:
-    AlignedWriter(std::span<const Column> columns, ResultOutput& output, bool isColoured)
+    AlignedWriter(std::span<const Column> columns, ResultOutput& output, const TableStyle& style)
         : mColumns(columns)
         , mOutput(output)
-        , mIsColoured(isColoured)
+        , mStyle(style)
         , mWidths(columns.size()) {
         for (std::size_t column = 0; column < columns.size(); ++column) {
             AddCell(column, columns[column].name);
@@ -78,6 +79,7 @@ public:
         if (!mHasRows) {
             return;
         }
+        FitWidths();
         std::string line;
         std::size_t start = 0;
         for (std::size_t cell = 0; cell < mEnds.size(); ++cell) {
@@ -117,34 +119,87 @@ private:
         AppendCell(mText, cell);
         ReplaceControlCharacters(mText, start);
         mEnds.push_back(mText.size());
-        const std::size_t width = CharacterCount(std::string_view(mText).substr(start));
+        const std::size_t width = DisplayWidth(std::string_view(mText).substr(start));
         if (width != 0) {
-            const std::size_t heading = CharacterCount(mColumns[column].name);
-            mWidths[column] = std::max({mWidths[column], heading, std::min(width, sWidestColumn)});
+            const std::size_t heading = DisplayWidth(mColumns[column].name);
+            mWidths[column] = std::max({mWidths[column], heading, std::min(width, WidestColumn())});
         }
+    }
+
+    /// A screen's lines are cut, so that no text can stand out.
+    [[nodiscard]] std::size_t WidestColumn() const {
+        return std::max(sWidestColumn, mStyle.width);
+    }
+
+    /// Makes the texts narrower, the widest first, until a line fits the screen or none can give
+    /// more.
+    void FitWidths() {
+        if (mStyle.width == 0) {
+            return;
+        }
+        std::size_t total = LineWidth();
+        while (total > mStyle.width) {
+            std::size_t widest = mColumns.size();
+            for (std::size_t column = 0; column < mColumns.size(); ++column) {
+                const bool canGive = !mColumns[column].isNumber &&
+                                     mWidths[column] > mColumns[column].leastWidth;
+                if (canGive && (widest == mColumns.size() || mWidths[column] > mWidths[widest])) {
+                    widest = column;
+                }
+            }
+            if (widest == mColumns.size()) {
+                return;
+            }
+            --mWidths[widest];
+            --total;
+        }
+    }
+
+    [[nodiscard]] std::size_t LineWidth() const {
+        std::size_t total = 0;
+        for (const std::size_t width : mWidths) {
+            total += width == 0 ? 0 : width + sColumnGap.size();
+        }
+        return total - std::min(total, sColumnGap.size());
     }
 
     void AppendAligned(std::string& line, std::size_t column, std::string_view text) {
         const std::size_t width = mWidths[column];
-        const std::size_t padding = width - std::min(CharacterCount(text), width);
+        if (mStyle.width != 0 && !mColumns[column].isNumber) {
+            mCut = CutInMiddle(text, width, mStyle.ellipsis);
+            text = mCut;
+        }
+        const std::size_t padding = width - std::min(DisplayWidth(text), width);
         const bool isNumber = mColumns[column].isNumber;
         line.append(isNumber ? padding : 0, ' ').append(text);
         line.append(isNumber ? 0 : padding, ' ').append(sColumnGap);
     }
 
+    /// The part of a line that fits the screen.
+    [[nodiscard]] std::string FittingPart(std::string_view line) const {
+        if (mStyle.width == 0 || DisplayWidth(line) <= mStyle.width) {
+            return std::string(line);
+        }
+        const std::size_t rest =
+            mStyle.width - std::min(DisplayWidth(mStyle.ellipsis), mStyle.width);
+        return std::string(StartOfWidth(line, rest)).append(mStyle.ellipsis);
+    }
+
     void WriteLine(std::string_view line, std::size_t row) {
         const bool isHeading = mIsHeadingDue && row == 0;
         const std::string_view code = isHeading ? sHeaderCode : ColourCode(mColours[row]);
-        const bool isColoured = mIsColoured && !code.empty();
+        const bool isColoured = mStyle.isColoured && !code.empty();
         mOutput.Write(isColoured ? code : std::string_view());
-        mOutput.Write(line);
+        mOutput.Write(FittingPart(line));
         mOutput.Write(isColoured ? sEndCode : std::string_view());
         mOutput.Put('\n');
     }
 
     std::span<const Column> mColumns;
     ResultOutput& mOutput;
-    bool mIsColoured;
+    TableStyle mStyle;
+    /// The text of a cell that was cut.
+    std::string mCut;
     /// 0 for a column that is left out.
     std::vector<std::size_t> mWidths;
     /// The texts of all cells, one after the other, and where each ends.
@@ -245,15 +300,19 @@ TableFormat TableFormatOf(std::string_view name) {
     return name == "json" ? TableFormat::Json : TableFormat::Table;
 }
 
+TableStyle StandardOutputStyle() {
+    return {IsStandardOutputColoured(), StandardOutputWidth(), Ellipsis()};
+}
+
 std::unique_ptr<TableWriter> MakeTableWriter(TableFormat format, std::span<const Column> columns,
-                                             ResultOutput& output, bool isColoured) {
+                                             ResultOutput& output, const TableStyle& style) {
     switch (format) {
     case TableFormat::Csv:
         return std::make_unique<CsvWriter>(columns, output);
     case TableFormat::Json:
         return std::make_unique<JsonTableWriter>(columns, output);
     default:
-        return std::make_unique<AlignedWriter>(columns, output, isColoured);
+        return std::make_unique<AlignedWriter>(columns, output, style);
     }
 }
 

@@ -2,6 +2,7 @@
 // results through it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -24,12 +25,17 @@ enum class TableFormat {
 /// The format of a name: "table", "csv" or "json".
 TableFormat TableFormatOf(std::string_view name);
 
+/// To how many columns of the screen a name may be cut.
+constexpr std::size_t sLeastNameWidth = 16;
+
 struct Column {
     std::string_view name;
     /// Aligned to the right in a table.
     bool isNumber = false;
     /// Left out of a table where it has nothing in any row.
     bool isOptional = false;
+    /// To how many columns of the screen its texts may be cut.
+    std::size_t leastWidth = 8;
 };
 
 /// An address: hexadecimal with at least 8 digits, in JSON a number.
@@ -63,9 +69,20 @@ protected:
     virtual void WriteRow(std::span<const Cell> cells, RowColour colour) = 0;
 };
 
+/// How a table for a person looks; the other formats don't depend on it.
+struct TableStyle {
+    bool isColoured = false;
+    /// Columns of the screen, to which lines are cut; 0 for no limit.
+    std::size_t width = 0;
+    /// Stands where a text is cut.
+    std::string_view ellipsis = "...";
+};
+
+/// The style for what standard output goes to.
+TableStyle StandardOutputStyle();
+
 /// @param columns, output borrowed for the life of the writer
-/// @param isColoured whether a table for a person has colours; the other formats never have
 std::unique_ptr<TableWriter> MakeTableWriter(TableFormat format, std::span<const Column> columns,
-                                             ResultOutput& output, bool isColoured = false);
+                                             ResultOutput& output, const TableStyle& style = {});
 
 } // namespace Tessel::Norn::Brindle::Program

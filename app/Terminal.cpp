@@ -8,6 +8,9 @@
 #else
 #include <cerrno>
 #include <fcntl.h>
+#include <langinfo.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): has newlocale
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -32,12 +35,71 @@ std::string_view EnvironmentValue(const char* name) {
     return value == nullptr ? std::string_view() : value;
 }
 
+/// Set once, while the arguments are parsed.
+ColourChoice sColourChoice = ColourChoice::Auto;
+
 bool IsColoured(int stream) {
+    if (sColourChoice != ColourChoice::Auto) {
+        return sColourChoice == ColourChoice::Always;
+    }
     return EnvironmentValue("NO_COLOR").empty() && EnvironmentValue("TERM") != "dumb" &&
            IsTerminal(stream);
 }
 
+/// Of a screen that doesn't tell its width.
+constexpr std::size_t sUsualWidth = 80;
+
+std::size_t WidthOf(int stream) {
+    if (!IsTerminal(stream)) {
+        return 0;
+    }
+#ifndef _WIN32
+    winsize size{};
+    if (ioctl(stream, TIOCGWINSZ, &size) == 0 && size.ws_col != 0) { // NOLINT(*-vararg)
+        return size.ws_col;
+    }
+#endif
+    return sUsualWidth;
+}
+
+bool IsLocaleUtf8() {
+#ifdef _WIN32
+    return false;
+#else
+    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
+    if (locale == nullptr) {
+        return false;
+    }
+    const bool isUtf8 = std::string_view(nl_langinfo_l(CODESET, locale)) == "UTF-8";
+    freelocale(locale);
+    return isUtf8;
+#endif
+}
+
 } // namespace
+
+ColourChoice ColourChoiceOf(std::string_view name) {
+    if (name == "always") {
+        return ColourChoice::Always;
+    }
+    return name == "never" ? ColourChoice::Never : ColourChoice::Auto;
+}
+
+void ChooseColours(ColourChoice choice) {
+    sColourChoice = choice;
+}
+
+std::size_t StandardErrorWidth() {
+    return WidthOf(sStandardError);
+}
+
+std::size_t StandardOutputWidth() {
+    return WidthOf(sStandardOutput);
+}
+
+std::string_view Ellipsis() {
+    return IsLocaleUtf8() ? "\u2026" : "...";
+}
 
 bool IsStandardErrorTerminal() {
     return IsTerminal(sStandardError);

@@ -1,19 +1,43 @@
 // What the program asks its platform: the one place that may use operations outside standard C++.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Program {
 
 /// True if standard error goes to a person's screen.
 bool IsStandardErrorTerminal();
 
-/// @name True if text of this stream may be coloured: it goes to a screen that can do it, and the
-/// environment has no `NO_COLOR`.
+enum class ColourChoice {
+    /// Where a person's screen can do it, unless the environment has `NO_COLOR`.
+    Auto,
+    Always,
+    Never,
+};
+
+/// The choice of a name: "auto", "always" or "never".
+ColourChoice ColourChoiceOf(std::string_view name);
+
+/// Says for the rest of the process where there are colours; `Auto` holds until then.
+void ChooseColours(ColourChoice choice);
+
+/// @name True if text of this stream is coloured
 /// @{
 bool IsStandardErrorColoured();
 bool IsStandardOutputColoured();
 /// @}
+
+/// @name Columns of the screen that a stream goes to, 0 if it goes to none
+/// @{
+std::size_t StandardErrorWidth();
+std::size_t StandardOutputWidth();
+/// @}
+
+/// What stands for a part of a text that is left out: one character where the user's locale is
+/// UTF-8, else three points.
+std::string_view Ellipsis();
 
 /// Waits until all bytes of a file have reached the disk. False if the system says otherwise, which
 /// `errno` then explains.

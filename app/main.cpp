@@ -29,6 +29,7 @@ ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     AddTraceCommand(commandLine);
     AddA2lCommands(commandLine);
     AddDemangleCommand(commandLine);
+    commandLine.AddHelpCommand();
     const ExitStatus status = commandLine.Run(argumentCount, arguments, output);
     output.Sync();
     return status;

@@ -40,6 +40,19 @@ TEST_F(ProgressBarTest, OneLineTellsPhaseAndPercentAndIsWipedOut) {
     EXPECT_EQ(Drawn(), "\r         \r");
 }
 
+TEST_F(ProgressBarTest, TheLineFitsANarrowTerminal) {
+    for (const std::size_t width : {std::size_t{1}, std::size_t{15}, std::size_t{40}}) {
+        mBar.emplace(mScreen, width);
+        mBar->SetPhase("delivering");
+        mBar->SetInterval(0, 10);
+        Drawn();
+        mBar->SetValue(10);
+        const std::string line = Drawn();
+        EXPECT_LE(line.size(), width) << line; // of which one moves to the start
+        EXPECT_EQ(line.ends_with("####] 100%"), width == 40) << line;
+    }
+}
+
 TEST_F(ProgressBarTest, ValuesOfAnySizeStayWithinTheBar) {
     const auto least = std::numeric_limits<std::int32_t>::min();
     const auto most = std::numeric_limits<std::int32_t>::max();
