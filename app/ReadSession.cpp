@@ -9,14 +9,10 @@
 #include "host/ContainerDetection.h"
 #include "host/CurrentDataModel.h"
 
-#include <cerrno>
 #include <exception>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <new>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -38,26 +34,7 @@ std::string_view PhaseName(ReadPhase phase) {
     }
 }
 
-/// What the system says of a file that can't be read at all; empty if it can.
-std::string SystemProblem(const std::string& file) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(file, error);
-    if (error) {
-        return error.message();
-    }
-    if (std::filesystem::is_directory(status)) {
-        return std::make_error_code(std::errc::is_a_directory).message();
-    }
-    if (std::filesystem::is_fifo(status)) {
-        return "A pipe can't be read back and forth";
-    }
-    errno = 0;
-    const std::ifstream stream(file, std::ios::binary);
-    if (!stream) {
-        return std::generic_category().message(errno);
-    }
-    return std::filesystem::file_size(file, error) == 0 && !error ? "The file is empty" : "";
-}
+constexpr std::int32_t sGermanLanguage = 49;
 
 DWARFContainerType ChooseContainer(std::string_view choice, const std::string& file) {
     if (choice == "auto") {
@@ -73,6 +50,8 @@ DWARFContainerType ChooseContainer(std::string_view choice, const std::string& f
 
 ReadSession::ReadSession(const ReadArguments& arguments, CallbackSink sink)
     : mContainer(arguments.container)
+    , mLanguage(arguments.language == sGermanLanguage ? MessageLanguage::German
+                                                      : MessageLanguage::English)
     , mIsProgressDrawn(!arguments.noProgress && IsStandardErrorTerminal())
     , mSink(std::move(sink)) {
     mReader.ReadAllTypes(arguments.allTypes);
@@ -132,23 +111,17 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     } catch (const OutputError&) {
         throw;
     } catch (const std::bad_alloc&) {
-        mError = "Not enough memory.";
+        mError = ProblemText(ReadProblem::NoMemory, mLanguage);
     } catch (const std::exception& error) {
         mError = error.what();
     }
     if (!result.isOk) {
         result.error = std::exchange(mError, {});
-        result.remark = SystemProblem(file);
-        if (result.error.find("ELF_TRY_READ_CORRUPTED_COMPILE_UNITS") != std::string::npos) {
-            result.remark = "--set mTryReadCorruptedCompileUnits=1";
-        }
-        if (result.remark.empty() && mContainer == "auto" &&
-            result.container == DWARFContainerType::Container_COFF) {
-            result.remark = "Read as COFF, being neither ELF nor a Windows image";
-        }
-        if (result.remark.empty() && result.container == DWARFContainerType::Container_PE &&
-            !mHasPhase) {
-            result.remark = "No Windows image, or not all of one";
+        result.remark = RemarkOn(file, result);
+        result.message = result.error.empty() ? ProblemText(ReadProblem::CouldNotRead, mLanguage)
+                                              : result.error;
+        if (!result.remark.empty()) {
+            result.message += " (" + result.remark + ")";
         }
     }
     // The reader's own words on such a file are numbers alone.
@@ -161,10 +134,25 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     return result;
 }
 
+std::string ReadSession::RemarkOn(const std::string& file, const ReadResult& result) const {
+    if (result.error.find("ELF_TRY_READ_CORRUPTED_COMPILE_UNITS") != std::string::npos) {
+        return "--set mTryReadCorruptedCompileUnits=1";
+    }
+    std::string remark = SystemProblem(file, mLanguage);
+    if (!remark.empty()) {
+        return remark;
+    }
+    if (mContainer == "auto" && result.container == DWARFContainerType::Container_COFF) {
+        return ProblemText(ReadProblem::ReadAsCoff, mLanguage);
+    }
+    const bool isPe = result.container == DWARFContainerType::Container_PE;
+    return isPe && !mHasPhase ? ProblemText(ReadProblem::NoWindowsImage, mLanguage) : remark;
+}
+
 bool ReadSession::RunReader(const std::string& file, DWARFContainerType container) {
     std::optional<ProgressBar> progressBar;
     if (mIsProgressDrawn) {
-        progressBar.emplace(std::cerr);
+        progressBar.emplace(std::cerr, StandardErrorWidth());
     }
     mProgressBar = progressBar ? &*progressBar : nullptr;
     return mReader.Read(file, container);
@@ -179,11 +167,7 @@ ExitStatus ReportResult(const std::string& file, const ReadResult& result) {
     if (result.isOk) {
         return ExitStatus::Success;
     }
-    std::string message = result.error.empty() ? "The file could not be read." : result.error;
-    if (!result.remark.empty()) {
-        message += " (" + result.remark + ")";
-    }
-    Tell(file, message);
+    Tell(file, result.message);
     return ExitStatus::Failed;
 }
 

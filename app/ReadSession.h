@@ -4,6 +4,7 @@
 
 #include "ExitStatus.h"
 #include "ProgressBar.h"
+#include "ReadProblem.h"
 
 #include "host/DWARFContainerType.h"
 #include "host/HostDataModel.h"
@@ -37,6 +38,8 @@ struct ReadResult {
     /// What explains the error to a person, where the program knows more: why the system refuses
     /// the file, or what it was taken for.
     std::string remark;
+    /// Error and remark as a person reads them; empty after success.
+    std::string message;
 };
 
 /// One reader for any number of reads, one after the other.
@@ -54,9 +57,11 @@ public:
 private:
     void ConnectCallbacks();
     void Signal(const ReaderCallback& callback) const;
+    [[nodiscard]] std::string RemarkOn(const std::string& file, const ReadResult& result) const;
     bool RunReader(const std::string& file, Reader::DWARF::DWARFContainerType container);
 
     std::string mContainer;
+    MessageLanguage mLanguage;
     bool mIsProgressDrawn;
     CallbackSink mSink;
     Reader::DWARF::VDWARFReader mReader;
