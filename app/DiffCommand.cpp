@@ -1,20 +1,24 @@
-// The command `diff`: what has changed for each variable and each leaf from one build to the next.
+// The command `diff`: what has changed from one build to the next, for each variable and within it.
 #include "CommandLine.h"
 #include "Commands.h"
 #include "DecisionGuard.h"
+#include "DiffDocument.h"
 #include "DifferenceTable.h"
+#include "ListArguments.h"
 #include "Message.h"
 #include "ModelComparison.h"
 #include "NearObjects.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
+#include "ResultOutput.h"
 #include "TableWriter.h"
-#include "Terminal.h"
 
 #include "model/DataModel.h"
 
+#include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,8 +31,35 @@ struct DiffArguments {
     DataModel::LeafLimits limits;
     std::string oldFile;
     std::string newFile;
-    std::string pattern;
+    PatternArguments names;
     std::string format = "table";
+    bool hasVariablesOnly = false;
+    bool hasSymbols = false;
+    bool hasExitCode = false;
+};
+
+/// Both builds, read.
+struct Builds {
+    explicit Builds(const DiffArguments& arguments)
+        : session(arguments.read)
+        , oldResult(Read(arguments.oldFile, oldModel))
+        , newResult(Read(arguments.newFile, newModel)) {}
+
+    [[nodiscard]] bool AreComplete() const { return oldResult.isOk && newResult.isOk; }
+
+    ReadSession session;
+    DataModel::DataModel oldModel;
+    DataModel::DataModel newModel;
+    ReadResult oldResult;
+    ReadResult newResult;
+
+private:
+    ReadResult Read(const std::string& file, DataModel::DataModel& model) {
+        const DecisionGuard guard;
+        ReadResult result = session.Read(file, model);
+        ReportResult(file, result);
+        return result;
+    }
 };
 
 void TellCuts(const std::string& file, const DataModel::LeafCuts& cuts,
@@ -44,45 +75,99 @@ void TellMissing(const std::string& file, const ReadResult& result, const std::s
     }
 }
 
-void TellNothingFound(const DiffArguments& arguments, const DataModel::DataModel& oldModel,
-                      const DataModel::DataModel& newModel) {
-    if (HasMatch(oldModel, arguments.pattern, arguments.limits) ||
-        HasMatch(newModel, arguments.pattern, arguments.limits)) {
-        Tell("nothing that matches '" + arguments.pattern + "' has changed");
-    } else {
-        Tell("no variable or leaf of the two files matches '" + arguments.pattern + "'" +
-             NearVariables(newModel, arguments.pattern));
+/// The filter that the pattern asks for; without a value, which is told, if it fits nothing in
+/// either build.
+std::optional<NameFilter> ChooseFilter(const DiffArguments& arguments, const Builds& builds) {
+    NameFilter chosen;
+    const PatternArguments& names = arguments.names;
+    const bool hasMatch = ListByPattern(
+        names, arguments.newFile, "variables and leaves", [&](const NameFilter& filter) {
+            chosen = filter;
+            return filter.TakesAll() || HasMatch(builds.oldModel, filter, arguments.limits) ||
+                   HasMatch(builds.newModel, filter, arguments.limits);
+        });
+    if (!hasMatch && builds.AreComplete()) {
+        Tell("no variable or leaf of the two files matches '" + names.pattern + "'" +
+             NearVariables(builds.newModel, names.pattern));
     }
+    return hasMatch ? std::optional(chosen) : std::nullopt;
 }
 
-ReadResult ReadBuild(ReadSession& session, const std::string& file, DataModel::DataModel& model) {
-    const DecisionGuard guard;
-    return session.Read(file, model);
+/// Standard output has rows, standard error the summary; a JSON document has both.
+void WriteResult(const DiffArguments& arguments, const Builds& builds,
+                 const DifferenceResult& result, ResultOutput& output) {
+    if (TableFormatOf(arguments.format) != TableFormat::Json) {
+        output.Sync();
+        Tell(SummaryText(result.summary, arguments.hasSymbols) +
+             (builds.AreComplete() ? "" : ", as far as the files were read"));
+        return;
+    }
+    WriteDiffEnd(builds.AreComplete(), result.summary, output);
 }
 
-ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
-    DataModel::DataModel oldModel;
-    DataModel::DataModel newModel;
-    ReadSession session(arguments.read);
-    const ReadResult oldResult = ReadBuild(session, arguments.oldFile, oldModel);
-    const ReadResult newResult = ReadBuild(session, arguments.newFile, newModel);
-    ReportResult(arguments.oldFile, oldResult);
-    ReportResult(arguments.newFile, newResult);
+ExitStatus DiffStatus(const DiffArguments& arguments, const Builds& builds,
+                      const DifferenceSummary& summary) {
+    if (!arguments.hasExitCode) {
+        return builds.AreComplete() ? ExitStatus::Success : ExitStatus::Failed;
+    }
+    if (!builds.AreComplete()) {
+        return ExitStatus::Trouble;
+    }
+    return summary.IsAny(arguments.hasSymbols) ? ExitStatus::Different : ExitStatus::Success;
+}
+
+ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
+    const Builds builds(arguments);
+    TellMissing(arguments.oldFile, builds.oldResult, "appeared");
+    TellMissing(arguments.newFile, builds.newResult, "vanished");
+    const std::optional<NameFilter> filter = ChooseFilter(arguments, builds);
+    ComparisonScope scope;
+    scope.limits = arguments.limits;
+    scope.filter = filter.value_or(NameFilter());
     // What a read that failed did not deliver would look as if it had vanished or appeared.
-    const ComparisonScope scope{arguments.limits, NameFilter(arguments.pattern), oldResult.isOk,
-                                newResult.isOk};
-    TellMissing(arguments.oldFile, oldResult, "appeared");
-    TellMissing(arguments.newFile, newResult, "vanished");
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), DifferenceColumns(), output,
-                                       IsStandardOutputColoured());
-    const DifferenceCount count = WriteDifferences(oldModel, newModel, scope, *table);
-    TellCuts(arguments.oldFile, count.cuts.front(), arguments.limits);
-    TellCuts(arguments.newFile, count.cuts.back(), arguments.limits);
-    const bool isComplete = oldResult.isOk && newResult.isOk;
-    if (count.rows == 0 && !arguments.pattern.empty() && isComplete) {
-        TellNothingFound(arguments, oldModel, newModel);
+    scope.hasAllOfOld = builds.oldResult.isOk;
+    scope.hasAllOfNew = builds.newResult.isOk;
+    scope.hasLeavesOfWhole = false;
+    scope.hasLeaves = !arguments.hasVariablesOnly;
+    const TableFormat format = TableFormatOf(arguments.format);
+    if (format == TableFormat::Json) {
+        WriteDiffStart(arguments.oldFile, arguments.newFile, output);
     }
-    return isComplete ? ExitStatus::Success : ExitStatus::Failed;
+    const auto table = MakeTableWriter(format, DifferenceColumns(), output, StandardOutputStyle());
+    DifferenceResult result;
+    if (filter) {
+        result = WriteDifferences(builds.oldModel, builds.newModel, scope, arguments.hasSymbols,
+                                  *table);
+        TellCuts(arguments.oldFile, result.cuts.front(), arguments.limits);
+        TellCuts(arguments.newFile, result.cuts.back(), arguments.limits);
+    }
+    table->Finish();
+    if (filter || format == TableFormat::Json) {
+        WriteResult(arguments, builds, result, output);
+    }
+    if (!filter && arguments.hasExitCode) {
+        return ExitStatus::Trouble;
+    }
+    return DiffStatus(arguments, builds, result.summary);
+}
+
+/// With `--exit-code` a failure must not pass for a difference.
+ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
+    if (!arguments.hasExitCode) {
+        return CompareBuilds(arguments, output);
+    }
+    try {
+        const ExitStatus status = CompareBuilds(arguments, output);
+        output.Sync();
+        return status;
+    } catch (const OutputError& error) {
+        if (!error.IsReaderGone()) {
+            Tell(error.what());
+        }
+    } catch (const std::exception& error) {
+        Tell(error.what());
+    }
+    return ExitStatus::Trouble;
 }
 
 } // namespace
@@ -92,8 +177,9 @@ void AddDiffCommand(CommandLine& commandLine) {
     CLI::App& command = commandLine.AddCommand(
         {"diff", "Tell what has changed from one build to the next, variable by variable",
          "brindle diff --format csv old.elf new.elf 'motor*'",
-         "A row for each variable and each leaf that appeared, vanished, moved, was resized or "
-         "retyped.\nThe exit status is 0 with differences too."},
+         "A row for each variable that appeared, vanished, moved, was resized or retyped, and for "
+         "each leaf of\nwhich this is true within its variable. A summary goes to standard error. "
+         "The exit status is 0 with\ndifferences too, unless --exit-code is given."},
         [arguments](ResultOutput& output) { return RunDiff(*arguments, output); });
     command.add_option("OLD", arguments->oldFile, "The file of the earlier build")
         ->required()
@@ -101,7 +187,13 @@ void AddDiffCommand(CommandLine& commandLine) {
     command.add_option("NEW", arguments->newFile, "The file of the later build")
         ->required()
         ->type_name("");
-    AddPatternArgument(command, "variables and leaves", arguments->pattern);
+    AddPatternArguments(command, "variables and leaves", arguments->names);
+    command.add_flag("--variables-only", arguments->hasVariablesOnly,
+                     "Leave out the rows of leaves");
+    command.add_flag("--symbols", arguments->hasSymbols,
+                     "Add rows for symbols without debug information");
+    command.add_flag("--exit-code", arguments->hasExitCode,
+                     "Exit status 0 for no difference, 1 for some, 2 for trouble");
     AddReadArguments(command, arguments->read);
     AddLeafLimitArguments(command, arguments->limits);
     AddFormatArgument(command, arguments->format);

@@ -77,25 +77,13 @@ void DifferencePack::AddLeaf(const Difference& difference) {
     const ComparedPlace& latest = difference.Latest();
     const DataModel::DataModel& model = after != nullptr ? mNewModel : mOldModel;
     const ObjectId global = latest.place.global;
-    // Offsets within the variable, of which there is only the one where the leaf stands.
-    std::uint64_t oldOffset = 0;
-    std::uint64_t newOffset = 0;
     std::uint64_t changes = 0;
-    if (before != nullptr) {
-        oldOffset = before->place.address - mOldModel.Object(before->place.global).address;
-    }
-    if (after != nullptr) {
-        newOffset = after->place.address - mNewModel.Object(after->place.global).address;
-    }
     if (before != nullptr && after != nullptr) {
-        const bool isMoved =
-            oldOffset != newOffset || before->place.bitOffset != after->place.bitOffset;
-        changes = (isMoved ? sMoved : 0) | (difference.IsResized() ? sResized : 0) |
+        changes = (difference.IsMoved() ? sMoved : 0) | (difference.IsResized() ? sResized : 0) |
                   (difference.IsRetyped() ? sRetyped : 0);
-        if (changes == 0) {
-            return;
-        }
     }
+    const std::uint64_t oldOffset = before == nullptr ? 0 : before->offset;
+    const std::uint64_t newOffset = after == nullptr ? 0 : after->offset;
     if (mGlobal != global) {
         mGlobal = global;
         mAlike.clear();

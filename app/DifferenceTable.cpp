@@ -1,6 +1,7 @@
 #include "DifferenceTable.h"
 
 #include "ModelComparison.h"
+#include "SymbolScope.h"
 #include "TableWriter.h"
 
 #include <array>
@@ -13,7 +14,7 @@ namespace {
 
 constexpr std::array sColumns = {Column{"change"},
                                  Column{"kind"},
-                                 Column{"name"},
+                                 Column{"name", false, false, sLeastNameWidth},
                                  Column{"oldAddress", true},
                                  Column{"newAddress", true},
                                  Column{"oldSize", true},
@@ -75,6 +76,22 @@ private:
     }
 };
 
+void Count(const Difference& difference, bool isSymbol, DifferenceSummary& summary) {
+    if (isSymbol) {
+        ++summary.symbols;
+    } else if (difference.isLeaf) {
+        ++summary.leaves;
+    } else if (difference.oldPlace == nullptr) {
+        ++summary.appeared;
+    } else if (difference.newPlace == nullptr) {
+        ++summary.vanished;
+    } else if (difference.IsResized() || difference.IsRetyped()) {
+        ++summary.changed;
+    } else {
+        ++summary.moved;
+    }
+}
+
 /// The cells of one build, empty for one that does not have the place.
 struct PlaceCells {
     PlaceCells(const ComparedPlace* compared, std::string_view typeName) {
@@ -103,31 +120,55 @@ std::span<const Column> DifferenceColumns() {
     return sColumns;
 }
 
-DifferenceCount WriteDifferences(const DataModel::DataModel& oldModel,
-                                 const DataModel::DataModel& newModel, const ComparisonScope& scope,
-                                 TableWriter& table) {
+DifferenceResult WriteDifferences(const DataModel::DataModel& oldModel,
+                                  const DataModel::DataModel& newModel,
+                                  const ComparisonScope& scope, bool hasSymbols,
+                                  TableWriter& table) {
     ModelComparison comparison(oldModel, newModel, scope);
-    DifferenceCount count;
+    DifferenceResult result;
     comparison.Run([&](const Difference& difference) {
-        ++count.rows;
         const bool isNew = difference.newPlace != nullptr;
         const ComparedPlace& latest = difference.Latest();
         const DataModel::DataModel& model = isNew ? newModel : oldModel;
+        const bool isSymbol = latest.name.starts_with(sSymbolScope);
+        Count(difference, isSymbol, result.summary);
+        if (isSymbol && !hasSymbols) {
+            return;
+        }
         const std::string change = ChangeText(difference);
         const TypeNames types(difference, oldModel, newModel);
         const PlaceCells before(difference.oldPlace, types.before);
         const PlaceCells after(difference.newPlace, types.after);
+        const std::string_view kind = difference.isLeaf ? "leaf" : "variable";
         table.AddRow(
             std::array<Cell, sColumns.size()>{
-                change, difference.isLeaf ? "leaf" : "variable", latest.name, before.address,
-                after.address, before.size, after.size, before.type, after.type, before.bitOffset,
-                after.bitOffset, before.bitSize, after.bitSize,
+                change, isSymbol ? "symbol" : kind, latest.name, before.address, after.address,
+                before.size, after.size, before.type, after.type, before.bitOffset, after.bitOffset,
+                before.bitSize, after.bitSize,
                 model.Object(model.CompileUnitOf(latest.place.global)).name},
             ColourOf(difference));
     });
-    table.Finish();
-    count.cuts = {comparison.OldCuts(), comparison.NewCuts()};
-    return count;
+    result.cuts = {comparison.OldCuts(), comparison.NewCuts()};
+    return result;
+}
+
+std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols) {
+    std::string text;
+    const auto add = [&text](std::uint64_t count, std::string_view thing, std::string_view ending) {
+        if (count != 0) {
+            text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(" ");
+            text.append(thing).append(count == 1 || thing.ends_with('s') ? "" : "s").append(ending);
+        }
+    };
+    add(summary.appeared, "variable", " appeared");
+    add(summary.vanished, "variable", " vanished");
+    add(summary.moved, "variable", " moved");
+    add(summary.changed, "variable", " changed");
+    add(summary.leaves, summary.leaves == 1 ? "leaf" : "leaves", " changed");
+    add(summary.symbols, "symbol", hasSymbols ? " without debug information changed"
+                                              : " without debug information changed "
+                                                "(--symbols lists them)");
+    return text.empty() ? "no differences" : text;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

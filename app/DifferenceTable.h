@@ -1,11 +1,12 @@
-// The rows that `diff` prints: one for each variable and each leaf that is not the same in two
-// builds.
+// The rows that `diff` prints: one for each variable that is not the same in two builds, and one
+// for each leaf that is not the same within its variable.
 #pragma once
 
 #include "model/LeafWalk.h"
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -14,20 +15,47 @@ struct Column;
 struct ComparisonScope;
 class TableWriter;
 
-struct DifferenceCount {
-    std::uint64_t rows = 0;
+/// How much differs. Each variable counts once.
+struct DifferenceSummary {
+    std::uint64_t appeared = 0;
+    std::uint64_t vanished = 0;
+    /// Other address only.
+    std::uint64_t moved = 0;
+    /// Other size or type, wherever it lies.
+    std::uint64_t changed = 0;
+    /// Leaves that are not the same within their variables.
+    std::uint64_t leaves = 0;
+    /// Symbols without debug information of which any of this is true.
+    std::uint64_t symbols = 0;
+
+    /// False if the builds are the same.
+    [[nodiscard]] bool IsAny(bool hasSymbols) const {
+        return appeared + vanished + moved + changed + leaves + (hasSymbols ? symbols : 0) != 0;
+    }
+};
+
+/// What was found, apart from the rows.
+struct DifferenceResult {
+    DifferenceSummary summary;
     /// What was left out of the expansions, first of the old model, then of the new one.
     std::vector<DataModel::LeafCuts> cuts;
 };
 
 /// change, kind, name, oldAddress, newAddress, oldSize, newSize, oldType, newType, and for bit
-/// fields oldBitOffset, newBitOffset, oldBitSize, newBitSize, then compileUnit
+/// fields oldBitOffset, newBitOffset, oldBitSize, newBitSize, then compileUnit. `kind` is
+/// "variable", "leaf" or "symbol", which has no debug information.
 std::span<const Column> DifferenceColumns();
 
-/// Writes a whole table of the differences, in the order of `ModelComparison`.
+/// Adds the rows of the differences, in the order of `ModelComparison`. The caller finishes the
+/// table.
+/// @param hasSymbols symbols without debug information have rows; they are counted in any case
 /// @param table has `DifferenceColumns`
-DifferenceCount WriteDifferences(const DataModel::DataModel& oldModel,
-                                 const DataModel::DataModel& newModel, const ComparisonScope& scope,
-                                 TableWriter& table);
+DifferenceResult WriteDifferences(const DataModel::DataModel& oldModel,
+                                  const DataModel::DataModel& newModel,
+                                  const ComparisonScope& scope, bool hasSymbols,
+                                  TableWriter& table);
+
+/// The summary in words: "2 variables appeared, 1 moved, 3 leaves changed".
+std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -6,9 +6,16 @@ namespace Tessel::Norn::Brindle::Program {
 /// Exit status of the program.
 enum class ExitStatus : int {
     Success = 0,
-    /// A read failed, or the results could not be written.
+    /// A read failed, nothing matches, or the results could not be written.
     Failed = 1,
     WrongUsage = 2,
+
+    /// @name With `diff --exit-code`
+    /// @{
+    Different = 1,
+    /// What fails otherwise.
+    Trouble = 2,
+    /// @}
 };
 
 } // namespace Tessel::Norn::Brindle::Program

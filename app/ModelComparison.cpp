@@ -12,8 +12,9 @@ using DataModel::ObjectId;
 using Place = DataModel::DataModel::Place;
 
 bool Difference::IsMoved() const {
-    return oldPlace->place.address != newPlace->place.address ||
-           oldPlace->place.bitOffset != newPlace->place.bitOffset;
+    return isLeaf ? oldPlace->offset != newPlace->offset ||
+                        oldPlace->place.bitOffset != newPlace->place.bitOffset
+                  : oldPlace->place.address != newPlace->place.address;
 }
 
 bool Difference::IsResized() const {
@@ -57,8 +58,9 @@ void ModelComparison::Run(const Sink& sink) {
 
 bool ModelComparison::BeginVariable(const Side& side, const ComparedPlace& variable) {
     mOwnName = OwnNameStart(variable.name, side.model.Object(variable.place.global).name);
-    mIsWholeWanted = mScope.filter.Takes(variable.name, mOwnName);
-    return mIsWholeWanted || mScope.filter.MayTakeBehind(variable.name, mOwnName);
+    mUnit = side.model.Object(side.model.CompileUnitOf(variable.place.global)).name;
+    mIsWholeWanted = mScope.filter.Takes(variable.name, mOwnName, mUnit);
+    return mIsWholeWanted || mScope.filter.MayTakeBehind(variable.name, mOwnName, mUnit);
 }
 
 void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
@@ -68,10 +70,9 @@ void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
         return;
     }
     PassChanged(oldVariable, newVariable, false);
-    const bool haveSameLeaves = oldVariable.place.address == newVariable.place.address &&
-                                mOld.fingerprints.Of(oldVariable.place.type) ==
-                                    mNew.fingerprints.Of(newVariable.place.type);
-    if (!haveSameLeaves && !IsExhausted()) {
+    const bool haveSameLeaves = mOld.fingerprints.Of(oldVariable.place.type) ==
+                                mNew.fingerprints.Of(newVariable.place.type);
+    if (mScope.hasLeaves && !haveSameLeaves && !IsExhausted()) {
         const Places oldLeaves = LeavesOf(mOld, oldGlobal);
         const Places newLeaves = LeavesOf(mNew, newGlobal);
         // Half of the leaves would look like changes.
@@ -113,8 +114,10 @@ void ModelComparison::PassVanished(ObjectId oldGlobal) {
         return;
     }
     Pass({&variable, nullptr, false});
-    for (const ComparedPlace& leaf : LeavesOf(mOld, oldGlobal)) {
-        Pass({&leaf, nullptr, true});
+    if (AreWholeLeavesWanted()) {
+        for (const ComparedPlace& leaf : LeavesOf(mOld, oldGlobal)) {
+            Pass({&leaf, nullptr, true});
+        }
     }
 }
 
@@ -124,9 +127,15 @@ void ModelComparison::PassAppeared(ObjectId newGlobal) {
         return;
     }
     Pass({nullptr, &variable, false});
-    for (const ComparedPlace& leaf : LeavesOf(mNew, newGlobal)) {
-        Pass({nullptr, &leaf, true});
+    if (AreWholeLeavesWanted()) {
+        for (const ComparedPlace& leaf : LeavesOf(mNew, newGlobal)) {
+            Pass({nullptr, &leaf, true});
+        }
     }
+}
+
+bool ModelComparison::AreWholeLeavesWanted() const {
+    return mScope.hasLeaves && (mScope.hasLeavesOfWhole || !mIsWholeWanted);
 }
 
 void ModelComparison::PassChanged(const ComparedPlace& oldPlace, const ComparedPlace& newPlace,
@@ -138,7 +147,7 @@ void ModelComparison::PassChanged(const ComparedPlace& oldPlace, const ComparedP
 }
 
 void ModelComparison::Pass(const Difference& difference) const {
-    if (mIsWholeWanted || mScope.filter.Takes(difference.Latest().name, mOwnName)) {
+    if (mIsWholeWanted || mScope.filter.Takes(difference.Latest().name, mOwnName, mUnit)) {
         (*mSink)(difference);
     }
 }
@@ -166,10 +175,12 @@ ModelComparison::Places ModelComparison::LeavesOf(Side& side, ObjectId global) {
         return leaves;
     }
     const std::size_t nameLength = side.model.QualifiedName(global).size();
+    const std::uint64_t start = side.model.Object(global).address;
     side.walk.Walk(global, [&](std::string_view path, const Place& place) {
         if (path.size() > nameLength) {
             leaves.push_back({std::string(path), side.typeTexts.Of(place.type),
-                              side.fingerprints.MeaningOf(place.type), place});
+                              side.fingerprints.MeaningOf(place.type), place,
+                              place.address - start});
         }
     });
     return leaves;

@@ -26,6 +26,8 @@ struct ComparedPlace {
     /// As `LayoutFingerprints::MeaningOf`.
     std::uint64_t meaning = 0;
     DataModel::DataModel::Place place;
+    /// Of a leaf: bytes from the start of its variable. 0 for a variable.
+    std::uint64_t offset = 0;
 };
 
 /// One variable or leaf that is not the same in both builds.
@@ -43,7 +45,8 @@ struct Difference {
 
     /// @name What has changed where both builds have it
     /// @{
-    /// Other address, or other position among the bits.
+    /// Of a variable: other address. Of a leaf: other place within the variable, or other position
+    /// among the bits.
     [[nodiscard]] bool IsMoved() const;
     /// Other size in bytes, or other width in bits.
     [[nodiscard]] bool IsResized() const;
@@ -57,12 +60,17 @@ struct ComparisonScope {
     DataModel::LeafLimits limits;
     /// Fits the names of the variables and leaves that are wanted; all leaves of a variable whose
     /// name it fits are wanted too.
-    NameFilter filter{std::string_view()};
+    NameFilter filter;
     /// @name Whether a variable that one of the models lacks is missing from the build as well
     /// @{
     bool hasAllOfOld = true;
     bool hasAllOfNew = true;
     /// @}
+    /// Whether a variable that appeared or vanished, and whose name is wanted, comes with its
+    /// leaves.
+    bool hasLeavesOfWhole = true;
+    /// Whether leaves are compared at all.
+    bool hasLeaves = true;
 };
 
 /// Compares two models. Both are borrowed and must not change during the life of the comparison.
@@ -74,7 +82,7 @@ public:
                     const ComparisonScope& scope);
 
     /// Passes on all differences: old variables in the order of their delivery, each with its
-    /// leaves behind it, then those that appeared, likewise. What has no parts has no leaves. Once
+    /// changed leaves behind it, then those that appeared, likewise. What has no parts has no leaves. Once
     /// the limit of all leaves is reached, variables alone are compared.
     void Run(const Sink& sink);
 
@@ -97,6 +105,7 @@ private:
     void CompareLeaves(const Places& oldLeaves, const Places& newLeaves);
     void PassVanished(DataModel::ObjectId oldGlobal);
     void PassAppeared(DataModel::ObjectId newGlobal);
+    [[nodiscard]] bool AreWholeLeavesWanted() const;
     void PassChanged(const ComparedPlace& oldPlace, const ComparedPlace& newPlace, bool isLeaf);
     void Pass(const Difference& difference) const;
     bool BeginVariable(const Side& side, const ComparedPlace& variable);
@@ -109,6 +118,8 @@ private:
     Side mNew;
     /// Where the own name of the variable begins that is being compared.
     std::size_t mOwnName = 0;
+    /// The name of its compile unit.
+    std::string_view mUnit;
     bool mIsWholeWanted = true;
     const Sink* mSink = nullptr;
 };
