@@ -1,10 +1,10 @@
 #include "TypeLayouts.h"
 
+#include "Characters.h"
 #include "NamePattern.h"
 #include "PlainText.h"
 #include "ResultOutput.h"
 #include "StructureLayout.h"
-#include "Utf8.h"
 
 #include "model/DataModel.h"
 
@@ -30,6 +30,8 @@ constexpr std::size_t sCommentColumn = 44;
 constexpr std::size_t sDeepestNesting = 32;
 constexpr std::size_t sLongestArrayChain = 1000;
 constexpr std::string_view sCommentEnd = " */";
+constexpr std::string_view sCommentCode = "\x1B[36m";
+constexpr std::string_view sEndCode = "\x1B[0m";
 
 bool IsClass(ObjectKind kind) {
     return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
@@ -145,9 +147,11 @@ private:
 
 class LayoutWriter {
 public:
-    LayoutWriter(const DataModel::DataModel& model, std::string_view pattern)
+    LayoutWriter(const DataModel::DataModel& model, const NameFilter& names, bool isColoured)
         : mModel(model)
-        , mFilter(pattern)
+        , mFilter(names)
+        , mCommentCode(isColoured ? sCommentCode : std::string_view())
+        , mEndCode(isColoured ? sEndCode : std::string_view())
         , mList(model)
         , mIsWritten(model.ObjectCount() + 1) {}
 
@@ -162,7 +166,7 @@ public:
             }
         }
         mList.Write(output);
-        return mFilter.TakesAll() || !mList.IsEmpty();
+        return !mList.IsEmpty();
     }
 
 private:
@@ -290,7 +294,8 @@ private:
         head.append(IsDeclarationAlone(type) ? ";" : " {");
         WriteLine(depth, head, "size " + std::to_string(mModel.SizeOf(type.id)));
         if (depth == 0) {
-            mDeclaration.unitPosition = mDeclaration.text.size() - sCommentEnd.size() - 1;
+            mDeclaration.unitPosition =
+                mDeclaration.text.size() - sCommentEnd.size() - mEndCode.size() - 1;
         }
         if (type.kind == ObjectKind::Enum) {
             WriteEnumerators(type, depth + 1);
@@ -363,19 +368,28 @@ private:
     void WriteLine(std::size_t depth, std::string_view code, std::string_view comment) {
         std::string line(4 * depth, ' ');
         line += code;
+        if (!comment.empty() && !code.empty()) {
+            const std::size_t length = DisplayWidth(line);
+            line.append(std::max(sCommentColumn, length + 1) - length, ' ');
+        }
+        const std::size_t codeLength = line.size();
         if (!comment.empty()) {
-            if (!code.empty()) {
-                const std::size_t length = CharacterCount(line);
-                line.append(std::max(sCommentColumn, length + 1) - length, ' ');
-            }
             line.append("/* ").append(comment).append(sCommentEnd);
         }
         ReplaceControlCharacters(line);
+        if (!comment.empty()) {
+            line.insert(codeLength, mCommentCode).append(mEndCode);
+        }
         mDeclaration.text.append(line).append(1, '\n');
     }
 
     const DataModel::DataModel& mModel;
-    NameFilter mFilter;
+    const NameFilter& mFilter;
+    /// @name What gives comments their colour; empty without one
+    /// @{
+    std::string_view mCommentCode;
+    std::string_view mEndCode;
+    /// @}
     DeclarationList mList;
     /// The one that is being written.
     Declaration mDeclaration;
@@ -388,9 +402,9 @@ private:
 
 } // namespace
 
-bool WriteTypeLayouts(const DataModel::DataModel& model, std::string_view pattern,
-                      ResultOutput& output) {
-    return LayoutWriter(model, pattern).Write(output);
+bool WriteTypeLayouts(const DataModel::DataModel& model, const NameFilter& names,
+                      ResultOutput& output, bool isColoured) {
+    return LayoutWriter(model, names, isColoured).Write(output);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -1,10 +1,13 @@
 // The command `types`: the layouts of the types of a file, written as C.
+#include "CHeader.h"
 #include "CommandLine.h"
 #include "Commands.h"
+#include "ListArguments.h"
 #include "Message.h"
 #include "NearObjects.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
+#include "Terminal.h"
 #include "TypeLayouts.h"
 
 #include "model/DataModel.h"
@@ -19,7 +22,8 @@ namespace {
 struct TypesArguments {
     ReadArguments read;
     std::string file;
-    std::string pattern;
+    PatternArguments names;
+    bool isForCompiler = false;
 };
 
 ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
@@ -28,11 +32,18 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
     read.allTypes = true;
     const ReadResult result = ReadSession(read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
-    if (!WriteTypeLayouts(model, arguments.pattern, output) && HasDelivered(result, model)) {
-        Tell(arguments.file,
-             "no type matches '" + arguments.pattern + "'" + NearTypes(model, arguments.pattern));
+    const PatternArguments& names = arguments.names;
+    const bool hasMatch =
+        ListByPattern(names, arguments.file, "types", [&](const NameFilter& filter) {
+            return arguments.isForCompiler ? WriteCHeader(model, filter, output)
+                                           : WriteTypeLayouts(model, filter, output,
+                                                              IsStandardOutputColoured());
+        });
+    if (hasMatch || !HasDelivered(result, model)) {
+        return status;
     }
-    return status;
+    Tell(arguments.file, EmptyListText("type", names) + NearTypes(model, names.pattern));
+    return EmptyListStatus(names, status);
 }
 
 } // namespace
@@ -46,7 +57,11 @@ void AddTypesCommand(CommandLine& commandLine) {
          "units\nare written once."},
         [arguments](ResultOutput& output) { return RunTypes(*arguments, output); });
     AddFileArgument(command, arguments->file);
-    AddPatternArgument(command, "types", arguments->pattern);
+    AddPatternArguments(command, "types", arguments->names);
+    command.add_flag("--c", arguments->isForCompiler,
+                     "Write a header for a C compiler: fixed-width types, padding members, "
+                     "assertions of sizes and offsets");
+    AddEmptyArgument(command, arguments->names);
     AddReadArguments(command, arguments->read);
 }
 

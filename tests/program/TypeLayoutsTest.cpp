@@ -1,6 +1,7 @@
 // The layouts that `types` prints, from models filled by hand.
 #include "TypeLayouts.h"
 
+#include "NamePattern.h"
 #include "ResultOutput.h"
 
 #include "support/ModelBuilder.h"
@@ -23,7 +24,7 @@ protected:
     std::string Layouts(const std::string& pattern = {}) {
         std::stringbuf text;
         ResultOutput output(text);
-        mHasMatch = WriteTypeLayouts(mModel, pattern, output);
+        mHasMatch = WriteTypeLayouts(mModel, NameFilter(pattern), output);
         output.Sync();
         return text.str();
     }
