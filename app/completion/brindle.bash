@@ -3,15 +3,21 @@
 # The options of a command, in the order of its help.
 _brindle_options() {
     local reading='--container --all-types --language --set --no-progress'
+    local any='--help --color' names='--ignore-case'
+    local list="$names --sort --unit --min-size --section --allow-empty"
     case $1 in
-    vars | find) echo "--help $reading --format" ;;
-    leaves | diff) echo "--help $reading --max-elements --max-leaves --format" ;;
-    report) echo "--help --output $reading" ;;
-    types | dump | trace) echo "--help $reading" ;;
+    vars) echo "$any $list $reading --format" ;;
+    leaves) echo "$any $list $reading --max-elements --max-leaves --format" ;;
+    find) echo "$any $reading --format" ;;
+    types) echo "$any $names --c --allow-empty $reading" ;;
+    diff) echo "$any $names --variables-only --symbols --exit-code $reading --max-elements --max-leaves --format" ;;
+    report) echo "$any --output $reading" ;;
+    dump | trace) echo "$any $reading" ;;
     a2l) echo '--help' ;;
-    'a2l update') echo "--help --output --in-place --check --report --missing --bit-masks --word-addresses $reading" ;;
-    'a2l export') echo "--help --output --fragment --characteristics --section --structures --file-version --word-addresses --max-elements --max-leaves $reading" ;;
-    demangle) echo '--help --itanium --set' ;;
+    'a2l update') echo "$any --output --in-place --check --report --missing --bit-masks --word-addresses $reading" ;;
+    'a2l export') echo "$any --output --fragment --characteristics --section --structures --file-version --word-addresses --max-elements --max-leaves $reading" ;;
+    demangle) echo "$any --itanium --set" ;;
+    help) echo "$any" ;;
     *) echo '--help --version --list-options' ;;
     esac
 }
@@ -55,6 +61,8 @@ _brindle() {
     case $previous in
     --format) mapfile -t COMPREPLY < <(compgen -W 'table csv json' -- "$current") ;;
     --container) mapfile -t COMPREPLY < <(compgen -W 'auto elf coff pe' -- "$current") ;;
+    --color) mapfile -t COMPREPLY < <(compgen -W 'auto always never' -- "$current") ;;
+    --sort) mapfile -t COMPREPLY < <(compgen -W 'address name size file' -- "$current") ;;
     --set)
         [[ $current != *=* ]] || return
         compopt -o nospace
@@ -64,13 +72,13 @@ _brindle() {
     --missing) mapfile -t COMPREPLY < <(compgen -W 'keep zero remove' -- "$current") ;;
     --file-version) mapfile -t COMPREPLY < <(compgen -W '1.5.1 1.6 1.7.1' -- "$current") ;;
     -o | --output | --report) _brindle_files "$current" ;;
-    --language | --max-elements | --max-leaves | --characteristics | --section) ;;
+    --language | --max-elements | --max-leaves | --min-size | --unit | --characteristics) ;;
     *)
         if [[ $current == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W "$(_brindle_options "$command")" -- "$current")
-        elif [[ -z $command ]]; then
+        elif [[ -z $command || $command == help ]]; then
             mapfile -t COMPREPLY < <(compgen -W \
-                'vars leaves find types diff report dump trace a2l demangle' -- "$current")
+                'vars leaves find types diff report dump trace a2l demangle help' -- "$current")
         elif [[ $command == a2l ]]; then
             mapfile -t COMPREPLY < <(compgen -W 'update export' -- "$current")
         elif [[ $command != demangle ]]; then

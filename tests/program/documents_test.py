@@ -100,7 +100,7 @@ _brindle "$1" "${COMP_WORDS[COMP_CWORD]}" ""
                 self.assertEqual(self.complete(*words, "--"), options(*words))
 
     def test_values_of_options(self):
-        for option in ["--format", "--container"]:
+        for option in ["--format", "--container", "--sort", "--color"]:
             with self.subTest(option=option):
                 self.assertEqual(self.complete("vars", option, ""), choices(option))
                 # The line editor takes "=" for a word of its own.
