@@ -112,13 +112,15 @@ void CommandLine::AddHelpCommand() {
 
 ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) const {
     const CLI::App* command = &mProgram;
+    std::string lead;
     for (const std::string& name : names) {
         if (!HasCommand(*command, name)) {
             return EndWrongUsage(UnknownCommandProblem(*command, name));
         }
+        lead.append(lead.empty() ? "" : " ").append(command->get_name());
         command = command->get_subcommand(name);
     }
-    std::string text = command->help();
+    std::string text = command->help(lead);
     output.Write(text.append(text.ends_with('\n') ? "" : "\n"));
     return ExitStatus::Success;
 }

@@ -4,6 +4,7 @@
 #include "NearObjects.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
+#include "UnitPaths.h"
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -159,7 +160,7 @@ std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
     std::vector<std::string> problems;
     PlaceRows rows(model, table);
     for (const std::string& expression : expressions) {
-        const auto results = model.ResolvePaths(expression);
+        const auto results = ResolveUnitPaths(model, expression);
         for (const auto& result : results) {
             if (result.found && results.size() == 1) {
                 rows.Add(expression, result.place);

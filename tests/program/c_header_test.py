@@ -29,7 +29,7 @@ class CHeaderTest(ProgramTest):
     def test_compilers_take_the_types_of_every_image(self):
         images = [image for image in sorted(SAMPLE_IMAGES.rglob("*.*"))
                   if image.suffix in (".elf", ".exe", ".dll") and "nosymtab" not in image.name
-                  and "symbols" not in image.name]
+                  and "symbols" not in image.name and "split" not in image.name]
         self.assertGreater(len(images), 60)
         asserted = 0
         for image in images:
@@ -69,7 +69,7 @@ class CHeaderTest(ProgramTest):
                 fields = [leaf for leaf in leaves if leaf["name"].startswith(variable + ".")]
                 first = min(leaf["address"] for leaf in fields)
                 fields = [leaf for leaf in fields if leaf["bitSize"] is not None]
-                self.assertGreater(len(fields), 2)
+                self.assertGreater(len(fields), 1)
                 for field in fields:
                     member = field["name"].rsplit(".", 1)[1]
                     value = "1" if field["bitSize"] == 1 else "-1"

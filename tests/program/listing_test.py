@@ -55,11 +55,15 @@ class PatternTest(ProgramTest):
 
     def test_a_compile_unit_tells_statics_of_one_name_apart(self):
         rows = self.run_json("vars", IMAGE, "counter", "--format", "json")
-        self.assertEqual([row["compileUnit"] for row in rows], ["motor_c", "sensors_c"])
+        self.assertEqual([row["compileUnit"] for row in rows], ["motor_c", "sensors_c", "supply_c"])
         for row in rows:
             for arguments in [[f"{row['compileUnit']}::counter"],
                               ["counter", "--unit", row["compileUnit"]]]:
                 self.assertEqual(self.run_json("vars", IMAGE, *arguments, "--format", "json"), [row])
+            found, = self.run_json("find", IMAGE, f"{row['compileUnit']}::counter", "--format", "json")
+            self.assertEqual((found["address"], found["compileUnit"]),
+                             (row["address"], row["compileUnit"]))
+        self.run_program("find", IMAGE, "main_c::counter", status=1)
         self.assertEqual(self.names("leaves", IMAGE, "--unit", "supply", "*.cells\\[1].*")[0],
                          ["main_supply.cells[1].millivolts", "main_supply.cells[1].temperature"])
         error = self.run_program("vars", IMAGE, "--unit", "moter_c", status=1)[1]

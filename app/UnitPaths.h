@@ -1,0 +1,16 @@
+// Paths with a compile unit in front, which tells static variables of one name apart.
+#pragma once
+
+#include "model/DataModel.h"
+
+#include <string_view>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+/// As `DataModel::ResolvePaths`. A path that does not resolve as it is may begin with the name of a
+/// compile unit, as in "motor_c::counter": then those variables are meant that belong to it.
+std::vector<DataModel::DataModel::PathResult> ResolveUnitPaths(const DataModel::DataModel& model,
+                                                               std::string_view path);
+
+} // namespace Tessel::Norn::Brindle::Program
