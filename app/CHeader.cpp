@@ -32,7 +32,8 @@ constexpr std::uint64_t sBitsOfByte = 8;
 constexpr std::size_t sDeepestNesting = 100;
 constexpr std::string_view sPacked = " __attribute__((packed));\n";
 
-constexpr std::string_view sStart = R"(/* Layouts as in the image: packed, with all padding as members. Pointers are integers. */
+constexpr std::string_view sStart =
+    R"(/* Layouts as in the image: packed, with all padding as members. Pointers are integers. */
 #include <stddef.h>
 #include <stdint.h>
 )";
@@ -279,8 +280,7 @@ private:
 
     [[nodiscard]] bool IsOfVariable(ObjectId type) const {
         const auto holder = mHolders.find(type);
-        return holder != mHolders.end() &&
-               mModel.Object(holder->second).kind == ObjectKind::Global;
+        return holder != mHolders.end() && mModel.Object(holder->second).kind == ObjectKind::Global;
     }
 
     void Declare(const ModelObject& type) {
@@ -374,8 +374,8 @@ private:
     std::string DeclareClass(const ModelObject& type, const std::string& keyword,
                              std::uint64_t size, std::size_t depth) {
         BodyWriter writer = ContentsOf(type, size, depth);
-        const std::string body = type.kind == ObjectKind::Union ? writer.WriteUnion(size)
-                                                                : writer.WriteStructure(size);
+        const std::string body =
+            type.kind == ObjectKind::Union ? writer.WriteUnion(size) : writer.WriteStructure(size);
         const std::string name = NameOf(type);
         const auto [known, isNew] = mKnown.try_emplace(keyword + name + body);
         if (isNew) {
@@ -499,10 +499,9 @@ private:
             return "unnamed";
         }
         const ModelObject held = mModel.Object(holder->second);
-        return IsMember(held.kind) ? std::string(mModel.Object(held.scope).name)
-                                         .append("_")
-                                         .append(held.name)
-                                   : mModel.QualifiedName(held.id);
+        return IsMember(held.kind)
+                   ? std::string(mModel.Object(held.scope).name).append("_").append(held.name)
+                   : mModel.QualifiedName(held.id);
     }
 
     /// The typedef, member or variable that a type without a name was declared with.

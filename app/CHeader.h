@@ -12,10 +12,10 @@ class NameFilter;
 class ResultOutput;
 
 /// Writes the types that are wanted and all that they are made of: structures and unions packed,
-/// with padding members, members of fixed-width types, and assertions of sizes and offsets. Pointers
-/// are unsigned integers, since they point into the target. Bit fields stand in the order in which a
-/// compiler for the byte order of the image lays them out. Names that C doesn't take are changed, and
-/// so are those that stand for several things.
+/// with padding members, members of fixed-width types, and assertions of sizes and offsets.
+/// Pointers are unsigned integers, since they point into the target. Bit fields stand in the order
+/// in which a compiler for the byte order of the image lays them out. Names that C doesn't take are
+/// changed, and so are those that stand for several things.
 /// @param names takes the names of the types that are wanted
 /// @return false if there are none; nothing is written then
 bool WriteCHeader(const DataModel::DataModel& model, const NameFilter& names, ResultOutput& output);

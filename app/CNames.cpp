@@ -8,16 +8,60 @@ namespace Tessel::Norn::Brindle::Program {
 namespace {
 
 /// Ascending.
-constexpr std::array<std::string_view, 54> sKeywords = {
-    "_Alignas", "_Alignof",  "_Atomic",   "_Bool",    "_Complex",       "_Generic",
-    "_Imaginary", "_Noreturn", "_Static_assert", "_Thread_local", "alignas", "alignof",
-    "asm",      "auto",      "bool",      "break",    "case",           "char",
-    "const",    "constexpr", "continue",  "default",  "do",             "double",
-    "else",     "enum",      "extern",    "false",    "float",          "for",
-    "goto",     "if",        "inline",    "int",      "long",           "nullptr",
-    "register", "restrict",  "return",    "short",    "signed",         "sizeof",
-    "static",   "static_assert", "struct", "switch",  "true",           "typedef",
-    "typeof",   "union",     "unsigned",  "void",     "volatile",       "while"};
+constexpr std::array<std::string_view, 54> sKeywords = {"_Alignas",
+                                                        "_Alignof",
+                                                        "_Atomic",
+                                                        "_Bool",
+                                                        "_Complex",
+                                                        "_Generic",
+                                                        "_Imaginary",
+                                                        "_Noreturn",
+                                                        "_Static_assert",
+                                                        "_Thread_local",
+                                                        "alignas",
+                                                        "alignof",
+                                                        "asm",
+                                                        "auto",
+                                                        "bool",
+                                                        "break",
+                                                        "case",
+                                                        "char",
+                                                        "const",
+                                                        "constexpr",
+                                                        "continue",
+                                                        "default",
+                                                        "do",
+                                                        "double",
+                                                        "else",
+                                                        "enum",
+                                                        "extern",
+                                                        "false",
+                                                        "float",
+                                                        "for",
+                                                        "goto",
+                                                        "if",
+                                                        "inline",
+                                                        "int",
+                                                        "long",
+                                                        "nullptr",
+                                                        "register",
+                                                        "restrict",
+                                                        "return",
+                                                        "short",
+                                                        "signed",
+                                                        "sizeof",
+                                                        "static",
+                                                        "static_assert",
+                                                        "struct",
+                                                        "switch",
+                                                        "true",
+                                                        "typedef",
+                                                        "typeof",
+                                                        "union",
+                                                        "unsigned",
+                                                        "void",
+                                                        "volatile",
+                                                        "while"};
 
 bool IsNameCharacter(char character) {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
@@ -51,8 +95,8 @@ std::string CNames::Plain(std::string_view text) {
 
 bool CNames::IsTaken(std::string_view name) {
     static constexpr std::array<std::string_view, 9> sOthers = {
-        "NULL",     "SIZE_MAX",   "max_align_t", "nullptr_t", "offsetof",
-        "ptrdiff_t", "size_t",    "wchar_t",     "wint_t"};
+        "NULL",      "SIZE_MAX", "max_align_t", "nullptr_t", "offsetof",
+        "ptrdiff_t", "size_t",   "wchar_t",     "wint_t"};
     return IsOfIntegers(name) || name.starts_with("__") ||
            std::ranges::find(sOthers, name) != sOthers.end();
 }

@@ -78,8 +78,7 @@ std::string CutInMiddle(std::string_view text, std::size_t width, std::string_vi
     }
     const std::size_t rest = width - std::min(DisplayWidth(ellipsis), width);
     const std::string_view start = StartOfWidth(text, rest / 2);
-    return std::string(start).append(ellipsis).append(
-        EndOfWidth(text, rest - DisplayWidth(start)));
+    return std::string(start).append(ellipsis).append(EndOfWidth(text, rest - DisplayWidth(start)));
 }
 
 std::string_view StartOfWidth(std::string_view text, std::size_t width) {

@@ -25,7 +25,8 @@ std::size_t DisplayWidth(std::string_view text);
 
 /// A text cut in its middle to a width, since names differ at their ends, with an ellipsis in place
 /// of what is left out. A text that fits comes back as it is.
-/// @param ellipsis one column for each of its bytes if it is ASCII, else one in all; at most `width`
+/// @param ellipsis one column for each of its bytes if it is ASCII, else one in all; at most
+/// `width`
 std::string CutInMiddle(std::string_view text, std::size_t width, std::string_view ellipsis);
 
 /// The start of a text that fits a width.

@@ -103,9 +103,9 @@ CLI::App& CommandLine::AddCommandTo(CLI::App& group, const CommandDescription& d
 
 void CommandLine::AddHelpCommand() {
     const auto names = std::make_shared<Arguments>();
-    CLI::App& command = AddCommand(
-        {"help", "Print the help of a command", "brindle help vars", {}},
-        [this, names](ResultOutput& output) { return WriteHelp(*names, output); });
+    CLI::App& command =
+        AddCommand({"help", "Print the help of a command", "brindle help vars", {}},
+                   [this, names](ResultOutput& output) { return WriteHelp(*names, output); });
     command.add_option("COMMAND", *names, "The command; without one, that of the program")
         ->type_name("");
 }
@@ -131,7 +131,8 @@ void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
     };
     const auto command = std::ranges::find_if(arguments, isCommand);
     if (command == arguments.begin() || command == arguments.end() ||
-        !IsOption(arguments.front()) || mProgram.get_option_no_throw(arguments.front()) != nullptr) {
+        !IsOption(arguments.front()) ||
+        mProgram.get_option_no_throw(arguments.front()) != nullptr) {
         return;
     }
     auto behind = command + 1;

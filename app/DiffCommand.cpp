@@ -136,8 +136,8 @@ ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
     const auto table = MakeTableWriter(format, DifferenceColumns(), output, StandardOutputStyle());
     DifferenceResult result;
     if (filter) {
-        result = WriteDifferences(builds.oldModel, builds.newModel, scope, arguments.hasSymbols,
-                                  *table);
+        result =
+            WriteDifferences(builds.oldModel, builds.newModel, scope, arguments.hasSymbols, *table);
         TellCuts(arguments.oldFile, result.cuts.front(), arguments.limits);
         TellCuts(arguments.newFile, result.cuts.back(), arguments.limits);
     }

@@ -18,9 +18,9 @@ constexpr std::array sColumns = {Column{"change"},
                                  Column{"oldAddress", true},
                                  Column{"newAddress", true},
                                  Column{"oldSize", true},
-                                 Column{"newSize", true},
+                                 Column{"newSize", true, false, sLeastWidth, true},
                                  Column{"oldType"},
-                                 Column{"newType"},
+                                 Column{"newType", false, false, sLeastWidth, true},
                                  Column{"oldBitOffset", true, true},
                                  Column{"newBitOffset", true, true},
                                  Column{"oldBitSize", true, true},
@@ -165,9 +165,10 @@ std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols) {
     add(summary.moved, "variable", " moved");
     add(summary.changed, "variable", " changed");
     add(summary.leaves, summary.leaves == 1 ? "leaf" : "leaves", " changed");
-    add(summary.symbols, "symbol", hasSymbols ? " without debug information changed"
-                                              : " without debug information changed "
-                                                "(--symbols lists them)");
+    add(summary.symbols, "symbol",
+        hasSymbols ? " without debug information changed"
+                   : " without debug information changed "
+                     "(--symbols lists them)");
     return text.empty() ? "no differences" : text;
 }
 

@@ -29,8 +29,8 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
     const std::vector<Column> columns = PlaceColumns();
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
-                                       StandardOutputStyle());
+    const auto table =
+        MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const std::vector<std::string> problems = WritePlaces(model, arguments.expressions, *table);
     if (HasDelivered(result, model)) {
         for (const std::string& problem : problems) {

@@ -37,8 +37,8 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
         return ExitStatus::Failed;
     }
     const std::vector<Column> columns = PlaceColumns(choice->hasSections);
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
-                                       StandardOutputStyle());
+    const auto table =
+        MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const PatternArguments& names = arguments.list.names;
     DataModel::LeafCuts cuts;
     const bool hasMatch =

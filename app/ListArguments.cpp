@@ -70,11 +70,11 @@ std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const s
     choice.order = RowOrderOf(arguments.order);
     choice.hasSections = arguments.hasSections;
     if (!arguments.unit.empty()) {
-        const bool hasUnits =
-            ListByPattern({arguments.unit, false, false}, file, "compile units", [&](const NameFilter& filter) {
-                choice.units = UnitsOf(model, filter);
-                return !choice.units->empty();
-            });
+        const bool hasUnits = ListByPattern({arguments.unit, false, false}, file, "compile units",
+                                            [&](const NameFilter& filter) {
+                                                choice.units = UnitsOf(model, filter);
+                                                return !choice.units->empty();
+                                            });
         if (!hasUnits) {
             Tell(file, "no compile unit matches '" + arguments.unit + "'" +
                            NearUnits(model, arguments.unit));

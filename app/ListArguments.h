@@ -35,8 +35,7 @@ struct ListArguments {
 
 /// Adds `PATTERN`, which may be missing, and `--ignore-case`.
 /// @param things what the command lists, in the plural
-void AddPatternArguments(CLI::App& command, const std::string& things,
-                         PatternArguments& arguments);
+void AddPatternArguments(CLI::App& command, const std::string& things, PatternArguments& arguments);
 
 /// Adds `--allow-empty`.
 void AddEmptyArgument(CLI::App& command, PatternArguments& arguments);

@@ -82,8 +82,8 @@ public:
                     const ComparisonScope& scope);
 
     /// Passes on all differences: old variables in the order of their delivery, each with its
-    /// changed leaves behind it, then those that appeared, likewise. What has no parts has no leaves. Once
-    /// the limit of all leaves is reached, variables alone are compared.
+    /// changed leaves behind it, then those that appeared, likewise. What has no parts has no
+    /// leaves. Once the limit of all leaves is reached, variables alone are compared.
     void Run(const Sink& sink);
 
     /// What was left out of the expansions.

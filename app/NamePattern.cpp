@@ -17,10 +17,10 @@ struct CharacterClass {
 };
 
 constexpr std::array sClasses = {
-    CharacterClass{"[:alnum:]", U"AZaz09"}, CharacterClass{"[:alpha:]", U"AZaz"},
-    CharacterClass{"[:digit:]", U"09"},     CharacterClass{"[:lower:]", U"az"},
+    CharacterClass{"[:alnum:]", U"AZaz09"},   CharacterClass{"[:alpha:]", U"AZaz"},
+    CharacterClass{"[:digit:]", U"09"},       CharacterClass{"[:lower:]", U"az"},
     CharacterClass{"[:punct:]", U"!/:@[`{~"}, CharacterClass{"[:space:]", U"\t\r  "},
-    CharacterClass{"[:upper:]", U"AZ"},     CharacterClass{"[:xdigit:]", U"09AFaf"}};
+    CharacterClass{"[:upper:]", U"AZ"},       CharacterClass{"[:xdigit:]", U"09AFaf"}};
 
 bool IsInRanges(std::u32string_view ranges, char32_t character) {
     for (std::size_t range = 0; range + 1 < ranges.size(); range += 2) {

@@ -36,8 +36,7 @@ struct ValueText {
 ExitStatus ListReaderOptions(ResultOutput& output) {
     static constexpr std::array sColumns = {Column{"option"}, Column{"type"}, Column{"start"},
                                             Column{"meaning"}};
-    const auto table =
-        MakeTableWriter(TableFormat::Table, sColumns, output, StandardOutputStyle());
+    const auto table = MakeTableWriter(TableFormat::Table, sColumns, output, StandardOutputStyle());
     for (const Reader::DWARF::OptionDescription& option : Reader::DWARF::OptionTable()) {
         const std::string value = std::visit(ValueText(), option.variable);
         table->AddRow(std::array<Cell, sColumns.size()>{

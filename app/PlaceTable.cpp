@@ -24,7 +24,12 @@ public:
 
     void Add(std::string_view path, const Place& place) {
         const ModelObject unit = mModel.Object(mModel.CompileUnitOf(place.global));
-        mRow = {Address{place.address}, place.size, mTypeTexts.Of(place.type), path, Cell(), Cell(),
+        mRow = {Address{place.address},
+                place.size,
+                mTypeTexts.Of(place.type),
+                path,
+                Cell(),
+                Cell(),
                 unit.name};
         if (place.isBitField) {
             mRow[4] = std::uint64_t{place.bitOffset};
@@ -116,9 +121,12 @@ std::string Count(std::uint64_t number, std::string_view one, std::string_view s
 } // namespace
 
 std::vector<Column> PlaceColumns(bool hasSections) {
-    std::vector<Column> columns = {Column{"address", true},         Column{"size", true},
-                                   Column{"type"},                  Column{"name", false, false, sLeastNameWidth},
-                                   Column{"bitOffset", true, true}, Column{"bitSize", true, true},
+    std::vector<Column> columns = {Column{"address", true},
+                                   Column{"size", true},
+                                   Column{"type"},
+                                   Column{"name", false, false, sLeastNameWidth},
+                                   Column{"bitOffset", true, true},
+                                   Column{"bitSize", true, true},
                                    Column{"compileUnit"}};
     if (hasSections) {
         columns.push_back(Column{"section"});

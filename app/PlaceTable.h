@@ -26,8 +26,8 @@ struct LeafList {
 };
 
 /// Adds the rows of the leaves that are wanted. By name those are whose path the pattern fits, with
-/// or without the scopes in front, and all of a variable whose name it fits. The caller finishes the
-/// table.
+/// or without the scopes in front, and all of a variable whose name it fits. The caller finishes
+/// the table.
 /// @param table has `PlaceColumns`
 LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table);

@@ -97,7 +97,9 @@ std::string SecondImageProblem(const std::string& text) {
     std::array<char, 4> start{};
     file.read(start.data(), start.size());
     const std::string_view bytes(start.data(), static_cast<std::size_t>(file.gcount()));
-    if (!bytes.starts_with("\x7F" "ELF") && !bytes.starts_with("MZ")) {
+    if (!bytes.starts_with("\x7F"
+                           "ELF") &&
+        !bytes.starts_with("MZ")) {
         return {};
     }
     return "one file at a time: '" + text +
@@ -110,8 +112,8 @@ void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t
         .add_option_function<std::string>(
             name,
             [name, least, &value](const std::string& text) {
-                value = ParseNumber<std::uint64_t>(
-                    name, text, least, least == 0 ? "number" : "number from 1 on");
+                value = ParseNumber<std::uint64_t>(name, text, least,
+                                                   least == 0 ? "number" : "number from 1 on");
             },
             purpose)
         ->take_last()

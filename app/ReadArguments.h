@@ -42,8 +42,8 @@ void AddFileArgument(CLI::App& command, std::string& file);
 /// @param things what the command lists, in the plural
 void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern);
 
-/// What is wrong with a text in the place of a pattern, for a person: it is a second image. Empty if
-/// nothing is.
+/// What is wrong with a text in the place of a pattern, for a person: it is a second image. Empty
+/// if nothing is.
 std::string SecondImageProblem(const std::string& text);
 
 /// Adds an option that takes a number.

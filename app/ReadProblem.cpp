@@ -44,8 +44,7 @@ constexpr std::array sGermanReasons = {
     GermanReason{std::errc::filename_too_long, "Der Dateiname ist zu lang"},
     GermanReason{std::errc::too_many_files_open, "Zu viele offene Dateien"},
     GermanReason{std::errc::io_error, "Eingabe-/Ausgabefehler"},
-    GermanReason{std::errc::too_many_symbolic_link_levels,
-                 "Zu viele Ebenen symbolischer Links"},
+    GermanReason{std::errc::too_many_symbolic_link_levels, "Zu viele Ebenen symbolischer Links"},
 };
 
 std::string ReasonText(const std::error_code& error, MessageLanguage language) {

@@ -118,8 +118,8 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     if (!result.isOk) {
         result.error = std::exchange(mError, {});
         result.remark = RemarkOn(file, result);
-        result.message = result.error.empty() ? ProblemText(ReadProblem::CouldNotRead, mLanguage)
-                                              : result.error;
+        result.message =
+            result.error.empty() ? ProblemText(ReadProblem::CouldNotRead, mLanguage) : result.error;
         if (!result.remark.empty()) {
             result.message += " (" + result.remark + ")";
         }

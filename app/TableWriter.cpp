@@ -67,7 +67,8 @@ public:
         : mColumns(columns)
         , mOutput(output)
         , mStyle(style)
-        , mWidths(columns.size()) {
+        , mWidths(columns.size())
+        , mHasChanges(columns.size()) {
         for (std::size_t column = 0; column < columns.size(); ++column) {
             AddCell(column, columns[column].name);
             mWidths[column] = columns[column].isOptional ? 0 : mWidths[column];
@@ -79,6 +80,7 @@ public:
         if (!mHasRows) {
             return;
         }
+        HideColumnsWithoutChanges();
         FitWidths();
         std::string line;
         std::size_t start = 0;
@@ -104,6 +106,8 @@ public:
 protected:
     void WriteRow(std::span<const Cell> cells, RowColour colour) override {
         if (mText.size() > sMostKeptText) {
+            // What comes later may differ.
+            mHasChanges.assign(mColumns.size(), true);
             Finish();
         }
         mHasRows = true;
@@ -119,17 +123,26 @@ private:
         AppendCell(mText, cell);
         ReplaceControlCharacters(mText, start);
         mEnds.push_back(mText.size());
-        const std::size_t width = DisplayWidth(std::string_view(mText).substr(start));
+        const std::string_view text = std::string_view(mText).substr(start);
+        mHasChanges[column] = mHasChanges[column] || (mHasRows && text != mLastText);
+        mLastText = text;
+        const std::size_t width = DisplayWidth(text);
         if (width != 0) {
             const std::size_t heading = DisplayWidth(mColumns[column].name);
             mWidths[column] = std::max({mWidths[column], heading, std::min(width, WidestColumn())});
         }
     }
 
-    /// A screen's lines are cut, so that no text can stand out.
-    [[nodiscard]] std::size_t WidestColumn() const {
-        return std::max(sWidestColumn, mStyle.width);
+    void HideColumnsWithoutChanges() {
+        for (std::size_t column = 0; column < mColumns.size(); ++column) {
+            if (mColumns[column].isOnlyForChanges && !mHasChanges[column]) {
+                mWidths[column] = 0;
+            }
+        }
     }
+
+    /// A screen's lines are cut, so that no text can stand out.
+    [[nodiscard]] std::size_t WidestColumn() const { return std::max(sWidestColumn, mStyle.width); }
 
     /// Makes the texts narrower, the widest first, until a line fits the screen or none can give
     /// more.
@@ -141,8 +154,8 @@ private:
         while (total > mStyle.width) {
             std::size_t widest = mColumns.size();
             for (std::size_t column = 0; column < mColumns.size(); ++column) {
-                const bool canGive = !mColumns[column].isNumber &&
-                                     mWidths[column] > mColumns[column].leastWidth;
+                const bool canGive =
+                    !mColumns[column].isNumber && mWidths[column] > mColumns[column].leastWidth;
                 if (canGive && (widest == mColumns.size() || mWidths[column] > mWidths[widest])) {
                     widest = column;
                 }
@@ -202,6 +215,9 @@ private:
     std::string mCut;
     /// 0 for a column that is left out.
     std::vector<std::size_t> mWidths;
+    /// True for a column in which some cell is not like the one before it in its row.
+    std::vector<bool> mHasChanges;
+    std::string mLastText;
     /// The texts of all cells, one after the other, and where each ends.
     std::string mText;
     std::vector<std::size_t> mEnds;

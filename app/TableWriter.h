@@ -25,7 +25,8 @@ enum class TableFormat {
 /// The format of a name: "table", "csv" or "json".
 TableFormat TableFormatOf(std::string_view name);
 
-/// To how many columns of the screen a name may be cut.
+/// To how many columns of the screen a text may be cut, and to how many a name.
+constexpr std::size_t sLeastWidth = 8;
 constexpr std::size_t sLeastNameWidth = 16;
 
 struct Column {
@@ -35,7 +36,9 @@ struct Column {
     /// Left out of a table where it has nothing in any row.
     bool isOptional = false;
     /// To how many columns of the screen its texts may be cut.
-    std::size_t leastWidth = 8;
+    std::size_t leastWidth = sLeastWidth;
+    /// Left out of a table where it has in every row what the column before it has.
+    bool isOnlyForChanges = false;
 };
 
 /// An address: hexadecimal with at least 8 digits, in JSON a number.

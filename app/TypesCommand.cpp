@@ -35,9 +35,9 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
     const PatternArguments& names = arguments.names;
     const bool hasMatch =
         ListByPattern(names, arguments.file, "types", [&](const NameFilter& filter) {
-            return arguments.isForCompiler ? WriteCHeader(model, filter, output)
-                                           : WriteTypeLayouts(model, filter, output,
-                                                              IsStandardOutputColoured());
+            return arguments.isForCompiler
+                       ? WriteCHeader(model, filter, output)
+                       : WriteTypeLayouts(model, filter, output, IsStandardOutputColoured());
         });
     if (hasMatch || !HasDelivered(result, model)) {
         return status;

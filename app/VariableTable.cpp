@@ -70,7 +70,8 @@ private:
 
 std::vector<Column> VariableColumns(const ListChoice& choice) {
     std::vector<Column> columns = {Column{"address", true}, Column{"size", true}, Column{"type"},
-                                   Column{"name", false, false, sLeastNameWidth}, Column{"compileUnit"}};
+                                   Column{"name", false, false, sLeastNameWidth},
+                                   Column{"compileUnit"}};
     if (choice.hasSections) {
         columns.push_back(Column{"section"});
     }

@@ -36,8 +36,8 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
         return ExitStatus::Failed;
     }
     const std::vector<Column> columns = VariableColumns(*choice);
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
-                                       StandardOutputStyle());
+    const auto table =
+        MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const PatternArguments& names = arguments.list.names;
     const bool hasMatch =
         ListByPattern(names, arguments.file, "variables", [&](const NameFilter& filter) {

@@ -96,9 +96,8 @@ TEST(ModelComparisonTest, LeavesAreComparedWithinTheirVariables) {
 }
 
 TEST(ModelComparisonTest, AVariableThatAppearsMayStandForItsLeaves) {
-    const Build before(0x1000, [](Build& build) {
-        build.Member("speed", build.mInt32, build.mMotor, 0);
-    });
+    const Build before(0x1000,
+                       [](Build& build) { build.Member("speed", build.mInt32, build.mMotor, 0); });
     const Build after(0x1000, [](Build& build) {
         build.Member("speed", build.mInt32, build.mMotor, 0);
         build.Global("spare", build.mMotor, 0x2000);

@@ -38,5 +38,21 @@ TEST(TableWriterTest, VeryLargeTablesAreWrittenInParts) {
     }
 }
 
+TEST(TableWriterTest, AColumnForChangesIsThereOnceThereAreAny) {
+    constexpr std::array columns = {Column{"old"}, Column{"new", false, false, sLeastWidth, true},
+                                    Column{"end"}};
+    for (const bool isChanged : {false, true}) {
+        std::stringbuf text;
+        ResultOutput output(text);
+        const auto table = MakeTableWriter(TableFormat::Table, columns, output);
+        table->AddRow(std::array<Cell, 3>{"a", "a", "x"});
+        table->AddRow(std::array<Cell, 3>{"b", isChanged ? "c" : "b", "y"});
+        table->Finish();
+        output.Sync();
+        EXPECT_EQ(text.str(), isChanged ? "old  new  end\na    a    x\nb    c    y\n"
+                                        : "old  end\na    x\nb    y\n");
+    }
+}
+
 } // namespace
 } // namespace Tessel::Norn::Brindle::Program
