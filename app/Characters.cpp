@@ -12,7 +12,8 @@ constexpr char32_t sFirstOddByte = 0x110000;
 constexpr unsigned char sFirstBeyondAscii = 0x80;
 
 std::size_t WidthOf(char32_t character) {
-    if (character >= sFirstOddByte) {
+    // Nearly all characters; the control characters among them never come here.
+    if (character < sFirstBeyondAscii || character >= sFirstOddByte) {
         return 1;
     }
     return static_cast<std::size_t>(
