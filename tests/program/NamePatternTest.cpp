@@ -36,7 +36,7 @@ TEST(NamePatternTest, APatternFitsWhatAShellUserExpects) {
              {"table[[:digit:]_]", "table_", true},
              {"table[[:digit:]]", "tables", false},
              {"[]x]", "]", true},
-             {"[a\\]b]", "]", true},
+             {R"([a\]b])", "]", true},
              {"[\u00E4-\u00FC]", "\u00F6", true},
              {"a[b", "a[b", true},
              // Brackets of an index, too.
@@ -44,11 +44,11 @@ TEST(NamePatternTest, APatternFitsWhatAShellUserExpects) {
              {"loops[*].gain", "loops[12].gain", true},
              {"loops[?]*", "loops[1].gain", true},
              {"loops[12]", "loops1", true},
-             {"loops\\[12]", "loops1", false},
-             {"loops\\[12]", "loops[12]", true},
-             {"a\\*b", "a*b", true},
-             {"a\\*b", "axb", false},
-             {"a\\", "a\\", true},
+             {R"(loops\[12])", "loops1", false},
+             {R"(loops\[12])", "loops[12]", true},
+             {R"(a\*b)", "a*b", true},
+             {R"(a\*b)", "axb", false},
+             {R"(a\)", R"(a\)", true},
              {"MOTOR*", "motors", true, true},
              {"m[O-P]tor", "motor", true, true},
              {"\u00C4*", "\u00E4nderung", true, true},
@@ -69,7 +69,7 @@ TEST(NamePatternTest, TheBeginningOfAMatchIsFound) {
 }
 
 TEST(NamePatternTest, AWordWithoutWildcardsIsPlain) {
-    for (const std::string_view plain : {"motor", "motors[9].name", "a\\*b", "t[0][1]"}) {
+    for (const std::string_view plain : {"motor", "motors[9].name", R"(a\*b)", "t[0][1]"}) {
         EXPECT_TRUE(NamePattern::IsPlain(plain)) << plain;
     }
     for (const std::string_view pattern : {"m*", "m?", "[ab]", "t[*]", "t[0-9]"}) {
