@@ -20,8 +20,8 @@ char32_t LowerCase(char32_t character);
 char32_t UpperCase(char32_t character);
 /// @}
 
-/// Columns that a text without control characters takes on a screen: 2 for a wide character, 0 for a
-/// combining one.
+/// Columns that a text without control characters takes on a screen: 2 for a wide character, 0 for
+/// a combining one.
 std::size_t DisplayWidth(std::string_view text);
 
 /// A text cut in its middle to a width, since names differ at their ends, with an ellipsis in place

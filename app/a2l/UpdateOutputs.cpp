@@ -73,8 +73,7 @@ void WriteUpdated(const Source& source, const UpdateResult& result,
     static const TextEdits sNoEdits;
     const auto edits = result.edits.find(&source);
     (edits == result.edits.end() ? sNoEdits : edits->second)
-        .Write(source.Bytes(),
-               [&](std::string_view text) { source.WriteEncoded(text, sink); });
+        .Write(source.Bytes(), [&](std::string_view text) { source.WriteEncoded(text, sink); });
 }
 
 void WriteFiles(const OutputPlan& plan, const UpdateResult& result) {

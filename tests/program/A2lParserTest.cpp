@@ -172,7 +172,8 @@ TEST(A2lParser, SaysWhereTheTextIsWrongAndWhatWasExpected) {
         EXPECT_THAT(ProblemOf(one.text), testing::HasSubstr(one.problem)) << one.text;
     }
     const std::string zeros("/\0b\0e\0g\0", 8);
-    EXPECT_THAT(ProblemOf(zeros), testing::HasSubstr("looks like UTF-16 without its byte order mark"));
+    EXPECT_THAT(ProblemOf(zeros),
+                testing::HasSubstr("looks like UTF-16 without its byte order mark"));
     EXPECT_THAT(ProblemOf(std::string("\x7F"
                                       "ELF\1\1\1\0\0",
                                       9)),
