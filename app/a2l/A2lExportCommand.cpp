@@ -147,8 +147,9 @@ void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
         ->check(CLI::IsMember({"1.5.1", "1.6", "1.7.1"}))
         ->option_text("1.5.1|1.6|1.7.1")
         ->take_last();
+    AddWordAddressArgument(command, *arguments);
     AddLeafLimitArguments(command, choices.limits);
-    AddReadingArguments(command, *arguments);
+    AddReadArguments(command, arguments->read);
     command.parse_complete_callback([arguments] { CompleteChoices(*arguments); });
 }
 

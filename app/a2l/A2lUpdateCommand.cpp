@@ -216,7 +216,8 @@ void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group) {
     AddChoiceArgument(command, "--missing", arguments->missing, {"keep", "zero", "remove"},
                       "What becomes of objects that the image lacks");
     command.add_flag("--bit-masks", arguments->bitMasks, "Change BIT_MASK of bit fields as well");
-    AddReadingArguments(command, *arguments);
+    AddWordAddressArgument(command, *arguments);
+    AddReadArguments(command, arguments->read);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -20,10 +20,9 @@ CLI::Option* AddOutputArgument(CLI::App& command, ImageArguments& arguments) {
         ->take_last();
 }
 
-void AddReadingArguments(CLI::App& command, ImageArguments& arguments) {
+void AddWordAddressArgument(CLI::App& command, ImageArguments& arguments) {
     command.add_flag("--word-addresses", arguments.hasWordAddresses,
                      "Count addresses in words of 16 bits, for targets that do so");
-    AddReadArguments(command, arguments.read);
 }
 
 ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::DataModel& model) {

@@ -36,8 +36,8 @@ void AddImageArgument(CLI::App& command, const std::string& purpose, ImageArgume
 /// Adds `--output`.
 CLI::Option* AddOutputArgument(CLI::App& command, ImageArguments& arguments);
 
-/// Adds `--word-addresses` and what all commands that read files have.
-void AddReadingArguments(CLI::App& command, ImageArguments& arguments);
+/// Adds `--word-addresses`.
+void AddWordAddressArgument(CLI::App& command, ImageArguments& arguments);
 /// @}
 
 /// Reads the image whole. Anything less is refused, since what is missing would look as if the
