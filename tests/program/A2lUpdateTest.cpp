@@ -4,10 +4,13 @@
 #include "support/A2lFiles.h"
 #include "support/ModelBuilder.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <map>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -128,73 +131,45 @@ std::string DifferencesOf(const std::string& content, const UpdateChoices& choic
 TEST(A2lSymbols, AreFoundInEveryNotation) {
     const Image image;
     const SymbolIndex index(image.mModel, UnderscoreHabit::InFront);
-    const std::vector<std::pair<const char*, std::uint64_t>> cases = {
-        {"speed", 0x2000},
-        {"::speed", 0x2000},
-        {"_speed", 0x2000},
-        {"motors[1].loops[1][2].gain", 0x1070},
-        {"motors[1].loops[1,2].gain", 0x1070},
-        {"motors[0x1].loops[1][2].gain", 0x1070},
-        {"motors._1_.loops._1_._2_.gain", 0x1070},
-        {"motors_1_.loops_1__2_.gain", 0x1070},
-        {"motors.1.loops.1.2.gain", 0x1070},
-        {"motors[1].loops._1_[2].bytes_3_", 0x1077},
-        {"motors[0].loops[1]", 0x1020},
-        {"motors[1].word", 0},
-        {"motors[1].loops[0][0].word", 0x104C},
-        {"motors[1].id", 0x1044},
-        {"motors[1].Named::id", 0x1040},
-        {"table_2_", 0x2020},
-        {"table_1_", 0x2012},
-        {"table._2_", 0x2014},
-        {"table[4]", 0},
-        {"plant::gTimer", 0x3000},
-        {"plant.gTimer", 0x3000},
-        {"gTimer", 0x3000},
-        {"_ZN5plant6gTimerE", 0x3000},
-        {"motor.c::counter", 0x3100},
-        {"motor_c::counter", 0x3100},
-        {"src/motor.c:counter", 0x3100},
-        {"sensors.c|counter", 0x3200},
-        {"src/sensors.c/counter", 0x3200},
-        {"src/sensors.c::counter", 0x3200},
-        {"motor::counter", 0x3100},
-        {"counter@sensors.c", 0x3200},
-        {"counter{motor.c}", 0x3100},
-        {"motor_c.counter", 0x3100},
-        {"counter.motor_c", 0x3100},
-        {"counter_sensors_c", 0x3200},
-        {"onlyInMotor", 0x3400},
-        // Not the static variable of motor.c.
-        {"onlyInMotor_motor", 0},
-        {"motor.onlyInMotor", 0},
-        {"shared", 0x3310},
-        {"shared@sensors.c", 0x3300},
-        {"Ring_int__3_.sCount", 0x3700},
-        {"motor_c.Ring_int__3_.sCount", 0},
-        {"motors[1].Named.id", 0x1040},
-        {"step::stops", 0x3500},
-        {"step.stops", 0x3500},
-        {"stops", 0x3500},
-        {"raw", 0x3600},
-        {"counter", 0},
-        {"Speed", 0},
-        {"speed.x", 0},
-        {"speed[0]", 0},
-        {"motors", 0x1000},
-        {"motors.", 0},
-        {"motors[", 0},
-        {"motors[1]x", 0},
-        {"", 0},
-        {"@", 0},
-        {"{}", 0},
-        {"_1_", 0},
+    // By address; 0 stands for none. "onlyInMotor_motor" is not the static variable of motor.c.
+    const std::vector<std::pair<std::uint64_t, const char*>> cases = {
+        {0x1000, "motors"},
+        {0x1020, "motors[0].loops[1]"},
+        {0x1040, "motors[1].Named::id motors[1].Named.id"},
+        {0x1044, "motors[1].id"},
+        {0x104C, "motors[1].loops[0][0].word"},
+        {0x1070, "motors[1].loops[1][2].gain motors[1].loops[1,2].gain "
+                 "motors[0x1].loops[1][2].gain motors._1_.loops._1_._2_.gain "
+                 "motors_1_.loops_1__2_.gain motors.1.loops.1.2.gain"},
+        {0x1077, "motors[1].loops._1_[2].bytes_3_"},
+        {0x2000, "speed ::speed _speed"},
+        {0x2012, "table_1_"},
+        {0x2014, "table._2_"},
+        {0x2020, "table_2_"},
+        {0x3000, "plant::gTimer plant.gTimer gTimer _ZN5plant6gTimerE"},
+        {0x3100, "motor.c::counter motor_c::counter src/motor.c:counter motor::counter "
+                 "counter{motor.c} motor_c.counter counter.motor_c"},
+        {0x3200, "sensors.c|counter src/sensors.c/counter src/sensors.c::counter "
+                 "counter@sensors.c counter_sensors_c"},
+        {0x3300, "shared@sensors.c"},
+        {0x3310, "shared"},
+        {0x3400, "onlyInMotor"},
+        {0x3500, "step::stops step.stops stops"},
+        {0x3600, "raw"},
+        {0x3700, "Ring_int__3_.sCount"},
+        {0, "motors[1].word table[4] onlyInMotor_motor motor.onlyInMotor counter Speed speed.x "
+            "speed[0] motors. motors[ motors[1]x motor_c.Ring_int__3_.sCount @ {} _1_"},
     };
-    for (const auto& [symbol, address] : cases) {
-        const SymbolIndex::Answer answer = index.Find(symbol);
-        EXPECT_EQ(answer.outcome == SymbolIndex::Outcome::Found ? answer.place.address : 0, address)
-            << symbol;
+    for (const auto& [address, symbols] : cases) {
+        std::istringstream words(symbols);
+        for (std::string symbol; words >> symbol;) {
+            const SymbolIndex::Answer answer = index.Find(symbol);
+            EXPECT_EQ(answer.outcome == SymbolIndex::Outcome::Found ? answer.place.address : 0,
+                      address)
+                << symbol;
+        }
     }
+    EXPECT_NE(index.Find("").outcome, SymbolIndex::Outcome::Found);
     const SymbolIndex::Answer ambiguous = index.Find("counter");
     EXPECT_EQ(ambiguous.outcome, SymbolIndex::Outcome::Ambiguous);
     EXPECT_EQ(ambiguous.problem, "several variables have this name: motor_c::counter at 0x3100, "
@@ -421,68 +396,14 @@ TEST(A2lUpdate, ChangesEachIncludedFileOnce) {
 // Whatever stands between the tokens and wherever it stands, the update changes the addresses
 // alone.
 TEST(A2lUpdate, LeavesAllOtherBytesUnderRandomEdits) {
-    const std::vector<std::string> tokens = {"/begin",
-                                             "PROJECT",
-                                             "p",
-                                             "\"\"",
-                                             "/begin",
-                                             "MODULE",
-                                             "m",
-                                             R"("a\"b")",
-                                             "/begin",
-                                             "MEASUREMENT",
-                                             "speed",
-                                             "\"ECU_ADDRESS 1\"",
-                                             "UWORD",
-                                             "CM",
-                                             "0",
-                                             "0",
-                                             "0",
-                                             "1",
-                                             "DISPLAY_IDENTIFIER",
-                                             "ECU_ADDRESS",
-                                             "ECU_ADDRESS",
-                                             "@0x00000001",
-                                             "/end",
-                                             "MEASUREMENT",
-                                             "/begin",
-                                             "IF_DATA",
-                                             "XCP",
-                                             "0x2000",
-                                             "/begin",
-                                             "X",
-                                             "/end",
-                                             "X",
-                                             "/end",
-                                             "IF_DATA",
-                                             "/begin",
-                                             "CHARACTERISTIC",
-                                             "k",
-                                             "\"\"",
-                                             "VALUE",
-                                             "@0x00000002",
-                                             "RL",
-                                             "0",
-                                             "CM",
-                                             "0",
-                                             "1",
-                                             "SYMBOL_LINK",
-                                             "\"table\"",
-                                             "2",
-                                             "/end",
-                                             "CHARACTERISTIC",
-                                             "/begin",
-                                             "BLOB",
-                                             "gone",
-                                             "\"\"",
-                                             "0x10",
-                                             "4",
-                                             "/end",
-                                             "BLOB",
-                                             "/end",
-                                             "MODULE",
-                                             "/end",
-                                             "PROJECT"};
+    // Addresses to change are marked with "@", a blank within a token is "^".
+    std::istringstream tokens(R"(
+        /begin PROJECT p "" /begin MODULE m "a\"b" /begin MEASUREMENT speed "ECU_ADDRESS^1" UWORD CM
+        0 0 0 1 DISPLAY_IDENTIFIER ECU_ADDRESS ECU_ADDRESS @0x00000001 /end MEASUREMENT
+        /begin IF_DATA XCP 0x2000 /begin X /end X /end IF_DATA
+        /begin CHARACTERISTIC k "" VALUE @0x00000002 RL 0 CM 0 1 SYMBOL_LINK "table" 2
+        /end CHARACTERISTIC /begin BLOB gone "" 0x10 4 /end BLOB /end MODULE /end PROJECT)");
+    const std::vector<std::string> words{std::istream_iterator<std::string>(tokens), {}};
     const std::vector<std::string> expected = {"0x00002000", "0x00002012"};
     const std::vector<std::string> spaces = {" ",          "\n",
                                              "\r\n",       "\t",
@@ -494,7 +415,8 @@ TEST(A2lUpdate, LeavesAllOtherBytesUnderRandomEdits) {
         std::string text;
         std::string wanted;
         std::size_t address = 0;
-        for (const std::string& token : tokens) {
+        for (std::string token : words) {
+            std::ranges::replace(token, '^', ' ');
             const std::string& space = spaces[random() % spaces.size()];
             const bool isAddress = token.front() == '@';
             text += (isAddress ? token.substr(1) : token) + space;
