@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <iterator>
 
 namespace Tessel::Norn::Brindle::Tests {
 
@@ -36,82 +37,49 @@ constexpr OperandEncoding sOperandEncodings[] = {
     {DW_OP_GNU_addr_index, DW_OP_GNU_const_index, OperandKind::Unsigned},
 };
 
-/// How the value of a form that is a number is written; `Twice` is 16 bytes of the number repeated.
-enum class NumberWidth { Fixed, Twice, Address, Offset, Reference, Unsigned, Signed };
+/// What the value of a form is written as.
+enum class Layout { Unknown, Fixed, Address, Offset, Reference, Unsigned, Signed, Text, Block };
 
-struct NumberForm {
+struct FormEncoding {
     std::uint32_t form = 0;
-    NumberWidth width = NumberWidth::Fixed;
+    Layout layout = Layout::Unknown;
+    /// Bytes of a number of fixed size, or of a block's length; 0 is a length in LEB128.
     std::size_t size = 0;
 };
 
-constexpr NumberForm sNumberForms[] = {
-    {DW_FORM_data1, NumberWidth::Fixed, 1},
-    {DW_FORM_flag, NumberWidth::Fixed, 1},
-    {DW_FORM_ref1, NumberWidth::Fixed, 1},
-    {DW_FORM_strx1, NumberWidth::Fixed, 1},
-    {DW_FORM_addrx1, NumberWidth::Fixed, 1},
-    {DW_FORM_data2, NumberWidth::Fixed, 2},
-    {DW_FORM_ref2, NumberWidth::Fixed, 2},
-    {DW_FORM_strx2, NumberWidth::Fixed, 2},
-    {DW_FORM_addrx2, NumberWidth::Fixed, 2},
-    {DW_FORM_strx3, NumberWidth::Fixed, 3},
-    {DW_FORM_addrx3, NumberWidth::Fixed, 3},
-    {DW_FORM_data4, NumberWidth::Fixed, 4},
-    {DW_FORM_ref4, NumberWidth::Fixed, 4},
-    {DW_FORM_ref_sup4, NumberWidth::Fixed, 4},
-    {DW_FORM_strx4, NumberWidth::Fixed, 4},
-    {DW_FORM_addrx4, NumberWidth::Fixed, 4},
-    {DW_FORM_data8, NumberWidth::Fixed, 8},
-    {DW_FORM_ref8, NumberWidth::Fixed, 8},
-    {DW_FORM_ref_sig8, NumberWidth::Fixed, 8},
-    {DW_FORM_ref_sup8, NumberWidth::Fixed, 8},
-    {DW_FORM_flag_present, NumberWidth::Fixed, 0},
-    {DW_FORM_implicit_const, NumberWidth::Fixed, 0},
-    {DW_FORM_data16, NumberWidth::Twice},
-    {DW_FORM_addr, NumberWidth::Address},
-    {DW_FORM_sec_offset, NumberWidth::Offset},
-    {DW_FORM_strp, NumberWidth::Offset},
-    {DW_FORM_line_strp, NumberWidth::Offset},
-    {DW_FORM_strp_sup, NumberWidth::Offset},
-    {DW_FORM_GNU_ref_alt, NumberWidth::Offset},
-    {DW_FORM_GNU_strp_alt, NumberWidth::Offset},
-    {DW_FORM_ref_addr, NumberWidth::Reference},
-    {DW_FORM_udata, NumberWidth::Unsigned},
-    {DW_FORM_ref_udata, NumberWidth::Unsigned},
-    {DW_FORM_strx, NumberWidth::Unsigned},
-    {DW_FORM_addrx, NumberWidth::Unsigned},
-    {DW_FORM_loclistx, NumberWidth::Unsigned},
-    {DW_FORM_rnglistx, NumberWidth::Unsigned},
-    {DW_FORM_GNU_str_index, NumberWidth::Unsigned},
-    {DW_FORM_GNU_addr_index, NumberWidth::Unsigned},
-    {DW_FORM_sdata, NumberWidth::Signed},
+constexpr FormEncoding sFormEncodings[] = {
+    {DW_FORM_data1, Layout::Fixed, 1},     {DW_FORM_data2, Layout::Fixed, 2},
+    {DW_FORM_data4, Layout::Fixed, 4},     {DW_FORM_data8, Layout::Fixed, 8},
+    {DW_FORM_data16, Layout::Fixed, 16},   {DW_FORM_flag, Layout::Fixed, 1},
+    {DW_FORM_ref1, Layout::Fixed, 1},      {DW_FORM_ref2, Layout::Fixed, 2},
+    {DW_FORM_ref4, Layout::Fixed, 4},      {DW_FORM_ref8, Layout::Fixed, 8},
+    {DW_FORM_ref_sig8, Layout::Fixed, 8},  {DW_FORM_ref_sup4, Layout::Fixed, 4},
+    {DW_FORM_ref_sup8, Layout::Fixed, 8},  {DW_FORM_strx1, Layout::Fixed, 1},
+    {DW_FORM_strx2, Layout::Fixed, 2},     {DW_FORM_strx3, Layout::Fixed, 3},
+    {DW_FORM_strx4, Layout::Fixed, 4},     {DW_FORM_addrx1, Layout::Fixed, 1},
+    {DW_FORM_addrx2, Layout::Fixed, 2},    {DW_FORM_addrx3, Layout::Fixed, 3},
+    {DW_FORM_addrx4, Layout::Fixed, 4},    {DW_FORM_flag_present, Layout::Fixed, 0},
+    {DW_FORM_sdata, Layout::Signed},       {DW_FORM_implicit_const, Layout::Fixed, 0},
+    {DW_FORM_udata, Layout::Unsigned},     {DW_FORM_ref_udata, Layout::Unsigned},
+    {DW_FORM_strx, Layout::Unsigned},      {DW_FORM_addrx, Layout::Unsigned},
+    {DW_FORM_loclistx, Layout::Unsigned},  {DW_FORM_GNU_str_index, Layout::Unsigned},
+    {DW_FORM_rnglistx, Layout::Unsigned},  {DW_FORM_GNU_addr_index, Layout::Unsigned},
+    {DW_FORM_strp, Layout::Offset},        {DW_FORM_line_strp, Layout::Offset},
+    {DW_FORM_strp_sup, Layout::Offset},    {DW_FORM_sec_offset, Layout::Offset},
+    {DW_FORM_GNU_ref_alt, Layout::Offset}, {DW_FORM_GNU_strp_alt, Layout::Offset},
+    {DW_FORM_addr, Layout::Address},       {DW_FORM_ref_addr, Layout::Reference},
+    {DW_FORM_string, Layout::Text},        {DW_FORM_block1, Layout::Block, 1},
+    {DW_FORM_block2, Layout::Block, 2},    {DW_FORM_block4, Layout::Block, 4},
+    {DW_FORM_block, Layout::Block, 0},     {DW_FORM_exprloc, Layout::Block, 0},
 };
 
-/// Writes the forms whose bytes carry their own extent; false for any other form.
-bool WriteBlock(ByteWriter& writer, std::uint32_t form, const std::string& bytes) {
-    switch (form) {
-    case DW_FORM_block1:
-        writer.U8(bytes.size()).Bytes(bytes);
-        return true;
-    case DW_FORM_block2:
-        writer.U16(bytes.size()).Bytes(bytes);
-        return true;
-    case DW_FORM_block4:
-        writer.U32(bytes.size()).Bytes(bytes);
-        return true;
-    case DW_FORM_block:
-    case DW_FORM_exprloc:
-        writer.Bytes(Uleb128(bytes.size())).Bytes(bytes);
-        return true;
-    case DW_FORM_string:
-        writer.Text(bytes);
-        return true;
-    default:
-        return false;
-    }
+FormEncoding EncodingOfForm(std::uint32_t form) {
+    const auto* found = std::ranges::find(sFormEncodings, form, &FormEncoding::form);
+    return found != std::end(sFormEncodings) ? *found : FormEncoding{form};
 }
 
+/// Numbers of more bytes consist of several alike.
+constexpr std::size_t sWord = 8;
 /// Bytes of a reference in LEB128, wide enough for every unit of a test.
 constexpr std::size_t sLebReferenceSize = 4;
 
@@ -193,66 +161,6 @@ DieAttribute Indirect(DieAttribute attribute, int times) {
     return attribute;
 }
 
-DieAttribute Name(std::string text, std::uint32_t form) {
-    return Text(DW_AT_name, form, std::move(text));
-}
-
-DieAttribute Producer(std::string text, std::uint32_t form) {
-    return Text(DW_AT_producer, form, std::move(text));
-}
-
-DieAttribute CompDir(std::string text, std::uint32_t form) {
-    return Text(DW_AT_comp_dir, form, std::move(text));
-}
-
-DieAttribute LinkageName(std::string text, std::uint32_t form) {
-    return Text(DW_AT_linkage_name, form, std::move(text));
-}
-
-DieAttribute Type(DieLabel target, std::uint32_t form) {
-    return Reference(DW_AT_type, form, target);
-}
-
-DieAttribute Specification(DieLabel target, std::uint32_t form) {
-    return Reference(DW_AT_specification, form, target);
-}
-
-DieAttribute ByteSize(std::uint64_t value, std::uint32_t form) {
-    return Number(DW_AT_byte_size, form, value);
-}
-
-DieAttribute Encoding(std::uint64_t value, std::uint32_t form) {
-    return Number(DW_AT_encoding, form, value);
-}
-
-DieAttribute BitSize(std::uint64_t value, std::uint32_t form) {
-    return Number(DW_AT_bit_size, form, value);
-}
-
-DieAttribute BitOffset(std::uint64_t value, std::uint32_t form) {
-    return Number(DW_AT_bit_offset, form, value);
-}
-
-DieAttribute ConstValue(std::int64_t value, std::uint32_t form) {
-    return Number(DW_AT_const_value, form, static_cast<std::uint64_t>(value));
-}
-
-DieAttribute LowerBound(std::int64_t value, std::uint32_t form) {
-    return Number(DW_AT_lower_bound, form, static_cast<std::uint64_t>(value));
-}
-
-DieAttribute UpperBound(std::int64_t value, std::uint32_t form) {
-    return Number(DW_AT_upper_bound, form, static_cast<std::uint64_t>(value));
-}
-
-DieAttribute Count(std::uint64_t value, std::uint32_t form) {
-    return Number(DW_AT_count, form, value);
-}
-
-DieAttribute Accessibility(std::uint64_t value, std::uint32_t form) {
-    return Number(DW_AT_accessibility, form, value);
-}
-
 DieAttribute External() {
     return Number(DW_AT_external, DW_FORM_flag, 1);
 }
@@ -261,20 +169,8 @@ DieAttribute Declaration() {
     return Number(DW_AT_declaration, DW_FORM_flag, 1);
 }
 
-DieAttribute Location(std::vector<Operation> operations, std::uint32_t form) {
-    return Expression(DW_AT_location, form, std::move(operations));
-}
-
 DieAttribute Address(std::uint64_t address, std::uint32_t form) {
     return Location({{DW_OP_addr, {static_cast<std::int64_t>(address)}}}, form);
-}
-
-DieAttribute MemberOffset(std::uint64_t offset, std::uint32_t form) {
-    return Number(DW_AT_data_member_location, form, offset);
-}
-
-DieAttribute MemberLocation(std::vector<Operation> operations, std::uint32_t form) {
-    return Expression(DW_AT_data_member_location, form, std::move(operations));
 }
 
 Die::Die(dwarf_tag tag, std::vector<DieAttribute> attributes, std::vector<Die> children)
@@ -318,6 +214,20 @@ struct DwarfSections::UnitState {
         const std::size_t usual =
             unit.version < 3 ? static_cast<std::size_t>(unit.addressSize) : OffsetSize();
         return unit.referenceSize ? static_cast<std::size_t>(*unit.referenceSize) : usual;
+    }
+
+    /// Bytes of a number of the layout.
+    [[nodiscard]] std::size_t SizeOf(const FormEncoding& encoding) const {
+        switch (encoding.layout) {
+        case Layout::Address:
+            return static_cast<std::size_t>(unit.addressSize);
+        case Layout::Offset:
+            return OffsetSize();
+        case Layout::Reference:
+            return ReferenceSize();
+        default:
+            return encoding.size;
+        }
     }
 
     const DwarfUnit& unit;
@@ -564,26 +474,49 @@ void DwarfSections::WriteAttribute(UnitState& state, const DieAttribute& attribu
 }
 
 void DwarfSections::WriteValue(UnitState& state, const DieAttribute& attribute) {
+    ByteWriter& writer = state.writer;
+    const FormEncoding encoding = EncodingOfForm(attribute.form);
     const std::uint64_t* number = std::get_if<std::uint64_t>(&attribute.value);
-    const std::string* text = std::get_if<std::string>(&attribute.value);
-    const std::vector<Operation>* operations =
-        std::get_if<std::vector<Operation>>(&attribute.value);
-    const std::string bytes =
-        operations != nullptr ? EncodeExpression(*operations, mByteOrder, state.unit.addressSize)
-                              : (text != nullptr ? *text : std::string());
-    const bool isVerbatim = attribute.isBytes && attribute.form > DW_FORM_flag_present;
-    if (!isVerbatim && WriteBlock(state.writer, attribute.form, bytes)) {
+    const std::string bytes = BytesOf(state, attribute);
+    const bool isRaw = attribute.isBytes && attribute.form > DW_FORM_flag_present;
+    const std::optional<std::uint64_t> place = number != nullptr ? *number
+                                               : isRaw           ? std::nullopt
+                                                       : PlaceOfText(attribute.form, bytes);
+    if (isRaw || (!place && encoding.layout < Layout::Text)) {
+        writer.Bytes(bytes);
         return;
     }
-    const std::optional<std::uint64_t> place =
-        text != nullptr && !isVerbatim ? PlaceOfText(attribute.form, *text) : std::nullopt;
-    if (place) {
-        WriteNumber(state, attribute.form, *place);
-    } else if (number != nullptr && !isVerbatim) {
-        WriteNumber(state, attribute.form, *number);
-    } else {
-        state.writer.Bytes(bytes);
+    switch (encoding.layout) {
+    case Layout::Unknown:
+        ADD_FAILURE() << "form " << attribute.form << " takes bytes only";
+        return;
+    case Layout::Text:
+        writer.Text(bytes);
+        return;
+    case Layout::Block:
+        writer.Bytes(encoding.size == 0 ? Uleb128(bytes.size())
+                                        : Writer().Integer(bytes.size(), encoding.size).Content());
+        writer.Bytes(bytes);
+        return;
+    case Layout::Unsigned:
+        writer.Bytes(Uleb128(*place));
+        return;
+    case Layout::Signed:
+        writer.Bytes(Sleb128(static_cast<std::int64_t>(*place)));
+        return;
+    default:
+        for (std::size_t left = state.SizeOf(encoding); left > 0; left -= std::min(left, sWord)) {
+            writer.Integer(*place, std::min(left, sWord));
+        }
     }
+}
+
+std::string DwarfSections::BytesOf(const UnitState& state, const DieAttribute& attribute) const {
+    if (const auto* operations = std::get_if<std::vector<Operation>>(&attribute.value)) {
+        return EncodeExpression(*operations, mByteOrder, state.unit.addressSize);
+    }
+    const std::string* text = std::get_if<std::string>(&attribute.value);
+    return text != nullptr ? *text : std::string();
 }
 
 std::optional<std::uint64_t> DwarfSections::PlaceOfText(std::uint32_t form,
@@ -605,61 +538,14 @@ std::optional<std::uint64_t> DwarfSections::PlaceOfText(std::uint32_t form,
     }
 }
 
-void DwarfSections::WriteNumber(UnitState& state, std::uint32_t form, std::uint64_t value) {
-    const auto* const found = std::ranges::find(sNumberForms, form, &NumberForm::form);
-    if (found == std::end(sNumberForms)) {
-        ADD_FAILURE() << "form " << form << " takes bytes only";
-        return;
-    }
-    switch (found->width) {
-    case NumberWidth::Fixed:
-        state.writer.Integer(value, found->size);
-        return;
-    case NumberWidth::Twice:
-        state.writer.U64(value).U64(value);
-        return;
-    case NumberWidth::Address:
-        state.writer.Integer(value, static_cast<std::size_t>(state.unit.addressSize));
-        return;
-    case NumberWidth::Offset:
-        state.writer.Integer(value, state.OffsetSize());
-        return;
-    case NumberWidth::Reference:
-        state.writer.Integer(value, state.ReferenceSize());
-        return;
-    case NumberWidth::Unsigned:
-        state.writer.Bytes(Uleb128(value));
-        return;
-    case NumberWidth::Signed:
-        state.writer.Bytes(Sleb128(static_cast<std::int64_t>(value)));
-        return;
-    }
-}
-
 void DwarfSections::WriteReference(UnitState& state, std::uint32_t form, DieLabel target) {
-    std::size_t size = 4;
-    switch (form) {
-    case DW_FORM_ref1:
-        size = 1;
-        break;
-    case DW_FORM_ref2:
-        size = 2;
-        break;
-    case DW_FORM_ref8:
-        size = 8;
-        break;
-    case DW_FORM_ref_udata:
-        size = sLebReferenceSize;
-        break;
-    case DW_FORM_ref_addr:
-        size = state.ReferenceSize();
-        break;
-    default:
-        EXPECT_EQ(form, DW_FORM_ref4);
-    }
+    const FormEncoding encoding = EncodingOfForm(form);
+    const bool isLeb128 = encoding.layout == Layout::Unsigned;
+    const std::size_t size = isLeb128 ? sLebReferenceSize : state.SizeOf(encoding);
+    EXPECT_GT(size, 0U) << "form " << form << " is none of references";
     mOpenReferences.push_back({static_cast<std::size_t>(state.infoOffset) + state.writer.Size(),
-                               size, form == DW_FORM_ref_addr ? 0 : state.infoOffset,
-                               form == DW_FORM_ref_udata, state.isInTypes, target});
+                               size, form == DW_FORM_ref_addr ? 0 : state.infoOffset, isLeb128,
+                               state.isInTypes, target});
     state.writer.Bytes(std::string(size, '\0'));
 }
 

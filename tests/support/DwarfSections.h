@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -102,30 +103,49 @@ DieAttribute Indirect(DieAttribute attribute, int times = 1);
 /// @name The usual attributes
 /// @{
 
-DieAttribute Name(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
-DieAttribute Producer(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
-DieAttribute CompDir(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
-DieAttribute LinkageName(std::string text, std::uint32_t form = Reader::DWARF::DW_FORM_string);
-DieAttribute Type(DieLabel target, std::uint32_t form = Reader::DWARF::DW_FORM_ref4);
-DieAttribute Specification(DieLabel target, std::uint32_t form = Reader::DWARF::DW_FORM_ref4);
-DieAttribute ByteSize(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_udata);
-DieAttribute Encoding(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
-DieAttribute BitSize(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
-DieAttribute BitOffset(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
-DieAttribute ConstValue(std::int64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_sdata);
-DieAttribute LowerBound(std::int64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_sdata);
-DieAttribute UpperBound(std::int64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_sdata);
-DieAttribute Count(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_udata);
-DieAttribute Accessibility(std::uint64_t value, std::uint32_t form = Reader::DWARF::DW_FORM_data1);
+/// Makes the attributes of one code, in the usual form unless another one is given.
+template <typename Value, std::uint32_t usualForm>
+struct AttributeMaker {
+    std::uint32_t attribute;
+
+    DieAttribute operator()(Value value, std::uint32_t form = usualForm) const {
+        if constexpr (std::is_integral_v<Value>) {
+            return {attribute, form, static_cast<std::uint64_t>(value)};
+        } else {
+            return {attribute, form, std::move(value)};
+        }
+    }
+};
+
+using TextMaker = AttributeMaker<std::string, Reader::DWARF::DW_FORM_string>;
+using ReferenceMaker = AttributeMaker<DieLabel, Reader::DWARF::DW_FORM_ref4>;
+using ByteMaker = AttributeMaker<std::uint64_t, Reader::DWARF::DW_FORM_data1>;
+using NumberMaker = AttributeMaker<std::uint64_t, Reader::DWARF::DW_FORM_udata>;
+using SignedMaker = AttributeMaker<std::int64_t, Reader::DWARF::DW_FORM_sdata>;
+using ExpressionMaker = AttributeMaker<std::vector<Operation>, Reader::DWARF::DW_FORM_block1>;
+
+inline constexpr TextMaker Name{Reader::DWARF::DW_AT_name};
+inline constexpr TextMaker Producer{Reader::DWARF::DW_AT_producer};
+inline constexpr TextMaker CompDir{Reader::DWARF::DW_AT_comp_dir};
+inline constexpr TextMaker LinkageName{Reader::DWARF::DW_AT_linkage_name};
+inline constexpr ReferenceMaker Type{Reader::DWARF::DW_AT_type};
+inline constexpr ReferenceMaker Specification{Reader::DWARF::DW_AT_specification};
+inline constexpr ByteMaker Encoding{Reader::DWARF::DW_AT_encoding};
+inline constexpr ByteMaker BitSize{Reader::DWARF::DW_AT_bit_size};
+inline constexpr ByteMaker BitOffset{Reader::DWARF::DW_AT_bit_offset};
+inline constexpr ByteMaker Accessibility{Reader::DWARF::DW_AT_accessibility};
+inline constexpr NumberMaker ByteSize{Reader::DWARF::DW_AT_byte_size};
+inline constexpr NumberMaker Count{Reader::DWARF::DW_AT_count};
+inline constexpr NumberMaker MemberOffset{Reader::DWARF::DW_AT_data_member_location};
+inline constexpr SignedMaker ConstValue{Reader::DWARF::DW_AT_const_value};
+inline constexpr SignedMaker LowerBound{Reader::DWARF::DW_AT_lower_bound};
+inline constexpr SignedMaker UpperBound{Reader::DWARF::DW_AT_upper_bound};
+inline constexpr ExpressionMaker Location{Reader::DWARF::DW_AT_location};
+inline constexpr ExpressionMaker MemberLocation{Reader::DWARF::DW_AT_data_member_location};
 DieAttribute External();
 DieAttribute Declaration();
-DieAttribute Location(std::vector<Operation> operations,
-                      std::uint32_t form = Reader::DWARF::DW_FORM_block1);
 /// The location of a variable with a static address.
 DieAttribute Address(std::uint64_t address, std::uint32_t form = Reader::DWARF::DW_FORM_block1);
-DieAttribute MemberOffset(std::uint64_t offset, std::uint32_t form = Reader::DWARF::DW_FORM_udata);
-DieAttribute MemberLocation(std::vector<Operation> operations,
-                            std::uint32_t form = Reader::DWARF::DW_FORM_block1);
 
 /// @}
 
@@ -244,10 +264,9 @@ private:
     void WriteEntry(UnitState& state, const Die& die);
     void WriteAttribute(UnitState& state, const DieAttribute& attribute);
     void WriteValue(UnitState& state, const DieAttribute& attribute);
-    /// Where a form that refers to a text finds it, the text added to its section; nothing for
-    /// other forms.
+    [[nodiscard]] std::string BytesOf(const UnitState& state, const DieAttribute& attribute) const;
+    /// What a form that names a text holds; nothing for other forms.
     std::optional<std::uint64_t> PlaceOfText(std::uint32_t form, const std::string& text);
-    static void WriteNumber(UnitState& state, std::uint32_t form, std::uint64_t value);
     void WriteReference(UnitState& state, std::uint32_t form, DieLabel target);
     void WriteAbbreviations(const UnitState& state);
     std::uint64_t AbbreviationCode(UnitState& state, const Die& die);
