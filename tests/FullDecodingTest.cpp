@@ -4,10 +4,10 @@
 #include "core/ErrorState.h"
 #include "dwarf/UnitLanguage.h"
 #include "nodes/VDebugInfoNodeArray.h"
-#include "support/DwarfSections.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
+#include "support/UsualEntries.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -40,33 +40,19 @@ std::vector<std::string> VariablesIn(ReadingManner manner, const DwarfSections& 
     return ReadIn(manner, sections, std::move(image)).Variables();
 }
 
-Die BaseType(DieLabel label, int size = 4) {
-    return Die(label, DW_TAG_base_type,
-               {Name("int"), ByteSize(static_cast<std::uint64_t>(size)), Encoding(DW_ATE_signed)});
-}
-
-Die Variable(const std::string& name, DieLabel type, std::uint64_t address) {
-    return Die(DW_TAG_variable, {Name(name), Type(type), External(), Address(address)});
-}
-
 /// A unit with a structure, an array and an enumeration.
 std::vector<Die> MotorUnit() {
-    const DieLabel number;
-    const DieLabel motor;
-    const DieLabel row;
-    const DieLabel mode;
-    return {Die(
-        DW_TAG_compile_unit, {Name("motor.c"), Producer("compiler", DW_FORM_strp)},
-        {BaseType(number),
-         Die(motor, DW_TAG_structure_type, {Name("Motor"), ByteSize(8)},
-             {Die(DW_TAG_member, {Name("speed"), Type(number), MemberOffset(0)}),
-              Die(DW_TAG_member, {Name("limit"), Type(number), MemberOffset(4)})}),
+    const DieLabel number, motor, row, mode;
+    return {UnitDie(
+        {Int(number),
+         Struct(motor, "Motor", 8, {Member("speed", number, 0), Member("limit", number, 4)}),
          Die(row, DW_TAG_array_type, {Type(motor)}, {Die(DW_TAG_subrange_type, {UpperBound(2)})}),
          Die(mode, DW_TAG_enumeration_type, {Name("Mode"), ByteSize(1)},
              {Die(DW_TAG_enumerator, {Name("Off"), ConstValue(0)}),
               Die(DW_TAG_enumerator, {Name("On"), ConstValue(5)})}),
          Variable("gMotor", motor, 0x1000), Variable("gRow", row, 0x2000),
-         Variable("gMode", mode, 0x3000)})};
+         Variable("gMode", mode, 0x3000)},
+        {Name("motor.c"), Producer("compiler", DW_FORM_strp)})};
 }
 
 TEST_F(FullDecodingTest, OneTreeIsDeliveredAlikeFromBothVersions) {
@@ -88,27 +74,44 @@ struct FormCase {
     std::string name;
 };
 
-/// The name of the first child of a unit; "-" if it has none. The child's size shows that exactly
-/// the form's bytes were taken.
+/// A unit of version 5 with one entry, which the tables of texts and addresses precede.
+class ModernEntry {
+public:
+    ModernEntry(dwarf_tag tag, std::vector<DieAttribute> attributes, bool is64BitDwarf = false) {
+        const DieLabel label;
+        DwarfSections sections;
+        sections.TextIndex("first");
+        sections.TextIndex("second");
+        sections.LineString("line");
+        sections.AddressIndex(0x1000);
+        sections.AddressIndex(0x2000);
+        sections.Unit(
+            {.entries = {UnitDie(
+                 {Die(label, tag, std::move(attributes))},
+                 {Number(DW_AT_str_offsets_base, DW_FORM_sec_offset, DwarfSections::kTableBase),
+                  Number(DW_AT_addr_base, DW_FORM_sec_offset, DwarfSections::kTableBase)})},
+             .version = 5,
+             .is64BitDwarf = is64BitDwarf});
+        mRun = std::make_unique<SectionRun>(ElfImage() + sections);
+        EXPECT_TRUE(mRun->Read());
+        mNode = &mRun->At(sections.OffsetOf(label));
+    }
+
+    const VDebugInfoNode* operator->() const { return mNode; }
+
+private:
+    std::unique_ptr<SectionRun> mRun;
+    const VDebugInfoNode* mNode;
+};
+
+/// The name in a form; "-" if there is none. The size shows that exactly the form's bytes were
+/// taken.
 std::string NameInForm(const FormCase& example, bool is64BitDwarf = false) {
-    const DieLabel label;
-    DwarfSections sections;
-    sections.TextIndex("first");
-    sections.TextIndex("second");
-    sections.LineString("line");
-    DwarfUnit unit{
-        {Die(DW_TAG_compile_unit,
-             {Number(DW_AT_str_offsets_base, DW_FORM_sec_offset, DwarfSections::kTableBase)},
-             {Die(label, DW_TAG_base_type,
-                  {{DW_AT_name, example.form, example.value}, ByteSize(0x55)})})}};
-    unit.version = 5;
-    unit.is64BitDwarf = is64BitDwarf;
-    sections.Unit(unit);
-    SectionRun run(ElfImage() + sections);
-    EXPECT_TRUE(run.Read());
-    const VDebugInfoNode& node = run.At(sections.OffsetOf(label));
-    EXPECT_EQ(node.GetByteSize(), 0x55) << "form " << example.form;
-    return node.HasNameAttribute() ? std::string(node.GetName()) : "-";
+    const ModernEntry node(DW_TAG_base_type,
+                           {{DW_AT_name, example.form, example.value}, ByteSize(0x55)},
+                           is64BitDwarf);
+    EXPECT_EQ(node->GetByteSize(), 0x55) << "form " << example.form;
+    return node->HasNameAttribute() ? std::string(node->GetName()) : "-";
 }
 
 TEST_F(FullDecodingTest, TextsOfAllForms) {
@@ -141,11 +144,10 @@ TEST_F(FullDecodingTest, BasesMayPointAnywhere) {
         DwarfSections sections;
         sections.TextIndex("first");
         sections.TextIndex("second");
-        DwarfUnit unit{{Die(label, DW_TAG_compile_unit,
-                            {Name("second", DW_FORM_strx1),
-                             Number(DW_AT_str_offsets_base, DW_FORM_sec_offset, base)})}};
-        unit.version = 5;
-        sections.Unit(unit);
+        sections.Unit({.entries = {Die(label, DW_TAG_compile_unit,
+                                       {Name("second", DW_FORM_strx1),
+                                        Number(DW_AT_str_offsets_base, DW_FORM_sec_offset, base)})},
+                       .version = 5});
         SectionRun run(ElfImage() + sections);
         EXPECT_TRUE(run.Read());
         // Only with the base at 8 the index is that of a text.
@@ -179,23 +181,12 @@ TEST_F(FullDecodingTest, NumbersOfAllForms) {
     };
     for (const NumberCase& example : cases) {
         SCOPED_TRACE(testing::Message() << "form " << example.form);
-        const DieLabel label;
-        DwarfSections sections;
-        sections.AddressIndex(0x1000);
-        sections.AddressIndex(0x2000);
-        DwarfUnit unit{
-            {Die(DW_TAG_compile_unit,
-                 {Number(DW_AT_addr_base, DW_FORM_sec_offset, DwarfSections::kTableBase)},
-                 {Die(label, DW_TAG_enumerator,
-                      {Number(DW_AT_const_value, example.form, example.value), Name("behind")})})}};
-        unit.version = 5;
-        sections.Unit(unit);
-        SectionRun run(ElfImage() + sections);
-        EXPECT_TRUE(run.Read());
-        const VDebugInfoNode& node = run.At(sections.OffsetOf(label));
-        EXPECT_EQ(node.GetName(), "behind");
-        EXPECT_EQ(node.GetConstValueAttribute().IsDefined(), example.number.has_value());
-        EXPECT_EQ(node.GetConstValueAttribute().mValue, example.number.value_or(0));
+        const ModernEntry node(
+            DW_TAG_enumerator,
+            {Number(DW_AT_const_value, example.form, example.value), Name("behind")});
+        EXPECT_EQ(node->GetName(), "behind");
+        EXPECT_EQ(node->GetConstValueAttribute().IsDefined(), example.number.has_value());
+        EXPECT_EQ(node->GetConstValueAttribute().mValue, example.number.value_or(0));
     }
 }
 
@@ -220,13 +211,12 @@ TEST_F(FullDecodingTest, BlocksAreNoNumbers) {
 TEST_F(FullDecodingTest, ReferencesToOtherUnitsHaveTheWidthOfOffsets) {
     const auto variablesOf = [](int version, ReadingManner manner) {
         const DieLabel number;
-        DwarfUnit first{
-            {Die(DW_TAG_compile_unit, {Name("first.c")}, {BaseType(number)})}, version, 8};
-        DwarfUnit second{{Die(DW_TAG_compile_unit, {Name("second.c")},
-                              {Die(DW_TAG_variable, {Name("g"), Type(number, DW_FORM_ref_addr),
-                                                     External(), Address(0x1000)})})},
-                         version,
-                         8};
+        const DwarfUnit first{{UnitDie({Int(number)})}, version, 8};
+        const DwarfUnit second{
+            {UnitDie({Die(DW_TAG_variable, {Name("g"), Type(number, DW_FORM_ref_addr), External(),
+                                            Address(0x1000)})})},
+            version,
+            8};
         return VariablesIn(manner, DwarfSections().Unit(first).Unit(second),
                            ElfImage(ElfClass::Class64));
     };
@@ -239,16 +229,14 @@ TEST_F(FullDecodingTest, ReferencesToOtherUnitsHaveTheWidthOfOffsets) {
 TEST_F(FullDecodingTest, LowerBoundsThatAreLeftOutAreThoseOfTheLanguage) {
     const auto sizeIn = [](std::uint64_t language, std::vector<DieAttribute> bounds,
                            ReadingManner manner) {
-        const DieLabel number;
-        const DieLabel row;
-        return VariablesIn(manner,
-                           DwarfSections().Unit(
-                               {Die(DW_TAG_compile_unit,
-                                    {Name("unit"), Number(DW_AT_language, DW_FORM_data2, language)},
-                                    {BaseType(number),
-                                     Die(row, DW_TAG_array_type, {Type(number)},
-                                         {Die(DW_TAG_subrange_type, std::move(bounds))}),
-                                     Variable("g", row, 0x1000)})}));
+        const DieLabel number, row;
+        return VariablesIn(
+            manner,
+            DwarfSections().Unit({UnitDie({Int(number),
+                                           Die(row, DW_TAG_array_type, {Type(number)},
+                                               {Die(DW_TAG_subrange_type, std::move(bounds))}),
+                                           Variable("g", row)},
+                                          {Number(DW_AT_language, DW_FORM_data2, language)})}));
     };
     constexpr std::uint64_t languageFortran90 = 0x08;
     constexpr std::uint64_t languageC99 = 0x0c;
@@ -265,8 +253,7 @@ TEST_F(FullDecodingTest, LowerBoundsThatAreLeftOutAreThoseOfTheLanguage) {
 // Units
 
 TEST_F(FullDecodingTest, UnitsOfOtherVersionsArePassedOverAndTold) {
-    DwarfUnit future{MotorUnit()};
-    future.version = 6;
+    const DwarfUnit future{MotorUnit(), 6};
     DwarfSections sections;
     sections.Unit(future).Unit(MotorUnit()).Unit(future);
     EXPECT_FALSE(ReadIn(ReadingManner::Classic, sections).result);
@@ -289,29 +276,27 @@ TEST_F(FullDecodingTest, EscapeValueMakes64BitDwarfInEitherClass) {
 
 /// A unit whose variable has a type of this signature, and the type unit.
 DwarfSections TypeUnitSections(int version, bool throughDeclaration, dwarf_tag tag) {
-    const DieLabel number;
-    const DieLabel type;
-    const DieLabel declaration;
-    DwarfUnit user{
-        {Die(DW_TAG_compile_unit, {Name("user.c")},
-             {Die(declaration, tag,
-                  {Declaration(), Number(DW_AT_signature, DW_FORM_ref_sig8, 0x1122334455667788)}),
-              Die(DW_TAG_variable,
-                  {Name("g"),
-                   throughDeclaration ? Type(declaration)
-                                      : Number(DW_AT_type, DW_FORM_ref_sig8, 0x1122334455667788),
-                   External(), Address(0x1000)})})}};
-    user.version = version;
-    DwarfUnit types{
-        {Die(DW_TAG_type_unit, {},
-             {Die(DW_TAG_namespace, {Name("ns")},
-                  {Die(type, tag, {Name("Motor"), ByteSize(8)},
-                       {Die(DW_TAG_member, {Name("speed"), Type(number), MemberOffset(4)})})}),
-              BaseType(number)})}};
-    types.version = version;
-    types.unitType = DW_UT_type;
-    types.signature = 0x1122334455667788;
-    types.type = type;
+    const DieLabel number, type, declaration;
+    constexpr std::uint64_t signature = 0x1122334455667788;
+    const DwarfUnit user{
+        .entries = {UnitDie(
+            {Die(declaration, tag,
+                 {Declaration(), Number(DW_AT_signature, DW_FORM_ref_sig8, signature)}),
+             Die(DW_TAG_variable,
+                 {Name("g"),
+                  throughDeclaration ? Type(declaration)
+                                     : Number(DW_AT_type, DW_FORM_ref_sig8, signature),
+                  External(), Address(0x1000)})})},
+        .version = version};
+    const DwarfUnit types{.entries = {Die(DW_TAG_type_unit, {},
+                                          {Die(DW_TAG_namespace, {Name("ns")},
+                                               {Die(type, tag, {Name("Motor"), ByteSize(8)},
+                                                    {Member("speed", number, 4)})}),
+                                           Int(number)})},
+                          .version = version,
+                          .unitType = DW_UT_type,
+                          .signature = signature,
+                          .type = type};
     return DwarfSections().Unit(user).Unit(types);
 }
 
@@ -331,23 +316,21 @@ TEST_F(FullDecodingTest, SignaturesLeadToTypesOfOtherUnits) {
 }
 
 TEST_F(FullDecodingTest, SignaturesThatNameEachOtherLeadNowhere) {
-    const DieLabel first;
-    const DieLabel second;
+    const DieLabel first, second;
     const auto unitOf = [](DieLabel type, std::uint64_t own, std::uint64_t other) {
-        DwarfUnit unit{
-            {Die(DW_TAG_type_unit, {},
-                 {Die(type, DW_TAG_structure_type,
-                      {Declaration(), Number(DW_AT_signature, DW_FORM_ref_sig8, other)})})}};
-        unit.version = 5;
-        unit.unitType = DW_UT_type;
-        unit.signature = own;
-        unit.type = type;
-        return unit;
+        return DwarfUnit{.entries = {Die(DW_TAG_type_unit, {},
+                                         {Die(type, DW_TAG_structure_type,
+                                              {Declaration(), Number(DW_AT_signature,
+                                                                     DW_FORM_ref_sig8, other)})})},
+                         .version = 5,
+                         .unitType = DW_UT_type,
+                         .signature = own,
+                         .type = type};
     };
-    DwarfUnit user{{Die(DW_TAG_compile_unit, {Name("user.c")},
-                        {Die(DW_TAG_variable, {Name("g"), Number(DW_AT_type, DW_FORM_ref_sig8, 1),
-                                               External(), Address(0x1000)})})}};
-    user.version = 5;
+    const DwarfUnit user{.entries = {UnitDie({Die(
+                             DW_TAG_variable, {Name("g"), Number(DW_AT_type, DW_FORM_ref_sig8, 1),
+                                               External(), Address(0x1000)})})},
+                         .version = 5};
     const ReadRun run =
         ReadIn(ReadingManner::Full,
                DwarfSections().Unit(user).Unit(unitOf(first, 1, 2)).Unit(unitOf(second, 2, 1)));
@@ -358,18 +341,17 @@ TEST_F(FullDecodingTest, SignaturesThatNameEachOtherLeadNowhere) {
 TEST_F(FullDecodingTest, KindsOfUnitAsScopes) {
     const auto scopeOfStatic = [](std::uint8_t unitType, dwarf_tag tag, bool isImported) {
         const DieLabel root;
-        DwarfUnit unit{{Die(root, tag, {Name("part.c")},
-                            {Die(DW_TAG_variable, {Name("sCount"), Address(0x1000)})})}};
-        unit.version = 5;
-        unit.unitType = unitType;
         DwarfSections sections;
-        sections.Unit(unit);
+        sections.Unit({.entries = {Die(root, tag, {Name("part.c")},
+                                       {Die(DW_TAG_variable, {Name("sCount"), Address(0x1000)})})},
+                       .version = 5,
+                       .unitType = unitType});
         std::vector<Die> imports;
         if (isImported) {
             imports.push_back(
                 Die(DW_TAG_imported_unit, {Reference(DW_AT_import, DW_FORM_ref_addr, root)}));
         }
-        sections.Unit({Die(DW_TAG_compile_unit, {Name("main.c")}, std::move(imports))});
+        sections.Unit({UnitDie(std::move(imports))});
         const ReadRun run = ReadIn(ReadingManner::Full, sections);
         std::string scope = "none";
         run.model->ForEach(DataModel::ObjectKind::Global,
@@ -388,29 +370,6 @@ TEST_F(FullDecodingTest, KindsOfUnitAsScopes) {
 
 // Location lists
 
-/// Writes entries of `.debug_loclists`.
-class ListWriter {
-public:
-    ListWriter& Entry(std::uint8_t kind, const std::vector<std::string>& operands,
-                      const std::string& expression) {
-        mBytes += static_cast<char>(kind);
-        for (const std::string& operand : operands) {
-            mBytes += operand;
-        }
-        mBytes += Uleb128(expression.size()) + expression;
-        return *this;
-    }
-    ListWriter& Plain(const std::string& bytes) {
-        mBytes += bytes;
-        return *this;
-    }
-    [[nodiscard]] std::string Closed() const { return mBytes + '\0'; }
-    [[nodiscard]] const std::string& Open() const { return mBytes; }
-
-private:
-    std::string mBytes;
-};
-
 std::string At(std::uint64_t address) {
     return EncodeExpression({{DW_OP_addr, {static_cast<std::int64_t>(address)}}}, ByteOrder::Little,
                             4);
@@ -428,6 +387,16 @@ std::string ComputedFrom(std::uint64_t address) {
     return At(address) + EncodeExpression({{DW_OP_stack_value}}, ByteOrder::Little, 4);
 }
 
+/// An entry of `.debug_loclists`.
+std::string ListEntry(char kind, const std::string& operands, const std::string& expression) {
+    return kind + operands + Uleb128(expression.size()) + expression;
+}
+
+/// The entry of a pair of offsets.
+std::string Pair(std::uint64_t begin, std::uint64_t end, const std::string& expression) {
+    return ListEntry(4, Uleb128(begin) + Uleb128(end), expression);
+}
+
 /// What a variable with the list is delivered as.
 /// @param scope tag of the entry around the variable
 std::vector<std::string> VariableOfList(const std::string& list, int version,
@@ -437,83 +406,53 @@ std::vector<std::string> VariableOfList(const std::string& list, int version,
     const std::uint64_t offset = version >= 5 ? sections.RawLocationLists("head" + list) + 4
                                               : sections.RawLocations("head" + list) + 4;
     const DieLabel number;
-    DwarfUnit unit{
-        {Die(DW_TAG_compile_unit, {Name("unit")},
-             {BaseType(number),
+    sections.Unit(
+        {.entries = {UnitDie(
+             {Int(number),
               Die(scope, {Name("around")},
                   {Die(DW_TAG_variable, {Name("g"), Type(number), External(),
-                                         Number(DW_AT_location, DW_FORM_sec_offset, offset)})})})}};
-    unit.version = version;
-    sections.Unit(unit);
+                                         Number(DW_AT_location, DW_FORM_sec_offset, offset)})})})},
+         .version = version});
     return VariablesIn(manner, sections);
 }
 
 TEST_F(FullDecodingTest, ListsOfOneAddressAreStatic) {
-    constexpr std::uint8_t offsetPair = 4;
-    constexpr std::uint8_t defaultLocation = 5;
-    constexpr std::uint8_t startEnd = 7;
-    constexpr std::uint8_t startLength = 8;
-    const auto pair = [](std::uint64_t begin, std::uint64_t end) {
-        return std::vector<std::string>{Uleb128(begin), Uleb128(end)};
+    const auto startEnd = [](std::uint64_t begin, std::uint64_t end,
+                             const std::string& expression) {
+        return ListEntry(7, AddressBytes(begin) + AddressBytes(end), expression);
+    };
+    const auto startLength = [](std::uint64_t begin, std::uint64_t length,
+                                const std::string& expression) {
+        return ListEntry(8, AddressBytes(begin) + Uleb128(length), expression);
     };
     const std::string baseAddress = '\6' + AddressBytes(0x4000);
     const std::string viewPair = {9, 1, 2};
+    const std::string end(1, '\0');
+    const std::string first = Pair(0, 8, At(0x1000));
     struct ListCase {
         const char* what;
         std::string list;
         bool isStatic;
     };
     const std::vector<ListCase> cases = {
-        {"one entry", ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Closed(), true},
-        {"one address twice",
-         ListWriter()
-             .Plain(baseAddress)
-             .Entry(offsetPair, pair(0, 8), At(0x1000))
-             .Plain(viewPair)
-             .Entry(startEnd, {AddressBytes(8), AddressBytes(12)}, At(0x1000))
-             .Closed(),
+        {"one entry", first + end, true},
+        {"one address twice", baseAddress + first + viewPair + startEnd(8, 12, At(0x1000)) + end,
          true},
-        {"two addresses",
-         ListWriter()
-             .Entry(offsetPair, pair(0, 8), At(0x1000))
-             .Entry(startLength, {AddressBytes(8), Uleb128(4)}, At(0x2000))
-             .Closed(),
-         false},
-        {"an empty range counts for nothing",
-         ListWriter()
-             .Entry(startLength, {AddressBytes(8), Uleb128(0)}, At(0x2000))
-             .Entry(offsetPair, pair(0, 8), At(0x1000))
-             .Closed(),
-         true},
-        {"a register at times",
-         ListWriter()
-             .Entry(offsetPair, pair(0, 8), At(0x1000))
-             .Entry(offsetPair, pair(8, 12), InRegister())
-             .Closed(),
-         false},
+        {"two addresses", first + startLength(8, 4, At(0x2000)) + end, false},
+        {"an empty range counts for nothing", startLength(8, 0, At(0x2000)) + first + end, true},
+        {"a register at times", first + Pair(8, 12, InRegister()) + end, false},
         {"a register at times, else the default",
-         ListWriter()
-             .Entry(offsetPair, pair(8, 12), InRegister())
-             .Entry(defaultLocation, {}, At(0x1000))
-             .Closed(),
-         true},
-        {"a value", ListWriter().Entry(offsetPair, pair(0, 8), ComputedFrom(0x1000)).Closed(),
-         false},
-        {"no end", ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Open(), false},
-        {"an expression beyond the section",
-         ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Plain({4, 8, 9, 100, 3}).Open(),
-         false},
-        {"an unknown kind",
-         ListWriter().Entry(offsetPair, pair(0, 8), At(0x1000)).Plain({0x70}).Closed(), false},
-        {"nothing", ListWriter().Closed(), false},
+         Pair(8, 12, InRegister()) + ListEntry(5, "", At(0x1000)) + end, true},
+        {"a value", Pair(0, 8, ComputedFrom(0x1000)) + end, false},
+        {"no end", first, false},
+        {"an expression beyond the section", first + std::string{4, 8, 9, 100, 3}, false},
+        {"an unknown kind", first + '\x70' + end, false},
+        {"nothing", end, false},
     };
     for (const ListCase& example : cases) {
         SCOPED_TRACE(example.what);
-        if (example.isStatic) {
-            EXPECT_THAT(VariableOfList(example.list, 5), ElementsAre("g@1000:4"));
-        } else {
-            EXPECT_THAT(VariableOfList(example.list, 5), IsEmpty());
-        }
+        EXPECT_EQ(VariableOfList(example.list, 5),
+                  std::vector<std::string>(example.isStatic ? 1 : 0, "g@1000:4"));
     }
 }
 
@@ -521,9 +460,8 @@ TEST_F(FullDecodingTest, OfAListWithinAFunctionOnlyTheDefaultCounts) {
     const auto ofLocal = [](const std::string& list) {
         return VariableOfList(list, 5, ReadingManner::Full, DW_TAG_subprogram);
     };
-    EXPECT_THAT(ofLocal(ListWriter().Entry(4, {Uleb128(0), Uleb128(8)}, At(0x1000)).Closed()),
-                IsEmpty());
-    EXPECT_THAT(ofLocal(ListWriter().Entry(5, {}, At(0x1000)).Closed()), SizeIs(1));
+    EXPECT_THAT(ofLocal(Pair(0, 8, At(0x1000)) + '\0'), IsEmpty());
+    EXPECT_THAT(ofLocal(ListEntry(5, "", At(0x1000)) + '\0'), SizeIs(1));
 }
 
 TEST_F(FullDecodingTest, PairsOfAddressesHaveToAgree) {
@@ -542,19 +480,18 @@ TEST_F(FullDecodingTest, PairsOfAddressesHaveToAgree) {
 }
 
 TEST_F(FullDecodingTest, ListsByIndex) {
-    const std::string list = ListWriter().Entry(4, {Uleb128(0), Uleb128(8)}, At(0x1000)).Closed();
+    const std::string list = Pair(0, 8, At(0x1000)) + '\0';
     for (const std::uint64_t index : {0U, 1U, 2U}) {
         DwarfSections sections;
         // Two places: one of the list behind both of them, one far away.
         sections.RawLocationLists(AddressBytes(8) + AddressBytes(0xFFFFFF00) + list);
         const DieLabel number;
-        DwarfUnit unit{{Die(
-            DW_TAG_compile_unit, {Name("unit"), Number(DW_AT_loclists_base, DW_FORM_sec_offset, 0)},
-            {BaseType(number),
-             Die(DW_TAG_variable, {Name("g"), Type(number), External(),
-                                   Number(DW_AT_location, DW_FORM_loclistx, index)})})}};
-        unit.version = 5;
-        sections.Unit(unit);
+        sections.Unit({.entries = {UnitDie(
+                           {Int(number), Die(DW_TAG_variable,
+                                             {Name("g"), Type(number), External(),
+                                              Number(DW_AT_location, DW_FORM_loclistx, index)})},
+                           {Number(DW_AT_loclists_base, DW_FORM_sec_offset, 0)})},
+                       .version = 5});
         EXPECT_EQ(VariablesIn(ReadingManner::Full, sections).size(), index == 0 ? 1U : 0U);
     }
 }
@@ -562,11 +499,11 @@ TEST_F(FullDecodingTest, ListsByIndex) {
 // What isn't read
 
 TEST_F(FullDecodingTest, SplitUnitsAreTold) {
-    DwarfUnit skeleton{
-        {Die(DW_TAG_skeleton_unit,
-             {Name("unit", DW_FORM_strx1), Text(DW_AT_dwo_name, DW_FORM_strx1, "unit.dwo")})}};
-    skeleton.version = 5;
-    skeleton.unitType = DW_UT_skeleton;
+    const DwarfUnit skeleton{
+        .entries = {Die(DW_TAG_skeleton_unit, {Name("unit", DW_FORM_strx1),
+                                               Text(DW_AT_dwo_name, DW_FORM_strx1, "unit.dwo")})},
+        .version = 5,
+        .unitType = DW_UT_skeleton};
     const ReadRun run =
         ReadIn(ReadingManner::Full, DwarfSections().Unit(skeleton).Unit(MotorUnit()));
     EXPECT_TRUE(run.result);
@@ -595,14 +532,12 @@ TEST_F(FullDecodingTest, CompressedSectionsAreTold) {
 
 TEST_F(FullDecodingTest, RelocatableObjectsHaveNoAddresses) {
     DwarfSections sections;
-    const DieLabel number;
-    const DieLabel motor;
-    sections.Unit({Die(
-        DW_TAG_compile_unit, {Name("unit")},
-        {BaseType(number),
-         Die(motor, DW_TAG_structure_type, {Name("Motor"), ByteSize(8)},
-             {Die(DW_TAG_member, {Name("speed", DW_FORM_strp), Type(number), MemberOffset(4)})}),
-         Variable("gMotor", motor, 0x1000)})});
+    const DieLabel number, motor;
+    sections.Unit({UnitDie(
+        {Int(number),
+         Struct(motor, "Motor", 8,
+                {Die(DW_TAG_member, {Name("speed", DW_FORM_strp), Type(number), MemberOffset(4)})}),
+         Variable("gMotor", motor)})});
     const auto read = [&](bool hasRelocations) {
         ElfImage image = ElfImage().Type(1).Symbol({"gMotor", 0x1000, 8}) + sections;
         if (hasRelocations) {

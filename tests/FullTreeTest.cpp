@@ -2,11 +2,10 @@
 // each image is read in both manners.
 #include "core/VElfOptions.h"
 #include "model/LeafWalk.h"
-#include "support/DwarfSections.h"
-#include "support/ElfImage.h"
 #include "support/NodeTree.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -58,30 +57,14 @@ protected:
         return Leaves(Read(sections, isFull, image));
     }
 
-    static DwarfSections Unit(std::vector<Die> entries) {
-        return DwarfSections().Unit({UnitDie("a.c", std::move(entries))});
-    }
-
-    static Die UnitDie(const std::string& name, std::vector<Die> entries) {
-        return Die(DW_TAG_compile_unit, {Name(name)}, std::move(entries));
-    }
-
     static Die UInt(DieLabel label, std::uint64_t size) {
         return Die(label, DW_TAG_base_type,
                    {Name("u" + std::to_string(size)), ByteSize(size), Encoding(DW_ATE_unsigned)});
     }
 
-    static Die Member(const std::string& name, DieLabel type, std::uint64_t offset) {
-        return Die(DW_TAG_member, {Name(name), Type(type), MemberOffset(offset)});
-    }
-
     /// A member without a name.
     static Die Part(DieLabel type, std::uint64_t offset) {
         return Die(DW_TAG_member, {Type(type), MemberOffset(offset)});
-    }
-
-    static Die Variable(const std::string& name, DieLabel type, std::uint64_t address = 0x1000) {
-        return Die(DW_TAG_variable, {Name(name), Type(type), External(), Address(address)});
     }
 
     static DieAttribute Origin(DieLabel target) {
@@ -105,32 +88,24 @@ Lines ScopedVariables(const ReadRun& run) {
 
 // The unit of the link tells addresses, those of the sources all else.
 TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
-    const DieLabel number;
-    const DieLabel shared;
-    const DieLabel ownToFile;
-    const DieLabel nameless;
-    const DieLabel member;
-    const DieLabel definition;
+    const DieLabel number, shared, ownToFile, nameless, member, definition;
     const DwarfSections sections =
         DwarfSections()
-            .Unit({UnitDie("link.o",
-                           {
-                               Die(DW_TAG_variable, {Origin(shared), Address(0x1000)}),
-                               Die(DW_TAG_variable, {Origin(ownToFile), Address(0x1004)}),
-                               Die(DW_TAG_variable, {Origin(definition), Address(0x1008)}),
-                               Die(DW_TAG_variable, {Origin(nameless), Address(0x100c)}),
-                           })})
-            .Unit({UnitDie(
-                "a.c", {
-                           UInt(number, 4),
-                           Die(shared, DW_TAG_variable, {Name("shared"), Type(number), External()}),
-                           Die(ownToFile, DW_TAG_variable, {Name("own"), Type(number)}),
-                           Die(nameless, DW_TAG_variable, {Type(number)}),
-                           Die(DW_TAG_structure_type, {Name("S"), ByteSize(1)},
-                               {Die(member, DW_TAG_variable,
-                                    {Name("inClass"), Type(number), External(), Declaration()})}),
-                           Die(definition, DW_TAG_variable, {Specification(member)}),
-                       })});
+            .Unit({UnitDie({Die(DW_TAG_variable, {Origin(shared), Address(0x1000)}),
+                            Die(DW_TAG_variable, {Origin(ownToFile), Address(0x1004)}),
+                            Die(DW_TAG_variable, {Origin(definition), Address(0x1008)}),
+                            Die(DW_TAG_variable, {Origin(nameless), Address(0x100c)})},
+                           {Name("link.o")})})
+            .Unit({UnitDie({
+                UInt(number, 4),
+                Die(shared, DW_TAG_variable, {Name("shared"), Type(number), External()}),
+                Die(ownToFile, DW_TAG_variable, {Name("own"), Type(number)}),
+                Die(nameless, DW_TAG_variable, {Type(number)}),
+                Die(DW_TAG_structure_type, {Name("S"), ByteSize(1)},
+                    {Die(member, DW_TAG_variable,
+                         {Name("inClass"), Type(number), External(), Declaration()})}),
+                Die(definition, DW_TAG_variable, {Specification(member)}),
+            })});
     EXPECT_THAT(
         ScopedVariables(Read(sections, true)),
         ElementsAre("::shared@4096 uint32", "a_c::own@4100 uint32", "S::inClass@4104 uint32"));
@@ -139,9 +114,7 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
 
 // An inlined function stands in the abstract once, and in each instance once more.
 TEST_F(FullTreeTest, AStaticVariableOfAnInlinedFunctionIsThereOnce) {
-    const DieLabel number;
-    const DieLabel function;
-    const DieLabel count;
+    const DieLabel number, function, count;
     const auto instance = [&](std::vector<DieAttribute> attributes,
                               std::uint64_t address = 0x1000) {
         attributes.push_back(Address(address));
@@ -179,13 +152,7 @@ TEST_F(FullTreeTest, ALinkageNameOfOlderCompilersFindsItsSymbol) {
 // As in struct { union { struct { uint8_t a, b; }; uint16_t w; }; } v; of which C compilers declare
 // all types side by side, in any order.
 TEST_F(FullTreeTest, MembersOfAnonymousTypesStandInTheTypeAround) {
-    const DieLabel byte;
-    const DieLabel half;
-    const DieLabel outer;
-    const DieLabel choice;
-    const DieLabel volatileChoice;
-    const DieLabel pointer;
-    const DieLabel bytes;
+    const DieLabel byte, half, outer, choice, volatileChoice, pointer, bytes;
     const auto type = [](DieLabel label, dwarf_tag tag, std::uint64_t size,
                          std::vector<Die> members) {
         return Die(label, tag, {ByteSize(size)}, std::move(members));
@@ -242,8 +209,7 @@ TEST_F(FullTreeTest, MembersOfAnonymousTypesStandInTheTypeAround) {
 
 TEST_F(FullTreeTest, ATypeOfVeryManyAnonymousMembersIsCopiedWithinLimits) {
     constexpr std::size_t width = 1000;
-    const DieLabel number;
-    const DieLabel wide;
+    const DieLabel number, wide;
     std::vector<Die> members;
     std::vector<Die> entries = {UInt(number, 4)};
     for (std::size_t index = 0; index < width; ++index) {
@@ -262,12 +228,12 @@ TEST_F(FullTreeTest, ATypeOfVeryManyAnonymousMembersIsCopiedWithinLimits) {
 
 /// A bit field of a structure, and where each manner has it.
 struct BitFieldCase {
-    ByteOrder byteOrder;
-    int version;
-    std::uint64_t typeSize;
     std::vector<DieAttribute> attributes;
     std::string full;
     std::string classic;
+    ByteOrder byteOrder = ByteOrder::Little;
+    std::uint64_t typeSize = 4;
+    int version = 4;
 };
 
 DieAttribute DataBitOffset(std::uint64_t offset) {
@@ -282,49 +248,39 @@ DieAttribute NegativeBitOffset(std::int64_t offset) {
 TEST_F(FullTreeTest, ABitFieldLiesInsideItsStorage) {
     constexpr ByteOrder little = ByteOrder::Little;
     constexpr ByteOrder big = ByteOrder::Big;
+    const DieAttribute start = MemberOffset(0);
+    const DieAttribute four = MemberOffset(4);
     const BitFieldCase cases[] = {
         // Bits 37 to 39, within the second unit.
-        {little, 4, 4, {BitSize(3), DataBitOffset(37)}, "@4 4:5+3", "@0 4:29+3"},
-        {big, 4, 4, {BitSize(3), DataBitOffset(37)}, "@4 4:24+3", "@0 4:29+3"},
-        {little, 4, 4, {BitSize(3), BitOffset(24), MemberOffset(4)}, "@4 4:5+3", "@4 4:5+3"},
-        {big, 4, 4, {BitSize(3), BitOffset(5), MemberOffset(4)}, "@4 4:24+3", "@4 4:24+3"},
+        {{BitSize(3), DataBitOffset(37)}, "@4 4:5+3", "@0 4:29+3"},
+        {{BitSize(3), DataBitOffset(37)}, "@4 4:24+3", "@0 4:29+3", big},
+        {{BitSize(3), BitOffset(24), four}, "@4 4:5+3", "@4 4:5+3"},
+        {{BitSize(3), BitOffset(5), four}, "@4 4:24+3", "@4 4:24+3", big},
         // Bits 27 to 35 of a packed structure, in two units.
-        {little, 4, 4, {BitSize(9), DataBitOffset(27)}, "@3 4:3+9", "@0 4:23+9"},
-        {big, 4, 4, {BitSize(9), DataBitOffset(27)}, "@3 4:20+9", "@0 4:23+9"},
-        {little,
-         4,
-         4,
-         {BitSize(9), NegativeBitOffset(-4), MemberOffset(0)},
-         "@3 4:3+9",
-         "@0 4:27+9"},
-        {big, 4, 4, {BitSize(9), BitOffset(27), MemberOffset(0)}, "@3 4:20+9", "@0 4:27+9"},
+        {{BitSize(9), DataBitOffset(27)}, "@3 4:3+9", "@0 4:23+9"},
+        {{BitSize(9), DataBitOffset(27)}, "@3 4:20+9", "@0 4:23+9", big},
+        {{BitSize(9), NegativeBitOffset(-4), start}, "@3 4:3+9", "@0 4:27+9"},
+        {{BitSize(9), BitOffset(27), start}, "@3 4:20+9", "@0 4:27+9", big},
         // The storage that the entry names is not that of the type.
-        {big,
-         4,
-         4,
-         {BitSize(2), BitOffset(1), ByteSize(1), MemberOffset(5)},
-         "@5 4:29+2",
-         "@5 4:5+2"},
+        {{BitSize(2), BitOffset(1), ByteSize(1), MemberOffset(5)}, "@5 4:29+2", "@5 4:5+2", big},
         // More bytes than the type has.
-        {little, 4, 2, {BitSize(15), DataBitOffset(7)}, "@0 2:7+15", "@0 2:1+15"},
-        {big, 4, 2, {BitSize(15), DataBitOffset(7)}, "@0 2:2+15", "@0 2:1+15"},
+        {{BitSize(15), DataBitOffset(7)}, "@0 2:7+15", "@0 2:1+15", little, 2},
+        {{BitSize(15), DataBitOffset(7)}, "@0 2:2+15", "@0 2:1+15", big, 2},
         // No offset at all.
-        {little, 4, 4, {BitSize(3)}, "@0 4:0+3", "@0 4:29+3"},
-        {little, 3, 4, {BitSize(3)}, "@0 4:29+3", "@0 4:29+3"},
+        {{BitSize(3)}, "@0 4:0+3", "@0 4:29+3"},
+        {{BitSize(3)}, "@0 4:29+3", "@0 4:29+3", little, 4, 3},
         // A whole member.
-        {little, 4, 4, {DataBitOffset(64)}, "@8 4", "@0 4"},
+        {{DataBitOffset(64)}, "@8 4", "@0 4"},
     };
     for (const BitFieldCase& field : cases) {
-        const DieLabel number;
-        const DieLabel structure;
+        const DieLabel number, structure;
         std::vector<DieAttribute> attributes = {Name("f"), Type(number)};
         attributes.insert(attributes.end(), field.attributes.begin(), field.attributes.end());
         const DwarfSections sections =
             DwarfSections(field.byteOrder)
                 .Unit({.entries = {UnitDie(
-                           "a.c", {UInt(number, field.typeSize), Variable("v", structure),
-                                   Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(12)},
-                                       {Die(DW_TAG_member, attributes)})})},
+                           {UInt(number, field.typeSize), Variable("v", structure),
+                            Struct(structure, "s", 12, {Die(DW_TAG_member, attributes)})})},
                        .version = field.version});
         const ElfImage image(ElfClass::Class32, field.byteOrder);
         EXPECT_THAT(Leaves(sections, true, image), ElementsAre("v.f" + field.full));
@@ -333,8 +289,7 @@ TEST_F(FullTreeTest, ABitFieldLiesInsideItsStorage) {
 }
 
 TEST_F(FullTreeTest, ABitFieldOfAUnionHasItsBits) {
-    const DieLabel number;
-    const DieLabel choice;
+    const DieLabel number, choice;
     const DwarfSections sections =
         Unit({UInt(number, 4), Variable("v", choice),
               Die(choice, DW_TAG_union_type, {Name("u"), ByteSize(4)},
@@ -389,8 +344,7 @@ TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
          "uint16[3][5]"},
     };
     for (const auto& example : cases) {
-        const DieLabel number;
-        const DieLabel array;
+        const DieLabel number, array;
         std::vector<DieAttribute> attributes = example.array;
         attributes.push_back(Type(number));
         std::vector<Die> subranges;
@@ -411,9 +365,7 @@ TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
 
 // A bound that lies in a variable is known at run time only.
 TEST_F(FullTreeTest, AVariableIsNoBound) {
-    const DieLabel number;
-    const DieLabel array;
-    const DieLabel bound;
+    const DieLabel number, array, bound;
     const DwarfSections sections = Unit(
         {UInt(number, 2), Die(bound, DW_TAG_variable, {Name("last"), Type(number), Address(7)}),
          Die(array, DW_TAG_array_type, {Type(number)},
@@ -428,9 +380,7 @@ TEST_F(FullTreeTest, AVariableIsNoBound) {
 // In a structure of the other byte order. Its bits count from the other end of each byte.
 TEST_F(FullTreeTest, OtherByteOrdersAreTheirBytes) {
     const auto leaves = [](ByteOrder order, std::uint64_t endianity, bool isFull) {
-        const DieLabel word;
-        const DieLabel byte;
-        const DieLabel structure;
+        const DieLabel word, byte, structure;
         const auto base = [&](DieLabel label, std::uint64_t size) {
             return Die(label, DW_TAG_base_type,
                        {Name("u"), ByteSize(size), Encoding(DW_ATE_unsigned),
@@ -443,10 +393,10 @@ TEST_F(FullTreeTest, OtherByteOrdersAreTheirBytes) {
         };
         const DwarfSections sections = DwarfSections(order).Unit(
             {.entries = {UnitDie(
-                 "a.c", {base(word, 4), base(byte, 1), Variable("v", structure),
-                         Die(structure, DW_TAG_structure_type, {Name("s"), ByteSize(12)},
-                             {Member("word", word, 0), Member("byte", byte, 4),
-                              field("inByte", word, 64, 3), field("acrossBytes", word, 67, 11)})})},
+                 {base(word, 4), base(byte, 1), Variable("v", structure),
+                  Struct(structure, "s", 12,
+                         {Member("word", word, 0), Member("byte", byte, 4),
+                          field("inByte", word, 64, 3), field("acrossBytes", word, 67, 11)})})},
              .version = 5});
         const ReadRun run = Read(sections, isFull, ElfImage(ElfClass::Class32, order));
         Lines found = Leaves(run);
@@ -508,55 +458,34 @@ TEST_F(FullTreeTest, BaseTypesOfOtherKindsAndSizesAreWhatTheyAre) {
 
 // Of each kind a structure has a member, whose size shows in the type text.
 TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
+    const DieLabel byte, function, number;
+    const DieAttribute toByte = Type(byte);
+    const DieAttribute toInt = Type(number);
     const struct {
         const char* what;
         dwarf_tag tag;
         std::vector<DieAttribute> attributes;
-        char target;
         const char* full;
         const char* classic;
     } cases[] = {
-        {"T&&", DW_TAG_rvalue_reference_type, {}, 'b', "uint8*", "uint8"},
-        {"T C::*", DW_TAG_ptr_to_member_type, {}, 'b', "unknown(4)", "uint8"},
-        {"void (C::*)()", DW_TAG_ptr_to_member_type, {}, 'f', "unknown(8)", "void ()"},
-        {"of a size told",
-         DW_TAG_ptr_to_member_type,
-         {ByteSize(12)},
-         false,
-         "unknown(12)",
-         "uint8"},
-        {"text", DW_TAG_string_type, {ByteSize(10)}, 'b', "unknown(10)", "uint8"},
-        {"set", DW_TAG_set_type, {ByteSize(2)}, 'b', "unknown(2)", "uint8"},
-        {"range of fewer bytes",
-         DW_TAG_subrange_type,
-         {ByteSize(1), LowerBound(0)},
-         'i',
-         "uint8",
-         "int32"},
-        {"range with a sign",
-         DW_TAG_subrange_type,
-         {ByteSize(1), LowerBound(-5)},
-         'i',
-         "int8",
-         "int32"},
-        {"range of all bytes", DW_TAG_subrange_type, {LowerBound(0)}, 'i', "int32", "int32"},
-        {"atomic", DW_TAG_atomic_type, {}, 'b', "uint8", "uint8"},
-        {"restrict", DW_TAG_restrict_type, {}, 'b', "uint8", "uint8"},
+        {"T&&", DW_TAG_rvalue_reference_type, {toByte}, "uint8*", "uint8"},
+        {"T C::*", DW_TAG_ptr_to_member_type, {toByte}, "unknown(4)", "uint8"},
+        {"void (C::*)()", DW_TAG_ptr_to_member_type, {Type(function)}, "unknown(8)", "void ()"},
+        {"sized", DW_TAG_ptr_to_member_type, {toByte, ByteSize(12)}, "unknown(12)", "uint8"},
+        {"text", DW_TAG_string_type, {toByte, ByteSize(10)}, "unknown(10)", "uint8"},
+        {"set", DW_TAG_set_type, {toByte, ByteSize(2)}, "unknown(2)", "uint8"},
+        // Ranges of fewer bytes than their type, with a sign, and of all bytes.
+        {"0..", DW_TAG_subrange_type, {toInt, ByteSize(1), LowerBound(0)}, "uint8", "int32"},
+        {"-5..", DW_TAG_subrange_type, {toInt, ByteSize(1), LowerBound(-5)}, "int8", "int32"},
+        {"0.. whole", DW_TAG_subrange_type, {toInt, LowerBound(0)}, "int32", "int32"},
+        {"atomic", DW_TAG_atomic_type, {toByte}, "uint8", "uint8"},
+        {"restrict", DW_TAG_restrict_type, {toByte}, "uint8", "uint8"},
     };
     for (const auto& kind : cases) {
-        const DieLabel byte;
-        const DieLabel function;
-        const DieLabel number;
         const DieLabel type;
-        std::vector<DieAttribute> attributes = kind.attributes;
-        attributes.push_back(Type(kind.target == 'f'   ? function
-                                  : kind.target == 'i' ? number
-                                                       : byte));
-        const DwarfSections sections = Unit(
-            {UInt(byte, 1),
-             Die(number, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)}),
-             Die(function, DW_TAG_subroutine_type), Variable("v", type),
-             Die(type, kind.tag, attributes)});
+        const DwarfSections sections =
+            Unit({UInt(byte, 1), Int(number), Die(function, DW_TAG_subroutine_type),
+                  Variable("v", type), Die(type, kind.tag, kind.attributes)});
         EXPECT_THAT(ScopedVariables(Read(sections, true)),
                     ElementsAre("::v@4096 " + std::string(kind.full)))
             << kind.what;

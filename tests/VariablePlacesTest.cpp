@@ -2,14 +2,15 @@
 // symbol table places, symbols beside them. Each image is read in both manners.
 #include "container/DeliveredSymbols.h"
 #include "core/VElfOptions.h"
-#include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
+#include "support/UsualEntries.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <type_traits>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 using testing::ElementsAre;
@@ -25,23 +26,19 @@ constexpr std::uint64_t sSymbolSize = 8;
 class VariablePlacesTest : public testing::Test {
 protected:
     template <typename Image>
-    static std::vector<std::string>
-    Classic(const Image& image, DWARFContainerType container = DWARFContainerType::Container_ELF) {
-        return Read(image, container, 0);
+    static std::vector<std::string> Classic(const Image& image) {
+        return Read(image, 0);
     }
     template <typename Image>
-    static std::vector<std::string>
-    Full(const Image& image, DWARFContainerType container = DWARFContainerType::Container_ELF) {
-        return Read(image, container, 1);
+    static std::vector<std::string> Full(const Image& image) {
+        return Read(image, 1);
     }
 
     /// A unit with the type `mInteger` and the entries.
     [[nodiscard]] DwarfSections Sections(std::vector<Die> entries, int addressSize = 4) const {
-        entries.insert(entries.begin(),
-                       Die(mInteger, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(5)}));
-        return DwarfSections().Unit(
-            {.entries = {Die(DW_TAG_compile_unit, {Name("unit.c")}, std::move(entries))},
-             .addressSize = addressSize});
+        entries.insert(entries.begin(), Int(mInteger));
+        return DwarfSections().Unit({.entries = {UnitDie(std::move(entries), {Name("unit.c")})},
+                                     .addressSize = addressSize});
     }
 
     [[nodiscard]] Die Variable(const std::string& name, std::vector<DieAttribute> more) const {
@@ -58,10 +55,11 @@ protected:
 
 private:
     template <typename Image>
-    static std::vector<std::string> Read(const Image& image, DWARFContainerType container,
-                                         std::int32_t isFull) {
+    static std::vector<std::string> Read(const Image& image, std::int32_t isFull) {
         VElfOptions::mIsFullReading = isFull;
-        const ReadRun run = ReadImage(image.Build(), container);
+        const ReadRun run = ReadImage(image.Build(), std::is_same_v<Image, PeImage>
+                                                         ? DWARFContainerType::Container_PE
+                                                         : DWARFContainerType::Container_ELF);
         EXPECT_TRUE(run.result) << run.message;
         return run.Variables();
     }
@@ -225,30 +223,24 @@ TEST_F(VariablePlacesTest, SymbolsOfVariablesAreKnownByEveryFormOfTheirNames) {
     struct Case {
         std::string symbol;
         std::string name;
-        std::string linkageName;
         bool isSame;
+        std::string linkageName = {};
     };
-    const Case cases[] = {
-        {"count", "count", "", true},
-        {"_count", "count", "", true},
-        {"count.12", "count", "", true},
-        {"count.lto_priv.0", "count", "", true},
-        {"main.count", "count", "", true},
-        {"main.recount.count.3", "count", "", true},
-        {"main.recount", "count", "", false},
-        {"count@@LIB_1", "count", "", true},
-        {"counter", "count", "", false},
-        {"count", "counter", "", false},
-        {"recount", "count", "", false},
-        {"_ZN2ns5countE", "count", "", true},
-        {"_ZN2ns15countE", "count", "", false},
-        {"_ZN2ns5countE", "other", "_ZN2ns5countE", true},
-        {"_ZN2ns5countE", "other", "_ZN2ns5otherE", false},
-        {"_RNvCs1_4unit5count", "count", "", true},
-        {"count__3Foo", "count", "", true},
-        {"count__3Foo", "Foo", "", false},
-        {".12", "", "", false},
-    };
+    std::vector<Case> cases = {{"_ZN2ns5countE", "count", true},
+                               {"_ZN2ns15countE", "count", false},
+                               {"_ZN2ns5countE", "other", true, "_ZN2ns5countE"},
+                               {"_ZN2ns5countE", "other", false, "_ZN2ns5otherE"},
+                               {"count__3Foo", "Foo", false},
+                               {"count", "counter", false},
+                               {".12", "", false}};
+    for (const char* symbol :
+         {"count", "_count", "count.12", "count.lto_priv.0", "main.count", "main.recount.count.3",
+          "count@@LIB_1", "_RNvCs1_4unit5count", "count__3Foo"}) {
+        cases.push_back({symbol, "count", true});
+    }
+    for (const char* symbol : {"main.recount", "counter", "recount"}) {
+        cases.push_back({symbol, "count", false});
+    }
     for (const Case& each : cases) {
         SCOPED_TRACE(each.symbol + ' ' + each.name + ' ' + each.linkageName);
         DeliveredSymbols delivered;
@@ -272,11 +264,10 @@ TEST_F(VariablePlacesTest, DeclarationsFindTheSymbolsOfWindowsImages) {
                    .Symbol({"hidden", 0x30, 1, 0, 0, staticClass}) +
                Sections({Declared("gOther"), Declared("gCode"), Declared("hidden")}, 8);
     };
-    const auto pe = DWARFContainerType::Container_PE;
     const PeImage program = image(PeImage(PeMachine::X86_64));
-    EXPECT_THAT(Classic(program, pe), IsEmpty());
-    EXPECT_THAT(Full(program, pe), ElementsAre("gOther@140001010:4"));
-    EXPECT_THAT(Full(image(PeImage(PeMachine::X86_64).Dll()), pe), ElementsAre("gOther@1010:4"));
+    EXPECT_THAT(Classic(program), IsEmpty());
+    EXPECT_THAT(Full(program), ElementsAre("gOther@140001010:4"));
+    EXPECT_THAT(Full(image(PeImage(PeMachine::X86_64).Dll())), ElementsAre("gOther@1010:4"));
 }
 
 } // namespace

@@ -44,7 +44,7 @@ inline Die Pointer(DieLabel label, DieLabel type) {
 }
 
 /// An external variable.
-inline Die Variable(const std::string& name, DieLabel type, std::uint64_t address) {
+inline Die Variable(const std::string& name, DieLabel type, std::uint64_t address = 0x1000) {
     return Die(Reader::DWARF::DW_TAG_variable,
                {Name(name), Type(type), External(), Address(address)});
 }
