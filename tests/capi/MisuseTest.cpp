@@ -5,13 +5,14 @@
 #include "support/TemporaryFolder.h"
 #include "support/UsualEntries.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <limits>
-#include <memory>
 #include <type_traits>
 
 namespace Tessel::Norn::Brindle::Tests {
@@ -25,138 +26,103 @@ brindle_bool IgnoreLeaf(void* /*user*/, const brindle_text* /*path*/,
     return 1;
 }
 
+std::array<char, 256> gText;
+/// Whether the latest call that asked for a number left 0 behind.
+bool (*gIsZero)() = nullptr;
+
+/// Where a call is to write a value.
+template <typename Value>
+Value* Into() {
+    static Value sValue = {};
+    if constexpr (std::is_class_v<Value>) {
+        sValue = Sized<Value>();
+        gIsZero = [] { return true; };
+    } else {
+        sValue = 77;
+        gIsZero = [] { return sValue == 0; };
+    }
+    return &sValue;
+}
+
 struct ReaderCall {
-    const char* name;
     std::function<brindle_status(brindle_reader)> call;
+    const char* name;
 };
 
+#define READER_CALL(function, ...)                                                                 \
+    ReaderCall {                                                                                   \
+        [](brindle_reader reader) {                                                                \
+            return brindle_reader_##function(reader __VA_OPT__(, ) __VA_ARGS__);                   \
+        },                                                                                         \
+            #function                                                                              \
+    }
+
 std::vector<ReaderCall> ReaderCalls() {
-    return {
-        {"last_status", brindle_reader_last_status},
-        {"error_text",
-         [](brindle_reader reader) {
-             std::array<char, 8> text = {};
-             return brindle_reader_error_text(reader, text.data(), text.size(), nullptr);
-         }},
-        {"set_language",
-         [](brindle_reader reader) { return brindle_reader_set_language(reader, 1); }},
-        {"set_read_all_types",
-         [](brindle_reader reader) { return brindle_reader_set_read_all_types(reader, 1); }},
-        {"set_callbacks",
-         [](brindle_reader reader) { return brindle_reader_set_callbacks(reader, nullptr); }},
-        {"read",
-         [](brindle_reader reader) {
-             auto* model = std::bit_cast<brindle_model>(std::uintptr_t{1});
-             const brindle_status status =
-                 brindle_reader_read(reader, "none", BRINDLE_CONTAINER_ELF, &model);
-             EXPECT_EQ(model, nullptr);
-             return status;
-         }},
-        {"deliver",
-         [](brindle_reader reader) {
-             const auto factory = Sized<brindle_factory>();
-             return brindle_reader_deliver(reader, "none", BRINDLE_CONTAINER_ELF, &factory);
-         }},
-        {"remark_at",
-         [](brindle_reader reader) {
-             return brindle_reader_remark_at(reader, 0, nullptr, nullptr, 0, nullptr);
-         }},
-        {"cancel", brindle_reader_cancel},
+    static const auto sFactory = Sized<brindle_factory>();
+    const auto read = [](brindle_reader reader) {
+        auto* model = std::bit_cast<brindle_model>(std::uintptr_t{1});
+        const brindle_status status =
+            brindle_reader_read(reader, "none", BRINDLE_CONTAINER_ELF, &model);
+        EXPECT_EQ(model, nullptr);
+        return status;
     };
+    return {{read, "read"},
+            READER_CALL(last_status),
+            READER_CALL(error_text, gText.data(), gText.size(), nullptr),
+            READER_CALL(set_language, 1),
+            READER_CALL(set_read_all_types, 1),
+            READER_CALL(set_callbacks, nullptr),
+            READER_CALL(deliver, "none", BRINDLE_CONTAINER_ELF, &sFactory),
+            READER_CALL(remark_at, 0, nullptr, nullptr, 0, nullptr),
+            READER_CALL(cancel)};
 }
 
 /// A question to a model, about an object of an identifier where it is about one.
 struct ModelCall {
-    const char* name;
     std::function<brindle_status(brindle_model, brindle_id)> call;
+    const char* name;
+
+    brindle_status operator()(brindle_model model, brindle_id id) const {
+        gIsZero = [] { return true; };
+        const brindle_status status = call(model, id);
+        EXPECT_TRUE(status == BRINDLE_OK || gIsZero()) << name;
+        return status;
+    }
 };
 
-template <typename Value>
-ModelCall Asks(const char* name,
-               std::function<brindle_status(brindle_model, brindle_id, Value*)> function) {
-    return {name, [function](brindle_model model, brindle_id id) {
-                if constexpr (std::is_class_v<Value>) {
-                    auto structure = Sized<Value>();
-                    return function(model, id, &structure);
-                } else {
-                    Value value = 77;
-                    const brindle_status status = function(model, id, &value);
-                    EXPECT_TRUE(status == BRINDLE_OK || value == 0);
-                    return status;
-                }
-            }};
-}
-
-template <typename Value>
-ModelCall AsksFirst(const char* name,
-                    brindle_status (*function)(brindle_model, brindle_id, std::size_t, Value*)) {
-    return Asks<Value>(name, [function](brindle_model model, brindle_id id, Value* value) {
-        return function(model, id, 0, value);
-    });
-}
-
-ModelCall AsksText(const char* name, brindle_status (*function)(brindle_model, brindle_id, char*,
-                                                                std::size_t, std::size_t*)) {
-    return {name, [function](brindle_model model, brindle_id id) {
-                std::array<char, 256> text = {};
-                std::size_t length = 0;
-                return function(model, id, text.data(), text.size(), &length);
-            }};
-}
+#define MODEL_CALL(function, ...)                                                                  \
+    ModelCall {                                                                                    \
+        [](brindle_model model, [[maybe_unused]] brindle_id id) {                                  \
+            return brindle_model_##function(model, __VA_ARGS__);                                   \
+        },                                                                                         \
+            #function                                                                              \
+    }
 
 /// The questions about one object, for its first list item where it is about lists.
 std::vector<ModelCall> ObjectCalls() {
-    return {
-        Asks<brindle_object>("object", brindle_model_object),
-        Asks<brindle_id>("first_in", brindle_model_first_in),
-        Asks<brindle_id>("next_in", brindle_model_next_in),
-        AsksFirst<brindle_base_class>("base_class", brindle_model_base_class),
-        AsksFirst<brindle_enumerator>("enumerator", brindle_model_enumerator),
-        AsksFirst<std::uint32_t>("dimension", brindle_model_dimension),
-        AsksFirst<brindle_id>("parameter", brindle_model_parameter),
-        Asks<std::uint64_t>("size_of", brindle_model_size_of),
-        Asks<std::uint64_t>("element_stride", brindle_model_element_stride),
-        Asks<brindle_id>("without_typedefs", brindle_model_without_typedefs),
-        Asks<brindle_id>("compile_unit_of", brindle_model_compile_unit_of),
-        AsksText("qualified_name", brindle_model_qualified_name),
-        AsksText("type_text", brindle_model_type_text),
-    };
+    return {MODEL_CALL(object, id, Into<brindle_object>()),
+            MODEL_CALL(first_in, id, Into<brindle_id>()),
+            MODEL_CALL(next_in, id, Into<brindle_id>()),
+            MODEL_CALL(base_class, id, 0, Into<brindle_base_class>()),
+            MODEL_CALL(enumerator, id, 0, Into<brindle_enumerator>()),
+            MODEL_CALL(dimension, id, 0, Into<std::uint32_t>()),
+            MODEL_CALL(parameter, id, 0, Into<brindle_id>()),
+            MODEL_CALL(size_of, id, Into<std::uint64_t>()),
+            MODEL_CALL(element_stride, id, Into<std::uint64_t>()),
+            MODEL_CALL(without_typedefs, id, Into<brindle_id>()),
+            MODEL_CALL(compile_unit_of, id, Into<brindle_id>()),
+            MODEL_CALL(qualified_name, id, gText.data(), gText.size(), nullptr),
+            MODEL_CALL(type_text, id, gText.data(), gText.size(), nullptr)};
 }
 
 /// All other questions.
 std::vector<ModelCall> WholeModelCalls() {
-    return {
-        {"object_count",
-         [](brindle_model model, brindle_id /*id*/) {
-             std::uint64_t count = 0;
-             return brindle_model_object_count(model, &count);
-         }},
-        {"next_of_kind",
-         [](brindle_model model, brindle_id /*id*/) {
-             brindle_id next = 0;
-             return brindle_model_next_of_kind(model, BRINDLE_KIND_ANY, 0, &next);
-         }},
-        {"find",
-         [](brindle_model model, brindle_id /*id*/) {
-             brindle_id found = 0;
-             return brindle_model_find(model, "speed", BRINDLE_KIND_GLOBAL, 0, &found);
-         }},
-        {"resolve_path",
-         [](brindle_model model, brindle_id /*id*/) {
-             auto place = Sized<brindle_place>();
-             return brindle_model_resolve_path(model, "speed", 0, &place);
-         }},
-        {"path_problem",
-         [](brindle_model model, brindle_id /*id*/) {
-             std::size_t length = 0;
-             return brindle_model_path_problem(model, "speed.x[", nullptr, nullptr, 0, &length);
-         }},
-        {"visit_leaves",
-         [](brindle_model model, brindle_id /*id*/) {
-             auto cuts = Sized<brindle_leaf_cuts>();
-             return brindle_model_visit_leaves(model, 0, nullptr, IgnoreLeaf, nullptr, &cuts);
-         }},
-    };
+    return {MODEL_CALL(object_count, Into<std::uint64_t>()),
+            MODEL_CALL(next_of_kind, BRINDLE_KIND_ANY, 0, Into<brindle_id>()),
+            MODEL_CALL(find, "speed", BRINDLE_KIND_GLOBAL, 0, Into<brindle_id>()),
+            MODEL_CALL(resolve_path, "speed", 0, Into<brindle_place>()),
+            MODEL_CALL(path_problem, "speed.x[", nullptr, gText.data(), gText.size(), nullptr),
+            MODEL_CALL(visit_leaves, 0, nullptr, IgnoreLeaf, nullptr, Into<brindle_leaf_cuts>())};
 }
 
 /// Asks everything of a model and all its objects.
@@ -165,14 +131,14 @@ void AskEverything(const CModel& model) {
     ASSERT_GE(count, 1U);
     for (brindle_id id = 0; id <= count + 1; ++id) {
         for (const ModelCall& question : ObjectCalls()) {
-            const brindle_status status = question.call(model, id);
+            const brindle_status status = question(model, id);
             EXPECT_TRUE(status == BRINDLE_OK || status == BRINDLE_NOT_FOUND ||
                         status == BRINDLE_BUFFER_TOO_SMALL)
                 << question.name << " of " << id << ": " << status;
         }
     }
     for (const ModelCall& question : WholeModelCalls()) {
-        const brindle_status status = question.call(model, 0);
+        const brindle_status status = question(model, 0);
         EXPECT_TRUE(status == BRINDLE_OK || status == BRINDLE_NOT_FOUND) << question.name;
     }
 }
@@ -182,13 +148,9 @@ protected:
     /// An image with the variable `speed` in debug information and symbol table.
     static ElfImage Image() {
         const DieLabel number;
-        DwarfSections sections;
-        sections.Unit({Die(DW_TAG_compile_unit, {Name("main.c")},
-                           {Int(number), Variable("speed", number, 0x20000000)})});
-        return ElfImage().Symbol({"speed", 0x20000000, 4}) + sections;
+        return ElfImage().Symbol({"speed", 0x20000000, 4}) +
+               Unit({Int(number), Variable("speed", number, 0x20000000)});
     }
-
-    [[nodiscard]] std::string Path() const { return mPath; }
 
     TemporaryFolder mFolder;
     std::string mPath = mFolder.Write("image.elf", Image().Build());
@@ -224,16 +186,14 @@ TEST_F(MisuseTest, HandlesThatAreNoneOrNoLongerAreRefused) {
             << call.name << ": a model is no reader";
     }
     std::vector<ModelCall> modelCalls = ObjectCalls();
-    for (const ModelCall& call : WholeModelCalls()) {
-        modelCalls.push_back(call);
-    }
+    std::ranges::copy(WholeModelCalls(), std::back_inserter(modelCalls));
     for (const ModelCall& call : modelCalls) {
         for (const std::uintptr_t number : notGivenOut) {
-            EXPECT_EQ(call.call(std::bit_cast<brindle_model>(number), 1), BRINDLE_INVALID_HANDLE)
+            EXPECT_EQ(call(std::bit_cast<brindle_model>(number), 1), BRINDLE_INVALID_HANDLE)
                 << call.name;
         }
-        EXPECT_EQ(call.call(staleModel, 1), BRINDLE_INVALID_HANDLE) << call.name;
-        EXPECT_EQ(call.call(std::bit_cast<brindle_model>(static_cast<brindle_reader>(reader)), 1),
+        EXPECT_EQ(call(staleModel, 1), BRINDLE_INVALID_HANDLE) << call.name;
+        EXPECT_EQ(call(std::bit_cast<brindle_model>(static_cast<brindle_reader>(reader)), 1),
                   BRINDLE_INVALID_HANDLE)
             << call.name << ": a reader is no model";
     }
@@ -249,7 +209,7 @@ TEST_F(MisuseTest, ObjectsThatDoNotExistAreNotFound) {
     for (const ModelCall& call : ObjectCalls()) {
         for (const brindle_id id : {brindle_id{0}, count + 1, brindle_id{1} << 32U,
                                     std::numeric_limits<brindle_id>::max()}) {
-            EXPECT_EQ(call.call(model, id), BRINDLE_NOT_FOUND) << call.name << " of " << id;
+            EXPECT_EQ(call(model, id), BRINDLE_NOT_FOUND) << call.name << " of " << id;
         }
     }
     brindle_id next = 5;

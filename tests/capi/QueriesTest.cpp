@@ -175,11 +175,12 @@ TEST_F(QueriesTest, QualifiedNamesFindAllObjectsOfTheirKind) {
     ASSERT_EQ(brindle_model_find(mModel, "count", BRINDLE_KIND_ANY, first, &second), BRINDLE_OK);
     EXPECT_EQ(Object(first).address, 0x2000U);
     EXPECT_EQ(Object(second).address, 0x3000U);
-    EXPECT_EQ(brindle_model_find(mModel, "count", BRINDLE_KIND_ANY, second, &second),
+    brindle_id third = 0;
+    EXPECT_EQ(brindle_model_find(mModel, "count", BRINDLE_KIND_ANY, second, &third),
               BRINDLE_NOT_FOUND);
     brindle_id unit = 0;
-    EXPECT_EQ(brindle_model_compile_unit_of(mModel, first, &unit),
-              brindle_model_compile_unit_of(mModel, first, &unit));
+    EXPECT_EQ(brindle_model_compile_unit_of(mModel, second, &unit), BRINDLE_OK);
+    EXPECT_EQ(View(Object(unit).name), "pump_cpp");
     EXPECT_EQ(mModel.Find("Motor"), 0U) << "a name alone is no qualified name";
     EXPECT_EQ(mModel.Find("plant::Motor", BRINDLE_KIND_UNION), 0U);
     EXPECT_EQ(mModel.Find(""), 0U);
@@ -244,9 +245,7 @@ TEST_F(QueriesTest, OptionsAreListedAndKeepWhatIsSet) {
 
 TEST_F(QueriesTest, AllTypesComeOnlyWhenAsked) {
     const DieLabel number;
-    DwarfSections sections;
-    sections.Unit({Die(DW_TAG_compile_unit, {Name("a.c")},
-                       {Int(number), Die(DW_TAG_typedef, {Name("unused"), Type(number)})})});
+    const DwarfSections sections = Unit({Int(number), Typedef({}, "unused", number)});
     const std::string path =
         mFolder.Write("types.elf", (ElfImage().Symbol({"x", 0x10, 4}) + sections).Build());
     EXPECT_EQ(CModel(mReader, path).Find("unused"), 0U);

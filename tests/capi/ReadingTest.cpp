@@ -70,11 +70,10 @@ class ReadingTest : public testing::Test {
 protected:
     static std::string Image() {
         const DieLabel number;
-        DwarfSections sections;
-        sections.Unit({Die(DW_TAG_compile_unit, {Name("main.c")},
-                           {Int(number), Variable("one", number, 0x1000),
-                            Variable("two", number, 0x1004), Variable("three", number, 0x1008)})});
-        return (ElfImage().Symbol({"one", 0x1000, 4}) + sections).Build();
+        return (ElfImage().Symbol({"one", 0x1000, 4}) +
+                Unit({Int(number), Variable("one", number, 0x1000), Variable("two", number, 0x1004),
+                      Variable("three", number, 0x1008)}))
+            .Build();
     }
 
     brindle_status Deliver(CountingHost& host) const {
