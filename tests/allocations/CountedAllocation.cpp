@@ -86,66 +86,33 @@ constexpr std::size_t Of(std::align_val_t alignment) {
 
 } // namespace
 
-// All forms are replaced, since sanitizers tell blocks of their own forms from those of others.
+// All forms are replaced, since sanitizers tell blocks of their own forms from those of others:
+// each for one object and for many.
+#define REPLACE_NEW(parameters, allocate)                                                          \
+    void* operator new parameters {                                                                \
+        return allocate;                                                                           \
+    }                                                                                              \
+    void* operator new[] parameters {                                                              \
+        return allocate;                                                                           \
+    }
+#define REPLACE_DELETE(parameters)                                                                 \
+    void operator delete parameters {                                                              \
+        Release(memory);                                                                           \
+    }                                                                                              \
+    void operator delete[] parameters {                                                            \
+        Release(memory);                                                                           \
+    }
+
 // NOLINTBEGIN(misc-new-delete-overloads): each form has its counterpart, of which there are fewer
-void* operator new(std::size_t size) {
-    return AllocateOrThrow(size, sUsual);
-}
-void* operator new[](std::size_t size) {
-    return AllocateOrThrow(size, sUsual);
-}
-void* operator new(std::size_t size, std::align_val_t alignment) {
-    return AllocateOrThrow(size, Of(alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-    return AllocateOrThrow(size, Of(alignment));
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(size, sUsual);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(size, sUsual);
-}
-void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(size, Of(alignment));
-}
-void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(size, Of(alignment));
-}
-void operator delete(void* memory) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::align_val_t) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory, std::align_val_t) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, const std::nothrow_t&) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept {
-    Release(memory);
-}
-void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-    Release(memory);
-}
-void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
-    Release(memory);
-}
+REPLACE_NEW((std::size_t size), AllocateOrThrow(size, sUsual))
+REPLACE_NEW((std::size_t size, std::align_val_t alignment), AllocateOrThrow(size, Of(alignment)))
+REPLACE_NEW((std::size_t size, const std::nothrow_t&) noexcept, AllocateOrNull(size, sUsual))
+REPLACE_NEW((std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept,
+            AllocateOrNull(size, Of(alignment)))
+REPLACE_DELETE((void* memory) noexcept)
+REPLACE_DELETE((void* memory, std::size_t) noexcept)
+REPLACE_DELETE((void* memory, std::align_val_t) noexcept)
+REPLACE_DELETE((void* memory, std::size_t, std::align_val_t) noexcept)
+REPLACE_DELETE((void* memory, const std::nothrow_t&) noexcept)
+REPLACE_DELETE((void* memory, std::align_val_t, const std::nothrow_t&) noexcept)
 // NOLINTEND(misc-new-delete-overloads)
