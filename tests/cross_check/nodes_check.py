@@ -145,6 +145,19 @@ class NodesCheck(unittest.TestCase):
                 for node, entry in zip(nodes, sorted(tree.entries, key=expected.offset)):
                     self.assert_same(node, entry, expected)
 
+    def test_an_entry_that_is_cut_off_before_its_name_is_no_node(self):
+        sections = {".debug_info": "0d000000 0400 00000000 04 01 612e6300 03",
+                    ".debug_abbrev": "01 1101 0308 0000 03 1300 0308 0000 00"}
+        with tempfile.TemporaryDirectory(prefix="brindle-nodes-") as folder:
+            command = ["objcopy", SAMPLE_IMAGES / "x86_64-symbols.elf", image := pathlib.Path(folder, "cut.elf")]
+            for name, contents in sections.items():
+                part = pathlib.Path(folder, name)
+                part.write_bytes(bytes.fromhex(contents))
+                command += ["--add-section", f"{name}={part}"]
+            subprocess.run(command, check=True, timeout=60)
+            nodes = read_nodes(image, is_full=False)
+        self.assertEqual([(node.tag, node.name) for node in nodes], [("DW_TAG_compile_unit", "a_c")])
+
     def assert_same(self, node, entry, expected):
         where = f"entry at {entry.offset:#x}"
         self.assertEqual(node.offset, expected.offset(entry))
