@@ -170,15 +170,6 @@ TEST_F(DataModelTest, CompileUnitsAreMadeOnlyWhereTheNameIsNew) {
     EXPECT_EQ(mModel.ObjectCount(), 3U);
 }
 
-TEST_F(DataModelTest, QuestionsBetweenCreationsFindTheFirstOfAKeyAndTheNew) {
-    const ObjectId first = mModel.CreateTypedefEntryType("a", 0, sGlobalNamespace);
-    EXPECT_EQ(mModel.GetTypedefEntryType("a", sGlobalNamespace), first);
-    mModel.CreateTypedefEntryType("a", 0, sGlobalNamespace);
-    const ObjectId other = mModel.CreateTypedefEntryType("b", 0, sGlobalNamespace);
-    EXPECT_EQ(mModel.GetTypedefEntryType("b", sGlobalNamespace), other);
-    EXPECT_EQ(mModel.GetTypedefEntryType("a", sGlobalNamespace), first);
-}
-
 TEST_F(DataModelTest, NumbersKeepTheirUpperHalves) {
     constexpr std::uint64_t sWide = 0x1'0000'0002U;
     const ObjectId pointer = mModel.CreatePointerEntryType(sWide, sWide, sGlobalNamespace);

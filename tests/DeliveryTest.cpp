@@ -162,8 +162,8 @@ TEST_F(DeliveryTest, TypesThatTheirOwnScopeOrPartsDeliverAreDeliveredOnce) {
 }
 
 TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
-    const DieLabel voidPointer, constVoid, constVoidPointer, number, constNumber, volatileNumber;
-    const DieLabel oddSize, unnamed;
+    const DieLabel voidPointer, constVoid, constVoidPointer, number, constNumber, volatileNumber,
+        oddSize, unnamed;
     const std::vector<std::string> calls = CallsOf(Unit({
         Die(voidPointer, DW_TAG_pointer_type),
         Die(constVoid, DW_TAG_const_type),
@@ -186,19 +186,6 @@ TEST_F(DeliveryTest, TypesWithoutTargetAndQualifiers) {
     EXPECT_THAT(calls, Contains(R"(CreateGlobalData("c", 13, 4104, 1) -> 14)"));
     EXPECT_THAT(calls, Contains("CreateUnknownEntryType(3, 1) -> 15"));
     EXPECT_THAT(calls, Contains(R"(CreateTypedefEntryType("", 13, 7) -> 17)"));
-}
-
-TEST_F(DeliveryTest, ATypedefOfTheSameNameIsItsType) {
-    const DieLabel structure, sameName, otherName;
-    const ReadRun run = Read(Unit({
-        Struct(structure, "s", 4),
-        Typedef(sameName, "s", structure),
-        Typedef(otherName, "t", sameName),
-        Variable("v", otherName, 0x1000),
-        Variable("w", sameName, 0x1004),
-    }));
-    EXPECT_THAT(Delivered(run.calls), Contains(R"(CreateTypedefEntryType("t", 8, 7) -> 9)"));
-    EXPECT_THAT(Delivered(run.calls), Contains(R"(CreateGlobalData("w", 8, 4100, 1) -> 11)"));
 }
 
 TEST_F(DeliveryTest, ScopesOfStaticVariables) {

@@ -198,18 +198,5 @@ TEST_F(PeImageTest, WhateverIsWrongTheFileCannotBeOpened) {
     }
 }
 
-TEST_F(PeImageTest, SymbolsOfWhatIsNoImageFail) {
-    const TemporaryFolder folder;
-    SymbolList symbols;
-    VPEImage unmapped;
-    EXPECT_FALSE(unmapped.ReadImageSymbols(symbols));
-    EXPECT_EQ(gElfReaderErrorFlag, ELFERR_UNKNOWN);
-    VPEImage text;
-    EXPECT_FALSE(text.MapPEImage(folder.Write("text", "text")));
-    EXPECT_FALSE(text.ReadImageSymbols(symbols));
-    EXPECT_EQ(gElfReaderErrorFlag, ELFERR_OPEN_FAILED);
-    EXPECT_THAT(symbols.texts, IsEmpty());
-}
-
 } // namespace
 } // namespace Tessel::Norn::Brindle::Tests

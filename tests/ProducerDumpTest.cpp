@@ -89,18 +89,5 @@ TEST_F(ProducerDumpTest, FileThatCannotBeOpenedCostsOneText) {
     EXPECT_EQ(mFolder.Read("image.elf"), before);
 }
 
-TEST_F(ProducerDumpTest, FullDeviceCostsNothing) {
-    VElfOptions::mDumpProducerInfoFileName = "/dev/full";
-    const std::string image = Write(ElfImage().Symbol({"a", 0x10, 4}));
-    for (int times = 0; times < 2; ++times) {
-        const ReadRun run = ReadFile(image);
-        EXPECT_TRUE(run.result);
-        EXPECT_EQ(run.standardOutput, "");
-    }
-    VElfOptions::mDumpProducerInfoFileName = mFolder.Path("dump.txt");
-    EXPECT_TRUE(ReadFile(image).result);
-    EXPECT_EQ(Dump(), Block(""));
-}
-
 } // namespace
 } // namespace Tessel::Norn::Brindle::Tests

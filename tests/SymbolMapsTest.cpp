@@ -155,13 +155,6 @@ TEST_F(SymbolMapsTest, NamesAreNotLoadedTwiceAfterAFailure) {
     EXPECT_EQ(file.AddressOf("a"), 0U);
 }
 
-TEST_F(SymbolMapsTest, TableOutsideTheFileFillsNoMapAndFailsNoRead) {
-    FileWithSymbols file(ElfImage().Symbol({"a", 0x10, 4}).SymbolTable({.offset = 0x100000}));
-    EXPECT_TRUE(file->LoadSymbolMap(file->mSymbolMap));
-    EXPECT_EQ(file.NameAt(0x10, ""), "");
-    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_SEEK_FAILED);
-}
-
 TEST_F(SymbolMapsTest, AddressesAreKeptIn32Bits) {
     VElfOptions::mIsLogFile = 1;
     const TemporaryFolder folder;
@@ -192,30 +185,6 @@ TEST_F(SymbolMapsTest, FullMannerKeepsWholeAddressesAndSizes) {
     EXPECT_EQ(file->FindSymbolByAddress(0x1'0000'2000, "")->st_size, 0x1'0000'0000U);
     EXPECT_EQ(file.AddressOf("huge"), 0x1'0000'2000U);
     EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_UNKNOWN);
-}
-
-TEST_F(SymbolMapsTest, NameObjectsAreMadeOncePerOffset) {
-    VElfNamesObjectMap map;
-    const VElfNameObject* object = map.AddObject(7, "value__3Foo");
-    ASSERT_NE(object, nullptr);
-    EXPECT_EQ(object->GetName(), "Foo::value");
-    EXPECT_TRUE(object->IsModified());
-    EXPECT_EQ(map.AddObject(7, "plain"), nullptr);
-    EXPECT_EQ(map.FindObject(7), object);
-    EXPECT_FALSE(map.AddObject(8, "plain")->IsModified());
-    map.Clear();
-    EXPECT_EQ(map.FindObject(7), nullptr);
-}
-
-TEST_F(SymbolMapsTest, SymbolSizesBeyond32BitsEndTheTable) {
-    FileWithSymbols file(ElfImage(ElfClass::Class64)
-                             .Symbol({"good", 0x10, 0xFFFFFFFF})
-                             .Symbol({"huge", 0x20, 0x100000000})
-                             .Symbol({"unread", 0x30, 4}));
-    EXPECT_FALSE(file->LoadSymbolMap(file->mSymbolMap));
-    EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_64BIT_LIMIT);
-    EXPECT_EQ(file.NameAt(0x10, ""), "good");
-    EXPECT_EQ(file.NameAt(0x30, ""), "");
 }
 
 } // namespace
