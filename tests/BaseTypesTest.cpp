@@ -29,33 +29,23 @@ TEST(BaseTypesTest, CodeAndSizeGiveTheHostValue) {
     };
     constexpr std::uint32_t none = ~0U;
     std::vector<Row> rows = {
-        {0, 1, sAlways(1)},
-        {1, 0, sAlways(0)},
-        {2, 10, sAlways(7)},
-        {3, 101, sAlways(10)},
-        {4, 8, {10, 18, 6, 10, 10}},
-        {5, 6, sOfInt},
-        {6, 6, sOfInt},
-        {7, 7, sOfUInt},
-        {8, 7, sOfUInt},
-        {10, 6, sOfInt},
-        {16, 6, sOfInt},
-        {128, 0, sAlways(0)},
-        {144, 0, sAlways(0)},
-        {145, 0, sAlways(0)},
-        {255, 0, sAlways(0)},
-        {9, 0, sAlways(0)},
-        {99, 0, sAlways(0)},
-        {none, 2, sAlways(2)},
-        {none, 3, sAlways(3)},
-        {none, 13, sAlways(8)},
-        {none, 14, sAlways(9)},
-        {none, 100, sAlways(17)},
-        {none, 102, sAlways(13)},
-        {none, 103, sAlways(14)},
-        {none, 104, sAlways(15)},
-        {none, 105, sAlways(16)},
+        {0, 1, sAlways(1)},    {1, 0, sAlways(0)},          {2, 10, sAlways(7)},
+        {3, 101, sAlways(10)}, {4, 8, {10, 18, 6, 10, 10}},
     };
+    for (const std::uint32_t encoding : {5U, 6U, 10U, 16U}) {
+        rows.push_back({encoding, 6, sOfInt});
+    }
+    for (const std::uint32_t encoding : {7U, 8U}) {
+        rows.push_back({encoding, 7, sOfUInt});
+    }
+    for (const std::uint32_t encoding : {9U, 99U, 128U, 144U, 145U, 255U}) {
+        rows.push_back({encoding, 0, sAlways(0)});
+    }
+    for (const auto& [code, value] :
+         {std::pair{2, 2}, std::pair{3, 3}, std::pair{13, 8}, std::pair{14, 9}, std::pair{100, 17},
+          std::pair{102, 13}, std::pair{103, 14}, std::pair{104, 15}, std::pair{105, 16}}) {
+        rows.push_back({none, code, sAlways(value)});
+    }
     for (const int code : {4, 5, 9, 11, 12, 15, 25, 26, 27, 28, 29, 30, 31, 106}) {
         rows.push_back({none, code, sAlways(0)});
     }

@@ -47,16 +47,10 @@ std::map<std::string, void*> Enumerate(const VMapStringToPtr& map) {
 }
 
 TEST(VMapStringToPtr, HashesSignedCharactersIn32Bits) {
-    const std::vector<std::pair<const char*, std::uint32_t>> cases{
-        {"", 0},
-        {"a", 97},
-        {"main", 4026341},
-        {"\xE9", 0xFFFFFFE9},
-        {"\x80z", 0xFFFFEFFA},
-        {"\x01\xFF", 32},
-        {"_ZN6engine5startEv", 1234175537},
-    };
-    for (const auto& [key, hash] : cases) {
+    for (const auto& [key, hash] :
+         {std::pair{"", 0U}, std::pair{"a", 97U}, std::pair{"main", 4026341U},
+          std::pair{"\xE9", 0xFFFFFFE9U}, std::pair{"\x80z", 0xFFFFEFFAU},
+          std::pair{"\x01\xFF", 32U}, std::pair{"_ZN6engine5startEv", 1234175537U}}) {
         EXPECT_EQ(VMapStringToPtr::HashKey(key), hash) << key;
     }
 }
@@ -197,22 +191,12 @@ TEST(VArrayAsTessel, GrowsInStepsOfItsDelta) {
     struct Case {
         std::int32_t lower, delta, newUpper, elementCount, upper;
     };
-    const std::vector<Case> cases{
-        {0, 20, 21, 40, 39},
-        {0, 20, 18, 20, 19},
-        {0, 20, 19, 40, 39},
-        {0, 20, 20, 40, 39},
-        {0, 1, 4, 6, 5},
-        {0, 0, 4, 6, 5},
-        {5, 8, 5, 8, 12},
-        {-5, 4, -2, 8, 2},
-        {0, 20, -1, 21, 20},
-        {5, 8, 4, 21, 25},
-        {0, 20, kMaximum, 0, 20},
-        {1, kMaximum, 1, 0, 21},
-        {kMinimum, 1, kMaximum, 0, kMinimum + 20},
-    };
-    for (const Case& test : cases) {
+    for (const Case& test :
+         {Case{0, 20, 21, 40, 39}, Case{0, 20, 18, 20, 19}, Case{0, 20, 19, 40, 39},
+          Case{0, 20, 20, 40, 39}, Case{0, 1, 4, 6, 5}, Case{0, 0, 4, 6, 5}, Case{5, 8, 5, 8, 12},
+          Case{-5, 4, -2, 8, 2}, Case{0, 20, -1, 21, 20}, Case{5, 8, 4, 21, 25},
+          Case{0, 20, kMaximum, 0, 20}, Case{1, kMaximum, 1, 0, 21},
+          Case{kMinimum, 1, kMaximum, 0, kMinimum + 20}}) {
         VArrayAsTessel<int> array(test.lower + 20, test.lower, test.delta);
         EXPECT_EQ(array.Resize(test.newUpper), test.elementCount)
             << test.lower << ' ' << test.newUpper;
@@ -298,20 +282,10 @@ TEST(VArrayAsTessel, SearchesWithinTheGivenBounds) {
         int key;
         std::int32_t low, high, result;
     };
-    const std::vector<Case> cases{
-        {30, 0, -1, 3},
-        {31, 0, -1, 4},
-        {-5, 0, -1, 0},
-        {99, 0, -1, 7},
-        {99, 0, 2, 3},
-        {10, 3, 5, 3},
-        {45, 3, kMaximum, 5},
-        {30, 5, 2, 5},
-        {60, kMinimum, 6, 6},
-        {60, 7, 9, -1},
-        {60, kMaximum, kMaximum, -1},
-    };
-    for (const Case& test : cases) {
+    for (const Case& test :
+         {Case{30, 0, -1, 3}, Case{31, 0, -1, 4}, Case{-5, 0, -1, 0}, Case{99, 0, -1, 7},
+          Case{99, 0, 2, 3}, Case{10, 3, 5, 3}, Case{45, 3, kMaximum, 5}, Case{30, 5, 2, 5},
+          Case{60, kMinimum, 6, 6}, Case{60, 7, 9, -1}, Case{60, kMaximum, kMaximum, -1}}) {
         EXPECT_EQ(array.bsearch(test.key, order, test.low, test.high), test.result)
             << test.key << " in " << test.low << ".." << test.high;
     }

@@ -3,6 +3,7 @@
 #include "dwarf/VLocTabBuffer.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
+#include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
 
@@ -220,9 +221,8 @@ TEST_F(LocationTest, SectionThatCannotBeLoadedLeavesPlainNumbers) {
         {.entries = {Die(DW_TAG_compile_unit, {},
                          {Die(member, DW_TAG_member, {MemberOffset(12, DW_FORM_data4)})})},
          .version = 3});
-    SectionRun run((ElfImage() + sections).Section(".debug_loc", "x", {.size = 0x10000000}));
-    ASSERT_TRUE(run.Read());
-    EXPECT_EQ(run.At(sections.OffsetOf(member)).GetMemberOffset(), 12U);
+    const NodeTree tree(sections, ElfImage().Section(".debug_loc", "x", {.size = 0x10000000}));
+    EXPECT_EQ(tree[member].GetMemberOffset(), 12U);
 }
 
 TEST_F(LocationTest, ListsAndTheirLimits) {
@@ -285,15 +285,11 @@ TEST_F(LocationTest, OperandsEndWithTheUnitOrTheSection) {
     for (const std::string_view bytes :
          {"\x03\1\2\3", "\x08", "\x0b\1", "\x10\x80", "#", "\x9d\3", "\x9d\x80"}) {
         const DieLabel variable;
-        DwarfSections sections;
-        sections.Unit(
+        const NodeTree tree(DwarfSections().Unit(
             {Die(variable, DW_TAG_variable,
-                 {Name("variable"), Block(DW_AT_location, DW_FORM_block1, std::string(bytes))})});
-        SectionRun run(ElfImage() + sections);
-        ASSERT_TRUE(run.Read());
-        const VDebugInfoNode& node = run.At(sections.OffsetOf(variable));
-        EXPECT_TRUE(node.IsRegisterOrStackLocation()) << bytes;
-        EXPECT_EQ(node.GetLocationAddress(), 0U) << bytes;
+                 {Name("variable"), Block(DW_AT_location, DW_FORM_block1, std::string(bytes))})}));
+        EXPECT_TRUE(tree[variable].IsRegisterOrStackLocation()) << bytes;
+        EXPECT_EQ(tree[variable].GetLocationAddress(), 0U) << bytes;
         DwarfSections list;
         list.RawLocations(ByteWriter().U32(0).U32(8).U16(bytes.size()).Content() +
                           std::string(bytes));

@@ -170,8 +170,8 @@ TEST_F(NodeTest, CyclesThroughSpecifications) {
 }
 
 TEST_F(NodeTest, SizesComeFromTypes) {
-    const DieLabel number, constNothing, constConstNothing, function, variable, pointer;
-    const DieLabel shortPointer, address, structure, array, alias;
+    const DieLabel number, constNothing, constConstNothing, function, variable, pointer,
+        shortPointer, address, structure, array, alias;
     NodeTree tree(Unit({
         // In front of its type, so that a size is asked for before it is there.
         Typedef(alias, "t", array),
@@ -339,8 +339,8 @@ TEST_F(NodeTest, EveryParameterSettlesTheSizeOfItsType) {
 }
 
 TEST_F(NodeTest, EndsOfChains) {
-    const DieLabel number, alias, pointer, byType, bySpecification, throughPointer, structure;
-    const DieLabel structureAlias, nothing;
+    const DieLabel number, alias, pointer, byType, bySpecification, throughPointer, structure,
+        structureAlias, nothing;
     NodeTree tree(Unit({
         Int(number),
         Typedef(alias, "t", number),

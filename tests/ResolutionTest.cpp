@@ -323,8 +323,8 @@ TEST_F(ResolutionTest, ExternVariablesAreFoundByTheirSymbols) {
 }
 
 TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
-    const DieLabel number, array, declared, pointer, complete, alias, structure, specified;
-    const DieLabel reference, enumeration, twoMembers;
+    const DieLabel number, array, declared, pointer, complete, alias, structure, specified,
+        reference, enumeration, twoMembers;
     struct Placed {
         DieLabel label;
         std::string name;

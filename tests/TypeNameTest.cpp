@@ -39,8 +39,8 @@ protected:
 };
 
 TEST_F(TypeNameTest, ScopesStandInFront) {
-    const DieLabel anonymous, inNamespace, inUnnamedNamespace, inFunction, inBlock, inClass;
-    const DieLabel inAnonymousUnion, inTemplate, inUnnamedTemplate, pointerInClass, number;
+    const DieLabel anonymous, inNamespace, inUnnamedNamespace, inFunction, inBlock, inClass,
+        inAnonymousUnion, inTemplate, inUnnamedTemplate, pointerInClass, number;
     NodeTree tree(Unit({
         Die(DW_TAG_class_template, {Name("T")},
             {Structure(inTemplate),
@@ -133,9 +133,8 @@ TEST_F(TypeNameTest, EveryTagHasItsText) {
 }
 
 TEST_F(TypeNameTest, ModifiersReadFromTheOutermost) {
-    const DieLabel number, alias, constNumber, constPointer, voidPointer, reference, volatileAlias;
-    const DieLabel array, arrayPointer, function, functionPointer;
-    const DieLabel unnamedEnumeration;
+    const DieLabel number, alias, constNumber, constPointer, voidPointer, reference, volatileAlias,
+        array, arrayPointer, function, functionPointer, unnamedEnumeration;
     NodeTree tree(Unit({
         Int(number),
         Typedef(alias, "t", number),
@@ -325,8 +324,8 @@ TEST_F(TypeNameTest, ArgumentsAreFoundBehindManyOtherChildren) {
 }
 
 TEST_F(TypeNameTest, ReferencesReadInwards) {
-    const DieLabel number, structure, constStructure, array, pointer, constPointer, packed, alias;
-    const DieLabel constNothing, declared, variable, unresolved;
+    const DieLabel number, structure, constStructure, array, pointer, constPointer, packed, alias,
+        constNothing, declared, variable, unresolved;
     NodeTree tree(Unit({
         Int(number),
         Die(DW_TAG_namespace, {Name("N")}, {Structure(structure, {Name("S"), ByteSize(4)})}),
