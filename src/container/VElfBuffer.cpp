@@ -1,13 +1,14 @@
 #include "container/VElfBuffer.h"
 
+#include "core/ConsoleOutput.h"
 #include "core/ErrorState.h"
 
 #include <cerrno>
 #include <cstddef>
 #include <cstring>
-#include <iostream>
 #include <limits>
 #include <new>
+#include <ostream>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -77,7 +78,7 @@ bool VElfBuffer::LoadFromStream(std::uint64_t filePosition, std::int32_t size) {
     const auto wanted = static_cast<std::size_t>(size);
     if (!isInsideFile || mInput.mFile.Read(mBuffer.get(), wanted) != wanted) {
         SetErrorState(ELFReadErrorEnum::ELFERR_READ_FAILED);
-        std::cout << "Failed to read file! Error Code " << errno;
+        ConsoleOutput() << "Failed to read file! Error Code " << errno;
         return false;
     }
     return true;

@@ -1,12 +1,13 @@
 // The ELF side of `VElfFile`: its header and its section table (System V ABI, chapters "ELF Header"
 // and "Sections").
 #include "container/VElfFile.h"
+#include "core/ConsoleOutput.h"
 #include "core/CutText.h"
 #include "core/ErrorState.h"
 
 #include <cstring>
-#include <iostream>
 #include <limits>
+#include <ostream>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -34,7 +35,7 @@ std::uint64_t GetWord(VElfBuffer& buffer, bool is64Bit) {
 bool VElfFile::ReadElfHeader() {
     if (const int systemError = OpenForReading(mPath); systemError != 0) {
         SetErrorState(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
-        std::cout << "Failed to open " << mPath << ": Error Code " << systemError;
+        ConsoleOutput() << "Failed to open " << mPath << ": Error Code " << systemError;
         return false;
     }
     VElfBuffer buffer(*this);

@@ -1,5 +1,6 @@
 #include "diagnostics/ElfLog.h"
 
+#include "core/ConsoleOutput.h"
 #include "core/FormatText.h"
 #include "core/VElfOptions.h"
 
@@ -10,7 +11,7 @@
 #include <cstddef>
 #include <ctime>
 #include <filesystem>
-#include <iostream>
+#include <ostream>
 #include <string_view>
 #include <system_error>
 
@@ -55,7 +56,7 @@ std::errc Open(std::ofstream& file, const std::string& name, const std::string& 
 }
 
 bool ReportFailedCreation(const std::string& name, std::errc error) {
-    std::cout << '\n'
+    ConsoleOutput() << '\n'
               << GetLogTimeStamp() << ": error_code='" << std::make_error_code(error).message()
               << "': Failed to create log file: '" << name << "' ";
     return false;

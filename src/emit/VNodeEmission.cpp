@@ -1,6 +1,7 @@
 #include "emit/VNodeEmission.h"
 
 #include "container/VElfFile.h"
+#include "core/ConsoleOutput.h"
 #include "core/Prefetch.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
@@ -10,7 +11,7 @@
 #include "nodes/VDebugInfoNodeStructures.h"
 
 #include <algorithm>
-#include <iostream>
+#include <ostream>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -337,7 +338,7 @@ void VNodeEmission::CreateObject(Frame& frame) {
     ++mObjectCount;
     if (object == 0) {
         node.SetDeliveryRefused();
-        std::cout << "Object ID = 0 (node-rec.: " << node.GetNodeRecord() << ")";
+        ConsoleOutput() << "Object ID = 0 (node-rec.: " << node.GetNodeRecord() << ")";
     }
 }
 

@@ -1,0 +1,27 @@
+#include "core/ConsoleOutput.h"
+
+#include <iostream>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+thread_local bool sIsSilent = false;
+
+} // namespace
+
+std::ostream& ConsoleOutput() {
+    // A stream without a buffer fails with the first write and takes nothing from then on.
+    thread_local std::ostream sNowhere(nullptr);
+    return sIsSilent ? sNowhere : std::cout;
+}
+
+ConsoleSilence::ConsoleSilence()
+    : mWasSilent(std::exchange(sIsSilent, true)) {}
+
+ConsoleSilence::~ConsoleSilence() {
+    sIsSilent = mWasSilent;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
