@@ -41,11 +41,13 @@ constexpr SectionName sSectionNames[] = {
 
 } // namespace
 
-VElfFile::VElfFile(const std::string& path, VDWARFReaderWrapper* reader)
+VElfFile::VElfFile(const std::string& path, VDWARFReaderWrapper* reader, FileContent content)
     : mFactory(std::make_unique<VCLIFactoryWrapper>())
     , mReader(reader)
     , mPath(path)
-    , mFileName(path, 0, sMaximumFileNameLength) {}
+    , mFileName(path, 0, sMaximumFileNameLength) {
+    mContent = std::move(content);
+}
 
 VElfFile::~VElfFile() = default;
 
@@ -80,6 +82,7 @@ bool VElfFile::AssignSection(std::string_view name, const Elf64_Shdr& section) {
 DataModel::ImageDescription VElfFile::DescribeImage(DWARFContainerType container) const {
     DataModel::ImageDescription image = mImage;
     image.path = mPath;
+    image.content = mContent;
     image.fileSize = static_cast<std::uint64_t>(mFileSize);
     image.container = container;
     image.byteOrder = mIsMSBData ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;

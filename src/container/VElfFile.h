@@ -38,7 +38,8 @@ class VDWARFReaderWrapper;
 class VElfFile : public VElfOptions, public VElfInput {
 public:
     /// Makes the factory of the file. The reader is borrowed and may be null.
-    VElfFile(const std::string& path, VDWARFReaderWrapper* reader);
+    /// @param content the file in memory, which the path then only names; null to open the path
+    VElfFile(const std::string& path, VDWARFReaderWrapper* reader, FileContent content = nullptr);
     ~VElfFile();
     VElfFile(const VElfFile&) = delete;
     VElfFile& operator=(const VElfFile&) = delete;

@@ -6,8 +6,8 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 bool VElfFile::ReadPEFileDwarfSections() {
-    const bool isRead = mPEImage.MapPEImage(mPath) && mPEImage.CopySectionRecords(*this) &&
-                        OpenForReading(mPath) == 0;
+    const bool isRead = mPEImage.MapPEImage(mPath, mContent) &&
+                        mPEImage.CopySectionRecords(*this) && OpenForReading(mPath) == 0;
     return isRead || Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
 }
 

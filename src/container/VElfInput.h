@@ -12,10 +12,13 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Input stream and target flags of one file.
 class VElfInput {
 public:
-    /// Opens the file and takes its length. Sets no error state.
+    /// Opens the file, or takes the one in memory if there is one, and takes its length. Sets no
+    /// error state.
     /// @return 0, or the system's error code
     int OpenForReading(const std::string& path);
 
+    /// The file in memory; null if it is read by its path.
+    FileContent mContent;
     VInputStream mFile;
     /// Length of the input file in bytes.
     std::int64_t mFileSize = 0;

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -28,9 +29,7 @@ int VInputStream::Open(const std::string& path) {
     if (std::filesystem::is_fifo(status)) {
         return ESPIPE;
     }
-    mStream.close();
-    mPosition = 0;
-    mWindow.clear();
+    Open(FileContent());
     errno = 0;
     mStream.open(path, std::ios::in | std::ios::binary);
     if (mStream.is_open()) {
@@ -39,7 +38,17 @@ int VInputStream::Open(const std::string& path) {
     return errno != 0 ? errno : EIO;
 }
 
+void VInputStream::Open(FileContent content) {
+    mStream.close();
+    mContent = std::move(content);
+    mPosition = 0;
+    mWindow.clear();
+}
+
 std::int64_t VInputStream::Length() {
+    if (mContent != nullptr) {
+        return static_cast<std::int64_t>(mContent->size());
+    }
     mStream.clear();
     mStream.seekg(0, std::ios::end);
     return mStream.tellg();
@@ -47,10 +56,13 @@ std::int64_t VInputStream::Length() {
 
 bool VInputStream::Seek(std::uint64_t filePosition) {
     mPosition = filePosition;
-    return mStream.is_open() && filePosition <= std::numeric_limits<std::int64_t>::max();
+    return IsOpen() && filePosition <= std::numeric_limits<std::int64_t>::max();
 }
 
 std::size_t VInputStream::Read(void* destination, std::size_t size) {
+    if (mContent != nullptr) {
+        return ReadContent(destination, size);
+    }
     if (size >= sWindowSize) {
         const std::size_t count = ReadFile(mPosition, destination, size);
         mPosition += count;
@@ -65,6 +77,15 @@ std::size_t VInputStream::Read(void* destination, std::size_t size) {
     const std::size_t count = std::min(size, mWindow.size() - static_cast<std::size_t>(start));
     std::copy_n(mWindow.begin() + static_cast<std::ptrdiff_t>(start), count,
                 static_cast<char*>(destination));
+    mPosition += count;
+    return count;
+}
+
+std::size_t VInputStream::ReadContent(void* destination, std::size_t size) {
+    const std::uint64_t start = std::min(mPosition, std::uint64_t{mContent->size()});
+    const std::size_t count = std::min(size, mContent->size() - static_cast<std::size_t>(start));
+    std::copy_n(mContent->begin() + static_cast<std::ptrdiff_t>(start), count,
+                static_cast<std::uint8_t*>(destination));
     mPosition += count;
     return count;
 }

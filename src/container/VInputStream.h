@@ -1,7 +1,10 @@
 // The stream behind an input file: positioned reads of bytes, and nothing else. It knows no format
 // and sets no error state; its users tell what a failure means. Small reads close to each other, as
-// the walk over unit headers makes them by the million, are served from one read of the file.
+// the walk over unit headers makes them by the million, are served from one read of the file. A
+// file that a host holds in memory is read where it lies.
 #pragma once
+
+#include "core/FileContent.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,6 +21,9 @@ public:
     /// opened, and so does a pipe, whose opening would wait for a writer.
     /// @return 0, or the system's error code
     int Open(const std::string& path);
+    /// Takes a file in memory in place of the one that was open.
+    /// @param content not null
+    void Open(FileContent content);
 
     /// Length of the file, -1 if the system doesn't tell it.
     std::int64_t Length();
@@ -30,10 +36,14 @@ public:
     std::size_t Read(void* destination, std::size_t size);
 
 private:
+    [[nodiscard]] bool IsOpen() const { return mContent != nullptr || mStream.is_open(); }
+    std::size_t ReadContent(void* destination, std::size_t size);
     std::size_t ReadFile(std::uint64_t filePosition, void* destination, std::size_t size);
     [[nodiscard]] bool WindowHolds(std::size_t size) const;
 
     std::ifstream mStream;
+    /// The file in memory, which is read instead of the stream; null if there is none.
+    FileContent mContent;
     /// File position of the next read.
     std::uint64_t mPosition = 0;
     /// Bytes of the file from `mWindowStart` on.

@@ -79,8 +79,9 @@ bool IsNameOffset(std::string_view name, std::uint32_t& offset) {
 
 } // namespace
 
-bool VPEImage::MapPEImage(const std::string& path) {
-    if (!mFile.Load(path)) {
+bool VPEImage::MapPEImage(const std::string& path, const FileContent& content) {
+    const bool isRead = content != nullptr ? mFile.Take(content) : mFile.Load(path);
+    if (!isRead) {
         return Fail(ELFReadErrorEnum::ELFERR_OPEN_FAILED);
     }
     if (!HasMark()) {

@@ -26,7 +26,8 @@ public:
     /// Reads the file and lists its sections; once in the life of the object. Errors:
     /// `ELFERR_OPEN_FAILED`; `ELFERR_FILE_TYPE` (no "MZ" at the start); `ELFERR_CORRUPTED` (the
     /// headers, or the name of a section, lie outside of the file).
-    bool MapPEImage(const std::string& path);
+    /// @param content the file in memory, in place of the one of the path; may be null
+    bool MapPEImage(const std::string& path, const FileContent& content = nullptr);
 
     /// Stores the sections that the reader knows in their fields of the file, and the image base if
     /// the image is a DLL. Always true.

@@ -8,8 +8,7 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 bool VWholeFile::Load(const std::string& path) {
-    mSize = 0;
-    mBytes.reset();
+    Take(nullptr);
     VInputStream stream;
     if (stream.Open(path) != 0) {
         return false;
@@ -24,8 +23,18 @@ bool VWholeFile::Load(const std::string& path) {
         mBytes.reset();
         return false;
     }
-    mSize = size;
+    mView = {mBytes.get(), size};
     return true;
+}
+
+bool VWholeFile::Take(FileContent content) {
+    mBytes.reset();
+    mContent = std::move(content);
+    mView = {};
+    if (mContent != nullptr) {
+        mView = *mContent;
+    }
+    return !mView.empty();
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -2,6 +2,8 @@
 // one whose file shrinks ends the process. It sets no error state.
 #pragma once
 
+#include "core/FileContent.h"
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -18,11 +20,17 @@ public:
     ///         into memory; there are no bytes then
     bool Load(const std::string& path);
 
-    [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return {mBytes.get(), mSize}; }
+    /// Takes a file in memory, in place of one that was read before.
+    /// @return false if it is null or has no content; there are no bytes then
+    bool Take(FileContent content);
+
+    [[nodiscard]] std::span<const std::uint8_t> Bytes() const { return mView; }
 
 private:
     std::unique_ptr<std::uint8_t[]> mBytes;
-    std::size_t mSize = 0;
+    FileContent mContent;
+    /// What of the two holds the file.
+    std::span<const std::uint8_t> mView;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -7,11 +7,12 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-DWARFContainerType DetectContainer(const std::string& file) {
+namespace {
+
+/// The container that begins so.
+DWARFContainerType ContainerOf(VInputStream& stream) {
     std::array<char, 4> bytes{};
-    VInputStream stream;
-    const bool isOpen = stream.Open(file) == 0 && stream.Seek(0);
-    const std::size_t count = isOpen ? stream.Read(bytes.data(), bytes.size()) : 0;
+    const std::size_t count = stream.Seek(0) ? stream.Read(bytes.data(), bytes.size()) : 0;
     const std::string_view start(bytes.data(), count);
     if (start.empty() || start == "\x7F"
                                   "ELF") {
@@ -19,6 +20,19 @@ DWARFContainerType DetectContainer(const std::string& file) {
     }
     return start.starts_with("MZ") ? DWARFContainerType::Container_PE
                                    : DWARFContainerType::Container_COFF;
+}
+
+} // namespace
+
+DWARFContainerType DetectContainer(const std::string& file) {
+    VInputStream stream;
+    return stream.Open(file) == 0 ? ContainerOf(stream) : DWARFContainerType::Container_ELF;
+}
+
+DWARFContainerType DetectContainer(const FileContent& content) {
+    VInputStream stream;
+    stream.Open(content);
+    return ContainerOf(stream);
 }
 
 std::string_view ContainerName(DWARFContainerType container) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../core/Export.h"
+#include "../core/FileContent.h"
 #include "../host/DWARFContainerType.h"
 
 #include <string>
@@ -13,6 +14,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// ELF by its magic number and PE by "MZ"; any other content is COFF, which has no magic number of
 /// its own. A file without content, or that can't be read, counts as ELF.
 BRINDLE_EXPORT DWARFContainerType DetectContainer(const std::string& file);
+/// The same for a file in memory, which must not be null.
+BRINDLE_EXPORT DWARFContainerType DetectContainer(const FileContent& content);
 
 /// The name of a container in short: "elf", "coff" or "pe".
 BRINDLE_EXPORT std::string_view ContainerName(DWARFContainerType container);

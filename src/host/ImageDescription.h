@@ -4,6 +4,7 @@
 #pragma once
 
 #include "../core/Export.h"
+#include "../core/FileContent.h"
 #include "../host/DWARFContainerType.h"
 
 #include <cstdint>
@@ -50,6 +51,8 @@ struct ImageSection {
 struct BRINDLE_EXPORT ImageDescription {
     /// Path of the file as the host gave it; empty before the first read.
     std::string path;
+    /// The file in memory, if the host gave it so; the path then only names it. Null otherwise.
+    Reader::DWARF::FileContent content;
     /// Length of the file in bytes.
     std::uint64_t fileSize = 0;
     /// As the host told the reader.

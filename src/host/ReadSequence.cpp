@@ -147,11 +147,21 @@ bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper
 } // namespace
 
 bool VDWARFReader::Read(const std::string& path, DWARFContainerType container) {
+    return ReadInput(path, nullptr, container);
+}
+
+bool VDWARFReader::Read(const FileContent& content, const std::string& name,
+                        DWARFContainerType container) {
+    return ReadInput(name, content, container);
+}
+
+bool VDWARFReader::ReadInput(const std::string& path, const FileContent& content,
+                             DWARFContainerType container) {
     VDWARFReaderWrapperBridge bridge(*this);
     VDWARFReaderWrapper wrapper(&bridge);
     char errorText[sErrorTextSize] = {};
     mRemarks = {};
-    if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, true, container)) {
+    if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, true, container, content)) {
         return true;
     }
     SignalError(sErrorSeverity, sReadFailedCode, "", errorText);
@@ -159,12 +169,13 @@ bool VDWARFReader::Read(const std::string& path, DWARFContainerType container) {
 }
 
 bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* errorText,
-                   std::int32_t errorTextSize, bool /*isHostCall*/, DWARFContainerType container) {
+                   std::int32_t errorTextSize, bool /*isHostCall*/, DWARFContainerType container,
+                   const FileContent& content) {
     VElfOptions::mGlobalVarInfoSource = 0;
     const DiagnosticsCloser diagnosticsCloser;
     StartLog(path);
     tag_alignment.clear();
-    VElfFile file(path, wrapper);
+    VElfFile file(path, wrapper, content);
     const bool result = RunPhases(container, file, wrapper);
     if (wrapper != nullptr) {
         wrapper->SetRemarks(file.mRemarks);

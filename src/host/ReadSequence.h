@@ -2,6 +2,7 @@
 // decides what of a file is read and in which order, and decodes nothing itself.
 #pragma once
 
+#include "core/FileContent.h"
 #include "host/DWARFContainerType.h"
 
 #include <cstdint>
@@ -18,8 +19,10 @@ class VElfFile;
 ///        bytes; untouched by a successful one
 /// @param errorTextSize size of the buffer in bytes
 /// @param isHostCall has no effect on the result
+/// @param content the file in memory, which the path then only names; null to open the path
 bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* errorText,
-                   std::int32_t errorTextSize, bool isHostCall, DWARFContainerType container);
+                   std::int32_t errorTextSize, bool isHostCall, DWARFContainerType container,
+                   const FileContent& content = nullptr);
 
 /// Opens the file and fills the section records from its container.
 bool _ReadElfAndSectionHeaders(DWARFContainerType container, VElfFile& file);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../core/Export.h"
+#include "../core/FileContent.h"
 #include "../core/ReadRemarks.h"
 #include "../host/DWARFContainerType.h"
 #include "../host/IProgressNotifier.h"
@@ -27,6 +28,14 @@ public:
     /// exception of a callback or of the data model passes through.
     /// @return true if the file was read to its end
     bool Read(const std::string& path, DWARFContainerType container);
+
+    /// Reads a file that the host holds in memory, like `Read` of its path. It is shared until the
+    /// read ends, and with a data model that keeps the description of the image as long as that.
+    /// @param content not null
+    /// @param name names the file in the description of the image and in messages; a log is written
+    ///     beside a file of this name
+    /// @return true if the file was read to its end
+    bool Read(const FileContent& content, const std::string& name, DWARFContainerType container);
 
     /// What the latest read passed over and why. Empty before the first read, and after one in the
     /// classic manner.
@@ -70,6 +79,9 @@ public:
     void Dispose();
 
 private:
+    bool ReadInput(const std::string& path, const FileContent& content,
+                   DWARFContainerType container);
+
     bool mReadAllTypes = false;
     ReadRemarks mRemarks;
 };

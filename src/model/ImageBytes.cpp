@@ -39,11 +39,17 @@ std::vector<std::uint8_t> ImageBytes::At(std::uint64_t address, std::uint64_t si
 
 bool ImageBytes::ReadFile(std::uint64_t filePosition, std::vector<std::uint8_t>& bytes,
                           std::size_t count) {
-    if (filePosition > mDescription.fileSize || count > mDescription.fileSize - filePosition ||
-        !Open()) {
+    if (filePosition > mDescription.fileSize || count > mDescription.fileSize - filePosition) {
         return false;
     }
     auto* const destination = reinterpret_cast<char*>(bytes.data());
+    if (mDescription.content != nullptr) {
+        std::memcpy(destination, mDescription.content->data() + filePosition, count);
+        return true;
+    }
+    if (!Open()) {
+        return false;
+    }
     if (count > sWindowSize) {
         return ReadDirectly(filePosition, destination, count);
     }

@@ -14,8 +14,8 @@ namespace Tessel::Norn::Brindle::DataModel {
 /// Longest run of bytes that the file doesn't hold which is answered: 256 MiB.
 inline constexpr std::uint64_t kLongestZeroRun = std::uint64_t{256} * 1024 * 1024;
 
-/// One image. The file is opened by the first question for bytes and stays open. Questions that
-/// walk through the memory are served from a window of the file.
+/// One image. The file is opened by the first question for bytes and stays open, unless it lies
+/// in memory. Questions that walk through the memory are served from a window of the file.
 class ImageBytes {
 public:
     ImageBytes() = default;
