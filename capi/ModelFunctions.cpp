@@ -1,6 +1,6 @@
 // The entries of the C interface that concern a model.
 #include "Calls.h"
-#include "ModelState.h"
+#include "ModelCalls.h"
 
 #include "model/LeafWalk.h"
 
@@ -12,7 +12,10 @@
 #include <utility>
 
 using namespace Tessel::Norn::Brindle;
+using CInterface::ForModel;
+using CInterface::GiveFound;
 using CInterface::GiveText;
+using CInterface::GiveValue;
 using CInterface::Guarded;
 using CInterface::ModelState;
 using CInterface::ModelTable;
@@ -66,15 +69,6 @@ bool IsWanted(brindle_kind wanted, const ModelObject& object) {
     return wanted == BRINDLE_KIND_ANY || wanted == KindOf(object.kind);
 }
 
-/// Runs `work`, which takes the state of the model and returns a status.
-template <typename Work>
-brindle_status ForModel(brindle_model model, Work&& work) {
-    return Guarded([&]() -> brindle_status {
-        const std::shared_ptr<ModelState> state = ModelTable::Instance().Find(model);
-        return state == nullptr ? BRINDLE_INVALID_HANDLE : work(*state);
-    });
-}
-
 /// Refuses a call whose arguments make no sense.
 brindle_status Refused(brindle_id* result) {
     if (result != nullptr) {
@@ -83,36 +77,7 @@ brindle_status Refused(brindle_id* result) {
     return BRINDLE_INVALID_ARGUMENT;
 }
 
-/// Gives out what `find` finds in the model: a number, or nothing.
-template <typename Value, typename Find>
-brindle_status GiveValue(brindle_model model, Value* value, Find&& find) {
-    if (value == nullptr) {
-        return BRINDLE_INVALID_ARGUMENT;
-    }
-    *value = 0;
-    return ForModel(model, [&](ModelState& state) -> brindle_status {
-        const std::optional<Value> found = find(std::as_const(state).Model());
-        *value = found.value_or(0);
-        return found ? BRINDLE_OK : BRINDLE_NOT_FOUND;
-    });
-}
-
-/// The same for a structure.
-template <typename Structure, typename Find>
-brindle_status GiveFound(brindle_model model, Structure* structure, Find&& find) {
-    if (!CInterface::GiveStructure(Structure{}, structure)) {
-        return BRINDLE_INVALID_ARGUMENT;
-    }
-    return ForModel(model, [&](ModelState& state) -> brindle_status {
-        const std::optional<Structure> found = find(std::as_const(state).Model());
-        if (found) {
-            CInterface::GiveStructure(*found, structure);
-        }
-        return found ? BRINDLE_OK : BRINDLE_NOT_FOUND;
-    });
-}
-
-/// The same for the text of an object.
+/// Gives out the text of an object.
 template <typename Write>
 brindle_status GiveObjectText(brindle_model model, brindle_id id, const TextTarget& target,
                               Write&& write) {
@@ -208,14 +173,6 @@ void WalkLeaves(const Model& model, brindle_id global, DataModel::LeafWalk& walk
     } catch (const WalkEnded&) {
         // What was left out until then is told like after a whole walk.
     }
-}
-
-DataModel::LeafLimits Limits(const brindle_leaf_limits& wanted) {
-    DataModel::LeafLimits limits;
-    limits.arrayElements =
-        wanted.array_elements == 0 ? limits.arrayElements : wanted.array_elements;
-    limits.leaves = wanted.leaves == 0 ? limits.leaves : wanted.leaves;
-    return limits;
 }
 
 } // namespace
@@ -400,7 +357,7 @@ brindle_status brindle_model_visit_leaves(brindle_model model, brindle_id global
         if (global != 0 && (variable.id == 0 || variable.kind != ObjectKind::Global)) {
             return BRINDLE_NOT_FOUND;
         }
-        DataModel::LeafWalk walk(data, Limits(wanted));
+        DataModel::LeafWalk walk(data, CInterface::LimitsOf(wanted.array_elements, wanted.leaves));
         WalkLeaves(data, global, walk, [&](std::string_view path, const Model::Place& place) {
             const brindle_text text = TextOf(path);
             const brindle_place description = Described(place);

@@ -7,8 +7,10 @@
 #include "model/DataModel.h"
 #include "model/QualifiedNameIndex.h"
 
+#include <cstdint>
 #include <mutex>
 #include <optional>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::CInterface {
 
@@ -18,6 +20,12 @@ class ModelState {
 public:
     DataModel::DataModel& Model() { return mModel; }
     [[nodiscard]] const DataModel::DataModel& Model() const { return mModel; }
+
+    /// Size in bytes of the first pointer type of the finished model; 0 if there is none.
+    std::uint64_t PointerSize();
+
+    /// See `DataModel::InitialBytes`, which one thread at a time may ask.
+    std::vector<std::uint8_t> InitialBytes(std::uint64_t address, std::uint64_t size);
 
     /// The index of the finished model, made with the first call.
     const DataModel::QualifiedNameIndex& Names() {
@@ -29,6 +37,10 @@ private:
     DataModel::DataModel mModel;
     std::once_flag mIsIndexed;
     std::optional<DataModel::QualifiedNameIndex> mNames;
+    std::once_flag mIsPointerSizeKnown;
+    std::uint64_t mPointerSize = 0;
+    /// Protects the open file of the image.
+    std::mutex mImageMutex;
 };
 
 using ModelTable = HandleTable<brindle_model, ModelState>;

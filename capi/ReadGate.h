@@ -2,7 +2,9 @@
 // that one read runs at a time and nothing changes these meanwhile.
 #pragma once
 
+#include <condition_variable>
 #include <mutex>
+#include <thread>
 
 namespace Tessel::Norn::Brindle::CInterface {
 
@@ -10,15 +12,29 @@ namespace Tessel::Norn::Brindle::CInterface {
 class ReadGate {
 public:
     /// Begins a read unless one runs.
-    ReadGate() {
-        const std::scoped_lock lock(sMutex);
+    ReadGate()
+        : ReadGate([] { return true; }) {}
+
+    /// Waits for the read that runs, then begins one. A callback of the read that runs would wait
+    /// for itself: there nothing waits.
+    /// @param isGivenUp tells whether to wait no longer; asked again after each `Wake`
+    template <typename GivenUp>
+    explicit ReadGate(GivenUp&& isGivenUp) {
+        std::unique_lock lock(sMutex);
+        if (sIsReading && sReader != std::this_thread::get_id()) {
+            sChange.wait(lock, [&] { return !sIsReading || isGivenUp(); });
+        }
         mIsOpen = !sIsReading;
-        sIsReading = true;
+        if (mIsOpen) {
+            sIsReading = true;
+            sReader = std::this_thread::get_id();
+        }
     }
     ~ReadGate() {
         if (mIsOpen) {
             const std::scoped_lock lock(sMutex);
             sIsReading = false;
+            sChange.notify_all();
         }
     }
     ReadGate(const ReadGate&) = delete;
@@ -28,6 +44,12 @@ public:
 
     /// False if another read ran; this one then must not begin.
     [[nodiscard]] bool IsOpen() const { return mIsOpen; }
+
+    /// Has those that wait look whether they are given up.
+    static void Wake() {
+        const std::scoped_lock lock(sMutex);
+        sChange.notify_all();
+    }
 
     /// Runs `work` on the state of the process, unless a read runs. No read begins meanwhile.
     /// @return what `work` returns, or `busy`
@@ -39,7 +61,10 @@ public:
 
 private:
     static inline std::mutex sMutex;
+    static inline std::condition_variable sChange;
     static inline bool sIsReading = false;
+    /// The thread of the read that runs.
+    static inline std::thread::id sReader;
     bool mIsOpen = false;
 };
 

@@ -6,23 +6,24 @@
 #include "TableDataModel.h"
 
 #include "core/VElfResourceManager.h"
-#include "host/ContainerDetection.h"
 
+#include <algorithm>
+#include <array>
 #include <memory>
-#include <optional>
 #include <string>
 
 using namespace Tessel::Norn::Brindle;
 using CInterface::GiveText;
 using CInterface::Guarded;
+using CInterface::Input;
 using CInterface::ModelState;
 using CInterface::ModelTable;
 using CInterface::Outcome;
 using CInterface::ReaderState;
 using CInterface::ReaderTable;
 using CInterface::ReadGate;
+using CInterface::TakeInput;
 using CInterface::TextTarget;
-using Reader::DWARF::DWARFContainerType;
 
 namespace {
 
@@ -45,35 +46,33 @@ brindle_status ForReader(brindle_reader reader, Work&& work) {
     });
 }
 
-/// What a host asks for with its number, or nothing if it has no meaning.
-std::optional<DWARFContainerType> ContainerOf(brindle_container container, const char* path) {
-    switch (container) {
-    case BRINDLE_CONTAINER_AUTO:
-        return Reader::DWARF::DetectContainer(path);
-    case BRINDLE_CONTAINER_ELF:
-    case BRINDLE_CONTAINER_COFF:
-    case BRINDLE_CONTAINER_PE:
-        return static_cast<DWARFContainerType>(container);
-    default:
-        return std::nullopt;
-    }
-}
-
-Outcome ReadInto(ReaderState& state, const char* path, brindle_container container,
-                 DataModel::Factory::HostDataModel& model) {
-    if (path == nullptr) {
-        return {BRINDLE_INVALID_ARGUMENT, "the path is null"};
-    }
-    const std::optional<DWARFContainerType> chosen = ContainerOf(container, path);
-    if (!chosen) {
-        return {BRINDLE_INVALID_ARGUMENT, "there is no container of this number"};
-    }
-    return state.Read(path, *chosen, model);
-}
-
 /// False where the read never began, so that there is nothing to keep of it.
 bool HasRead(brindle_status status) {
-    return status != BRINDLE_BUSY && status != BRINDLE_INVALID_ARGUMENT;
+    constexpr std::array refusals = {BRINDLE_BUSY, BRINDLE_INVALID_ARGUMENT, BRINDLE_NOT_FOUND,
+                                     BRINDLE_INVALID_VALUE};
+    return std::ranges::find(refusals, status) == refusals.end();
+}
+
+/// Reads into a model of the library, whose handle the host gets if the read began.
+Outcome ReadIntoModel(ReaderState& state, const Input& input, brindle_model* model) {
+    const auto modelState = std::make_shared<ModelState>();
+    // Before the read, so that nothing can fail once it has run.
+    brindle_model handle = ModelTable::Instance().Add(modelState);
+    Outcome outcome = state.Read(input, modelState->Model());
+    if (HasRead(outcome.status)) {
+        *model = handle;
+    } else {
+        ModelTable::Instance().Remove(handle);
+    }
+    return outcome;
+}
+
+brindle_input InputOf(const char* path, brindle_container container) {
+    brindle_input input = {};
+    input.struct_size = sizeof input;
+    input.path = path;
+    input.container = container;
+    return input;
 }
 
 } // namespace
@@ -149,6 +148,12 @@ brindle_status brindle_reader_set_callbacks(brindle_reader reader,
 
 brindle_status brindle_reader_read(brindle_reader reader, const char* path,
                                    brindle_container container, brindle_model* model) {
+    const brindle_input input = InputOf(path, container);
+    return brindle_reader_read_input(reader, &input, model);
+}
+
+brindle_status brindle_reader_read_input(brindle_reader reader, const brindle_input* input,
+                                         brindle_model* model) {
     if (model != nullptr) {
         *model = nullptr;
     }
@@ -156,28 +161,32 @@ brindle_status brindle_reader_read(brindle_reader reader, const char* path,
         if (model == nullptr) {
             return {BRINDLE_INVALID_ARGUMENT, "the place for the model is null"};
         }
-        const auto modelState = std::make_shared<ModelState>();
-        // Before the read, so that nothing can fail once it has run.
-        brindle_model handle = ModelTable::Instance().Add(modelState);
-        Outcome outcome = ReadInto(state, path, container, modelState->Model());
-        if (HasRead(outcome.status)) {
-            *model = handle;
-        } else {
-            ModelTable::Instance().Remove(handle);
-        }
-        return outcome;
+        Input taken;
+        Outcome outcome = TakeInput(input, taken);
+        return outcome.status == BRINDLE_OK ? ReadIntoModel(state, taken, model) : outcome;
     });
 }
 
 brindle_status brindle_reader_deliver(brindle_reader reader, const char* path,
                                       brindle_container container, const brindle_factory* factory) {
+    const brindle_input input = InputOf(path, container);
+    return brindle_reader_deliver_input(reader, &input, factory);
+}
+
+brindle_status brindle_reader_deliver_input(brindle_reader reader, const brindle_input* input,
+                                            const brindle_factory* factory) {
     return ForReader(reader, [&](ReaderState& state) -> Outcome {
         brindle_factory known = {};
         if (!CInterface::TakeStructure(factory, known)) {
             return {BRINDLE_INVALID_ARGUMENT, "the factory is null or has no size"};
         }
+        Input taken;
+        Outcome outcome = TakeInput(input, taken);
+        if (outcome.status != BRINDLE_OK) {
+            return outcome;
+        }
         CInterface::TableDataModel model(known, state.IsCancelled());
-        return ReadInto(state, path, container, model);
+        return state.Read(taken, model);
     });
 }
 

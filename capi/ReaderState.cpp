@@ -3,6 +3,7 @@
 #include "ReadGate.h"
 #include "TableDataModel.h"
 
+#include "core/ConsoleOutput.h"
 #include "core/HostText.h"
 #include "host/CurrentDataModel.h"
 #include "host/VDWARFReader.h"
@@ -14,7 +15,6 @@
 namespace Tessel::Norn::Brindle::CInterface {
 
 using Contract::Interfaces::ErrorSeverity;
-using Reader::DWARF::DWARFContainerType;
 using Reader::DWARF::VDWARFReader;
 
 namespace {
@@ -101,17 +101,31 @@ void ReaderState::SetRemarks(Reader::DWARF::ReadRemarks remarks) {
     mRemarks = std::move(remarks);
 }
 
-Outcome ReaderState::Read(const std::string& path, DWARFContainerType container,
-                          DataModel::Factory::HostDataModel& model) {
-    const ReadGate gate;
+void ReaderState::Cancel() {
+    ++mCancelCount;
+    mIsCancelled = true;
+    ReadGate::Wake();
+}
+
+Outcome ReaderState::Read(const Input& input, DataModel::Factory::HostDataModel& model) {
+    const std::uint64_t cancelCount = mCancelCount;
+    const auto isGivenUp = [&] { return !input.waits || mCancelCount != cancelCount; };
+    const ReadGate gate(isGivenUp);
     if (!gate.IsOpen()) {
-        return {BRINDLE_BUSY};
+        return {mCancelCount != cancelCount ? BRINDLE_CANCELLED : BRINDLE_BUSY};
     }
+    mIsCancelled = mCancelCount != cancelCount;
+    return ReadAlone(input, model);
+}
+
+Outcome ReaderState::ReadAlone(const Input& input, DataModel::Factory::HostDataModel& model) {
     const DataModel::Factory::CurrentDataModel current(model);
-    mIsCancelled = false;
     SetRemarks({});
+    const Reader::DWARF::ConsoleSilence silence;
     try {
-        return RunRead(path, container);
+        SettingScope settings;
+        Outcome outcome = settings.Set(input.settings);
+        return outcome.status == BRINDLE_OK ? RunRead(input) : outcome;
     } catch (const ReadCancelled&) {
         return {BRINDLE_CANCELLED};
     } catch (const std::bad_alloc&) {
@@ -123,7 +137,7 @@ Outcome ReaderState::Read(const std::string& path, DWARFContainerType container,
     }
 }
 
-Outcome ReaderState::RunRead(const std::string& path, DWARFContainerType container) {
+Outcome ReaderState::RunRead(const Input& input) {
     VDWARFReader reader;
     brindle_callbacks callbacks = {};
     {
@@ -132,7 +146,9 @@ Outcome ReaderState::RunRead(const std::string& path, DWARFContainerType contain
         callbacks = mCallbacks;
     }
     const CallbackBridge bridge(reader, callbacks, mIsCancelled);
-    const bool isRead = reader.Read(path, container);
+    const bool isRead = input.content != nullptr
+                            ? reader.Read(input.content, input.path, input.container)
+                            : reader.Read(input.path, input.container);
     SetRemarks(reader.GetRemarks());
     if (isRead) {
         return {};

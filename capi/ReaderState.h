@@ -3,25 +3,20 @@
 #pragma once
 
 #include "HandleTable.h"
+#include "Input.h"
 #include "brindle.h"
 
 #include "core/ReadRemarks.h"
-#include "host/DWARFContainerType.h"
 #include "host/HostDataModel.h"
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
 
 namespace Tessel::Norn::Brindle::CInterface {
-
-/// How a call ended, with a text where the status alone says too little.
-struct Outcome {
-    brindle_status status = BRINDLE_OK;
-    std::string text = {};
-};
 
 /// May be used on any thread.
 class ReaderState {
@@ -29,13 +24,13 @@ public:
     void SetReadAllTypes(bool readAllTypes);
     void SetCallbacks(const brindle_callbacks& callbacks);
 
-    /// Reads a file and delivers it, unless a read runs in the process. Whatever the read throws
-    /// ends here.
-    Outcome Read(const std::string& path, Reader::DWARF::DWARFContainerType container,
-                 DataModel::Factory::HostDataModel& model);
+    /// Reads a file and delivers it, unless a read runs in the process and the input doesn't wait
+    /// for it. Whatever the read throws ends here.
+    Outcome Read(const Input& input, DataModel::Factory::HostDataModel& model);
 
-    /// Makes the read that runs throw `ReadCancelled` with its next callback or delivered object.
-    void Cancel() { mIsCancelled = true; }
+    /// Makes the read that runs throw `ReadCancelled` with its next callback or delivered object,
+    /// and those that wait wait no longer.
+    void Cancel();
     /// The flag that a data model of this reader looks at.
     [[nodiscard]] const std::atomic<bool>& IsCancelled() const { return mIsCancelled; }
 
@@ -46,7 +41,8 @@ public:
 
 private:
     void SetRemarks(Reader::DWARF::ReadRemarks remarks);
-    Outcome RunRead(const std::string& path, Reader::DWARF::DWARFContainerType container);
+    Outcome ReadAlone(const Input& input, DataModel::Factory::HostDataModel& model);
+    Outcome RunRead(const Input& input);
 
     /// Protects all members below; not held during a read.
     mutable std::mutex mMutex;
@@ -56,6 +52,8 @@ private:
     Reader::DWARF::ReadRemarks mRemarks;
 
     std::atomic<bool> mIsCancelled = false;
+    /// Counts the calls of `Cancel`: one that came before a read began to wait is not for it.
+    std::atomic<std::uint64_t> mCancelCount = 0;
 };
 
 using ReaderTable = HandleTable<brindle_reader, ReaderState>;

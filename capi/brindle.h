@@ -35,7 +35,7 @@
  * holds them. They must return: an exception or a longjmp must not leave them. A host that can't go
  * on calls brindle_reader_cancel and returns 0.
  *
- * The reader itself writes a line to standard output when a file can't be opened or read.
+ * Nothing that is called here writes to the host's standard output.
  */
 #ifndef BRINDLE_H
 #define BRINDLE_H
@@ -122,7 +122,9 @@ enum {
 /** @name Library */
 /** @{ */
 
-/** Number of the interface of this header. It grows with each addition. */
+/** Number of the interface of this header. It grows with each addition; what came after 1 says
+ * since which number it is there. A host that must run with an older library asks
+ * brindle_interface_version first. */
 #define BRINDLE_INTERFACE_VERSION 2
 
 /** BRINDLE_INTERFACE_VERSION as the loaded library was built. */
@@ -259,6 +261,40 @@ BRINDLE_C_API brindle_status brindle_reader_set_callbacks(brindle_reader reader,
  */
 BRINDLE_C_API brindle_status brindle_reader_read(brindle_reader reader, const char* path,
                                                  brindle_container container, brindle_model* model);
+
+/** The value of an option for one read. */
+typedef struct brindle_setting {
+    /** As brindle_option_set takes it; must not be null. */
+    const char* name;
+    /** As brindle_option_set takes it; must not be null. */
+    const char* value;
+} brindle_setting;
+
+/** What one read is asked for. Since interface 2. */
+typedef struct brindle_input {
+    size_t struct_size;
+    /** Goes to the system unchanged. Beside `bytes` it only names the file, and may be null. */
+    const char* path;
+    /** The content of the file in memory, which is copied; null to open the path. */
+    const void* bytes;
+    size_t byte_count;
+    /** BRINDLE_CONTAINER_AUTO where nothing else is known; 0 is ELF. */
+    brindle_container container;
+    /** If a read runs in the process: wait for its end, rather than refuse this one with
+     * BRINDLE_BUSY. brindle_reader_cancel ends the wait. A callback of the read that runs would
+     * wait for itself: there it is refused all the same. */
+    brindle_bool waits;
+    /** Options that hold for this read alone, and its list's length. One that doesn't exist is told
+     * by BRINDLE_NOT_FOUND, a wrong value by BRINDLE_INVALID_VALUE, and nothing is read. */
+    const brindle_setting* settings;
+    size_t setting_count;
+} brindle_input;
+
+/** As brindle_reader_read, from memory too, with options of its own, and waiting for other reads if
+ * told so. Since interface 2. */
+BRINDLE_C_API brindle_status brindle_reader_read_input(brindle_reader reader,
+                                                       const brindle_input* input,
+                                                       brindle_model* model);
 
 /** What a remark is about. */
 typedef int32_t brindle_remark_kind;
@@ -498,6 +534,11 @@ typedef struct brindle_factory {
 BRINDLE_C_API brindle_status brindle_reader_deliver(brindle_reader reader, const char* path,
                                                     brindle_container container,
                                                     const brindle_factory* factory);
+
+/** As brindle_reader_deliver, for what brindle_reader_read_input takes. Since interface 2. */
+BRINDLE_C_API brindle_status brindle_reader_deliver_input(brindle_reader reader,
+                                                          const brindle_input* input,
+                                                          const brindle_factory* factory);
 
 /** @} */
 /**
@@ -794,6 +835,161 @@ BRINDLE_C_API brindle_status brindle_model_visit_leaves(brindle_model model, bri
                                                         const brindle_leaf_limits* limits,
                                                         brindle_leaf_visitor visitor,
                                                         void* user_data, brindle_leaf_cuts* cuts);
+
+/** @} */
+/**
+ * @name Rows
+ * Variables or leaves in blocks of columns: for hosts that want many, and pay for each call. Since
+ * interface 2.
+ */
+/** @{ */
+
+/** A walk over a model, which it keeps alive. A number, not an address. */
+typedef struct brindle_rows_handle* brindle_rows;
+
+/** What is wanted. */
+typedef struct brindle_row_choice {
+    size_t struct_size;
+    /** True for a row for each variable, false for a row for each leaf. */
+    brindle_bool variables;
+    /** The variables that are wanted, in this order; null for all, in the order of delivery.
+     * Copied.
+     */
+    const brindle_id* globals;
+    size_t global_count;
+    /** Elements of each array, over all its dimensions; 0 for the usual 1000. */
+    uint64_t array_elements;
+    /** Leaves of the whole walk; 0 for the usual 1000000. */
+    uint64_t leaves;
+} brindle_row_choice;
+
+/** A number of rows, column by column. */
+typedef struct brindle_row_block {
+    size_t struct_size;
+    /** Length of each column. */
+    size_t count;
+    /** The variable of a row. */
+    const brindle_id* globals;
+    const brindle_id* types;
+    const uint64_t* addresses;
+    /** In bytes; of a bit field that of its storage unit. */
+    const uint64_t* sizes;
+    /** Position of a bit field in its storage unit, in bits. */
+    const uint32_t* bit_offsets;
+    /** Width of a bit field in bits; 0 for anything else. */
+    const uint64_t* bit_sizes;
+    /** Where the path of a row begins in `paths`. It ends with a null character. */
+    const size_t* path_starts;
+    /** All paths, one behind the other, each with its null character. */
+    const char* paths;
+    /** Length of `paths` in bytes. */
+    size_t path_bytes;
+} brindle_row_block;
+
+/**
+ * Begins a walk. The host destroys it.
+ *
+ * @param choice null for all leaves with the usual limits
+ * @return BRINDLE_NOT_FOUND if one of the wanted identifiers is no variable
+ */
+BRINDLE_C_API brindle_status brindle_rows_create(brindle_model model,
+                                                 const brindle_row_choice* choice,
+                                                 brindle_rows* rows);
+
+/**
+ * The next rows of a walk; BRINDLE_NOT_FOUND behind the last. A block ends with the last row of a
+ * variable.
+ *
+ * @param wanted how many rows at least, 0 for the usual number
+ * @param block its columns are valid until the next call for this walk
+ */
+BRINDLE_C_API brindle_status brindle_rows_next(brindle_rows rows, size_t wanted,
+                                               brindle_row_block* block);
+
+/** What the walk left out so far. */
+BRINDLE_C_API brindle_status brindle_rows_cuts(brindle_rows rows, brindle_leaf_cuts* cuts);
+
+/** Destroys a walk. Null is destroyed without effect. */
+BRINDLE_C_API brindle_status brindle_rows_destroy(brindle_rows rows);
+
+/** @} */
+/**
+ * @name Images
+ * What the file that was read says of itself. Since interface 2.
+ */
+/** @{ */
+
+/** Order of the bytes of a number in the target's memory. */
+typedef int32_t brindle_byte_order;
+enum { BRINDLE_LITTLE_ENDIAN = 0, BRINDLE_BIG_ENDIAN = 1 };
+
+/** The file and its target. */
+typedef struct brindle_image {
+    size_t struct_size;
+    /** As the host gave it; valid as long as the model. */
+    brindle_text path;
+    /** Length of the file in bytes. */
+    uint64_t file_size;
+    brindle_container container;
+    brindle_byte_order byte_order;
+    /** Width of an address in bytes by the class of the file: 4 or 8. */
+    int32_t address_size;
+    /** Size in bytes of the first pointer type that the file tells of; address_size if it tells of
+     * none. */
+    int32_t pointer_size;
+    /** e_machine of ELF, the target id of TI COFF, the machine of PE. */
+    int32_t machine;
+    /** False for an object file, which has no addresses and no sections here. */
+    brindle_bool is_linked;
+    /** The target counts memory in words of 16 bits. Addresses and sizes are in bytes even so. */
+    brindle_bool is_word_addressed;
+    size_t section_count;
+} brindle_image;
+
+/** What a section holds. */
+typedef int32_t brindle_section_kind;
+enum {
+    BRINDLE_SECTION_CODE = 0,
+    /** Constants. */
+    BRINDLE_SECTION_READ_ONLY_DATA = 1,
+    BRINDLE_SECTION_DATA = 2,
+    /** The file has no bytes of it. */
+    BRINDLE_SECTION_ZERO = 3
+};
+
+/** A section that lies in the target's memory. */
+typedef struct brindle_section {
+    size_t struct_size;
+    /** Valid as long as the model. */
+    brindle_text name;
+    /** Of the first byte. */
+    uint64_t address;
+    /** In memory, in bytes. */
+    uint64_t size;
+    /** Where its bytes lie in the file. */
+    uint64_t file_position;
+    /** Bytes that the file has of it, at most `size`; what is missing at the end is zero. */
+    uint64_t file_size;
+    brindle_section_kind kind;
+} brindle_section;
+
+/** What the headers of the file say. All is 0 and empty if they could not be read. */
+BRINDLE_C_API brindle_status brindle_model_image(brindle_model model, brindle_image* image);
+
+/** A section by its index, from 0, in the order of their addresses. */
+BRINDLE_C_API brindle_status brindle_model_section(brindle_model model, size_t index,
+                                                   brindle_section* section);
+
+/**
+ * The bytes that the image gives a stretch of the target's memory when the program starts. A file
+ * that was read by its path is opened again for them.
+ *
+ * @param bytes receives `size` bytes
+ * @return BRINDLE_NOT_FOUND, with `bytes` unchanged, if no one section holds the whole stretch, for
+ *     more than 256 MiB of zeros, or if the file is gone or has changed in length
+ */
+BRINDLE_C_API brindle_status brindle_model_initial_bytes(brindle_model model, uint64_t address,
+                                                         void* bytes, size_t size);
 
 /** @} */
 

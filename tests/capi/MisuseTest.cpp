@@ -59,6 +59,9 @@ struct ReaderCall {
 
 std::vector<ReaderCall> ReaderCalls() {
     static const auto sFactory = Sized<brindle_factory>();
+    static auto sInput = Sized<brindle_input>();
+    sInput.path = "none";
+    static brindle_model sModel = nullptr;
     const auto read = [](brindle_reader reader) {
         auto* model = std::bit_cast<brindle_model>(std::uintptr_t{1});
         const brindle_status status =
@@ -73,6 +76,8 @@ std::vector<ReaderCall> ReaderCalls() {
             READER_CALL(set_read_all_types, 1),
             READER_CALL(set_callbacks, nullptr),
             READER_CALL(deliver, "none", BRINDLE_CONTAINER_ELF, &sFactory),
+            READER_CALL(read_input, &sInput, &sModel),
+            READER_CALL(deliver_input, &sInput, &sFactory),
             READER_CALL(remark_at, 0, nullptr, nullptr, 0, nullptr),
             READER_CALL(cancel)};
 }
@@ -117,7 +122,17 @@ std::vector<ModelCall> ObjectCalls() {
 
 /// All other questions.
 std::vector<ModelCall> WholeModelCalls() {
-    return {MODEL_CALL(object_count, Into<std::uint64_t>()),
+    const auto rows = [](brindle_model model, brindle_id /*id*/) {
+        brindle_rows walk = nullptr;
+        const brindle_status status = brindle_rows_create(model, nullptr, &walk);
+        brindle_rows_destroy(walk);
+        return status;
+    };
+    return {{rows, "rows_create"},
+            MODEL_CALL(image, Into<brindle_image>()),
+            MODEL_CALL(section, 0, Into<brindle_section>()),
+            MODEL_CALL(initial_bytes, 0x20000000, gText.data(), 1),
+            MODEL_CALL(object_count, Into<std::uint64_t>()),
             MODEL_CALL(next_of_kind, BRINDLE_KIND_ANY, 0, Into<brindle_id>()),
             MODEL_CALL(find, "speed", BRINDLE_KIND_GLOBAL, 0, Into<brindle_id>()),
             MODEL_CALL(resolve_path, "speed", 0, Into<brindle_place>()),

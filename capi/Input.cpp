@@ -1,0 +1,93 @@
+#include "Input.h"
+
+#include "Calls.h"
+
+#include "core/OptionTable.h"
+#include "host/ContainerDetection.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <ranges>
+#include <variant>
+
+namespace Tessel::Norn::Brindle::CInterface {
+
+using Reader::DWARF::DWARFContainerType;
+using Reader::DWARF::OptionDescription;
+
+namespace {
+
+/// What a host asks for with its number, or nothing if it has no meaning.
+std::optional<DWARFContainerType> ContainerOf(brindle_container container, const Input& input) {
+    switch (container) {
+    case BRINDLE_CONTAINER_AUTO:
+        return input.content != nullptr ? Reader::DWARF::DetectContainer(input.content)
+                                        : Reader::DWARF::DetectContainer(input.path);
+    case BRINDLE_CONTAINER_ELF:
+    case BRINDLE_CONTAINER_COFF:
+    case BRINDLE_CONTAINER_PE:
+        return static_cast<DWARFContainerType>(container);
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+Outcome TakeInput(const brindle_input* given, Input& input) {
+    brindle_input known = {};
+    if (!TakeStructure(given, known)) {
+        return {BRINDLE_INVALID_ARGUMENT, "the input is null or has no size"};
+    }
+    if (known.path == nullptr && known.bytes == nullptr) {
+        return {BRINDLE_INVALID_ARGUMENT, "the path is null"};
+    }
+    input.path = known.path != nullptr ? known.path : "";
+    if (known.bytes != nullptr) {
+        const auto* const bytes = static_cast<const std::uint8_t*>(known.bytes);
+        input.content =
+            std::make_shared<const std::vector<std::uint8_t>>(bytes, bytes + known.byte_count);
+    }
+    const std::optional<DWARFContainerType> container = ContainerOf(known.container, input);
+    if (!container) {
+        return {BRINDLE_INVALID_ARGUMENT, "there is no container of this number"};
+    }
+    input.container = *container;
+    input.waits = known.waits != 0;
+    for (std::size_t index = 0; index < known.setting_count; ++index) {
+        if (known.settings == nullptr || known.settings[index].name == nullptr ||
+            known.settings[index].value == nullptr) {
+            return {BRINDLE_INVALID_ARGUMENT, "a setting has no name or no value"};
+        }
+        input.settings.emplace_back(known.settings[index].name, known.settings[index].value);
+    }
+    return {};
+}
+
+SettingScope::~SettingScope() {
+    for (const auto& putBack : std::views::reverse(mPutBack)) {
+        putBack();
+    }
+}
+
+Outcome SettingScope::Set(const std::vector<std::pair<std::string, std::string>>& settings) {
+    for (const auto& [name, value] : settings) {
+        const OptionDescription* const option = Reader::DWARF::FindOption(name);
+        if (option == nullptr) {
+            return {BRINDLE_NOT_FOUND, "there is no option '" + name + "'"};
+        }
+        std::visit(
+            [this](auto* variable) {
+                mPutBack.emplace_back([variable, former = *variable] { *variable = former; });
+            },
+            option->variable);
+        if (!Reader::DWARF::AssignOption(*option, value)) {
+            return {BRINDLE_INVALID_VALUE,
+                    "'" + value + "' is no value of the option '" + name + "'"};
+        }
+    }
+    return {};
+}
+
+} // namespace Tessel::Norn::Brindle::CInterface
