@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the missing ones of the Debian packages that a purpose needs; without an argument, those that
 # build the library and the program. Purposes: "tests" for building and running the tests and benchmarks;
-# "checks" for the formatting, clang-tidy and cppcheck; "samples" for the cross compilers that rebuild the
+# "checks" for the formatting, clang-tidy, cppcheck and mypy; "samples" for the cross compilers that rebuild the
 # sample images; "docs" for the reference; "report" for the browser that the tests of the report drive;
 # "bench" for the big images and the tools that brindle is measured beside; "fuzz" for the compiler that
 # has libFuzzer.
@@ -17,6 +17,7 @@ tests=(
     binutils gdb-multiarch pkgconf python3 python3-jsonschema
     fish zsh
     mono-mcs mono-runtime
+    python3-pip-whl python3-pytest python3-setuptools python3-wheel
 )
 case "${1:-}" in
 "") ;;
@@ -39,7 +40,7 @@ fuzz)
     packages+=("${tests[@]}" clang-14 libclang-rt-14-dev llvm-14)
     ;;
 checks)
-    packages+=("${tests[@]}" clang-format-14 clang-tidy-14 cppcheck)
+    packages+=("${tests[@]}" clang-format-14 clang-tidy-14 cppcheck mypy)
     ;;
 bench)
     packages+=("${tests[@]}" gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

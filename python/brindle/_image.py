@@ -1,0 +1,169 @@
+"""What was read of one file."""
+
+from __future__ import annotations
+
+from types import TracebackType
+from typing import Iterator, List, NamedTuple, Optional, Tuple, Type as ClassOf
+
+from . import _model
+from ._errors import MemoryGapError
+from ._model import Model
+from ._places import Leaves, Place, Variable, Variables
+from ._types import Types
+
+_CONTAINERS = ("elf", "coff", "pe")
+_SECTION_KINDS = ("code", "read-only data", "data", "zero")
+
+
+class Section(NamedTuple):
+    """A section that lies in the target's memory."""
+
+    name: str
+    address: int
+    size: int
+    # "code", "read-only data", "data", or "zero" for one of which the file has no bytes.
+    kind: str
+    # Where its bytes lie in the file, and how many the file has; what is missing at the end is zero.
+    file_position: int
+    file_size: int
+
+
+class CompileUnit(NamedTuple):
+    """A source file that was compiled, and the variables that are local to it."""
+
+    name: str
+    variables: Tuple[Variable, ...]
+
+
+class Image:
+    """An image: its target, sections, variables and types. Everything is looked up when it is asked for.
+
+    `with` closes it, and so does the end of its last use; what was made of it and is still held keeps
+    the library's model alive until `close`.
+    """
+
+    def __init__(self, model: Model) -> None:
+        self._model = model
+
+    @property
+    def path(self) -> str:
+        """As it was given to `read`."""
+        return self._model.image_path
+
+    @property
+    def container(self) -> str:
+        """"elf", "coff" or "pe"."""
+        return _CONTAINERS[self._model.image.container]
+
+    @property
+    def byte_order(self) -> str:
+        """"little" or "big", as int.from_bytes takes it."""
+        return self._model.byte_order
+
+    @property
+    def address_size(self) -> int:
+        """Width of an address in bytes by the class of the file: 4 or 8."""
+        return int(self._model.image.address_size)
+
+    @property
+    def pointer_size(self) -> int:
+        """Size of a pointer in bytes: that of the first one in the file, or else `address_size`."""
+        return int(self._model.image.pointer_size)
+
+    @property
+    def machine(self) -> int:
+        """The number of the target: e_machine of ELF, the target id of TI COFF, the machine of PE."""
+        return int(self._model.image.machine)
+
+    @property
+    def is_linked(self) -> bool:
+        """False for an object file, which has no addresses yet."""
+        return bool(self._model.image.is_linked)
+
+    @property
+    def is_word_addressed(self) -> bool:
+        """The target counts memory in words of 16 bits. Addresses and sizes are in bytes even so."""
+        return bool(self._model.image.is_word_addressed)
+
+    @property
+    def sections(self) -> Tuple[Section, ...]:
+        """Those that lie in the target's memory, by ascending address."""
+        return tuple(
+            Section(str(section.name), section.address, section.size, _SECTION_KINDS[section.kind],
+                    section.file_position, section.file_size)
+            for section in self._model.sections())
+
+    @property
+    def units(self) -> Iterator[CompileUnit]:
+        """The compile units."""
+        for identifier in self._model.identifiers_of_kind(_model.KIND_COMPILE_UNIT):
+            variables = tuple(Variable(self._model, row.id)
+                              for row in self._model.objects_in(identifier)
+                              if row.kind == _model.KIND_GLOBAL)
+            yield CompileUnit(self._model.object(identifier).name, variables)
+
+    @property
+    def variables(self) -> Variables:
+        """All variables with a static address."""
+        return Variables(self._model)
+
+    @property
+    def types(self) -> Types:
+        """All types."""
+        return Types(self._model)
+
+    def __getitem__(self, path: str) -> Place:
+        """The place that a path such as "motor.pid[2].gain" names: a variable by its qualified name, or
+        else by its name alone, then members and elements. Pointers are not followed. Raises PathError,
+        which tells how far the path leads."""
+        return Place(self._model, path, self._model.resolve(path))
+
+    def __contains__(self, path: object) -> bool:
+        return isinstance(path, str) and bool(self.places(path))
+
+    def places(self, path: str) -> List[Place]:
+        """The places of a path for each variable of its name, since those of static variables may recur;
+        empty if it leads nowhere."""
+        try:
+            first = self._model.resolve(path)
+        except LookupError:
+            return []
+        rest = [self._model.resolve(path, index) for index in range(1, first.candidates)]
+        return [Place(self._model, path, row) for row in (first, *rest)]
+
+    def leaves(self, pattern: Optional[str] = None, *, array_elements: int = 1000,
+               limit: int = 1_000_000) -> Leaves:
+        """The variables taken apart into what has no parts.
+
+        pattern: which paths are wanted, with `*` for any characters and `?` for one; it may also fit what
+        follows a "::". One that fits the name of a variable takes all of its leaves.
+        array_elements: how many elements of each array are visited.
+        limit: how many leaves are visited in all. `Leaves.is_complete` tells whether any were left out.
+        """
+        return Leaves(self._model, pattern, None, array_elements, limit)
+
+    def initial_bytes(self, address: int, size: int) -> Optional[bytes]:
+        """The bytes that a stretch of the target's memory has when the program starts; None where the
+        image doesn't say. A file that was read by its path is opened again for them."""
+        return self._model.initial_bytes(address, size)
+
+    def read_memory(self, address: int, size: int) -> bytes:
+        """As initial_bytes, but raises MemoryGapError: what makes an image a memory."""
+        content = self._model.initial_bytes(address, size)
+        if content is None:
+            raise MemoryGapError(f"the image has no {size} bytes at {address:#x}")
+        return content
+
+    def close(self) -> None:
+        """Gives the memory back. What was made of the image raises ClosedError from then on."""
+        self._model.close()
+
+    def __enter__(self) -> Image:
+        return self
+
+    def __exit__(self, kind: Optional[ClassOf[BaseException]], error: Optional[BaseException],
+                 trace: Optional[TracebackType]) -> None:
+        self.close()
+
+    def __repr__(self) -> str:
+        return f"<Image {self.path!r}>"

@@ -1,0 +1,171 @@
+"""Bytes of memory to values. A decoder is made once for each type of an image and called once for each
+value."""
+
+from __future__ import annotations
+
+import struct
+from typing import Any, Callable, Dict, List, Optional, Tuple, Union
+
+from . import _model
+from ._model import Model, ObjectRow
+
+# What bytes become: numbers and truth values for scalars and pointers, EnumValue for enums, a list for an
+# array (of lists, if it has several dimensions), a dict for a structure or union, and the bytes
+# themselves where nothing is known of their meaning.
+Value = Union[int, float, bool, bytes, List[Any], Dict[str, Any]]
+Decoder = Callable[[bytes], Value]
+
+_DEEPEST_NESTING = 100
+
+_SIGNED = frozenset((2, 4, 8, 11, 13, 15))
+_UNSIGNED = frozenset((3, 5, 9, 12, 14, 16))
+_FLOATS = {(18, 2): "e", (6, 4): "f", (10, 8): "d"}
+_BOOL = 7
+
+
+class EnumValue(int):
+    """A number that an enum holds, with the name that it has there."""
+
+    name: Optional[str]
+
+    def __new__(cls, value: int, name: Optional[str]) -> EnumValue:
+        made = super().__new__(cls, value)
+        made.name = name
+        return made
+
+    def __str__(self) -> str:
+        return self.name if self.name is not None else int.__repr__(self)
+
+    def __repr__(self) -> str:
+        return f"<{self.name or '?'}: {int.__repr__(self)}>"
+
+    def __getnewargs__(self) -> Tuple[int, Optional[str]]:  # type: ignore[override]
+        return int(self), self.name
+
+
+def decoder_of(model: Model, identifier: int, depth: int = 0) -> Decoder:
+    """What turns the bytes of a type into its value."""
+    known = model.decoders.get(identifier)
+    if known is None:
+        row = model.object(model.without_typedefs(identifier))
+        makers: Dict[int, Callable[[Model, ObjectRow, int], Decoder]] = {
+            _model.KIND_BASE: _scalar,
+            _model.KIND_POINTER: _scalar,
+            _model.KIND_ENUM: _enum,
+            _model.KIND_ARRAY: _array,
+            _model.KIND_CLASS: _structure,
+            _model.KIND_STRUCT: _structure,
+            _model.KIND_UNION: _structure,
+        }
+        maker = makers.get(row.kind) if depth < _DEEPEST_NESTING else None
+        known = maker(model, row, depth) if maker is not None else bytes
+        model.decoders[identifier] = known
+    return known
+
+
+def bits_decoder_of(model: Model, identifier: int, bit_offset: int, bit_size: int) -> Decoder:
+    """What turns the bytes of a storage unit into the value of a bit field in it."""
+    byte_order: Any = model.byte_order
+    mask = (1 << bit_size) - 1
+    row = model.object(model.without_typedefs(identifier))
+    finish: Callable[[int], Value] = int
+    if row.kind == _model.KIND_ENUM:
+        finish = _named(model, row)
+        row = model.object(model.without_typedefs(row.type))
+    elif row.basic_type == _BOOL:
+        finish = bool
+    sign = 1 << (bit_size - 1) if bit_size and row.basic_type in _SIGNED else 0
+
+    def decode(content: bytes) -> Value:
+        number = int.from_bytes(content, byte_order) >> bit_offset & mask
+        return finish((number ^ sign) - sign)
+
+    return decode
+
+
+def _scalar(model: Model, row: ObjectRow, _depth: int) -> Decoder:
+    byte_order: Any = model.byte_order
+    basic_type = row.basic_type
+    code = _FLOATS.get((basic_type, row.size))
+    if code is not None:
+        layout = struct.Struct((">" if byte_order == "big" else "<") + code)
+        return lambda content: layout.unpack(content)[0]  # type: ignore[no-any-return]
+    if basic_type == _BOOL:
+        return lambda content: any(content)
+    if basic_type in _SIGNED:
+        return lambda content: int.from_bytes(content, byte_order, signed=True)
+    if basic_type in _UNSIGNED or row.kind == _model.KIND_POINTER:
+        return lambda content: int.from_bytes(content, byte_order)
+    return bytes
+
+
+def _named(model: Model, row: ObjectRow) -> Callable[[int], Value]:
+    names: Dict[int, str] = {}
+    for name, value in model.enumerators(row):
+        names.setdefault(value, name)
+        # The table has 32 bits with sign: what a larger unsigned enum holds stands there as negative.
+        names.setdefault(value & 0xFFFFFFFF, name)
+    return lambda number: EnumValue(number, names.get(number))
+
+
+def _enum(model: Model, row: ObjectRow, depth: int) -> Decoder:
+    finish = _named(model, row)
+    size = model.size_of(row.id)
+    underlying = model.object(model.without_typedefs(row.type))
+    if underlying.kind != _model.KIND_BASE or size not in (1, 2, 4, 8):
+        byte_order: Any = model.byte_order
+        return lambda content: finish(int.from_bytes(content, byte_order, signed=True))
+    number = decoder_of(model, underlying.id, depth + 1)
+    return lambda content: finish(number(content))  # type: ignore[arg-type]
+
+
+def rest_decoder_of(model: Model, identifier: int, indexed_dimensions: int) -> Decoder:
+    """What turns the bytes of a part of an array, of which some dimensions have their index, into its
+    value."""
+    return _array(model, model.object(model.without_typedefs(identifier)), 0, indexed_dimensions)
+
+
+def _array(model: Model, row: ObjectRow, depth: int, indexed_dimensions: int = 0) -> Decoder:
+    element = decoder_of(model, row.type, depth + 1)
+    stride = model.element_stride(row.id)
+    size = model.size_of(row.type) or stride
+    inner = [count for count in model.dimensions(row)[indexed_dimensions + 1 :] if count]
+
+    def decode(content: bytes) -> Value:
+        values: List[Any] = []
+        if stride:
+            values = [element(content[start : start + size])
+                      for start in range(0, len(content) - size + 1, stride)]
+        for count in reversed(inner):
+            values = [values[start : start + count] for start in range(0, len(values), count)]
+        return values
+
+    return decode
+
+
+def _structure(model: Model, row: ObjectRow, depth: int) -> Decoder:
+    parts: List[Tuple[str, int, int, Decoder]] = []
+    if row.kind != _model.KIND_UNION:
+        for base, offset in model.base_classes(row):
+            parts.append(("", offset, model.size_of(base), decoder_of(model, base, depth + 1)))
+    for member in model.objects_in(row.id):
+        if member.kind not in _model.MEMBER_KINDS:
+            continue
+        if member.kind == _model.KIND_BIT_FIELD:
+            decode_member = bits_decoder_of(
+                model, member.type, member.bit_offset, member.bit_size)
+        else:
+            decode_member = decoder_of(model, member.type, depth + 1)
+        parts.append((member.name, member.offset, model.size_of(member.type), decode_member))
+
+    def decode(content: bytes) -> Value:
+        values: Dict[str, Any] = {}
+        for name, offset, size, decode_part in parts:
+            value = decode_part(content[offset : offset + size])
+            if name:
+                values[name] = value
+            elif isinstance(value, dict):
+                values.update(value)
+        return values
+
+    return decode

@@ -1,0 +1,113 @@
+"""Reading: what may be given, how it fails, what a running read means for another."""
+
+import gc
+import threading
+import weakref
+
+import brindle
+import pytest
+
+NAME = "arm-c-dwarf4-O0.elf"
+
+
+def test_a_content_is_read_like_its_path(images):
+    path = images / NAME
+    content = path.read_bytes()
+    expected = brindle.read(path)
+    for source in (str(path), content, bytearray(content), memoryview(content)):
+        with brindle.read(source, name="unpacked.elf") as image:
+            assert len(image.variables) == len(expected.variables) > 20
+            assert image.sections == expected.sections
+            assert image.initial_bytes(image["motors"].address, 4) is not None
+    assert image.path == "unpacked.elf"
+
+
+def test_a_failed_read_has_the_readers_text_and_what_came_before(images, tmp_path):
+    missing = tmp_path / "fehlt-ü.elf"
+    with pytest.raises(brindle.ReadError, match="Open"):
+        brindle.read(missing)
+    broken = tmp_path / "broken.elf"
+    broken.write_bytes((images / "arm-c-dwarf4-O2-nosymtab.elf").read_bytes())
+    with pytest.raises(brindle.ReadError, match="strtab") as failure:
+        brindle.read(broken)
+    assert len(failure.value.image.variables) > 10
+
+
+def test_options_hold_for_one_read(images):
+    modern = images / "full" / "arm-c-O0.elf"
+    for manner in ({}, {"options": {"mIsFullReading": False}}, {"full": True}):
+        if manner.get("full"):
+            assert list(brindle.read(modern, **manner).leaves("motors*.gain"))
+        else:
+            with pytest.raises(brindle.ReadError, match="DWARF"):
+                brindle.read(modern, **manner)
+    for options in ({"mNothing": 1}, {"mIsFullReading": "much"}):
+        with pytest.raises(brindle.OptionError, match=next(iter(options))):
+            brindle.read(modern, options=options)
+    with pytest.raises(ValueError, match="container"):
+        brindle.read(modern, container="zip")
+
+
+def test_all_types_are_read_where_they_are_wanted(images):
+    some, every = (len(list(brindle.read(images / NAME, all_types=flag).types))
+                   for flag in (False, True))
+    assert 0 < some < every
+
+
+def test_progress_is_told_and_may_end_the_read(images):
+    told = []
+    brindle.read(images / NAME, progress=lambda phase, share: told.append((phase, share)))
+    assert any(phase for phase, _ in told)
+    assert all(0 <= share <= 1 for _, share in told)
+
+    def interrupt(phase, share):
+        raise KeyboardInterrupt
+
+    with pytest.raises(KeyboardInterrupt):
+        brindle.read(images / NAME, progress=interrupt)
+    assert len(brindle.read(images / NAME).variables) > 20
+
+
+def test_a_second_read_is_refused_or_waits(images):
+    path = images / NAME
+    results = []
+
+    def second(wait):
+        try:
+            results.append(len(brindle.read(path, wait=wait).variables))
+        except brindle.BusyError as error:
+            results.append(str(error))
+
+    waiting = threading.Thread(target=second, args=[True])
+
+    def meanwhile(phase, share):
+        if not results:
+            refused = threading.Thread(target=second, args=[False])
+            refused.start()
+            refused.join()
+            waiting.start()
+
+    image = brindle.read(path, progress=meanwhile)
+    waiting.join()
+    assert "wait=True" in results[0]
+    assert results[1:] == [len(image.variables)]
+
+
+def test_a_closed_image_says_so_and_an_unused_one_goes(images):
+    image = brindle.read(images / NAME)
+    place, leaves = image["motors"], image.leaves()
+    with image:
+        pass
+    for question in (lambda: image["motors"], lambda: place.type.size, lambda: next(iter(leaves)),
+                     lambda: image.variables["motors"]):
+        with pytest.raises(brindle.ClosedError):
+            question()
+
+    image = brindle.read(images / NAME)
+    model = weakref.ref(image._model)
+    kept = image["motors"].type
+    del image
+    assert kept.size > 0, "what is held keeps its model"
+    del kept
+    gc.collect()
+    assert model() is None

@@ -1,0 +1,100 @@
+"""Bytes to values."""
+
+import json
+import pickle
+import shutil
+import struct
+import subprocess
+
+import brindle
+import pytest
+
+ASK_GDB = """
+import gdb, json
+values = {}
+for path in json.load(open(PATHS)):
+    value = gdb.parse_and_eval(path)
+    code = value.type.strip_typedefs().code
+    values[path] = float(value) if code == gdb.TYPE_CODE_FLT else int(value)
+print(json.dumps(values))
+"""
+
+
+@pytest.mark.parametrize("name", ["arm-c-dwarf4-O0.elf", "powerpc-c-dwarf2-O0.elf",
+                                  "x86_64-c-dwarf4-O0.elf"])
+def test_initial_values_are_those_that_gdb_prints(images, tmp_path, name):
+    gdb = shutil.which("gdb-multiarch")
+    assert gdb, "scripts/install-packages.sh installs it"
+    values = {}
+    with brindle.read(images / name, full=True) as image:
+        for leaf in image.leaves():
+            # gdb finds statics of functions by other names.
+            if "::" not in leaf.path and image.initial_bytes(leaf.address, leaf.size) is not None:
+                values[leaf.path] = leaf.value_of(image)
+    values = {path: value for path, value in values.items() if not isinstance(value, bytes)}
+    assert len(values) > 150
+    paths, script = tmp_path / "paths.json", tmp_path / "ask.py"
+    paths.write_text(json.dumps(list(values)))
+    script.write_text(ASK_GDB.replace("PATHS", repr(str(paths))))
+    done = subprocess.run([gdb, "-batch", "-nx", "-x", script, images / name],
+                          stdout=subprocess.PIPE, encoding="utf-8", check=True)
+    expected = json.loads(done.stdout.splitlines()[-1])
+    for path, value in values.items():
+        if isinstance(value, brindle.EnumValue):
+            # Where an enum has no type, nothing tells whether it has a sign.
+            assert (int(value) - expected[path]) % (1 << 32) == 0, path
+        else:
+            assert value == expected[path], path
+
+
+def test_a_dump_becomes_values(image):
+    motors = image["motors"]
+    dump = bytearray(motors.size)
+    gain, phase, mode = (image[f"motors[1].{path}"]
+                         for path in ("loops[0].gain", "status.phase", "status.mode"))
+    for place in (gain, phase, mode):
+        assert place.variable == image.variables["motors"]
+    struct.pack_into("<f", dump, gain.address - motors.address, 2.5)
+    struct.pack_into("<I", dump, phase.address - motors.address, 0xABC << phase.bit_offset)
+    memory = brindle.Memory(dump, address=motors.address)
+    assert gain.value_of(memory) == 2.5
+    assert phase.value_of(memory) == 0xABC
+    whole = motors.value_of(memory)
+    assert len(whole) == 3 and whole[1]["loops"][0]["gain"] == 2.5
+    assert whole[1]["status"]["phase"] == 0xABC
+    assert image["motors[1]"].value_of(memory) == whole[1]
+    assert {leaf.path: leaf.value_of(memory) for leaf in image.leaves("motors")}[phase.path] == 0xABC
+    with pytest.raises(brindle.MemoryGapError, match="no 4 bytes"):
+        image["machine_word"].value_of(memory)
+    with pytest.raises(ValueError, match="4 bytes"):
+        gain.decode(b"abc")
+
+
+def test_signs_and_names(image):
+    source = image["main_supply.source"]
+    mains = source.decode(struct.pack("<H", 300))
+    assert (mains, mains.name, str(mains)) == (300, "SUPPLY_MAINS", "SUPPLY_MAINS")
+    assert pickle.loads(pickle.dumps(mains)).name == "SUPPLY_MAINS"
+    unnamed = source.decode(struct.pack("<H", 7))
+    assert (unnamed, unnamed.name, str(unnamed)) == (7, None, "7")
+
+    trim, mode = image["motors[0].status.trim"], image["motors[0].status.mode"]
+    ones = b"\xff" * trim.size
+    assert trim.decode(ones) == -1
+    assert mode.decode(b"\xff" * mode.size).name == "MODE_FAULT"
+    assert image["motors[0].status.enabled"].decode(
+        b"\xff" * image["motors[0].status.enabled"].size) is True
+    stop = next(found for found in image.types
+                if isinstance(found, brindle.EnumType)
+                and any(name == "ALARM_STOP" for name, _ in found.enumerators))
+    assert stop.size == 4
+
+
+def test_later_stretches_of_memory_hide_earlier_ones():
+    memory = brindle.Memory(b"0123456789", address=100)
+    memory.add(104, b"ab")
+    assert memory.read_memory(104, 2) == b"ab"
+    assert memory.read_memory(103, 3) == b"345"
+    for address, size in ((99, 1), (108, 3), (200, 1)):
+        with pytest.raises(brindle.MemoryGapError):
+            memory.read_memory(address, size)
