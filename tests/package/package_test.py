@@ -79,7 +79,8 @@ def compile_with_pkg_config(source, program):
 
 def setUpModule():
     shutil.rmtree(WORK, ignore_errors=True)
-    run("cmake", "--install", BUILD, "--component", "library", "--prefix", PREFIX)
+    for component in ("runtime", "development"):
+        run("cmake", "--install", BUILD, "--component", component, "--prefix", PREFIX)
 
 
 class InstalledLibraryTest(unittest.TestCase):
@@ -120,9 +121,35 @@ class InstalledLibraryTest(unittest.TestCase):
         run("cmake", "-S", EXAMPLES.parent / "c", "-B", folder, "-G", "Ninja",
             f"-DCMAKE_PREFIX_PATH={PREFIX}", f"-DCMAKE_EXE_LINKER_FLAGS={FLAGS}")
         run("cmake", "--build", folder)
+        self.assert_finds_a_variable(folder / "find_variable")
+
+    def assert_finds_a_variable(self, host):
         row = program_rows("find", IMAGES[0], "motors[1].loops[0].gain")[0]
-        self.assertEqual(run(folder / "find_variable", IMAGES[0], row["name"]),
+        self.assertEqual(run(host, IMAGES[0], row["name"]),
                          f"{row['address']} {row['size']} bytes, {row['type']}\n")
+
+    def test_projects_in_c_alone_take_the_static_library(self):
+        folder = WORK / "examples-c-static"
+        run("cmake", "-S", EXAMPLES.parent / "c", "-B", folder, "-G", "Ninja",
+            f"-DCMAKE_PREFIX_PATH={PREFIX}", f"-DCMAKE_EXE_LINKER_FLAGS={FLAGS}",
+            "-DBUILD_SHARED_LIBS=OFF")
+        run("cmake", "--build", folder)
+        self.assertFalse([name for name in needed_libraries(folder / "find_variable")
+                          if "brindle" in name])
+        self.assert_finds_a_variable(folder / "find_variable")
+
+        # An installation without the shared library.
+        prefix = WORK / "static-prefix"
+        shutil.copytree(PREFIX, prefix, symlinks=True, dirs_exist_ok=True)
+        for library in prefix.rglob("libbrindle.so*"):
+            library.unlink()
+        pkg_config = next(prefix.rglob("brindle.pc")).parent
+        flags = run("pkg-config", "--static", "--cflags", "--libs", "brindle",
+                    env={**os.environ, "PKG_CONFIG_PATH": str(pkg_config)})
+        host = WORK / "find_variable_static"
+        run("cc", "-std=c99", EXAMPLES.parent / "c" / "find_variable.c", *shlex.split(flags),
+            *shlex.split(FLAGS), "-o", host)
+        self.assert_finds_a_variable(host)
 
     def test_a_project_without_shared_libraries_gets_the_static_one(self):
         folder = WORK / "static-examples"
