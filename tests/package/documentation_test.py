@@ -10,7 +10,8 @@ import re
 import unittest
 
 SOURCE = pathlib.Path(os.environ["BRINDLE_SOURCE"])
-PAGES = ["README.md", "docs/hosting.md", "docs/data-model.md", "docs/options.md"]
+PAGES = ["README.md", "docs/hosting.md", "docs/data-model.md", "docs/options.md",
+         "docs/python.md"]
 BLOCK = re.compile(r"^```(cpp|cmake|c|csharp)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
 
@@ -25,7 +26,7 @@ def contains(lines, part):
 class DocumentationTest(unittest.TestCase):
     def test_code_blocks_are_excerpts_of_the_examples(self):
         folder = SOURCE / "examples"
-        examples = {"cpp": folder.glob("cpp/*.cpp"), "cmake": folder.glob("cpp/CMakeLists.txt"),
+        examples = {"cpp": folder.glob("cpp/*.cpp"), "cmake": folder.glob("*/CMakeLists.txt"),
                     "c": folder.glob("c/*.c"), "csharp": folder.glob("managed/*.cs")}
         examples = {language: [significant_lines(path.read_text()) for path in paths]
                     for language, paths in examples.items()}
