@@ -3,6 +3,7 @@
 #include "Message.h"
 #include "NearNames.h"
 #include "OptionList.h"
+#include "ProgramVersion.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 #include "Terminal.h"
@@ -60,8 +61,7 @@ std::string UnknownCommandProblem(const CLI::App& program, const std::string& ar
 CommandLine::CommandLine()
     : mProgram("Reads the symbols of a firmware image and prints them.", "brindle") {
     mProgram.set_help_flag("-h,--help", "Print this help and exit");
-    mProgram.set_version_flag("-V,--version", "brindle " BRINDLE_VERSION,
-                              "Print the version and exit");
+    mProgram.set_version_flag("-V,--version", ProgramVersion(), "Print the version and exit");
     mProgram.add_flag_callback(
         "--list-options", [this] { mChosenAction = ListReaderOptions; },
         "List the options of the reader, which --set takes");

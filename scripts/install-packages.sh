@@ -4,7 +4,7 @@
 # "checks" for the formatting, clang-tidy, cppcheck and mypy; "samples" for the cross compilers that rebuild the
 # sample images; "docs" for the reference; "report" for the browser that the tests of the report drive;
 # "bench" for the big images and the tools that brindle is measured beside; "fuzz" for the compiler that
-# has libFuzzer.
+# has libFuzzer; "packages" for making Debian packages.
 set -euo pipefail
 
 packages=(
@@ -41,6 +41,9 @@ fuzz)
     ;;
 checks)
     packages+=("${tests[@]}" clang-format-14 clang-tidy-14 cppcheck mypy)
+    ;;
+packages)
+    packages+=(dpkg-dev lintian)
     ;;
 bench)
     packages+=("${tests[@]}" gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)

@@ -57,8 +57,9 @@ std::errc Open(std::ofstream& file, const std::string& name, const std::string& 
 
 bool ReportFailedCreation(const std::string& name, std::errc error) {
     ConsoleOutput() << '\n'
-              << GetLogTimeStamp() << ": error_code='" << std::make_error_code(error).message()
-              << "': Failed to create log file: '" << name << "' ";
+                    << GetLogTimeStamp() << ": error_code='"
+                    << std::make_error_code(error).message() << "': Failed to create log file: '"
+                    << name << "' ";
     return false;
 }
 

@@ -169,7 +169,7 @@ class UsageTest(ProgramTest):
                          self.run_program("vars", file, "--format", "json"))
 
     def test_version_is_a_name_and_three_numbers(self):
-        self.assertRegex(self.run_program("--version")[0], r"\Abrindle \d+\.\d+\.\d+\n\Z")
+        self.assertRegex(self.run_program("--version")[0], r"\Abrindle \d+\.\d+\.\d+( \([0-9a-f]+(-dirty)?\))?\n\Z")
 
 
 class ReportTest(ProgramTest):

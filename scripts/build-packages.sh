@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Makes the Debian packages of program and library and holds them against Debian's rules:
+# build/packages/packages/*.deb.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install-packages.sh packages
+# The prefix decides where Debian has its libraries.
+cmake --preset program -B build/packages -DCMAKE_INSTALL_PREFIX=/usr >&2
+cmake --build build/packages >&2
+rm -rf build/packages/packages
+cpack --config build/packages/CPackConfig.cmake >&2
+# The first upload to Debian would close the bug that asks for the package: there is none.
+lintian --fail-on error,warning --suppress-tags initial-upload-closes-no-bugs \
+    build/packages/packages/*.deb >&2
+ls build/packages/packages/*.deb
