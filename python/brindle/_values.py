@@ -161,6 +161,8 @@ def _structure(model: Model, row: ObjectRow, depth: int) -> Decoder:
     def decode(content: bytes) -> Value:
         values: Dict[str, Any] = {}
         for name, offset, size, decode_part in parts:
+            if offset + size > len(content):
+                continue
             value = decode_part(content[offset : offset + size])
             if name:
                 values[name] = value

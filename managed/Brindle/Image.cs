@@ -1,0 +1,204 @@
+// What was read of one file.
+using System;
+using System.Collections.Generic;
+using System.Linq;
+
+namespace Brindle
+{
+    /// <summary>A section that lies in the target's memory.</summary>
+    public sealed class Section
+    {
+        static readonly string[] kinds = { "code", "read-only data", "data", "zero" };
+
+        internal Section(NativeSection row)
+        {
+            Name = row.Name.ToString();
+            Address = row.Address;
+            Size = row.Size;
+            Kind = kinds[row.Kind];
+        }
+
+        /// <summary>Its name.</summary>
+        public string Name { get; }
+
+        /// <summary>Of the first byte.</summary>
+        public ulong Address { get; }
+
+        /// <summary>In bytes.</summary>
+        public ulong Size { get; }
+
+        /// <summary>"code", "read-only data", "data", or "zero" for one of which the file has no
+        /// bytes.</summary>
+        public string Kind { get; }
+    }
+
+    /// <summary>An image: its target, sections, variables and types. Everything is looked up when it is
+    /// asked for, on any thread.</summary>
+    public sealed class Image : IDisposable, IMemory
+    {
+        static readonly string[] containers = { "elf", "coff", "pe" };
+
+        readonly Model model;
+
+        internal Image(Model model)
+        {
+            this.model = model;
+        }
+
+        /// <summary>Reads an ELF, TI-COFF or PE file.</summary>
+        /// <exception cref="ReadException">It could not be read to its end.</exception>
+        public static Image Read(string path, ReadOptions options = null)
+        {
+            return new ReadRun(options ?? new ReadOptions()).Read(path, null);
+        }
+
+        /// <summary>Reads a file that lies in memory.</summary>
+        /// <exception cref="ReadException">It could not be read to its end.</exception>
+        public static Image Read(byte[] content, ReadOptions options = null)
+        {
+            options = options ?? new ReadOptions();
+            return new ReadRun(options).Read(options.Name ?? "", content);
+        }
+
+        /// <summary>As it was given.</summary>
+        public string Path
+        {
+            get { return model.Path; }
+        }
+
+        /// <summary>"elf", "coff" or "pe".</summary>
+        public string Container
+        {
+            get { return containers[model.Image.Container]; }
+        }
+
+        /// <summary>Order of the bytes of a number in the target's memory.</summary>
+        public bool IsBigEndian
+        {
+            get { return model.IsBigEndian; }
+        }
+
+        /// <summary>Width of an address in bytes by the class of the file: 4 or 8.</summary>
+        public int AddressSize
+        {
+            get { return model.Image.AddressSize; }
+        }
+
+        /// <summary>Size of a pointer in bytes: that of the first one in the file, or else the
+        /// AddressSize.</summary>
+        public int PointerSize
+        {
+            get { return model.Image.PointerSize; }
+        }
+
+        /// <summary>The number of the target: e_machine of ELF, the target id of TI COFF, the machine of
+        /// PE.</summary>
+        public int Machine
+        {
+            get { return model.Image.Machine; }
+        }
+
+        /// <summary>Those that lie in the target's memory, by ascending address.</summary>
+        public IReadOnlyList<Section> Sections
+        {
+            get
+            {
+                return Enumerable.Range(0, (int)model.Image.SectionCount)
+                    .Select(index => new Section(model.Section(index)))
+                    .ToList();
+            }
+        }
+
+        /// <summary>The names of the compile units.</summary>
+        public IEnumerable<string> Units
+        {
+            get
+            {
+                return model.IdsOfKind(Kind.CompileUnit)
+                    .Select(id => model.Object(id).Name.ToString());
+            }
+        }
+
+        /// <summary>All variables with a static address.</summary>
+        public Variables Variables
+        {
+            get { return new Variables(model); }
+        }
+
+        /// <summary>All types.</summary>
+        public IEnumerable<DataType> Types
+        {
+            get
+            {
+                return model.IdsOfKind(Kind.Any)
+                    .Select(id => DataType.Of(model, id))
+                    .Where(type => type != null);
+            }
+        }
+
+        /// <summary>The place that a path such as "motor.pid[2].gain" names: a variable by its qualified
+        /// name, or else by its name alone, then members and elements. Pointers are not
+        /// followed.</summary>
+        /// <exception cref="PathException">It leads nowhere; the text tells how far it leads.</exception>
+        public PathPlace this[string path]
+        {
+            get { return new PathPlace(model, path, model.Resolve(path)); }
+        }
+
+        /// <summary>The places of a path for each variable of its name, since those of static variables
+        /// may recur; none if it leads nowhere.</summary>
+        public IReadOnlyList<PathPlace> Places(string path)
+        {
+            var places = new List<PathPlace>();
+            NativePlace place;
+            while (model.TryResolve(path, places.Count, out place))
+            {
+                places.Add(new PathPlace(model, path, place));
+            }
+            return places;
+        }
+
+        /// <summary>The variables taken apart into what has no parts.</summary>
+        /// <param name="pattern">which paths are wanted, with * for any characters and ? for one; it may
+        /// also fit what follows a "::". One that fits the name of a variable takes all of its leaves. Null
+        /// for all.</param>
+        /// <param name="arrayElements">how many elements of each array are visited</param>
+        /// <param name="limit">how many leaves are visited in all</param>
+        public IEnumerable<Leaf> Leaves(string pattern = null, ulong arrayElements = 1000,
+                                        ulong limit = 1000000)
+        {
+            if (pattern != null)
+            {
+                return new PathFilter(pattern).Leaves(model, arrayElements, limit);
+            }
+            return RowBlock.Walk(model, false, null, arrayElements, limit)
+                .SelectMany(block => Enumerable.Range(0, block.Count),
+                            (block, index) => new Leaf(block, index));
+        }
+
+        /// <summary>The bytes that a stretch of the target's memory has when the program starts; null
+        /// where the image doesn't say.</summary>
+        public byte[] InitialBytes(ulong address, ulong size)
+        {
+            return model.InitialBytes(address, size);
+        }
+
+        /// <inheritdoc/>
+        public byte[] ReadMemory(ulong address, ulong size)
+        {
+            byte[] bytes = model.InitialBytes(address, size);
+            if (bytes == null)
+            {
+                throw new MemoryGapException(address, size);
+            }
+            return bytes;
+        }
+
+        /// <summary>Gives the memory back. What was made of the image throws ObjectDisposedException from
+        /// then on.</summary>
+        public void Dispose()
+        {
+            model.Close();
+        }
+    }
+}

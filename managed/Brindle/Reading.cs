@@ -1,0 +1,200 @@
+// Reading a file.
+using System;
+using System.Collections.Generic;
+using System.Runtime.ExceptionServices;
+using System.Runtime.InteropServices;
+
+namespace Brindle
+{
+    /// <summary>How a file is read.</summary>
+    public sealed class ReadOptions
+    {
+        /// <summary>Read in the full manner, which knows DWARF 5 and addresses of 64 bits. Otherwise the
+        /// manner is that of the library.</summary>
+        public bool Full { get; set; }
+
+        /// <summary>Read types that no variable uses too.</summary>
+        public bool AllTypes { get; set; }
+
+        /// <summary>If another thread reads, wait for its end, rather than throw
+        /// BusyException.</summary>
+        public bool Wait { get; set; }
+
+        /// <summary>Of a content, for messages.</summary>
+        public string Name { get; set; }
+
+        /// <summary>Options of the reader by their names, for this read alone.</summary>
+        public IDictionary<string, string> Settings { get; } = new Dictionary<string, string>();
+
+        /// <summary>Takes what the reader does at present and how far it has come with it, from 0 to 1.
+        /// What it throws ends the read and is thrown there.</summary>
+        public Action<string, double> Progress { get; set; }
+    }
+
+    // One read, with a reader of the library of its own.
+    sealed class ReadRun
+    {
+        const int AnyContainer = -1;
+
+        readonly ReadOptions options;
+        readonly List<IntPtr> texts = new List<IntPtr>();
+        IntPtr reader;
+        ExceptionDispatchInfo failure;
+        string phase = "";
+        int start;
+        int length = 1;
+
+        public ReadRun(ReadOptions options)
+        {
+            this.options = options;
+        }
+
+        public Image Read(string path, byte[] content)
+        {
+            if (Native.brindle_interface_version() < Native.OldestInterface)
+            {
+                throw new BrindleException("the native library is too old");
+            }
+            GCHandle pinned = GCHandle.Alloc(content ?? new byte[1], GCHandleType.Pinned);
+            GCHandle settings = GCHandle.Alloc(Settings(), GCHandleType.Pinned);
+            try
+            {
+                var input = new NativeInput {
+                    StructSize = Native.SizeOf<NativeInput>(), Path = Text(path),
+                    Bytes = content != null ? Address(pinned, content.Length) : IntPtr.Zero,
+                    ByteCount = (UIntPtr)(content != null ? content.Length : 0),
+                    Container = AnyContainer, Waits = options.Wait ? 1 : 0,
+                    Settings = settings.AddrOfPinnedObject(),
+                    SettingCount = (UIntPtr)((Array)settings.Target).Length
+                };
+                return Read(ref input);
+            }
+            finally
+            {
+                settings.Free();
+                pinned.Free();
+                texts.ForEach(Marshal.FreeHGlobal);
+            }
+        }
+
+        Image Read(ref NativeInput input)
+        {
+            Native.Check(Native.brindle_reader_create(out reader));
+            // The delegates have to live as long as the library may call them.
+            var callbacks = new NativeCallbacks {
+                StructSize = Native.SizeOf<NativeCallbacks>(), SetProgressText = OnText,
+                SetProgressInterval = OnInterval, SetProgressValue = OnValue
+            };
+            try
+            {
+                Native.Check(Native.brindle_reader_set_read_all_types(reader, options.AllTypes ? 1 : 0));
+                Native.Check(Native.brindle_reader_set_callbacks(reader, ref callbacks));
+                IntPtr model;
+                int status = Native.brindle_reader_read_input(reader, ref input, out model);
+                Image image = model != IntPtr.Zero ? new Image(new Model(model)) : null;
+                if (failure != null)
+                {
+                    failure.Throw();
+                }
+                if (status != Native.Ok)
+                {
+                    throw Failure(status, image);
+                }
+                return image;
+            }
+            finally
+            {
+                Native.brindle_reader_destroy(reader);
+                GC.KeepAlive(callbacks.SetProgressText);
+                GC.KeepAlive(callbacks.SetProgressInterval);
+                GC.KeepAlive(callbacks.SetProgressValue);
+            }
+        }
+
+        NativeSetting[] Settings()
+        {
+            var settings = new List<NativeSetting>();
+            if (options.Full)
+            {
+                settings.Add(new NativeSetting { Name = Text("mIsFullReading"), Value = Text("1") });
+            }
+            foreach (KeyValuePair<string, string> setting in options.Settings)
+            {
+                settings.Add(
+                    new NativeSetting { Name = Text(setting.Key), Value = Text(setting.Value) });
+            }
+            return settings.ToArray();
+        }
+
+        // Text that lives as long as the read.
+        IntPtr Text(string text)
+        {
+            byte[] bytes = Native.Utf8(text);
+            IntPtr copy = Marshal.AllocHGlobal(bytes.Length);
+            texts.Add(copy);
+            Marshal.Copy(bytes, 0, copy, bytes.Length);
+            return copy;
+        }
+
+        // Of pinned bytes, none of which may be read if there are none.
+        IntPtr Address(GCHandle pinned, int count)
+        {
+            return count != 0 ? pinned.AddrOfPinnedObject() : Text("");
+        }
+
+        Exception Failure(int status, Image image)
+        {
+            string text = Native.TextOf((byte[] buffer, UIntPtr capacity, out UIntPtr size) =>
+                Native.brindle_reader_error_text(reader, buffer, capacity, out size));
+            switch (status)
+            {
+            case Native.Busy:
+                return new BusyException(text);
+            case Native.OutOfMemory:
+                return new OutOfMemoryException(text);
+            case Native.NotFound:
+            case Native.InvalidValue:
+                return new OptionException(text);
+            case Native.ReadFailed:
+                return new ReadException(text, image);
+            default:
+                return new BrindleException(text);
+            }
+        }
+
+        // No exception may leave a function that the library calls: it is kept, and the read ended.
+        void Tell(int value)
+        {
+            try
+            {
+                if (options.Progress != null && failure == null)
+                {
+                    double share = length != 0 ? (double)(value - start) / length : 0;
+                    options.Progress(phase, Math.Min(Math.Max(share, 0), 1));
+                }
+            }
+            catch (Exception exception)
+            {
+                failure = ExceptionDispatchInfo.Capture(exception);
+                Native.brindle_reader_cancel(reader);
+            }
+        }
+
+        void OnText(IntPtr user, IntPtr text)
+        {
+            phase = Native.ConstantText(text);
+        }
+
+        void OnInterval(IntPtr user, int from, int to)
+        {
+            start = from;
+            length = to - from;
+            Tell(from);
+        }
+
+        void OnValue(IntPtr user, int value)
+        {
+            Tell(value);
+        }
+    }
+}

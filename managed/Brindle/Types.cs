@@ -1,0 +1,322 @@
+// The types of an image. Each is an object of the class of its kind, made when it is asked for.
+using System;
+using System.Collections.Generic;
+using System.Linq;
+
+namespace Brindle
+{
+    /// <summary>Any type.</summary>
+    public class DataType : IEquatable<DataType>
+    {
+        internal readonly Model Model;
+        internal readonly NativeObject Row;
+
+        internal DataType(Model model, NativeObject row)
+        {
+            Model = model;
+            Row = row;
+        }
+
+        // Null where the identifier names no type.
+        internal static DataType Of(Model model, ulong id)
+        {
+            if (id == 0)
+            {
+                return null;
+            }
+            NativeObject row = model.Object(id);
+            switch (row.Kind)
+            {
+            case Brindle.Kind.Base:
+            case Brindle.Kind.Unknown:
+                return new DataType(model, row);
+            case Brindle.Kind.Class:
+            case Brindle.Kind.Struct:
+            case Brindle.Kind.Union:
+                return new StructType(model, row);
+            case Brindle.Kind.Array:
+                return new ArrayType(model, row);
+            case Brindle.Kind.Pointer:
+            case Brindle.Kind.Typedef:
+            case Brindle.Kind.FunctionType:
+                return new DerivedType(model, row);
+            case Brindle.Kind.Enum:
+                return new EnumType(model, row);
+            default:
+                return null;
+            }
+        }
+
+        /// <summary>Its own name, without scopes; of a type without one its C declaration, such as
+        /// "uint32" or "limits[2]".</summary>
+        public string Name
+        {
+            get
+            {
+                string name = Row.Name.ToString();
+                return name != "" ? name : Text;
+            }
+        }
+
+        /// <summary>As a C declaration without a name, such as "uint16[4][2]".</summary>
+        public string Text
+        {
+            get { return Model.TypeText(Row.Id); }
+        }
+
+        /// <summary>What it is in a word: "base", "struct", "class", "union", "array", "pointer",
+        /// "enum", "typedef", "function" or "unknown".</summary>
+        public string Kind
+        {
+            get
+            {
+                switch (Row.Kind)
+                {
+                case Brindle.Kind.Base:
+                    return "base";
+                case Brindle.Kind.Class:
+                    return "class";
+                case Brindle.Kind.Struct:
+                    return "struct";
+                case Brindle.Kind.Union:
+                    return "union";
+                case Brindle.Kind.Array:
+                    return "array";
+                case Brindle.Kind.Pointer:
+                    return "pointer";
+                case Brindle.Kind.Enum:
+                    return "enum";
+                case Brindle.Kind.Typedef:
+                    return "typedef";
+                case Brindle.Kind.FunctionType:
+                    return "function";
+                default:
+                    return "unknown";
+                }
+            }
+        }
+
+        /// <summary>In bytes, 0 where nothing tells it.</summary>
+        public ulong Size
+        {
+            get { return Model.SizeOf(Row.Id); }
+        }
+
+        /// <summary>The type behind all typedefs; the type itself if it is none.</summary>
+        public DataType Resolved
+        {
+            get { return Of(Model, Model.WithoutTypedefs(Row.Id)) ?? this; }
+        }
+
+        /// <summary>The same type of the same image.</summary>
+        public bool Equals(DataType other)
+        {
+            return other != null && other.Model == Model && other.Row.Id == Row.Id;
+        }
+
+        /// <inheritdoc/>
+        public override bool Equals(object other)
+        {
+            return Equals(other as DataType);
+        }
+
+        /// <inheritdoc/>
+        public override int GetHashCode()
+        {
+            return Row.Id.GetHashCode();
+        }
+
+        /// <inheritdoc/>
+        public override string ToString()
+        {
+            return Text;
+        }
+    }
+
+    /// <summary>A pointer, typedef or type of a function.</summary>
+    public sealed class DerivedType : DataType
+    {
+        internal DerivedType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>What it points to or names, or the result of the function; null where there is
+        /// none.</summary>
+        public DataType Target
+        {
+            get { return Of(Model, Row.Type); }
+        }
+    }
+
+    /// <summary>An array of one or more dimensions.</summary>
+    public sealed class ArrayType : DataType
+    {
+        internal ArrayType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>The type of one element, all dimensions taken.</summary>
+        public DataType Element
+        {
+            get { return Of(Model, Row.Type); }
+        }
+
+        /// <summary>Numbers of elements, outermost first.</summary>
+        public IReadOnlyList<int> Dimensions
+        {
+            get { return Model.Dimensions(Row); }
+        }
+
+        /// <summary>Distance in bytes from one element to the next.</summary>
+        public ulong Stride
+        {
+            get { return Model.ElementStride(Row.Id); }
+        }
+    }
+
+    /// <summary>One value of an enum.</summary>
+    public sealed class Enumerator
+    {
+        internal Enumerator(string name, int value)
+        {
+            Name = name;
+            Value = value;
+        }
+
+        /// <summary>Its name.</summary>
+        public string Name { get; }
+
+        /// <summary>Its number.</summary>
+        public int Value { get; }
+    }
+
+    /// <summary>An enum.</summary>
+    public sealed class EnumType : DataType
+    {
+        internal EnumType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>Its values.</summary>
+        public IReadOnlyList<Enumerator> Enumerators
+        {
+            get
+            {
+                return Model.Enumerators(Row)
+                    .Select(row => new Enumerator(row.Name.ToString(), row.Value))
+                    .ToList();
+            }
+        }
+    }
+
+    /// <summary>A base class, and its offset in bytes from the start of the class that is derived from
+    /// it.</summary>
+    public sealed class BaseClass
+    {
+        internal BaseClass(DataType type, uint offset)
+        {
+            Type = type;
+            Offset = offset;
+        }
+
+        /// <summary>The class.</summary>
+        public DataType Type { get; }
+
+        /// <summary>In bytes.</summary>
+        public uint Offset { get; }
+    }
+
+    /// <summary>A member of a structure, class or union.</summary>
+    public sealed class Member
+    {
+        readonly Model model;
+        readonly NativeObject row;
+
+        internal Member(Model model, NativeObject row)
+        {
+            this.model = model;
+            this.row = row;
+        }
+
+        /// <summary>Empty for an anonymous member, whose own members count as those of the type around
+        /// it.</summary>
+        public string Name
+        {
+            get { return row.Name.ToString(); }
+        }
+
+        /// <summary>Of a bit field that of its storage unit.</summary>
+        public DataType Type
+        {
+            get { return DataType.Of(model, row.Type); }
+        }
+
+        /// <summary>In bytes from the start of the type around it; of a bit field that of its storage
+        /// unit.</summary>
+        public uint Offset
+        {
+            get { return row.Offset; }
+        }
+
+        /// <summary>Position of a bit field in its storage unit, from the least significant bit; null
+        /// for anything else.</summary>
+        public uint? BitOffset
+        {
+            get { return row.Kind == Kind.BitField ? row.BitOffset : (uint?)null; }
+        }
+
+        /// <summary>Width of a bit field in bits; null for anything else.</summary>
+        public ulong? BitSize
+        {
+            get { return row.Kind == Kind.BitField ? row.BitSize : (ulong?)null; }
+        }
+    }
+
+    /// <summary>A structure, class or union.</summary>
+    public sealed class StructType : DataType
+    {
+        internal StructType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>Its own members, in the order of the file.</summary>
+        public IReadOnlyList<Member> Members
+        {
+            get
+            {
+                return Model.ObjectsIn(Row.Id)
+                    .Where(row => Brindle.Kind.IsMember(row.Kind))
+                    .Select(row => new Member(Model, row))
+                    .ToList();
+            }
+        }
+
+        /// <summary>Its base classes.</summary>
+        public IReadOnlyList<BaseClass> Bases
+        {
+            get
+            {
+                return Row.Kind == Brindle.Kind.Union
+                    ? new List<BaseClass>()
+                    : Model.BaseClasses(Row)
+                          .Select(row => new BaseClass(Of(Model, row.Type), row.Offset))
+                          .ToList();
+            }
+        }
+
+        /// <summary>A member by its name.</summary>
+        /// <exception cref="PathException">There is none.</exception>
+        public Member this[string name]
+        {
+            get
+            {
+                Member found = Members.FirstOrDefault(member => member.Name == name);
+                if (found == null)
+                {
+                    throw new PathException(Text + " has no member '" + name + "'");
+                }
+                return found;
+            }
+        }
+    }
+}

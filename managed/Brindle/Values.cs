@@ -1,0 +1,286 @@
+// Bytes of memory to values. A decoder is made once for each type of an image and called once for each
+// value.
+using System;
+using System.Collections.Generic;
+using System.Linq;
+
+namespace Brindle
+{
+    // Turns the bytes of a place, which begin at an index, into its value.
+    delegate object Decoder(byte[] content, int start, int size);
+
+    /// <summary>A number that an enum holds, with the name that it has there.</summary>
+    public sealed class EnumValue
+    {
+        internal EnumValue(long number, string name)
+        {
+            Number = number;
+            Name = name;
+        }
+
+        /// <summary>The number.</summary>
+        public long Number { get; }
+
+        /// <summary>Null for a number without a name.</summary>
+        public string Name { get; }
+
+        /// <inheritdoc/>
+        public override string ToString()
+        {
+            return Name ?? Number.ToString();
+        }
+    }
+
+    static class Values
+    {
+        const int DeepestNesting = 100;
+
+        // By the number of the scalar type.
+        static readonly HashSet<int> signed = new HashSet<int> { 2, 4, 8, 11, 13, 15 };
+        static readonly HashSet<int> unsigned = new HashSet<int> { 3, 5, 9, 12, 14, 16 };
+        const int FloatType = 6;
+        const int BoolType = 7;
+        const int DoubleType = 10;
+
+        public static Decoder DecoderOf(Model model, ulong type, int depth = 0)
+        {
+            Decoder known;
+            if (!model.Decoders.TryGetValue(type, out known))
+            {
+                known = Make(model, model.Object(model.WithoutTypedefs(type)), depth);
+                model.Decoders[type] = known;
+            }
+            return known;
+        }
+
+        // Of a bit field in its storage unit.
+        public static Decoder BitsDecoderOf(Model model, ulong type, int bitOffset, int bitSize)
+        {
+            NativeObject row = model.Object(model.WithoutTypedefs(type));
+            Func<long, object> finish = null;
+            if (row.Kind == Kind.Enum)
+            {
+                finish = Named(model, row);
+                row = model.Object(model.WithoutTypedefs(row.Type));
+            }
+            bool isSigned = signed.Contains(row.BasicType);
+            bool isBool = row.BasicType == BoolType;
+            bool isBigEndian = model.IsBigEndian;
+            return (content, start, size) =>
+            {
+                ulong number = Number(content, start, size, isBigEndian) >> bitOffset;
+                if (bitSize < 64)
+                {
+                    number &= (1UL << bitSize) - 1;
+                }
+                if (finish == null && !isSigned)
+                {
+                    return isBool ? (object)(number != 0) : number;
+                }
+                long value = isSigned ? Extend(number, bitSize) : (long)number;
+                return finish != null ? finish(value) : value;
+            };
+        }
+
+        // Of a part of an array of which some dimensions have their index.
+        public static Decoder RestDecoderOf(Model model, ulong type, int indexedDimensions)
+        {
+            return Array(model, model.Object(model.WithoutTypedefs(type)), 0, indexedDimensions);
+        }
+
+        static Decoder Make(Model model, NativeObject row, int depth)
+        {
+            switch (depth < DeepestNesting ? row.Kind : Kind.Unknown)
+            {
+            case Kind.Base:
+            case Kind.Pointer:
+                return Scalar(row, model.IsBigEndian);
+            case Kind.Enum:
+                return Enumeration(model, row);
+            case Kind.Array:
+                return Array(model, row, depth, 0);
+            case Kind.Class:
+            case Kind.Struct:
+            case Kind.Union:
+                return Structure(model, row, depth);
+            default:
+                return Raw;
+            }
+        }
+
+        static object Raw(byte[] content, int start, int size)
+        {
+            return content.Skip(start).Take(size).ToArray();
+        }
+
+        // Up to eight bytes; of more, the least significant ones.
+        static ulong Number(byte[] content, int start, int size, bool isBigEndian)
+        {
+            ulong number = 0;
+            for (int index = 0; index < size; ++index)
+            {
+                number = number << 8 | content[start + (isBigEndian ? index : size - 1 - index)];
+            }
+            return number;
+        }
+
+        static long Extend(ulong number, int bits)
+        {
+            int unused = 64 - Math.Min(Math.Max(bits, 1), 64);
+            return (long)(number << unused) >> unused;
+        }
+
+        static Decoder Scalar(NativeObject row, bool isBigEndian)
+        {
+            ulong declared = row.Size;
+            if (row.BasicType == FloatType && declared == 4)
+            {
+                return (content, start, size) => BitConverter.ToSingle(
+                    BitConverter.GetBytes((uint)Number(content, start, 4, isBigEndian)), 0);
+            }
+            if (row.BasicType == DoubleType && declared == 8)
+            {
+                return (content, start, size) => BitConverter.Int64BitsToDouble(
+                    (long)Number(content, start, 8, isBigEndian));
+            }
+            if (declared > 8)
+            {
+                return Raw;
+            }
+            if (row.BasicType == BoolType)
+            {
+                return (content, start, size) => Number(content, start, size, isBigEndian) != 0;
+            }
+            if (signed.Contains(row.BasicType))
+            {
+                return (content, start, size) =>
+                    Extend(Number(content, start, size, isBigEndian), size * 8);
+            }
+            if (unsigned.Contains(row.BasicType) || row.Kind == Kind.Pointer)
+            {
+                return (content, start, size) => Number(content, start, size, isBigEndian);
+            }
+            return Raw;
+        }
+
+        static Func<long, object> Named(Model model, NativeObject row)
+        {
+            var names = new Dictionary<long, string>();
+            foreach (NativeEnumerator enumerator in model.Enumerators(row))
+            {
+                string name = enumerator.Name.ToString();
+                // The table has 32 bits with sign: what a larger unsigned enum holds stands there as
+                // negative.
+                foreach (long number in new[] { enumerator.Value, (long)(uint)enumerator.Value })
+                {
+                    if (!names.ContainsKey(number))
+                    {
+                        names[number] = name;
+                    }
+                }
+            }
+            return number =>
+            {
+                string name;
+                names.TryGetValue(number, out name);
+                return new EnumValue(number, name);
+            };
+        }
+
+        static Decoder Enumeration(Model model, NativeObject row)
+        {
+            Func<long, object> finish = Named(model, row);
+            NativeObject underlying = model.Object(model.WithoutTypedefs(row.Type));
+            bool isUnsigned = unsigned.Contains(underlying.BasicType);
+            bool isBigEndian = model.IsBigEndian;
+            return (content, start, size) =>
+            {
+                ulong number = Number(content, start, size, isBigEndian);
+                return finish(isUnsigned ? (long)number : Extend(number, size * 8));
+            };
+        }
+
+        static Decoder Array(Model model, NativeObject row, int depth, int indexedDimensions)
+        {
+            Decoder element = DecoderOf(model, row.Type, depth + 1);
+            ulong ownSize = model.SizeOf(row.Type);
+            int stride = (int)Math.Min(model.ElementStride(row.Id), int.MaxValue);
+            int elementSize = ownSize != 0 ? (int)Math.Min(ownSize, int.MaxValue) : stride;
+            int[] inner = model.Dimensions(row).Skip(indexedDimensions + 1)
+                .Where(count => count > 0).ToArray();
+            return (content, start, size) =>
+            {
+                var values = new List<object>();
+                for (long at = 0; stride > 0 && at + elementSize <= size; at += stride)
+                {
+                    values.Add(element(content, start + (int)at, elementSize));
+                }
+                foreach (int count in inner.Reverse())
+                {
+                    values = values
+                        .Select((value, index) => new { value, index })
+                        .GroupBy(item => item.index / count, item => item.value)
+                        .Select(group => (object)group.ToList())
+                        .ToList();
+                }
+                return values;
+            };
+        }
+
+        sealed class Part
+        {
+            public string Name;
+            public int Offset;
+            public int Size;
+            public Decoder Decode;
+        }
+
+        static Decoder Structure(Model model, NativeObject row, int depth)
+        {
+            var parts = new List<Part>();
+            if (row.Kind != Kind.Union)
+            {
+                foreach (NativeBaseClass known in model.BaseClasses(row))
+                {
+                    parts.Add(new Part { Name = "", Offset = (int)known.Offset,
+                                         Size = (int)model.SizeOf(known.Type),
+                                         Decode = DecoderOf(model, known.Type, depth + 1) });
+                }
+            }
+            foreach (NativeObject member in model.ObjectsIn(row.Id))
+            {
+                if (Kind.IsMember(member.Kind))
+                {
+                    Decoder decode = member.Kind == Kind.BitField
+                        ? BitsDecoderOf(model, member.Type, (int)member.BitOffset,
+                                        (int)member.BitSize)
+                        : DecoderOf(model, member.Type, depth + 1);
+                    parts.Add(new Part { Name = member.Name.ToString(), Offset = (int)member.Offset,
+                                         Size = (int)model.SizeOf(member.Type), Decode = decode });
+                }
+            }
+            return (content, start, size) =>
+            {
+                var values = new Dictionary<string, object>();
+                foreach (Part part in parts.Where(
+                             part => part.Offset >= 0 && (long)part.Offset + part.Size <= size))
+                {
+                    object value = part.Decode(content, start + part.Offset, part.Size);
+                    var inner = value as Dictionary<string, object>;
+                    if (part.Name != "")
+                    {
+                        values[part.Name] = value;
+                    }
+                    else if (inner != null)
+                    {
+                        foreach (KeyValuePair<string, object> item in inner)
+                        {
+                            values[item.Key] = item.Value;
+                        }
+                    }
+                }
+                return values;
+            };
+        }
+    }
+}

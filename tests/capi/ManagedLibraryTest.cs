@@ -1,0 +1,156 @@
+// The managed library as its users meet it.
+//
+//     mono ManagedLibraryTest.exe IMAGE-FOLDER
+using System;
+using System.Collections.Generic;
+using System.IO;
+using System.Linq;
+using System.Threading;
+using Brindle;
+
+static class ManagedLibraryTest
+{
+    static void Require(bool condition, string what)
+    {
+        if (!condition)
+        {
+            throw new Exception("failed: " + what);
+        }
+    }
+
+    static void Throws<Expected>(Action action, string text) where Expected : Exception
+    {
+        try
+        {
+            action();
+        }
+        catch (Expected exception)
+        {
+            Require(exception.Message.Contains(text), "'" + exception.Message + "' tells " + text);
+            return;
+        }
+        Require(false, typeof(Expected).Name + " is thrown");
+    }
+
+    static void TestQuestions(Image image)
+    {
+        Require(image.Container == "elf" && !image.IsBigEndian && image.PointerSize == 4 &&
+                    image.Machine == 40, "the target");
+        Require(image.Sections.Any(section => section.Kind == "zero"), "the sections");
+        Require(image.Units.Contains("motor_c"), "the units");
+        Require(image.Variables["stops"].Path == "motor_step::stops", "a name without its scopes");
+        Require(image.Variables["motors"].Size == 336, "the size of a variable");
+
+        PathPlace phase = image["motors[1].status.phase"];
+        Require(phase.BitOffset == 13 && phase.BitSize == 12 && phase.Variable.Name == "motors",
+                "a bit field");
+        var motor = (StructType)((ArrayType)image["motors"].Type).Element.Resolved;
+        Require(motor["loops"].Offset == 12 && motor["loops"].Type.Text == "pid[2]", "a member");
+        var source = (EnumType)image["main_supply.source"].Type;
+        Require(source.Enumerators.Any(item => item.Name == "SUPPLY_MAINS" && item.Value == 300),
+                "an enumerator");
+        Require(image.Types.Contains(motor), "the types");
+
+        Throws<PathException>(() => image["motors[7].serial"].ToString(), "up to 'motors'");
+        Throws<PathException>(() => image.Variables["nothing"].ToString(), "nothing");
+        Require(image.Places("nothing").Count == 0, "no places");
+    }
+
+    static void TestLeaves(Image image)
+    {
+        string[] header = image.Leaves("header").Select(leaf => leaf.Path).ToArray();
+        Require(header.SequenceEqual(new[] { "header.kind", "header.stamp", "header.code",
+                                             "header.flags", "header.serial" }), "a whole variable");
+        Leaf gain = image.Leaves("motors[?].loops[0].gain").Skip(1).First();
+        Require(gain.Address == image["motors[1].loops[0].gain"].Address && gain.Size == 4 &&
+                    gain.BitSize == null && gain.Type.Name == "float", "a pattern");
+        Require(image.Leaves("step::stops").Count() == 0 && image.Leaves("stops").Any(), "scopes");
+        Require(image.Leaves().Count() > 150 && image.Leaves(null, 1000, 7).Count() == 7, "all");
+    }
+
+    static void TestValues(Image image)
+    {
+        var supply = (Dictionary<string, object>)image["main_supply"].ValueOf(image);
+        Require(((EnumValue)supply["source"]).Name == "SUPPLY_MAINS", "an enum");
+        var voltage = (Dictionary<string, object>)supply["voltage"];
+        Require((float)voltage["low"] == 11.5f && (double)supply["energy"] == 1.0, "floats");
+        Require((ulong)image["main_supply.identity.all"].ValueOf(image) == 7, "an integer");
+        Require(((List<object>)supply["cells"]).Count == 4, "an array");
+
+        PathPlace trim = image["motors[1].status.trim"];
+        var dump = Enumerable.Repeat((byte)0xFF, 336).ToArray();
+        var memory = new Memory();
+        memory.Add(image["motors"].Address, dump);
+        Require((long)trim.ValueOf(memory) == -1, "a bit field with sign");
+        Require((ulong)image["motors[1].status.phase"].ValueOf(memory) == 0xFFF, "one without");
+        Throws<MemoryGapException>(() => image["header.kind"].ValueOf(memory), "1 bytes");
+    }
+
+    // gdb prints these values of the same images.
+    static void TestBigEndian(string folder)
+    {
+        using (Image image = Image.Read(Path.Combine(folder, "powerpc-c-dwarf4-O2.elf")))
+        {
+            Require(image.IsBigEndian, "byte order");
+            Require((ulong)image["machine_word"].ValueOf(image) == 6, "a value");
+        }
+    }
+
+    static void TestReads(string path)
+    {
+        byte[] content = File.ReadAllBytes(path);
+        using (Image image = Image.Read(content, new ReadOptions { Name = "unpacked" }))
+        {
+            Require(image.Path == "unpacked" && image["motors"].Size == 336, "a content");
+            Require(image["main_supply.identity"].ValueOf(image) != null, "its bytes");
+        }
+        Throws<ReadException>(() => Image.Read(new byte[0]), "");
+        Throws<ReadException>(() => Image.Read(path + ".fehlt-ü"), "Open");
+        var wrong = new ReadOptions();
+        wrong.Settings["mNothing"] = "1";
+        Throws<OptionException>(() => Image.Read(path, wrong), "mNothing");
+        Throws<InvalidTimeZoneException>(() => Image.Read(path, new ReadOptions {
+            Progress = (phase, share) => { throw new InvalidTimeZoneException("enough"); }
+        }), "enough");
+
+        Image closed = Image.Read(path);
+        Place place = closed["motors"];
+        closed.Dispose();
+        Throws<ObjectDisposedException>(() => place.Type.ToString(), "");
+    }
+
+    static void TestThreads(string path)
+    {
+        Image waited = null;
+        Thread waiting = null;
+        var options = new ReadOptions { Progress = (phase, share) =>
+        {
+            if (waiting == null)
+            {
+                waiting = new Thread(() => waited = Image.Read(path, new ReadOptions { Wait = true }));
+                var refused = new Thread(() => Throws<BusyException>(() => Image.Read(path), "runs"));
+                refused.Start();
+                refused.Join();
+                waiting.Start();
+            }
+        } };
+        Image.Read(path, options);
+        waiting.Join();
+        Require(waited["motors"].Size == 336, "a read that waits");
+    }
+
+    static int Main(string[] arguments)
+    {
+        string path = Path.Combine(arguments[0], "arm-c-dwarf4-O0.elf");
+        using (Image image = Image.Read(path, new ReadOptions { Full = true }))
+        {
+            TestQuestions(image);
+            TestLeaves(image);
+            TestValues(image);
+        }
+        TestBigEndian(arguments[0]);
+        TestReads(path);
+        TestThreads(path);
+        return 0;
+    }
+}
