@@ -1,6 +1,7 @@
 #include "model/LeafWalk.h"
 
 #include "model/ElementIndices.h"
+#include "model/PlaceBytes.h"
 
 #include <algorithm>
 #include <deque>
@@ -18,6 +19,8 @@ using Place = DataModel::Place;
 constexpr std::size_t sDeepestNesting = 100;
 constexpr std::size_t sLongestSteps = 4096;
 constexpr std::size_t sMostParts = 1000;
+/// Places at one byte.
+constexpr std::uint64_t sMostAtOnce = 1000;
 /// Characters that an index takes at least.
 constexpr std::size_t sShortestIndex = 3;
 
@@ -137,8 +140,19 @@ LeafWalk::LeafWalk(const DataModel& model, const LeafLimits& limits)
     , mLimits(limits) {}
 
 void LeafWalk::Walk(ObjectId global, const Visitor& visit) {
+    mAim.reset();
+    Begin(global, visit);
+}
+
+void LeafWalk::WalkTo(ObjectId global, std::uint64_t address, const Visitor& visit) {
+    mAim = Aim{address, sMostAtOnce};
+    Begin(global, visit);
+}
+
+void LeafWalk::Begin(ObjectId global, const Visitor& visit) {
     const ModelObject variable = mModel.Object(global);
     mVisit = &visit;
+    mClasses.clear();
     mPath = mModel.QualifiedName(global);
     mHeadLength = mPath.size();
     Place place;
@@ -153,7 +167,7 @@ void LeafWalk::Walk(ObjectId global, const Visitor& visit) {
 void LeafWalk::Expand(const Place& place, std::size_t depth) { // NOLINT(misc-no-recursion)
     const ObjectId type = mModel.WithoutTypedefs(place.type);
     const ObjectKind kind = mModel.Object(type).kind;
-    const bool mayHaveParts = type != 0 && !place.isBitField && !mCuts.isExhausted;
+    const bool mayHaveParts = type != 0 && !place.isBitField && !IsAtEnd();
     if (mayHaveParts && HasMembers(kind) && ExpandMembers(type, place, depth)) {
         return;
     }
@@ -169,19 +183,23 @@ bool LeafWalk::ExpandMembers(ObjectId type, const Place& place, std::size_t dept
         return false;
     }
     const std::size_t length = mPath.size();
+    bool isAnyWanted = false;
     for (const FlatMember& member : Members(type)) {
-        if (mCuts.isExhausted) {
-            break;
-        }
         Place inside = member.place;
         inside.global = place.global;
         inside.address += place.address;
-        mPath += member.step;
-        Expand(inside, depth + 1);
-        mPath.resize(length);
+        if (IsAtEnd()) {
+            break;
+        }
+        if (IsWanted(inside)) {
+            isAnyWanted = true;
+            mPath += member.step;
+            Expand(inside, depth + 1);
+            mPath.resize(length);
+        }
     }
     mClasses.pop_back();
-    return true;
+    return isAnyWanted;
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)
@@ -197,22 +215,44 @@ bool LeafWalk::ExpandElements(ObjectId array, const Place& place, std::size_t de
         NoteWhole();
         return false;
     }
-    if (count > mLimits.arrayElements && mCuts.arrays++ == 0) {
-        mCuts.firstArray = mPath;
-    }
     Place element = place;
     element.type = mModel.Object(array).type;
     const std::uint64_t stride = mModel.ElementStride(array);
     const std::uint64_t ownSize = mModel.SizeOf(element.type);
     element.size = ownSize != 0 ? ownSize : stride;
-    const std::uint64_t end = std::min(count, mLimits.arrayElements);
-    for (std::uint64_t index = 0; index < end && !mCuts.isExhausted; ++index) {
-        AppendElementIndices(mPath, index, dimensions);
+    const ElementRange wanted = WantedElements(place, count, stride);
+    bool isAnyWanted = false;
+    for (std::uint64_t index = wanted.begin; index < wanted.end && !IsAtEnd(); ++index) {
         element.address = place.address + index * stride;
-        Expand(element, depth + 1);
-        mPath.resize(length);
+        if (IsWanted(element)) {
+            isAnyWanted = true;
+            AppendElementIndices(mPath, index, dimensions);
+            Expand(element, depth + 1);
+            mPath.resize(length);
+        }
     }
-    return true;
+    return isAnyWanted;
+}
+
+bool LeafWalk::IsWanted(const Place& place) const {
+    return !mAim || BytesOf(place, mModel.Image().byteOrder).Holds(mAim->address);
+}
+
+LeafWalk::ElementRange LeafWalk::WantedElements(const Place& array, std::uint64_t count,
+                                                std::uint64_t stride) {
+    if (mAim) {
+        const std::uint64_t index =
+            stride == 0 ? count : std::min(count, (mAim->address - array.address) / stride);
+        return {index, std::min(index + 1, count)};
+    }
+    if (count > mLimits.arrayElements && mCuts.arrays++ == 0) {
+        mCuts.firstArray = mPath;
+    }
+    return {0, std::min(count, mLimits.arrayElements)};
+}
+
+bool LeafWalk::IsAtEnd() const {
+    return mAim ? mAim->placesLeft == 0 : mCuts.isExhausted;
 }
 
 bool LeafWalk::EnterClass(ObjectId type, std::size_t depth) {
@@ -232,11 +272,12 @@ void LeafWalk::NoteWhole() {
 }
 
 void LeafWalk::Deliver(const Place& place) {
-    if (mLimits.leaves == 0) {
-        mCuts.isExhausted = true;
+    std::uint64_t& left = mAim ? mAim->placesLeft : mLimits.leaves;
+    if (left == 0) {
+        mCuts.isExhausted = mCuts.isExhausted || !mAim;
         return;
     }
-    --mLimits.leaves;
+    --left;
     (*mVisit)(mPath, place);
 }
 

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -58,6 +59,12 @@ public:
     /// "motor.Named::id".
     void Walk(ObjectId global, const Visitor& visit);
 
+    /// Visits, in the same order, the places of a global that hold the byte at an address: leaves,
+    /// or the innermost structure or array where the byte belongs to none of its parts. Of an array
+    /// one element is looked at, wherever it stands. The limits of the walk don't count; at most
+    /// 1000 places are visited.
+    void WalkTo(ObjectId global, std::uint64_t address, const Visitor& visit);
+
     /// A member of a class as the walk meets it.
     struct FlatMember {
         /// Type, size and bits of the member; `address` is its offset from the start of the class.
@@ -77,11 +84,27 @@ private:
     struct Part;
     class Flattening;
 
+    /// The byte that `WalkTo` looks for.
+    struct Aim {
+        std::uint64_t address = 0;
+        std::uint64_t placesLeft = 0;
+    };
+    /// From the first one up to the one behind the last.
+    struct ElementRange {
+        std::uint64_t begin = 0;
+        std::uint64_t end = 0;
+    };
+
+    void Begin(ObjectId global, const Visitor& visit);
     void Expand(const DataModel::Place& place, std::size_t depth);
     bool ExpandMembers(ObjectId type, const DataModel::Place& place, std::size_t depth);
     bool ExpandElements(ObjectId array, const DataModel::Place& place, std::size_t depth);
     bool EnterClass(ObjectId type, std::size_t depth);
     void Deliver(const DataModel::Place& place);
+    [[nodiscard]] bool IsWanted(const DataModel::Place& place) const;
+    ElementRange WantedElements(const DataModel::Place& array, std::uint64_t count,
+                                std::uint64_t stride);
+    [[nodiscard]] bool IsAtEnd() const;
     void NoteWhole();
     const std::vector<ObjectId>& OwnMembers(ObjectId type);
 
@@ -89,6 +112,8 @@ private:
     LeafLimits mLimits;
     LeafCuts mCuts;
     const Visitor* mVisit = nullptr;
+    /// None if all leaves are visited.
+    std::optional<Aim> mAim;
     std::string mPath;
     /// Length of the variable's name in `mPath`.
     std::size_t mHeadLength = 0;

@@ -1,0 +1,77 @@
+// Bytes of the target's memory as the values of places: what the image gives a variable when the
+// program starts, or what a host has read from a running target.
+#pragma once
+
+#include "../core/Export.h"
+#include "../model/DataModel.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <variant>
+
+namespace Tessel::Norn::Brindle::DataModel {
+
+/// What is known of a value.
+enum class ValueOrigin : std::uint8_t {
+    /// No one section holds the whole place, or nothing says what the section holds: memory that
+    /// the start of the program leaves alone, and the cleared sections of TI COFF, which its start
+    /// need not clear.
+    Unknown,
+    /// The bytes stand in the file, or came from the host.
+    Bytes,
+    /// Memory without bytes in the file, which is zero when the program starts.
+    Cleared,
+};
+
+/// A number as its type takes the bits. Floats of 2 bytes come as `float`.
+using PlaceNumber = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, float, double>;
+
+/// The value of one place.
+struct PlaceValue {
+    /// Whether there is a value at all.
+    ValueOrigin origin = ValueOrigin::Unknown;
+    /// Of a base type, enum, pointer or bit field of at most 64 bits; nothing where the value is
+    /// unknown and for any other type.
+    PlaceNumber number;
+    /// The number is a pointer's.
+    bool isAddress = false;
+    /// The enumerator of the number; or the text that an array of integers of one byte holds.
+    /// Valid UTF-8; empty if there is none.
+    std::string text;
+};
+
+/// Decodes the values of one model. An array counts as text if it is one of integers of one byte,
+/// has one dimension or its last one left, and holds nothing but characters up to its end or up to
+/// zeros that fill it; up to 64 KiB.
+class BRINDLE_EXPORT ValueDecoder {
+public:
+    /// @param model borrowed; must not change during the life of the decoder
+    explicit ValueDecoder(const DataModel& model);
+
+    /// What a place holds when the program starts. Not to be called by several threads at once.
+    PlaceValue InitialValue(const DataModel::Place& place);
+
+    /// What a place holds by bytes that the host has.
+    /// @param bytes those that `BytesOf` names, in the order of their addresses; of another number
+    ///     they give no value
+    PlaceValue Decode(const DataModel::Place& place, std::span<const std::uint8_t> bytes);
+
+private:
+    /// Names by the 32 bits that the model keeps of a value; of several the first one.
+    using EnumeratorNames = std::unordered_map<std::int32_t, std::string_view>;
+
+    [[nodiscard]] bool HasValue(const DataModel::Place& place) const;
+    [[nodiscard]] bool IsText(const DataModel::Place& place) const;
+    [[nodiscard]] ValueOrigin OriginOf(std::uint64_t address) const;
+    void DecodeNumber(const DataModel::Place& place, std::span<const std::uint8_t> bytes,
+                      PlaceValue& value);
+    std::string_view EnumeratorOf(ObjectId type, const PlaceNumber& number);
+
+    const DataModel& mModel;
+    std::unordered_map<ObjectId, EnumeratorNames> mEnumerators;
+};
+
+} // namespace Tessel::Norn::Brindle::DataModel
