@@ -15,6 +15,7 @@
 #include "container/VElfSymbolNamesMap.h"
 #include "container/VImageSections.h"
 #include "container/VPEImage.h"
+#include "core/ReadFacts.h"
 #include "core/ReadRemarks.h"
 #include "core/ReadingManner.h"
 #include "core/VElfOptions.h"
@@ -142,6 +143,7 @@ public:
     /// Holds for the whole read.
     const ReadingManner mManner = ChosenManner();
     ReadRemarks mRemarks;
+    ReadFacts mFacts;
     VPEImage mPEImage;
     /// Facts of the headers that nothing else keeps; see `DescribeImage`.
     DataModel::ImageDescription mImage;
@@ -192,6 +194,7 @@ private:
     bool IsPassedOver(std::string_view name, const Elf64_Shdr& section);
     bool CheckIdentification(VElfBuffer& buffer);
     void ReadHeaderFields(VElfBuffer& buffer);
+    void TellSymbolCount();
     void AssignNecSection(std::string_view name, const Elf64_Shdr& section);
     bool ReadCoffSection(VElfBuffer& table, const VElfBuffer& names);
     [[nodiscard]] Elf64_Shdr InBytes(const Elf64_Shdr& section) const;

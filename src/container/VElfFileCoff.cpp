@@ -105,6 +105,7 @@ bool VElfFile::ReadCoffSectionHeader(const VCoffFileHeader& header) {
         !LoadStringTable(names, header)) {
         return false;
     }
+    mFacts.SetSymbols(header.mSymbolCount);
     for (std::uint32_t index = 0; index < header.mSectionCount; ++index) {
         if (!ReadCoffSection(table, names)) {
             return false;

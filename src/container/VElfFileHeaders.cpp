@@ -5,6 +5,7 @@
 #include "core/CutText.h"
 #include "core/ErrorState.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <ostream>
@@ -16,6 +17,9 @@ namespace {
 constexpr std::int32_t sHeaderSize32 = 52;
 constexpr std::int32_t sHeaderSize64 = 64;
 constexpr std::int32_t sIdentificationSize = 16;
+/// Size of a symbol (System V ABI, "Symbol Table").
+constexpr std::uint64_t sSymbolSize32 = 16;
+constexpr std::uint64_t sSymbolSize64 = 24;
 
 /// Value of `e_type`.
 constexpr std::uint16_t sTypeRelocatable = 1;
@@ -169,7 +173,15 @@ bool VElfFile::LoadSectionInfos() {
             AssignNecSection(name, section);
         }
     }
+    TellSymbolCount();
     return CheckFoundSections();
+}
+
+void VElfFile::TellSymbolCount() {
+    const std::uint64_t entrySize = mIs64Bit ? sSymbolSize64 : sSymbolSize32;
+    const std::uint64_t size = std::min(mSecSymtab.sh_size, static_cast<std::uint64_t>(mFileSize));
+    // The first entry is none.
+    mFacts.SetSymbols(std::max<std::uint64_t>(size / entrySize, 1) - 1);
 }
 
 void VElfFile::AssignNecSection(std::string_view name, const Elf64_Shdr& section) {

@@ -21,6 +21,7 @@ bool VPEImage::CopySectionRecords(VElfFile& file) const {
         file.mImageSections.AddPeSection(mSectionNames[index], PlacedSection(index),
                                          mSectionFacts[index].characteristics);
     }
+    file.mFacts.SetSymbols(CountSymbolsInFile());
     file.mImage.machine = mMachine;
     file.mImage.is64Bit = Is64Bit();
     if (mIsDll) {

@@ -46,6 +46,7 @@ void VDie2::StoreUnitFact(AttributeTarget target, const VDieFormValue& value) {
         facts.mIsSplit = true;
         break;
     case AttributeTarget::Language:
+        facts.mLanguage = value.mNumber;
         facts.mDefaultLowerBound = DefaultLowerBound(value.mNumber);
         facts.mIsColumnMajor = IsColumnMajorLanguage(value.mNumber);
         break;

@@ -39,6 +39,7 @@ bool VDwarf2Section::ProcessDebugSection() {
     }
     CreateUnknownEntryTypes();
     const bool isRead = MapCompileUnits() && ProcessCompileUnits();
+    mElfFile->mFacts.SetEntries(recCnt);
     AddRemarks();
     if (!isRead) {
         return false;
@@ -91,6 +92,11 @@ bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
         while (result && !reader.mBuffer->IsEOF()) {
             result = root.ReadDieTree(&header);
         }
+    }
+    if (header.mTypeOffset != 0) {
+        mElfFile->mFacts.AddTypeUnit();
+    } else {
+        mElfFile->mFacts.AddUnit(header.mDwarfVersion, reader.mFacts.mLanguage, reader.mProducer);
     }
     header.mUnitReader = nullptr;
     mUnitBuffer = std::move(reader.mBuffer);

@@ -17,6 +17,8 @@ struct VUnitFacts {
     std::optional<std::uint64_t> mLocationListsBase;
     /// The entries of the unit lie in another file.
     bool mIsSplit = false;
+    /// Source language (DWARF 5, 7.12); 0 if the unit doesn't tell it.
+    std::uint32_t mLanguage = 0;
     /// Lower bound of arrays that tell none.
     std::uint32_t mDefaultLowerBound = 0;
     /// Of arrays that don't say otherwise, the first index runs fastest in memory.

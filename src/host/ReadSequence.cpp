@@ -161,6 +161,7 @@ bool VDWARFReader::ReadInput(const std::string& path, const FileContent& content
     VDWARFReaderWrapper wrapper(&bridge);
     char errorText[sErrorTextSize] = {};
     mRemarks = {};
+    mFacts = {};
     if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, true, container, content)) {
         return true;
     }
@@ -179,6 +180,7 @@ bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* 
     const bool result = RunPhases(container, file, wrapper);
     if (wrapper != nullptr) {
         wrapper->SetRemarks(file.mRemarks);
+        wrapper->SetFacts(file.mFacts);
     }
     if (!result) {
         std::string message;

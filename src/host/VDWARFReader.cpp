@@ -27,6 +27,10 @@ void VDWARFReader::SetRemarks(const ReadRemarks& remarks) {
     mRemarks = remarks;
 }
 
+void VDWARFReader::SetFacts(const ReadFacts& facts) {
+    mFacts = facts;
+}
+
 void VDWARFReader::SetProgressValue(std::int32_t value) {
     if (SetProgressValueCallback) {
         SetProgressValueCallback(value);

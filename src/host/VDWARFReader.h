@@ -4,6 +4,7 @@
 
 #include "../core/Export.h"
 #include "../core/FileContent.h"
+#include "../core/ReadFacts.h"
 #include "../core/ReadRemarks.h"
 #include "../host/DWARFContainerType.h"
 #include "../host/IProgressNotifier.h"
@@ -41,6 +42,10 @@ public:
     /// classic manner.
     [[nodiscard]] const ReadRemarks& GetRemarks() const { return mRemarks; }
 
+    /// What the latest read found: counts of units, producers, entries and symbols. Empty before
+    /// the first read.
+    [[nodiscard]] const ReadFacts& GetFacts() const { return mFacts; }
+
     /// Language of the messages, as telephone country code: 49 is German, all else English. Holds
     /// for the process, from the next message on.
     void InitLanguage(std::int32_t language);
@@ -74,6 +79,8 @@ public:
     void SetPhase(ReadPhase phase) const;
     /// Replaces what `GetRemarks` gives.
     void SetRemarks(const ReadRemarks& remarks);
+    /// Replaces what `GetFacts` gives.
+    void SetFacts(const ReadFacts& facts);
 
     /// Ends the use of the object. The reader holds nothing beyond a run, so nothing is released.
     void Dispose();
@@ -84,6 +91,7 @@ private:
 
     bool mReadAllTypes = false;
     ReadRemarks mRemarks;
+    ReadFacts mFacts;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -24,6 +24,10 @@ void VDWARFReaderWrapper::SetRemarks(const ReadRemarks& remarks) {
     mBridge->GetReader().SetRemarks(remarks);
 }
 
+void VDWARFReaderWrapper::SetFacts(const ReadFacts& facts) {
+    mBridge->GetReader().SetFacts(facts);
+}
+
 void VDWARFReaderWrapper::SetPhase(ReadPhase phase) {
     mBridge->GetReader().SetPhase(phase);
 }

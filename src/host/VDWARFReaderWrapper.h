@@ -8,6 +8,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+class ReadFacts;
 class ReadRemarks;
 class VDWARFReader;
 
@@ -36,6 +37,7 @@ public:
     void SetProgressText(const char* text);
     void SetPhase(ReadPhase phase);
     void SetRemarks(const ReadRemarks& remarks);
+    void SetFacts(const ReadFacts& facts);
 
 private:
     VDWARFReaderWrapperBridge* mBridge;
