@@ -1,20 +1,24 @@
 #!/usr/bin/env python3
 """Makes the big images that the measurements read, from generated sources: C++ for x86-64 and C for
 32-bit ARM, both with DWARF 4, each a second time from the first half of its units, the C++ with DWARF 5 as
-well, and a symbol table without debug information. What is up to date is kept.
+well, a C firmware whose variables use a fifth of its types, and a symbol table without debug
+information. One more is a real program: the optimized brindle itself. What is up to date is kept.
 
 At scale 100 the C++ image has about 100 MB of .debug_info, the one for ARM about 30 MB, and the
-symbol table 500,000 data symbols. The images go to build/bench-images/SCALE, whose path is printed.
+symbol table 500,000 data symbols; the real program has one size at all scales. The images go to
+build/bench-images/SCALE, whose path is printed.
 """
 import argparse
 import dataclasses
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 
 import arm_units
 import cpp_units
+import firmware_units
 import symbol_image
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -56,7 +60,14 @@ KINDS = {
     "arm": Kind(arm_units.sources, 94,
                 "arm-none-eabi-gcc -mcpu=cortex-m4 -mthumb -ffreestanding -w -O0 -g -gdwarf-4",
                 "arm-none-eabi-gcc -mcpu=cortex-m4 -mthumb -nostdlib -Wl,--no-gc-sections,-e,0"),
+    "firmware": Kind(firmware_units.sources, 90,
+                     "arm-none-eabi-gcc -mcpu=cortex-m4 -mthumb -ffreestanding -w -O2 -g -gdwarf-4"
+                     " -fno-eliminate-unused-debug-types",
+                     "arm-none-eabi-gcc -mcpu=cortex-m4 -mthumb -nostdlib"
+                     " -Wl,--no-gc-sections,-e,0,--unresolved-symbols=ignore-all"),
 }
+
+REAL_FLAGS = "-O2 -g -gdwarf-4"
 
 
 def write_if_changed(path, text):
@@ -103,8 +114,23 @@ def build_symbols(folder, scale):
         symbol_image.write_image(path, SYMBOLS * scale // 100)
 
 
+def build_real(folder):
+    """The program of this project, as a distribution would build it for debugging."""
+    objects = BUILD / "objects" / "real"
+    path = folder / "real.elf"
+    if path.exists():
+        return
+    for command in (["cmake", "-S", ROOT, "-B", objects, "-G", "Ninja",
+                     "-DCMAKE_BUILD_TYPE=RelWithDebInfo",
+                     f"-DCMAKE_CXX_FLAGS_RELWITHDEBINFO={REAL_FLAGS}",
+                     "-DBRINDLE_BUILD_TESTS=OFF", "-DBRINDLE_BUILD_BENCHMARKS=OFF"],
+                    ["cmake", "--build", objects, "--target", "brindle_program"]):
+        subprocess.run(command, stdout=sys.stderr, check=True)
+    shutil.copy(objects / "app" / "brindle", path)
+
+
 def main():
-    names = [*KINDS, "symbols"]
+    names = [*KINDS, "real", "symbols"]
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--scale", type=int, default=100, metavar="PERCENT",
@@ -120,6 +146,8 @@ def main():
     for name in arguments.images or names:
         if name == "symbols":
             build_symbols(folder, arguments.scale)
+        elif name == "real":
+            build_real(folder)
         else:
             build_images(name, folder, arguments.scale)
     print(folder)
