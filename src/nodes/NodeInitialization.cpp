@@ -22,9 +22,22 @@ BitNumbering NumberingOf(const VDie2& die) {
                                                             : BitNumbering::Unsaid;
 }
 
+/// True if somebody may ask for the linkage name: of variables and of members that declare them it
+/// leads to a symbol, and of entries without name it stands for that.
+bool IsLinkageNameWanted(const VDie2& die) {
+    return die.mHasLinkageName &&
+           (die.mTag == DW_TAG_variable || die.mTag == DW_TAG_member || !die.mHasName ||
+            *die.mName.mStart == '\0' || VElfOptions::mDumpDebugInfoNodes != 0);
+}
+
+/// Only the dump of nodes tells it.
+bool IsAccessibilityWanted(const VDie2& die) {
+    return die.mAccessibility.IsDefined() && VElfOptions::mDumpDebugInfoNodes != 0;
+}
+
 bool HasExtras(const VDie2& die) {
-    return HasStorage(die) || die.mSpecification.IsDefined() || die.mHasLinkageName ||
-           die.mAccessibility.IsDefined();
+    return HasStorage(die) || die.mSpecification.IsDefined() || IsLinkageNameWanted(die) ||
+           IsAccessibilityWanted(die);
 }
 
 VAttributeString Keep(const VAttributeString& text, VDwarf2Section& section) {
