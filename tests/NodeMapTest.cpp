@@ -66,38 +66,6 @@ TEST_F(NodeMapTest, OffsetsAndGroupsHoldWhatCameOutOfOrder) {
     EXPECT_EQ(mMap.InOffsetOrder().size(), 6U);
 }
 
-// A parameter that nobody refers to keeps its references as read: whoever refers to it, however
-// late, must find it and what it refers to itself.
-TEST_F(NodeMapTest, ParametersAreLeftOutUntilOneRefersToThem) {
-    VDebugInfoNode* base = Insert(DW_TAG_base_type, 1);
-    auto* function =
-        mArena.Create<VDebugInfoNodeGeneral>(DW_TAG_subprogram, 2U, nullptr, nullptr, VNodeText());
-    const auto insertParameter = [&](std::uint32_t offset, VDebugInfoNode* parent) {
-        auto* parameter = mArena.Create<VDebugInfoNodeGeneral>(DW_TAG_formal_parameter, offset,
-                                                               nullptr, parent, VNodeText());
-        parameter->SetTypeNode(*base);
-        mMap.Insert(offset, parameter);
-    };
-    insertParameter(3, function);
-    insertParameter(4, function);
-    insertParameter(5, base);
-
-    std::vector<std::uint32_t> offsets;
-    const auto note = [&](const VDebugInfoNode& node) { offsets.push_back(node.GetOffset()); };
-    mMap.ForEachWith(NodeTask::References, note);
-    EXPECT_THAT(offsets, ElementsAre(5)) << "5 is no parameter of a function";
-    EXPECT_NE(mMap.Find(4), nullptr);
-    offsets.clear();
-    mMap.ForEachReferredParameter([&](const VDebugInfoNode& node) {
-        note(node);
-        EXPECT_NE(mMap.Find(3), nullptr);
-    });
-    EXPECT_THAT(offsets, ElementsAre(4, 3));
-    offsets.clear();
-    mMap.ForEachWith(NodeTask::References, note);
-    EXPECT_THAT(offsets, ElementsAre(3, 4, 5));
-}
-
 TEST_F(NodeMapTest, ReferredNodesThatReferAreToldInOrder) {
     VDebugInfoNode* base = Insert(DW_TAG_base_type, 1);
     VDebugInfoNode* definition = Insert(DW_TAG_typedef, 2, base);

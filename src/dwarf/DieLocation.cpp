@@ -10,9 +10,6 @@
 #include "dwarf/VDwarf2Section.h"
 #include "dwarf/VLocTabBuffer.h"
 #include "dwarf/VLocationLists.h"
-#include "nodes/VDebugInfoNode.h"
-
-#include <algorithm>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -91,8 +88,7 @@ bool VDie2::NamesLocationList(const TDieAttribute& attribute) const {
 }
 
 bool VDie2::IsInFunction() const {
-    return std::ranges::any_of(
-        mOpenNodes, [](const VDebugInfoNode* node) { return node->GetTag() == DW_TAG_subprogram; });
+    return !mOpenEntries.empty() && mOpenEntries.back().isInFunction;
 }
 
 bool VDie2::ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value) {

@@ -64,11 +64,15 @@ enum : dwarf_tag {
     DW_TAG_type_unit = 0x41,
     DW_TAG_rvalue_reference_type = 0x42,
     DW_TAG_atomic_type = 0x47,
+    DW_TAG_call_site = 0x48,
+    DW_TAG_call_site_parameter = 0x49,
     DW_TAG_skeleton_unit = 0x4a,
     DW_TAG_immutable_type = 0x4b,
     DW_TAG_MIPS_loop = 0x4081,
     DW_TAG_format_label = 0x4101,
     DW_TAG_class_template = 0x4103,
+    DW_TAG_GNU_call_site = 0x4109,
+    DW_TAG_GNU_call_site_parameter = 0x410a,
 };
 
 /// Types of unit.

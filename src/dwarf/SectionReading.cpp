@@ -7,7 +7,10 @@
 #include "dwarf/VDwarf2Section.h"
 #include "emit/VCLIFactoryWrapper.h"
 #include "host/VDWARFReaderWrapper.h"
+#include "nodes/VDebugInfoNode.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -65,6 +68,9 @@ void VDwarf2Section::CreateUnknownEntryTypes() {
 }
 
 bool VDwarf2Section::ProcessCompileUnits() {
+    // Where units overlap, the first of several entries at one place counts, whatever it is.
+    mKeepsAllEntries =
+        mKeepsAllEntries || VElfOptions::mDumpDebugInfoNodes != 0 || !AreUnitsApart();
     // NOLINTNEXTLINE(readability-use-anyofallof): reading is no question
     for (VCompileUnitHeader* header : mCompileUnits) {
         if (!ProcessCompileUnit(*header)) {
@@ -78,20 +84,46 @@ bool VDwarf2Section::ProcessCompileUnits() {
     return true;
 }
 
+bool VDwarf2Section::AreUnitsApart() const {
+    return std::ranges::adjacent_find(mCompileUnits, [](const auto* unit, const auto* next) {
+               return std::uint64_t{unit->mSectionOffset} + unit->mLength > next->mSectionOffset;
+           }) == mCompileUnits.end();
+}
+
 bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
+    const std::size_t passedBefore = mDieNodes.PassedCount();
+    std::vector<VDebugInfoNode*> made;
+    const bool result =
+        ReadUnit(header, mKeepsAllEntries ? NodeChoice::All : NodeChoice::WithoutCode, made);
+    header.mHasPassedEntries = mDieNodes.PassedCount() != passedBefore;
+    return result;
+}
+
+void VDwarf2Section::NoteReferencesOfPassed() const {
+    for (const VPassedVariable& variable : mPassedVariables) {
+        if (mDieNodes.Peek(variable.mOffset) == nullptr) {
+            mDieNodes.NoteReferred(variable.mSpecification);
+            mDieNodes.NoteReferred(variable.mType);
+        }
+    }
+}
+
+bool VDwarf2Section::ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
+                              std::vector<VDebugInfoNode*>& made) {
     VCompileUnitReader reader(*this, header);
     reader.mBuffer = std::move(mUnitBuffer);
     header.mUnitReader = &reader;
     bool result = LoadCompileUnit(reader);
     if (result) {
-        VDie2 root(reader);
+        VDie2 root(reader, choice);
         if (mElfFile->mManner == ReadingManner::Full) {
             root.ReadUnitFacts();
-            mSplitUnitCount += reader.mFacts.mIsSplit ? 1 : 0;
+            mSplitUnitCount += reader.mFacts.mIsSplit && choice != NodeChoice::Missing ? 1 : 0;
         }
         while (result && !reader.mBuffer->IsEOF()) {
             result = root.ReadDieTree(&header);
         }
+        made.insert(made.end(), root.GetMadeNodes().begin(), root.GetMadeNodes().end());
     }
     if (header.mTypeOffset != 0) {
         mElfFile->mFacts.AddTypeUnit();
@@ -101,6 +133,43 @@ bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
     header.mUnitReader = nullptr;
     mUnitBuffer = std::move(reader.mBuffer);
     return result;
+}
+
+std::vector<VDebugInfoNode*>
+VDwarf2Section::ReadPassedEntries(std::span<const std::uint32_t> offsets) {
+    std::vector<VCompileUnitHeader*> units;
+    for (const std::uint32_t offset : offsets) {
+        const auto behind = std::ranges::upper_bound(mCompileUnits, offset, {},
+                                                     &VCompileUnitHeader::mSectionOffset);
+        if (behind != mCompileUnits.begin()) {
+            units.push_back(*std::prev(behind));
+        }
+    }
+    return ReadPassedEntriesOf(units);
+}
+
+std::vector<VDebugInfoNode*> VDwarf2Section::ReadAllPassedEntries() {
+    return ReadPassedEntriesOf(mCompileUnits);
+}
+
+std::vector<VDebugInfoNode*>
+VDwarf2Section::ReadPassedEntriesOf(const std::vector<VCompileUnitHeader*>& units) {
+    const std::uint32_t recordsBefore = recCnt;
+    const std::uint32_t nextNodeRecord = VDebugInfoNode::SetNextNodeRecord(0);
+    std::vector<VDebugInfoNode*> made;
+    for (VCompileUnitHeader* unit : units) {
+        if (unit->mHasPassedEntries) {
+            unit->mHasPassedEntries = false;
+            ReadUnit(*unit, NodeChoice::Missing, made);
+        }
+    }
+    mUnitBuffer.reset();
+    recCnt = recordsBefore;
+    VDebugInfoNode::SetNextNodeRecord(nextNodeRecord);
+    for (VDebugInfoNode* node : made) {
+        mDieNodes.Insert(node->GetOffset(), node);
+    }
+    return made;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -26,6 +26,7 @@ bool VAbrTab::Read(VElfBuffer& section, std::uint32_t offset) {
     }
     mItems.shrink_to_fit();
     mAttributes.shrink_to_fit();
+    mPassingSteps.shrink_to_fit();
     return !mItems.empty();
 }
 
@@ -37,10 +38,17 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
     item.mIsPartialUnit = tag == DW_TAG_partial_unit && item.mTag != tag;
     item.mHasChildren = section.GetUByte();
     item.mFirstAttribute = static_cast<std::uint32_t>(mAttributes.size());
-    ReadAttributes(section);
+    item.mFirstPassingStep = static_cast<std::uint32_t>(mPassingSteps.size());
+    ReadAttributes(section, item);
     item.mAttributeCount = static_cast<std::uint32_t>(mAttributes.size()) - item.mFirstAttribute;
+    if (item.mCodeEntry == CodeEntry::Kept || item.mCodeEntry == CodeEntry::Variable) {
+        mPassingSteps.resize(item.mFirstPassingStep);
+    }
+    item.mPassingStepCount =
+        static_cast<std::uint32_t>(mPassingSteps.size()) - item.mFirstPassingStep;
     if (section.HasPassedEnd()) {
         mAttributes.resize(item.mFirstAttribute);
+        mPassingSteps.resize(item.mFirstPassingStep);
         return false;
     }
     mItems.push_back(item);
@@ -48,8 +56,10 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
     return true;
 }
 
-void VAbrTab::ReadAttributes(VElfBuffer& section) {
-    std::uint32_t skip = 0;
+void VAbrTab::ReadAttributes(VElfBuffer& section, TAbrTabItem& item) {
+    item.mCodeEntry = CodeEntryOf(item.mTag, item.mHasChildren == 1);
+    StepList reading{mAttributes};
+    StepList passing{mPassingSteps};
     while (true) {
         const std::uint32_t code = section.GetULEB128();
         TDieAttribute attribute;
@@ -62,14 +72,19 @@ void VAbrTab::ReadAttributes(VElfBuffer& section) {
         if (attribute.mReading == FormReading::Constant) {
             attribute.mConstant = static_cast<std::uint32_t>(section.GetSLEB128());
         }
-        AddAttribute(attribute, skip);
+        reading.Add(attribute);
+        item.mCodeEntry =
+            WithAttribute(item.mCodeEntry, item.mTag, attribute.mAttribute, attribute.mReading);
+        if (item.mCodeEntry != CodeEntry::Kept && item.mCodeEntry != CodeEntry::Variable) {
+            attribute.mAttribute = AttributeTarget::None;
+            passing.Add(attribute);
+        }
     }
-    if (skip > 0) {
-        mAttributes.push_back({.mSkip = static_cast<std::uint16_t>(skip)});
-    }
+    reading.End();
+    passing.End();
 }
 
-void VAbrTab::AddAttribute(const TDieAttribute& attribute, std::uint32_t& skip) {
+void VAbrTab::StepList::Add(const TDieAttribute& attribute) {
     const bool isPassed = attribute.mAttribute == AttributeTarget::None;
     if (isPassed && TakesNoBytes(attribute.mReading)) {
         return;
@@ -79,9 +94,15 @@ void VAbrTab::AddAttribute(const TDieAttribute& attribute, std::uint32_t& skip) 
         skip += width;
         return;
     }
-    mAttributes.push_back(attribute);
-    mAttributes.back().mSkip = static_cast<std::uint16_t>(skip);
+    steps.push_back(attribute);
+    steps.back().mSkip = static_cast<std::uint16_t>(skip);
     skip = 0;
+}
+
+void VAbrTab::StepList::End() {
+    if (skip > 0) {
+        steps.push_back({.mSkip = static_cast<std::uint16_t>(skip)});
+    }
 }
 
 void VAbrTab::Enter(std::uint32_t code) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/KeyMixing.h"
+#include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/DwarfConstants.h"
 
@@ -37,8 +38,12 @@ struct TAbrTabItem {
     std::uint8_t mHasChildren = 0;
     /// A unit that others may import, though its tag be that of a compile unit.
     bool mIsPartialUnit = false;
+    /// What entries inside code are.
+    CodeEntry mCodeEntry = CodeEntry::Kept;
     std::uint32_t mFirstAttribute = 0;
     std::uint32_t mAttributeCount = 0;
+    std::uint32_t mFirstPassingStep = 0;
+    std::uint32_t mPassingStepCount = 0;
 };
 
 /// The abbreviations of all units that name one offset of `.debug_abbrev`.
@@ -66,16 +71,31 @@ public:
         return {mAttributes.data() + item.mFirstAttribute, item.mAttributeCount};
     }
 
+    /// The steps that pass an entry of an abbreviation whose length tells how, in order.
+    [[nodiscard]] std::span<const TDieAttribute> PassingStepsOf(const TAbrTabItem& item) const {
+        return {mPassingSteps.data() + item.mFirstPassingStep, item.mPassingStepCount};
+    }
+
 private:
+    /// Steps that are added one by one.
+    struct StepList {
+        std::vector<TDieAttribute>& steps;
+        /// Bytes to pass before the next step.
+        std::uint32_t skip = 0;
+
+        void Add(const TDieAttribute& attribute);
+        void End();
+    };
+
     bool ReadItem(VElfBuffer& section, std::uint32_t code);
-    void ReadAttributes(VElfBuffer& section);
-    void AddAttribute(const TDieAttribute& attribute, std::uint32_t& skip);
+    void ReadAttributes(VElfBuffer& section, TAbrTabItem& item);
     void Enter(std::uint32_t code);
     [[nodiscard]] const TAbrTabItem* FindLargeCode(std::uint32_t code) const;
 
     const DieForms* mForms;
     std::vector<TAbrTabItem> mItems;
     std::vector<TDieAttribute> mAttributes;
+    std::vector<TDieAttribute> mPassingSteps;
     /// By code, place in `mItems` from 1, or 0. Reaches only so far as the number of items allows.
     std::vector<std::uint32_t> mIndexByCode;
     std::unordered_map<std::uint32_t, std::uint32_t, SeededHash> mIndexByLargeCode;

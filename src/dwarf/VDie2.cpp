@@ -33,7 +33,7 @@ constexpr std::int64_t sFreeAttributes = 0x10000;
 
 } // namespace
 
-VDie2::VDie2(VCompileUnitReader& reader)
+VDie2::VDie2(VCompileUnitReader& reader, NodeChoice choice)
     : mBuffer(reader.mBuffer.get())
     , mAbbrevTable(reader.mAbbrevTable)
     , mLocTabBuffer(reader.mSection.mLocTabBuffer.get())
@@ -44,27 +44,38 @@ VDie2::VDie2(VCompileUnitReader& reader)
     , mReadLocationNumber(mManner == ReadingManner::Full ? &VDie2::ReadFullLocationNumber
                                                          : &VDie2::ReadClassicLocationNumber)
     , mImageBase(reader.mSection.mElfFile->mImageBase)
+    , mChoice(choice)
     , mAttributesLeft(sAttributesPerByte * mBuffer->GetBufferLength() + sFreeAttributes) {}
 
 bool VDie2::ReadDieTree(VCompileUnitHeader* header) {
     do {
         ++recCnt;
-        const Entry entry = mBuffer->IsEOF() ? Entry::Null : ReadEntry();
-        if (entry == Entry::Decoded) {
-            if (!MapCurrentDieToNode(header)) {
+        switch (mBuffer->IsEOF() ? Entry::Null : ReadEntry()) {
+        case Entry::Decoded:
+            if (mChoice == NodeChoice::Missing) {
+                MakeMissingNode(header);
+            } else if (!MapCurrentDieToNode(header, InnermostOpenNode())) {
                 return false;
             }
             if (mItem->mHasChildren == 1) {
-                mOpenNodes.push_back(mNode);
+                OpenCurrentEntry();
             }
-        } else if (entry == Entry::Null && !mOpenNodes.empty()) {
-            mOpenNodes.pop_back();
+            break;
+        case Entry::Null:
+            if (!mOpenEntries.empty()) {
+                mOpenEntries.pop_back();
+            }
+            break;
+        case Entry::Passed:
+        case Entry::Unknown:
+            break;
         }
-    } while (!mOpenNodes.empty());
+    } while (!mOpenEntries.empty());
     return true;
 }
 
 VDie2::Entry VDie2::ReadEntry() {
+    const std::int32_t unitOffset = mBuffer->GetOffset();
     const Entry entry = ReadAbbrevCode();
     if (entry != Entry::Decoded) {
         return entry;
@@ -75,34 +86,55 @@ VDie2::Entry VDie2::ReadEntry() {
         mBuffer->SetOffset(mBuffer->GetBufferLength());
         return Entry::Unknown;
     }
-    ReadAttributes();
-    return mBuffer->HasPassedEnd() ? Entry::Unknown : Entry::Decoded;
+    switch (CodeEntryHere()) {
+    case CodeEntry::Passed:
+    case CodeEntry::Parameter:
+    case CodeEntry::Scope:
+        return PassEntry(unitOffset, recCnt);
+    case CodeEntry::Variable:
+        return ReadVariableOfCode(unitOffset, recCnt);
+    case CodeEntry::Kept:
+        break;
+    }
+    const std::int32_t behindCode = mBuffer->GetOffset();
+    const TAbrTabItem* item = mItem;
+    if (MakeWaitingNodes()) {
+        mItem = item;
+        mBuffer->SetOffset(behindCode);
+    }
+    return DecodeEntry(unitOffset, recCnt);
 }
 
+/// Finds the abbreviation of the entry at the cursor and moves behind its code.
 VDie2::Entry VDie2::ReadAbbrevCode() {
-    const auto unitOffset = static_cast<std::uint32_t>(mBuffer->GetOffset());
     const std::uint32_t code = mBuffer->GetULEB128();
     if (code == 0) {
         return Entry::Null;
     }
     mItem = mAbbrevTable->Find(code);
-    if (mItem == nullptr) {
-        return Entry::Unknown;
-    }
+    return mItem != nullptr ? Entry::Decoded : Entry::Unknown;
+}
+
+VDie2::Entry VDie2::DecodeEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
     Reset();
     mNode = nullptr;
-    mOffset = VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, unitOffset);
-    mRecordNumber = recCnt;
-    mAbbrevCode = code;
+    mOffset = VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader,
+                                                  static_cast<std::uint32_t>(unitOffset));
+    mRecordNumber = recordNumber;
+    mAbbrevCode = mItem->mCode;
     mTag = mItem->mTag;
-    return Entry::Decoded;
+    ReadAttributes();
+    return mBuffer->HasPassedEnd() ? Entry::Unknown : Entry::Decoded;
 }
 
 void VDie2::Reset() {
     if (mHasRareAttributes) {
         mRareAttributes = {};
     }
-    static_cast<VDieAttributes&>(*this) = VDieAttributes{};
+    // From memory: a temporary is written in small pieces, and reading them back in large ones
+    // stalls the processor.
+    static constexpr VDieAttributes sNothing;
+    static_cast<VDieAttributes&>(*this) = sNothing;
 }
 
 void VDie2::ReadAttributes() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/ReadingManner.h"
+#include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/DwarfConstants.h"
 #include "dwarf/VAttributeValue.h"
@@ -95,17 +96,29 @@ struct VDieFormValue {
     const char* mString = nullptr;
 };
 
+/// Which entries of a unit get nodes.
+enum class NodeChoice : std::uint8_t {
+    All,
+    /// All that anything can ask for, see `CodeEntry`.
+    WithoutCode,
+    /// Those that have none: the unit was read without code before.
+    Missing,
+};
+
 /// The current debug entry of one unit.
 class VDie2 : public VDieAttributes {
 public:
     /// The reader has its bytes and abbreviations loaded.
-    explicit VDie2(VCompileUnitReader& reader);
+    VDie2(VCompileUnitReader& reader, NodeChoice choice);
 
-    /// Reads the entry at the cursor with all its descendants and makes a node of each (DWARF 4,
-    /// 2.3 and 7.5.2). Unknown abbreviation codes are passed over byte by byte; an entry that is
-    /// cut off by the end of the unit makes no node and ends the walk.
+    /// Reads the entry at the cursor with all its descendants and makes the nodes that are chosen
+    /// (DWARF 4, 2.3 and 7.5.2). Unknown abbreviation codes are passed over byte by byte; an entry
+    /// that is cut off by the end of the unit makes no node and ends the walk.
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
+
+    /// The nodes that `NodeChoice::Missing` made. They are in no map yet.
+    [[nodiscard]] const std::vector<VDebugInfoNode*>& GetMadeNodes() const { return mMadeNodes; }
 
     /// Reads what the entry at the cursor says of the whole unit and stays there: values of that
     /// very entry may depend on attributes behind them.
@@ -118,11 +131,53 @@ public:
     [[nodiscard]] const VRareDieAttributes& GetRareAttributes() const { return mRareAttributes; }
 
 private:
-    enum class Entry { Null, Unknown, Decoded };
+    enum class Entry { Null, Unknown, Decoded, Passed };
+
+    /// Where the children of an entry stand.
+    enum class Surroundings : std::uint8_t { Other, Function, CodeOfFunction };
+
+    /// An entry whose children are being read.
+    struct OpenEntry {
+        /// Null as long as the entry waits for a child that needs it.
+        VDebugInfoNode* node = nullptr;
+        Surroundings surroundings = Surroundings::Other;
+        bool isInFunction = false;
+        /// What the node is made of, if it comes to that.
+        std::int32_t unitOffset = 0;
+        std::uint32_t recordNumber = 0;
+        std::uint32_t nodeRecord = 0;
+    };
 
     Entry ReadEntry();
     Entry ReadAbbrevCode();
+    /// Reads the attributes of the entry behind whose code the cursor stands.
+    Entry DecodeEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
     void ReadAttributes();
+
+    /// @name Entries of code
+    /// @{
+
+    [[nodiscard]] CodeEntry CodeEntryHere() const;
+    Entry PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
+    /// Passes a variable without place, makes the node of any other.
+    Entry ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber);
+    void PassVariable();
+    /// Makes the nodes of the open entries that wait for one. The entry that is being read has to
+    /// be read again.
+    /// @return false if none waited
+    bool MakeWaitingNodes();
+    void OpenCurrentEntry();
+    /// Makes the node of the current entry if it has none, and gives it back its place among the
+    /// children of its parent.
+    void MakeMissingNode(VCompileUnitHeader* header);
+    /// Takes all children off, for `MakeMissingNode` to put them back one by one.
+    static void TakeOffChildren(VDebugInfoNode& node);
+    [[nodiscard]] VDebugInfoNode* InnermostOpenNode() const {
+        return mOpenEntries.empty() ? nullptr : mOpenEntries.back().node;
+    }
+
+    /// @}
+
     void ReadAttribute(const TDieAttribute& attribute);
     void ReadDirectAttribute(const TDieAttribute& attribute);
     TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
@@ -174,9 +229,10 @@ private:
     bool ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
     std::uint64_t ReadPlainLocation(const TDieAttribute& attribute);
 
-    /// Makes the node of the entry under the innermost open node and files it. Always true.
-    bool MapCurrentDieToNode(VCompileUnitHeader* header);
-    VDebugInfoNode* CreateNodeByTag(VCompileUnitHeader* header);
+    /// Makes the node of the entry under a parent, which may be null, and files it. Always true.
+    bool MapCurrentDieToNode(VCompileUnitHeader* header, VDebugInfoNode* parent);
+    VDebugInfoNode* CreateNode(VCompileUnitHeader* header, VDebugInfoNode* parent);
+    VDebugInfoNode* CreateNodeByTag(VCompileUnitHeader* header, VDebugInfoNode* parent);
     VDebugInfoNode* CreateUnitNode(VCompileUnitHeader* header);
 
     VElfBuffer* mBuffer;
@@ -195,8 +251,10 @@ private:
     const TAbrTabItem* mItem = nullptr;
     /// The node made of the current entry.
     VDebugInfoNode* mNode = nullptr;
-    /// Nodes whose children are being read, outermost first.
-    std::vector<VDebugInfoNode*> mOpenNodes;
+    /// Entries whose children are being read, outermost first.
+    std::vector<OpenEntry> mOpenEntries;
+    std::vector<VDebugInfoNode*> mMadeNodes;
+    NodeChoice mChoice;
     /// Attributes that the unit may still have.
     std::int64_t mAttributesLeft;
 };

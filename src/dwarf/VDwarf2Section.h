@@ -7,6 +7,7 @@
 #include "container/VValueRangeMap.h"
 #include "core/KeyMixing.h"
 #include "core/LongTextAllowance.h"
+#include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
@@ -23,6 +24,7 @@
 #include <iosfwd>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -40,6 +42,7 @@ class VLocTabBuffer;
 class VLocationLists;
 class VUnitTables;
 struct Elf64_Shdr;
+enum class NodeChoice : std::uint8_t;
 
 /// The count of debug entries visited in this read, null entries included.
 extern std::uint32_t recCnt;
@@ -87,8 +90,16 @@ public:
     /// Finds every unit of the sections; see `VCompileUnitHeader`. True may come with error
     /// `ELFERR_COMPILE_UNIT_SIZE` set, when a search for damaged units was given up.
     bool MapCompileUnits();
-    /// Reads the entries of all units into nodes.
+    /// Reads the entries of all units into nodes. Those of code that nothing can ask for get none,
+    /// unless nodes are to be dumped or units overlap.
     bool ProcessCompileUnits();
+    /// Lets every entry have its node. For the time before `ProcessCompileUnits`.
+    void KeepAllEntries() { mKeepsAllEntries = true; }
+    /// Makes the nodes of passed entries in the units where the offsets lie.
+    /// @return these nodes; none if the units have theirs already
+    std::vector<VDebugInfoNode*> ReadPassedEntries(std::span<const std::uint32_t> offsets);
+    /// Makes the nodes of all passed entries.
+    std::vector<VDebugInfoNode*> ReadAllPassedEntries();
     /// Loads bytes and abbreviations of a unit. Errors: those of loading, `ELFERR_DWARF_VERSION`.
     bool LoadCompileUnit(VCompileUnitReader& reader) const;
     /// Decides the options whose value 2 means "by the compiler" from the first producer text.
@@ -129,6 +140,20 @@ public:
     VDieText AllowText(const char* text, std::uint32_t limit);
     /// All of a terminated text, measured; long texts are cut as those of `AllowText` are.
     std::string_view MeasureText(const char* text);
+
+    /// Calls `visit` with each entry that has a node and is completed by a variable that has none.
+    template <typename Visitor>
+    void ForEachCompletedByPassed(Visitor&& visit) const {
+        for (const VPassedVariable& variable : mPassedVariables) {
+            const VDebugInfoNode* completed =
+                variable.mSpecification != 0 ? mDieNodes.Peek(variable.mSpecification) : nullptr;
+            if (completed != nullptr && mDieNodes.Peek(variable.mOffset) == nullptr) {
+                visit(*completed);
+            }
+        }
+    }
+    /// Counts the references of passed variables as those of nodes are counted.
+    void NoteReferencesOfPassed() const;
 
     /// @}
     /// @name Resolution and delivery
@@ -182,6 +207,8 @@ public:
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
     bool mAutodetectPending = true;
     VDieNodeMap mDieNodes;
+    /// Those of them that refer to others, in the order of reading.
+    std::vector<VPassedVariable> mPassedVariables;
     /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
     /// Sizes of the unknown types that are kept at hand.
@@ -206,9 +233,17 @@ private:
     /// @param nameOffset place of the supplementary file's name in the section
     void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) const;
     bool ProcessCompileUnit(VCompileUnitHeader& header);
+    /// Reads a unit with all its entries.
+    /// @param made takes the nodes of `NodeChoice::Missing`
+    bool ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
+                  std::vector<VDebugInfoNode*>& made);
+    std::vector<VDebugInfoNode*> ReadPassedEntriesOf(const std::vector<VCompileUnitHeader*>& units);
+    /// True if each unit begins behind the one before.
+    [[nodiscard]] bool AreUnitsApart() const;
     /// True only for a text of `.debug_str` that is known to be short.
     [[nodiscard]] bool IsShortText(const char* text) const;
 
+    bool mKeepsAllEntries = false;
     /// The buffer of the latest unit, whose memory serves the next one.
     std::unique_ptr<VElfBuffer> mUnitBuffer;
     ShortTexts mShortTexts;

@@ -16,8 +16,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// From this number of nodes on, progress is told a hundred times.
-constexpr std::size_t sManyNodes = 200;
+/// From this number of entries on, progress is told a hundred times.
+constexpr std::size_t sManyEntries = 200;
 
 bool IsRootVariable(const VDebugInfoNode& variable) {
     return (variable.HasLocation() || !variable.IsDeclaration()) &&
@@ -70,10 +70,11 @@ bool VDwarf2Section::IsEmissionRoot(const VDebugInfoNode& node, bool allTypes) {
 
 bool VDwarf2Section::EmitNodes() {
     const std::span<const VDieNodeMap::Link> nodes = mDieNodes.InOffsetOrder();
-    const std::size_t step = nodes.size() >= sManyNodes ? nodes.size() / 100 : 1;
+    const std::size_t entryCount = mDieNodes.Size();
+    const std::size_t step = entryCount >= sManyEntries ? entryCount / 100 : 1;
     const bool allTypes = mReader != nullptr && mReader->IsReadAllTypes();
     if (mReader != nullptr) {
-        mReader->SetProgressInterval(0, static_cast<std::int32_t>(nodes.size()));
+        mReader->SetProgressInterval(0, static_cast<std::int32_t>(entryCount));
         mReader->SetProgressValue(0);
         mReader->SetProgressText("Post-Processing...");
     }
@@ -89,12 +90,12 @@ bool VDwarf2Section::EmitNodes() {
     };
     mDieNodes.ForEachPlace(PlacesOfRoots(mDieNodes, !mElfFile->IsUnlinked(), allTypes),
                            [&](std::uint32_t place) {
-                               tellProgressBefore(place);
+                               tellProgressBefore(mDieNodes.EntriesBefore(place));
                                if (IsEmissionRoot(*nodes[place], allTypes)) {
                                    emission.Deliver(*nodes[place]);
                                }
                            });
-    tellProgressBefore(nodes.size());
+    tellProgressBefore(entryCount);
     if (VElfOptions::mDumpDebugInfoNodes != 0) {
         DumpDebugInfoNodes();
     }

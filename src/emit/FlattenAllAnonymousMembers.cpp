@@ -57,6 +57,9 @@ public:
                                             Add(node, *type);
                                         }
                                     });
+        if (!mHolders.empty()) {
+            section.NoteReferencesOfPassed();
+        }
     }
 
     void Flatten() {

@@ -7,9 +7,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDwarf2Section;
 
-/// 1. Turns the references of all nodes into links. Parameters of functions that no entry refers to
-/// are never delivered: they keep their references, names and sizes as read, unless nodes are
-/// dumped or a bit field depends on them.
+/// 1. Turns the references of all nodes into links. Passed entries that are referred to get nodes.
 void ResolveAllReferences(VDwarf2Section& section);
 
 /// 2. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second
@@ -25,6 +23,10 @@ void LinkUnits(VDwarf2Section& section);
 
 /// 4. Cuts each cycle of type or specification links once.
 void BreakAllReferenceCycles(VDwarf2Section& section);
+
+/// Between 4 and 5: makes the nodes of all passed entries if a bit field depends on the sizes that
+/// they settle, see `VDebugInfoNode::DependsOnSizesBefore`.
+void ReadEntriesForSizes(VDwarf2Section& section);
 
 /// 5. Gives each unit the first one of its name and directory.
 void UnifyCompileUnits(VDwarf2Section& section);

@@ -108,6 +108,8 @@ public:
                 mPlacedNames.insert(VariableNames(variable).name);
             }
         });
+        section.ForEachCompletedByPassed(
+            [this](const VDebugInfoNode& specification) { mCompleted.insert(&specification); });
     }
 
     void Resolve(VDebugInfoNode& variable) {

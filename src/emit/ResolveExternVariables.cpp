@@ -23,6 +23,8 @@ public:
                 mCompleted.insert(specification);
             }
         });
+        section.ForEachCompletedByPassed(
+            [this](const VDebugInfoNode& specification) { mCompleted.insert(&specification); });
     }
 
     void Resolve(VDebugInfoNode& variable) {

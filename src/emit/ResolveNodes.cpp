@@ -19,19 +19,28 @@ namespace {
 using ResolutionPass = void (*)(VDwarf2Section&);
 
 constexpr ResolutionPass sClassicPasses[] = {
-    ResolveAllReferences,    DemangleNames,          GroupTypesOfSameName,
-    BreakAllReferenceCycles, UnifyCompileUnits,      ResolveExternVariables,
-    ResolveAllSizes,         MarkRedundantVariables, FlattenAnonymousMembers,
+    ResolveAllReferences,    DemangleNames,       GroupTypesOfSameName,
+    BreakAllReferenceCycles, ReadEntriesForSizes, UnifyCompileUnits,
+    ResolveExternVariables,  ResolveAllSizes,     MarkRedundantVariables,
+    FlattenAnonymousMembers,
 };
 
 constexpr ResolutionPass sFullPasses[] = {
-    ResolveAllReferences,       DemangleNames,
-    GroupTypesOfSameName,       LinkUnits,
-    BreakAllReferenceCycles,    UnifyCompileUnits,
-    LeaveOutDiscardedVariables, ResolveDeclaredVariables,
-    TakeOverFromOrigins,        PlaceBitFields,
-    SettlePointerSizes,         ResolveAllSizes,
-    MarkRedundantDeclarations,  FlattenAllAnonymousMembers,
+    ResolveAllReferences,
+    DemangleNames,
+    GroupTypesOfSameName,
+    LinkUnits,
+    BreakAllReferenceCycles,
+    ReadEntriesForSizes,
+    UnifyCompileUnits,
+    LeaveOutDiscardedVariables,
+    ResolveDeclaredVariables,
+    TakeOverFromOrigins,
+    PlaceBitFields,
+    SettlePointerSizes,
+    ResolveAllSizes,
+    MarkRedundantDeclarations,
+    FlattenAllAnonymousMembers,
 };
 
 /// Such a pointer is a pair of a function and the displacement of its object.
@@ -53,19 +62,10 @@ std::span<const ResolutionPass> PassesOf(ReadingManner manner) {
 bool VDwarf2Section::ResolveNodes() {
     VElfOptions::mLogNestLevel = 0;
     tag_alignment.clear();
-    if (VElfOptions::mDumpDebugInfoNodes != 0) {
-        mDieNodes.LeaveNoneOut();
-    }
     for (const ResolutionPass pass : PassesOf(mElfFile->mManner)) {
         pass(*this);
     }
     return true;
-}
-
-void ResolveAllReferences(VDwarf2Section& section) {
-    const auto resolve = [&](VDebugInfoNode& node) { node.ResolveReferences(section.mDieNodes); };
-    section.mDieNodes.ForEachWith(NodeTask::References, resolve);
-    section.mDieNodes.ForEachReferredParameter(resolve);
 }
 
 void BreakAllReferenceCycles(VDwarf2Section& section) {

@@ -1,5 +1,5 @@
 // From the decoded entry to its node: which class a tag gets, and what is done at once when a node
-// is made. No entry goes without a node; what has no class of its own becomes a general one.
+// is made. What has no class of its own becomes a general one.
 #include "container/VElfFile.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
@@ -25,20 +25,25 @@ constexpr std::uint8_t sGlobalBinding = 0x10;
 
 } // namespace
 
-bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header) {
+bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header, VDebugInfoNode* parent) {
     if (mTag == DW_TAG_compile_unit && mSection->mReader != nullptr &&
         VDwarf2Section::SectionToUnitOffset(*header, mOffset) < sProgressOffset) {
         mSection->mReader->SetProgressValue(static_cast<std::int32_t>(mOffset));
     }
+    mNode = CreateNode(header, parent);
+    mSection->mDieNodes.Insert(mOffset, mNode);
+    return true;
+}
+
+VDebugInfoNode* VDie2::CreateNode(VCompileUnitHeader* header, VDebugInfoNode* parent) {
     if (mTag == DW_TAG_variable && mLocationAddress != 0) {
         const Elf32_Sym* symbol =
             mSection->mElfFile->FindSymbolByAddress(mLocationAddress, mName.Get());
         mIsExternal = mIsExternal || (symbol != nullptr && (symbol->st_info & sGlobalBinding) != 0);
     }
-    mNode = CreateNodeByTag(header);
-    mNode->InitFromDie(*this, *mSection);
-    mSection->mDieNodes.Insert(mOffset, mNode);
-    return true;
+    VDebugInfoNode* node = CreateNodeByTag(header, parent);
+    node->InitFromDie(*this, *mSection);
+    return node;
 }
 
 VDebugInfoNode* VDie2::CreateUnitNode(VCompileUnitHeader* header) {
@@ -52,9 +57,8 @@ VDebugInfoNode* VDie2::CreateUnitNode(VCompileUnitHeader* header) {
     return unit;
 }
 
-VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header) {
+VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header, VDebugInfoNode* parent) {
     VNodeArena& arena = mSection->mArena;
-    VDebugInfoNode* parent = mOpenNodes.empty() ? nullptr : mOpenNodes.back();
     const auto plain = [&]<typename Node>() { return arena.Create<Node>(mOffset, header, parent); };
     const auto name = [&] { return mSection->KeepText(mName); };
     const auto named = [&]<typename Node>() {

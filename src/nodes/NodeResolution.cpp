@@ -64,6 +64,13 @@ VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& no
                : nullptr;
 }
 
+/// The same for a bound, which has no use for passed entries: none of them has a static place.
+VDebugInfoNode* FindBound(const VAttributeValue& value, const VDieNodeMap& nodes) {
+    return value.IsDefined() && value.IsReference() && value.mValue != 0
+               ? nodes.FindUnpassed(static_cast<std::uint32_t>(value.mValue))
+               : nullptr;
+}
+
 } // namespace
 
 NodeTask VDebugInfoNode::GetTasks() const {
@@ -76,6 +83,36 @@ NodeTask VDebugInfoNode::GetTasks() const {
     return (hasName ? NodeTask::Name : NodeTask::None) |
            (hasReferences ? NodeTask::References : NodeTask::None) |
            (hasSize ? NodeTask::Size : NodeTask::None);
+}
+
+bool VDebugInfoNode::DependsOnSizesBefore() const {
+    if (!mHasExtras || mByteSize > 0 || GetBitSize() == 0) {
+        return false;
+    }
+    const VDebugInfoNode* type = GetTypeNode();
+    if (type == nullptr) {
+        return false;
+    }
+    if (HasByteSize() || IsWithoutSize(mTag)) {
+        return true;
+    }
+    for (int link = 0; link < sMaximumNesting; ++link) {
+        if (IsPointerOrReference(*type)) {
+            return false;
+        }
+        const VDebugInfoNode* next = type->GetTypeNode();
+        if (next == nullptr) {
+            return false;
+        }
+        if (type->HasByteSize()) {
+            return type->mByteSize <= 0;
+        }
+        if (type->mTag == DW_TAG_array_type || IsWithoutSize(type->mTag)) {
+            return true;
+        }
+        type = next;
+    }
+    return true;
 }
 
 void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
@@ -99,9 +136,9 @@ void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
 
 void VDebugInfoNodeSubrange::ResolveReferences(const VDieNodeMap& nodes) {
     VDebugInfoNode::ResolveReferences(nodes);
-    mLowerBoundNode = FindReferred(mLowerBound, nodes);
-    mUpperBoundNode = FindReferred(mUpperBound, nodes);
-    mCountNode = FindReferred(mCount, nodes);
+    mLowerBoundNode = FindBound(mLowerBound, nodes);
+    mUpperBoundNode = FindBound(mUpperBound, nodes);
+    mCountNode = FindBound(mCount, nodes);
 }
 
 bool VDebugInfoNode::ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& /*section*/) {

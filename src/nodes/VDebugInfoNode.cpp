@@ -11,9 +11,8 @@ VDebugInfoNode::VDebugInfoNode(dwarf_tag tag, std::uint32_t sectionOffset,
     : mTag(static_cast<std::uint16_t>(std::min<dwarf_tag>(tag, kWideTag)))
     , mCompileUnitHeader(header)
     , mParent(parent)
-    , mOffset(sectionOffset) {
-    static std::uint32_t sCurrentDebugNodeRecord = 0;
-    mNodeRecord = static_cast<std::int32_t>(sCurrentDebugNodeRecord++);
+    , mOffset(sectionOffset)
+    , mNodeRecord(static_cast<std::int32_t>(TakeNodeRecord())) {
     if (parent != nullptr) {
         parent->AddChild(this);
     }

@@ -18,6 +18,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -119,24 +120,29 @@ public:
     /// Section offset of the entry.
     [[nodiscard]] std::uint32_t GetOffset() const { return mOffset; }
     [[nodiscard]] VCompileUnitHeader* GetCompileUnitHeader() const { return mCompileUnitHeader; }
-    /// True for a parameter of a function that tells no more than its name and type.
-    [[nodiscard]] bool IsPlainParameter() const {
-        return mTag == DW_TAG_formal_parameter && !mHasExtras && mParent != nullptr &&
-               mParent->mTag == DW_TAG_subprogram;
-    }
     /// True for a bit field that doesn't tell the size of its storage, but counts from its
-    /// high-order bit. What it makes of its type depends on whether nodes before it, parameters
-    /// too, have settled the size of that type.
+    /// high-order bit.
     [[nodiscard]] bool IsBitFieldWithoutSize() const {
         return mHasExtras && mByteSize <= 0 && GetBitSize() != 0 &&
                GetBitNumbering() != BitNumbering::Structure;
     }
+    /// True for a bit field whose own type doesn't settle its size for certain. Where it lies
+    /// depends on whether entries before it, passed ones too, have settled the sizes of the types
+    /// behind that one. To be asked before any size is settled.
+    [[nodiscard]] bool DependsOnSizesBefore() const;
     /// What the passes have to do at the node, as far as its attributes tell.
     [[nodiscard]] NodeTask GetTasks() const;
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
     [[nodiscard]] std::int32_t GetTagRecord() const { return mTagRecord; }
-    /// Running number of the node in the process.
+    /// Running number of the entry in the process, among those that have nodes or were passed.
     [[nodiscard]] std::int32_t GetNodeRecord() const { return mNodeRecord; }
+    /// Takes the number of an entry that gets no node now.
+    static std::uint32_t TakeNodeRecord() { return sNextNodeRecord++; }
+    /// Gives the next node this number.
+    /// @return the number that it would have had
+    static std::uint32_t SetNextNodeRecord(std::uint32_t number) {
+        return std::exchange(sNextNodeRecord, number);
+    }
 
     /// @}
     /// @name Tree
@@ -442,6 +448,8 @@ private:
     void SettleByteSizeOfChain(const VDieNodeMap& nodes);
     [[nodiscard]] VDebugInfoNode* FindNumberingOwner() const;
     static VDebugInfoNode* WithDefinition(VDebugInfoNode* node);
+
+    static inline std::uint32_t sNextNodeRecord = 0;
 
     // There are millions of nodes: what not all of them need lies elsewhere, and no byte is left
     // unused. What the passes look at comes first, so that it mostly lies in one line of the cache.

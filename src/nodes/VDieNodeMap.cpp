@@ -56,11 +56,8 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
         mPlaces[static_cast<std::size_t>(group)].push_back(place);
     }
     mNodes.emplace_back(node);
-    mMarks.push_back(static_cast<NodeMarks>(static_cast<NodeMarks>(node->GetTasks()) |
-                                            (node->IsPlainParameter() ? kIsIdle : 0)));
-    if (node->IsBitFieldWithoutSize()) {
-        mLeftOut = 0;
-    }
+    mMarks.push_back(static_cast<NodeMarks>(node->GetTasks()));
+    mHasBitFieldsWithoutSize = mHasBitFieldsWithoutSize || node->IsBitFieldWithoutSize();
 }
 
 std::size_t VDieNodeMap::PlaceOf(std::uint32_t sectionOffset) const {
@@ -80,18 +77,24 @@ std::size_t VDieNodeMap::PlaceOf(std::uint32_t sectionOffset) const {
     return stretch.firstPlace + before;
 }
 
-VDebugInfoNode* VDieNodeMap::Find(std::uint32_t sectionOffset) const {
+VDebugInfoNode* VDieNodeMap::FindUnpassed(std::uint32_t sectionOffset) const {
     const std::size_t place = PlaceOf(sectionOffset);
     if (place == kNoPlace) {
         return nullptr;
     }
     NodeMarks& marks = mMarks[place];
-    if ((marks & kIsIdle) != 0) {
-        mReferredParameters.push_back(static_cast<std::uint32_t>(place));
-    }
     const NodeMarks again = (marks & kIsReferred) != 0 ? kIsReferredAgain : 0;
-    marks = static_cast<NodeMarks>((marks | kIsReferred | again) & ~kIsIdle);
+    marks = static_cast<NodeMarks>(marks | kIsReferred | again);
     return mNodes[place];
+}
+
+VDebugInfoNode* VDieNodeMap::Peek(std::uint32_t sectionOffset) const {
+    const std::size_t place = PlaceOf(sectionOffset);
+    return place != kNoPlace ? mNodes[place].Get() : nullptr;
+}
+
+void VDieNodeMap::NoteReferred(const VDebugInfoNode& node) const {
+    NoteReferred(node.GetOffset());
 }
 
 bool VDieNodeMap::IsReferredOnce(const VDebugInfoNode& node) const {
@@ -99,8 +102,11 @@ bool VDieNodeMap::IsReferredOnce(const VDebugInfoNode& node) const {
     return place != kNoPlace && (mMarks[place] & kIsReferredAgain) == 0;
 }
 
-void VDieNodeMap::NoteReferred(const VDebugInfoNode& node) const {
-    static_cast<void>(Find(node.GetOffset()));
+std::size_t VDieNodeMap::EntriesBefore(std::size_t place) const {
+    // Where entries are passed, they come in the order of their offsets.
+    return mPassedCount == 0 ? place
+                             : static_cast<std::uint32_t>(mNodes[place]->GetNodeRecord()) -
+                                   static_cast<std::uint32_t>(mNodes.front()->GetNodeRecord());
 }
 
 std::span<const VDieNodeMap::Link> VDieNodeMap::InOffsetOrder() const {
@@ -125,11 +131,12 @@ void VDieNodeMap::MergeOutOfOrder() const {
         return;
     }
     const std::vector<Link> inOrder = std::exchange(mNodes, {});
+    const std::vector<NodeMarks> marksInOrder = std::exchange(mMarks, {});
     mStretches.clear();
     mPlaces = {};
-    mMarks.clear();
     auto late = mOutOfOrder.cbegin();
-    for (VDebugInfoNode* node : inOrder) {
+    for (std::size_t place = 0; place < inOrder.size(); ++place) {
+        VDebugInfoNode* node = inOrder[place];
         for (; late != mOutOfOrder.cend() && late->first < node->GetOffset(); ++late) {
             Append(late->second);
         }
@@ -137,6 +144,7 @@ void VDieNodeMap::MergeOutOfOrder() const {
             ++late;
         }
         Append(node);
+        mMarks.back() = marksInOrder[place];
     }
     mOutOfOrder.clear();
 }

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <map>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -68,11 +69,43 @@ public:
     /// Adds a node under its offset. An offset that is there already keeps its first node.
     void Insert(std::uint32_t sectionOffset, VDebugInfoNode* node);
 
+    /// Takes note of an entry that gets no node for now.
+    void Pass() { ++mPassedCount; }
+    /// An entry that was passed gets its node now.
+    void TakeBack() { --mPassedCount; }
+    [[nodiscard]] std::size_t PassedCount() const { return mPassedCount; }
+
     /// The node of exactly this offset, or null. Takes note that it is referred to.
-    [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const;
+    [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const {
+        VDebugInfoNode* node = FindUnpassed(sectionOffset);
+        if (node == nullptr) {
+            mMissing.push_back(sectionOffset);
+        }
+        return node;
+    }
+    /// The same for whom a passed entry is as good as none.
+    [[nodiscard]] VDebugInfoNode* FindUnpassed(std::uint32_t sectionOffset) const;
+    /// The same without taking note of anything.
+    [[nodiscard]] VDebugInfoNode* Peek(std::uint32_t sectionOffset) const;
+
+    /// Counts an offset as asked for, without that it is referred to yet.
+    void Announce(std::uint32_t sectionOffset) const {
+        if (Peek(sectionOffset) == nullptr) {
+            mMissing.push_back(sectionOffset);
+        }
+    }
+    [[nodiscard]] std::size_t MissingCount() const { return mMissing.size(); }
+    /// Offsets that `Find` was asked for and has no node of, since they were taken last.
+    [[nodiscard]] std::vector<std::uint32_t> TakeMissing() const {
+        return std::exchange(mMissing, {});
+    }
+    void ForgetMissing() const { mMissing.clear(); }
 
     /// Takes note that a node of the map is referred to by a link that `Find` did not give.
     void NoteReferred(const VDebugInfoNode& node) const;
+    void NoteReferred(std::uint32_t sectionOffset) const {
+        static_cast<void>(FindUnpassed(sectionOffset));
+    }
 
     /// True if one link at most is known to lead to a node of the map.
     [[nodiscard]] bool IsReferredOnce(const VDebugInfoNode& node) const;
@@ -102,29 +135,12 @@ public:
         ForEachPlace(PlacesOf(group), [&](std::uint32_t place) { visit(*mNodes[place]); });
     }
 
-    /// For trees of which every node is going to be looked at.
-    void LeaveNoneOut() { mLeftOut = 0; }
-
     /// Calls `visit` with each node that a pass has this to do at, in ascending order of their
-    /// offsets. Plain parameters that nothing is known to refer to are left out: of parameters
-    /// there are more than of any other entries, and nobody asks for them but who refers to them.
-    /// None is left out after `LeaveNoneOut`, or if a bit field shows in which order sizes are
-    /// settled, see `VDebugInfoNode::IsBitFieldWithoutSize`.
+    /// offsets.
     template <typename Visitor>
     void ForEachWith(NodeTask task, Visitor&& visit) const {
         Settle();
-        ForEachIf([&](NodeMarks marks) { return (marks & mLeftOut) == 0 && Has(marks, task); },
-                  visit);
-    }
-
-    /// Calls `visit` with each plain parameter that is known to be referred to, those included that
-    /// become known on the way, in the order in which they became so.
-    template <typename Visitor>
-    void ForEachReferredParameter(Visitor&& visit) const {
-        // NOLINTNEXTLINE(modernize-loop-convert): the list grows meanwhile
-        for (std::size_t index = 0; index < mReferredParameters.size(); ++index) {
-            visit(*mNodes[mReferredParameters[index]]);
-        }
+        ForEachIf([task](NodeMarks marks) { return Has(marks, task); }, visit);
     }
 
     /// Calls `visit` with each node that is known to be referred to and refers to others itself, in
@@ -139,15 +155,20 @@ public:
             visit);
     }
 
-    [[nodiscard]] std::size_t Size() const { return mNodes.size() + mOutOfOrder.size(); }
+    /// Number of entries, the passed ones too.
+    [[nodiscard]] std::size_t Size() const {
+        return mNodes.size() + mOutOfOrder.size() + mPassedCount;
+    }
+    /// Number of entries before the node at a place of `InOffsetOrder`, the passed ones too.
+    [[nodiscard]] std::size_t EntriesBefore(std::size_t place) const;
+    /// See `VDebugInfoNode::IsBitFieldWithoutSize`.
+    [[nodiscard]] bool HasBitFieldsWithoutSize() const { return mHasBitFieldsWithoutSize; }
 
 private:
     /// What is to be done at a node, and the marks below.
     using NodeMarks = std::uint8_t;
     static constexpr NodeMarks kIsReferredAgain = 0x20;
     static constexpr NodeMarks kIsReferred = 0x40;
-    /// A plain parameter that nothing is known to refer to.
-    static constexpr NodeMarks kIsIdle = 0x80;
 
     static bool Has(NodeMarks marks, NodeTask task) {
         return (marks & static_cast<NodeMarks>(task)) != 0;
@@ -192,10 +213,10 @@ private:
     mutable std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>
         mPlaces;
     mutable std::vector<NodeMarks> mMarks;
-    /// Marks of nodes that `ForEachWith` leaves out.
-    mutable NodeMarks mLeftOut = kIsIdle;
-    mutable std::vector<std::uint32_t> mReferredParameters;
+    mutable std::vector<std::uint32_t> mMissing;
+    mutable bool mHasBitFieldsWithoutSize = false;
     mutable bool mIsSettled = false;
+    std::size_t mPassedCount = 0;
     std::int64_t mLastOffset = -1;
 };
 

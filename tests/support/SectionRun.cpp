@@ -43,6 +43,11 @@ SectionRun::~SectionRun() {
 }
 
 bool SectionRun::Read() {
+    mSection.KeepAllEntries();
+    return ReadWithoutCode();
+}
+
+bool SectionRun::ReadWithoutCode() {
     testing::internal::CaptureStdout();
     const bool result = Init() && mSection.MapCompileUnits() && mSection.ProcessCompileUnits();
     testing::internal::GetCapturedStdout();

@@ -27,8 +27,11 @@ public:
     SectionRun& operator=(SectionRun&&) = delete;
 
     bool Init() { return mSection.Init(mFile, nullptr); }
-    /// `Init`, mapping and reading of all units. What goes to standard output is dropped.
+    /// `Init`, mapping and reading of all units. Every entry gets its node. What goes to standard
+    /// output is dropped.
     bool Read();
+    /// The same without nodes for entries that nothing asks for, as hosts read.
+    bool ReadWithoutCode();
 
     [[nodiscard]] Reader::DWARF::VElfFile& File() { return mFile; }
     [[nodiscard]] Reader::DWARF::VDwarf2Section& Section() { return mSection; }

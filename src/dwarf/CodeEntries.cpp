@@ -1,0 +1,77 @@
+#include "dwarf/CodeEntries.h"
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// True for attributes that nobody asks a passed entry for.
+bool IsOfCodeAlone(AttributeTarget target) {
+    switch (target) {
+    case AttributeTarget::None:
+    case AttributeTarget::Name:
+    case AttributeTarget::Location:
+    case AttributeTarget::ConstValue:
+    case AttributeTarget::Declaration:
+    case AttributeTarget::External:
+    case AttributeTarget::AbstractOrigin:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool TellsItsLength(FormReading reading) {
+    return reading != FormReading::Unknown && reading != FormReading::Indirect;
+}
+
+} // namespace
+
+bool IsCodeScope(dwarf_tag tag) {
+    switch (tag) {
+    case DW_TAG_lexical_block:
+    case DW_TAG_inlined_subroutine:
+    case DW_TAG_call_site:
+    case DW_TAG_GNU_call_site:
+        return true;
+    default:
+        return false;
+    }
+}
+
+CodeEntry CodeEntryOf(dwarf_tag tag, bool hasChildren) {
+    if (IsCodeScope(tag)) {
+        return hasChildren ? CodeEntry::Scope : CodeEntry::Passed;
+    }
+    if (hasChildren) {
+        return CodeEntry::Kept;
+    }
+    switch (tag) {
+    case DW_TAG_formal_parameter:
+    case DW_TAG_unspecified_parameters:
+    case DW_TAG_label:
+    case DW_TAG_call_site_parameter:
+    case DW_TAG_GNU_call_site_parameter:
+        return CodeEntry::Passed;
+    case DW_TAG_variable:
+        return CodeEntry::Variable;
+    default:
+        return CodeEntry::Kept;
+    }
+}
+
+CodeEntry WithAttribute(CodeEntry entry, dwarf_tag tag, AttributeTarget target,
+                        FormReading reading) {
+    if (entry == CodeEntry::Kept || entry == CodeEntry::Variable) {
+        return entry;
+    }
+    if (!TellsItsLength(reading)) {
+        return CodeEntry::Kept;
+    }
+    // A type counts how often it is referred to, and parameters of functions don't.
+    if (target == AttributeTarget::Type && tag == DW_TAG_formal_parameter) {
+        return CodeEntry::Parameter;
+    }
+    return IsOfCodeAlone(target) ? entry : CodeEntry::Kept;
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

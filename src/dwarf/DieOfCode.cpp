@@ -1,0 +1,147 @@
+// How the walk over a unit passes the entries of code, and how it reads them after all when one of
+// them is referred to. Which entries these are is in CodeEntries.h.
+#include "dwarf/VAbrTab.h"
+#include "dwarf/VCompileUnitHeader.h"
+#include "dwarf/VCompileUnitReader.h"
+#include "dwarf/VDie2.h"
+#include "dwarf/VDwarf2Section.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <algorithm>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+CodeEntry VDie2::CodeEntryHere() const {
+    if (mChoice != NodeChoice::WithoutCode || mOpenEntries.empty()) {
+        return CodeEntry::Kept;
+    }
+    switch (mOpenEntries.back().surroundings) {
+    case Surroundings::Function:
+        return mItem->mCodeEntry;
+    case Surroundings::CodeOfFunction:
+        return mItem->mCodeEntry != CodeEntry::Parameter ? mItem->mCodeEntry : CodeEntry::Kept;
+    default:
+        return CodeEntry::Kept;
+    }
+}
+
+VDie2::Entry VDie2::PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
+    VDieFormValue passed;
+    for (const TDieAttribute& step : mAbbrevTable->PassingStepsOf(*mItem)) {
+        mBuffer->MoveOffset(step.mSkip);
+        ReadFormValue(step, passed);
+        if (mBuffer->HasPassedEnd()) {
+            break;
+        }
+    }
+    if (mBuffer->HasPassedEnd()) {
+        return Entry::Unknown;
+    }
+    mSection->mDieNodes.Pass();
+    const std::uint32_t nodeRecord = VDebugInfoNode::TakeNodeRecord();
+    if (mItem->mHasChildren == 1) {
+        mOpenEntries.push_back({.surroundings = Surroundings::CodeOfFunction,
+                                .isInFunction = true,
+                                .unitOffset = unitOffset,
+                                .recordNumber = recordNumber,
+                                .nodeRecord = nodeRecord});
+    }
+    return Entry::Passed;
+}
+
+VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber) {
+    const std::int32_t behindCode = mBuffer->GetOffset();
+    const TAbrTabItem* item = mItem;
+    const Entry entry = DecodeEntry(unitOffset, recordNumber);
+    if (entry != Entry::Decoded) {
+        return entry;
+    }
+    if (mHasLocation && mIsRegisterOrStackLocation) {
+        PassVariable();
+        return Entry::Passed;
+    }
+    if (!MakeWaitingNodes()) {
+        return entry;
+    }
+    mItem = item;
+    mBuffer->SetOffset(behindCode);
+    return DecodeEntry(unitOffset, recordNumber);
+}
+
+void VDie2::PassVariable() {
+    mSection->mDieNodes.Pass();
+    static_cast<void>(VDebugInfoNode::TakeNodeRecord());
+    VPassedVariable variable{.mOffset = mOffset};
+    if (mSpecification.IsReference()) {
+        variable.mSpecification = static_cast<std::uint32_t>(mSpecification.mValue);
+    }
+    if (mTypeRef != 0) {
+        variable.mType = mTypeRefIsSectionOffset
+                             ? mTypeRef
+                             : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, mTypeRef);
+    }
+    if (variable.mSpecification != 0 || (variable.mType != 0 && mManner == ReadingManner::Full)) {
+        mSection->mPassedVariables.push_back(variable);
+    }
+}
+
+bool VDie2::MakeWaitingNodes() {
+    if (mOpenEntries.empty() || mOpenEntries.back().node != nullptr) {
+        return false;
+    }
+    VCompileUnitHeader* header = &mUnitReader->mHeader;
+    auto waiting = std::ranges::find(mOpenEntries, nullptr, &OpenEntry::node);
+    for (; waiting != mOpenEntries.end(); ++waiting) {
+        mBuffer->SetOffset(waiting->unitOffset);
+        ReadAbbrevCode();
+        DecodeEntry(waiting->unitOffset, waiting->recordNumber);
+        mSection->mDieNodes.TakeBack();
+        const std::uint32_t next = VDebugInfoNode::SetNextNodeRecord(waiting->nodeRecord);
+        // Code stands in a function: there is an entry around it.
+        MapCurrentDieToNode(header, (waiting - 1)->node);
+        VDebugInfoNode::SetNextNodeRecord(next);
+        waiting->node = mNode;
+    }
+    return true;
+}
+
+void VDie2::OpenCurrentEntry() {
+    OpenEntry entry{.node = mNode};
+    const bool isOuterCode =
+        !mOpenEntries.empty() && mOpenEntries.back().surroundings != Surroundings::Other;
+    entry.isInFunction = !mOpenEntries.empty() && mOpenEntries.back().isInFunction;
+    if (mTag == DW_TAG_subprogram) {
+        entry.surroundings = Surroundings::Function;
+        entry.isInFunction = true;
+    } else if (isOuterCode && IsCodeScope(mTag)) {
+        entry.surroundings = Surroundings::CodeOfFunction;
+    }
+    if (mChoice == NodeChoice::Missing && entry.surroundings != Surroundings::Other) {
+        TakeOffChildren(*mNode);
+    }
+    mOpenEntries.push_back(entry);
+}
+
+void VDie2::TakeOffChildren(VDebugInfoNode& node) {
+    for (VDebugInfoNode* children = node.DetachChildren(); children != nullptr;) {
+        VDebugInfoNode::TakeNext(children);
+    }
+}
+
+void VDie2::MakeMissingNode(VCompileUnitHeader* header) {
+    VDebugInfoNode* parent = InnermostOpenNode();
+    mNode = mSection->mDieNodes.Peek(mOffset);
+    if (mNode == nullptr) {
+        mNode = CreateNode(header, parent);
+        mSection->mDieNodes.TakeBack();
+        mMadeNodes.push_back(mNode);
+        return;
+    }
+    VDebugInfoNode::SetNextNodeRecord(static_cast<std::uint32_t>(mNode->GetNodeRecord()) + 1);
+    if (!mOpenEntries.empty() && mOpenEntries.back().surroundings != Surroundings::Other &&
+        mTag != DW_TAG_compile_unit) {
+        parent->AddChild(mNode);
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,0 +1,95 @@
+// References become links. Entries of code have no nodes, see dwarf/CodeEntries.h; one that is
+// referred to all the same gets its node here, with all others of its unit:
+//
+//     subprogram "f"                              passed: formal_parameter "p"
+//     typedef "T"  type: "p" (a damaged file)     now "p" is read, and the typedef gets its link
+//
+// What is read then may refer to passed entries of other units.
+#include "dwarf/VDwarf2Section.h"
+#include "emit/ResolutionPasses.h"
+#include "nodes/VDebugInfoNode.h"
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// Rounds in which only the units that are referred to are read again. Only files that are made
+/// for it need more, and these could ask for one unit after the other.
+constexpr int sRoundsByUnit = 8;
+
+class ReferenceResolver {
+public:
+    explicit ReferenceResolver(VDwarf2Section& section)
+        : mSection(section)
+        , mNodes(section.mDieNodes) {}
+
+    void ResolveAll() {
+        mNodes.ForgetMissing();
+        mNodes.ForEachWith(NodeTask::References, [this](VDebugInfoNode& node) { Resolve(node); });
+        for (const auto& [declaration, type] : mSection.mUnitLinks.mTypeDeclarations) {
+            mNodes.Announce(type);
+        }
+        for (int round = 0; mNodes.PassedCount() != 0 && mNodes.MissingCount() != 0; ++round) {
+            ResolveMissing(round < sRoundsByUnit ? mSection.ReadPassedEntries(mNodes.TakeMissing())
+                                                 : mSection.ReadAllPassedEntries());
+        }
+    }
+
+private:
+    void Resolve(VDebugInfoNode& node) {
+        const std::size_t missing = mNodes.MissingCount();
+        node.ResolveReferences(mNodes);
+        if (mNodes.MissingCount() != missing) {
+            mUnresolved.push_back(&node);
+        }
+    }
+
+    void ResolveMissing(const std::vector<VDebugInfoNode*>& made) {
+        mNodes.ForgetMissing();
+        if (made.empty()) {
+            return;
+        }
+        const std::vector<VDebugInfoNode*> unresolved = std::exchange(mUnresolved, {});
+        for (VDebugInfoNode* node : unresolved) {
+            node->ResolveReferences(mNodes);
+        }
+        // What led nowhere just now leads nowhere at all.
+        mNodes.ForgetMissing();
+        for (VDebugInfoNode* node : made) {
+            Resolve(*node);
+        }
+    }
+
+    VDwarf2Section& mSection;
+    VDieNodeMap& mNodes;
+    /// Nodes with references that led to none.
+    std::vector<VDebugInfoNode*> mUnresolved;
+};
+
+} // namespace
+
+void ResolveAllReferences(VDwarf2Section& section) {
+    ReferenceResolver(section).ResolveAll();
+}
+
+void ReadEntriesForSizes(VDwarf2Section& section) {
+    VDieNodeMap& nodes = section.mDieNodes;
+    if (nodes.PassedCount() == 0 || !nodes.HasBitFieldsWithoutSize()) {
+        return;
+    }
+    bool dependsOnThem = false;
+    nodes.ForEachWith(NodeTask::Size, [&](const VDebugInfoNode& node) {
+        dependsOnThem = dependsOnThem || node.DependsOnSizesBefore();
+    });
+    if (dependsOnThem) {
+        for (VDebugInfoNode* node : section.ReadAllPassedEntries()) {
+            node->ResolveReferences(nodes);
+        }
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
