@@ -24,18 +24,26 @@ PROGRAMS = ROOT / "build" / "release"
 
 @dataclasses.dataclass
 class Tool:
-    """A program and its arguments before the image; `package` has it on Debian."""
+    """A program and its arguments before and behind the image; `package` has it on Debian."""
     name: str
     command: list
     package: str
     isSlow: bool = False
+    behind: list = dataclasses.field(default_factory=list)
 
 
-BRINDLE = Tool("brindle vars --all-types",
-               [str(PROGRAMS / "app/brindle"), "vars", "--all-types", "--no-progress"], "")
+def brindle(command, *arguments, behind=()):
+    name = " ".join(["brindle", command, *arguments, *behind])
+    return Tool(name, [str(PROGRAMS / "app/brindle"), command, *arguments, "--no-progress"], "",
+                behind=list(behind))
+
+
+BRINDLE = brindle("vars", "--all-types")
+VARIABLES = brindle("vars")
 
 DEBUG_TOOLS = [
     BRINDLE,
+    VARIABLES,
     Tool("bare libdw walk", [str(PROGRAMS / "bench/libdw_walk")], "libdw-dev"),
     Tool("pahole", ["pahole"], "dwarves"),
     Tool("readelf --debug-dump=info", ["readelf", "--debug-dump=info"], "binutils"),
@@ -44,6 +52,8 @@ DEBUG_TOOLS = [
     Tool("abidw", ["abidw"], "abigail-tools", isSlow=True),
     Tool("gdb: info variables, info types",
          ["gdb", "-batch", "-nx", "-ex", "info variables", "-ex", "info types"], "gdb", isSlow=True),
+    Tool("pyelftools walk", [str(ROOT / "bench/pyelftools_walk.py")], "python3-pyelftools",
+         isSlow=True),
 ]
 
 SYMBOL_TOOLS = [
@@ -55,8 +65,17 @@ SYMBOL_TOOLS = [
     Tool("gdb: info variables", ["gdb", "-batch", "-nx", "-ex", "info variables"], "gdb", isSlow=True),
 ]
 
+
+def with_find(expression):
+    """The tools, with a row for what one expression of the image costs."""
+    return [BRINDLE, VARIABLES, brindle("find", behind=[expression]), *DEBUG_TOOLS[2:]]
+
+
 IMAGES = [("cpp.elf", "C++, x86-64", DEBUG_TOOLS), ("cpp-half.elf", "C++, half the units", None),
-          ("arm.elf", "C, 32-bit ARM", DEBUG_TOOLS), ("arm-half.elf", "C, half the units", None),
+          ("real.elf", "a real C++ program at -O2", DEBUG_TOOLS),
+          ("arm.elf", "C, 32-bit ARM", with_find("gLast_0.group.count")),
+          ("arm-half.elf", "C, half the units", None),
+          ("firmware.elf", "a C firmware at -O2", with_find("gDevice0_0.config.baudrate")),
           ("symbols.elf", "symbols alone", SYMBOL_TOOLS)]
 
 
@@ -76,7 +95,7 @@ def run_once(tool, image, limit):
     with tempfile.TemporaryFile() as output, tempfile.NamedTemporaryFile("r") as peak:
         start = time.monotonic()
         process = subprocess.Popen(["time", "--quiet", "--format=%M", f"--output={peak.name}",
-                                    *tool.command, str(image)], stdin=subprocess.DEVNULL,
+                                    *tool.command, str(image), *tool.behind], stdin=subprocess.DEVNULL,
                                    stdout=output, stderr=subprocess.DEVNULL, start_new_session=True)
         signal.signal(signal.SIGALRM, lambda *_: os.killpg(process.pid, signal.SIGKILL))
         signal.alarm(limit)

@@ -46,7 +46,8 @@ packages)
     packages+=(dpkg-dev lintian)
     ;;
 bench)
-    packages+=("${tests[@]}" gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time)
+    packages+=("${tests[@]}" gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time
+        python3-pyelftools)
     ;;
 *)
     echo "install-packages.sh: unknown purpose '$1'" >&2
