@@ -696,8 +696,8 @@ class SampleImagesTest(ProgramTest):
     def test_remarks_are_in_the_language_of_the_messages(self):
         for image, english, german in [
                 ("full/arm-c-split.elf", "which aren't read: compile without -gsplit-dwarf.",
-                 "die nicht gelesen werden: bitte ohne -gsplit-dwarf übersetzen."),
-                ("arm-c-dwarf4-O2-object.o", "Read the linked image.", "Bitte die gelinkte Datei lesen.")]:
+                 "die nicht gelesen werden: ohne -gsplit-dwarf übersetzen."),
+                ("arm-c-dwarf4-O2-object.o", "Read the linked image.", "die gelinkte Datei lesen.")]:
             for language, text in [("44", english), ("49", german)]:
                 with self.subTest(image=image, language=language):
                     error = self.run_program("vars", str(SAMPLE_IMAGES / image), "--allow-empty",
