@@ -10,6 +10,10 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
+/// Version of everything that the program writes as JSON, as docs/schema describes it. It grows
+/// when a field goes or changes its meaning; new fields leave it.
+inline constexpr std::uint64_t kJsonVersion = 1;
+
 using JsonWriter = rapidjson::Writer<ResultOutput>;
 
 inline void WriteText(JsonWriter& json, std::string_view text) {

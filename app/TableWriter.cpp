@@ -10,7 +10,6 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
-#include <csv.h>
 #include <string>
 #include <vector>
 
@@ -41,6 +40,8 @@ void AppendCell(std::string& text, const Cell& cell) {
         AppendNumber(text, *number, 10, 1);
     } else if (const auto* characters = std::get_if<std::string_view>(&cell)) {
         text.append(*characters);
+    } else if (const auto* literal = std::get_if<Literal>(&cell)) {
+        text.append(literal->text);
     }
 }
 
@@ -244,24 +245,32 @@ protected:
     void WriteRow(std::span<const Cell> cells, RowColour /*colour*/) override {
         for (const Cell& cell : cells) {
             mOutput.Write(&cell == cells.data() ? "" : ",");
-            mText.clear();
-            AppendCell(mText, cell);
-            WriteField();
+            if (const auto* text = std::get_if<std::string_view>(&cell)) {
+                WriteQuoted(*text);
+            } else {
+                mText.clear();
+                AppendCell(mText, cell);
+                mOutput.Write(mText);
+            }
         }
         mOutput.Put('\n');
     }
 
 private:
-    void WriteField() {
-        mField.resize(std::max(mField.size(), 2 * mText.size() + 2));
-        const std::size_t length =
-            csv_write(mField.data(), mField.size(), mText.data(), mText.size());
-        mOutput.Write(std::string_view(mField).substr(0, length));
+    void WriteQuoted(std::string_view text) {
+        mOutput.Put('"');
+        for (std::size_t quote = text.find('"'); quote != std::string_view::npos;
+             quote = text.find('"')) {
+            mOutput.Write(text.substr(0, quote + 1));
+            mOutput.Put('"');
+            text.remove_prefix(quote + 1);
+        }
+        mOutput.Write(text);
+        mOutput.Put('"');
     }
 
     ResultOutput& mOutput;
     std::string mText;
-    std::string mField;
 };
 
 class JsonTableWriter final : public TableWriter {
@@ -270,11 +279,15 @@ public:
         : mColumns(columns)
         , mOutput(output)
         , mJson(output) {
+        mJson.StartObject();
+        WriteField(mJson, "version", kJsonVersion);
+        WriteKey(mJson, "rows");
         mJson.StartArray();
     }
 
     void Finish() override {
         mJson.EndArray();
+        mJson.EndObject();
         mOutput.Put('\n');
     }
 
@@ -297,6 +310,8 @@ private:
             mJson.Uint64(*number);
         } else if (const auto* text = std::get_if<std::string_view>(&cell)) {
             WriteText(mJson, *text);
+        } else if (const auto* literal = std::get_if<Literal>(&cell)) {
+            mJson.RawValue(literal->text.data(), literal->text.size(), rapidjson::kNumberType);
         } else {
             mJson.Null();
         }

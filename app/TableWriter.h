@@ -16,9 +16,11 @@ class ResultOutput;
 enum class TableFormat {
     /// Aligned columns for a person; nothing at all without rows.
     Table,
-    /// Comma-separated values: a line of column names, then a line for each row, each field quoted.
+    /// Comma-separated values (RFC 4180): a line of column names, then a line for each row. Texts
+    /// are quoted, numbers aren't, and nothing is an empty field.
     Csv,
-    /// An array of objects whose keys are the column names.
+    /// An object with the version of the format and the rows, each an object whose keys are the
+    /// column names.
     Json,
 };
 
@@ -46,8 +48,13 @@ struct Address {
     std::uint64_t value = 0;
 };
 
-/// Nothing (null in JSON), an address, a decimal number or a text in UTF-8.
-using Cell = std::variant<std::monostate, Address, std::uint64_t, std::string_view>;
+/// A number or truth value as JSON writes it. Borrowed, like the texts of cells.
+struct Literal {
+    std::string_view text;
+};
+
+/// Nothing (null in JSON), an address, a decimal number, a text in UTF-8 or a literal.
+using Cell = std::variant<std::monostate, Address, std::uint64_t, std::string_view, Literal>;
 
 /// What a row tells at a glance, where colours are wanted.
 enum class RowColour { Plain, Added, Removed, Changed };

@@ -9,7 +9,7 @@ set -euo pipefail
 
 packages=(
     cmake g++ ninja-build
-    libcli11-dev libcsv-dev libutf8proc-dev rapidjson-dev
+    libcli11-dev libutf8proc-dev rapidjson-dev
 )
 # What every build needs that has tests in it.
 tests=(

@@ -59,7 +59,7 @@ class A2lTest(unittest.TestCase):
     def address_of(self, name):
         rows = subprocess.run([PROGRAM, "find", "--format", "json", IMAGE, name], capture_output=True,
                               check=True, timeout=60).stdout
-        return json.loads(rows)[0]["address"]
+        return json.loads(rows)["rows"][0]["address"]
 
 
 class UpdateTest(A2lTest):
@@ -254,7 +254,7 @@ class ExportTest(A2lTest):
         information: the update must not guess which is meant."""
         rows = subprocess.run([PROGRAM, "vars", "--format", "json", *reading, image], capture_output=True,
                               check=True, timeout=60).stdout
-        names = collections.Counter((row["name"], row["compileUnit"]) for row in json.loads(rows))
+        names = collections.Counter((row["name"], row["compileUnit"]) for row in json.loads(rows)["rows"])
         return {name.split("::")[-1] for (name, _), count in names.items() if count > 1}
 
     def refused(self, image, reading):

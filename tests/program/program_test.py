@@ -31,7 +31,7 @@ CLASSIC = ["--set", "mIsFullReading=0"]
 GLOBAL_OBJECT = 0x11
 FUNCTION = 0x12
 
-COMMANDS = ["vars", "leaves", "find", "types", "diff", "report", "dump", "trace", "demangle", "help"]
+COMMANDS = ["vars", "leaves", "find", "info", "types", "diff", "report", "dump", "trace", "demangle", "help"]
 
 SYMBOL_SCOPE = "_Symbol_Table_BKR_"
 TWO_SYMBOLS = [("gSpeed", 0x20001000, 4, GLOBAL_OBJECT),
@@ -89,7 +89,9 @@ class ProgramTest(unittest.TestCase):
                               timeout=60).returncode
 
     def run_json(self, *arguments, status=0):
-        return json.loads(self.run_program(*arguments, status=status)[0])
+        """The document that the program writes; of a table its rows."""
+        document = json.loads(self.run_program(*arguments, status=status)[0])
+        return document.get("rows", document)
 
 
 class UsageTest(ProgramTest):
@@ -198,7 +200,7 @@ class ReportTest(ProgramTest):
             self.numbers(variables, "name"), self.numbers(variables, "address"),
             self.numbers(variables, "size"))}
         told = {row["name"].split("::")[-1]: [row["address"], row["size"]]
-                for row in json.loads(self.run_program("vars", file, "--format", "json")[0])}
+                for row in self.run_json("vars", file, "--format", "json")}
         self.assertEqual(shown, told)
         self.assertIn(names[1], shown)
 
@@ -393,7 +395,7 @@ class SampleNamesTest(ProgramTest):
         leaves = self.rows("leaves", self.IMAGE, "motors")
         self.assertGreater(len(leaves), 90)
         found = self.rows("find", self.IMAGE, *[leaf["name"] for leaf in leaves])
-        self.assertEqual(found, leaves)
+        self.assertEqual([{key: row[key] for key in leaves[0]} for row in found], leaves)
         phase = next(leaf for leaf in leaves if leaf["name"] == "motors[1].status.phase")
         self.assertEqual((phase["bitOffset"], phase["bitSize"]), (13, 12))
         gains = self.rows("leaves", self.IMAGE, "motors[?].loops[1].gain")

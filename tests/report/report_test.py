@@ -105,7 +105,7 @@ class ReportTest(unittest.TestCase):
                 shown = [(int(row["address"], 16), int(row["size"]), row["type"], row["name"],
                           row["bitOffset"], row["bitSize"], row["compileUnit"])
                          for row in csv.DictReader(io.StringIO(saved))]
-                leaves = json.loads(run("leaves", SAMPLE_IMAGES / image, "--format", "json"))
+                leaves = json.loads(run("leaves", SAMPLE_IMAGES / image, "--format", "json"))["rows"]
                 text = lambda number: "" if number is None else str(number)
                 told = [(leaf["address"], leaf["size"], leaf["type"], leaf["name"],
                          text(leaf["bitOffset"]), text(leaf["bitSize"]), leaf["compileUnit"])
@@ -115,7 +115,7 @@ class ReportTest(unittest.TestCase):
 
     def test_a_link_opens_the_table_at_its_place(self):
         leaf = json.loads(run("find", SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf",
-                              "motors[1].loops[0].gain", "--format", "json"))[0]
+                              "motors[1].loops[0].gain", "--format", "json"))["rows"][0]
         self.browser.open(self.sample("arm-c-dwarf4-O0.elf"), "#motors[1].loops[0].gain")
         self.assertEqual(self.browser.texts("[aria-selected=true] .cell-name"), [".gain"])
         facts = self.facts()
@@ -199,7 +199,7 @@ class ReportTest(unittest.TestCase):
 
     def test_two_images_show_what_differs(self):
         images = [SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf", SAMPLE_IMAGES / "arm-c-dwarf4-O2.elf"]
-        rows = [row for row in json.loads(run("diff", *images, "--format", "json"))
+        rows = [row for row in json.loads(run("diff", *images, "--format", "json"))["rows"]
                 if row["kind"] == "variable"]
         self.browser.open(self.report(*images, name="changes.html"))
         counted = {}
