@@ -1,10 +1,8 @@
 #include "PlaceTable.h"
 
 #include "ListChoice.h"
-#include "NearObjects.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
-#include "UnitPaths.h"
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -84,17 +82,6 @@ private:
     std::vector<Leaf> mLeaves;
 };
 
-std::string ProblemText(const DataModel::DataModel& model, const std::string& expression,
-                        const DataModel::DataModel::PathResult& result) {
-    const std::string text = "'" + expression + "': ";
-    if (result.resolvedLength == 0) {
-        return text + result.problem + NearVariables(model, expression);
-    }
-    const std::string resolved = expression.substr(0, result.resolvedLength);
-    return text + "resolves up to '" + resolved + "', then " + result.problem +
-           NearMembers(model, resolved, std::string_view(expression).substr(resolved.size()));
-}
-
 /// Visits the leaves that are wanted, as `WriteLeaves` says.
 DataModel::LeafCuts VisitLeaves(const DataModel::DataModel& model, const ListChoice& choice,
                                 const DataModel::LeafLimits& limits,
@@ -161,28 +148,6 @@ bool HasMatch(const DataModel::DataModel& model, const NameFilter& names,
     VisitLeaves(model, choice, limits,
                 [&hasMatch](std::string_view, const Place&) { hasMatch = true; });
     return hasMatch;
-}
-
-std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
-                                     std::span<const std::string> expressions, TableWriter& table) {
-    std::vector<std::string> problems;
-    PlaceRows rows(model, table);
-    for (const std::string& expression : expressions) {
-        const auto results = ResolveUnitPaths(model, expression);
-        for (const auto& result : results) {
-            if (result.found && results.size() == 1) {
-                rows.Add(expression, result.place);
-            } else if (result.found) {
-                rows.Add(model.QualifiedName(result.place.global) +
-                             expression.substr(result.headLength),
-                         result.place);
-            } else {
-                problems.push_back(ProblemText(model, expression, result));
-            }
-        }
-    }
-    table.Finish();
-    return problems;
 }
 
 std::vector<std::string> DescribeCuts(const DataModel::LeafCuts& cuts,

@@ -1,4 +1,4 @@
-// The rows that `leaves` and `find` print: one for each place within a variable.
+// The rows that `leaves` prints: one for each place within a variable.
 #pragma once
 
 #include "model/LeafWalk.h"
@@ -35,14 +35,6 @@ LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice
 /// True if a filter takes a leaf, or a variable, of a model.
 bool HasMatch(const DataModel::DataModel& model, const NameFilter& names,
               const DataModel::LeafLimits& limits);
-
-/// Writes a whole table of what expressions lead to, in their order: a row for each variable of the
-/// name, none for an expression that does not resolve. Where there are several, each row has the
-/// qualified name of its variable.
-/// @param table has `PlaceColumns`
-/// @return for each expression that does not resolve, how far it got and why no further
-std::vector<std::string> WritePlaces(const DataModel::DataModel& model,
-                                     std::span<const std::string> expressions, TableWriter& table);
 
 /// What was left out of an expansion, for a person, one text for each cause.
 std::vector<std::string> DescribeCuts(const DataModel::LeafCuts& cuts,

@@ -1,0 +1,193 @@
+#include "FindTable.h"
+
+#include "NearObjects.h"
+#include "TableWriter.h"
+#include "TypeTexts.h"
+#include "UnitPaths.h"
+#include "ValueCells.h"
+
+#include "model/AddressLookup.h"
+#include "model/DataModel.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::AddressHit;
+using DataModel::ImageSection;
+using DataModel::ModelObject;
+using Model = DataModel::DataModel;
+
+constexpr std::array sColumns = {Column{"query", false, true},
+                                 Column{"address", true},
+                                 Column{"size", true},
+                                 Column{"type"},
+                                 Column{"name"},
+                                 Column{"offset", true, true},
+                                 Column{"bitOffset", true, true},
+                                 Column{"bitSize", true, true},
+                                 Column{"compileUnit"}};
+
+bool IsAddress(std::string_view query) {
+    return !query.empty() && query.front() >= '0' && query.front() <= '9';
+}
+
+std::optional<std::uint64_t> ParseAddress(std::string_view text) {
+    if (!text.starts_with("0x") && !text.starts_with("0X")) {
+        return std::nullopt;
+    }
+    text.remove_prefix(2);
+    std::uint64_t address = 0;
+    const char* const limit = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), limit, address, 16);
+    const bool isNumber = error == std::errc() && end == limit;
+    return isNumber ? std::optional(address) : std::nullopt;
+}
+
+std::string Bytes(std::uint64_t count) {
+    return std::to_string(count).append(count == 1 ? " byte" : " bytes");
+}
+
+class FindRows {
+public:
+    FindRows(const Model& model, bool hasValues, TableWriter& table)
+        : mModel(model)
+        , mTable(table)
+        , mTypeTexts(model) {
+        if (hasValues) {
+            mValues.emplace(model);
+        }
+    }
+
+    void AddQuery(const std::string& query) {
+        if (IsAddress(query)) {
+            AddAddress(query);
+        } else {
+            AddExpression(query);
+        }
+    }
+
+    std::vector<std::string> TakeProblems() { return std::move(mProblems); }
+
+private:
+    void AddExpression(const std::string& expression) {
+        const auto results = ResolveUnitPaths(mModel, expression);
+        for (const auto& result : results) {
+            if (result.found && results.size() == 1) {
+                AddRow({}, expression, result.place, std::monostate());
+            } else if (result.found) {
+                AddRow(expression,
+                       mModel.QualifiedName(result.place.global) +
+                           expression.substr(result.headLength),
+                       result.place, std::monostate());
+            } else {
+                mProblems.push_back("'" + expression + "': " + ProblemOf(expression, result));
+            }
+        }
+    }
+
+    [[nodiscard]] std::string ProblemOf(const std::string& expression,
+                                        const Model::PathResult& result) const {
+        if (result.resolvedLength == 0) {
+            return result.problem + NearVariables(mModel, expression);
+        }
+        const std::string resolved = expression.substr(0, result.resolvedLength);
+        return "resolves up to '" + resolved + "', then " + result.problem +
+               NearMembers(mModel, resolved, std::string_view(expression).substr(resolved.size()));
+    }
+
+    void AddAddress(const std::string& query) {
+        const std::optional<std::uint64_t> address = ParseAddress(query);
+        if (!address) {
+            mProblems.push_back("'" + query +
+                                "': an address is a hexadecimal number with 0x in front");
+            return;
+        }
+        if (!mLookup) {
+            mLookup.emplace(mModel);
+        }
+        const std::vector<AddressHit> hits = mLookup->Find(*address);
+        for (const AddressHit& hit : hits) {
+            AddRow(query, hit.path, hit.place, hit.offset);
+        }
+        if (hits.empty()) {
+            mProblems.push_back("'" + query + "': " + Surroundings(*address));
+        }
+    }
+
+    /// Why an address leads to no variable, and what lies near.
+    [[nodiscard]] std::string Surroundings(std::uint64_t address) const {
+        std::string text = "no variable lies here";
+        const ModelObject before = mModel.Object(mLookup->NearestBefore(address));
+        const ImageSection* const section = mModel.Image().SectionAt(address);
+        if (section != nullptr) {
+            text += ", in section " + section->name;
+        }
+        if (before.id != 0 && mModel.Image().SectionAt(before.address) == section) {
+            const std::uint64_t distance = address - before.address - mModel.SizeOf(before.id);
+            text += "; '" + mModel.QualifiedName(before.id) + "' ends " +
+                    (distance == 0 ? "just" : Bytes(distance)) + " before";
+        }
+        return text;
+    }
+
+    void AddRow(std::string_view query, std::string_view name, const Model::Place& place,
+                const Cell& offset) {
+        const ModelObject unit = mModel.Object(mModel.CompileUnitOf(place.global));
+        mRow = {Cell(),     Address{place.address},
+                place.size, mTypeTexts.Of(place.type),
+                name,       offset,
+                Cell(),     Cell(),
+                unit.name};
+        if (!query.empty()) {
+            mRow[0] = query;
+        }
+        if (place.isBitField) {
+            mRow[6] = std::uint64_t{place.bitOffset};
+            mRow[7] = place.bitSize;
+        }
+        if (mValues) {
+            const auto cells = mValues->Of(place);
+            mRow.insert(mRow.end(), cells.begin(), cells.end());
+        }
+        mTable.AddRow(mRow);
+    }
+
+    const Model& mModel;
+    TableWriter& mTable;
+    TypeTexts mTypeTexts;
+    std::optional<ValueCells> mValues;
+    std::vector<Cell> mRow;
+    /// Made for the first address.
+    std::optional<DataModel::AddressLookup> mLookup;
+    std::vector<std::string> mProblems;
+};
+
+} // namespace
+
+std::vector<Column> FindColumns(bool hasValues) {
+    std::vector<Column> columns(sColumns.begin(), sColumns.end());
+    if (hasValues) {
+        columns.insert(columns.end(), kValueColumns.begin(), kValueColumns.end());
+    }
+    return columns;
+}
+
+std::vector<std::string> WriteFound(const Model& model, std::span<const std::string> queries,
+                                    bool hasValues, TableWriter& table) {
+    FindRows rows(model, hasValues, table);
+    for (const std::string& query : queries) {
+        rows.AddQuery(query);
+    }
+    table.Finish();
+    return rows.TakeProblems();
+}
+
+} // namespace Tessel::Norn::Brindle::Program
