@@ -1,6 +1,9 @@
 // The command `demangle`: the plain qualified name of each mangled one.
 #include "CommandLine.h"
 #include "Commands.h"
+#include "FullDemangling.h"
+#include "InputLines.h"
+#include "Message.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 
@@ -10,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iostream>
 #include <limits>
 #include <memory>
 #include <string>
@@ -28,24 +32,50 @@ constexpr int sLongestName = 2047;
 struct DemangleArguments {
     std::vector<std::string> names;
     bool itanium = false;
+    bool isFull = false;
 };
 
-void WriteName(const std::string& name, const VDemanglingOptions& options, ResultOutput& output) {
+struct PlainName {
+    std::string text;
+    /// Something of the mangled name is missing.
+    bool isCut = false;
+};
+
+PlainName PlainNameOf(const std::string& name, const VDemanglingOptions& options) {
     std::array<char, sLongestName + 1> text{};
     const auto length =
         static_cast<int>(std::min<std::size_t>(name.size(), std::numeric_limits<int>::max()));
     bool isDemangled = false;
-    const bool hasText = Reader::DWARF::DemangleName(text.data(), sLongestName, name.c_str(),
-                                                     length, isDemangled, options);
-    output.Write(hasText ? std::string_view(text.data()) : std::string_view(name));
+    if (!Reader::DWARF::DemangleName(text.data(), sLongestName, name.c_str(), length, isDemangled,
+                                     options)) {
+        return {name};
+    }
+    PlainName plain{text.data()};
+    plain.isCut = plain.text.size() >= sLongestName ||
+                  (isDemangled && options.mIsTaskingProducer &&
+                   LacksParts(plain.text, name, options.mScopeSeparator));
+    return plain;
+}
+
+void WriteName(const std::string& name, const VDemanglingOptions& options, ResultOutput& output) {
+    const PlainName plain = PlainNameOf(name, options);
+    output.Write(plain.text);
     output.Put('\n');
+    if (plain.isCut) {
+        Tell("'" + name + "' is cut; --full writes all of an Itanium name");
+    }
 }
 
 ExitStatus RunDemangle(const DemangleArguments& arguments, ResultOutput& output) {
     VDemanglingOptions options = Reader::DWARF::VElfOptions::mDemanglingOptions;
     options.mIsTaskingProducer = options.mIsTaskingProducer || arguments.itanium;
-    for (const std::string& name : arguments.names) {
-        WriteName(name, options, output);
+    for (const std::string& name : WithInputLines(arguments.names, std::cin)) {
+        if (arguments.isFull) {
+            output.Write(FullDemangling(name).value_or(name));
+            output.Put('\n');
+        } else {
+            WriteName(name, options, output);
+        }
     }
     return ExitStatus::Success;
 }
@@ -55,18 +85,25 @@ ExitStatus RunDemangle(const DemangleArguments& arguments, ResultOutput& output)
 void AddDemangleCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<DemangleArguments>();
     CLI::App& command = commandLine.AddCommand(
-        {"demangle",
-         "Write the plain qualified name of each symbol name, one a line",
-         "brindle demangle value__3Foo",
-         {}},
+        {"demangle", "Write the plain qualified name of each symbol name, one a line",
+         "brindle demangle --full _ZN5plant6DeviceIiE6sCountE",
+         "A plain name has no parameters and ends where template arguments begin, as the reader "
+         "delivers it;\na name that is cut is told on standard error."},
         [arguments](ResultOutput& output) { return RunDemangle(*arguments, output); });
     command
         .add_option("NAME", arguments->names,
-                    "The names; one that is not mangled is written as the reader delivers it")
+                    "The names; one that is not mangled is written as the reader delivers it; '-' "
+                    "stands for the lines of standard input")
         ->required()
         ->type_name("");
-    command.add_flag("--itanium", arguments->itanium,
-                     "The names are in the style of the Itanium ABI");
+    CLI::Option* const itanium =
+        command.add_flag("--itanium", arguments->itanium,
+                         "The names are in the style of the Itanium ABI, which begin with _Z");
+    command
+        .add_flag("--full", arguments->isFull,
+                  "Write all of each name of the Itanium ABI, with template arguments and "
+                  "parameters, and any other name as it is")
+        ->excludes(itanium);
     AddReaderOptionArgument(command);
 }
 
