@@ -15,6 +15,7 @@ class CommandLine;
 void AddVarsCommand(CommandLine& commandLine);
 void AddLeavesCommand(CommandLine& commandLine);
 void AddFindCommand(CommandLine& commandLine);
+void AddInfoCommand(CommandLine& commandLine);
 void AddTypesCommand(CommandLine& commandLine);
 void AddDiffCommand(CommandLine& commandLine);
 void AddReportCommand(CommandLine& commandLine);

@@ -1,5 +1,6 @@
 #include "ModelDocument.h"
 
+#include "ImageDocument.h"
 #include "JsonOutput.h"
 #include "ReadSession.h"
 #include "ResultOutput.h"
@@ -233,6 +234,8 @@ void WriteModelDocument(const std::string& file, const ReadResult& result,
     JsonWriter json(output);
     json.StartObject();
     WriteHead(file, result, json);
+    WriteField(json, "version", kJsonVersion);
+    WriteImageField(json, "image", model.Image());
     WriteKey(json, "objects");
     json.StartArray();
     ObjectWriter objects(model, json);

@@ -128,8 +128,12 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     if (result.remark.empty()) {
         captured.Tell(file);
     }
-    for (const Reader::DWARF::ReadRemark& remark : mReader.GetRemarks().All()) {
-        Tell(file, remark.text);
+    result.remarks = mReader.GetRemarks();
+    result.facts = mReader.GetFacts();
+    if (mTellsRemarks) {
+        for (const Reader::DWARF::ReadRemark& remark : result.remarks.All()) {
+            Tell(file, remark.text);
+        }
     }
     return result;
 }

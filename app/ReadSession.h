@@ -6,6 +6,8 @@
 #include "ProgressBar.h"
 #include "ReadProblem.h"
 
+#include "core/ReadFacts.h"
+#include "core/ReadRemarks.h"
 #include "host/DWARFContainerType.h"
 #include "host/HostDataModel.h"
 #include "host/VDWARFReader.h"
@@ -40,6 +42,10 @@ struct ReadResult {
     std::string remark;
     /// Error and remark as a person reads them; empty after success.
     std::string message;
+    /// What was passed over and why.
+    Reader::DWARF::ReadRemarks remarks;
+    /// What was found.
+    Reader::DWARF::ReadFacts facts;
 };
 
 /// One reader for any number of reads, one after the other.
@@ -54,6 +60,9 @@ public:
     /// exception of the read counts as a failure, except that an `OutputError` passes through.
     ReadResult Read(const std::string& file, DataModel::Factory::HostDataModel& model);
 
+    /// From now on remarks are no longer told on standard error.
+    void KeepRemarks() { mTellsRemarks = false; }
+
 private:
     void ConnectCallbacks();
     void Signal(const ReaderCallback& callback) const;
@@ -63,6 +72,7 @@ private:
     std::string mContainer;
     MessageLanguage mLanguage;
     bool mIsProgressDrawn;
+    bool mTellsRemarks = true;
     CallbackSink mSink;
     Reader::DWARF::VDWARFReader mReader;
     /// The bar of the read that runs, null if none is drawn. Only callbacks of a read look at it.

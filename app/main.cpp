@@ -22,6 +22,7 @@ ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     AddVarsCommand(commandLine);
     AddLeavesCommand(commandLine);
     AddFindCommand(commandLine);
+    AddInfoCommand(commandLine);
     AddTypesCommand(commandLine);
     AddDiffCommand(commandLine);
     AddReportCommand(commandLine);

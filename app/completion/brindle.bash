@@ -8,7 +8,8 @@ _brindle_options() {
     case $1 in
     vars) echo "$any $list $reading --format" ;;
     leaves) echo "$any $list $reading --max-elements --max-leaves --format" ;;
-    find) echo "$any $reading --format" ;;
+    find) echo "$any --values $reading --format" ;;
+    info) echo "$any $reading --format" ;;
     types) echo "$any $names --c --allow-empty $reading" ;;
     diff) echo "$any $names --variables-only --symbols --exit-code $reading --max-elements --max-leaves --format" ;;
     report) echo "$any --output $reading" ;;
@@ -16,7 +17,7 @@ _brindle_options() {
     a2l) echo '--help' ;;
     'a2l update') echo "$any --output --in-place --check --report --missing --bit-masks --word-addresses $reading" ;;
     'a2l export') echo "$any --output --fragment --characteristics --section --structures --file-version --word-addresses --max-elements --max-leaves $reading" ;;
-    demangle) echo "$any --itanium --set" ;;
+    demangle) echo "$any --itanium --full --set" ;;
     help) echo "$any" ;;
     *) echo '--help --version --list-options' ;;
     esac
@@ -78,7 +79,7 @@ _brindle() {
             mapfile -t COMPREPLY < <(compgen -W "$(_brindle_options "$command")" -- "$current")
         elif [[ -z $command || $command == help ]]; then
             mapfile -t COMPREPLY < <(compgen -W \
-                'vars leaves find types diff report dump trace a2l demangle help' -- "$current")
+                'vars leaves find info types diff report dump trace a2l demangle help' -- "$current")
         elif [[ $command == a2l ]]; then
             mapfile -t COMPREPLY < <(compgen -W 'update export' -- "$current")
         elif [[ $command != demangle ]]; then

@@ -1,0 +1,53 @@
+#include "FileInfo.h"
+
+#include "model/DataModel.h"
+
+#include <string_view>
+
+namespace Tessel::Norn::Brindle::Program {
+
+namespace {
+
+using DataModel::ModelObject;
+using DataModel::ObjectKind;
+
+constexpr std::string_view sScopeOfSymbols = "_Symbol_Table_BKR_";
+
+void CountVariables(const DataModel::DataModel& model, FileInfo& info) {
+    model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
+        const ModelObject scope = model.Object(variable.scope);
+        const bool isSymbol = scope.kind == ObjectKind::Namespace && scope.name == sScopeOfSymbols;
+        ++info.variables;
+        info.symbolVariables += isSymbol ? 1 : 0;
+    });
+}
+
+std::vector<std::string> NotesOf(const ReadResult& result) {
+    std::vector<std::string> notes;
+    for (const Reader::DWARF::ReadRemark& remark : result.remarks.All()) {
+        notes.push_back(remark.text);
+    }
+    const bool hasUnits = !result.facts.Units().empty() || result.facts.TypeUnits() != 0;
+    if (result.isOk && notes.empty() && !hasUnits) {
+        notes.emplace_back("no debug information: variables come from the symbol table, without "
+                           "types; compile and link with -g, and read the file before it is "
+                           "stripped");
+    }
+    return notes;
+}
+
+} // namespace
+
+FileInfo ReadFileInfo(ReadSession& session, const std::string& file) {
+    DataModel::DataModel model;
+    FileInfo info;
+    info.file = file;
+    info.result = session.Read(file, model);
+    info.image = model.Image();
+    model.ForEach(ObjectKind::CompileUnit, [&](const ModelObject&) { ++info.compileUnits; });
+    CountVariables(model, info);
+    info.notes = NotesOf(info.result);
+    return info;
+}
+
+} // namespace Tessel::Norn::Brindle::Program

@@ -1,0 +1,40 @@
+// What `info` says of one file, gathered from the reader and the model.
+#pragma once
+
+#include "ReadSession.h"
+
+#include "core/ReadFacts.h"
+#include "core/ReadRemarks.h"
+#include "host/ImageDescription.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Program {
+
+class ResultOutput;
+
+struct FileInfo {
+    std::string file;
+    ReadResult result;
+    DataModel::ImageDescription image;
+    /// Compile units of the data model; units of one name and folder are one.
+    std::uint64_t compileUnits = 0;
+    std::uint64_t variables = 0;
+    /// Those of the variables of which the symbol table alone tells.
+    std::uint64_t symbolVariables = 0;
+    /// What isn't read, and what to do about it: one line each.
+    std::vector<std::string> notes;
+};
+
+/// Reads a file.
+FileInfo ReadFileInfo(ReadSession& session, const std::string& file);
+
+/// @name Each writes everything about the files.
+/// @{
+void WriteInfoText(const FileInfo& info, ResultOutput& output);
+void WriteInfoDocument(const std::vector<FileInfo>& infos, ResultOutput& output);
+/// @}
+
+} // namespace Tessel::Norn::Brindle::Program
