@@ -133,7 +133,8 @@ ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
     if (format == TableFormat::Json) {
         WriteDiffStart(arguments.oldFile, arguments.newFile, output);
     }
-    const auto table = MakeTableWriter(format, DifferenceColumns(), output, StandardOutputStyle());
+    const auto table = MakeTableWriter(format == TableFormat::Json ? TableFormat::JsonRows : format,
+                                       DifferenceColumns(), output, StandardOutputStyle());
     DifferenceResult result;
     if (filter) {
         result =

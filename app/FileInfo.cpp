@@ -22,13 +22,16 @@ void CountVariables(const DataModel::DataModel& model, FileInfo& info) {
     });
 }
 
-std::vector<std::string> NotesOf(const ReadResult& result) {
+std::vector<std::string> NotesOf(const FileInfo& info) {
+    const ReadResult& result = info.result;
     std::vector<std::string> notes;
     for (const Reader::DWARF::ReadRemark& remark : result.remarks.All()) {
         notes.push_back(remark.text);
     }
     const bool hasUnits = !result.facts.Units().empty() || result.facts.TypeUnits() != 0;
-    if (result.isOk && notes.empty() && !hasUnits) {
+    if (result.isOk && !info.HasContents()) {
+        notes.emplace_back("a file of another kind: it has neither sections in memory nor symbols");
+    } else if (result.isOk && notes.empty() && !hasUnits) {
         notes.emplace_back("no debug information: variables come from the symbol table, without "
                            "types; compile and link with -g, and read the file before it is "
                            "stripped");
@@ -46,7 +49,7 @@ FileInfo ReadFileInfo(ReadSession& session, const std::string& file) {
     info.image = model.Image();
     model.ForEach(ObjectKind::CompileUnit, [&](const ModelObject&) { ++info.compileUnits; });
     CountVariables(model, info);
-    info.notes = NotesOf(info.result);
+    info.notes = NotesOf(info);
     return info;
 }
 

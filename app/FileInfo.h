@@ -26,6 +26,11 @@ struct FileInfo {
     std::uint64_t symbolVariables = 0;
     /// What isn't read, and what to do about it: one line each.
     std::vector<std::string> notes;
+
+    /// False if the read failed, or found nothing that it knows.
+    [[nodiscard]] bool HasContents() const {
+        return result.isOk && (!image.sections.empty() || !image.isLinked || variables != 0);
+    }
 };
 
 /// Reads a file.

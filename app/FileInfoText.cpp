@@ -100,6 +100,9 @@ void AddFacts(const FileInfo& info, InfoLines& lines) {
     for (const std::string& note : info.notes) {
         lines.Add("not read", note);
     }
+    if (!info.result.isOk) {
+        lines.Add("not read", info.result.error);
+    }
 }
 
 void WriteSections(const DataModel::ImageDescription& image, ResultOutput& output) {

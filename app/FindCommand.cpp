@@ -34,8 +34,8 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
     const std::vector<Column> columns = FindColumns(arguments.hasValues);
-    const auto table = MakeTableWriter(TableFormatOf(arguments.format), columns, output,
-                                       StandardOutputStyle());
+    const auto table =
+        MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const std::vector<std::string> problems =
         WriteFound(model, WithInputLines(arguments.queries, std::cin), arguments.hasValues, *table);
     if (HasDelivered(result, model)) {

@@ -30,7 +30,8 @@ ExitStatus RunInfo(const InfoArguments& arguments, ResultOutput& output) {
     std::vector<FileInfo> infos;
     for (const std::string& file : arguments.files) {
         FileInfo info = ReadFileInfo(session, file);
-        if (ReportResult(file, info.result) != ExitStatus::Success) {
+        ReportResult(file, info.result);
+        if (!info.HasContents()) {
             status = ExitStatus::Failed;
         }
         if (isDocument) {

@@ -36,7 +36,7 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
     if (!choice) {
         return ExitStatus::Failed;
     }
-    const std::vector<Column> columns = PlaceColumns(choice->hasSections);
+    const std::vector<Column> columns = PlaceColumns(*choice);
     const auto table =
         MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const PatternArguments& names = arguments.list.names;

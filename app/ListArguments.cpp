@@ -3,6 +3,7 @@
 #include "Message.h"
 #include "NearNames.h"
 #include "ReadArguments.h"
+#include "ValuesArgument.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -60,6 +61,7 @@ void AddListArguments(CLI::App& command, const std::string& things, ListArgument
                       "Only what has at least this many bytes");
     command.add_flag("--section", arguments.hasSections,
                      "Add a column for the section that holds the address");
+    AddValuesArgument(command, arguments.hasValues);
     AddEmptyArgument(command, arguments.names);
 }
 
@@ -69,6 +71,7 @@ std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const s
     choice.leastSize = arguments.leastSize;
     choice.order = RowOrderOf(arguments.order);
     choice.hasSections = arguments.hasSections;
+    choice.hasValues = arguments.hasValues;
     if (!arguments.unit.empty()) {
         const bool hasUnits = ListByPattern({arguments.unit, false, false}, file, "compile units",
                                             [&](const NameFilter& filter) {

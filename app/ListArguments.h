@@ -31,6 +31,7 @@ struct ListArguments {
     std::uint64_t leastSize = 0;
     std::string order = "address";
     bool hasSections = false;
+    bool hasValues = false;
 };
 
 /// Adds `PATTERN`, which may be missing, and `--ignore-case`.
@@ -40,7 +41,7 @@ void AddPatternArguments(CLI::App& command, const std::string& things, PatternAr
 /// Adds `--allow-empty`.
 void AddEmptyArgument(CLI::App& command, PatternArguments& arguments);
 
-/// Adds all of the above, `--sort`, `--unit`, `--min-size` and `--section`.
+/// Adds all of the above, `--sort`, `--unit`, `--min-size`, `--section` and `--values`.
 void AddListArguments(CLI::App& command, const std::string& things, ListArguments& arguments);
 
 /// What the arguments ask of a model. A name of no compile unit is told, about the file.

@@ -26,6 +26,8 @@ struct ListChoice {
     RowOrder order = RowOrder::Address;
     /// The table has a column for the section.
     bool hasSections = false;
+    /// The table has the columns of initial values.
+    bool hasValues = false;
 };
 
 /// Picks what is wanted, variable by variable.

@@ -3,6 +3,9 @@
 #include "ListChoice.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
+#include "ValueCells.h"
+
+#include <optional>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -14,11 +17,15 @@ using Place = DataModel::DataModel::Place;
 
 class PlaceRows {
 public:
-    PlaceRows(const DataModel::DataModel& model, TableWriter& table, bool hasSections = false)
+    PlaceRows(const DataModel::DataModel& model, const ListChoice& choice, TableWriter& table)
         : mModel(model)
         , mTable(table)
-        , mHasSections(hasSections)
-        , mTypeTexts(model) {}
+        , mHasSections(choice.hasSections)
+        , mTypeTexts(model) {
+        if (choice.hasValues) {
+            mValues.emplace(model);
+        }
+    }
 
     void Add(std::string_view path, const Place& place) {
         const ModelObject unit = mModel.Object(mModel.CompileUnitOf(place.global));
@@ -36,6 +43,10 @@ public:
         if (mHasSections) {
             mRow.push_back(SectionCell(mModel, place.address));
         }
+        if (mValues) {
+            const auto cells = mValues->OfLeaf(path, place);
+            mRow.insert(mRow.end(), cells.begin(), cells.end());
+        }
         mTable.AddRow(mRow);
     }
 
@@ -44,6 +55,7 @@ private:
     TableWriter& mTable;
     bool mHasSections;
     TypeTexts mTypeTexts;
+    std::optional<ValueCells> mValues;
     std::vector<Cell> mRow;
 };
 
@@ -107,7 +119,7 @@ std::string Count(std::uint64_t number, std::string_view one, std::string_view s
 
 } // namespace
 
-std::vector<Column> PlaceColumns(bool hasSections) {
+std::vector<Column> PlaceColumns(const ListChoice& choice) {
     std::vector<Column> columns = {Column{"address", true},
                                    Column{"size", true},
                                    Column{"type"},
@@ -115,8 +127,11 @@ std::vector<Column> PlaceColumns(bool hasSections) {
                                    Column{"bitOffset", true, true},
                                    Column{"bitSize", true, true},
                                    Column{"compileUnit"}};
-    if (hasSections) {
+    if (choice.hasSections) {
         columns.push_back(Column{"section"});
+    }
+    if (choice.hasValues) {
+        columns.insert(columns.end(), kValueColumns.begin(), kValueColumns.end());
     }
     return columns;
 }
@@ -124,7 +139,7 @@ std::vector<Column> PlaceColumns(bool hasSections) {
 LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table) {
     LeafList result;
-    PlaceRows rows(model, table, choice.hasSections);
+    PlaceRows rows(model, choice, table);
     KeptLeaves kept;
     const bool isKept = choice.order != RowOrder::File;
     result.cuts =

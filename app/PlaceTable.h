@@ -15,8 +15,9 @@ struct ListChoice;
 class NameFilter;
 class TableWriter;
 
-/// address, size, type, name, bitOffset, bitSize, compileUnit, and section where it is asked for
-std::vector<Column> PlaceColumns(bool hasSections = false);
+/// address, size, type, name, bitOffset, bitSize, compileUnit, and section and those of values
+/// where they are asked for
+std::vector<Column> PlaceColumns(const ListChoice& choice);
 
 /// The leaves that were wanted, and what was left out of them.
 struct LeafList {

@@ -275,19 +275,25 @@ private:
 
 class JsonTableWriter final : public TableWriter {
 public:
-    JsonTableWriter(std::span<const Column> columns, ResultOutput& output)
+    /// @param isDocument whether the rows stand in a document of their own
+    JsonTableWriter(std::span<const Column> columns, ResultOutput& output, bool isDocument)
         : mColumns(columns)
         , mOutput(output)
+        , mIsDocument(isDocument)
         , mJson(output) {
-        mJson.StartObject();
-        WriteField(mJson, "version", kJsonVersion);
-        WriteKey(mJson, "rows");
+        if (mIsDocument) {
+            mJson.StartObject();
+            WriteField(mJson, "version", kJsonVersion);
+            WriteKey(mJson, "rows");
+        }
         mJson.StartArray();
     }
 
     void Finish() override {
         mJson.EndArray();
-        mJson.EndObject();
+        if (mIsDocument) {
+            mJson.EndObject();
+        }
         mOutput.Put('\n');
     }
 
@@ -319,6 +325,7 @@ private:
 
     std::span<const Column> mColumns;
     ResultOutput& mOutput;
+    bool mIsDocument;
     JsonWriter mJson;
 };
 
@@ -341,7 +348,8 @@ std::unique_ptr<TableWriter> MakeTableWriter(TableFormat format, std::span<const
     case TableFormat::Csv:
         return std::make_unique<CsvWriter>(columns, output);
     case TableFormat::Json:
-        return std::make_unique<JsonTableWriter>(columns, output);
+    case TableFormat::JsonRows:
+        return std::make_unique<JsonTableWriter>(columns, output, format == TableFormat::Json);
     default:
         return std::make_unique<AlignedWriter>(columns, output, style);
     }

@@ -22,6 +22,8 @@ enum class TableFormat {
     /// An object with the version of the format and the rows, each an object whose keys are the
     /// column names.
     Json,
+    /// The rows of the same as a list, for a document around it.
+    JsonRows,
 };
 
 /// The format of a name: "table", "csv" or "json".

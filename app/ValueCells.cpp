@@ -4,7 +4,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 #include <type_traits>
 #include <variant>
 
@@ -59,6 +58,29 @@ std::array<Cell, 2> ValueCells::Of(const DataModel::DataModel::Place& place) {
         cells[1] = std::string_view(mValue.text);
     }
     return cells;
+}
+
+std::array<Cell, 2> ValueCells::OfLeaf(std::string_view path,
+                                       const DataModel::DataModel::Place& place) {
+    constexpr std::string_view sFirstElement = "[0]";
+    std::array<Cell, 2> cells = Of(place);
+    if (place.size == 1 && mValue.text.empty() && path.ends_with(sFirstElement)) {
+        path.remove_suffix(sFirstElement.size());
+        mText = TextOfArray(path, place.global);
+        if (!mText.empty()) {
+            cells[1] = std::string_view(mText);
+        }
+    }
+    return cells;
+}
+
+std::string ValueCells::TextOfArray(std::string_view path, DataModel::ObjectId global) {
+    for (const auto& result : mModel.ResolvePaths(path)) {
+        if (result.found && result.place.global == global) {
+            return mDecoder.InitialValue(result.place).text;
+        }
+    }
+    return {};
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -21,15 +22,22 @@ class ValueCells {
 public:
     /// @param model borrowed; must not change during the life of this object
     explicit ValueCells(const DataModel::DataModel& model)
-        : mDecoder(model) {}
+        : mModel(model)
+        , mDecoder(model) {}
 
     /// The cells of `kValueColumns`. Valid until the next call.
     std::array<Cell, 2> Of(const DataModel::DataModel::Place& place);
+    /// The same for a leaf. The first element of an array of characters has the text of all.
+    std::array<Cell, 2> OfLeaf(std::string_view path, const DataModel::DataModel::Place& place);
 
 private:
+    [[nodiscard]] std::string TextOfArray(std::string_view path, DataModel::ObjectId global);
+
+    const DataModel::DataModel& mModel;
     DataModel::ValueDecoder mDecoder;
     DataModel::PlaceValue mValue;
     std::string mNumber;
+    std::string mText;
 };
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -2,9 +2,11 @@
 
 #include "ListChoice.h"
 #include "TableWriter.h"
+#include "ValueCells.h"
 
 #include "model/DataModel.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -28,7 +30,11 @@ public:
     VariableRows(const DataModel::DataModel& model, const ListChoice& choice, TableWriter& table)
         : mModel(model)
         , mChoice(choice)
-        , mTable(table) {}
+        , mTable(table) {
+        if (choice.hasValues) {
+            mValues.emplace(model);
+        }
+    }
 
     void Take(VariableRow row) {
         if (mChoice.order == RowOrder::File) {
@@ -57,12 +63,18 @@ private:
         if (mChoice.hasSections) {
             cells.push_back(SectionCell(mModel, row.address));
         }
+        if (mValues) {
+            const auto values =
+                mValues->Of({row.id, mModel.Object(row.id).type, row.address, row.size});
+            cells.insert(cells.end(), values.begin(), values.end());
+        }
         mTable.AddRow(cells);
     }
 
     const DataModel::DataModel& mModel;
     const ListChoice& mChoice;
     TableWriter& mTable;
+    std::optional<ValueCells> mValues;
     std::vector<VariableRow> mRows;
 };
 
@@ -74,6 +86,9 @@ std::vector<Column> VariableColumns(const ListChoice& choice) {
                                    Column{"compileUnit"}};
     if (choice.hasSections) {
         columns.push_back(Column{"section"});
+    }
+    if (choice.hasValues) {
+        columns.insert(columns.end(), kValueColumns.begin(), kValueColumns.end());
     }
     return columns;
 }

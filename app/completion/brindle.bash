@@ -4,7 +4,7 @@
 _brindle_options() {
     local reading='--container --all-types --language --set --no-progress'
     local any='--help --color' names='--ignore-case'
-    local list="$names --sort --unit --min-size --section --allow-empty"
+    local list="$names --sort --unit --min-size --section --values --allow-empty"
     case $1 in
     vars) echo "$any $list $reading --format" ;;
     leaves) echo "$any $list $reading --max-elements --max-leaves --format" ;;

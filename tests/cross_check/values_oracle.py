@@ -16,7 +16,7 @@ def value_of(expression):
     kind = value.type.strip_typedefs()
     if kind.code == gdb.TYPE_CODE_FLT:
         return float(value)
-    return int(value.cast(gdb.lookup_type("long")) if kind.code == gdb.TYPE_CODE_ENUM else value)
+    return int(value.cast(gdb.lookup_type("long long")) if kind.code == gdb.TYPE_CODE_ENUM else value)
 
 
 def main():
