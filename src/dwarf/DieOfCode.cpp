@@ -7,8 +7,6 @@
 #include "dwarf/VDwarf2Section.h"
 #include "nodes/VDebugInfoNode.h"
 
-#include <algorithm>
-
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 CodeEntry VDie2::CodeEntryHere() const {
@@ -90,14 +88,17 @@ bool VDie2::MakeWaitingNodes() {
         return false;
     }
     VCompileUnitHeader* header = &mUnitReader->mHeader;
-    auto waiting = std::ranges::find(mOpenEntries, nullptr, &OpenEntry::node);
+    // Code stands in a function, which has a node. Searched from the inside: entries nest deeply.
+    auto waiting = mOpenEntries.end();
+    while ((waiting - 1)->node == nullptr) {
+        --waiting;
+    }
     for (; waiting != mOpenEntries.end(); ++waiting) {
         mBuffer->SetOffset(waiting->unitOffset);
         ReadAbbrevCode();
         DecodeEntry(waiting->unitOffset, waiting->recordNumber);
         mSection->mDieNodes.TakeBack();
         const std::uint32_t next = VDebugInfoNode::SetNextNodeRecord(waiting->nodeRecord);
-        // Code stands in a function: there is an entry around it.
         MapCurrentDieToNode(header, (waiting - 1)->node);
         VDebugInfoNode::SetNextNodeRecord(next);
         waiting->node = mNode;
