@@ -24,10 +24,6 @@ DieAttribute OnStack() {
     return Location({{DW_OP_fbreg, {8}}});
 }
 
-DieAttribute Origin(DieLabel target) {
-    return Reference(DW_AT_abstract_origin, DW_FORM_ref4, target);
-}
-
 Die Function(const std::string& name, std::vector<Die> code) {
     return Die(DW_TAG_subprogram, {Name(name)}, std::move(code));
 }
