@@ -40,10 +40,15 @@ namespace Brindle
 
         readonly Model model;
 
-        internal Image(Model model)
+        internal Image(Model model, IReadOnlyList<string> remarks)
         {
             this.model = model;
+            Remarks = remarks;
         }
+
+        /// <summary>What the read passed over and what to do about it, a line each; only the full manner
+        /// makes any.</summary>
+        public IReadOnlyList<string> Remarks { get; }
 
         /// <summary>Reads an ELF, TI-COFF or PE file.</summary>
         /// <exception cref="ReadException">It could not be read to its end.</exception>

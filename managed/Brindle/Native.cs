@@ -225,6 +225,10 @@ namespace Brindle
         public static extern int brindle_reader_read_input(IntPtr reader, ref NativeInput input,
                                                            out IntPtr model);
         [DllImport(Library, CallingConvention = Cdecl)]
+        public static extern int brindle_reader_remark_at(IntPtr reader, UIntPtr index, IntPtr remark,
+                                                          byte[] buffer, UIntPtr capacity,
+                                                          out UIntPtr length);
+        [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_model_destroy(IntPtr model);
         [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_model_object(ModelHandle model, ulong id,

@@ -91,7 +91,8 @@ namespace Brindle
                 Native.Check(Native.brindle_reader_set_callbacks(reader, ref callbacks));
                 IntPtr model;
                 int status = Native.brindle_reader_read_input(reader, ref input, out model);
-                Image image = model != IntPtr.Zero ? new Image(new Model(model)) : null;
+                Image image = model != IntPtr.Zero ? new Image(new Model(model), Remarks())
+                                             : null;
                 if (failure != null)
                 {
                     failure.Throw();
@@ -108,6 +109,23 @@ namespace Brindle
                 GC.KeepAlive(callbacks.SetProgressText);
                 GC.KeepAlive(callbacks.SetProgressInterval);
                 GC.KeepAlive(callbacks.SetProgressValue);
+            }
+        }
+
+        List<string> Remarks()
+        {
+            var remarks = new List<string>();
+            while (true)
+            {
+                int status = Native.NotFound;
+                string text = Native.TextOf((byte[] buffer, UIntPtr capacity, out UIntPtr size) =>
+                    status = Native.brindle_reader_remark_at(reader, (UIntPtr)remarks.Count,
+                                                             IntPtr.Zero, buffer, capacity, out size));
+                if (status != Native.Ok)
+                {
+                    return remarks;
+                }
+                remarks.Add(text);
             }
         }
 

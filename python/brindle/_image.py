@@ -42,13 +42,20 @@ class Image:
     the library's model alive until `close`.
     """
 
-    def __init__(self, model: Model) -> None:
+    def __init__(self, model: Model, remarks: Tuple[str, ...]) -> None:
         self._model = model
+        self._remarks = remarks
 
     @property
     def path(self) -> str:
         """As it was given to `read`."""
         return self._model.image_path
+
+    @property
+    def remarks(self) -> Tuple[str, ...]:
+        """What the read passed over and what to do about it, a line each; only the full manner makes
+        any."""
+        return self._remarks
 
     @property
     def container(self) -> str:

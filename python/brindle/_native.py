@@ -97,6 +97,7 @@ _FUNCTIONS: Tuple[Tuple[Any, ...], ...] = (
     ("brindle_reader_set_read_all_types", c_void_p, c_int32),
     ("brindle_reader_set_callbacks", c_void_p, POINTER(Callbacks)),
     ("brindle_reader_read_input", c_void_p, POINTER(Input), POINTER(c_void_p)),
+    ("brindle_reader_remark_at", c_void_p, c_size_t, c_void_p, *_TEXT_TARGET),
     ("brindle_reader_cancel", c_void_p),
     ("brindle_model_destroy", c_void_p),
     ("brindle_model_object", c_void_p, c_uint64, POINTER(Object)),
@@ -167,12 +168,17 @@ for _name, *_arguments in _FUNCTIONS:
     _function.argtypes = _arguments
 
 
-def text_of(function: Callable[..., int], *arguments: object) -> str:
-    """The text that a function copies into a buffer."""
+def status_and_text(function: Callable[..., int], *arguments: object) -> Tuple[int, str]:
+    """How a call ended, and the text that it copied into a buffer."""
     length = c_size_t()
     buffer = ctypes.create_string_buffer(256)
-    function(*arguments, buffer, len(buffer), ctypes.byref(length))
+    status = function(*arguments, buffer, len(buffer), ctypes.byref(length))
     if length.value >= len(buffer):
         buffer = ctypes.create_string_buffer(length.value + 1)
-        function(*arguments, buffer, len(buffer), ctypes.byref(length))
-    return buffer.value.decode("utf-8", "replace")
+        status = function(*arguments, buffer, len(buffer), ctypes.byref(length))
+    return status, buffer.value.decode("utf-8", "replace")
+
+
+def text_of(function: Callable[..., int], *arguments: object) -> str:
+    """The text that a function copies into a buffer."""
+    return status_and_text(function, *arguments)[1]

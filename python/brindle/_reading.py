@@ -5,7 +5,7 @@ from __future__ import annotations
 import ctypes
 import os
 from ctypes import byref, c_void_p
-from typing import Any, Callable, Dict, List, Mapping, NoReturn, Optional, Union
+from typing import Any, Callable, Dict, List, Mapping, NoReturn, Optional, Tuple, Union
 
 from . import _native
 from ._errors import BusyError, Error, OptionError, ReadError
@@ -104,12 +104,21 @@ class _Reader:
     def read(self, wanted: Any) -> Image:
         handle = c_void_p()
         status = _native.library.brindle_reader_read_input(self.handle, byref(wanted), byref(handle))
-        image = Image(Model(handle.value)) if handle.value else None
+        image = Image(Model(handle.value), self._remarks()) if handle.value else None
         if self._error is not None:
             raise self._error
         if status != _native.OK or image is None:
             self._fail(status, image)
         return image
+
+    def _remarks(self) -> Tuple[str, ...]:
+        remarks: List[str] = []
+        while True:
+            status, text = _native.status_and_text(
+                _native.library.brindle_reader_remark_at, self.handle, len(remarks), None)
+            if status != _native.OK:
+                return tuple(remarks)
+            remarks.append(text)
 
     def _fail(self, status: int, image: Optional[Image]) -> NoReturn:
         text = _native.text_of(_native.library.brindle_reader_error_text, self.handle)

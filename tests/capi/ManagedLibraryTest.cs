@@ -113,6 +113,10 @@ static class ManagedLibraryTest
             Progress = (phase, share) => { throw new InvalidTimeZoneException("enough"); }
         }), "enough");
 
+        string split = Path.Combine(Path.GetDirectoryName(path), "full", "arm-c-split.elf");
+        Require(Image.Read(split, new ReadOptions { Full = true }).Remarks.Count == 1, "a remark");
+        Require(Image.Read(path, new ReadOptions { Full = true }).Remarks.Count == 0, "no remark");
+
         Image closed = Image.Read(path);
         Place place = closed["motors"];
         closed.Dispose();

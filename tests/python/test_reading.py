@@ -48,6 +48,13 @@ def test_options_hold_for_one_read(images):
         brindle.read(modern, container="zip")
 
 
+def test_remarks_tell_what_was_passed_over(images):
+    with brindle.read(images / "full" / "arm-c-split.elf", full=True) as image:
+        remark, = image.remarks
+        assert "-gsplit-dwarf" in remark
+    assert brindle.read(images / NAME, full=True).remarks == ()
+
+
 def test_all_types_are_read_where_they_are_wanted(images):
     some, every = (len(list(brindle.read(images / NAME, all_types=flag).types))
                    for flag in (False, True))
