@@ -1,6 +1,6 @@
 /*
  * Walks the finished model of a file and prints one row for each variable, as
- * `brindle vars --format csv FILE` does.
+ * `brindle vars --sort file --format csv FILE` does.
  */
 #include <brindle/brindle.h>
 #include <inttypes.h>
@@ -49,7 +49,7 @@ static void print_variable(brindle_model model, brindle_id id) {
 
     brindle_model_object(model, id, &variable);
     brindle_model_size_of(model, id, &size);
-    printf("\"0x%08" PRIx64 "\",\"%" PRIu64 "\",", variable.address, size);
+    printf("0x%08" PRIx64 ",%" PRIu64 ",", variable.address, size);
     print_object_text(brindle_model_type_text, model, variable.type);
     print_object_text(brindle_model_qualified_name, model, id);
     brindle_model_compile_unit_of(model, id, &unit_id);

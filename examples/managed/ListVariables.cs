@@ -1,5 +1,5 @@
 // Reads a file into a data model of its own and prints one row for each variable, as
-// `brindle vars --format csv FILE` does.
+// `brindle vars --sort file --format csv FILE` does.
 using System;
 using System.IO;
 using System.Text;
@@ -16,8 +16,8 @@ static class ListVariables
         output.WriteLine("address,size,type,name,compileUnit");
         foreach (FirmwareObject variable in model.Variables)
         {
-            output.WriteLine(string.Join(",", Field("0x" + variable.Address.ToString("x8")),
-                                         Field(model.SizeOf(variable).ToString()),
+            output.WriteLine(string.Join(",", "0x" + variable.Address.ToString("x8"),
+                                         model.SizeOf(variable).ToString(),
                                          Field(TypeText.Of(model, variable.Type)),
                                          Field(model.QualifiedName(variable)),
                                          Field(model.CompileUnitName(variable))));

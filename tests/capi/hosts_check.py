@@ -33,7 +33,8 @@ def run(command, *arguments):
 
 
 def program_listing(image):
-    return run([PROGRAM, "vars", *LIBRARY_MANNER, "--no-progress", "--format", "csv"], image)
+    return run([PROGRAM, "vars", "--sort", "file", *LIBRARY_MANNER, "--no-progress", "--format", "csv"],
+               image)
 
 
 class HostsCheck(unittest.TestCase):
