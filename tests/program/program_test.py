@@ -427,7 +427,7 @@ class SampleNamesTest(ProgramTest):
                           ("stop_motor::1::stops", "motor_c"), ("counter", "motor_c"),
                           ("counter", "sensors_c"), ("version", "main_c")])
         again = self.rows("find", self.IMAGE, *[row["name"] for row in rows[:3]])
-        self.assertEqual(again, rows[:3])
+        self.assertEqual([{**row, "query": "stops"} for row in again], rows[:3])
 
     def test_a_pattern_without_a_match_is_told_with_near_names(self):
         for command, pattern, text in [
@@ -560,7 +560,7 @@ class DumpTest(ProgramTest):
     def test_document(self):
         file = self.file("two.elf", elf_image(TWO_SYMBOLS))
         document = self.run_json("dump", file)
-        self.assertEqual(list(document), ["file", "container", "ok", "error", "objects"])
+        self.assertEqual(list(document), ["file", "container", "ok", "error", "version", "image", "objects"])
         self.assertEqual(document["file"], file)
         self.assertEqual(document["objects"], [
             {"id": 1, "kind": "namespace", "scope": 0, "name": ""},
