@@ -375,5 +375,19 @@ TEST_F(CompileUnitMappingTest, UnitsThatAllOverlap) {
     EXPECT_EQ(run.Section().mDieNodes.InOffsetOrder().size(), count * entryCount);
 }
 
+TEST_F(CompileUnitMappingTest, BucketsFollowTheSizeOfTheSection) {
+    const auto buckets = [](std::uint64_t size) {
+        SectionRun run(ImageOf("x", {}, ElfClass::Class64));
+        run.File().mSecDebugInfo.sh_size = size;
+        EXPECT_TRUE(run.Init());
+        return run.Section().EstimateBestHashMapBucketsCountFromDebugSectionSize();
+    };
+    EXPECT_EQ(buckets(0), 12347);
+    EXPECT_EQ(buckets(926'024), 12347);
+    EXPECT_EQ(buckets(926'025), 15511);
+    EXPECT_EQ(buckets(1'350'003'075), 19000013);
+    EXPECT_EQ(buckets(0x100000000), 19000013);
+}
+
 } // namespace
 } // namespace Tessel::Norn::Brindle::Tests
