@@ -6,6 +6,7 @@
 #include "support/PeImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
+#include "support/TemporaryFolder.h"
 #include "support/UsualEntries.h"
 
 #include <algorithm>
@@ -13,8 +14,10 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <iterator>
 #include <set>
+#include <string_view>
 #include <utility>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
@@ -53,22 +56,6 @@ std::size_t NextCut(const Input& input, std::size_t size) {
     }
     return size + std::max<std::size_t>(
                       (input.content.size() - input.headersSize) / sCutsBehindHeaders, 1);
-}
-
-void ExpectEveryCutToBeSafe(const Input& input) {
-    SCOPED_TRACE(input.name);
-    const ReadRun whole = ReadImage(input.content, input.container);
-    const std::vector<std::string> variables = whole.Variables();
-    EXPECT_THAT(variables, Not(IsEmpty()));
-    const std::set<std::string> known(variables.begin(), variables.end());
-    for (std::size_t size = 0; size < input.content.size(); size = NextCut(input, size)) {
-        SCOPED_TRACE(size);
-        const ReadRun run = ReadImage(input.content.substr(0, size), input.container);
-        ExpectMessageOrResult(run);
-        for (const std::string& variable : run.Variables()) {
-            EXPECT_TRUE(known.contains(variable)) << variable;
-        }
-    }
 }
 
 std::uint32_t LittleEndian(const std::string& bytes, std::size_t position, std::size_t size) {
@@ -141,8 +128,39 @@ bool IsPadding(const std::string& content, std::size_t position) {
     return content.compare(position / sZeros.size() * sZeros.size(), sZeros.size(), sZeros) == 0;
 }
 
+/// Thousands of reads: they share one file, and standard output is shown after a failure alone.
 class DamagedContainerTest : public testing::Test {
+protected:
+    DamagedContainerTest() { testing::internal::CaptureStdout(); }
+    void TearDown() override {
+        const std::string output = testing::internal::GetCapturedStdout();
+        if (HasFailure()) {
+            std::cout << output;
+        }
+    }
+
+    [[nodiscard]] ReadRun Read(std::string_view content, const Input& input) const {
+        return ReadFileUncaptured(mFolder.Write("image", content), input.container);
+    }
+
+    void ExpectEveryCutToBeSafe(const Input& input) const {
+        SCOPED_TRACE(input.name);
+        const std::vector<std::string> variables = Read(input.content, input).Variables();
+        EXPECT_THAT(variables, Not(IsEmpty()));
+        const std::set<std::string> known(variables.begin(), variables.end());
+        for (std::size_t size = 0; size < input.content.size(); size = NextCut(input, size)) {
+            SCOPED_TRACE(size);
+            const ReadRun run = Read(std::string_view(input.content).substr(0, size), input);
+            ExpectMessageOrResult(run);
+            for (const std::string& variable : run.Variables()) {
+                EXPECT_TRUE(known.contains(variable)) << variable;
+            }
+        }
+    }
+
+private:
     ScopedReaderState mState;
+    TemporaryFolder mFolder;
 };
 
 TEST_F(DamagedContainerTest, SamplesThatAreCutOff) {
@@ -169,7 +187,7 @@ TEST_F(DamagedContainerTest, HeadersWithOneWrongByte) {
                 SCOPED_TRACE(position);
                 std::string content = image.content;
                 if (std::exchange(content[position], wrong) != wrong) {
-                    ExpectMessageOrResult(ReadImage(content, image.container));
+                    ExpectMessageOrResult(Read(content, image));
                 }
             }
         }

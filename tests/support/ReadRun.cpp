@@ -52,6 +52,14 @@ std::vector<std::string> ReadRun::Variables() const {
 
 ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType container,
                  bool allTypes) {
+    testing::internal::CaptureStdout();
+    ReadRun run = ReadFileUncaptured(path, container, allTypes);
+    run.standardOutput = testing::internal::GetCapturedStdout();
+    return run;
+}
+
+ReadRun ReadFileUncaptured(const std::string& path, Reader::DWARF::DWARFContainerType container,
+                           bool allTypes) {
     ReadRun run;
     run.model = std::make_unique<DataModel::DataModel>();
     DataModel::RecordingDataModel recorder(*run.model);
@@ -60,9 +68,7 @@ ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType cont
     SetSignalCallback(reader, run);
     SetProgressCallbacks(reader, run);
     reader.ReadAllTypes(allTypes);
-    testing::internal::CaptureStdout();
     run.result = reader.Read(path, container);
-    run.standardOutput = testing::internal::GetCapturedStdout();
     for (const Reader::DWARF::ReadRemark& remark : reader.GetRemarks().All()) {
         run.remarks.push_back(remark.text);
     }

@@ -39,6 +39,11 @@ ReadRun ReadFile(
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF,
     bool allTypes = false);
 
+/// The same, but what the reader writes to standard output goes there: for very many reads, since
+/// a file is made for each output that is kept.
+ReadRun ReadFileUncaptured(const std::string& path, Reader::DWARF::DWARFContainerType container,
+                           bool allTypes = false);
+
 /// Reads an image from a temporary file.
 ReadRun ReadImage(
     std::string_view image,
