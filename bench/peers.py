@@ -72,6 +72,7 @@ def with_find(expression):
 
 
 IMAGES = [("cpp.elf", "C++, x86-64", DEBUG_TOOLS), ("cpp-half.elf", "C++, half the units", None),
+          ("cpp-dwarf5.elf", "the same C++ with DWARF 5", DEBUG_TOOLS),
           ("real.elf", "a real C++ program at -O2", DEBUG_TOOLS),
           ("arm.elf", "C, 32-bit ARM", with_find("gLast_0.group.count")),
           ("arm-half.elf", "C, half the units", None),
