@@ -523,6 +523,14 @@ TEST_F(FullDecodingTest, CompressedSectionsAreTold) {
     EXPECT_TRUE(flagged.result);
     EXPECT_THAT(flagged.Variables(), ElementsAre(HasSubstr("gMotor@1000")));
     EXPECT_THAT(flagged.remarks, ElementsAre(HasSubstr("--decompress-debug-sections")));
+    const std::string packed(100, '\1');
+    const ReadRun several = ReadImage(ElfImage()
+                                          .Symbol({"gMotor", 0x1000, 8})
+                                          .Section(".debug_aranges", packed, {.flags = 0x800})
+                                          .Section(".debug_info", packed, {.flags = 0x800})
+                                          .Section(".debug_str", packed, {.flags = 0x800})
+                                          .Build());
+    EXPECT_THAT(several.remarks, ElementsAre(HasSubstr(".debug_info is compressed")));
     const ReadRun named = read(".zdebug_info", 0, ReadingManner::Full);
     EXPECT_TRUE(named.result);
     EXPECT_THAT(named.remarks, ElementsAre(HasSubstr(".zdebug_info is compressed")));

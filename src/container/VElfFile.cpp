@@ -59,8 +59,8 @@ bool VElfFile::IsPassedOver(std::string_view name, const Elf64_Shdr& section) {
     const bool isCompressed =
         name.starts_with(".zdebug_") ||
         (name.starts_with(".debug_") && (section.sh_flags & sSectionCompressed) != 0);
-    if (isCompressed && !mRemarks.Has(ReadRemarkKind::CompressedSections)) {
-        mRemarks.AddCompressedSections(ToHostText(name));
+    if (isCompressed) {
+        mRemarks.AddCompressedSection(ToHostText(name));
     }
     // Groups of an object hold further sections of the same names, a type each.
     const bool isInGroup = IsUnlinked() && (section.sh_flags & sSectionInGroup) != 0;

@@ -72,8 +72,14 @@ bool ReadRemarks::Has(ReadRemarkKind kind) const {
     return std::ranges::find(mRemarks, kind, &ReadRemark::kind) != mRemarks.end();
 }
 
-void ReadRemarks::AddCompressedSections(std::string_view firstSection) {
-    mRemarks.push_back({ReadRemarkKind::CompressedSections, Filled(sCompressed, {firstSection})});
+void ReadRemarks::AddCompressedSection(std::string_view section) {
+    const auto known =
+        std::ranges::find(mRemarks, ReadRemarkKind::CompressedSections, &ReadRemark::kind);
+    if (known == mRemarks.end()) {
+        mRemarks.push_back({ReadRemarkKind::CompressedSections, Filled(sCompressed, {section})});
+    } else if (section.ends_with("debug_info")) {
+        known->text = Filled(sCompressed, {section});
+    }
 }
 
 void ReadRemarks::AddSplitUnits(std::uint32_t count, std::uint32_t total) {

@@ -51,8 +51,8 @@ public:
     /// @name What the reader tells
     /// @{
 
-    /// Sections are compressed; the first of them stands for all.
-    void AddCompressedSections(std::string_view firstSection);
+    /// A section is compressed. One stands for all: that of the debug entries, else the first one.
+    void AddCompressedSection(std::string_view section);
     /// Of all units so many have their entries in other files.
     void AddSplitUnits(std::uint32_t count, std::uint32_t total);
     /// The file isn't linked yet.
