@@ -342,6 +342,34 @@ brindle_status brindle_model_path_problem(brindle_model model, const char* path,
     });
 }
 
+brindle_status brindle_model_find_address(brindle_model model, uint64_t address, size_t index,
+                                          brindle_place* place, uint64_t* offset, char* buffer,
+                                          size_t capacity, size_t* length) {
+    if (place != nullptr && !CInterface::GiveStructure(brindle_place{}, place)) {
+        return BRINDLE_INVALID_ARGUMENT;
+    }
+    if (offset != nullptr) {
+        *offset = 0;
+    }
+    const TextTarget target{buffer, capacity, length};
+    return ForModel(model, [&](ModelState& state) -> brindle_status {
+        GiveText({}, target);
+        const std::vector<DataModel::AddressHit> hits = state.FindAddress(address);
+        if (index >= hits.size()) {
+            return BRINDLE_NOT_FOUND;
+        }
+        if (place != nullptr) {
+            brindle_place description = Described(hits[index].place);
+            description.candidates = hits.size();
+            CInterface::GiveStructure(description, place);
+        }
+        if (offset != nullptr) {
+            *offset = hits[index].offset;
+        }
+        return GiveText(hits[index].path, target);
+    });
+}
+
 brindle_status brindle_model_visit_leaves(brindle_model model, brindle_id global,
                                           const brindle_leaf_limits* limits,
                                           brindle_leaf_visitor visitor, void* user_data,

@@ -13,6 +13,14 @@ std::uint64_t ModelState::PointerSize() {
     return mPointerSize;
 }
 
+std::vector<DataModel::AddressHit> ModelState::FindAddress(std::uint64_t address) {
+    const std::scoped_lock lock(mAddressMutex);
+    if (!mAddresses) {
+        mAddresses.emplace(mModel);
+    }
+    return mAddresses->Find(address);
+}
+
 std::vector<std::uint8_t> ModelState::InitialBytes(std::uint64_t address, std::uint64_t size) {
     const std::scoped_lock lock(mImageMutex);
     return mModel.InitialBytes(address, size);

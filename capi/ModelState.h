@@ -4,6 +4,7 @@
 #include "HandleTable.h"
 #include "brindle.h"
 
+#include "model/AddressLookup.h"
 #include "model/DataModel.h"
 #include "model/QualifiedNameIndex.h"
 
@@ -27,6 +28,9 @@ public:
     /// See `DataModel::InitialBytes`, which one thread at a time may ask.
     std::vector<std::uint8_t> InitialBytes(std::uint64_t address, std::uint64_t size);
 
+    /// See `DataModel::AddressLookup`, which one thread at a time may ask.
+    std::vector<DataModel::AddressHit> FindAddress(std::uint64_t address);
+
     /// The index of the finished model, made with the first call.
     const DataModel::QualifiedNameIndex& Names() {
         std::call_once(mIsIndexed, [this] { mNames.emplace(mModel); });
@@ -37,6 +41,8 @@ private:
     DataModel::DataModel mModel;
     std::once_flag mIsIndexed;
     std::optional<DataModel::QualifiedNameIndex> mNames;
+    std::mutex mAddressMutex;
+    std::optional<DataModel::AddressLookup> mAddresses;
     std::once_flag mIsPointerSizeKnown;
     std::uint64_t mPointerSize = 0;
     /// Protects the open file of the image.

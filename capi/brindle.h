@@ -790,6 +790,24 @@ BRINDLE_C_API brindle_status brindle_model_path_problem(brindle_model model, con
                                                         size_t* resolved_length, char* buffer,
                                                         size_t capacity, size_t* length);
 
+/**
+ * What holds the byte at an address: the leaf of a variable, or the innermost structure or array
+ * where the byte lies in a gap between its parts. The first question to a model takes time in
+ * proportion to its size. Since interface 2.
+ *
+ * @param index which one is meant where there are several, from 0: variables may overlap, and so do
+ *     members of a union
+ * @param place receives the place, with the number of all that there are as `candidates`; may be
+ *     null
+ * @param offset receives the distance of the byte from the first one of the place; may be null
+ * @param buffer, capacity, length receive the path of the place, see brindle_option_get
+ * @return BRINDLE_NOT_FOUND if no variable holds the byte, or for an index beyond the last place
+ */
+BRINDLE_C_API brindle_status brindle_model_find_address(brindle_model model, uint64_t address,
+                                                        size_t index, brindle_place* place,
+                                                        uint64_t* offset, char* buffer,
+                                                        size_t capacity, size_t* length);
+
 /** How far a walk over leaves goes. A limit of 0 is the usual one. */
 typedef struct brindle_leaf_limits {
     size_t struct_size;

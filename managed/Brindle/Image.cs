@@ -163,6 +163,19 @@ namespace Brindle
             return places;
         }
 
+        /// <summary>All that holds the byte at an address: a leaf, or the innermost structure or array
+        /// where the byte lies in a gap; several where variables overlap or members of a union
+        /// do.</summary>
+        public IReadOnlyList<PathPlace> At(ulong address)
+        {
+            var places = new List<PathPlace>();
+            for (PathPlace place; (place = model.PlaceAt(address, places.Count)) != null;)
+            {
+                places.Add(place);
+            }
+            return places;
+        }
+
         /// <summary>The variables taken apart into what has no parts.</summary>
         /// <param name="pattern">which paths are wanted, with * for any characters and ? for one; it may
         /// also fit what follows a "::". One that fits the name of a variable takes all of its leaves. Null

@@ -194,6 +194,26 @@ namespace Brindle
             return status == Native.Ok;
         }
 
+        // Null where there are no more places that hold the byte.
+        public PathPlace PlaceAt(ulong address, int index)
+        {
+            var place = new NativePlace { StructSize = Native.SizeOf<NativePlace>() };
+            int status = Native.Ok;
+            string path = Native.TextOf((byte[] buffer, UIntPtr capacity, out UIntPtr length) =>
+            {
+                ulong offset;
+                status = Native.brindle_model_find_address(handle, address, (UIntPtr)index, ref place,
+                                                           out offset, buffer, capacity, out length);
+                return status;
+            });
+            if (status == Native.NotFound)
+            {
+                return null;
+            }
+            Native.Check(status);
+            return new PathPlace(this, path, place);
+        }
+
         public NativePlace Resolve(string path)
         {
             NativePlace place;

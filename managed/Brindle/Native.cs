@@ -279,6 +279,11 @@ namespace Brindle
                                                             out UIntPtr resolved, byte[] buffer,
                                                             UIntPtr capacity, out UIntPtr length);
         [DllImport(Library, CallingConvention = Cdecl)]
+        public static extern int brindle_model_find_address(ModelHandle model, ulong address,
+                                                            UIntPtr index, ref NativePlace place,
+                                                            out ulong offset, byte[] buffer,
+                                                            UIntPtr capacity, out UIntPtr length);
+        [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_rows_create(ModelHandle model, ref NativeRowChoice choice,
                                                      out IntPtr rows);
         [DllImport(Library, CallingConvention = Cdecl)]

@@ -17,7 +17,7 @@ from ._errors import (
     PathError,
     ReadError,
 )
-from ._image import CompileUnit, Image, Section
+from ._image import CompileUnit, Hit, Image, Section
 from ._memory import Memory, MemorySource
 from ._places import Leaf, Leaves, Place, Variable, Variables
 from ._reading import library_version, read
@@ -51,6 +51,7 @@ __all__ = [
     "Enumerator",
     "Error",
     "FunctionType",
+    "Hit",
     "Image",
     "Leaf",
     "Leaves",

@@ -28,6 +28,13 @@ class Section(NamedTuple):
     file_size: int
 
 
+class Hit(NamedTuple):
+    """A place that holds a byte, and the distance of the byte from its first one."""
+
+    place: Place
+    offset: int
+
+
 class CompileUnit(NamedTuple):
     """A source file that was compiled, and the variables that are local to it."""
 
@@ -137,6 +144,13 @@ class Image:
             return []
         rest = [self._model.resolve(path, index) for index in range(1, first.candidates)]
         return [Place(self._model, path, row) for row in (first, *rest)]
+
+    def at(self, address: int) -> List[Hit]:
+        """All that holds the byte at an address: a leaf, or the innermost structure or array where the
+        byte lies in a gap; several where variables overlap or members of a union do. Empty if no variable
+        holds it."""
+        return [Hit(Place(self._model, path, row), offset)
+                for path, row, offset in self._model.find_address(address)]
 
     def leaves(self, pattern: Optional[str] = None, *, array_elements: int = 1000,
                limit: int = 1_000_000) -> Leaves:

@@ -204,10 +204,24 @@ class Model:
         self._check(status)
         if status == _native.NOT_FOUND:
             raise PathError(self._problem(path, encoded))
-        return PlaceRow(
-            getattr(found, "global"), found.type, found.address, found.size,
-            found.indexed_dimensions, bool(found.is_bit_field), found.bit_offset, found.bit_size,
-            found.candidates)
+        return _place_row(found)
+
+    def find_address(self, address: int) -> Iterator[Tuple[str, PlaceRow, int]]:
+        """Path, place and offset of all that holds the byte at an address."""
+        count = 1
+        index = 0
+        found = _native.Place()
+        offset = c_uint64()
+        while index < count and 0 <= address < 1 << 64:
+            status, path = _native.status_and_text(
+                _native.library.brindle_model_find_address, self.handle, address, index,
+                byref(found), byref(offset))
+            if status == _native.NOT_FOUND:
+                return
+            self._check(status)
+            count = found.candidates
+            yield path, _place_row(found), offset.value
+            index += 1
 
     def _problem(self, path: str, encoded: bytes) -> str:
         resolved = c_size_t()
@@ -235,3 +249,10 @@ class Model:
         status = _native.library.brindle_model_initial_bytes(self.handle, address, buffer, size)
         self._check(status)
         return bytes(buffer) if status == _native.OK else None
+
+
+def _place_row(found: Any) -> PlaceRow:
+    return PlaceRow(
+        getattr(found, "global"), found.type, found.address, found.size,
+        found.indexed_dimensions, bool(found.is_bit_field), found.bit_offset, found.bit_size,
+        found.candidates)

@@ -117,6 +117,8 @@ _FUNCTIONS: Tuple[Tuple[Any, ...], ...] = (
     ("brindle_model_find", c_void_p, c_char_p, c_int32, c_uint64, POINTER(c_uint64)),
     ("brindle_model_resolve_path", c_void_p, c_char_p, c_size_t, POINTER(Place)),
     ("brindle_model_path_problem", c_void_p, c_char_p, POINTER(c_size_t), *_TEXT_TARGET),
+    ("brindle_model_find_address", c_void_p, c_uint64, c_size_t, POINTER(Place), POINTER(c_uint64),
+     *_TEXT_TARGET),
     ("brindle_rows_create", c_void_p, POINTER(RowChoice), POINTER(c_void_p)),
     ("brindle_rows_next", c_void_p, c_size_t, POINTER(RowBlock)),
     ("brindle_rows_cuts", c_void_p, POINTER(LeafCuts)),

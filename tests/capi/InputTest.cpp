@@ -269,6 +269,30 @@ TEST_F(InputTest, NothingIsWrittenToStandardOutput) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
+TEST_F(InputTest, AnAddressLeadsToAllThatHoldsItsByte) {
+    const std::string path = Sample("arm-c-dwarf4-O0.elf");
+    const ReadModel model(mReader, Input(path.c_str()));
+    auto word = Sized<brindle_place>();
+    ASSERT_EQ(brindle_model_resolve_path(model.Handle(), "motors[1].serial.all", 0, &word),
+              BRINDLE_OK);
+    std::vector<std::string> paths;
+    auto place = Sized<brindle_place>();
+    std::uint64_t offset = 0;
+    std::array<char, 64> text = {};
+    while (brindle_model_find_address(model.Handle(), word.address + 3, paths.size(), &place,
+                                      &offset, text.data(), text.size(), nullptr) == BRINDLE_OK) {
+        EXPECT_EQ(place.address + offset, word.address + 3);
+        EXPECT_EQ(place.candidates, 3U);
+        paths.emplace_back(text.data());
+    }
+    EXPECT_THAT(paths, testing::UnorderedElementsAre("motors[1].serial.all",
+                                                     "motors[1].serial.halves.second",
+                                                     "motors[1].serial.bytes[3]"));
+    EXPECT_EQ(brindle_model_find_address(model.Handle(), 1, 0, &place, &offset, text.data(),
+                                         text.size(), nullptr),
+              BRINDLE_NOT_FOUND);
+}
+
 TEST_F(InputTest, RowsAreTheLeavesOfAWalk) {
     const std::string path = Sample("arm-cpp-dwarf4-O0.elf");
     const ReadModel model(mReader, Input(path.c_str()));

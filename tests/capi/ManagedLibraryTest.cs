@@ -54,6 +54,8 @@ static class ManagedLibraryTest
         Throws<PathException>(() => image["motors[7].serial"].ToString(), "up to 'motors'");
         Throws<PathException>(() => image.Variables["nothing"].ToString(), "nothing");
         Require(image.Places("nothing").Count == 0, "no places");
+        Require(image.At(image["motors[1].serial"].Address + 3).Select(place => place.Path).Contains(
+                    "motors[1].serial.bytes[3]") && image.At(1).Count == 0, "what lies at an address");
     }
 
     static void TestLeaves(Image image)

@@ -129,6 +129,8 @@ std::vector<ModelCall> WholeModelCalls() {
         return status;
     };
     return {{rows, "rows_create"},
+            MODEL_CALL(find_address, 0x20000000, 0, Into<brindle_place>(), nullptr, gText.data(),
+                       gText.size(), nullptr),
             MODEL_CALL(image, Into<brindle_image>()),
             MODEL_CALL(section, 0, Into<brindle_section>()),
             MODEL_CALL(initial_bytes, 0x20000000, gText.data(), 1),

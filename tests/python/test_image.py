@@ -97,6 +97,14 @@ def test_leaves_are_those_of_the_program(image, pattern):
     assert bool(given) == (pattern != "nothing*")
 
 
+def test_an_address_leads_to_all_that_holds_its_byte(image):
+    word = image["motors[1].serial.all"]
+    assert {(hit.place.path, hit.offset) for hit in image.at(word.address + 3)} == {
+        ("motors[1].serial.all", 3), ("motors[1].serial.halves.second", 1),
+        ("motors[1].serial.bytes[3]", 0)}
+    assert image.at(1) == [] and image.at(-1) == []
+
+
 def test_limits_are_told(image):
     leaves = image.leaves("motors*", array_elements=1)
     assert all("[1]" not in leaf.path for leaf in leaves) and not leaves.is_complete
