@@ -112,15 +112,17 @@ void CommandLine::AddHelpCommand() {
 
 ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) const {
     const CLI::App* command = &mProgram;
-    std::string lead;
+    std::string fullName = mProgram.get_name();
     for (const std::string& name : names) {
         if (!HasCommand(*command, name)) {
             return EndWrongUsage(UnknownCommandProblem(*command, name));
         }
-        lead.append(lead.empty() ? "" : " ").append(command->get_name());
         command = command->get_subcommand(name);
+        fullName.append(" ").append(name);
     }
-    std::string text = command->help(lead);
+    // The program's own help is that of the command that was called.
+    std::string text =
+        command->get_formatter()->make_help(command, fullName, CLI::AppFormatMode::Normal);
     output.Write(text.append(text.ends_with('\n') ? "" : "\n"));
     return ExitStatus::Success;
 }
