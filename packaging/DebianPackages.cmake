@@ -33,7 +33,8 @@ set(CPACK_COMPONENT_PROGRAM_DESCRIPTION "print the symbols of firmware images
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/packaging/triggers")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "symbol reader for firmware images, shared library
  ${about} This package has the library for programs that use it.")
 
