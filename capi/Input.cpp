@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <ranges>
 #include <variant>
 
 namespace Tessel::Norn::Brindle::CInterface {
@@ -66,8 +65,8 @@ Outcome TakeInput(const brindle_input* given, Input& input) {
 }
 
 SettingScope::~SettingScope() {
-    for (const auto& putBack : std::views::reverse(mPutBack)) {
-        putBack();
+    for (auto putBack = mPutBack.rbegin(); putBack != mPutBack.rend(); ++putBack) {
+        (*putBack)();
     }
 }
 
@@ -83,8 +82,9 @@ Outcome SettingScope::Set(const std::vector<std::pair<std::string, std::string>>
             },
             option->variable);
         if (!Reader::DWARF::AssignOption(*option, value)) {
-            return {BRINDLE_INVALID_VALUE,
-                    "'" + value + "' is no value of the option '" + name + "'"};
+            std::string text = "'" + value;
+            text.append("' is no value of the option '").append(name).append("'");
+            return {BRINDLE_INVALID_VALUE, std::move(text)};
         }
     }
     return {};

@@ -20,7 +20,6 @@ namespace {
 
 using testing::ElementsAreArray;
 using testing::Gt;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 std::string Sample(const std::string& name) {
