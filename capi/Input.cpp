@@ -65,8 +65,10 @@ Outcome TakeInput(const brindle_input* given, Input& input) {
 }
 
 SettingScope::~SettingScope() {
-    for (auto putBack = mPutBack.rbegin(); putBack != mPutBack.rend(); ++putBack) {
-        (*putBack)();
+    // The last one first, since an option may be named twice.
+    while (!mPutBack.empty()) {
+        mPutBack.back()();
+        mPutBack.pop_back();
     }
 }
 
