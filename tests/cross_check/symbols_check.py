@@ -73,7 +73,8 @@ def expected_variables(image, names=(), addresses=(), is_full=False):
 
 
 def run_vars(image, *arguments):
-    return subprocess.run([PROGRAM, "vars", "--format", "csv", str(image), *arguments],
+    return subprocess.run([PROGRAM, "vars", "--format", "csv", "--sort", "file", "--allow-empty", str(image),
+                           *arguments],
                           capture_output=True, text=True, timeout=60)
 
 

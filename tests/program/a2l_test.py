@@ -113,7 +113,7 @@ class UpdateTest(A2lTest):
         self.assertEqual(rows[0]["newAddress"], "0x20000048")
         self.assertEqual(rows[1]["nearNames"], "tick")
         self.assertEqual(rows[1]["nowAtOldAddress"], "tick")
-        document = json.loads((self.folder / "r.json").read_text())
+        document = json.loads((self.folder / "r.json").read_text())["rows"]
         self.assertEqual([row["status"] for row in document], ["updated", "notFound"])
         self.assertEqual(document[0]["newAddress"], 0x20000048)
 

@@ -60,12 +60,13 @@ class PatternTest(ProgramTest):
             for arguments in [[f"{row['compileUnit']}::counter"],
                               ["counter", "--unit", row["compileUnit"]]]:
                 self.assertEqual(self.run_json("vars", IMAGE, *arguments, "--format", "json"), [row])
-            found, = self.run_json("find", IMAGE, f"{row['compileUnit']}::counter", "--format", "json")
+            found, = self.run_json("find", IMAGE, f"{row['compileUnit']}::{row['name']}", "--format",
+                                   "json")
             self.assertEqual((found["address"], found["compileUnit"]),
                              (row["address"], row["compileUnit"]))
         self.run_program("find", IMAGE, "main_c::counter", status=1)
         self.assertEqual(self.names("leaves", IMAGE, "--unit", "supply", "*.cells\\[1].*")[0],
-                         ["main_supply.cells[1].millivolts", "main_supply.cells[1].temperature"])
+                         [f"main_supply.cells[1].{member}" for member in ["millivolts", "celsius", "neighbour"]])
         error = self.run_program("vars", IMAGE, "--unit", "moter_c", status=1)[1]
         self.assertIn("no compile unit matches 'moter_c'; nearest names: motor_c", error)
 

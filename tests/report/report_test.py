@@ -199,8 +199,8 @@ class ReportTest(unittest.TestCase):
 
     def test_two_images_show_what_differs(self):
         images = [SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf", SAMPLE_IMAGES / "arm-c-dwarf4-O2.elf"]
-        rows = [row for row in json.loads(run("diff", *images, "--format", "json"))["rows"]
-                if row["kind"] == "variable"]
+        rows = [row for row in json.loads(run("diff", *images, "--symbols", "--format", "json"))["rows"]
+                if row["kind"] in ("variable", "symbol")]
         self.browser.open(self.report(*images, name="changes.html"))
         counted = {}
         for label in self.browser.texts(".filter"):
