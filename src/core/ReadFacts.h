@@ -13,10 +13,12 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// The units of one version of DWARF in one language.
 struct UnitGroup {
+    /// Of the unit's header.
     std::int32_t version = 0;
     /// As `DW_AT_language` has it (DWARF 5, 7.12); 0 if the units don't tell it, and in the classic
     /// manner of reading.
     std::uint32_t language = 0;
+    /// Units of both.
     std::uint32_t count = 0;
 };
 
@@ -24,6 +26,7 @@ struct UnitGroup {
 struct ProducerCount {
     /// As the compiler wrote it, UTF-8; at most 1023 bytes of the file's text.
     std::string producer;
+    /// Units that it wrote.
     std::uint32_t count = 0;
 };
 
@@ -49,8 +52,11 @@ public:
     /// A compile unit was read.
     /// @param producer empty if it tells none
     void AddUnit(std::int32_t version, std::uint32_t language, std::string_view producer);
+    /// A type unit was read.
     void AddTypeUnit() { ++mTypeUnits; }
+    /// All entries were visited.
     void SetEntries(std::uint64_t entries) { mEntries = entries; }
+    /// The headers of the symbol table were read.
     void SetSymbols(std::uint64_t symbols) { mSymbols = symbols; }
 
     /// @}

@@ -12,10 +12,12 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 /// Bytes one after the other.
 struct ByteSpan {
+    /// Of the first byte.
     std::uint64_t address = 0;
     /// In bytes.
     std::uint64_t size = 0;
 
+    /// True if the byte at an address is one of them.
     [[nodiscard]] bool Holds(std::uint64_t byteAddress) const {
         return byteAddress >= address && byteAddress - address < size;
     }
