@@ -9,6 +9,7 @@
 #include "model/LayoutFingerprints.h"
 #include "model/LeafWalk.h"
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -40,6 +41,7 @@ struct Difference {
 
     /// The later build's place, or the earlier one's of what vanished.
     [[nodiscard]] const ComparedPlace& Latest() const {
+        assert(newPlace != nullptr || oldPlace != nullptr);
         return newPlace != nullptr ? *newPlace : *oldPlace;
     }
 

@@ -96,20 +96,20 @@ TEST(ModelComparisonTest, LeavesAreComparedWithinTheirVariables) {
 }
 
 TEST(ModelComparisonTest, AVariableThatAppearsMayStandForItsLeaves) {
-    const Build before(0x1000,
-                       [](Build& build) { build.Member("speed", build.mInt32, build.mMotor, 0); });
-    const Build after(0x1000, [](Build& build) {
+    const Build plain(0x1000,
+                      [](Build& build) { build.Member("speed", build.mInt32, build.mMotor, 0); });
+    const Build spare(0x1000, [](Build& build) {
         build.Member("speed", build.mInt32, build.mMotor, 0);
         build.Global("spare", build.mMotor, 0x2000);
     });
     ComparisonScope scope;
-    EXPECT_THAT(Compare(before, after, scope),
+    EXPECT_THAT(Compare(plain, spare, scope),
                 ElementsAre("spare appeared", ".spare.speed appeared"));
     scope.hasLeavesOfWhole = false;
-    EXPECT_THAT(Compare(before, after, scope), ElementsAre("spare appeared"));
-    EXPECT_THAT(Compare(after, before, scope), ElementsAre("spare vanished"));
+    EXPECT_THAT(Compare(plain, spare, scope), ElementsAre("spare appeared"));
+    EXPECT_THAT(Compare(spare, plain, scope), ElementsAre("spare vanished"));
     scope.filter = NameFilter("*.speed");
-    EXPECT_THAT(Compare(before, after, scope), ElementsAre(".spare.speed appeared"));
+    EXPECT_THAT(Compare(plain, spare, scope), ElementsAre(".spare.speed appeared"));
 }
 
 TEST(ModelComparisonTest, ATypeThatKeepsItsNameAndChangesItsMeaningIsTold) {
