@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <ranges>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -64,8 +63,9 @@ void VDebugInfoNodeArray::ForEachSubrange(Visitor&& visit) const {
         std::ranges::for_each(Children(), visitIfSubrange);
         return;
     }
-    const std::vector<const VDebugInfoNode*> children(Children().begin(), Children().end());
-    std::ranges::for_each(std::views::reverse(children), visitIfSubrange);
+    std::vector<const VDebugInfoNode*> children(Children().begin(), Children().end());
+    std::ranges::reverse(children);
+    std::ranges::for_each(children, visitIfSubrange);
 }
 
 template <typename Visitor>
@@ -101,9 +101,10 @@ VDebugInfoNodeArray::Extent VDebugInfoNodeArray::ExtentOf(std::int32_t elementSi
     std::vector<const VDebugInfoNodeSubrange*> subranges;
     ForEachSubrange(
         [&](const VDebugInfoNodeSubrange& subrange) { subranges.push_back(&subrange); });
+    std::ranges::reverse(subranges);
     Extent extent{static_cast<std::uint32_t>(elementSize) * std::uint64_t{sBitsPerByte}, true};
     std::uint64_t stride = mStrideInBits;
-    for (const VDebugInfoNodeSubrange* subrange : std::views::reverse(subranges)) {
+    for (const VDebugInfoNodeSubrange* subrange : subranges) {
         stride = subrange->GetStrideInBits() != 0 ? subrange->GetStrideInBits() : stride;
         if (stride != 0 && stride != extent.bits) {
             extent = {stride, false};

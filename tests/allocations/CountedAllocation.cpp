@@ -88,6 +88,7 @@ constexpr std::size_t Of(std::align_val_t alignment) {
 
 // All forms are replaced, since sanitizers tell blocks of their own forms from those of others:
 // each for one object and for many.
+// NOLINTBEGIN(bugprone-macro-parentheses): the arguments are a signature and a call
 #define REPLACE_NEW(parameters, allocate)                                                          \
     void* operator new parameters {                                                                \
         return allocate;                                                                           \
@@ -102,6 +103,7 @@ constexpr std::size_t Of(std::align_val_t alignment) {
     void operator delete[] parameters {                                                            \
         Release(memory);                                                                           \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 // NOLINTBEGIN(misc-new-delete-overloads): each form has its counterpart, of which there are fewer
 REPLACE_NEW((std::size_t size), AllocateOrThrow(size, sUsual))
