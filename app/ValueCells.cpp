@@ -37,7 +37,8 @@ std::array<Cell, 2> ValueCells::Of(const DataModel::DataModel::Place& place) {
     mValue = mDecoder.InitialValue(place);
     std::array<Cell, 2> cells;
     std::visit(
-        [&]<typename Number>(Number number) {
+        [&](auto number) {
+            using Number = decltype(number);
             if constexpr (std::is_same_v<Number, bool>) {
                 cells[0] = Literal{number ? "true" : "false"};
             } else if constexpr (std::is_floating_point_v<Number>) {
