@@ -175,7 +175,7 @@ private:
 std::vector<Column> FindColumns(bool hasValues) {
     std::vector<Column> columns(sColumns.begin(), sColumns.end());
     if (hasValues) {
-        columns.insert(columns.end(), kValueColumns.begin(), kValueColumns.end());
+        columns.insert(columns.end(), sValueColumns.begin(), sValueColumns.end());
     }
     return columns;
 }

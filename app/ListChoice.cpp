@@ -1,5 +1,7 @@
 #include "ListChoice.h"
 
+#include "ValueCells.h"
+
 #include <algorithm>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -19,6 +21,15 @@ bool VariableFilter::Begin(const DataModel::ModelObject& variable) {
 Cell SectionCell(const DataModel::DataModel& model, std::uint64_t address) {
     const DataModel::ImageSection* const section = model.Image().SectionAt(address);
     return section == nullptr ? Cell() : Cell(std::string_view(section->name));
+}
+
+void AddChosenColumns(const ListChoice& choice, std::vector<Column>& columns) {
+    if (choice.hasSections) {
+        columns.push_back(Column{"section"});
+    }
+    if (choice.hasValues) {
+        columns.insert(columns.end(), sValueColumns.begin(), sValueColumns.end());
+    }
 }
 
 } // namespace Tessel::Norn::Brindle::Program

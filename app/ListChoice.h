@@ -71,4 +71,7 @@ private:
 /// The name of the section that holds an address, or nothing. Valid as long as the model.
 Cell SectionCell(const DataModel::DataModel& model, std::uint64_t address);
 
+/// Adds the columns that a list has only where they are chosen: its section, then `sValueColumns`.
+void AddChosenColumns(const ListChoice& choice, std::vector<Column>& columns);
+
 } // namespace Tessel::Norn::Brindle::Program

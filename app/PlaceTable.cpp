@@ -127,12 +127,7 @@ std::vector<Column> PlaceColumns(const ListChoice& choice) {
                                    Column{"bitOffset", true, true},
                                    Column{"bitSize", true, true},
                                    Column{"compileUnit"}};
-    if (choice.hasSections) {
-        columns.push_back(Column{"section"});
-    }
-    if (choice.hasValues) {
-        columns.insert(columns.end(), kValueColumns.begin(), kValueColumns.end());
-    }
+    AddChosenColumns(choice, columns);
     return columns;
 }
 

@@ -14,7 +14,7 @@ namespace Tessel::Norn::Brindle::Program {
 /// `value` is a number or truth value; what memory that is cleared at the start holds is 0, and
 /// nothing stands where the image doesn't tell the value. `valueText` is the enumerator, or the
 /// text of an array of characters.
-inline constexpr std::array kValueColumns = {Column{"value", true},
+inline constexpr std::array sValueColumns = {Column{"value", true},
                                              Column{"valueText", false, true}};
 
 /// Decodes the values of one model.
@@ -25,7 +25,7 @@ public:
         : mModel(model)
         , mDecoder(model) {}
 
-    /// The cells of `kValueColumns`. Valid until the next call.
+    /// The cells of `sValueColumns`. Valid until the next call.
     std::array<Cell, 2> Of(const DataModel::DataModel::Place& place);
     /// The same for a leaf. The first element of an array of characters has the text of all.
     std::array<Cell, 2> OfLeaf(std::string_view path, const DataModel::DataModel::Place& place);

@@ -84,12 +84,7 @@ std::vector<Column> VariableColumns(const ListChoice& choice) {
     std::vector<Column> columns = {Column{"address", true}, Column{"size", true}, Column{"type"},
                                    Column{"name", false, false, sLeastNameWidth},
                                    Column{"compileUnit"}};
-    if (choice.hasSections) {
-        columns.push_back(Column{"section"});
-    }
-    if (choice.hasValues) {
-        columns.insert(columns.end(), kValueColumns.begin(), kValueColumns.end());
-    }
+    AddChosenColumns(choice, columns);
     return columns;
 }
 
