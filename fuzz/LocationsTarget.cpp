@@ -16,6 +16,8 @@ using namespace Tessel::Norn::Brindle::Reader::DWARF;
 
 namespace {
 
+constexpr std::size_t sMaximumOverhang = 128;
+
 VLocationResult Evaluate(VElfInput& file, std::size_t loaded, std::int32_t end,
                          std::uint8_t addressSize, ExpressionPlace place, ReadingManner manner) {
     VElfBuffer buffer(file);
@@ -46,8 +48,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const VLocationResult whole = Evaluate(file, length, end, addressSize, place, manner);
     const VLocationResult cut =
         Evaluate(file, std::min<std::size_t>(length, end), end, addressSize, place, manner);
-    Fuzzing::Require(whole.mIsValid == cut.mIsValid && whole.mValue == cut.mValue,
-                     "nothing behind an expression is looked at");
+    if (manner == ReadingManner::Full || cut.mIsValid) {
+        Fuzzing::Require(whole.mIsValid == cut.mIsValid && whole.mValue == cut.mValue,
+                         "nothing after an expression that holds its operands is looked at");
+    }
+    // In the classic manner the last operand may pass the end, by this much at the most.
+    const VLocationResult overhanging =
+        Evaluate(file, std::min<std::size_t>(length, end + sMaximumOverhang), end, addressSize,
+                 place, manner);
+    Fuzzing::Require(whole.mIsValid == overhanging.mIsValid && whole.mValue == overhanging.mValue,
+                     "an operand passes the end of its expression by a bounded number of bytes");
     Fuzzing::Require(whole.mIsValid || whole.mValue == 0, "without a result the value is 0");
 
     Elf64_Shdr section;
