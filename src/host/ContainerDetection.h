@@ -1,5 +1,6 @@
 // Which kind of container a file is, by its first bytes. A host asks when its user leaves the
-// choice to it; whether the file is sound is for the reader to say.
+// choice to it; whether the file is sound is for the reader to say. Implemented in
+// read/ContainerDetection.
 #pragma once
 
 #include "../core/Export.h"

@@ -22,6 +22,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// class variables of `VElfOptions`. At most one `Read` may run in a process at a time.
 class BRINDLE_EXPORT VDWARFReader : public Contract::Interfaces::IProgressNotifier {
 public:
+    /// @name Reading
+    /// Implemented in read/ReadSequence.
+    /// @{
+
     /// Reads the file at `path` and delivers it. The path goes to the system unchanged.
     ///
     /// On failure `SignalErrorCallback` receives severity 2, code 4112, an empty first text and the
@@ -37,6 +41,7 @@ public:
     ///     beside a file of this name
     /// @return true if the file was read to its end
     bool Read(const FileContent& content, const std::string& name, DWARFContainerType container);
+    /// @}
 
     /// What the latest read passed over and why. Empty before the first read, and after one in the
     /// classic manner.

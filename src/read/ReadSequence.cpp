@@ -1,4 +1,4 @@
-#include "host/ReadSequence.h"
+#include "read/ReadSequence.h"
 
 #include "container/VElfFile.h"
 #include "core/ErrorState.h"
@@ -9,9 +9,7 @@
 #include "host/VDWARFReader.h"
 #include "host/VDWARFReaderWrapper.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <string_view>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
