@@ -5,7 +5,7 @@
 
 #include "../core/Export.h"
 #include "../core/VString.h"
-#include "../demangle/VDemanglingOptions.h"
+#include "../core/VDemanglingOptions.h"
 
 #include <cstdint>
 #include <fstream>

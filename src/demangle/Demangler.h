@@ -4,7 +4,7 @@
 #pragma once
 
 #include "../core/Export.h"
-#include "../demangle/VDemanglingOptions.h"
+#include "../core/VDemanglingOptions.h"
 
 #include <string_view>
 

@@ -3,7 +3,7 @@
 // producer but one. It never reads parameter lists or template arguments: they stay text.
 #pragma once
 
-#include "demangle/VDemanglingOptions.h"
+#include "core/VDemanglingOptions.h"
 
 #include <string_view>
 

@@ -3,7 +3,7 @@
 // substitutions: the first thing that is not a length ends the name.
 #pragma once
 
-#include "demangle/VDemanglingOptions.h"
+#include "core/VDemanglingOptions.h"
 
 #include <string_view>
 

@@ -1,6 +1,5 @@
 #include "diagnostics/ProducerDump.h"
 
-#include "container/VElfFile.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
 
@@ -11,31 +10,26 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-void WriteFormat(const Elf64_Shdr& section, const char* format) {
-    if (section.IsPresent()) {
-        VElfOptions::mDumpProducerInfoFile << format;
+void WriteHead(const std::string& inputPath, std::span<const std::string_view> debugFormats) {
+    std::ostream& dump = VElfOptions::mDumpProducerInfoFile;
+    dump << "\nDumping compile units from file: '" << inputPath
+         << "'\n>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>\n\nFile contains:";
+    for (const std::string_view format : debugFormats) {
+        dump << '[' << format << ']';
     }
-}
-
-void WriteHead(const VElfFile& file) {
-    VElfOptions::mDumpProducerInfoFile
-        << "\nDumping compile units from file: '" << file.GetInputPath()
-        << "'\n>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>>\n\nFile contains:";
-    WriteFormat(file.mSecDebugInfo, "[DWARF2]");
-    WriteFormat(file.mSecDebug, "[DWARF1]");
-    WriteFormat(file.mSecVdebug, "[NEC]");
-    VElfOptions::mDumpProducerInfoFile << '\n';
+    dump << '\n';
 }
 
 } // namespace
 
-bool OpenDumpProducerInfoFile(const VElfFile& file) {
+bool OpenDumpProducerInfoFile(const std::string& inputPath,
+                              std::span<const std::string_view> debugFormats) {
     const VString& name = VElfOptions::mDumpProducerInfoFileName;
-    if (name.empty() || !OpenDiagnosticFile(VElfOptions::mDumpProducerInfoFile, name,
-                                            file.GetInputPath(), std::ios::app)) {
+    if (name.empty() || !OpenDiagnosticFile(VElfOptions::mDumpProducerInfoFile, name, inputPath,
+                                            std::ios::app)) {
         return false;
     }
-    WriteHead(file);
+    WriteHead(inputPath, debugFormats);
     return true;
 }
 

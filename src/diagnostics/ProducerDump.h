@@ -3,16 +3,19 @@
 // opens and closes it; off while its name is empty, and it never influences a result.
 #pragma once
 
+#include <span>
+#include <string>
+#include <string_view>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-class VElfFile;
-
 /// Opens the file that `mDumpProducerInfoFileName` names, for appending, and writes the head of a
-/// block: the input's path and its debug formats, from the section records. What can't be written
-/// is lost. The name of the input itself is refused.
+/// block: the input's path and the names of its debug formats. What can't be written is lost. The
+/// name of the input itself is refused.
 /// @return false if there is no name, or, with a text on standard output, if the file can't be
 ///         opened
-bool OpenDumpProducerInfoFile(const VElfFile& file);
+bool OpenDumpProducerInfoFile(const std::string& inputPath,
+                              std::span<const std::string_view> debugFormats);
 
 /// Closes the dump if it is open.
 /// @param message why the read failed, which ends the block, UTF-8; null after a successful read

@@ -10,6 +10,8 @@
 #include "host/VDWARFReaderWrapper.h"
 
 #include <cstddef>
+#include <string_view>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -131,13 +133,27 @@ bool ReadPEHeaders(VElfFile& file) {
     return true;
 }
 
+/// Opens the producer dump with the formats that the file has, whether they are read or not.
+void StartProducerDump(const VElfFile& file) {
+    std::vector<std::string_view> formats;
+    const auto addPresent = [&](const Elf64_Shdr& section, std::string_view format) {
+        if (section.IsPresent()) {
+            formats.push_back(format);
+        }
+    };
+    addPresent(file.mSecDebugInfo, "DWARF2");
+    addPresent(file.mSecDebug, "DWARF1");
+    addPresent(file.mSecVdebug, "NEC");
+    OpenDumpProducerInfoFile(file.GetInputPath(), formats);
+}
+
 bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper* wrapper) {
     if (!_ReadElfAndSectionHeaders(container, file)) {
         return false;
     }
     file.mFactory->DescribeImage(file.DescribeImage(container));
     if (!VElfOptions::mDumpProducerInfoFileName.empty()) {
-        OpenDumpProducerInfoFile(file);
+        StartProducerDump(file);
     }
     return _ReadoutSymbolTablesAndDebugSections(container, file, wrapper);
 }
