@@ -1,6 +1,6 @@
 #include "container/VElfBuffer.h"
 #include "container/VElfFileCache.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "support/ByteWriter.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"

@@ -1,6 +1,6 @@
 // The headers of COFF files in the TI layout, from the file to the section records.
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "support/CoffImage.h"
 #include "support/ElfImage.h"
 #include "support/ScopedReaderState.h"

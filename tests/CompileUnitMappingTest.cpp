@@ -1,6 +1,6 @@
 // The mapping of compile units: what counts as a unit, the slide, the search, and what the log
 // tells of it; then the loading of units.
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
 #include "support/ReadRun.h"

@@ -1,8 +1,8 @@
 // Whole reads of the same debug information in each container: what is delivered, which phases run,
 // and what the reader says when the file is of another kind than it was told.
-#include "core/ErrorState.h"
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
+#include "diagnostics/ErrorState.h"
 #include "support/CoffImage.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"

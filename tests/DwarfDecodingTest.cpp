@@ -1,6 +1,6 @@
 // Decoding of debug entries: forms, attributes and the walk over a unit, seen at the nodes that
 // come of it.
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "dwarf/DwarfNames.h"
 #include "dwarf/ShortTexts.h"
 #include "nodes/VDebugInfoNodeArray.h"

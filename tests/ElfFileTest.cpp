@@ -1,5 +1,5 @@
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "support/ElfImage.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include "core/HostText.h"
 #include "core/ModuleInfo.h"

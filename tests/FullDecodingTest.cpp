@@ -1,7 +1,7 @@
 // What the full manner of reading takes that the classic one doesn't: units and forms of DWARF 5,
 // type units, lists of locations, bounds by language. Images are read in both manners where the
 // classic result matters.
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "dwarf/UnitLanguage.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "support/ReadRun.h"

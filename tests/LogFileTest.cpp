@@ -1,6 +1,6 @@
-#include "core/ErrorState.h"
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "support/ElfImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"

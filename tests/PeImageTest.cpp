@@ -2,7 +2,7 @@
 #include "support/PeImage.h"
 
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"
 

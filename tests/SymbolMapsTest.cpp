@@ -1,6 +1,6 @@
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "support/ElfImage.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"

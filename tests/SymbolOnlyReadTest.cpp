@@ -1,7 +1,7 @@
 // Whole reads of images that have symbols and no debug information.
-#include "core/ErrorState.h"
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
+#include "diagnostics/ErrorState.h"
 #include "host/CurrentDataModel.h"
 #include "host/VDWARFReader.h"
 #include "support/ElfImage.h"

@@ -1,7 +1,7 @@
 #include "container/VElfBuffer.h"
 
 #include "core/ConsoleOutput.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include <cerrno>
 #include <cstddef>

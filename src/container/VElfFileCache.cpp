@@ -1,6 +1,6 @@
 #include "container/VElfFileCache.h"
 
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -3,7 +3,7 @@
 // tell where the string table begins, and nothing else.
 #include "container/VElfFile.h"
 #include "core/CutText.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include <limits>
 #include <span>

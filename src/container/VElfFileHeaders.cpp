@@ -3,7 +3,7 @@
 #include "container/VElfFile.h"
 #include "core/ConsoleOutput.h"
 #include "core/CutText.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include <algorithm>
 #include <cstring>

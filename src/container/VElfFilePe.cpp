@@ -1,7 +1,7 @@
 // The PE side of `VElfFile`: its section records and its symbols come from the image in memory, its
 // bytes from the stream, as in the other containers.
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 

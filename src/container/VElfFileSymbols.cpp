@@ -2,8 +2,8 @@
 // ABI, chapter "Symbol Table") and the questions that the debug phase asks of the symbols.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "emit/SymbolOnlyEmission.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "container/ByteOrder.h"
 #include "core/CutText.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include <algorithm>
 #include <charconv>

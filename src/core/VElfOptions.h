@@ -4,8 +4,8 @@
 #pragma once
 
 #include "../core/Export.h"
-#include "../core/VString.h"
 #include "../core/VDemanglingOptions.h"
+#include "../core/VString.h"
 
 #include <cstdint>
 #include <fstream>

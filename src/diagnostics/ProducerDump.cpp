@@ -25,8 +25,8 @@ void WriteHead(const std::string& inputPath, std::span<const std::string_view> d
 bool OpenDumpProducerInfoFile(const std::string& inputPath,
                               std::span<const std::string_view> debugFormats) {
     const VString& name = VElfOptions::mDumpProducerInfoFileName;
-    if (name.empty() || !OpenDiagnosticFile(VElfOptions::mDumpProducerInfoFile, name, inputPath,
-                                            std::ios::app)) {
+    if (name.empty() ||
+        !OpenDiagnosticFile(VElfOptions::mDumpProducerInfoFile, name, inputPath, std::ios::app)) {
         return false;
     }
     WriteHead(inputPath, debugFormats);

@@ -1,8 +1,8 @@
 // The first walk over `.debug_info` and `.debug_types`: from unit header to unit header, with the
 // search for the next sound header where one makes no sense; and the loading of one unit.
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "dwarf/VAbrSectionBuffer.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDwarf2Section.h"

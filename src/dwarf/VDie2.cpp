@@ -4,8 +4,8 @@
 
 #include "container/VElfFile.h"
 #include "core/CutText.h"
-#include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "dwarf/UnitName.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitHeader.h"

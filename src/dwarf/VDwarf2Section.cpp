@@ -2,8 +2,8 @@
 
 #include "container/VElfFile.h"
 #include "core/CutText.h"
-#include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "dwarf/VAbrSectionBuffer.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VLocTabBuffer.h"

@@ -1,7 +1,7 @@
 #include "dwarf/VWholeSection.h"
 
 #include "container/VElfFileCache.h"
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include <bit>
 

@@ -1,8 +1,8 @@
 #include "read/ReadSequence.h"
 
 #include "container/VElfFile.h"
-#include "core/ErrorState.h"
 #include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
 #include "diagnostics/ProducerDump.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/VCLIFactoryWrapper.h"

@@ -1,9 +1,9 @@
 #include "support/ScopedReaderState.h"
 
-#include "core/ErrorState.h"
 #include "core/OptionTable.h"
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
+#include "diagnostics/ErrorState.h"
 
 namespace Tessel::Norn::Brindle::Tests {
 

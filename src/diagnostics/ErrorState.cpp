@@ -1,4 +1,4 @@
-#include "core/ErrorState.h"
+#include "diagnostics/ErrorState.h"
 
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
