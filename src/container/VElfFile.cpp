@@ -1,7 +1,6 @@
 #include "container/VElfFile.h"
 
 #include "core/HostText.h"
-#include "emit/VCLIFactoryWrapper.h"
 
 #include <algorithm>
 #include <iterator>
@@ -9,8 +8,6 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
-
-constexpr std::size_t sMaximumFileNameLength = 260;
 
 struct SectionName {
     std::string_view name;
@@ -40,16 +37,6 @@ constexpr SectionName sSectionNames[] = {
 };
 
 } // namespace
-
-VElfFile::VElfFile(const std::string& path, VDWARFReaderWrapper* reader, FileContent content)
-    : mFactory(std::make_unique<VCLIFactoryWrapper>())
-    , mReader(reader)
-    , mPath(path)
-    , mFileName(path, 0, sMaximumFileNameLength) {
-    mContent = std::move(content);
-}
-
-VElfFile::~VElfFile() = default;
 
 bool VElfFile::IsUnlinked() const {
     return mManner == ReadingManner::Full && mElfHeader.e_type == sElfTypeRelocatable;

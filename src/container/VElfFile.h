@@ -23,6 +23,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -38,7 +39,8 @@ class VDWARFReaderWrapper;
 /// to the end of the object, after a failure too.
 class VElfFile : public VElfOptions, public VElfInput {
 public:
-    /// Makes the factory of the file. The reader is borrowed and may be null.
+    /// Makes the factory of the file, in emit/VElfFileDelivery. The reader is borrowed and may be
+    /// null.
     /// @param content the file in memory, which the path then only names; null to open the path
     VElfFile(const std::string& path, VDWARFReaderWrapper* reader, FileContent content = nullptr);
     ~VElfFile();
@@ -53,6 +55,7 @@ public:
     [[nodiscard]] const std::string& GetInputFileName() const { return mFileName; }
 
     /// @name ELF header and sections
+    /// Implemented in VElfFileHeaders.
     /// @{
 
     /// Opens the file and fills the header and the target flags (ELF header, e_ident). That the
@@ -72,6 +75,7 @@ public:
 
     /// @}
     /// @name COFF header and sections, TI layout
+    /// Implemented in VElfFileCoff.
     /// @{
 
     /// Opens the file and fills the header and the target flags; `mCoffDwarfAddressMode` and the
@@ -86,6 +90,7 @@ public:
 
     /// @}
     /// @name PE image
+    /// Implemented in VElfFilePe.
     /// @{
 
     /// Maps the image, fills the section records and opens the file. Whatever fails, the error
@@ -105,6 +110,7 @@ public:
     bool AssignSection(std::string_view name, const Elf64_Shdr& section);
 
     /// @name Symbols
+    /// Implemented in VElfFileSymbols; the delivery in emit/VElfFileDelivery.
     /// @{
 
     /// Loads the string table of the symbols, in place of one that was loaded before; the names in
@@ -115,6 +121,11 @@ public:
     /// `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_NO_STRTAB`, `ELFERR_64BIT_LIMIT` (classic manner); none
     /// without a loaded string table.
     bool LoadSymbolMap(IElfSymbolMap& map);
+    using SymbolVisitor = std::function<void(const Elf32_Sym&)>;
+    /// Visits the data symbols with a name and an address, in the order of the table. A symbol
+    /// table that can't be loaded counts as empty. Errors: `ELFERR_64BIT_LIMIT` (classic manner).
+    /// The string table must be loaded.
+    bool ForEachDeliverableSymbol(const SymbolVisitor& visit);
     /// Delivers the data symbols that are not in the data model yet. A symbol table that can't be
     /// loaded counts as empty. Errors: `ELFERR_SECTION_ITEM_SIZE`, `ELFERR_64BIT_LIMIT` (classic
     /// manner); none without a loaded string table or a global namespace.

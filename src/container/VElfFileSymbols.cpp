@@ -1,10 +1,10 @@
 // The symbol side of `VElfFile`: the string table, the two walks over the symbol table (System V
-// ABI, chapter "Symbol Table") and the questions that the debug phase asks of the symbols.
+// ABI, chapter "Symbol Table") and the questions that the debug phase asks of the symbols. What is
+// delivered of them stands in emit/VElfFileDelivery.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"
-#include "emit/SymbolOnlyEmission.h"
 
 #include <algorithm>
 #include <cinttypes>
@@ -171,26 +171,12 @@ bool VElfFile::LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted) {
     return true;
 }
 
-bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
-    if (!mStrTabBuffer) {
-        elfelog("String table not loaded!\n\n");
-        return false;
-    }
-    if (mSecSymtab.sh_entsize == 0) {
-        SetErrorState(ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
-        elfelog("There is not symbol table in this file!\n\n");
-        return false;
-    }
-    SymbolOnlyEmission emission(*mFactory);
-    if (!emission.Begin()) {
-        return false;
-    }
+bool VElfFile::ForEachDeliverableSymbol(const SymbolVisitor& visit) {
     VElfBuffer buffer(*this);
     if (!LoadTable(buffer, mSecSymtab)) {
         return false;
     }
     const SymbolRules& rules = SymbolRules::Of(mManner);
-    LongTextAllowance longNames(mFileSize);
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
         if (!ReadSymbol(symbol, buffer)) {
@@ -200,20 +186,8 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
             break;
         }
         symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
-        if (!rules.isDeliverable(symbol) || !HasName(symbol)) {
-            continue;
-        }
-        const std::string_view rawName = CutSymbolName(symbol.name, longNames);
-        char name[sSymbolNameBufferSize];
-        name[rawName.copy(name, sSymbolNameBufferSize - 1)] = '\0';
-        ProcessSymbolTableEntryName(name, sizeof name, symbol.st_name);
-        if (onlyDumpToLog || !sCheckIsValidVariableType_FromMangledName(name)) {
-            continue;
-        }
-        if (mManner == ReadingManner::Classic) {
-            emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
-        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName)) {
-            emission.CreateVariable(name, symbol.st_value, symbol.st_size);
+        if (rules.isDeliverable(symbol) && HasName(symbol)) {
+            visit(symbol);
         }
     }
     return true;

@@ -5,7 +5,6 @@
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
-#include "emit/VCLIFactoryWrapper.h"
 #include "host/VDWARFReaderWrapper.h"
 #include "nodes/VDebugInfoNode.h"
 
@@ -56,15 +55,6 @@ bool VDwarf2Section::ProcessDebugSection() {
         elfelog("\n");
     }
     return true;
-}
-
-void VDwarf2Section::CreateUnknownEntryTypes() {
-    VCLIFactoryWrapper& factory = *mElfFile->mFactory;
-    const std::uint64_t globalNamespace = factory.GetGlobalNamespace();
-    for (std::size_t index = 0; index < mUnknownEntryTypes.size(); ++index) {
-        mUnknownEntryTypes[index] = sGetSymbolTableBaseEntryTypeObjId(
-            factory, globalNamespace, kUnknownEntryTypeSizes[index]);
-    }
 }
 
 bool VDwarf2Section::ProcessCompileUnits() {

@@ -102,6 +102,15 @@ bool VDwarf2Section::EmitNodes() {
     return true;
 }
 
+void VDwarf2Section::CreateUnknownEntryTypes() {
+    VCLIFactoryWrapper& factory = *mElfFile->mFactory;
+    const ObjectId globalNamespace = factory.GetGlobalNamespace();
+    for (std::size_t index = 0; index < mUnknownEntryTypes.size(); ++index) {
+        mUnknownEntryTypes[index] = sGetSymbolTableBaseEntryTypeObjId(
+            factory, globalNamespace, kUnknownEntryTypeSizes[index]);
+    }
+}
+
 ObjectId VDwarf2Section::GetUnknownEntryTypeObject(std::uint32_t byteSize) {
     const auto* const kept = std::ranges::find(kUnknownEntryTypeSizes, byteSize);
     if (kept != kUnknownEntryTypeSizes.end()) {

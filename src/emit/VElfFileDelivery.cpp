@@ -1,0 +1,62 @@
+// What a file delivers by itself: it makes the factory that all of its delivery goes through, and
+// hands over the data symbols that no debug information describes.
+#include "container/SymbolName.h"
+#include "container/VElfFile.h"
+#include "core/LongTextAllowance.h"
+#include "diagnostics/ElfLog.h"
+#include "diagnostics/ErrorState.h"
+#include "emit/SymbolOnlyEmission.h"
+#include "emit/VCLIFactoryWrapper.h"
+
+#include <utility>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+constexpr std::size_t sMaximumFileNameLength = 260;
+
+} // namespace
+
+VElfFile::VElfFile(const std::string& path, VDWARFReaderWrapper* reader, FileContent content)
+    : mFactory(std::make_unique<VCLIFactoryWrapper>())
+    , mReader(reader)
+    , mPath(path)
+    , mFileName(path, 0, sMaximumFileNameLength) {
+    mContent = std::move(content);
+}
+
+VElfFile::~VElfFile() = default;
+
+bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
+    if (!mStrTabBuffer) {
+        elfelog("String table not loaded!\n\n");
+        return false;
+    }
+    if (mSecSymtab.sh_entsize == 0) {
+        SetErrorState(ELFReadErrorEnum::ELFERR_SECTION_ITEM_SIZE);
+        elfelog("There is not symbol table in this file!\n\n");
+        return false;
+    }
+    SymbolOnlyEmission emission(*mFactory);
+    if (!emission.Begin()) {
+        return false;
+    }
+    LongTextAllowance longNames(mFileSize);
+    return ForEachDeliverableSymbol([&](const Elf32_Sym& symbol) {
+        const std::string_view rawName = CutSymbolName(symbol.name, longNames);
+        char name[sSymbolNameBufferSize];
+        name[rawName.copy(name, sSymbolNameBufferSize - 1)] = '\0';
+        ProcessSymbolTableEntryName(name, sizeof name, symbol.st_name);
+        if (onlyDumpToLog || !sCheckIsValidVariableType_FromMangledName(name)) {
+            return;
+        }
+        if (mManner == ReadingManner::Classic) {
+            emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
+        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName)) {
+            emission.CreateVariable(name, symbol.st_value, symbol.st_size);
+        }
+    });
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
