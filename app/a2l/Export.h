@@ -2,11 +2,11 @@
 // The command gives the wishes of the user and the place for the text.
 #pragma once
 
+#include "a2l/Version.h"
 #include "model/DataModel.h"
 #include "model/LeafWalk.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,9 +17,6 @@ class ResultOutput;
 } // namespace Tessel::Norn::Brindle::Program
 
 namespace Tessel::Norn::Brindle::Program::A2l {
-
-/// Versions of A2L, in their order.
-enum class Version : std::uint8_t { V1_5_1, V1_6, V1_7_1 };
 
 struct ExportChoices {
     /// What is wanted, as `leaves` takes patterns; empty for everything.

@@ -1,7 +1,7 @@
 // How the blocks of an export are written, version by version. The export decides what they say.
 #pragma once
 
-#include "a2l/Export.h"
+#include "a2l/Version.h"
 
 #include <cstdint>
 #include <optional>

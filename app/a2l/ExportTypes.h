@@ -3,10 +3,10 @@
 
 #include "a2l/BitMask.h"
 #include "a2l/Conversions.h"
-#include "a2l/Export.h"
 #include "a2l/ExportText.h"
 #include "a2l/Identifiers.h"
 #include "a2l/SymbolIndex.h"
+#include "a2l/Version.h"
 #include "model/DataModel.h"
 
 #include <cstddef>
