@@ -16,12 +16,13 @@ namespace Tessel::Norn::Brindle::DataModel {
 struct ImageDescription;
 }
 namespace Tessel::Norn::Brindle::DataModel::Factory {
-class FactoryForCliClient;
+class HostDataModel;
 }
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 using DataModel::BasicTypes;
+using DataModel::Factory::HostDataModel;
 
 /// Names one object of the host's data model; 0 means none.
 using ObjectId = std::uint64_t;
@@ -186,10 +187,19 @@ public:
     /// @}
 
 private:
-    DataModel::Factory::FactoryForCliClient& Factory();
+    /// The answer of the host's operation to the arguments, its texts as host texts. Without a data
+    /// model 0, false or nothing.
+    template <typename Result, typename... Parameters, typename... Arguments>
+    Result Forward(Result (HostDataModel::*operation)(Parameters...),
+                   const Arguments&... arguments);
     /// Host text of a narrow text, in the one place for it: calls come one after the other, and
     /// making a new string for each name takes longer than many a call.
-    const std::string& HostText(std::string_view narrowText);
+    const std::string& AsHostTakes(std::string_view narrowText);
+    /// All else goes to the host as it is.
+    template <typename Argument>
+    static const Argument& AsHostTakes(const Argument& argument) {
+        return argument;
+    }
 
     std::unique_ptr<VCLIFactoryWrapperPrivate> mPrivate;
     std::string mHostText;

@@ -1,106 +1,21 @@
-// The factory through which the reader reaches the data model of its host: it forwards every
-// operation to the model that was current when the factory was made.
+// The factory through which the reader reaches the data model of its host: the model that was
+// current when the factory was made.
 #pragma once
-
-#include "host/HostDataModel.h"
 
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 
-/// Forwards each operation of `HostDataModel` unchanged. Only a factory that has a data model may
-/// be asked: the wrapper tests that for all who deliver.
-class FactoryForCliClient final : public HostDataModel {
+class HostDataModel;
+
+/// Holds on to the data model of one read. A host that makes another one current while the read
+/// runs changes nothing for it.
+class FactoryForCliClient final {
 public:
     FactoryForCliClient();
 
     /// False if no data model was current when the factory was made.
     [[nodiscard]] bool HasDataModel() const { return mDataModel != nullptr; }
-
-    void DescribeImage(const ImageDescription& image) override;
-    ObjectId GetGlobalNamespace() override;
-    ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;
-    ObjectId CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;
-    ObjectId GetBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) override;
-    ObjectId CreateBlockScope(const std::string& blockIdentifier,
-                              ObjectId objIdParentScope) override;
-    ObjectId GetCompileUnit(const std::string& compileUnitName) override;
-    ObjectId CreateCompileUnit(const std::string& compileUnitName) override;
-    ObjectId GetOrCreateCompileUnit(const std::string& compileUnitName) override;
-    ObjectId GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) override;
-    ObjectId CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
-                                 ObjectId objIdParentScope) override;
-    ObjectId GetUnknownEntryType(std::uint64_t sizeOfUnknownType,
-                                 ObjectId objIdParentScope) override;
-    ObjectId CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
-                                    ObjectId objIdParentScope) override;
-    ObjectId GetClassEntryType(const std::string& className, ObjectId objIdOfParentClass) override;
-    ObjectId CreateClassEntryType(const std::string& className, std::uint32_t classSize,
-                                  ObjectId objIdOfScopeParent,
-                                  const std::vector<ObjectId>& vecObjIdsOfInheritances,
-                                  bool anonymous, bool isStruct) override;
-    ObjectId GetUnionEntryType(const std::string& unionName, ObjectId objIdOfParentClass) override;
-    ObjectId CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
-                                  ObjectId objIdOfParentClass, bool anonymous) override;
-    bool AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
-                      std::uint32_t byteOffset) override;
-    ObjectId CreateMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
-                              ObjectId objIdOfParentClass, std::uint32_t byteOffset,
-                              std::int16_t addressExtension, bool addressExtensionIsValid) override;
-    ObjectId CreateUnionMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
-                                   ObjectId objIdOfParentUnion, std::uint32_t byteOffset,
-                                   std::int16_t addressExtension,
-                                   bool addressExtensionIsValid) override;
-    ObjectId CreateMemberStaticData(const std::string& memberName, ObjectId objIdOfMemberType,
-                                    ObjectId objIdOfParentClass, std::uint64_t address,
-                                    bool addressIsValid, std::int16_t addressExtension,
-                                    bool addressExtensionIsValid) override;
-    ObjectId CreateBitfieldInUdt(const std::string& memberName, ObjectId objIdOfBitfieldType,
-                                 ObjectId ObjectIdOfParentUdt, std::uint32_t byteOffset,
-                                 std::uint32_t bitOffset, std::uint32_t bitSize,
-                                 std::int16_t addressExtension,
-                                 bool addressExtensionIsValid) override;
-    ObjectId CreateArrayEntryType(const std::vector<std::uint32_t>& dimensions,
-                                  ObjectId objIdOfArrayElementsType, std::uint64_t arraySize,
-                                  ObjectId objIdParentScope) override;
-    ObjectId CreatePointerEntryType(ObjectId objIdOfReferencedType, std::uint64_t ptrSize,
-                                    ObjectId objIdParentScope) override;
-    ObjectId GetEnumTable(const std::string& tableName, ObjectId objIdOfScopeParent) override;
-    ObjectId CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
-                             ObjectId objIdOfScopeParent, bool anonymous) override;
-    bool AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
-                                       const std::string& enumText) override;
-    ObjectId GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) override;
-    ObjectId CreateTypedefEntryType(const std::string& aliasName, ObjectId objIdReferencedType,
-                                    ObjectId objIdParentScope) override;
-    ObjectId GetGlobalData(const std::string& symName, ObjectId objIdOfScopeParent) override;
-    ObjectId GetGlobalData(const std::string& symName) override;
-    ObjectId GetGlobalDataByAddress(std::uint64_t address) override;
-    ObjectId CreateGlobalData(const std::string& symName, ObjectId objIdOfSymType,
-                              std::uint64_t address, ObjectId objIdOfScopeParent,
-                              bool addressIsValid, std::int16_t addressExtension,
-                              bool addressExtensionIsValid) override;
-    ObjectId GetFunction(const std::string& name, ObjectId functionType,
-                         ObjectId objIdParentScope) override;
-    ObjectId CreateFunction(const std::string& name, ObjectId objIdFunctionType,
-                            ObjectId objIdParentScope, ObjectId objIdCompileUnit,
-                            bool flag) override;
-    ObjectId CreateFunction(const std::string& name, ObjectId objIdFunctionType,
-                            bool hasParentScope) override;
-    ObjectId GetFunctionType(ObjectId objIdOfReturnType,
-                             const std::vector<ObjectId>& vecParameterTypes,
-                             ObjectId objIdParentScope) override;
-    ObjectId CreateFunctionType(ObjectId objIdOfReturnType,
-                                const std::vector<ObjectId>& vecParameterTypes,
-                                ObjectId objIdParentScope) override;
-    ObjectId GetOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
-                                     std::uint64_t bitSize, ObjectId objIdParentScope) override;
-    ObjectId CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
-                                        std::uint64_t bitSize, ObjectId objIdParentScope) override;
-    ObjectId GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) override;
-    ObjectId CreateSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) override;
-    ObjectId GetSegment(const std::string& segmentName) override;
-    ObjectId CreateSegment(const std::string& segmentName, std::uint64_t address,
-                           std::uint64_t size) override;
-    void SetTransformed(bool transformedDataModel) override;
+    /// The data model. Only a factory that has one may be asked.
+    [[nodiscard]] HostDataModel& GetDataModel() const { return *mDataModel; }
 
 private:
     HostDataModel* mDataModel;
