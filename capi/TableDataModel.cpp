@@ -6,7 +6,7 @@ namespace Tessel::Norn::Brindle::CInterface {
 
 namespace {
 
-using ObjectId = DataModel::Factory::ObjectId;
+using ObjectId = DataModel::ObjectId;
 
 static_assert(std::is_same_v<ObjectId, brindle_id>);
 

@@ -20,7 +20,7 @@ class ReadCancelled {};
 /// looks whether the read was cancelled, and then throws `ReadCancelled`.
 class TableDataModel final : public DataModel::Factory::HostDataModel {
 public:
-    using ObjectId = DataModel::Factory::ObjectId;
+    using ObjectId = DataModel::ObjectId;
     using BasicTypes = DataModel::BasicTypes;
 
     /// Borrows the flag of the read.

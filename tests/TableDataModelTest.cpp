@@ -16,7 +16,7 @@ namespace {
 using CInterface::TableDataModel;
 using DataModel::BasicTypes;
 using DataModel::Factory::HostDataModel;
-using DataModel::Factory::ObjectId;
+using DataModel::ObjectId;
 
 /// Arguments as text. A list comes as a pointer and its length.
 class ArgumentTexts {

@@ -18,7 +18,7 @@ using namespace Tessel::Norn::Brindle;
 namespace {
 
 using DataModel::BasicTypes;
-using Id = DataModel::Factory::ObjectId;
+using Id = DataModel::ObjectId;
 using Ids = std::vector<Id>;
 using Text = std::string;
 

@@ -5,6 +5,7 @@
 
 #include "emit/BaseTypes.h"
 #include "host/BasicTypes.h"
+#include "host/ObjectId.h"
 
 #include <cstdint>
 #include <memory>
@@ -23,9 +24,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 using DataModel::BasicTypes;
 using DataModel::Factory::HostDataModel;
-
-/// Names one object of the host's data model; 0 means none.
-using ObjectId = std::uint64_t;
+using DataModel::ObjectId;
 
 class VCLIFactoryWrapperPrivate;
 

@@ -6,6 +6,7 @@
 #include "../core/Export.h"
 #include "../host/BasicTypes.h"
 #include "../host/ImageDescription.h"
+#include "../host/ObjectId.h"
 
 #include <cstdint>
 #include <string>
@@ -13,8 +14,7 @@
 
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 
-/// Names one object of a data model. Given out by the model, passed back unchanged; 0 means none.
-using ObjectId = std::uint64_t;
+using Brindle::DataModel::ObjectId;
 
 /// A data model as the reader sees it.
 ///

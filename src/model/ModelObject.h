@@ -3,15 +3,12 @@
 #pragma once
 
 #include "../host/BasicTypes.h"
-#include "../host/HostDataModel.h"
+#include "../host/ObjectId.h"
 
 #include <cstdint>
 #include <string_view>
 
 namespace Tessel::Norn::Brindle::DataModel {
-
-/// Names one object of a model; 0 is none.
-using ObjectId = Factory::ObjectId;
 
 /// What an object is. The last four are made by spare operations alone.
 enum class ObjectKind : std::uint8_t {

@@ -33,7 +33,7 @@ struct BRINDLE_EXPORT RecordedCall {
     /// In the order of the parameters.
     std::vector<RecordedArgument> arguments;
     /// Empty for an operation without a result.
-    std::variant<std::monostate, Factory::ObjectId, bool> result;
+    std::variant<std::monostate, ObjectId, bool> result;
 
     /// The call on one line, such as `CreateNamespace(namespaceName="x", objIdParentScope=1) -> 2`.
     /// Quotes, backslashes and control characters in texts are escaped as in C.

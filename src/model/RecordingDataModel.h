@@ -14,8 +14,6 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-using ObjectId = Factory::ObjectId;
-
 /// Forwards each operation to the next data model, then records it with its result. A call that the
 /// next model leaves by an exception is not recorded, and the exception passes through.
 class BRINDLE_EXPORT RecordingDataModel final : public Factory::HostDataModel {

@@ -7,6 +7,7 @@
 #include "dwarf/DwarfConstants.h"
 #include "dwarf/VAttributeValue.h"
 #include "dwarf/VCompileUnitHeader.h"
+#include "host/ObjectId.h"
 #include "nodes/VNodeArena.h"
 #include "nodes/VNodeText.h"
 
@@ -33,8 +34,7 @@ enum class BasicType : std::int32_t;
 enum class NodeTask : std::uint8_t;
 struct EmissionInputs;
 
-/// Names one object of the host's data model; 0 means none.
-using ObjectId = std::uint64_t;
+using DataModel::ObjectId;
 
 /// Numbers the scopes that lexical blocks outside of any subprogram make. Runs on over all reads.
 extern std::uint32_t nGlobalLexicalBlockCounter;
