@@ -243,7 +243,7 @@ private:
 
 class HeaderWriter {
 public:
-    explicit HeaderWriter(const DataModel::DataModel& model)
+    explicit HeaderWriter(const DataModel::Model& model)
         : mModel(model)
         , mIsBigEndian(model.Image().byteOrder == DataModel::ByteOrder::Big) {
         FindHolders();
@@ -516,7 +516,7 @@ private:
         }
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     bool mIsBigEndian;
     CNames mTagNames;
     CNames mOrdinaryNames;
@@ -531,8 +531,7 @@ private:
 
 } // namespace
 
-bool WriteCHeader(const DataModel::DataModel& model, const NameFilter& names,
-                  ResultOutput& output) {
+bool WriteCHeader(const DataModel::Model& model, const NameFilter& names, ResultOutput& output) {
     return HeaderWriter(model).Write(names, output);
 }
 

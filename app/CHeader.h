@@ -3,7 +3,7 @@
 #pragma once
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program {
@@ -18,6 +18,6 @@ class ResultOutput;
 /// changed, and so are those that stand for several things.
 /// @param names takes the names of the types that are wanted
 /// @return false if there are none; nothing is written then
-bool WriteCHeader(const DataModel::DataModel& model, const NameFilter& names, ResultOutput& output);
+bool WriteCHeader(const DataModel::Model& model, const NameFilter& names, ResultOutput& output);
 
 } // namespace Tessel::Norn::Brindle::Program

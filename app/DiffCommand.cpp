@@ -48,13 +48,13 @@ struct Builds {
     [[nodiscard]] bool AreComplete() const { return oldResult.isOk && newResult.isOk; }
 
     ReadSession session;
-    DataModel::DataModel oldModel;
-    DataModel::DataModel newModel;
+    DataModel::Model oldModel;
+    DataModel::Model newModel;
     ReadResult oldResult;
     ReadResult newResult;
 
 private:
-    ReadResult Read(const std::string& file, DataModel::DataModel& model) {
+    ReadResult Read(const std::string& file, DataModel::Model& model) {
         const DecisionGuard guard;
         ReadResult result = session.Read(file, model);
         ReportResult(file, result);

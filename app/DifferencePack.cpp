@@ -46,9 +46,9 @@ struct Bits {
 
 } // namespace
 
-DifferencePack::DifferencePack(const DataModel::DataModel& oldModel,
-                               const DataModel::DataModel& newModel, const ComparisonScope& scope,
-                               const ImagePack& oldPack, const ImagePack& newPack)
+DifferencePack::DifferencePack(const DataModel::Model& oldModel, const DataModel::Model& newModel,
+                               const ComparisonScope& scope, const ImagePack& oldPack,
+                               const ImagePack& newPack)
     : mOldModel(oldModel)
     , mNewModel(newModel)
     , mOldPack(oldPack)
@@ -75,7 +75,7 @@ void DifferencePack::AddLeaf(const Difference& difference) {
     const ComparedPlace* const before = difference.oldPlace;
     const ComparedPlace* const after = difference.newPlace;
     const ComparedPlace& latest = difference.Latest();
-    const DataModel::DataModel& model = after != nullptr ? mNewModel : mOldModel;
+    const DataModel::Model& model = after != nullptr ? mNewModel : mOldModel;
     const ObjectId global = latest.place.global;
     std::uint64_t changes = 0;
     if (before != nullptr && after != nullptr) {

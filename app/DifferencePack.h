@@ -26,7 +26,7 @@ struct Difference;
 /// changed alike in all elements of an array are one row.
 class DifferencePack {
 public:
-    DifferencePack(const DataModel::DataModel& oldModel, const DataModel::DataModel& newModel,
+    DifferencePack(const DataModel::Model& oldModel, const DataModel::Model& newModel,
                    const ComparisonScope& scope, const ImagePack& oldPack,
                    const ImagePack& newPack);
 
@@ -44,8 +44,8 @@ private:
                             std::string_view path);
     std::array<std::uint64_t, 2> TypeTexts(const Difference& difference);
 
-    const DataModel::DataModel& mOldModel;
-    const DataModel::DataModel& mNewModel;
+    const DataModel::Model& mOldModel;
+    const DataModel::Model& mNewModel;
     const ImagePack& mOldPack;
     const ImagePack& mNewPack;
     TextTable mTexts;

@@ -57,8 +57,8 @@ RowColour ColourOf(const Difference& difference) {
 /// What the types of both builds are called. Where a name stands for another type now, that type is
 /// told in its place.
 struct TypeNames {
-    TypeNames(const Difference& difference, const DataModel::DataModel& oldModel,
-              const DataModel::DataModel& newModel)
+    TypeNames(const Difference& difference, const DataModel::Model& oldModel,
+              const DataModel::Model& newModel)
         : before(difference.oldPlace != nullptr ? difference.oldPlace->type : std::string())
         , after(difference.newPlace != nullptr ? difference.newPlace->type : std::string()) {
         if (before == after && difference.IsRetyped()) {
@@ -71,7 +71,7 @@ struct TypeNames {
     std::string after;
 
 private:
-    static std::string BehindTypedefs(const DataModel::DataModel& model, DataModel::ObjectId type) {
+    static std::string BehindTypedefs(const DataModel::Model& model, DataModel::ObjectId type) {
         return model.TypeText(model.WithoutTypedefs(type));
     }
 };
@@ -120,16 +120,15 @@ std::span<const Column> DifferenceColumns() {
     return sColumns;
 }
 
-DifferenceResult WriteDifferences(const DataModel::DataModel& oldModel,
-                                  const DataModel::DataModel& newModel,
-                                  const ComparisonScope& scope, bool hasSymbols,
-                                  TableWriter& table) {
+DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
+                                  const DataModel::Model& newModel, const ComparisonScope& scope,
+                                  bool hasSymbols, TableWriter& table) {
     ModelComparison comparison(oldModel, newModel, scope);
     DifferenceResult result;
     comparison.Run([&](const Difference& difference) {
         const bool isNew = difference.newPlace != nullptr;
         const ComparedPlace& latest = difference.Latest();
-        const DataModel::DataModel& model = isNew ? newModel : oldModel;
+        const DataModel::Model& model = isNew ? newModel : oldModel;
         const bool isSymbol = latest.name.starts_with(sSymbolScope);
         Count(difference, isSymbol, result.summary);
         if (isSymbol && !hasSymbols) {

@@ -50,10 +50,9 @@ std::span<const Column> DifferenceColumns();
 /// table.
 /// @param hasSymbols symbols without debug information have rows; they are counted in any case
 /// @param table has `DifferenceColumns`
-DifferenceResult WriteDifferences(const DataModel::DataModel& oldModel,
-                                  const DataModel::DataModel& newModel,
-                                  const ComparisonScope& scope, bool hasSymbols,
-                                  TableWriter& table);
+DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
+                                  const DataModel::Model& newModel, const ComparisonScope& scope,
+                                  bool hasSymbols, TableWriter& table);
 
 /// The summary in words: "2 variables appeared, 1 moved, 3 leaves changed".
 std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols);

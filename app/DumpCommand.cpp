@@ -20,7 +20,7 @@ struct DumpArguments {
 };
 
 ExitStatus RunDump(const DumpArguments& arguments, ResultOutput& output) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
     WriteModelDocument(arguments.file, result, model, output);

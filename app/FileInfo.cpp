@@ -13,7 +13,7 @@ using DataModel::ObjectKind;
 
 constexpr std::string_view sScopeOfSymbols = "_Symbol_Table_BKR_";
 
-void CountVariables(const DataModel::DataModel& model, FileInfo& info) {
+void CountVariables(const DataModel::Model& model, FileInfo& info) {
     model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
         const ModelObject scope = model.Object(variable.scope);
         const bool isSymbol = scope.kind == ObjectKind::Namespace && scope.name == sScopeOfSymbols;
@@ -42,7 +42,7 @@ std::vector<std::string> NotesOf(const FileInfo& info) {
 } // namespace
 
 FileInfo ReadFileInfo(ReadSession& session, const std::string& file) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     FileInfo info;
     info.file = file;
     info.result = session.Read(file, model);

@@ -30,7 +30,7 @@ struct FindArguments {
 };
 
 ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
     const std::vector<Column> columns = FindColumns(arguments.hasValues);

@@ -23,7 +23,7 @@ namespace {
 using DataModel::AddressHit;
 using DataModel::ImageSection;
 using DataModel::ModelObject;
-using Model = DataModel::DataModel;
+using Model = DataModel::Model;
 
 constexpr std::array sColumns = {Column{"query", false, true},
                                  Column{"address", true},

@@ -6,7 +6,7 @@
 #include <vector>
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program {
@@ -25,7 +25,7 @@ std::vector<Column> FindColumns(bool hasValues);
 /// qualified name of the variable where there are several. What leads nowhere gives no row.
 /// @param table has `FindColumns` of `hasValues`
 /// @return for each query that leads nowhere, why
-std::vector<std::string> WriteFound(const DataModel::DataModel& model,
+std::vector<std::string> WriteFound(const DataModel::Model& model,
                                     std::span<const std::string> queries, bool hasValues,
                                     TableWriter& table);
 

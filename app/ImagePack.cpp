@@ -103,7 +103,7 @@ void WriteHeaders(PackWriter& json, const DataModel::ImageDescription& image) {
 
 } // namespace
 
-ImagePack::ImagePack(const DataModel::DataModel& model, std::string file, const ReadResult& result,
+ImagePack::ImagePack(const DataModel::Model& model, std::string file, const ReadResult& result,
                      std::uint64_t valueLimit)
     : mModel(model)
     , mFile(std::move(file))

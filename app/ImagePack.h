@@ -25,7 +25,7 @@ public:
     /// @param file name of the file, for people
     /// @param result how the read of the file ended
     /// @param valueLimit most bytes of initial values that are taken along
-    ImagePack(const DataModel::DataModel& model, std::string file, const ReadResult& result,
+    ImagePack(const DataModel::Model& model, std::string file, const ReadResult& result,
               std::uint64_t valueLimit);
 
     /// Position of a variable among the variables, from 0.
@@ -47,7 +47,7 @@ private:
     std::uint32_t ScopeText(const DataModel::ModelObject& variable);
     std::uint32_t UnitText(DataModel::ObjectId id);
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     std::string mFile;
     const ReadResult& mResult;
     DataModel::LeafWalk mWalk;

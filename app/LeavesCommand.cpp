@@ -29,7 +29,7 @@ struct LeavesArguments {
 };
 
 ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
     std::optional<ListChoice> choice = MakeListChoice(arguments.list, arguments.file, model);

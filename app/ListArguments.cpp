@@ -17,7 +17,7 @@ using DataModel::ModelObject;
 using DataModel::ObjectId;
 
 /// Identifiers of the compile units that a filter takes, ascending.
-std::vector<ObjectId> UnitsOf(const DataModel::DataModel& model, const NameFilter& filter) {
+std::vector<ObjectId> UnitsOf(const DataModel::Model& model, const NameFilter& filter) {
     std::vector<ObjectId> units;
     model.ForEach(DataModel::ObjectKind::CompileUnit, [&](const ModelObject& unit) {
         if (filter.Takes(unit.name, 0)) {
@@ -27,7 +27,7 @@ std::vector<ObjectId> UnitsOf(const DataModel::DataModel& model, const NameFilte
     return units;
 }
 
-std::string NearUnits(const DataModel::DataModel& model, const std::string& wanted) {
+std::string NearUnits(const DataModel::Model& model, const std::string& wanted) {
     NearNames near(wanted);
     model.ForEach(DataModel::ObjectKind::CompileUnit,
                   [&near](const ModelObject& unit) { near.Offer(unit.name); });
@@ -66,7 +66,7 @@ void AddListArguments(CLI::App& command, const std::string& things, ListArgument
 }
 
 std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const std::string& file,
-                                         const DataModel::DataModel& model) {
+                                         const DataModel::Model& model) {
     ListChoice choice;
     choice.leastSize = arguments.leastSize;
     choice.order = RowOrderOf(arguments.order);

@@ -47,7 +47,7 @@ void AddListArguments(CLI::App& command, const std::string& things, ListArgument
 /// What the arguments ask of a model. A name of no compile unit is told, about the file.
 /// @return without a value if there is no such compile unit
 std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const std::string& file,
-                                         const DataModel::DataModel& model);
+                                         const DataModel::Model& model);
 
 /// Tries a pattern, and, where it is a plain word that fits nothing, what holds the word; this is
 /// then told, about the file.

@@ -18,7 +18,7 @@ bool VariableFilter::Begin(const DataModel::ModelObject& variable) {
     return mIsWhole || mChoice.names.MayTakeBehind(mName, mOwnName, mUnit);
 }
 
-Cell SectionCell(const DataModel::DataModel& model, std::uint64_t address) {
+Cell SectionCell(const DataModel::Model& model, std::uint64_t address) {
     const DataModel::ImageSection* const section = model.Image().SectionAt(address);
     return section == nullptr ? Cell() : Cell(std::string_view(section->name));
 }

@@ -34,7 +34,7 @@ struct ListChoice {
 class VariableFilter {
 public:
     /// @param model, choice borrowed
-    VariableFilter(const DataModel::DataModel& model, const ListChoice& choice)
+    VariableFilter(const DataModel::Model& model, const ListChoice& choice)
         : mModel(model)
         , mChoice(choice) {}
 
@@ -60,7 +60,7 @@ public:
     [[nodiscard]] bool TakesSize(std::uint64_t size) const { return size >= mChoice.leastSize; }
 
 private:
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const ListChoice& mChoice;
     std::string mName;
     std::string_view mUnit;
@@ -69,7 +69,7 @@ private:
 };
 
 /// The name of the section that holds an address, or nothing. Valid as long as the model.
-Cell SectionCell(const DataModel::DataModel& model, std::uint64_t address);
+Cell SectionCell(const DataModel::Model& model, std::uint64_t address);
 
 /// Adds the columns that a list has only where they are chosen: its section, then `sValueColumns`.
 void AddChosenColumns(const ListChoice& choice, std::vector<Column>& columns);

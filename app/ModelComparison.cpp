@@ -9,7 +9,7 @@
 namespace Tessel::Norn::Brindle::Program {
 
 using DataModel::ObjectId;
-using Place = DataModel::DataModel::Place;
+using Place = DataModel::Model::Place;
 
 bool Difference::IsMoved() const {
     return isLeaf ? oldPlace->offset != newPlace->offset ||
@@ -26,15 +26,14 @@ bool Difference::IsRetyped() const {
     return oldPlace->meaning != newPlace->meaning;
 }
 
-ModelComparison::Side::Side(const DataModel::DataModel& sideModel,
-                            const DataModel::LeafLimits& limits)
+ModelComparison::Side::Side(const DataModel::Model& sideModel, const DataModel::LeafLimits& limits)
     : model(sideModel)
     , walk(sideModel, limits)
     , fingerprints(sideModel)
     , typeTexts(sideModel) {}
 
-ModelComparison::ModelComparison(const DataModel::DataModel& oldModel,
-                                 const DataModel::DataModel& newModel, const ComparisonScope& scope)
+ModelComparison::ModelComparison(const DataModel::Model& oldModel, const DataModel::Model& newModel,
+                                 const ComparisonScope& scope)
     : mScope(scope)
     , mOld(oldModel, scope.limits)
     , mNew(newModel, scope.limits) {}

@@ -26,7 +26,7 @@ struct ComparedPlace {
     std::string type;
     /// As `LayoutFingerprints::MeaningOf`.
     std::uint64_t meaning = 0;
-    DataModel::DataModel::Place place;
+    DataModel::Model::Place place;
     /// Of a leaf: bytes from the start of its variable. 0 for a variable.
     std::uint64_t offset = 0;
 };
@@ -80,7 +80,7 @@ class ModelComparison {
 public:
     using Sink = std::function<void(const Difference&)>;
 
-    ModelComparison(const DataModel::DataModel& oldModel, const DataModel::DataModel& newModel,
+    ModelComparison(const DataModel::Model& oldModel, const DataModel::Model& newModel,
                     const ComparisonScope& scope);
 
     /// Passes on all differences: old variables in the order of their delivery, each with its
@@ -94,9 +94,9 @@ public:
 
 private:
     struct Side {
-        Side(const DataModel::DataModel& sideModel, const DataModel::LeafLimits& limits);
+        Side(const DataModel::Model& sideModel, const DataModel::LeafLimits& limits);
 
-        const DataModel::DataModel& model;
+        const DataModel::Model& model;
         DataModel::LeafWalk walk;
         DataModel::LayoutFingerprints fingerprints;
         TypeTexts typeTexts;

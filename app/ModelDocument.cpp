@@ -73,7 +73,7 @@ std::string_view KindName(ObjectKind kind) {
 /// Writes objects of one model, each with the fields of its kind.
 class ObjectWriter {
 public:
-    ObjectWriter(const DataModel::DataModel& model, JsonWriter& json)
+    ObjectWriter(const DataModel::Model& model, JsonWriter& json)
         : mModel(model)
         , mJson(json) {}
 
@@ -211,7 +211,7 @@ private:
         mJson.Int64(number);
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     JsonWriter& mJson;
 };
 
@@ -230,7 +230,7 @@ void WriteHead(const std::string& file, const ReadResult& result, JsonWriter& js
 } // namespace
 
 void WriteModelDocument(const std::string& file, const ReadResult& result,
-                        const DataModel::DataModel& model, ResultOutput& output) {
+                        const DataModel::Model& model, ResultOutput& output) {
     JsonWriter json(output);
     json.StartObject();
     WriteHead(file, result, json);

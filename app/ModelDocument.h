@@ -5,7 +5,7 @@
 #include <string>
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program {
@@ -16,6 +16,6 @@ struct ReadResult;
 /// Writes `{"file","container","ok","error","objects"}` and a line end.
 /// @param file the path that was read
 void WriteModelDocument(const std::string& file, const ReadResult& result,
-                        const DataModel::DataModel& model, ResultOutput& output);
+                        const DataModel::Model& model, ResultOutput& output);
 
 } // namespace Tessel::Norn::Brindle::Program

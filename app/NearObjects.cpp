@@ -20,7 +20,7 @@ using DataModel::ObjectKind;
 /// A class and its base classes have members near to a name, up to this many.
 constexpr std::size_t sMostClasses = 100;
 
-std::string NearObjects(const DataModel::DataModel& model, std::string_view wanted,
+std::string NearObjects(const DataModel::Model& model, std::string_view wanted,
                         std::initializer_list<ObjectKind> kinds) {
     if (wanted.find_first_of("*?") != std::string_view::npos) {
         return {};
@@ -42,17 +42,17 @@ std::string NearObjects(const DataModel::DataModel& model, std::string_view want
 
 } // namespace
 
-std::string NearVariables(const DataModel::DataModel& model, std::string_view wanted) {
+std::string NearVariables(const DataModel::Model& model, std::string_view wanted) {
     return NearObjects(model, wanted, {ObjectKind::Global});
 }
 
-std::string NearTypes(const DataModel::DataModel& model, std::string_view wanted) {
+std::string NearTypes(const DataModel::Model& model, std::string_view wanted) {
     return NearObjects(model, wanted,
                        {ObjectKind::Class, ObjectKind::Struct, ObjectKind::Union, ObjectKind::Enum,
                         ObjectKind::Typedef});
 }
 
-std::string NearMembers(const DataModel::DataModel& model, std::string_view resolved,
+std::string NearMembers(const DataModel::Model& model, std::string_view resolved,
                         std::string_view rest) {
     if (!rest.starts_with('.')) {
         return {};

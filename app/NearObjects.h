@@ -6,7 +6,7 @@
 #include <string_view>
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program {
@@ -15,14 +15,14 @@ namespace Tessel::Norn::Brindle::Program {
 /// @param wanted a name or an expression, of which the head counts; patterns have no near names.
 ///     With "::" in it whole qualified names are compared, else own names
 /// @{
-std::string NearVariables(const DataModel::DataModel& model, std::string_view wanted);
-std::string NearTypes(const DataModel::DataModel& model, std::string_view wanted);
+std::string NearVariables(const DataModel::Model& model, std::string_view wanted);
+std::string NearTypes(const DataModel::Model& model, std::string_view wanted);
 /// @}
 
 /// The same for the members of what an expression leads to.
 /// @param resolved the part of an expression that resolves
 /// @param rest what stands behind it; nothing is near unless it begins with a point and a name
-std::string NearMembers(const DataModel::DataModel& model, std::string_view resolved,
+std::string NearMembers(const DataModel::Model& model, std::string_view resolved,
                         std::string_view rest);
 
 } // namespace Tessel::Norn::Brindle::Program

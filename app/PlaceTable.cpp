@@ -13,11 +13,11 @@ namespace {
 
 using DataModel::ModelObject;
 using DataModel::ObjectKind;
-using Place = DataModel::DataModel::Place;
+using Place = DataModel::Model::Place;
 
 class PlaceRows {
 public:
-    PlaceRows(const DataModel::DataModel& model, const ListChoice& choice, TableWriter& table)
+    PlaceRows(const DataModel::Model& model, const ListChoice& choice, TableWriter& table)
         : mModel(model)
         , mTable(table)
         , mHasSections(choice.hasSections)
@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     TableWriter& mTable;
     bool mHasSections;
     TypeTexts mTypeTexts;
@@ -95,7 +95,7 @@ private:
 };
 
 /// Visits the leaves that are wanted, as `WriteLeaves` says.
-DataModel::LeafCuts VisitLeaves(const DataModel::DataModel& model, const ListChoice& choice,
+DataModel::LeafCuts VisitLeaves(const DataModel::Model& model, const ListChoice& choice,
                                 const DataModel::LeafLimits& limits,
                                 const DataModel::LeafWalk::Visitor& visit) {
     VariableFilter filter(model, choice);
@@ -131,7 +131,7 @@ std::vector<Column> PlaceColumns(const ListChoice& choice) {
     return columns;
 }
 
-LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice,
+LeafList WriteLeaves(const DataModel::Model& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table) {
     LeafList result;
     PlaceRows rows(model, choice, table);
@@ -150,7 +150,7 @@ LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice
     return result;
 }
 
-bool HasMatch(const DataModel::DataModel& model, const NameFilter& names,
+bool HasMatch(const DataModel::Model& model, const NameFilter& names,
               const DataModel::LeafLimits& limits) {
     bool hasMatch = false;
     ListChoice choice;

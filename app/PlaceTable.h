@@ -30,11 +30,11 @@ struct LeafList {
 /// or without the scopes in front, and all of a variable whose name it fits. The caller finishes
 /// the table.
 /// @param table has `PlaceColumns`
-LeafList WriteLeaves(const DataModel::DataModel& model, const ListChoice& choice,
+LeafList WriteLeaves(const DataModel::Model& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table);
 
 /// True if a filter takes a leaf, or a variable, of a model.
-bool HasMatch(const DataModel::DataModel& model, const NameFilter& names,
+bool HasMatch(const DataModel::Model& model, const NameFilter& names,
               const DataModel::LeafLimits& limits);
 
 /// What was left out of an expansion, for a person, one text for each cause.

@@ -162,7 +162,7 @@ bool ReadSession::RunReader(const std::string& file, DWARFContainerType containe
     return mReader.Read(file, container);
 }
 
-bool HasDelivered(const ReadResult& result, const DataModel::DataModel& model) {
+bool HasDelivered(const ReadResult& result, const DataModel::Model& model) {
     // The global namespace is there before any delivery.
     return result.isOk || model.ObjectCount() > 1;
 }

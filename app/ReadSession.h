@@ -84,7 +84,7 @@ private:
 
 /// False if the read failed before it delivered anything: what is not in the model then says
 /// nothing about the file.
-bool HasDelivered(const ReadResult& result, const DataModel::DataModel& model);
+bool HasDelivered(const ReadResult& result, const DataModel::Model& model);
 
 /// Tells a failure on standard error.
 /// @return the exit status that the result asks for

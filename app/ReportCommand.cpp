@@ -52,7 +52,7 @@ struct ReportedImage {
     }
 
     std::string file;
-    DataModel::DataModel model;
+    DataModel::Model model;
     ReadResult result;
     ExitStatus status = ExitStatus::Failed;
 };

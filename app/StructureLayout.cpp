@@ -41,7 +41,7 @@ struct Contents {
     std::vector<LayoutEntry> unplaced;
 };
 
-Contents ContentsOf(const DataModel::DataModel& model, ObjectId type) {
+Contents ContentsOf(const DataModel::Model& model, ObjectId type) {
     Contents contents;
     const std::vector<DataModel::BaseClass> placed = model.PlacedBaseClasses(type);
     auto next = placed.begin();
@@ -67,7 +67,7 @@ Contents ContentsOf(const DataModel::DataModel& model, ObjectId type) {
 /// cluster, whose unused bits are what its members leave over.
 class GapFinder {
 public:
-    GapFinder(const DataModel::DataModel& model, std::uint64_t size)
+    GapFinder(const DataModel::Model& model, std::uint64_t size)
         : mModel(model)
         , mSize(size) {}
 
@@ -115,7 +115,7 @@ private:
         }
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     std::uint64_t mSize;
     std::vector<LayoutEntry> mResult;
     std::uint64_t mEnd = 0;
@@ -131,7 +131,7 @@ bool IsMember(ObjectKind kind) {
            kind == ObjectKind::BitField;
 }
 
-std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, ObjectId type) {
+std::vector<LayoutEntry> LayoutOf(const DataModel::Model& model, ObjectId type) {
     Contents contents = ContentsOf(model, type);
     if (model.Object(type).kind == ObjectKind::Union) {
         return contents.placed;

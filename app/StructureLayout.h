@@ -36,6 +36,6 @@ struct LayoutEntry {
 bool IsMember(DataModel::ObjectKind kind);
 
 /// The layout of a class, structure or union; a union has no holes.
-std::vector<LayoutEntry> LayoutOf(const DataModel::DataModel& model, DataModel::ObjectId type);
+std::vector<LayoutEntry> LayoutOf(const DataModel::Model& model, DataModel::ObjectId type);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -117,7 +117,7 @@ ExitStatus RunTrace(const TraceArguments& arguments, ResultOutput& output) {
     });
     ExitStatus status = ExitStatus::Success;
     for (const std::string& file : arguments.files) {
-        DataModel::DataModel model;
+        DataModel::Model model;
         DataModel::RecordingDataModel recorder(
             model, [&trace](const RecordedCall& call) { trace.WriteCall(call); });
         const ReadResult result = session.Read(file, recorder);

@@ -86,7 +86,7 @@ struct Declaration {
 /// Keeps declarations until all compile units of each are known.
 class DeclarationList {
 public:
-    explicit DeclarationList(const DataModel::DataModel& model)
+    explicit DeclarationList(const DataModel::Model& model)
         : mModel(model) {}
 
     [[nodiscard]] bool IsEmpty() const { return mInOrder.empty(); }
@@ -140,14 +140,14 @@ private:
         return more == 0 ? text : text + " and " + std::to_string(more) + " more";
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     std::unordered_map<std::string, Details> mByText;
     std::vector<const std::pair<const std::string, Details>*> mInOrder;
 };
 
 class LayoutWriter {
 public:
-    LayoutWriter(const DataModel::DataModel& model, const NameFilter& names, bool isColoured)
+    LayoutWriter(const DataModel::Model& model, const NameFilter& names, bool isColoured)
         : mModel(model)
         , mFilter(names)
         , mCommentCode(isColoured ? sCommentCode : std::string_view())
@@ -383,7 +383,7 @@ private:
         mDeclaration.text.append(line).append(1, '\n');
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const NameFilter& mFilter;
     /// @name What gives comments their colour; empty without one
     /// @{
@@ -402,8 +402,8 @@ private:
 
 } // namespace
 
-bool WriteTypeLayouts(const DataModel::DataModel& model, const NameFilter& names,
-                      ResultOutput& output, bool isColoured) {
+bool WriteTypeLayouts(const DataModel::Model& model, const NameFilter& names, ResultOutput& output,
+                      bool isColoured) {
     return LayoutWriter(model, names, isColoured).Write(output);
 }
 

@@ -3,7 +3,7 @@
 #pragma once
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program {
@@ -18,7 +18,7 @@ class ResultOutput;
 /// @param names takes the names of the types that are wanted
 /// @param isColoured the comments have a colour
 /// @return false if there are none; nothing is written then
-bool WriteTypeLayouts(const DataModel::DataModel& model, const NameFilter& names,
-                      ResultOutput& output, bool isColoured = false);
+bool WriteTypeLayouts(const DataModel::Model& model, const NameFilter& names, ResultOutput& output,
+                      bool isColoured = false);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -14,10 +14,10 @@ namespace Tessel::Norn::Brindle::Program {
 class TypeTexts {
 public:
     /// @param model borrowed; must not change during the life of this object
-    explicit TypeTexts(const DataModel::DataModel& model)
+    explicit TypeTexts(const DataModel::Model& model)
         : mModel(model) {}
 
-    /// As `DataModel::TypeText`. Valid until the next call.
+    /// As `Model::TypeText`. Valid until the next call.
     const std::string& Of(DataModel::ObjectId type) {
         Entry& entry = mEntries[type % mEntries.size()];
         if (entry.type != type) {
@@ -34,7 +34,7 @@ private:
         std::string text;
     };
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     std::array<Entry, 256> mEntries;
 };
 

@@ -27,7 +27,7 @@ struct TypesArguments {
 };
 
 ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     ReadArguments read = arguments.read;
     read.allTypes = true;
     const ReadResult result = ReadSession(read).Read(arguments.file, model);

@@ -4,9 +4,9 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-using Result = DataModel::DataModel::PathResult;
+using Result = DataModel::Model::PathResult;
 
-std::vector<Result> ResolveUnitPaths(const DataModel::DataModel& model, std::string_view path) {
+std::vector<Result> ResolveUnitPaths(const DataModel::Model& model, std::string_view path) {
     constexpr std::string_view separator = "::";
     std::vector<Result> results = model.ResolvePaths(path);
     const std::size_t end = path.find(separator);

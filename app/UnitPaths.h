@@ -8,9 +8,9 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// As `DataModel::ResolvePaths`. A path that does not resolve as it is may begin with the name of a
+/// As `Model::ResolvePaths`. A path that does not resolve as it is may begin with the name of a
 /// compile unit, as in "motor_c::counter": then those variables are meant that belong to it.
-std::vector<DataModel::DataModel::PathResult> ResolveUnitPaths(const DataModel::DataModel& model,
-                                                               std::string_view path);
+std::vector<DataModel::Model::PathResult> ResolveUnitPaths(const DataModel::Model& model,
+                                                           std::string_view path);
 
 } // namespace Tessel::Norn::Brindle::Program

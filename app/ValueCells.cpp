@@ -33,7 +33,7 @@ std::string_view NameOfSpecial(Float number) {
 
 } // namespace
 
-std::array<Cell, 2> ValueCells::Of(const DataModel::DataModel::Place& place) {
+std::array<Cell, 2> ValueCells::Of(const DataModel::Model::Place& place) {
     mValue = mDecoder.InitialValue(place);
     std::array<Cell, 2> cells;
     std::visit(
@@ -62,7 +62,7 @@ std::array<Cell, 2> ValueCells::Of(const DataModel::DataModel::Place& place) {
 }
 
 std::array<Cell, 2> ValueCells::OfLeaf(std::string_view path,
-                                       const DataModel::DataModel::Place& place) {
+                                       const DataModel::Model::Place& place) {
     constexpr std::string_view sFirstElement = "[0]";
     std::array<Cell, 2> cells = Of(place);
     if (place.size == 1 && mValue.text.empty() && path.ends_with(sFirstElement)) {

@@ -21,19 +21,19 @@ inline constexpr std::array sValueColumns = {Column{"value", true},
 class ValueCells {
 public:
     /// @param model borrowed; must not change during the life of this object
-    explicit ValueCells(const DataModel::DataModel& model)
+    explicit ValueCells(const DataModel::Model& model)
         : mModel(model)
         , mDecoder(model) {}
 
     /// The cells of `sValueColumns`. Valid until the next call.
-    std::array<Cell, 2> Of(const DataModel::DataModel::Place& place);
+    std::array<Cell, 2> Of(const DataModel::Model::Place& place);
     /// The same for a leaf. The first element of an array of characters has the text of all.
-    std::array<Cell, 2> OfLeaf(std::string_view path, const DataModel::DataModel::Place& place);
+    std::array<Cell, 2> OfLeaf(std::string_view path, const DataModel::Model::Place& place);
 
 private:
     [[nodiscard]] std::string TextOfArray(std::string_view path, DataModel::ObjectId global);
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     DataModel::ValueDecoder mDecoder;
     DataModel::PlaceValue mValue;
     std::string mNumber;

@@ -21,7 +21,7 @@ constexpr std::uint64_t sLargestStretch = 16 * 1024 * 1024;
 
 } // namespace
 
-ValuePack::ValuePack(const DataModel::DataModel& model, std::uint64_t limit)
+ValuePack::ValuePack(const DataModel::Model& model, std::uint64_t limit)
     : mLimit(limit)
     , mChunks({"address", "length", "hasBytes"}) {
     for (const Stretch& stretch : StretchesOf(model)) {
@@ -34,7 +34,7 @@ ValuePack::ValuePack(const DataModel::DataModel& model, std::uint64_t limit)
     }
 }
 
-std::vector<ValuePack::Stretch> ValuePack::StretchesOf(const DataModel::DataModel& model) {
+std::vector<ValuePack::Stretch> ValuePack::StretchesOf(const DataModel::Model& model) {
     std::vector<Stretch> variables;
     model.ForEach(DataModel::ObjectKind::Global, [&](const ModelObject& variable) {
         const std::uint64_t size = model.SizeOf(variable.id);

@@ -16,7 +16,7 @@ namespace Tessel::Norn::Brindle::Program {
 class ValuePack {
 public:
     /// @param limit most bytes that are taken; values beyond it are missing
-    ValuePack(const DataModel::DataModel& model, std::uint64_t limit);
+    ValuePack(const DataModel::Model& model, std::uint64_t limit);
 
     void Write(PackWriter& json) const;
 
@@ -26,7 +26,7 @@ private:
         std::uint64_t size = 0;
     };
 
-    static std::vector<Stretch> StretchesOf(const DataModel::DataModel& model);
+    static std::vector<Stretch> StretchesOf(const DataModel::Model& model);
     void Add(std::uint64_t address, const std::vector<std::uint8_t>& bytes);
     void AddChunk(std::uint64_t address, const std::uint8_t* begin, const std::uint8_t* end);
 

@@ -11,7 +11,7 @@ namespace {
 using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
-using Model = DataModel::DataModel;
+using Model = DataModel::Model;
 
 using KeyOf = std::string (*)(const Model& model, ObjectId global);
 

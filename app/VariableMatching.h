@@ -25,7 +25,6 @@ struct VariableMatching {
 /// Variables belong together that have the same qualified name and lie in compile units of the same
 /// name, or else of the same file name in different folders, since builds run in different folders.
 /// Several of one name and unit belong together in the order of their delivery.
-VariableMatching MatchVariables(const DataModel::DataModel& oldModel,
-                                const DataModel::DataModel& newModel);
+VariableMatching MatchVariables(const DataModel::Model& oldModel, const DataModel::Model& newModel);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -27,7 +27,7 @@ struct VariableRow {
 
 class VariableRows {
 public:
-    VariableRows(const DataModel::DataModel& model, const ListChoice& choice, TableWriter& table)
+    VariableRows(const DataModel::Model& model, const ListChoice& choice, TableWriter& table)
         : mModel(model)
         , mChoice(choice)
         , mTable(table) {
@@ -71,7 +71,7 @@ private:
         mTable.AddRow(cells);
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const ListChoice& mChoice;
     TableWriter& mTable;
     std::optional<ValueCells> mValues;
@@ -88,8 +88,7 @@ std::vector<Column> VariableColumns(const ListChoice& choice) {
     return columns;
 }
 
-bool WriteVariables(const DataModel::DataModel& model, const ListChoice& choice,
-                    TableWriter& table) {
+bool WriteVariables(const DataModel::Model& model, const ListChoice& choice, TableWriter& table) {
     VariableFilter filter(model, choice);
     VariableRows rows(model, choice, table);
     bool hasMatch = false;

@@ -4,7 +4,7 @@
 #include <vector>
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program {
@@ -19,7 +19,6 @@ std::vector<Column> VariableColumns(const ListChoice& choice);
 /// Adds the rows of the variables that are wanted. The caller finishes the table.
 /// @param table has `VariableColumns`
 /// @return false if there are none
-bool WriteVariables(const DataModel::DataModel& model, const ListChoice& choice,
-                    TableWriter& table);
+bool WriteVariables(const DataModel::Model& model, const ListChoice& choice, TableWriter& table);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -102,7 +102,7 @@ void CreateFunctions(benchmark::State& state) {
     const std::string name = "Configure";
     std::int64_t count = 0;
     while (state.KeepRunning()) {
-        DataModel::DataModel model;
+        DataModel::Model model;
         for (int index = 0; index < functionsInModel; ++index) {
             const DataModel::ObjectId type = model.CreateFunctionType(1, {}, 1);
             benchmark::DoNotOptimize(model.CreateFunction(name, type, 1, 0, false));

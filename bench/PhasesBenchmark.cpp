@@ -33,7 +33,7 @@ public:
     }
 
     bool Run() {
-        DataModel::DataModel model;
+        DataModel::Model model;
         const DataModel::Factory::CurrentDataModel current(model);
         VDWARFReaderWrapperBridge bridge(mReader);
         VDWARFReaderWrapper wrapper(&bridge);

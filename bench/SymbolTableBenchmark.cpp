@@ -29,7 +29,7 @@ void ReadSymbols(benchmark::State& state, bool isOneName) {
     const TemporaryFolder folder;
     const std::string path = folder.Write("image.elf", ImageOfSymbols(state.range(0), isOneName));
     while (state.KeepRunning()) {
-        DataModel::DataModel model;
+        DataModel::Model model;
         const DataModel::Factory::CurrentDataModel current(model);
         Reader::DWARF::VDWARFReader reader;
         if (!reader.Read(path, Reader::DWARF::DWARFContainerType::Container_ELF)) {

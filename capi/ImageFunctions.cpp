@@ -78,7 +78,7 @@ brindle_status brindle_model_image(brindle_model model, brindle_image* image) {
 
 brindle_status brindle_model_section(brindle_model model, size_t index, brindle_section* section) {
     return GiveFound(model, section,
-                     [&](const DataModel::DataModel& data) -> std::optional<brindle_section> {
+                     [&](const DataModel::Model& data) -> std::optional<brindle_section> {
                          const auto& sections = data.Image().sections;
                          return index < sections.size() ? std::optional(Described(sections[index]))
                                                         : std::nullopt;

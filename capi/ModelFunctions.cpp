@@ -23,7 +23,7 @@ using CInterface::TextOf;
 using CInterface::TextTarget;
 using DataModel::ModelObject;
 using DataModel::ObjectKind;
-using Model = DataModel::DataModel;
+using Model = DataModel::Model;
 
 namespace {
 

@@ -19,13 +19,13 @@ namespace Tessel::Norn::Brindle::CInterface {
 /// given out, and only asked from then on.
 class ModelState {
 public:
-    DataModel::DataModel& Model() { return mModel; }
-    [[nodiscard]] const DataModel::DataModel& Model() const { return mModel; }
+    DataModel::Model& Model() { return mModel; }
+    [[nodiscard]] const DataModel::Model& Model() const { return mModel; }
 
     /// Size in bytes of the first pointer type of the finished model; 0 if there is none.
     std::uint64_t PointerSize();
 
-    /// See `DataModel::InitialBytes`, which one thread at a time may ask.
+    /// See `Model::InitialBytes`, which one thread at a time may ask.
     std::vector<std::uint8_t> InitialBytes(std::uint64_t address, std::uint64_t size);
 
     /// See `DataModel::AddressLookup`, which one thread at a time may ask.
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    DataModel::DataModel mModel;
+    DataModel::Model mModel;
     std::once_flag mIsIndexed;
     std::optional<DataModel::QualifiedNameIndex> mNames;
     std::mutex mAddressMutex;

@@ -6,7 +6,7 @@ namespace Tessel::Norn::Brindle::CInterface {
 
 using DataModel::ModelObject;
 using DataModel::ObjectKind;
-using Place = DataModel::DataModel::Place;
+using Place = DataModel::Model::Place;
 
 RowCursor::RowCursor(std::shared_ptr<ModelState> model, RowKind kind,
                      std::vector<brindle_id> globals, const DataModel::LeafLimits& limits)
@@ -51,7 +51,7 @@ void RowCursor::AddRowsOf(brindle_id global) {
                    [this](std::string_view path, const Place& place) { AddRow(path, place); });
         return;
     }
-    const DataModel::DataModel& model = mModel->Model();
+    const DataModel::Model& model = mModel->Model();
     const ModelObject variable = model.Object(global);
     Place place;
     place.global = global;
@@ -87,7 +87,7 @@ brindle_id RowCursor::NextGlobal() {
     if (!mGlobals.empty()) {
         return mPosition < mGlobals.size() ? mGlobals[mPosition++] : 0;
     }
-    const DataModel::DataModel& model = mModel->Model();
+    const DataModel::Model& model = mModel->Model();
     while (mPosition < model.ObjectCount()) {
         if (model.Object(++mPosition).kind == ObjectKind::Global) {
             return mPosition;

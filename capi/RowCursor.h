@@ -40,7 +40,7 @@ public:
 
 private:
     void AddRowsOf(brindle_id global);
-    void AddRow(std::string_view path, const DataModel::DataModel::Place& place);
+    void AddRow(std::string_view path, const DataModel::Model::Place& place);
     void Clear();
     [[nodiscard]] brindle_id NextGlobal();
 

@@ -21,7 +21,7 @@ namespace {
 
 constexpr const char* sPart = "/begin BLOB a \"\" 0x10 4 SYMBOL_LINK \"s.m\" 0 /end BLOB\n";
 
-void Fill(DataModel::DataModel& model) {
+void Fill(DataModel::Model& model) {
     const ObjectId global = model.GetGlobalNamespace();
     const ObjectId integer = model.CreateBaseEntryType(DataModel::BasicTypes::UInt16, 2, global);
     const ObjectId mode = model.CreateEnumTable("mode", integer, global, false);
@@ -40,9 +40,9 @@ void Fill(DataModel::DataModel& model) {
     }
 }
 
-const DataModel::DataModel& Image() {
-    static DataModel::DataModel* const sModel = [] {
-        static DataModel::DataModel sFilled;
+const DataModel::Model& Image() {
+    static DataModel::Model* const sModel = [] {
+        static DataModel::Model sFilled;
         Fill(sFilled);
         return &sFilled;
     }();

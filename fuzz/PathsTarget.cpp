@@ -14,7 +14,7 @@ namespace {
 
 /// A structure that holds an array of itself, a bit field, an anonymous union and a base class, in
 /// variables whose names hold the signs of paths.
-void Fill(DataModel::DataModel& model) {
+void Fill(DataModel::Model& model) {
     const ObjectId global = model.GetGlobalNamespace();
     const ObjectId scope = model.CreateNamespace("ns", global);
     const ObjectId integer = model.CreateBaseEntryType(DataModel::BasicTypes::UInt16, 2, global);
@@ -41,14 +41,14 @@ void Fill(DataModel::DataModel& model) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static DataModel::DataModel* const sModel = [] {
-        static DataModel::DataModel sFilled;
+    static DataModel::Model* const sModel = [] {
+        static DataModel::Model sFilled;
         Fill(sFilled);
         return &sFilled;
     }();
     const std::string_view path = Fuzzing::InputBytes(data, size).Rest();
-    const DataModel::DataModel::PathResult one = sModel->ResolvePath(path);
-    const std::vector<DataModel::DataModel::PathResult> all = sModel->ResolvePaths(path);
+    const DataModel::Model::PathResult one = sModel->ResolvePath(path);
+    const std::vector<DataModel::Model::PathResult> all = sModel->ResolvePaths(path);
     Fuzzing::Require(!all.empty(), "a path has an answer");
     Fuzzing::Require(one.found == all.front().found &&
                          one.place.address == all.front().place.address,

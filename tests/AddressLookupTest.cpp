@@ -27,7 +27,7 @@ protected:
     std::vector<std::string> At(std::uint64_t address) {
         std::vector<std::string> texts;
         for (const AddressHit& hit : AddressLookup(mModel).Find(address)) {
-            const DataModel::DataModel::PathResult resolved = mModel.ResolvePath(hit.path);
+            const DataModel::Model::PathResult resolved = mModel.ResolvePath(hit.path);
             EXPECT_TRUE(resolved.found) << hit.path << ": " << resolved.problem;
             EXPECT_EQ(resolved.place.address, hit.place.address) << hit.path;
             EXPECT_EQ(resolved.place.type, hit.place.type) << hit.path;

@@ -17,7 +17,7 @@ using DataModel::BasicTypes;
 using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
-using Model = DataModel::DataModel;
+using Model = DataModel::Model;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::IsEmpty;

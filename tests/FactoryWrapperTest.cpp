@@ -21,7 +21,7 @@ protected:
         return text.substr(0, text.find(" -> "));
     }
 
-    DataModel::DataModel mModel;
+    DataModel::Model mModel;
     RecordingDataModel mRecorder{mModel};
     CurrentDataModel mCurrent{mRecorder};
     VCLIFactoryWrapper mFactory;
@@ -176,8 +176,8 @@ TEST(FactoryWrapperWithoutModelTest, EveryOperationAnswersNothing) {
 }
 
 TEST(FactoryWrapperWithoutModelTest, ScopesOfCurrentModelsNest) {
-    DataModel::DataModel outer;
-    DataModel::DataModel inner;
+    DataModel::Model outer;
+    DataModel::Model inner;
     const CurrentDataModel currentOuter(outer);
     {
         const CurrentDataModel currentInner(inner);

@@ -102,7 +102,7 @@ protected:
         ExpectKeysAsPassed();
     }
 
-    DataModel::DataModel mModel;
+    DataModel::Model mModel;
     /// By identifier; the global namespace is there from the start.
     std::vector<Passed> mPassed{{}, {}};
 

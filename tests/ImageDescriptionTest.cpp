@@ -83,7 +83,7 @@ TEST_F(ImageDescriptionTest, EachContainerTellsTargetSectionsAndBytes) {
 
 TEST_F(ImageDescriptionTest, BytesEndWithTheirSectionAndAreZeroWithoutContent) {
     const ReadRun run = ReadSample("arm-c-dwarf4-O0.elf");
-    const DataModel::DataModel& model = *run.model;
+    const DataModel::Model& model = *run.model;
     const auto zero = std::ranges::find(model.Image().sections, SectionKind::Zero,
                                         &DataModel::ImageSection::kind);
     ASSERT_NE(zero, model.Image().sections.end());

@@ -15,7 +15,7 @@ using DataModel::LeafWalk;
 using DataModel::ObjectId;
 using testing::ElementsAre;
 using testing::SizeIs;
-using Place = DataModel::DataModel::Place;
+using Place = DataModel::Model::Place;
 
 class LeafWalkTest : public testing::Test, public ModelBuilder {
 protected:
@@ -23,7 +23,7 @@ protected:
         : mByte(Base(BasicTypes::UInt8, 1))
         , mWord(Base(BasicTypes::UInt16, 2)) {}
 
-    static std::string Text(const DataModel::DataModel& model, const Place& place) {
+    static std::string Text(const DataModel::Model& model, const Place& place) {
         std::ostringstream text;
         text << model.TypeText(place.type) << '@' << std::hex << place.address << std::dec << ':'
              << place.size;
@@ -38,7 +38,7 @@ protected:
         std::vector<std::string> leaves;
         LeafWalk walk(mModel, limits);
         walk.Walk(global, [&](std::string_view path, const Place& place) {
-            const DataModel::DataModel::PathResult resolved = mModel.ResolvePath(path);
+            const DataModel::Model::PathResult resolved = mModel.ResolvePath(path);
             EXPECT_EQ(Text(mModel, resolved.place), Text(mModel, place)) << path;
             EXPECT_TRUE(resolved.found) << path << ": " << resolved.problem;
             EXPECT_EQ(place.global, global);

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(RecordingDataModelTest, TextsAreEscaped) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     RecordingDataModel recorder(model);
     recorder.GetNamespace("a\"b\\c\n\x1F\xC3\xA4", 0);
     EXPECT_EQ(recorder.Calls().back().Text(),
@@ -23,7 +23,7 @@ TEST(RecordingDataModelTest, TextsAreEscaped) {
 }
 
 TEST(RecordingDataModelTest, ASinkSeesEachCallAfterItWasAnswered) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     std::vector<std::string> seen;
     RecordingDataModel recorder(model, [&](const RecordedCall& call) {
         seen.push_back(call.Text() + " of " + std::to_string(model.ObjectCount()));

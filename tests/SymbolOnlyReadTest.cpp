@@ -110,7 +110,7 @@ TEST_F(SymbolOnlyReadTest, OptionsChangeTheDeliveredNames) {
 
 TEST_F(SymbolOnlyReadTest, ReadsIntoOneModelShareTheScopeOfTheSymbols) {
     const TemporaryFolder folder;
-    DataModel::DataModel model;
+    DataModel::Model model;
     const DataModel::Factory::CurrentDataModel current(model);
     for (const ElfSymbol& symbol : {ElfSymbol{"one", 0x10, 4}, ElfSymbol{"two", 0x20, 4}}) {
         EXPECT_TRUE(
@@ -144,7 +144,7 @@ TEST_F(SymbolOnlyReadTest, LongNamesThatShareTheirTextAreCutSooner) {
                                       .Section(".strtab", text + '\0')
                                       .Section(".symtab", symbols.Content(), {.entrySize = 16})
                                       .Build());
-    DataModel::DataModel model;
+    DataModel::Model model;
     const DataModel::Factory::CurrentDataModel current(model);
     EXPECT_TRUE(VDWARFReader().Read(path, DWARFContainerType::Container_ELF));
     EXPECT_EQ(model.Object(model.GetGlobalDataByAddress(0x1000)).name, text.substr(0, 2047));

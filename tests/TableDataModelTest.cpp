@@ -15,8 +15,8 @@ namespace {
 
 using CInterface::TableDataModel;
 using DataModel::BasicTypes;
-using DataModel::Factory::HostDataModel;
 using DataModel::ObjectId;
+using DataModel::Factory::HostDataModel;
 
 /// Arguments as text. A list comes as a pointer and its length.
 class ArgumentTexts {

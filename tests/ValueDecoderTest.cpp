@@ -15,7 +15,7 @@ using DataModel::ObjectId;
 using DataModel::ValueDecoder;
 using DataModel::ValueOrigin;
 using Bytes = std::vector<std::uint8_t>;
-using Place = DataModel::DataModel::Place;
+using Place = DataModel::Model::Place;
 
 class ValueDecoderTest : public testing::Test, public ModelBuilder {
 protected:

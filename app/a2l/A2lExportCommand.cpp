@@ -32,7 +32,7 @@ struct ExportArguments : A2l::ImageArguments {
 
 /// A pattern for sections that fits none is a slip, which would show as missing characteristics
 /// only.
-bool HasSections(const ExportArguments& arguments, const DataModel::DataModel& model) {
+bool HasSections(const ExportArguments& arguments, const DataModel::Model& model) {
     const std::vector<DataModel::ImageSection>& sections = model.Image().sections;
     for (const std::string& pattern : arguments.choices.sections) {
         const bool isKnown = std::ranges::any_of(sections, [&pattern](const auto& section) {
@@ -65,7 +65,7 @@ void TellResult(const ExportArguments& arguments, const ExportResult& result) {
 }
 
 ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     const ExitStatus status = ReadWholeImage(arguments, model);
     if (status != ExitStatus::Success) {
         return status;

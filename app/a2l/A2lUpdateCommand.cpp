@@ -94,7 +94,7 @@ Document ParseDescription(const UpdateArguments& arguments, SourceSet& sources) 
 }
 
 UpdateResult UpdateDescription(const UpdateArguments& arguments, const Document& document,
-                               const DataModel::DataModel& model) {
+                               const DataModel::Model& model) {
     const DataModel::ImageDescription& image = model.Image();
     const bool isElf = image.container == Reader::DWARF::DWARFContainerType::Container_ELF;
     const A2l::SymbolIndex index(model, isElf ? A2l::UnderscoreHabit::None
@@ -147,7 +147,7 @@ bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
 ExitStatus RunChecked(const UpdateArguments& arguments, ResultOutput& output) {
     SourceSet sources(LoadIfThere);
     const Document document = ParseDescription(arguments, sources);
-    DataModel::DataModel model;
+    DataModel::Model model;
     const ExitStatus status = ReadWholeImage(arguments, model);
     if (status != ExitStatus::Success) {
         return status;

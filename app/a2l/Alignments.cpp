@@ -49,7 +49,7 @@ struct Offsets {
 
 } // namespace
 
-Alignments AlignmentsOf(const DataModel::DataModel& model) {
+Alignments AlignmentsOf(const DataModel::Model& model) {
     std::array<Offsets, sPowers> integers;
     std::array<Offsets, sPowers> floats;
     model.ForEach(ObjectKind::Member, [&](const ModelObject& member) {

@@ -19,6 +19,6 @@ struct Alignments {
 
 /// A scalar is aligned to its size, or to the largest smaller power of two that nearly all members
 /// of its kind keep to: single packed structures count for nothing.
-Alignments AlignmentsOf(const DataModel::DataModel& model);
+Alignments AlignmentsOf(const DataModel::Model& model);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

@@ -18,7 +18,7 @@ std::uint64_t Ones(std::uint64_t count) {
 }
 
 /// The byte of the unit, little-endian, that holds the last bit of a field.
-std::int64_t LastByte(const DataModel::DataModel::Place& place) {
+std::int64_t LastByte(const DataModel::Model::Place& place) {
     return (place.bitOffset + static_cast<std::int64_t>(place.bitSize) - 1) / sBitsOfByte;
 }
 
@@ -27,8 +27,8 @@ std::int64_t LastByte(const DataModel::DataModel::Place& place) {
 // The number may begin on any byte, before the storage unit of the field too if it is larger: in a
 // unit of 4 bytes, little-endian, bit 13 is bit 13 of a ULONG, bit 5 of the UBYTE at 1, bit 5 of
 // the UWORD at 1 or bit 13 of the UWORD at 0. Big-endian, it is bit 5 of the UBYTE at 2.
-std::optional<MaskedPlace> FindMaskedPlace(const DataModel::DataModel::Place& place,
-                                           std::uint64_t size, bool isBigEndian,
+std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place, std::uint64_t size,
+                                           bool isBigEndian,
                                            std::optional<std::uint64_t> wantedMask) {
     const bool isSane = size >= 1 && size <= sLargestNumber && place.size >= 1 &&
                         place.size <= sLargestUnit &&

@@ -20,8 +20,8 @@ struct MaskedPlace {
 /// @param wantedMask the mask that the tool uses now, if any: a place where it is right is chosen
 ///     before one where the number is aligned
 /// @return nothing if no number of the size holds the whole field
-std::optional<MaskedPlace> FindMaskedPlace(const DataModel::DataModel::Place& place,
-                                           std::uint64_t size, bool isBigEndian,
+std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place, std::uint64_t size,
+                                           bool isBigEndian,
                                            std::optional<std::uint64_t> wantedMask);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

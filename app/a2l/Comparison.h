@@ -27,8 +27,8 @@ class Comparison {
 public:
     /// All borrowed; must not change during the life of the object.
     /// @param addressUnit bytes that one address of the description stands for
-    Comparison(const Document& document, const DataModel::DataModel& model,
-               const SymbolIndex& index, std::uint64_t addressUnit)
+    Comparison(const Document& document, const DataModel::Model& model, const SymbolIndex& index,
+               std::uint64_t addressUnit)
         : mDocument(document)
         , mModel(model)
         , mIndex(index)
@@ -64,7 +64,7 @@ private:
                            std::vector<Difference>& differences);
 
     const Document& mDocument;
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
     std::uint64_t mAddressUnit;
     /// What was found out about a structure or table of the file and a type of the image, since

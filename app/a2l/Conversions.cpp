@@ -16,7 +16,7 @@ constexpr std::string_view sNone = "NO_COMPU_METHOD";
 
 } // namespace
 
-Conversions::Conversions(const DataModel::DataModel& model)
+Conversions::Conversions(const DataModel::Model& model)
     : mModel(model) {
     model.ForEach(ObjectKind::Enum, [this](const ModelObject& enumeration) {
         const Table table = MakeTable(enumeration.id);

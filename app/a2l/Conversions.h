@@ -13,7 +13,7 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 class Conversions {
 public:
     /// @param model borrowed; must not change during the life of the object
-    explicit Conversions(const DataModel::DataModel& model);
+    explicit Conversions(const DataModel::Model& model);
 
     /// The name of the conversion of a type, NO_COMPU_METHOD for all but enumerations.
     std::string Of(DataModel::ObjectId type);
@@ -31,7 +31,7 @@ private:
 
     [[nodiscard]] Table MakeTable(DataModel::ObjectId enumeration) const;
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     /// How many different tables the enumerations of a name have.
     std::unordered_map<std::string, std::map<std::string, std::size_t>> mTablesOfName;
     std::unordered_map<DataModel::ObjectId, std::string> mNames;

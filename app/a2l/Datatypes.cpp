@@ -72,7 +72,7 @@ std::string_view DatatypeOf(const Scalar& scalar) {
     return found == sDatatypes.end() ? std::string_view() : found->first;
 }
 
-std::optional<Scalar> ScalarOfType(const DataModel::DataModel& model, DataModel::ObjectId type) {
+std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::ObjectId type) {
     const ModelObject object = model.Object(model.WithoutTypedefs(type));
     if (object.kind == ObjectKind::Pointer) {
         return Scalar{Kind::Unsigned, object.size};
@@ -85,7 +85,7 @@ std::optional<Scalar> ScalarOfType(const DataModel::DataModel& model, DataModel:
     return kind ? std::optional(Scalar{*kind, object.size}) : std::nullopt;
 }
 
-Elements ElementsOf(const DataModel::DataModel& model, DataModel::ObjectId type) {
+Elements ElementsOf(const DataModel::Model& model, DataModel::ObjectId type) {
     Elements elements{type, 1};
     for (int arrays = 0; arrays < sMostArrays; ++arrays) {
         const ModelObject object = model.Object(model.WithoutTypedefs(elements.type));

@@ -41,13 +41,13 @@ std::string_view DatatypeOf(const Scalar& scalar);
 
 /// The scalar that a type of a model is: a base type, an enum or a pointer, behind typedefs too;
 /// nothing for anything else.
-std::optional<Scalar> ScalarOfType(const DataModel::DataModel& model, DataModel::ObjectId type);
+std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::ObjectId type);
 
 /// A type taken apart into equal elements: one for a scalar or a structure, all of an array.
 struct Elements {
     DataModel::ObjectId type = 0;
     std::uint64_t count = 1;
 };
-Elements ElementsOf(const DataModel::DataModel& model, DataModel::ObjectId type);
+Elements ElementsOf(const DataModel::Model& model, DataModel::ObjectId type);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

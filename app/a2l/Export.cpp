@@ -75,7 +75,7 @@ struct Omission {
 
 class Exporter {
 public:
-    Exporter(const DataModel::DataModel& model, const ExportChoices& choices, ResultOutput& output)
+    Exporter(const DataModel::Model& model, const ExportChoices& choices, ResultOutput& output)
         : mModel(model)
         , mChoices(choices)
         , mOutput(output)
@@ -366,7 +366,7 @@ private:
         }
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const ExportChoices& mChoices;
     ResultOutput& mOutput;
     SymbolIndex mIndex;
@@ -392,7 +392,7 @@ private:
 
 } // namespace
 
-ExportResult Export(const DataModel::DataModel& model, const ExportChoices& choices,
+ExportResult Export(const DataModel::Model& model, const ExportChoices& choices,
                     ResultOutput& output) {
     return Exporter(model, choices, output).Run();
 }

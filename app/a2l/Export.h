@@ -44,7 +44,7 @@ struct ExportResult {
 };
 
 /// @throws OutputError if the text can't be written
-ExportResult Export(const DataModel::DataModel& model, const ExportChoices& choices,
+ExportResult Export(const DataModel::Model& model, const ExportChoices& choices,
                     ResultOutput& output);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

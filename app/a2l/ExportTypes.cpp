@@ -52,7 +52,7 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
     return std::nullopt;
 }
 
-std::vector<std::uint64_t> DimensionsOf(const DataModel::DataModel& model, ObjectId type) {
+std::vector<std::uint64_t> DimensionsOf(const DataModel::Model& model, ObjectId type) {
     std::vector<std::uint64_t> dimensions;
     for (int arrays = 0; arrays < sMostArrays; ++arrays) {
         const ModelObject object = model.Object(model.WithoutTypedefs(type));

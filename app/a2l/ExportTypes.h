@@ -34,14 +34,12 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
                                    bool isBigEndian, bool hasLongMasks);
 
 /// Dimensions of an array, of arrays in it too, innermost first; empty for anything else.
-std::vector<std::uint64_t> DimensionsOf(const DataModel::DataModel& model,
-                                        DataModel::ObjectId type);
+std::vector<std::uint64_t> DimensionsOf(const DataModel::Model& model, DataModel::ObjectId type);
 
 class ExportTypes {
 public:
     /// All borrowed; model and index must not change during the life of the object.
-    ExportTypes(const DataModel::DataModel& model, const SymbolIndex& index,
-                Conversions& conversions)
+    ExportTypes(const DataModel::Model& model, const SymbolIndex& index, Conversions& conversions)
         : mModel(model)
         , mIndex(index)
         , mConversions(conversions) {}
@@ -69,7 +67,7 @@ private:
     void AppendComponent(std::string& text, const Member& member, bool isCalibrated);
     [[nodiscard]] std::string NameOfValues(const ExportedValues& values, bool isCalibrated);
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
     Conversions& mConversions;
     IdentifierSet mNames;

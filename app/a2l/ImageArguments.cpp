@@ -25,7 +25,7 @@ void AddWordAddressArgument(CLI::App& command, ImageArguments& arguments) {
                      "Count addresses in words of 16 bits, for targets that do so");
 }
 
-ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::DataModel& model) {
+ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::Model& model) {
     const ReadResult read = ReadSession(arguments.read).Read(arguments.image, model);
     if (!read.isOk) {
         return ReportResult(arguments.image, read);

@@ -13,7 +13,7 @@ class Option;
 } // namespace CLI
 
 namespace Tessel::Norn::Brindle::DataModel {
-class DataModel;
+class Model;
 }
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -42,6 +42,6 @@ void AddWordAddressArgument(CLI::App& command, ImageArguments& arguments);
 
 /// Reads the image whole. Anything less is refused, since what is missing would look as if the
 /// image lacked it; the user is told. @return whether the model has all addresses
-ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::DataModel& model);
+ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::Model& model);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

@@ -29,7 +29,7 @@ struct MemberTable::Part {
     std::string qualifier;
 };
 
-MemberTable::MemberTable(const DataModel::DataModel& model, ObjectId type) {
+MemberTable::MemberTable(const DataModel::Model& model, ObjectId type) {
     std::deque<Part> pending;
     pending.push_back({type, 0, {}});
     for (std::size_t parts = 0; !pending.empty() && parts < sMostParts; ++parts) {
@@ -62,7 +62,7 @@ MemberTable::MemberTable(const DataModel::DataModel& model, ObjectId type) {
     }
 }
 
-void MemberTable::AddPart(const DataModel::DataModel& model, const Part& part,
+void MemberTable::AddPart(const DataModel::Model& model, const Part& part,
                           std::deque<Part>& pending) {
     std::vector<Part> anonymous;
     model.ForEachIn(part.type, [&](const ModelObject& object) {

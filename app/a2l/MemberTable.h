@@ -33,7 +33,7 @@ struct Member {
 class MemberTable {
 public:
     /// @param model must outlive the table, which views its names
-    MemberTable(const DataModel::DataModel& model, DataModel::ObjectId type);
+    MemberTable(const DataModel::Model& model, DataModel::ObjectId type);
 
     /// Null without a member of the name.
     [[nodiscard]] const Member* Find(std::string_view name) const;
@@ -57,7 +57,7 @@ public:
 private:
     struct Part;
 
-    void AddPart(const DataModel::DataModel& model, const Part& part, std::deque<Part>& pending);
+    void AddPart(const DataModel::Model& model, const Part& part, std::deque<Part>& pending);
     void Add(const Member& member, const Part& part);
 
     std::vector<Member> mMembers;

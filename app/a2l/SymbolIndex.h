@@ -30,7 +30,7 @@ enum class UnderscoreHabit : std::uint8_t { None, InFront };
 /// stands for the readable one.
 class SymbolIndex {
 public:
-    using Model = DataModel::DataModel;
+    using Model = DataModel::Model;
     using ObjectId = DataModel::ObjectId;
     using Place = Model::Place;
 

@@ -61,7 +61,7 @@ std::string Hexadecimal(std::uint64_t number) {
 
 class Updater {
 public:
-    Updater(const Document& document, const DataModel::DataModel& model, const SymbolIndex& index,
+    Updater(const Document& document, const DataModel::Model& model, const SymbolIndex& index,
             const UpdateChoices& choices)
         : mDocument(document)
         , mIndex(index)
@@ -247,7 +247,7 @@ std::string_view NameOf(Status status) {
     return names[static_cast<std::size_t>(status)];
 }
 
-UpdateResult Update(const Document& document, const DataModel::DataModel& model,
+UpdateResult Update(const Document& document, const DataModel::Model& model,
                     const SymbolIndex& index, const UpdateChoices& choices) {
     return Updater(document, model, index, choices).Run();
 }

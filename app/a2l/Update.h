@@ -79,7 +79,7 @@ struct UpdateResult {
 };
 
 /// @param model the image; `index` is one of it
-UpdateResult Update(const Document& document, const DataModel::DataModel& model,
+UpdateResult Update(const Document& document, const DataModel::Model& model,
                     const SymbolIndex& index, const UpdateChoices& choices);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

@@ -12,7 +12,7 @@ using DataModel::ObjectKind;
 
 } // namespace
 
-VariableNames::VariableNames(const DataModel::DataModel& model, const SymbolIndex& index)
+VariableNames::VariableNames(const DataModel::Model& model, const SymbolIndex& index)
     : mModel(model)
     , mIndex(index) {
     model.ForEach(ObjectKind::Global, [this](const ModelObject& global) {

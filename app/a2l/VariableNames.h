@@ -21,12 +21,12 @@ struct VariableName {
 class VariableNames {
 public:
     /// @param model, index borrowed; must not change during the life of the object
-    VariableNames(const DataModel::DataModel& model, const SymbolIndex& index);
+    VariableNames(const DataModel::Model& model, const SymbolIndex& index);
 
     [[nodiscard]] VariableName Of(DataModel::ObjectId global) const;
 
 private:
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
     /// How many variables have an identifier.
     std::unordered_map<std::string, std::size_t> mCounts;

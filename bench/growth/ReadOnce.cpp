@@ -35,7 +35,7 @@ int main(int count, char** arguments) {
             return 2;
         }
     }
-    DataModel::DataModel model;
+    DataModel::Model model;
     const DataModel::Factory::CurrentDataModel current(model);
     Reader::DWARF::VDWARFReader reader;
     reader.ReadAllTypes(true);

@@ -14,15 +14,15 @@ using namespace Tessel::Norn::Brindle;
 
 namespace {
 
-void PrintVariables(const DataModel::DataModel& model) {
+void PrintVariables(const DataModel::Model& model) {
     model.ForEach(DataModel::ObjectKind::Global, [&](const DataModel::ModelObject& variable) {
         std::cout << std::hex << std::showbase << variable.address << std::dec << ' '
                   << model.SizeOf(variable.id) << ' ' << model.QualifiedName(variable.id) << '\n';
     });
 }
 
-bool PrintPlace(const DataModel::DataModel& model, const std::string& path) {
-    const DataModel::DataModel::PathResult result = model.ResolvePath(path);
+bool PrintPlace(const DataModel::Model& model, const std::string& path) {
+    const DataModel::Model::PathResult result = model.ResolvePath(path);
     if (!result.found) {
         std::cerr << path << ": " << result.problem << " behind '"
                   << path.substr(0, result.resolvedLength) << "'\n";
@@ -46,7 +46,7 @@ int main(int argc, char** argv) {
         return 2;
     }
 
-    DataModel::DataModel model;
+    DataModel::Model model;
     const DataModel::Factory::CurrentDataModel current(model);
 
     Reader::DWARF::VElfOptions::mTryReadCorruptedCompileUnits = 1; // an option of the reader

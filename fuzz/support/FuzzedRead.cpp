@@ -29,7 +29,7 @@ bool IsHandle(std::string_view argument) {
 
 class CallCheck {
 public:
-    explicit CallCheck(const DataModel::DataModel& model)
+    explicit CallCheck(const DataModel::Model& model)
         : mModel(model) {}
 
     void operator()(const DataModel::RecordedCall& call) const {
@@ -53,10 +53,10 @@ private:
         }
     }
 
-    const DataModel::DataModel& mModel;
+    const DataModel::Model& mModel;
 };
 
-void QueryObject(const DataModel::DataModel& model, DataModel::ObjectId id) {
+void QueryObject(const DataModel::Model& model, DataModel::ObjectId id) {
     const DataModel::ModelObject object = model.Object(id);
     Require(IsUtf8(model.QualifiedName(id)), "qualified names are UTF-8");
     Require(IsUtf8(model.TypeText(id)), "type texts are UTF-8");
@@ -81,12 +81,12 @@ void QueryObject(const DataModel::DataModel& model, DataModel::ObjectId id) {
     Require(model.SizeOf(id) == 0 || id <= model.ObjectCount(), "an unknown object has no size");
 }
 
-void QueryVariable(const DataModel::DataModel& model, DataModel::LeafWalk& leaves,
+void QueryVariable(const DataModel::Model& model, DataModel::LeafWalk& leaves,
                    const DataModel::ModelObject& variable) {
     const std::string name = model.QualifiedName(variable.id);
     Require(!model.ResolvePaths(name + "[0].a").empty(), "a path has an answer");
     std::string firstLeaf;
-    leaves.Walk(variable.id, [&](std::string_view path, const DataModel::DataModel::Place&) {
+    leaves.Walk(variable.id, [&](std::string_view path, const DataModel::Model::Place&) {
         if (firstLeaf.empty()) {
             firstLeaf = path;
         }
@@ -94,7 +94,7 @@ void QueryVariable(const DataModel::DataModel& model, DataModel::LeafWalk& leave
     Require(!model.ResolvePaths(firstLeaf).empty(), "a path has an answer");
 }
 
-void Query(const DataModel::DataModel& model) {
+void Query(const DataModel::Model& model) {
     const DataModel::ObjectId last = std::min(sQueriedObjects, model.ObjectCount());
     for (DataModel::ObjectId id = 0; id <= last; ++id) {
         QueryObject(model, id);
@@ -116,7 +116,7 @@ void Query(const DataModel::DataModel& model) {
 } // namespace
 
 void ReadAndQuery(const ReadChoices& choices, std::string_view file) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     DataModel::RecordingDataModel checked(model, CallCheck(model));
     const DataModel::Factory::CurrentDataModel current(checked);
     Reader::DWARF::VDWARFReader reader;

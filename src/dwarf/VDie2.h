@@ -155,6 +155,7 @@ private:
     void ReadAttributes();
 
     /// @name Entries of code
+    /// Implemented in dwarf/DieOfCode.
     /// @{
 
     [[nodiscard]] CodeEntry CodeEntryHere() const;

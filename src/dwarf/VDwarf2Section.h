@@ -85,6 +85,8 @@ public:
     bool ProcessDebugSection();
 
     /// @name Reading
+    /// Units are found in dwarf/CompileUnitMapping, read in dwarf/SectionReading; what was passed
+    /// over is told in dwarf/UnitRemarks.
     /// @{
 
     /// Finds every unit of the sections; see `VCompileUnitHeader`. True may come with error
@@ -157,6 +159,7 @@ public:
 
     /// @}
     /// @name Resolution and delivery
+    /// Implemented in emit/ResolveNodes and emit/EmitNodes; the dump in nodes/NodeDump.
     /// @{
 
     /// Runs the nine passes that finish the tree. Always true.

@@ -23,8 +23,8 @@ class HostDataModel;
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 using DataModel::BasicTypes;
-using DataModel::Factory::HostDataModel;
 using DataModel::ObjectId;
+using DataModel::Factory::HostDataModel;
 
 class VCLIFactoryWrapperPrivate;
 

@@ -25,7 +25,7 @@ std::uint64_t LastByte(std::uint64_t first, std::uint64_t size) {
 
 } // namespace
 
-AddressLookup::AddressLookup(const DataModel& model)
+AddressLookup::AddressLookup(const Model& model)
     : mWalk(model) {
     model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
         const std::uint64_t last = LastByte(variable.address, model.SizeOf(variable.id));
@@ -50,7 +50,7 @@ std::vector<AddressHit> AddressLookup::Find(std::uint64_t address) {
     for (std::size_t index = begin; index < end; ++index) {
         if (mEntries[index].last >= address) {
             mWalk.WalkTo(mEntries[index].global, address,
-                         [&](std::string_view path, const DataModel::Place& place) {
+                         [&](std::string_view path, const Model::Place& place) {
                              hits.push_back({std::string(path), place, address - place.address});
                          });
         }

@@ -15,11 +15,11 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 /// A place that holds a byte.
 struct AddressHit {
-    /// Leads to the place, as `DataModel::ResolvePath` takes it.
+    /// Leads to the place, as `Model::ResolvePath` takes it.
     std::string path;
     /// The leaf that holds the byte, or the innermost structure or array where the byte belongs to
     /// none of its parts: a gap between members, say.
-    DataModel::Place place;
+    Model::Place place;
     /// Distance of the byte from the first one of the place.
     std::uint64_t offset = 0;
 };
@@ -29,7 +29,7 @@ struct AddressHit {
 class BRINDLE_EXPORT AddressLookup {
 public:
     /// @param model borrowed; must not change during the life of the lookup
-    explicit AddressLookup(const DataModel& model);
+    explicit AddressLookup(const Model& model);
 
     /// Everything that holds the byte at an address: several places where variables overlap or
     /// members of a union do, at most 1000 of one variable. In the order of the addresses of the

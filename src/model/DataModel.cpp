@@ -85,59 +85,58 @@ std::optional<LookupKey> LateKeyOf(ModelStore& store, ObjectId id) {
 
 } // namespace
 
-DataModel::DataModel()
+Model::Model()
     : mStore(std::make_unique<ModelStore>()) {}
 
-DataModel::~DataModel() = default;
+Model::~Model() = default;
 
-void DataModel::DescribeImage(const ImageDescription& image) {
+void Model::DescribeImage(const ImageDescription& image) {
     mStore->Image() = ImageBytes(image);
 }
 
-ObjectId DataModel::GetGlobalNamespace() {
+ObjectId Model::GetGlobalNamespace() {
     return sGlobalNamespace;
 }
 
-ObjectId DataModel::GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) {
+ObjectId Model::GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) {
     return mStore->FindNamed(LookupKind::Namespace, namespaceName, objIdParentScope);
 }
 
-ObjectId DataModel::CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) {
+ObjectId Model::CreateNamespace(const std::string& namespaceName, ObjectId objIdParentScope) {
     return mStore->AddNamed(LookupKind::Namespace, namespaceName,
                             {.scope = objIdParentScope, .kind = ObjectKind::Namespace});
 }
 
-ObjectId DataModel::GetBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) {
+ObjectId Model::GetBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::Block, blockIdentifier, objIdParentScope);
 }
 
-ObjectId DataModel::CreateBlockScope(const std::string& blockIdentifier,
-                                     ObjectId objIdParentScope) {
+ObjectId Model::CreateBlockScope(const std::string& blockIdentifier, ObjectId objIdParentScope) {
     return mStore->AddUnfiled(blockIdentifier,
                               {.scope = objIdParentScope, .kind = ObjectKind::Block});
 }
 
-ObjectId DataModel::GetCompileUnit(const std::string& compileUnitName) {
+ObjectId Model::GetCompileUnit(const std::string& compileUnitName) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::CompileUnit, compileUnitName, 0);
 }
 
-ObjectId DataModel::CreateCompileUnit(const std::string& compileUnitName) {
+ObjectId Model::CreateCompileUnit(const std::string& compileUnitName) {
     return mStore->AddUnfiled(compileUnitName, {.kind = ObjectKind::CompileUnit});
 }
 
-ObjectId DataModel::GetOrCreateCompileUnit(const std::string& compileUnitName) {
+ObjectId Model::GetOrCreateCompileUnit(const std::string& compileUnitName) {
     const ObjectId known = GetCompileUnit(compileUnitName);
     return known != 0 ? known : CreateCompileUnit(compileUnitName);
 }
 
-ObjectId DataModel::GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) {
+ObjectId Model::GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) {
     return mStore->Index().Find(BaseKey(basicType, objIdParentScope));
 }
 
-ObjectId DataModel::CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
-                                        ObjectId objIdParentScope) {
+ObjectId Model::CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
+                                    ObjectId objIdParentScope) {
     return Filed(*mStore, BaseKey(basicType, objIdParentScope),
                  mStore->Add({.scope = objIdParentScope,
                               .value = length,
@@ -145,28 +144,26 @@ ObjectId DataModel::CreateBaseEntryType(BasicTypes basicType, std::uint64_t leng
                               .kind = ObjectKind::Base}));
 }
 
-ObjectId DataModel::GetUnknownEntryType(std::uint64_t sizeOfUnknownType,
-                                        ObjectId objIdParentScope) {
+ObjectId Model::GetUnknownEntryType(std::uint64_t sizeOfUnknownType, ObjectId objIdParentScope) {
     return mStore->Index().Find({LookupKind::Unknown, sizeOfUnknownType, objIdParentScope});
 }
 
-ObjectId DataModel::CreateUnknownEntryType(std::uint64_t sizeOfUnknownType,
-                                           ObjectId objIdParentScope) {
+ObjectId Model::CreateUnknownEntryType(std::uint64_t sizeOfUnknownType, ObjectId objIdParentScope) {
     return Filed(
         *mStore, {LookupKind::Unknown, sizeOfUnknownType, objIdParentScope},
         mStore->Add(
             {.scope = objIdParentScope, .value = sizeOfUnknownType, .kind = ObjectKind::Unknown}));
 }
 
-ObjectId DataModel::GetClassEntryType(const std::string& className, ObjectId objIdOfParentClass) {
+ObjectId Model::GetClassEntryType(const std::string& className, ObjectId objIdOfParentClass) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::Class, className, objIdOfParentClass);
 }
 
-ObjectId DataModel::CreateClassEntryType(const std::string& className, std::uint32_t classSize,
-                                         ObjectId objIdOfScopeParent,
-                                         const std::vector<ObjectId>& vecObjIdsOfInheritances,
-                                         bool anonymous, bool isStruct) {
+ObjectId Model::CreateClassEntryType(const std::string& className, std::uint32_t classSize,
+                                     ObjectId objIdOfScopeParent,
+                                     const std::vector<ObjectId>& vecObjIdsOfInheritances,
+                                     bool anonymous, bool isStruct) {
     const ObjectId id =
         mStore->AddUnfiled(className, {.scope = objIdOfScopeParent,
                                        .value = classSize,
@@ -178,21 +175,21 @@ ObjectId DataModel::CreateClassEntryType(const std::string& className, std::uint
     return id;
 }
 
-ObjectId DataModel::GetUnionEntryType(const std::string& unionName, ObjectId objIdOfParentClass) {
+ObjectId Model::GetUnionEntryType(const std::string& unionName, ObjectId objIdOfParentClass) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::Union, unionName, objIdOfParentClass);
 }
 
-ObjectId DataModel::CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
-                                         ObjectId objIdOfParentClass, bool anonymous) {
+ObjectId Model::CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
+                                     ObjectId objIdOfParentClass, bool anonymous) {
     return mStore->AddUnfiled(unionName, {.scope = objIdOfParentClass,
                                           .value = unionSize,
                                           .kind = ObjectKind::Union,
                                           .anonymous = anonymous});
 }
 
-bool DataModel::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
-                             std::uint32_t byteOffset) {
+bool Model::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
+                         std::uint32_t byteOffset) {
     if (!IsClass(mStore->KindOf(objIdOfClass))) {
         return false;
     }
@@ -200,42 +197,41 @@ bool DataModel::AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
     return true;
 }
 
-ObjectId DataModel::CreateMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
-                                     ObjectId objIdOfParentClass, std::uint32_t byteOffset,
-                                     std::int16_t /*addressExtension*/,
-                                     bool /*addressExtensionIsValid*/) {
+ObjectId Model::CreateMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                 ObjectId objIdOfParentClass, std::uint32_t byteOffset,
+                                 std::int16_t /*addressExtension*/,
+                                 bool /*addressExtensionIsValid*/) {
     return mStore->AddUnfiled(memberName, {.scope = objIdOfParentClass,
                                            .type = objIdOfMemberType,
                                            .detail = byteOffset,
                                            .kind = ObjectKind::Member});
 }
 
-ObjectId DataModel::CreateUnionMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
-                                          ObjectId objIdOfParentUnion, std::uint32_t byteOffset,
-                                          std::int16_t /*addressExtension*/,
-                                          bool /*addressExtensionIsValid*/) {
+ObjectId Model::CreateUnionMemberData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                      ObjectId objIdOfParentUnion, std::uint32_t byteOffset,
+                                      std::int16_t /*addressExtension*/,
+                                      bool /*addressExtensionIsValid*/) {
     return mStore->AddUnfiled(memberName, {.scope = objIdOfParentUnion,
                                            .type = objIdOfMemberType,
                                            .detail = byteOffset,
                                            .kind = ObjectKind::UnionMember});
 }
 
-ObjectId DataModel::CreateMemberStaticData(const std::string& memberName,
-                                           ObjectId objIdOfMemberType, ObjectId objIdOfParentClass,
-                                           std::uint64_t address, bool /*addressIsValid*/,
-                                           std::int16_t /*addressExtension*/,
-                                           bool /*addressExtensionIsValid*/) {
+ObjectId Model::CreateMemberStaticData(const std::string& memberName, ObjectId objIdOfMemberType,
+                                       ObjectId objIdOfParentClass, std::uint64_t address,
+                                       bool /*addressIsValid*/, std::int16_t /*addressExtension*/,
+                                       bool /*addressExtensionIsValid*/) {
     return mStore->AddUnfiled(memberName, {.scope = objIdOfParentClass,
                                            .type = objIdOfMemberType,
                                            .value = address,
                                            .kind = ObjectKind::StaticMember});
 }
 
-ObjectId DataModel::CreateBitfieldInUdt(const std::string& memberName, ObjectId objIdOfBitfieldType,
-                                        ObjectId ObjectIdOfParentUdt, std::uint32_t byteOffset,
-                                        std::uint32_t bitOffset, std::uint32_t bitSize,
-                                        std::int16_t /*addressExtension*/,
-                                        bool /*addressExtensionIsValid*/) {
+ObjectId Model::CreateBitfieldInUdt(const std::string& memberName, ObjectId objIdOfBitfieldType,
+                                    ObjectId ObjectIdOfParentUdt, std::uint32_t byteOffset,
+                                    std::uint32_t bitOffset, std::uint32_t bitSize,
+                                    std::int16_t /*addressExtension*/,
+                                    bool /*addressExtensionIsValid*/) {
     return mStore->AddUnfiled(memberName, {.scope = ObjectIdOfParentUdt,
                                            .type = objIdOfBitfieldType,
                                            .value = (std::uint64_t{bitOffset} << 32U) | bitSize,
@@ -243,9 +239,9 @@ ObjectId DataModel::CreateBitfieldInUdt(const std::string& memberName, ObjectId 
                                            .kind = ObjectKind::BitField});
 }
 
-ObjectId DataModel::CreateArrayEntryType(const std::vector<std::uint32_t>& dimensions,
-                                         ObjectId objIdOfArrayElementsType, std::uint64_t arraySize,
-                                         ObjectId objIdParentScope) {
+ObjectId Model::CreateArrayEntryType(const std::vector<std::uint32_t>& dimensions,
+                                     ObjectId objIdOfArrayElementsType, std::uint64_t arraySize,
+                                     ObjectId objIdParentScope) {
     return mStore->Add({.scope = objIdParentScope,
                         .type = objIdOfArrayElementsType,
                         .value = arraySize,
@@ -253,29 +249,29 @@ ObjectId DataModel::CreateArrayEntryType(const std::vector<std::uint32_t>& dimen
                         .kind = ObjectKind::Array});
 }
 
-ObjectId DataModel::CreatePointerEntryType(ObjectId objIdOfReferencedType, std::uint64_t ptrSize,
-                                           ObjectId objIdParentScope) {
+ObjectId Model::CreatePointerEntryType(ObjectId objIdOfReferencedType, std::uint64_t ptrSize,
+                                       ObjectId objIdParentScope) {
     return mStore->Add({.scope = objIdParentScope,
                         .type = objIdOfReferencedType,
                         .value = ptrSize,
                         .kind = ObjectKind::Pointer});
 }
 
-ObjectId DataModel::GetEnumTable(const std::string& tableName, ObjectId objIdOfScopeParent) {
+ObjectId Model::GetEnumTable(const std::string& tableName, ObjectId objIdOfScopeParent) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::Enum, tableName, objIdOfScopeParent);
 }
 
-ObjectId DataModel::CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
-                                    ObjectId objIdOfScopeParent, bool anonymous) {
+ObjectId Model::CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
+                                ObjectId objIdOfScopeParent, bool anonymous) {
     return mStore->AddUnfiled(tableName, {.scope = objIdOfScopeParent,
                                           .type = objIdOfUnderlyingType,
                                           .kind = ObjectKind::Enum,
                                           .anonymous = anonymous});
 }
 
-bool DataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
-                                              const std::string& enumText) {
+bool Model::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
+                                          const std::string& enumText) {
     if (!mStore->IsOfKind(objIdOfEnumTable, ObjectKind::Enum)) {
         return false;
     }
@@ -283,35 +279,34 @@ bool DataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::in
     return true;
 }
 
-ObjectId DataModel::GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) {
+ObjectId Model::GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::Typedef, aliasName, objIdParentScope);
 }
 
-ObjectId DataModel::CreateTypedefEntryType(const std::string& aliasName,
-                                           ObjectId objIdReferencedType,
-                                           ObjectId objIdParentScope) {
+ObjectId Model::CreateTypedefEntryType(const std::string& aliasName, ObjectId objIdReferencedType,
+                                       ObjectId objIdParentScope) {
     return mStore->AddUnfiled(
         aliasName,
         {.scope = objIdParentScope, .type = objIdReferencedType, .kind = ObjectKind::Typedef});
 }
 
-ObjectId DataModel::GetGlobalData(const std::string& symName, ObjectId objIdOfScopeParent) {
+ObjectId Model::GetGlobalData(const std::string& symName, ObjectId objIdOfScopeParent) {
     return mStore->FindNamed(LookupKind::GlobalInScope, symName, objIdOfScopeParent);
 }
 
-ObjectId DataModel::GetGlobalData(const std::string& symName) {
+ObjectId Model::GetGlobalData(const std::string& symName) {
     return mStore->FindNamed(LookupKind::GlobalByName, symName, 0);
 }
 
-ObjectId DataModel::GetGlobalDataByAddress(std::uint64_t address) {
+ObjectId Model::GetGlobalDataByAddress(std::uint64_t address) {
     return mStore->Index().Find({LookupKind::GlobalAtAddress, address, 0});
 }
 
-ObjectId DataModel::CreateGlobalData(const std::string& symName, ObjectId objIdOfSymType,
-                                     std::uint64_t address, ObjectId objIdOfScopeParent,
-                                     bool addressIsValid, std::int16_t /*addressExtension*/,
-                                     bool /*addressExtensionIsValid*/) {
+ObjectId Model::CreateGlobalData(const std::string& symName, ObjectId objIdOfSymType,
+                                 std::uint64_t address, ObjectId objIdOfScopeParent,
+                                 bool addressIsValid, std::int16_t /*addressExtension*/,
+                                 bool /*addressExtensionIsValid*/) {
     const ObjectId id = mStore->AddGlobal(symName, {.scope = objIdOfScopeParent,
                                                     .type = objIdOfSymType,
                                                     .value = address,
@@ -319,55 +314,55 @@ ObjectId DataModel::CreateGlobalData(const std::string& symName, ObjectId objIdO
     return addressIsValid ? Filed(*mStore, {LookupKind::GlobalAtAddress, address, 0}, id) : id;
 }
 
-ObjectId DataModel::GetFunction(const std::string& name, ObjectId functionType,
-                                ObjectId objIdParentScope) {
+ObjectId Model::GetFunction(const std::string& name, ObjectId functionType,
+                            ObjectId objIdParentScope) {
     FileNewObjects();
     const LookupIndex& index = mStore->Index();
     return mStore->FindNamed(LookupKind::Function, name,
                              Combined(index, {LookupKind::Pair, functionType, objIdParentScope}));
 }
 
-ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
-                                   ObjectId objIdParentScope, ObjectId objIdCompileUnit,
-                                   bool /*flag*/) {
+ObjectId Model::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
+                               ObjectId objIdParentScope, ObjectId objIdCompileUnit,
+                               bool /*flag*/) {
     return mStore->AddUnfiled(name, {.scope = objIdParentScope,
                                      .type = objIdFunctionType,
                                      .value = objIdCompileUnit,
                                      .kind = ObjectKind::Function});
 }
 
-ObjectId DataModel::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
-                                   bool /*hasParentScope*/) {
+ObjectId Model::CreateFunction(const std::string& name, ObjectId objIdFunctionType,
+                               bool /*hasParentScope*/) {
     return CreateFunction(name, objIdFunctionType, sGlobalNamespace, 0, false);
 }
 
-ObjectId DataModel::GetFunctionType(ObjectId objIdOfReturnType,
-                                    const std::vector<ObjectId>& vecParameterTypes,
-                                    ObjectId objIdParentScope) {
+ObjectId Model::GetFunctionType(ObjectId objIdOfReturnType,
+                                const std::vector<ObjectId>& vecParameterTypes,
+                                ObjectId objIdParentScope) {
     FileNewObjects();
     const LookupIndex& index = mStore->Index();
     return index.Find(
         FunctionTypeKey(index, objIdOfReturnType, vecParameterTypes, objIdParentScope));
 }
 
-ObjectId DataModel::CreateFunctionType(ObjectId objIdOfReturnType,
-                                       const std::vector<ObjectId>& vecParameterTypes,
-                                       ObjectId objIdParentScope) {
+ObjectId Model::CreateFunctionType(ObjectId objIdOfReturnType,
+                                   const std::vector<ObjectId>& vecParameterTypes,
+                                   ObjectId objIdParentScope) {
     return mStore->Add({.scope = objIdParentScope,
                         .type = objIdOfReturnType,
                         .detail = mStore->KeepParameters(vecParameterTypes),
                         .kind = ObjectKind::FunctionType});
 }
 
-ObjectId DataModel::GetOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
-                                            std::uint64_t bitSize, ObjectId objIdParentScope) {
+ObjectId Model::GetOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
+                                        std::uint64_t bitSize, ObjectId objIdParentScope) {
     FileNewObjects();
     const LookupIndex& index = mStore->Index();
     return index.Find(OldBitFieldKey(index, objIdOfBaseType, bitOffset, bitSize, objIdParentScope));
 }
 
-ObjectId DataModel::CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
-                                               std::uint64_t bitSize, ObjectId objIdParentScope) {
+ObjectId Model::CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::int32_t bitOffset,
+                                           std::uint64_t bitSize, ObjectId objIdParentScope) {
     return mStore->Add({.scope = objIdParentScope,
                         .type = objIdOfBaseType,
                         .value = bitSize,
@@ -375,29 +370,29 @@ ObjectId DataModel::CreateOldBitfieldEntryType(ObjectId objIdOfBaseType, std::in
                         .kind = ObjectKind::OldBitField});
 }
 
-ObjectId DataModel::GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
+ObjectId Model::GetSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
     FileNewObjects();
     return mStore->Index().Find({LookupKind::Section, size, objIdParentScope});
 }
 
-ObjectId DataModel::CreateSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
+ObjectId Model::CreateSectionEntryType(std::uint64_t size, ObjectId objIdParentScope) {
     return mStore->Add({.scope = objIdParentScope, .value = size, .kind = ObjectKind::Section});
 }
 
-ObjectId DataModel::GetSegment(const std::string& segmentName) {
+ObjectId Model::GetSegment(const std::string& segmentName) {
     FileNewObjects();
     return mStore->FindNamed(LookupKind::Segment, segmentName, 0);
 }
 
-ObjectId DataModel::CreateSegment(const std::string& segmentName, std::uint64_t address,
-                                  std::uint64_t size) {
+ObjectId Model::CreateSegment(const std::string& segmentName, std::uint64_t address,
+                              std::uint64_t size) {
     return mStore->AddUnfiled(segmentName,
                               {.type = size, .value = address, .kind = ObjectKind::Segment});
 }
 
-void DataModel::SetTransformed(bool /*transformedDataModel*/) {}
+void Model::SetTransformed(bool /*transformedDataModel*/) {}
 
-void DataModel::FileNewObjects() {
+void Model::FileNewObjects() {
     while (mFiledCount < ObjectCount()) {
         const ObjectId id = ++mFiledCount;
         if (const std::optional<LookupKey> key = LateKeyOf(*mStore, id)) {

@@ -29,16 +29,18 @@ class ModelStore;
 /// Every query ends soon whatever was delivered: scopes and types are followed 1000 links far, and
 /// what lies beyond counts as missing. Texts are cut at 64 KiB, those of types at 4 KiB, between
 /// characters, with "..." where something is left out.
-class BRINDLE_EXPORT DataModel final : public Factory::HostDataModel {
+class BRINDLE_EXPORT Model final : public Factory::HostDataModel {
 public:
-    DataModel();
-    ~DataModel() override;
-    DataModel(const DataModel&) = delete;
-    DataModel& operator=(const DataModel&) = delete;
-    DataModel(DataModel&&) = delete;
-    DataModel& operator=(DataModel&&) = delete;
+    Model();
+    ~Model() override;
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+    Model(Model&&) = delete;
+    Model& operator=(Model&&) = delete;
 
     /// @name Queries
+    /// Implemented in model/DataModelQueries; texts of types in model/TypeText, paths in
+    /// model/ModelPath.
     /// @{
 
     /// Number of objects; their identifiers are 1 to this number.
@@ -296,5 +298,8 @@ private:
     /// Objects that `FileNewObjects` has seen.
     std::size_t mFiledCount = 0;
 };
+
+/// The name that the class had, for hosts that use it.
+using DataModel = Model;
 
 } // namespace Tessel::Norn::Brindle::DataModel

@@ -1,4 +1,4 @@
-// The questions that `DataModel` answers from single records and from the chains of their types and
+// The questions that `Model` answers from single records and from the chains of their types and
 // scopes. Type texts and paths have their own sources.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
@@ -86,19 +86,19 @@ void SetKindFields(ModelObject& object, const Record& record) {
 
 } // namespace
 
-const ImageDescription& DataModel::Image() const {
+const ImageDescription& Model::Image() const {
     return mStore->Image().Description();
 }
 
-std::vector<std::uint8_t> DataModel::InitialBytes(std::uint64_t address, std::uint64_t size) const {
+std::vector<std::uint8_t> Model::InitialBytes(std::uint64_t address, std::uint64_t size) const {
     return mStore->Image().At(address, size);
 }
 
-std::size_t DataModel::ObjectCount() const {
+std::size_t Model::ObjectCount() const {
     return mStore->Count();
 }
 
-ModelObject DataModel::Object(ObjectId id) const {
+ModelObject Model::Object(ObjectId id) const {
     ModelObject object;
     if (mStore->Has(id)) {
         const Record& record = mStore->At(id);
@@ -113,11 +113,11 @@ ModelObject DataModel::Object(ObjectId id) const {
     return object;
 }
 
-std::span<const BaseClass> DataModel::BaseClasses(ObjectId classType) const {
+std::span<const BaseClass> Model::BaseClasses(ObjectId classType) const {
     return mStore->BaseClasses(classType);
 }
 
-std::vector<BaseClass> DataModel::PlacedBaseClasses(ObjectId classType) const {
+std::vector<BaseClass> Model::PlacedBaseClasses(ObjectId classType) const {
     const std::span<const BaseClass> bases = BaseClasses(classType);
     std::vector<BaseClass> placed(bases.begin(), bases.end());
     const auto isInDoubt = [this](const BaseClass& base) {
@@ -130,7 +130,7 @@ std::vector<BaseClass> DataModel::PlacedBaseClasses(ObjectId classType) const {
     return placed;
 }
 
-bool DataModel::HasDataAtStart(ObjectId classType) const {
+bool Model::HasDataAtStart(ObjectId classType) const {
     bool hasData = false;
     for (ObjectId id = FirstIn(classType); id != 0 && !hasData; id = NextIn(id)) {
         const ModelObject member = Object(id);
@@ -141,7 +141,7 @@ bool DataModel::HasDataAtStart(ObjectId classType) const {
     return hasData;
 }
 
-bool DataModel::HasData(ObjectId type) const {
+bool Model::HasData(ObjectId type) const {
     std::vector<ObjectId> parts{type};
     for (std::size_t place = 0; place < parts.size(); ++place) {
         const ObjectId part = WithoutTypedefs(parts[place]);
@@ -171,19 +171,19 @@ bool DataModel::HasData(ObjectId type) const {
     return false;
 }
 
-std::span<const Enumerator> DataModel::Enumerators(ObjectId enumTable) const {
+std::span<const Enumerator> Model::Enumerators(ObjectId enumTable) const {
     return mStore->Enumerators(enumTable);
 }
 
-std::span<const std::uint32_t> DataModel::Dimensions(ObjectId arrayType) const {
+std::span<const std::uint32_t> Model::Dimensions(ObjectId arrayType) const {
     return mStore->Dimensions(arrayType);
 }
 
-std::span<const ObjectId> DataModel::Parameters(ObjectId functionType) const {
+std::span<const ObjectId> Model::Parameters(ObjectId functionType) const {
     return mStore->Parameters(functionType);
 }
 
-std::uint64_t DataModel::SizeOf(ObjectId id) const {
+std::uint64_t Model::SizeOf(ObjectId id) const {
     for (std::size_t length = 0; length < kLongestChain && mStore->Has(id); ++length) {
         const Record& record = mStore->At(id);
         if (HasDeclaredSize(record.kind)) {
@@ -197,7 +197,7 @@ std::uint64_t DataModel::SizeOf(ObjectId id) const {
     return 0;
 }
 
-ObjectId DataModel::WithoutTypedefs(ObjectId type) const {
+ObjectId Model::WithoutTypedefs(ObjectId type) const {
     for (std::size_t length = 0; length < kLongestChain && mStore->Has(type); ++length) {
         if (mStore->KindOf(type) != ObjectKind::Typedef) {
             return type;
@@ -207,11 +207,11 @@ ObjectId DataModel::WithoutTypedefs(ObjectId type) const {
     return 0;
 }
 
-std::uint64_t DataModel::ElementCount(ObjectId arrayType) const {
+std::uint64_t Model::ElementCount(ObjectId arrayType) const {
     return mStore->ElementCount(arrayType);
 }
 
-std::uint64_t DataModel::ElementStride(ObjectId arrayType) const {
+std::uint64_t Model::ElementStride(ObjectId arrayType) const {
     const std::uint64_t count = ElementCount(arrayType);
     if (count == 0) {
         return 0;
@@ -221,11 +221,11 @@ std::uint64_t DataModel::ElementStride(ObjectId arrayType) const {
     return isWhole ? declared / count : SizeOf(mStore->At(arrayType).type);
 }
 
-std::string DataModel::QualifiedName(ObjectId id) const {
+std::string Model::QualifiedName(ObjectId id) const {
     return ScopedName(*mStore, id);
 }
 
-ObjectId DataModel::CompileUnitOf(ObjectId id) const {
+ObjectId Model::CompileUnitOf(ObjectId id) const {
     for (std::size_t length = 0; length < kLongestChain && mStore->Has(id); ++length) {
         const Record& record = mStore->At(id);
         if (record.kind == ObjectKind::CompileUnit) {
@@ -240,15 +240,15 @@ ObjectId DataModel::CompileUnitOf(ObjectId id) const {
     return 0;
 }
 
-ObjectKind DataModel::KindOf(ObjectId id) const {
+ObjectKind Model::KindOf(ObjectId id) const {
     return mStore->KindOf(id);
 }
 
-ObjectId DataModel::FirstIn(ObjectId scope) const {
+ObjectId Model::FirstIn(ObjectId scope) const {
     return mStore->FirstIn(scope);
 }
 
-ObjectId DataModel::NextIn(ObjectId id) const {
+ObjectId Model::NextIn(ObjectId id) const {
     return mStore->NextIn(id);
 }
 

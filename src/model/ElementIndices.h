@@ -11,7 +11,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 /// Appends the indices of an element, one for each dimension, as `ResolvePath` takes them.
 /// @param element position in memory, below the product of the dimensions
-/// @param dimensions outermost first, none of them 0, as `DataModel::Dimensions` gives them for an
+/// @param dimensions outermost first, none of them 0, as `Model::Dimensions` gives them for an
 ///     array with elements
 BRINDLE_EXPORT void AppendElementIndices(std::string& path, std::uint64_t element,
                                          std::span<const std::uint32_t> dimensions);

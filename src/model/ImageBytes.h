@@ -23,7 +23,7 @@ public:
 
     [[nodiscard]] const ImageDescription& Description() const { return mDescription; }
 
-    /// The initial bytes of a stretch of memory; see `DataModel::InitialBytes`.
+    /// The initial bytes of a stretch of memory; see `Model::InitialBytes`.
     std::vector<std::uint8_t> At(std::uint64_t address, std::uint64_t size);
 
 private:

@@ -17,7 +17,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 class BRINDLE_EXPORT LayoutFingerprints {
 public:
     /// @param model borrowed; must not change during the life of this object
-    explicit LayoutFingerprints(const DataModel& model)
+    explicit LayoutFingerprints(const Model& model)
         : mModel(model) {}
 
     /// The number of a type. An identifier that names no type has one as well.
@@ -33,7 +33,7 @@ private:
     std::uint64_t OfArray(ObjectId array, std::size_t depth);
     std::uint64_t OfClass(ObjectId classType, std::size_t depth);
 
-    const DataModel& mModel;
+    const Model& mModel;
     /// A type that is being looked at has the number of one that contains itself.
     std::unordered_map<ObjectId, std::uint64_t> mKnown;
     std::unordered_map<ObjectId, std::uint64_t> mMeanings;

@@ -13,7 +13,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-using Place = DataModel::Place;
+using Place = Model::Place;
 
 /// Beyond these, which no real variable reaches, a place is delivered whole.
 constexpr std::size_t sDeepestNesting = 100;
@@ -127,7 +127,7 @@ private:
     }
 
     LeafWalk& mWalk;
-    const DataModel& mModel;
+    const Model& mModel;
     std::vector<Part> mParts;
     std::deque<std::size_t> mPending;
     std::vector<FlatMember> mMembers;
@@ -135,7 +135,7 @@ private:
     std::unordered_set<std::string_view> mBaseNames;
 };
 
-LeafWalk::LeafWalk(const DataModel& model, const LeafLimits& limits)
+LeafWalk::LeafWalk(const Model& model, const LeafLimits& limits)
     : mModel(model)
     , mLimits(limits) {}
 

@@ -48,10 +48,10 @@ public:
     /// @param path the name of the variable with the steps to the leaf, as `ResolvePath` takes it;
     ///     valid during the call
     /// @param place where the leaf lies
-    using Visitor = std::function<void(std::string_view path, const DataModel::Place& place)>;
+    using Visitor = std::function<void(std::string_view path, const Model::Place& place)>;
 
     /// @param model borrowed; must not change during the life of the walk
-    explicit LeafWalk(const DataModel& model, const LeafLimits& limits = {});
+    explicit LeafWalk(const Model& model, const LeafLimits& limits = {});
 
     /// Visits all leaves of a global, in the order of their offsets; members of a union in the
     /// order of their delivery. Inherited and anonymous members come like own ones. An inherited
@@ -68,7 +68,7 @@ public:
     /// A member of a class as the walk meets it.
     struct FlatMember {
         /// Type, size and bits of the member; `address` is its offset from the start of the class.
-        DataModel::Place place;
+        Model::Place place;
         /// What a path adds for it: ".gain", or ".Named::id" for a hidden one.
         std::string step;
     };
@@ -96,19 +96,19 @@ private:
     };
 
     void Begin(ObjectId global, const Visitor& visit);
-    void Expand(const DataModel::Place& place, std::size_t depth);
-    bool ExpandMembers(ObjectId type, const DataModel::Place& place, std::size_t depth);
-    bool ExpandElements(ObjectId array, const DataModel::Place& place, std::size_t depth);
+    void Expand(const Model::Place& place, std::size_t depth);
+    bool ExpandMembers(ObjectId type, const Model::Place& place, std::size_t depth);
+    bool ExpandElements(ObjectId array, const Model::Place& place, std::size_t depth);
     bool EnterClass(ObjectId type, std::size_t depth);
-    void Deliver(const DataModel::Place& place);
-    [[nodiscard]] bool IsWanted(const DataModel::Place& place) const;
-    ElementRange WantedElements(const DataModel::Place& array, std::uint64_t count,
+    void Deliver(const Model::Place& place);
+    [[nodiscard]] bool IsWanted(const Model::Place& place) const;
+    ElementRange WantedElements(const Model::Place& array, std::uint64_t count,
                                 std::uint64_t stride);
     [[nodiscard]] bool IsAtEnd() const;
     void NoteWhole();
     const std::vector<ObjectId>& OwnMembers(ObjectId type);
 
-    const DataModel& mModel;
+    const Model& mModel;
     LeafLimits mLimits;
     LeafCuts mCuts;
     const Visitor* mVisit = nullptr;

@@ -1,5 +1,5 @@
 // One object of the default data model as its queries give it out. Plain data; who fills it is
-// `DataModel`.
+// `Model`.
 #pragma once
 
 #include "../host/BasicTypes.h"

@@ -1,4 +1,4 @@
-// The static answer to a path such as "motor.pid[2].gain". Implements `DataModel::ResolvePath`; it
+// The static answer to a path such as "motor.pid[2].gain". Implements `Model::ResolvePath`; it
 // reads the model and never follows a pointer.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
@@ -16,8 +16,8 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-using Place = DataModel::Place;
-using PathResult = DataModel::PathResult;
+using Place = Model::Place;
+using PathResult = Model::PathResult;
 
 /// Names may hold the characters that part a path, so that several of its beginnings are tried as
 /// names of variables: up to this many, and for each this many ends of its scopes.
@@ -92,7 +92,7 @@ public:
         std::size_t length = 0;
     };
 
-    MemberFinder(const DataModel& model, const ModelStore& store)
+    MemberFinder(const Model& model, const ModelStore& store)
         : mModel(model)
         , mStore(store) {}
 
@@ -189,7 +189,7 @@ private:
                kind == ObjectKind::BitField;
     }
 
-    const DataModel& mModel;
+    const Model& mModel;
     const ModelStore& mStore;
     std::deque<Part> mPending;
     std::unordered_set<ObjectId> mSeen;
@@ -198,7 +198,7 @@ private:
 /// Walks from one variable along the steps of a path.
 class PathWalk {
 public:
-    PathWalk(const DataModel& model, const ModelStore& store, std::string_view path)
+    PathWalk(const Model& model, const ModelStore& store, std::string_view path)
         : mModel(model)
         , mStore(store)
         , mPath(path) {}
@@ -321,7 +321,7 @@ private:
         mResult.place.bitSize = member.bitSize;
     }
 
-    const DataModel& mModel;
+    const Model& mModel;
     const ModelStore& mStore;
     std::string_view mPath;
     PathResult mResult;
@@ -344,11 +344,11 @@ std::vector<std::size_t> HeadLengths(std::string_view path) {
 
 } // namespace
 
-DataModel::PathResult DataModel::ResolvePath(std::string_view path) const {
+Model::PathResult Model::ResolvePath(std::string_view path) const {
     return ResolvePaths(path).front();
 }
 
-std::vector<DataModel::PathResult> DataModel::ResolvePaths(std::string_view path) const {
+std::vector<Model::PathResult> Model::ResolvePaths(std::string_view path) const {
     PathResult best;
     best.problem = path.size() > kLongestText ? "the path is too long" : "no variable of this name";
     if (path.size() > kLongestText) {

@@ -1,5 +1,5 @@
 // The memory of the default data model: a record of each object, with names, lists and the lookup
-// index aside. `DataModel` fills it; it knows no operation of the host contract.
+// index aside. `Model` fills it; it knows no operation of the host contract.
 #pragma once
 
 #include "model/ImageBytes.h"
@@ -82,7 +82,7 @@ public:
     /// Keeps a copy of the description's text.
     void AddEnumerator(ObjectId enumTable, Enumerator description);
     [[nodiscard]] std::span<const std::uint32_t> Dimensions(ObjectId arrayType) const;
-    /// As `DataModel::ElementCount`, in the same time however many dimensions there are.
+    /// As `Model::ElementCount`, in the same time however many dimensions there are.
     [[nodiscard]] std::uint64_t ElementCount(ObjectId arrayType) const;
     [[nodiscard]] std::span<const ObjectId> Parameters(ObjectId functionType) const;
     [[nodiscard]] std::span<const BaseClass> BaseClasses(ObjectId classType) const;

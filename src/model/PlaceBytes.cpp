@@ -12,7 +12,7 @@ constexpr std::uint64_t sLargestUnit = 64;
 
 } // namespace
 
-bool IsSaneBitField(const DataModel::Place& place) {
+bool IsSaneBitField(const Model::Place& place) {
     return place.isBitField && place.bitSize >= 1 && place.bitSize <= sWidestField &&
            place.size >= 1 && place.size <= sLargestUnit &&
            place.bitOffset + place.bitSize <= (place.size + 1) * sBitsPerByte;
@@ -20,7 +20,7 @@ bool IsSaneBitField(const DataModel::Place& place) {
 
 // Bit 13 of a unit of 4 bytes lies in the byte at 1 of a little-endian unit, in the one at 2 of a
 // big-endian unit.
-ByteSpan BytesOf(const DataModel::Place& place, ByteOrder byteOrder) {
+ByteSpan BytesOf(const Model::Place& place, ByteOrder byteOrder) {
     if (!IsSaneBitField(place)) {
         return {place.address, place.size};
     }

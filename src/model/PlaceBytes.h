@@ -25,12 +25,12 @@ struct ByteSpan {
 
 /// True if position and width of a bit field can be true: 1 to 64 bits in a storage unit of at most
 /// 64 bytes, or at most one byte behind it. Broken files tell others.
-BRINDLE_EXPORT bool IsSaneBitField(const DataModel::Place& place);
+BRINDLE_EXPORT bool IsSaneBitField(const Model::Place& place);
 
 /// The bytes of a place: of a sane bit field only those that hold some of its bits, of any other
 /// place all `size` bytes. The least significant bit of the field is bit `bitOffset % 8` of the
 /// least significant of these bytes, which is the first one of a little-endian image and the last
 /// one of a big-endian image.
-BRINDLE_EXPORT ByteSpan BytesOf(const DataModel::Place& place, ByteOrder byteOrder);
+BRINDLE_EXPORT ByteSpan BytesOf(const Model::Place& place, ByteOrder byteOrder);
 
 } // namespace Tessel::Norn::Brindle::DataModel

@@ -16,7 +16,7 @@ constexpr std::string_view sSeparator = "::";
 
 } // namespace
 
-QualifiedNameIndex::QualifiedNameIndex(const DataModel& model)
+QualifiedNameIndex::QualifiedNameIndex(const Model& model)
     : mModel(model)
     , mSeed(ProcessSeed()) {
     for (ObjectId id = 1; id <= model.ObjectCount(); ++id) {

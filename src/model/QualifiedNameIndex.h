@@ -1,5 +1,5 @@
 // Objects of a finished model by their qualified names. A host that looks up types or scopes by
-// name makes one; for variables and what lies in them there is `DataModel::ResolvePath`.
+// name makes one; for variables and what lies in them there is `Model::ResolvePath`.
 #pragma once
 
 #include "../core/Export.h"
@@ -16,9 +16,9 @@ namespace Tessel::Norn::Brindle::DataModel {
 class BRINDLE_EXPORT QualifiedNameIndex {
 public:
     /// @param model borrowed; must not change during the life of the index
-    explicit QualifiedNameIndex(const DataModel& model);
+    explicit QualifiedNameIndex(const Model& model);
 
-    /// The objects whose `DataModel::QualifiedName` is this text, in the order of delivery. "::" in
+    /// The objects whose `Model::QualifiedName` is this text, in the order of delivery. "::" in
     /// front of the text is left aside.
     [[nodiscard]] std::vector<ObjectId> Find(std::string_view qualifiedName) const;
 
@@ -37,7 +37,7 @@ private:
     void AppendNamed(std::string_view ownName, std::string_view qualifiedName,
                      std::vector<ObjectId>& found) const;
 
-    const DataModel& mModel;
+    const Model& mModel;
     std::uint64_t mSeed;
     std::vector<Entry> mEntries;
 };

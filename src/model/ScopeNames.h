@@ -1,4 +1,4 @@
-// Names with their scopes in front, in both directions: `DataModel` asks for the text of an object
+// Names with their scopes in front, in both directions: `Model` asks for the text of an object
 // and, for a path, whether an object has a text.
 #pragma once
 

@@ -1,4 +1,4 @@
-// Types as C declarations without a name, for the host's eye. Implements `DataModel::TypeText` on
+// Types as C declarations without a name, for the host's eye. Implements `Model::TypeText` on
 // the other queries; whatever a type refers to, the text and the time for it stay bounded.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
@@ -123,7 +123,7 @@ private:
 /// many times over can't make it long.
 class TypeTextWriter {
 public:
-    TypeTextWriter(const DataModel& model, const ModelStore& store)
+    TypeTextWriter(const Model& model, const ModelStore& store)
         : mModel(model)
         , mStore(store) {}
 
@@ -231,7 +231,7 @@ private:
         return text.append(text.empty() ? "()" : ")");
     }
 
-    const DataModel& mModel;
+    const Model& mModel;
     const ModelStore& mStore;
     std::size_t mRoom = kLongestTypeText;
 };
@@ -265,14 +265,14 @@ std::string Bounded(std::string text) {
 
 } // namespace
 
-std::string DataModel::TypeText(ObjectId type) const {
+std::string Model::TypeText(ObjectId type) const {
     if (!mStore->Has(type) || !IsType(KindOf(type))) {
         return {};
     }
     return Bounded(TypeTextWriter(*this, *mStore).Text(type, {}, 0));
 }
 
-std::string DataModel::Declaration(ObjectId type, std::string_view name) const {
+std::string Model::Declaration(ObjectId type, std::string_view name) const {
     return Bounded(TypeTextWriter(*this, *mStore).Text(type, name, 0));
 }
 

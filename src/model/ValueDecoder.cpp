@@ -146,10 +146,10 @@ std::string TextIn(std::span<const std::uint8_t> bytes) {
 
 } // namespace
 
-ValueDecoder::ValueDecoder(const DataModel& model)
+ValueDecoder::ValueDecoder(const Model& model)
     : mModel(model) {}
 
-PlaceValue ValueDecoder::InitialValue(const DataModel::Place& place) {
+PlaceValue ValueDecoder::InitialValue(const Model::Place& place) {
     const ByteSpan span = BytesOf(place, mModel.Image().byteOrder);
     const ValueOrigin origin = HasValue(place) ? OriginOf(span.address) : ValueOrigin::Unknown;
     if (origin == ValueOrigin::Unknown) {
@@ -162,8 +162,7 @@ PlaceValue ValueDecoder::InitialValue(const DataModel::Place& place) {
     return value;
 }
 
-PlaceValue ValueDecoder::Decode(const DataModel::Place& place,
-                                std::span<const std::uint8_t> bytes) {
+PlaceValue ValueDecoder::Decode(const Model::Place& place, std::span<const std::uint8_t> bytes) {
     PlaceValue value;
     const bool isWhole = bytes.size() == BytesOf(place, mModel.Image().byteOrder).size;
     if (!isWhole || !HasValue(place)) {
@@ -178,14 +177,14 @@ PlaceValue ValueDecoder::Decode(const DataModel::Place& place,
     return value;
 }
 
-bool ValueDecoder::HasValue(const DataModel::Place& place) const {
+bool ValueDecoder::HasValue(const Model::Place& place) const {
     if (place.isBitField) {
         return IsSaneBitField(place);
     }
     return IsText(place) || (place.size >= 1 && place.size <= sLargestNumber);
 }
 
-bool ValueDecoder::IsText(const DataModel::Place& place) const {
+bool ValueDecoder::IsText(const Model::Place& place) const {
     const ModelObject array = mModel.Object(mModel.WithoutTypedefs(place.type));
     if (array.id == 0 || array.kind != ObjectKind::Array || place.size < 1 ||
         place.size > kLongestText ||
@@ -212,7 +211,7 @@ ValueOrigin ValueDecoder::OriginOf(std::uint64_t address) const {
     return isCleared ? ValueOrigin::Cleared : ValueOrigin::Unknown;
 }
 
-void ValueDecoder::DecodeNumber(const DataModel::Place& place, std::span<const std::uint8_t> bytes,
+void ValueDecoder::DecodeNumber(const Model::Place& place, std::span<const std::uint8_t> bytes,
                                 PlaceValue& value) {
     const ModelObject type = mModel.Object(mModel.WithoutTypedefs(place.type));
     const bool isEnum = type.id != 0 && type.kind == ObjectKind::Enum;

@@ -49,28 +49,28 @@ struct PlaceValue {
 class BRINDLE_EXPORT ValueDecoder {
 public:
     /// @param model borrowed; must not change during the life of the decoder
-    explicit ValueDecoder(const DataModel& model);
+    explicit ValueDecoder(const Model& model);
 
     /// What a place holds when the program starts. Not to be called by several threads at once.
-    PlaceValue InitialValue(const DataModel::Place& place);
+    PlaceValue InitialValue(const Model::Place& place);
 
     /// What a place holds by bytes that the host has.
     /// @param bytes those that `BytesOf` names, in the order of their addresses; of another number
     ///     they give no value
-    PlaceValue Decode(const DataModel::Place& place, std::span<const std::uint8_t> bytes);
+    PlaceValue Decode(const Model::Place& place, std::span<const std::uint8_t> bytes);
 
 private:
     /// Names by the 32 bits that the model keeps of a value; of several the first one.
     using EnumeratorNames = std::unordered_map<std::int32_t, std::string_view>;
 
-    [[nodiscard]] bool HasValue(const DataModel::Place& place) const;
-    [[nodiscard]] bool IsText(const DataModel::Place& place) const;
+    [[nodiscard]] bool HasValue(const Model::Place& place) const;
+    [[nodiscard]] bool IsText(const Model::Place& place) const;
     [[nodiscard]] ValueOrigin OriginOf(std::uint64_t address) const;
-    void DecodeNumber(const DataModel::Place& place, std::span<const std::uint8_t> bytes,
+    void DecodeNumber(const Model::Place& place, std::span<const std::uint8_t> bytes,
                       PlaceValue& value);
     std::string_view EnumeratorOf(ObjectId type, const PlaceNumber& number);
 
-    const DataModel& mModel;
+    const Model& mModel;
     std::unordered_map<ObjectId, EnumeratorNames> mEnumerators;
 };
 

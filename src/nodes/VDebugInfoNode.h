@@ -168,6 +168,7 @@ public:
 
     /// @}
     /// @name Filling and resolving
+    /// Implemented in nodes/NodeInitialization and nodes/NodeResolution.
     /// @{
 
     /// Takes the attributes of the decoded entry. Runs once, right after construction.
@@ -270,6 +271,7 @@ public:
 
     /// @}
     /// @name Sizes and encoding
+    /// What takes more than a line is implemented in nodes/NodeResolution.
     /// @{
 
     [[nodiscard]] std::int32_t GetByteSize() const { return mByteSize; }
@@ -337,6 +339,7 @@ public:
 
     /// @}
     /// @name Delivery
+    /// Implemented in emit/EntryObjects.
     /// @{
 
     /// The host's object of this node, 0 until it is delivered.
@@ -388,6 +391,7 @@ public:
 
     /// @}
     /// @name Dump for a person
+    /// Implemented in nodes/NodeDump.
     /// @{
 
     /// Writes the lines that tell what the node knows, each behind the indent.
@@ -397,6 +401,7 @@ public:
 
     /// @}
     /// @name Marks of the search for reference cycles
+    /// The search itself is in emit/ReferenceCycles.
     /// @{
 
     /// How far the search has come with the chain that begins here.

@@ -16,14 +16,14 @@ protected:
     /// the read doesn't reach.
     void FailAllocations(const std::string& path,
                          const std::function<std::size_t(std::size_t)>& next) {
-        DataModel::DataModel undisturbed;
+        DataModel::Model undisturbed;
         ASSERT_TRUE(Read(undisturbed, path).result);
         std::size_t number = 1;
         while (FailAllocation(path, number, undisturbed) && !HasFailure()) {
             number = next(number);
         }
         EXPECT_GT(number, 100U) << "hardly any allocation was made to fail";
-        DataModel::DataModel afterwards;
+        DataModel::Model afterwards;
         EXPECT_TRUE(Read(afterwards, path).result);
         EXPECT_EQ(Variables(afterwards), Variables(undisturbed));
     }
@@ -31,12 +31,12 @@ protected:
 private:
     /// @return true if the read came to this allocation
     bool FailAllocation(const std::string& path, std::size_t number,
-                        const DataModel::DataModel& undisturbed) {
+                        const DataModel::Model& undisturbed) {
         SCOPED_TRACE("allocation " + std::to_string(number));
         const std::size_t before = LiveAllocations();
         bool hasFailed = false;
         {
-            DataModel::DataModel model;
+            DataModel::Model model;
             FaultOutcome outcome;
             {
                 const FailingAllocation failing(number);

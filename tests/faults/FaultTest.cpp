@@ -88,7 +88,7 @@ FaultTest::~FaultTest() {
     std::cout.rdbuf(mStandardOutput);
 }
 
-FaultOutcome FaultTest::Read(DataModel::DataModel& model, const std::string& path,
+FaultOutcome FaultTest::Read(DataModel::Model& model, const std::string& path,
                              const CallSink& sink) {
     FaultOutcome outcome;
     VDWARFReader reader;
@@ -124,7 +124,7 @@ FaultOutcome FaultTest::Read(DataModel::DataModel& model, const std::string& pat
     return outcome;
 }
 
-std::vector<std::string> FaultTest::Variables(const DataModel::DataModel& model) {
+std::vector<std::string> FaultTest::Variables(const DataModel::Model& model) {
     std::vector<std::string> variables;
     model.ForEach(DataModel::ObjectKind::Global, [&](const DataModel::ModelObject& variable) {
         std::ostringstream text;
@@ -134,7 +134,7 @@ std::vector<std::string> FaultTest::Variables(const DataModel::DataModel& model)
     return variables;
 }
 
-void FaultTest::QueryAll(const DataModel::DataModel& model) {
+void FaultTest::QueryAll(const DataModel::Model& model) {
     DataModel::LeafWalk leaves(model);
     for (DataModel::ObjectId id = 0; id <= model.ObjectCount() + 1; ++id) {
         const DataModel::ModelObject object = model.Object(id);
@@ -149,7 +149,7 @@ void FaultTest::QueryAll(const DataModel::DataModel& model) {
         model.ForEachIn(id, [&](const DataModel::ModelObject&) { ++children; });
         EXPECT_LE(children, model.ObjectCount());
         if (object.kind == DataModel::ObjectKind::Global) {
-            leaves.Walk(id, [](std::string_view, const DataModel::DataModel::Place&) {});
+            leaves.Walk(id, [](std::string_view, const DataModel::Model::Place&) {});
         }
     }
 }

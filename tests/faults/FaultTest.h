@@ -50,14 +50,13 @@ protected:
     /// One read into a model, with all types and every callback set. A file whose name ends in
     /// ".exe" is read as a Windows image, any other as ELF.
     /// @param sink hears of each call after the model has answered it; may be empty
-    FaultOutcome Read(DataModel::DataModel& model, const std::string& path,
-                      const CallSink& sink = {});
+    FaultOutcome Read(DataModel::Model& model, const std::string& path, const CallSink& sink = {});
 
     /// "name@address" of each variable.
-    static std::vector<std::string> Variables(const DataModel::DataModel& model);
+    static std::vector<std::string> Variables(const DataModel::Model& model);
 
     /// Asks every query of every object, so that a model that was left halfway shows it.
-    static void QueryAll(const DataModel::DataModel& model);
+    static void QueryAll(const DataModel::Model& model);
 
     /// Called by every callback of the reader; a test may throw from it.
     std::function<void()> mOnCallback;

@@ -36,7 +36,7 @@ protected:
             SCOPED_TRACE("call " + std::to_string(mFatalCall));
             const std::size_t before = LiveAllocations();
             {
-                DataModel::DataModel model;
+                DataModel::Model model;
                 const FaultOutcome outcome = Read(model, path, sink);
                 hasThrown = outcome.exception == "host";
                 QueryAll(model);
@@ -65,19 +65,19 @@ private:
 
     /// The options are texts too, and keep what they grew to.
     void LetOptionsGrow(const std::string& path) {
-        DataModel::DataModel model;
+        DataModel::Model model;
         Read(model, path);
     }
 };
 
 TEST_F(HostExceptionTest, FromEachCallOfTheDataModel) {
     const std::string path = mFolder.Write("image.elf", ImageOfEverything());
-    DataModel::DataModel before;
+    DataModel::Model before;
     Read(before, path);
     VElfOptions::mIsLogFile = 1;
     VElfOptions::mDumpProducerInfoFileName = mFolder.Path("producers.txt");
     EXPECT_GT(ThrowAtEach(path, [this](const DataModel::RecordedCall&) { Count(); }), 50);
-    DataModel::DataModel after;
+    DataModel::Model after;
     EXPECT_TRUE(Read(after, path).result);
     EXPECT_EQ(Variables(after), Variables(before));
 }

@@ -19,7 +19,7 @@ namespace {
 class SystemFaultsTest : public FaultTest {
 protected:
     FaultOutcome Read(const std::string& path) {
-        DataModel::DataModel model;
+        DataModel::Model model;
         return FaultTest::Read(model, path);
     }
 
@@ -33,7 +33,7 @@ protected:
                     std::uintmax_t length) {
         std::ofstream(path, std::ios::binary)
             .write(image.data(), static_cast<std::streamsize>(image.size()));
-        DataModel::DataModel model;
+        DataModel::Model model;
         CutRead read;
         std::size_t count = 0;
         read.outcome = FaultTest::Read(model, path, [&](const DataModel::RecordedCall&) {
@@ -99,7 +99,7 @@ TEST_F(SystemFaultsTest, FileThatShrinksDuringTheRead) {
     for (const auto& [name, content] :
          {std::pair{"image.elf", ImageOfEverything(padding)},
           std::pair{"image.exe", WindowsImageOfEverything(padding)}}) {
-        DataModel::DataModel whole;
+        DataModel::Model whole;
         const std::string path = mFolder.Write(name, content);
         ASSERT_TRUE(FaultTest::Read(whole, path).result);
         const std::vector<std::string> expected = Variables(whole);
@@ -122,7 +122,7 @@ TEST_F(SystemFaultsTest, FileThatShrinksDuringTheRead) {
 
 TEST_F(SystemFaultsTest, FullDiskChangesNothingOfTheResult) {
     const std::string path = mFolder.Write("image.elf", mImage);
-    DataModel::DataModel undisturbed;
+    DataModel::Model undisturbed;
     ASSERT_TRUE(FaultTest::Read(undisturbed, path).result);
     VElfOptions::mIsLogFile = 1;
     VElfOptions::mDumpDebugInfoNodes = 1;
@@ -132,7 +132,7 @@ TEST_F(SystemFaultsTest, FullDiskChangesNothingOfTheResult) {
     }
     for (const bool isFlushed : {false, true}) {
         VElfOptions::mLogAutoFlush = isFlushed;
-        DataModel::DataModel model;
+        DataModel::Model model;
         EXPECT_TRUE(FaultTest::Read(model, path).result);
         EXPECT_EQ(Variables(model), Variables(undisturbed));
         EXPECT_EQ(model.ObjectCount(), undisturbed.ObjectCount());

@@ -36,7 +36,7 @@ void Expect(bool condition, const char* statement) {
 }
 
 std::vector<std::uint64_t> Addresses(const std::string& file) {
-    DataModel::DataModel model;
+    DataModel::Model model;
     const DataModel::Factory::CurrentDataModel current(model);
     Reader::DWARF::VDWARFReader reader;
     Expect(reader.Read(file, Reader::DWARF::DWARFContainerType::Container_ELF), "the file is read");
@@ -69,7 +69,7 @@ void CheckOptions(const std::string& file) {
 void CheckException(const std::string& file) {
     Reader::DWARF::VDWARFReader reader;
     reader.SetProgressTextCallback = [](const std::string& phase) { throw Interruption{phase}; };
-    DataModel::DataModel model;
+    DataModel::Model model;
     const DataModel::Factory::CurrentDataModel current(model);
     bool isCaught = false;
     try {
@@ -81,12 +81,12 @@ void CheckException(const std::string& file) {
 }
 
 void CheckTypes() {
-    DataModel::DataModel model;
+    DataModel::Model model;
     DataModel::RecordingDataModel recorder(model);
     const DataModel::Factory::CurrentDataModel current(recorder);
     DataModel::Factory::HostDataModel* known = DataModel::Factory::CurrentDataModel::Get();
     Expect(dynamic_cast<DataModel::RecordingDataModel*>(known) == &recorder &&
-               dynamic_cast<DataModel::DataModel*>(known) == nullptr,
+               dynamic_cast<DataModel::Model*>(known) == nullptr,
            "the types of models are the same on both sides");
 }
 

@@ -65,7 +65,7 @@ public:
         return mModel.CreateGlobalData(name, type, address, scope, true, 0, false);
     }
 
-    DataModel::DataModel mModel;
+    DataModel::Model mModel;
 };
 
 } // namespace Tessel::Norn::Brindle::Tests

@@ -61,7 +61,7 @@ ReadRun ReadFile(const std::string& path, Reader::DWARF::DWARFContainerType cont
 ReadRun ReadFileUncaptured(const std::string& path, Reader::DWARF::DWARFContainerType container,
                            bool allTypes) {
     ReadRun run;
-    run.model = std::make_unique<DataModel::DataModel>();
+    run.model = std::make_unique<DataModel::Model>();
     DataModel::RecordingDataModel recorder(*run.model);
     const DataModel::Factory::CurrentDataModel current(recorder);
     Reader::DWARF::VDWARFReader reader;

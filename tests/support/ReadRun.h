@@ -27,7 +27,7 @@ struct ReadRun {
     std::vector<std::string> progress;
     /// Texts of the reader's remarks.
     std::vector<std::string> remarks;
-    std::unique_ptr<DataModel::DataModel> model;
+    std::unique_ptr<DataModel::Model> model;
 
     /// "name@address:size" for each variable in the order of delivery, the address hexadecimal.
     [[nodiscard]] std::vector<std::string> Variables() const;
