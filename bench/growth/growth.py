@@ -3,7 +3,7 @@
 
 For each case: bytes of the largest input, time and memory of its read, each for one byte of input too,
 and the exponent of growth from n to 4n; 1 is proportional. The costs of the program's commands are measured
-in the same way, against input and output together. The result is the table of docs/reliability.md.
+in the same way, against input and output together. The results are the tables of docs/growth-measurements.md.
 
 Exit status 1 if a cost passes the bounds of that page, or grows faster than the input beyond what the noise of
 the measurement explains.

@@ -40,7 +40,8 @@ class DocumentationTest(unittest.TestCase):
         self.assertGreater(count, 5)
 
     def test_links_lead_to_files(self):
-        for page in [*PAGES, "CONTRIBUTING.md", "docs/architecture.md"]:
+        pages = ["CONTRIBUTING.md", "SECURITY.md", *(str(path.relative_to(SOURCE)) for path in SOURCE.glob("docs/*.md"))]
+        for page in dict.fromkeys([*PAGES, *pages]):
             path = SOURCE / page
             for target in re.findall(r"\]\(([^)#:]+)\)", path.read_text()):
                 with self.subTest(page=page, target=target):
