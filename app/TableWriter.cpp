@@ -82,6 +82,7 @@ public:
             return;
         }
         HideColumnsWithoutChanges();
+        LeaveOutColumns();
         FitWidths();
         std::string line;
         std::size_t start = 0;
@@ -145,6 +146,44 @@ private:
     /// A screen's lines are cut, so that no text can stand out.
     [[nodiscard]] std::size_t WidestColumn() const { return std::max(sWidestColumn, mStyle.width); }
 
+    /// How narrow a column can get.
+    [[nodiscard]] std::size_t LeastWidth(std::size_t column) const {
+        return mColumns[column].isNumber ? mWidths[column]
+                                         : std::min(mWidths[column], mColumns[column].leastWidth);
+    }
+
+    /// Leaves out whole columns where even the narrowest don't fit the screen: a part of a name
+    /// still says something, a part of an address misleads. Side notes go first, then what stands
+    /// right of the name, then the texts left of it.
+    void LeaveOutColumns() {
+        std::size_t least = 0;
+        std::size_t name = 0;
+        for (std::size_t column = 0; column < mColumns.size(); ++column) {
+            least += mWidths[column] == 0 ? 0 : LeastWidth(column) + sColumnGap.size();
+            name = mColumns[column].leastWidth == sLeastNameWidth ? column : name;
+        }
+        const auto leaveOut = [&](std::size_t column, bool isWanted) {
+            const bool isTooWide = mStyle.width != 0 && least > mStyle.width + sColumnGap.size();
+            if (isTooWide && isWanted && mWidths[column] != 0) {
+                least -= LeastWidth(column) + sColumnGap.size();
+                mWidths[column] = 0;
+                mLacksColumns = true;
+            }
+        };
+        for (std::size_t column = mColumns.size(); column-- > 0;) {
+            leaveOut(column, mColumns[column].isSideNote);
+        }
+        for (std::size_t column = mColumns.size(); column-- > 0;) {
+            leaveOut(column, column > name || (column < name && !mColumns[column].isNumber));
+        }
+    }
+
+    /// A name may stay twice as wide as other texts: it says which row this is.
+    [[nodiscard]] std::size_t WeighedWidth(std::size_t column) const {
+        const bool isName = mColumns[column].leastWidth == sLeastNameWidth;
+        return isName ? mWidths[column] / 2 : mWidths[column];
+    }
+
     /// Makes the texts narrower, the widest first, until a line fits the screen or none can give
     /// more.
     void FitWidths() {
@@ -157,7 +196,8 @@ private:
             for (std::size_t column = 0; column < mColumns.size(); ++column) {
                 const bool canGive =
                     !mColumns[column].isNumber && mWidths[column] > mColumns[column].leastWidth;
-                if (canGive && (widest == mColumns.size() || mWidths[column] > mWidths[widest])) {
+                if (canGive &&
+                    (widest == mColumns.size() || WeighedWidth(column) > WeighedWidth(widest))) {
                     widest = column;
                 }
             }
@@ -205,6 +245,11 @@ private:
         const bool isColoured = mStyle.isColoured && !code.empty();
         mOutput.Write(isColoured ? code : std::string_view());
         mOutput.Write(FittingPart(line));
+        if (isHeading && mLacksColumns &&
+            DisplayWidth(line) + 1 + DisplayWidth(mStyle.ellipsis) <= mStyle.width) {
+            mOutput.Put(' ');
+            mOutput.Write(mStyle.ellipsis);
+        }
         mOutput.Write(isColoured ? sEndCode : std::string_view());
         mOutput.Put('\n');
     }
@@ -225,6 +270,7 @@ private:
     /// One for each row, the heading included.
     std::vector<RowColour> mColours;
     bool mHasRows = false;
+    bool mLacksColumns = false;
     bool mIsHeadingDue = true;
 };
 

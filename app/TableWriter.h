@@ -43,6 +43,8 @@ struct Column {
     std::size_t leastWidth = sLeastWidth;
     /// Left out of a table where it has in every row what the column before it has.
     bool isOnlyForChanges = false;
+    /// The first to be left out of a table that is too wide for the screen.
+    bool isSideNote = false;
 };
 
 /// An address: hexadecimal with at least 8 digits, in JSON a number.
