@@ -3,10 +3,12 @@
 #include "Message.h"
 #include "NearNames.h"
 #include "OptionList.h"
+#include "Phrases.h"
 #include "ProgramVersion.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 #include "Terminal.h"
+#include "WrappedText.h"
 
 #include <algorithm>
 #include <iostream>
@@ -24,11 +26,36 @@ bool IsOption(const std::string& argument) {
     return argument.size() > 1 && argument.front() == '-';
 }
 
+/// The language that the arguments ask for, known before the parser finds faults in them.
+MessageLanguage LanguageOf(const std::vector<std::string>& arguments) {
+    constexpr std::string_view option = "--language";
+    std::string_view value;
+    for (auto word = arguments.begin(); word != arguments.end() && *word != "--"; ++word) {
+        const std::string_view text = *word;
+        if (text.starts_with(option) && text.substr(option.size()).starts_with('=')) {
+            value = text.substr(option.size() + 1);
+        } else if (text == option && word + 1 != arguments.end()) {
+            value = *(word + 1);
+        }
+    }
+    return value == "49" ? MessageLanguage::German : MessageLanguage::English;
+}
+
 /// The name of a command with that of its group.
 std::string FullName(const CLI::App& command) {
     const CLI::App* const group = command.get_parent();
     const bool isInGroup = group != nullptr && group->get_parent() != nullptr;
     return (isInGroup ? group->get_name() + " " : "") + command.get_name();
+}
+
+/// Help as wide as the screen, but no wider than reads with ease. Where there is no screen, lists
+/// keep their lines, from which shells complete.
+std::string Fitted(std::string_view help) {
+    constexpr std::size_t sWidest = 100;
+    constexpr std::size_t sWithoutScreen = 80;
+    const std::size_t screen = StandardOutputWidth();
+    return screen == 0 ? Wrapped(help, sWithoutScreen, WrappedLines::Paragraphs)
+                       : Wrapped(help, std::min(screen, sWidest));
 }
 
 std::string UnknownOptionProblem(const CLI::App& command, const std::string& argument) {
@@ -39,7 +66,7 @@ std::string UnknownOptionProblem(const CLI::App& command, const std::string& arg
             near.Offer("--" + known);
         }
     }
-    return FullName(command) + " has no option '" + name + "'" + near.Text();
+    return Phrased("{} has no option '{}'", FullName(command), name) + near.Text();
 }
 
 bool HasCommand(const CLI::App& program, std::string_view name) {
@@ -53,7 +80,7 @@ std::string UnknownCommandProblem(const CLI::App& program, const std::string& ar
     for (const CLI::App* command : program.get_subcommands({})) {
         near.Offer(command->get_name());
     }
-    return "there is no command '" + argument + "'" + near.Text();
+    return Phrased("there is no command '{}'", argument) + near.Text();
 }
 
 } // namespace
@@ -64,7 +91,7 @@ CommandLine::CommandLine()
     mProgram.set_version_flag("-V,--version", ProgramVersion(), "Print the version and exit");
     mProgram.add_flag_callback(
         "--list-options", [this] { mChosenAction = ListReaderOptions; },
-        "List the options of the reader, which --set takes");
+        "List the options of the reader, for --set");
     mProgram.require_subcommand(0, 1);
     mProgram.allow_windows_style_options(false);
     mProgram.get_formatter()->label("SUBCOMMAND", "COMMAND ...");
@@ -72,8 +99,8 @@ CommandLine::CommandLine()
     mProgram.get_formatter()->label("REQUIRED", "(required)");
     mProgram.footer(
         "Results go to standard output, progress and messages to standard error.\n"
-        "Exit status: 0 success, 1 a read failed, nothing matches or an expression does not "
-        "resolve,\n2 wrong usage; 'diff --exit-code' has its own.\n"
+        "Exit status: 0 success; 1 a read failed, nothing matches, or an expression does not "
+        "resolve; 2 wrong usage. 'diff --exit-code' has its own.\n"
         "'brindle help COMMAND' shows the options of a command and an example.");
 }
 
@@ -96,7 +123,7 @@ CLI::App& CommandLine::AddCommandTo(CLI::App& group, const CommandDescription& d
     command.footer((description.details.empty() ? "" : description.details + "\n\n") +
                    "Example:\n  " + description.example);
     AddChoiceArgument(command, "--color", mColours, {"auto", "always", "never"},
-                      "Use colours; auto does so on a terminal, unless NO_COLOR is set");
+                      "Use colours; auto: on a terminal, unless NO_COLOR is set");
     command.callback([this, action = std::move(action)] { mChosenAction = action; });
     return command;
 }
@@ -115,7 +142,7 @@ ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) 
     std::string fullName = mProgram.get_name();
     for (const std::string& name : names) {
         if (!HasCommand(*command, name)) {
-            return EndWrongUsage(UnknownCommandProblem(*command, name));
+            return EndWrongUsage(UnknownCommandProblem(*command, name), command);
         }
         command = command->get_subcommand(name);
         fullName.append(" ").append(name);
@@ -123,7 +150,7 @@ ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) 
     // The program's own help is that of the command that was called.
     std::string text =
         command->get_formatter()->make_help(command, fullName, CLI::AppFormatMode::Normal);
-    output.Write(text.append(text.ends_with('\n') ? "" : "\n"));
+    output.Write(Fitted(text.append(text.ends_with('\n') ? "" : "\n")));
     return ExitStatus::Success;
 }
 
@@ -147,6 +174,7 @@ void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
 
 ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, ResultOutput& output) {
     Arguments words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
+    ChooseMessageLanguage(LanguageOf(words));
     MoveOptionsBehindCommand(words);
     // The parser would look for a command behind a word that is none.
     const CLI::App* group = &mProgram;
@@ -155,7 +183,7 @@ ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, Res
             break;
         }
         if (!HasCommand(*group, word)) {
-            return EndWrongUsage(UnknownCommandProblem(*group, word));
+            return EndWrongUsage(UnknownCommandProblem(*group, word), group);
         }
         group = group->get_subcommand(word);
     }
@@ -165,7 +193,7 @@ ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, Res
         mProgram.parse(words);
         ChooseColours(ColourChoiceOf(mColours));
         if (!mChosenAction) {
-            throw CLI::RequiredError("a command");
+            throw CLI::RequiredError(Phrased("a command"));
         }
     } catch (const CLI::ParseError& error) {
         return EndParsing(error, output);
@@ -177,17 +205,17 @@ ExitStatus CommandLine::EndParsing(const CLI::ParseError& error, ResultOutput& o
     if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
         std::ostringstream result;
         mProgram.exit(error, result, std::cerr);
-        output.Write(result.view());
+        output.Write(Fitted(result.view()));
         return ExitStatus::Success;
     }
-    return EndWrongUsage(UsageProblem(error));
+    return EndWrongUsage(UsageProblem(error), ChosenCommand());
 }
 
-ExitStatus CommandLine::EndWrongUsage(const std::string& problem) const {
-    const CLI::App* const command = ChosenCommand();
+ExitStatus CommandLine::EndWrongUsage(const std::string& problem, const CLI::App* command) {
     Tell(problem);
-    std::cerr << "Try 'brindle " << (command == nullptr ? "" : FullName(*command) + " ")
-              << "--help'.\n";
+    const bool hasName = command != nullptr && command->get_parent() != nullptr;
+    std::cerr << Phrased("Try 'brindle {}--help'.", hasName ? FullName(*command) + " " : "")
+              << '\n';
     return ExitStatus::WrongUsage;
 }
 
@@ -195,10 +223,13 @@ std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
         // Of an option that is given twice the later value counts, so that one has none.
         const std::string text = error.what();
-        return text.substr(0, text.find(':')) + " needs a value";
+        return Phrased("{} needs a value", text.substr(0, text.find(':')));
     }
     if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) {
-        return error.what();
+        const std::string_view text = error.what();
+        // What is said of a pattern names the text itself.
+        constexpr std::string_view pattern = "PATTERN: ";
+        return Translated(text.substr(text.starts_with(pattern) ? pattern.size() : 0));
     }
     const CLI::App* const command = ChosenCommand();
     const std::vector<std::string> unknown = mProgram.remaining(true);
@@ -210,7 +241,7 @@ std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
         return error.what();
     }
     const std::string problem = SecondImageProblem(unknown.front());
-    return problem.empty() ? "unexpected argument '" + unknown.front() + "'" : problem;
+    return problem.empty() ? Phrased("unexpected argument '{}'", unknown.front()) : problem;
 }
 
 const CLI::App* CommandLine::ChosenCommand() const {

@@ -56,7 +56,8 @@ private:
     ExitStatus WriteHelp(const Arguments& names, ResultOutput& output) const;
     void MoveOptionsBehindCommand(Arguments& arguments) const;
     ExitStatus EndParsing(const CLI::ParseError& error, ResultOutput& output) const;
-    [[nodiscard]] ExitStatus EndWrongUsage(const std::string& problem) const;
+    /// @param command whose help the user is sent to; null, or the program, for that of all
+    static ExitStatus EndWrongUsage(const std::string& problem, const CLI::App* command);
     [[nodiscard]] std::string UsageProblem(const CLI::ParseError& error) const;
     [[nodiscard]] const CLI::App* ChosenCommand() const;
 

@@ -4,6 +4,7 @@
 #include "FullDemangling.h"
 #include "InputLines.h"
 #include "Message.h"
+#include "Phrases.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 
@@ -62,7 +63,7 @@ void WriteName(const std::string& name, const VDemanglingOptions& options, Resul
     output.Write(plain.text);
     output.Put('\n');
     if (plain.isCut) {
-        Tell("'" + name + "' is cut; --full writes all of an Itanium name");
+        Tell(Phrased("'{}' is cut; --full writes all of an Itanium name", name));
     }
 }
 
@@ -85,24 +86,23 @@ ExitStatus RunDemangle(const DemangleArguments& arguments, ResultOutput& output)
 void AddDemangleCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<DemangleArguments>();
     CLI::App& command = commandLine.AddCommand(
-        {"demangle", "Write the plain qualified name of each symbol name, one a line",
+        {"demangle", "Print the readable name of each mangled one, one per line",
          "brindle demangle --full _ZN5plant6DeviceIiE6sCountE",
-         "A plain name has no parameters and ends where template arguments begin, as the reader "
-         "delivers it;\na name that is cut is told on standard error."},
+         "Names are printed as the reader delivers them: without parameters, and cut where "
+         "template arguments begin. Standard error says which names are cut."},
         [arguments](ResultOutput& output) { return RunDemangle(*arguments, output); });
     command
         .add_option("NAME", arguments->names,
-                    "The names; one that is not mangled is written as the reader delivers it; '-' "
-                    "stands for the lines of standard input")
+                    "Mangled names; others are printed as the reader delivers them; - reads names "
+                    "from standard input, one per line")
         ->required()
         ->type_name("");
-    CLI::Option* const itanium =
-        command.add_flag("--itanium", arguments->itanium,
-                         "The names are in the style of the Itanium ABI, which begin with _Z");
+    CLI::Option* const itanium = command.add_flag(
+        "--itanium", arguments->itanium, "The names follow the Itanium ABI and begin with _Z");
     command
         .add_flag("--full", arguments->isFull,
-                  "Write all of each name of the Itanium ABI, with template arguments and "
-                  "parameters, and any other name as it is")
+                  "Print names of the Itanium ABI in full, with template arguments and "
+                  "parameters, and other names as they are")
         ->excludes(itanium);
     AddReaderOptionArgument(command);
 }

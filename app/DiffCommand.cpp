@@ -8,6 +8,7 @@
 #include "Message.h"
 #include "ModelComparison.h"
 #include "NearObjects.h"
+#include "Phrases.h"
 #include "PlaceTable.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
@@ -69,9 +70,9 @@ void TellCuts(const std::string& file, const DataModel::LeafCuts& cuts,
     }
 }
 
-void TellMissing(const std::string& file, const ReadResult& result, const std::string& change) {
+void TellMissing(const std::string& file, const ReadResult& result, Phrase consequence) {
     if (!result.isOk) {
-        Tell(file, "not read to its end, so nothing is told of variables that " + change);
+        Tell(file, Phrased(consequence));
     }
 }
 
@@ -81,13 +82,15 @@ std::optional<NameFilter> ChooseFilter(const DiffArguments& arguments, const Bui
     NameFilter chosen;
     const PatternArguments& names = arguments.names;
     const bool hasMatch = ListByPattern(
-        names, arguments.newFile, "variables and leaves", [&](const NameFilter& filter) {
+        names, arguments.newFile,
+        "no exact match for '{}'; listing the variables and leaves whose names contain it",
+        [&](const NameFilter& filter) {
             chosen = filter;
             return filter.TakesAll() || HasMatch(builds.oldModel, filter, arguments.limits) ||
                    HasMatch(builds.newModel, filter, arguments.limits);
         });
     if (!hasMatch && builds.AreComplete()) {
-        Tell("no variable or leaf of the two files matches '" + names.pattern + "'" +
+        Tell(Phrased("no variable or leaf of the two files matches '{}'", names.pattern) +
              NearVariables(builds.newModel, names.pattern));
     }
     return hasMatch ? std::optional(chosen) : std::nullopt;
@@ -98,8 +101,9 @@ void WriteResult(const DiffArguments& arguments, const Builds& builds,
                  const DifferenceResult& result, ResultOutput& output) {
     if (TableFormatOf(arguments.format) != TableFormat::Json) {
         output.Sync();
-        Tell(SummaryText(result.summary, arguments.hasSymbols) +
-             (builds.AreComplete() ? "" : ", as far as the files were read"));
+        const std::string summary = SummaryText(result.summary, arguments.hasSymbols);
+        Tell(builds.AreComplete() ? summary
+                                  : Phrased("{}, as far as the files were read", summary));
         return;
     }
     WriteDiffEnd(builds.AreComplete(), result.summary, output);
@@ -118,8 +122,10 @@ ExitStatus DiffStatus(const DiffArguments& arguments, const Builds& builds,
 
 ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
     const Builds builds(arguments);
-    TellMissing(arguments.oldFile, builds.oldResult, "appeared");
-    TellMissing(arguments.newFile, builds.newResult, "vanished");
+    TellMissing(arguments.oldFile, builds.oldResult,
+                "not read to its end: variables that appeared are not listed");
+    TellMissing(arguments.newFile, builds.newResult,
+                "not read to its end: variables that vanished are not listed");
     const std::optional<NameFilter> filter = ChooseFilter(arguments, builds);
     ComparisonScope scope;
     scope.limits = arguments.limits;
@@ -163,7 +169,7 @@ ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
         return status;
     } catch (const OutputError& error) {
         if (!error.IsReaderGone()) {
-            Tell(error.what());
+            Tell(error);
         }
     } catch (const std::exception& error) {
         Tell(error.what());
@@ -176,11 +182,13 @@ ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
 void AddDiffCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<DiffArguments>();
     CLI::App& command = commandLine.AddCommand(
-        {"diff", "Tell what has changed from one build to the next, variable by variable",
+        {"diff", "Show what changed between two builds, variable by variable",
          "brindle diff --format csv old.elf new.elf 'motor*'",
-         "A row for each variable that appeared, vanished, moved, was resized or retyped, and for "
-         "each leaf of\nwhich this is true within its variable. A summary goes to standard error. "
-         "The exit status is 0 with\ndifferences too, unless --exit-code is given."},
+         "One row for each variable that appeared, vanished, moved, was resized or retyped, and "
+         "for "
+         "each leaf that changed within its variable: a variable that only moved is one row. A "
+         "summary goes to standard error. Differences leave the exit status at 0, unless "
+         "--exit-code is given."},
         [arguments](ResultOutput& output) { return RunDiff(*arguments, output); });
     command.add_option("OLD", arguments->oldFile, "The file of the earlier build")
         ->required()

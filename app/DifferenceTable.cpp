@@ -1,6 +1,7 @@
 #include "DifferenceTable.h"
 
 #include "ModelComparison.h"
+#include "Phrases.h"
 #include "SymbolScope.h"
 #include "TableWriter.h"
 
@@ -25,7 +26,7 @@ constexpr std::array sColumns = {Column{"change"},
                                  Column{"newBitOffset", true, true},
                                  Column{"oldBitSize", true, true},
                                  Column{"newBitSize", true, true},
-                                 Column{"compileUnit"}};
+                                 Column{.name = "compileUnit", .isSideNote = true}};
 
 /// What happened, as words joined by "+".
 std::string ChangeText(const Difference& difference) {
@@ -153,22 +154,22 @@ DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
 
 std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols) {
     std::string text;
-    const auto add = [&text](std::uint64_t count, std::string_view thing, std::string_view ending) {
+    const auto add = [&text](std::uint64_t count, Phrase one, Phrase several) {
         if (count != 0) {
-            text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(" ");
-            text.append(thing).append(count == 1 || thing.ends_with('s') ? "" : "s").append(ending);
+            text.append(text.empty() ? "" : ", ").append(PhrasedCount(count, one, several));
         }
     };
-    add(summary.appeared, "variable", " appeared");
-    add(summary.vanished, "variable", " vanished");
-    add(summary.moved, "variable", " moved");
-    add(summary.changed, "variable", " changed");
-    add(summary.leaves, summary.leaves == 1 ? "leaf" : "leaves", " changed");
-    add(summary.symbols, "symbol",
-        hasSymbols ? " without debug information changed"
-                   : " without debug information changed "
-                     "(--symbols lists them)");
-    return text.empty() ? "no differences" : text;
+    add(summary.appeared, "{} variable appeared", "{} variables appeared");
+    add(summary.vanished, "{} variable vanished", "{} variables vanished");
+    add(summary.moved, "{} variable moved", "{} variables moved");
+    add(summary.changed, "{} variable changed", "{} variables changed");
+    add(summary.leaves, "{} leaf changed", "{} leaves changed");
+    add(summary.symbols, "{} symbol without debug information changed",
+        "{} symbols without debug information changed");
+    if (summary.symbols != 0 && !hasSymbols) {
+        text = Phrased("{} (--symbols lists them)", text);
+    }
+    return text.empty() ? Phrased("no differences") : text;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

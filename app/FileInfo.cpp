@@ -1,5 +1,7 @@
 #include "FileInfo.h"
 
+#include "Phrases.h"
+
 #include "model/DataModel.h"
 
 #include <string_view>
@@ -30,11 +32,12 @@ std::vector<std::string> NotesOf(const FileInfo& info) {
     }
     const bool hasUnits = !result.facts.Units().empty() || result.facts.TypeUnits() != 0;
     if (result.isOk && !info.HasContents()) {
-        notes.emplace_back("a file of another kind: it has neither sections in memory nor symbols");
+        notes.push_back(Phrased("a file of another kind, or damaged: it has neither sections in "
+                                "memory nor symbols"));
     } else if (result.isOk && notes.empty() && !hasUnits) {
-        notes.emplace_back("no debug information: variables come from the symbol table, without "
-                           "types; compile and link with -g, and read the file before it is "
-                           "stripped");
+        notes.push_back(Phrased("no debug information: variables come from the symbol table, "
+                                "without types; compile and link with -g, and read the file "
+                                "before it is stripped"));
     }
     return notes;
 }

@@ -5,6 +5,8 @@
 #include "PlainText.h"
 #include "ResultOutput.h"
 #include "TableWriter.h"
+#include "Terminal.h"
+#include "WrappedText.h"
 
 #include <array>
 #include <string_view>
@@ -21,8 +23,10 @@ std::string Counted(std::uint64_t count, std::string_view one, std::string_view 
 
 class InfoLines {
 public:
-    explicit InfoLines(ResultOutput& output)
-        : mOutput(output) {}
+    /// @param width columns of the screen, 0 for no limit
+    InfoLines(ResultOutput& output, std::size_t width)
+        : mOutput(output)
+        , mWidth(width) {}
 
     /// A label of several lines stands in front of the first one.
     void Add(std::string_view label, std::string text) {
@@ -30,12 +34,14 @@ public:
         std::string line = "  ";
         line.append(label == mLabel ? std::string_view() : label);
         line.resize(2 + sLabelWidth, ' ');
-        mOutput.Write(line.append(text).append("\n"));
+        line.append(text).append("\n");
+        mOutput.Write(mWidth == 0 ? line : Wrapped(line, mWidth));
         mLabel = label;
     }
 
 private:
     ResultOutput& mOutput;
+    std::size_t mWidth;
     std::string_view mLabel;
 };
 
@@ -95,20 +101,20 @@ void AddFacts(const FileInfo& info, InfoLines& lines) {
     const std::string ofSymbols =
         info.symbolVariables == 0
             ? ""
-            : ", of which the symbol table alone tells " + std::to_string(info.symbolVariables);
+            : ", of which " + std::to_string(info.symbolVariables) + " only in the symbol table";
     lines.Add("variables", std::to_string(info.variables) + ofSymbols);
     for (const std::string& note : info.notes) {
         lines.Add("not read", note);
     }
     if (!info.result.isOk) {
-        lines.Add("not read", info.result.error);
+        lines.Add("not read", info.result.message);
     }
 }
 
 void WriteSections(const DataModel::ImageDescription& image, ResultOutput& output) {
     constexpr std::array sColumns = {Column{"address", true}, Column{"size", true}, Column{"kind"},
                                      Column{"section"}};
-    const auto table = MakeTableWriter(TableFormat::Table, sColumns, output);
+    const auto table = MakeTableWriter(TableFormat::Table, sColumns, output, StandardOutputStyle());
     for (const DataModel::ImageSection& section : image.sections) {
         table->AddRow(std::array<Cell, sColumns.size()>{Address{section.address}, section.size,
                                                         SectionKindName(section.kind),
@@ -123,9 +129,9 @@ void WriteInfoText(const FileInfo& info, ResultOutput& output) {
     std::string heading = info.file;
     ReplaceControlCharacters(heading);
     output.Write(heading.append("\n"));
-    InfoLines lines(output);
+    InfoLines lines(output, StandardOutputWidth());
     if (info.image.path.empty()) {
-        lines.Add("not read", info.result.error);
+        lines.Add("not read", info.result.message);
         return;
     }
     AddFacts(info, lines);

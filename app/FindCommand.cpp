@@ -1,5 +1,6 @@
 // The command `find`: address, size and type of what expressions lead to, and what lies at
 // addresses.
+#include "ChosenColumns.h"
 #include "CommandLine.h"
 #include "Commands.h"
 #include "FindTable.h"
@@ -8,7 +9,6 @@
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "TableWriter.h"
-#include "ValuesArgument.h"
 
 #include "model/DataModel.h"
 
@@ -25,7 +25,7 @@ struct FindArguments {
     ReadArguments read;
     std::string file;
     std::vector<std::string> queries;
-    bool hasValues = false;
+    ChosenColumns columns;
     std::string format = "table";
 };
 
@@ -33,11 +33,11 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
     DataModel::Model model;
     const ReadResult result = ReadSession(arguments.read).Read(arguments.file, model);
     const ExitStatus status = ReportResult(arguments.file, result);
-    const std::vector<Column> columns = FindColumns(arguments.hasValues);
+    const std::vector<Column> columns = FindColumns(arguments.columns);
     const auto table =
         MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const std::vector<std::string> problems =
-        WriteFound(model, WithInputLines(arguments.queries, std::cin), arguments.hasValues, *table);
+        WriteFound(model, WithInputLines(arguments.queries, std::cin), arguments.columns, *table);
     if (HasDelivered(result, model)) {
         for (const std::string& problem : problems) {
             Tell(arguments.file, problem);
@@ -51,20 +51,21 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
 void AddFindCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<FindArguments>();
     CLI::App& command = commandLine.AddCommand(
-        {"find", "Tell what expressions lead to and what lies at addresses",
+        {"find", "Find where an expression leads, or what lies at an address",
          "brindle find firmware.elf 'motors[1].loops[0].gain' 0x20000058",
-         "An address gives a row for each place that holds the byte; offset tells where in it. "
-         "Several\nmembers of a union may hold it. What leads nowhere is told on standard error, "
-         "with how far it got;\nthe exit status is then 1."},
+         "An address gives a row for each place that holds the byte, with the byte's offset in it; "
+         "several members of a union may hold it. For an expression or address that leads nowhere, "
+         "standard error says how far it got, and the exit status is 1."},
         [arguments](ResultOutput& output) { return RunFind(*arguments, output); });
     AddFileArgument(command, arguments->file);
     command
         .add_option("EXPR", arguments->queries,
-                    "Variables by name, with members and elements: motor.pid[2].gain; or addresses "
-                    "with 0x in front; '-' stands for the lines of standard input")
+                    "Variables with members and elements, such as motor.pid[2].gain, or "
+                    "hexadecimal addresses, such as 0x20000058; - reads them from standard input, "
+                    "one per line")
         ->required()
         ->type_name("");
-    AddValuesArgument(command, arguments->hasValues);
+    AddColumnArguments(command, arguments->columns);
     AddReadArguments(command, arguments->read);
     AddFormatArgument(command, arguments->format);
 }

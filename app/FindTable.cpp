@@ -1,6 +1,8 @@
 #include "FindTable.h"
 
+#include "ChosenColumns.h"
 #include "NearObjects.h"
+#include "Phrases.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
 #include "UnitPaths.h"
@@ -33,7 +35,7 @@ constexpr std::array sColumns = {Column{"query", false, true},
                                  Column{"offset", true, true},
                                  Column{"bitOffset", true, true},
                                  Column{"bitSize", true, true},
-                                 Column{"compileUnit"}};
+                                 Column{.name = "compileUnit", .isSideNote = true}};
 
 bool IsAddress(std::string_view query) {
     return !query.empty() && query.front() >= '0' && query.front() <= '9';
@@ -51,17 +53,24 @@ std::optional<std::uint64_t> ParseAddress(std::string_view text) {
     return isNumber ? std::optional(address) : std::nullopt;
 }
 
-std::string Bytes(std::uint64_t count) {
-    return std::to_string(count).append(count == 1 ? " byte" : " bytes");
+/// How far before an address a variable ends.
+std::string EndText(std::string_view variable, std::uint64_t distance) {
+    if (distance > 1) {
+        return Phrased("; '{}' ends {} bytes before", variable, std::to_string(distance));
+    }
+    return Phrased(distance == 0 ? Phrase("; '{}' ends just before")
+                                 : Phrase("; '{}' ends 1 byte before"),
+                   variable);
 }
 
 class FindRows {
 public:
-    FindRows(const Model& model, bool hasValues, TableWriter& table)
+    FindRows(const Model& model, const ChosenColumns& chosen, TableWriter& table)
         : mModel(model)
         , mTable(table)
+        , mHasSections(chosen.hasSections)
         , mTypeTexts(model) {
-        if (hasValues) {
+        if (chosen.hasValues) {
             mValues.emplace(model);
         }
     }
@@ -96,18 +105,18 @@ private:
     [[nodiscard]] std::string ProblemOf(const std::string& expression,
                                         const Model::PathResult& result) const {
         if (result.resolvedLength == 0) {
-            return result.problem + NearVariables(mModel, expression);
+            return Translated(result.problem) + NearVariables(mModel, expression);
         }
         const std::string resolved = expression.substr(0, result.resolvedLength);
-        return "resolves up to '" + resolved + "', then " + result.problem +
+        return Phrased("resolves up to '{}', then {}", resolved, Translated(result.problem)) +
                NearMembers(mModel, resolved, std::string_view(expression).substr(resolved.size()));
     }
 
     void AddAddress(const std::string& query) {
         const std::optional<std::uint64_t> address = ParseAddress(query);
         if (!address) {
-            mProblems.push_back("'" + query +
-                                "': an address is a hexadecimal number with 0x in front");
+            mProblems.push_back("'" + query + "': " +
+                                Phrased("an address is a hexadecimal number that begins with 0x"));
             return;
         }
         if (!mLookup) {
@@ -124,16 +133,15 @@ private:
 
     /// Why an address leads to no variable, and what lies near.
     [[nodiscard]] std::string Surroundings(std::uint64_t address) const {
-        std::string text = "no variable lies here";
+        std::string text = Phrased("no variable lies here");
         const ModelObject before = mModel.Object(mLookup->NearestBefore(address));
         const ImageSection* const section = mModel.Image().SectionAt(address);
         if (section != nullptr) {
-            text += ", in section " + section->name;
+            text += Phrased(", in section {}", section->name);
         }
         if (before.id != 0 && mModel.Image().SectionAt(before.address) == section) {
-            const std::uint64_t distance = address - before.address - mModel.SizeOf(before.id);
-            text += "; '" + mModel.QualifiedName(before.id) + "' ends " +
-                    (distance == 0 ? "just" : Bytes(distance)) + " before";
+            text += EndText(mModel.QualifiedName(before.id),
+                            address - before.address - mModel.SizeOf(before.id));
         }
         return text;
     }
@@ -153,6 +161,9 @@ private:
             mRow[6] = std::uint64_t{place.bitOffset};
             mRow[7] = place.bitSize;
         }
+        if (mHasSections) {
+            mRow.push_back(SectionCell(mModel, place.address));
+        }
         if (mValues) {
             const auto cells = mValues->Of(place);
             mRow.insert(mRow.end(), cells.begin(), cells.end());
@@ -162,6 +173,7 @@ private:
 
     const Model& mModel;
     TableWriter& mTable;
+    bool mHasSections;
     TypeTexts mTypeTexts;
     std::optional<ValueCells> mValues;
     std::vector<Cell> mRow;
@@ -172,17 +184,15 @@ private:
 
 } // namespace
 
-std::vector<Column> FindColumns(bool hasValues) {
+std::vector<Column> FindColumns(const ChosenColumns& chosen) {
     std::vector<Column> columns(sColumns.begin(), sColumns.end());
-    if (hasValues) {
-        columns.insert(columns.end(), sValueColumns.begin(), sValueColumns.end());
-    }
+    AddChosenColumns(chosen, columns);
     return columns;
 }
 
 std::vector<std::string> WriteFound(const Model& model, std::span<const std::string> queries,
-                                    bool hasValues, TableWriter& table) {
-    FindRows rows(model, hasValues, table);
+                                    const ChosenColumns& chosen, TableWriter& table) {
+    FindRows rows(model, chosen, table);
     for (const std::string& query : queries) {
         rows.AddQuery(query);
     }

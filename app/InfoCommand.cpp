@@ -51,11 +51,11 @@ ExitStatus RunInfo(const InfoArguments& arguments, ResultOutput& output) {
 void AddInfoCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<InfoArguments>();
     CLI::App& command = commandLine.AddCommand(
-        {"info", "Tell what kind of file each one is and what of it is read",
+        {"info", "Describe files: container, machine, debug information, sections",
          "brindle info firmware.elf",
          "Container, byte order, machine, debug information by version, language and producer, "
-         "numbers of\nentries, symbols and variables, what isn't read and what to do about it, and "
-         "the sections that lie in\nthe target's memory."},
+         "numbers of entries, symbols and variables, what isn't read and what to do about it, and "
+         "the sections in the target's memory."},
         [arguments](ResultOutput& output) { return RunInfo(*arguments, output); });
     command.add_option("FILE", arguments->files, "The files to read")->required()->type_name("");
     AddReadArguments(command, arguments->read);

@@ -42,7 +42,7 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
     const PatternArguments& names = arguments.list.names;
     DataModel::LeafCuts cuts;
     const bool hasMatch =
-        ListByPattern(names, arguments.file, "leaves", [&](const NameFilter& filter) {
+        ListByPattern(names, arguments.file, sLeafTexts.partMatch, [&](const NameFilter& filter) {
             choice->names = filter;
             const LeafList list = WriteLeaves(model, *choice, arguments.limits, *table);
             cuts = list.cuts;
@@ -55,7 +55,7 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
     if (hasMatch || !HasDelivered(result, model)) {
         return status;
     }
-    Tell(arguments.file, EmptyListText("leaf", names) + NearVariables(model, names.pattern));
+    Tell(arguments.file, EmptyListText(sLeafTexts, names) + NearVariables(model, names.pattern));
     return EmptyListStatus(names, status);
 }
 

@@ -3,7 +3,6 @@
 #include "Message.h"
 #include "NearNames.h"
 #include "ReadArguments.h"
-#include "ValuesArgument.h"
 
 #include <CLI/App.hpp>
 #include <CLI/Config.hpp>
@@ -40,46 +39,44 @@ void AddPatternArguments(CLI::App& command, const std::string& things,
                          PatternArguments& arguments) {
     AddPatternArgument(command, things, arguments.pattern);
     command.add_flag("-i,--ignore-case", arguments.ignoresCase,
-                     "Upper and lower case of PATTERN count as alike");
+                     "Match PATTERN in upper and lower case alike");
 }
 
 void AddEmptyArgument(CLI::App& command, PatternArguments& arguments) {
     command.add_flag("--allow-empty", arguments.allowsEmpty,
-                     "Exit status 0 for an empty list too, instead of 1");
+                     "Exit status 0, not 1, for an empty list");
 }
 
 void AddListArguments(CLI::App& command, const std::string& things, ListArguments& arguments) {
     AddPatternArguments(command, things, arguments.names);
     AddChoiceArgument(command, "--sort", arguments.order, {"address", "name", "size", "file"},
-                      "Order of the rows; file is that of the debug information");
+                      "Order of the rows; file is the order of the debug information");
     command
-        .add_option("--unit", arguments.unit,
-                    "Only what belongs to the compile units whose name fits")
+        .add_option("--unit", arguments.unit, "Only variables of compile units whose name matches")
         ->option_text("PATTERN")
         ->take_last();
     AddNumberArgument(command, "--min-size", arguments.leastSize, 0,
-                      "Only what has at least this many bytes");
-    command.add_flag("--section", arguments.hasSections,
-                     "Add a column for the section that holds the address");
-    AddValuesArgument(command, arguments.hasValues);
+                      "Only what is at least this many bytes long");
+    AddColumnArguments(command, arguments.columns);
     AddEmptyArgument(command, arguments.names);
 }
 
 std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const std::string& file,
                                          const DataModel::Model& model) {
     ListChoice choice;
+    static_cast<ChosenColumns&>(choice) = arguments.columns;
     choice.leastSize = arguments.leastSize;
     choice.order = RowOrderOf(arguments.order);
-    choice.hasSections = arguments.hasSections;
-    choice.hasValues = arguments.hasValues;
     if (!arguments.unit.empty()) {
-        const bool hasUnits = ListByPattern({arguments.unit, false, false}, file, "compile units",
-                                            [&](const NameFilter& filter) {
-                                                choice.units = UnitsOf(model, filter);
-                                                return !choice.units->empty();
-                                            });
+        const bool hasUnits = ListByPattern(
+            {arguments.unit, false, false}, file,
+            "no exact match for '{}'; taking the compile units whose names contain it",
+            [&](const NameFilter& filter) {
+                choice.units = UnitsOf(model, filter);
+                return !choice.units->empty();
+            });
         if (!hasUnits) {
-            Tell(file, "no compile unit matches '" + arguments.unit + "'" +
+            Tell(file, Phrased("no compile unit matches '{}'", arguments.unit) +
                            NearUnits(model, arguments.unit));
             return std::nullopt;
         }
@@ -87,8 +84,8 @@ std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const s
     return choice;
 }
 
-bool ListByPattern(const PatternArguments& arguments, const std::string& file,
-                   std::string_view things, const std::function<bool(const NameFilter&)>& list) {
+bool ListByPattern(const PatternArguments& arguments, const std::string& file, Phrase partMatch,
+                   const std::function<bool(const NameFilter&)>& list) {
     if (list(NameFilter(arguments.pattern, arguments.ignoresCase))) {
         return true;
     }
@@ -96,17 +93,13 @@ bool ListByPattern(const PatternArguments& arguments, const std::string& file,
         !list(NameFilter::PartOf(arguments.pattern, arguments.ignoresCase))) {
         return false;
     }
-    Tell(file, std::string("no exact match for '")
-                   .append(arguments.pattern)
-                   .append("'; listing the ")
-                   .append(things)
-                   .append(" whose names contain it"));
+    Tell(file, Phrased(partMatch, arguments.pattern));
     return true;
 }
 
-std::string EmptyListText(const std::string& thing, const PatternArguments& arguments) {
-    const std::string text = "no " + thing;
-    return arguments.pattern.empty() ? text : text + " matches '" + arguments.pattern + "'";
+std::string EmptyListText(const ListTexts& texts, const PatternArguments& arguments) {
+    return arguments.pattern.empty() ? Phrased(texts.nothing)
+                                     : Phrased(texts.noMatch, arguments.pattern);
 }
 
 ExitStatus EmptyListStatus(const PatternArguments& arguments, ExitStatus status) {

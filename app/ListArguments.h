@@ -4,12 +4,12 @@
 
 #include "ExitStatus.h"
 #include "ListChoice.h"
+#include "Phrases.h"
 
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace CLI {
 class App;
@@ -25,13 +25,32 @@ struct PatternArguments {
     bool allowsEmpty = false;
 };
 
+/// What is said about a list.
+struct ListTexts {
+    /// A list without rows that no pattern restricts.
+    Phrase nothing;
+    /// The pattern fits nothing; its value is the pattern.
+    Phrase noMatch;
+    /// The pattern is no whole name, but part of some; its value is the pattern.
+    Phrase partMatch;
+};
+
+constexpr ListTexts sVariableTexts = {
+    "no variable", "no variable matches '{}'",
+    "no exact match for '{}'; listing the variables whose names contain it"};
+constexpr ListTexts sLeafTexts = {
+    "no leaf", "no leaf matches '{}'",
+    "no exact match for '{}'; listing the variables and leaves whose names contain it"};
+constexpr ListTexts sTypeTexts = {
+    "no type", "no type matches '{}'",
+    "no exact match for '{}'; listing the types whose names contain it"};
+
 struct ListArguments {
     PatternArguments names;
     std::string unit;
     std::uint64_t leastSize = 0;
     std::string order = "address";
-    bool hasSections = false;
-    bool hasValues = false;
+    ChosenColumns columns;
 };
 
 /// Adds `PATTERN`, which may be missing, and `--ignore-case`.
@@ -50,18 +69,17 @@ std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const s
                                          const DataModel::Model& model);
 
 /// Tries a pattern, and, where it is a plain word that fits nothing, what holds the word; this is
-/// then told, about the file.
-/// @param things what is listed, in the plural
+/// then said, about the file.
+/// @param partMatch what is said; its value is the word
 /// @param list lists what a filter takes
 /// @return whether either listed anything
-bool ListByPattern(const PatternArguments& arguments, const std::string& file,
-                   std::string_view things, const std::function<bool(const NameFilter&)>& list);
+bool ListByPattern(const PatternArguments& arguments, const std::string& file, Phrase partMatch,
+                   const std::function<bool(const NameFilter&)>& list);
 
 /// @name What is said of a list without rows, and the exit status of its command
-/// @param thing what is listed, in the singular
 /// @param status what the reading of the file asks for
 /// @{
-std::string EmptyListText(const std::string& thing, const PatternArguments& arguments);
+std::string EmptyListText(const ListTexts& texts, const PatternArguments& arguments);
 ExitStatus EmptyListStatus(const PatternArguments& arguments, ExitStatus status);
 /// @}
 

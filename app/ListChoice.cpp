@@ -1,7 +1,5 @@
 #include "ListChoice.h"
 
-#include "ValueCells.h"
-
 #include <algorithm>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -16,20 +14,6 @@ bool VariableFilter::Begin(const DataModel::ModelObject& variable) {
     mOwnName = OwnNameStart(mName, variable.name);
     mIsWhole = mChoice.names.Takes(mName, mOwnName, mUnit);
     return mIsWhole || mChoice.names.MayTakeBehind(mName, mOwnName, mUnit);
-}
-
-Cell SectionCell(const DataModel::Model& model, std::uint64_t address) {
-    const DataModel::ImageSection* const section = model.Image().SectionAt(address);
-    return section == nullptr ? Cell() : Cell(std::string_view(section->name));
-}
-
-void AddChosenColumns(const ListChoice& choice, std::vector<Column>& columns) {
-    if (choice.hasSections) {
-        columns.push_back(Column{"section"});
-    }
-    if (choice.hasValues) {
-        columns.insert(columns.end(), sValueColumns.begin(), sValueColumns.end());
-    }
 }
 
 } // namespace Tessel::Norn::Brindle::Program

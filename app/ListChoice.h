@@ -2,9 +2,9 @@
 // and in which order. The tables of `vars` and `leaves` ask it.
 #pragma once
 
+#include "ChosenColumns.h"
 #include "NamePattern.h"
 #include "RowOrder.h"
-#include "TableWriter.h"
 
 #include "model/DataModel.h"
 
@@ -17,17 +17,13 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-struct ListChoice {
+struct ListChoice : ChosenColumns {
     NameFilter names;
     /// Identifiers of the compile units that are wanted, ascending; all without a value.
     std::optional<std::vector<DataModel::ObjectId>> units;
     /// In bytes.
     std::uint64_t leastSize = 0;
     RowOrder order = RowOrder::Address;
-    /// The table has a column for the section.
-    bool hasSections = false;
-    /// The table has the columns of initial values.
-    bool hasValues = false;
 };
 
 /// Picks what is wanted, variable by variable.
@@ -67,11 +63,5 @@ private:
     std::size_t mOwnName = 0;
     bool mIsWhole = false;
 };
-
-/// The name of the section that holds an address, or nothing. Valid as long as the model.
-Cell SectionCell(const DataModel::Model& model, std::uint64_t address);
-
-/// Adds the columns that a list has only where they are chosen: its section, then `sValueColumns`.
-void AddChosenColumns(const ListChoice& choice, std::vector<Column>& columns);
 
 } // namespace Tessel::Norn::Brindle::Program

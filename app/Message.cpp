@@ -1,5 +1,6 @@
 #include "Message.h"
 
+#include "Phrases.h"
 #include "PlainText.h"
 #include "Terminal.h"
 
@@ -17,6 +18,15 @@ void Tell(std::string_view message) {
 
 void Tell(std::string_view file, std::string_view message) {
     Tell(std::string(file).append(": ").append(message));
+}
+
+void Tell(const std::system_error& error) {
+    std::string text = error.what();
+    const std::string reason = error.code().message();
+    if (text.ends_with(reason)) {
+        text.replace(text.size() - reason.size(), reason.size(), SystemReason(error.code()));
+    }
+    Tell(text);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

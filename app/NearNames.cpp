@@ -1,5 +1,7 @@
 #include "NearNames.h"
 
+#include "Phrases.h"
+
 #include <algorithm>
 #include <cctype>
 #include <numeric>
@@ -62,7 +64,7 @@ void NearNames::Offer(std::string_view name) {
 }
 
 std::string NearNames::Text() const {
-    return mNearest.empty() ? std::string() : "; nearest names: " + List();
+    return mNearest.empty() ? std::string() : Phrased("; similar names: {}", List());
 }
 
 std::string NearNames::List() const {

@@ -1,6 +1,7 @@
 #include "PlaceTable.h"
 
 #include "ListChoice.h"
+#include "Phrases.h"
 #include "TableWriter.h"
 #include "TypeTexts.h"
 #include "ValueCells.h"
@@ -113,10 +114,6 @@ DataModel::LeafCuts VisitLeaves(const DataModel::Model& model, const ListChoice&
     return walk.Cuts();
 }
 
-std::string Count(std::uint64_t number, std::string_view one, std::string_view several) {
-    return std::to_string(number).append(" ").append(number == 1 ? one : several);
-}
-
 } // namespace
 
 std::vector<Column> PlaceColumns(const ListChoice& choice) {
@@ -126,7 +123,7 @@ std::vector<Column> PlaceColumns(const ListChoice& choice) {
                                    Column{"name", false, false, sLeastNameWidth},
                                    Column{"bitOffset", true, true},
                                    Column{"bitSize", true, true},
-                                   Column{"compileUnit"}};
+                                   Column{.name = "compileUnit", .isSideNote = true}};
     AddChosenColumns(choice, columns);
     return columns;
 }
@@ -164,18 +161,19 @@ std::vector<std::string> DescribeCuts(const DataModel::LeafCuts& cuts,
                                       const DataModel::LeafLimits& limits) {
     std::vector<std::string> texts;
     if (cuts.arrays != 0) {
-        texts.push_back(Count(cuts.arrays, "array is", "arrays are") + " expanded to " +
-                        Count(limits.arrayElements, "element", "elements") + " only, first '" +
-                        cuts.firstArray + "'; --max-elements raises the limit");
+        texts.push_back(PhrasedCount(
+            cuts.arrays, "{} array is expanded only up to --max-elements {}, first '{}'",
+            "{} arrays are expanded only up to --max-elements {}, first '{}'",
+            std::to_string(limits.arrayElements), cuts.firstArray));
     }
     if (cuts.wholes != 0) {
-        texts.push_back(Count(cuts.wholes, "place is", "places are") +
-                        " not expanded, being nested too deep or part of itself, first '" +
-                        cuts.firstWhole + "'");
+        texts.push_back(PhrasedCount(
+            cuts.wholes, "{} place is not expanded: nested too deep, or part of itself, first '{}'",
+            "{} places are not expanded: nested too deep, or part of themselves, first '{}'",
+            cuts.firstWhole));
     }
     if (cuts.isExhausted) {
-        texts.push_back("expanded to " + Count(limits.leaves, "leaf", "leaves") +
-                        " only; --max-leaves raises the limit");
+        texts.push_back(Phrased("the list ends at --max-leaves {}", std::to_string(limits.leaves)));
     }
     return texts;
 }

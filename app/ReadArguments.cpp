@@ -1,5 +1,6 @@
 #include "ReadArguments.h"
 
+#include "Phrases.h"
 #include "ReaderOptions.h"
 
 #include "model/LeafWalk.h"
@@ -30,16 +31,15 @@ void ApplyReaderOptions(const std::vector<std::string>& settings) {
     }
 }
 
-/// @param expected what the number should be, for the message
+/// @param expected what is said of a text that is no such number
 template <typename Number>
 Number ParseNumber(const std::string& name, const std::string& text, Number least,
-                   std::string_view expected) {
+                   Phrase expected) {
     Number number = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc() || rest != end || number < least) {
-        throw CLI::ValidationError(
-            name, std::string("'").append(text).append("' is no ").append(expected));
+        throw CLI::ValidationError(name, Phrased(expected, text));
     }
     return number;
 }
@@ -48,17 +48,17 @@ Number ParseNumber(const std::string& name, const std::string& text, Number leas
 
 void AddReadArguments(CLI::App& command, ReadArguments& arguments) {
     AddChoiceArgument(command, "--container", arguments.container, {"auto", "elf", "coff", "pe"},
-                      "Kind of the file; auto tells it from the first bytes");
-    command.add_flag("--all-types", arguments.allTypes,
-                     "Deliver types that no variable uses as well");
+                      "Container of the file; auto recognises it by its first bytes");
+    command.add_flag("--all-types", arguments.allTypes, "Read types too that no variable uses");
     command
         .add_option_function<std::string>(
             "--language",
             [&arguments](const std::string& text) {
                 arguments.language = ParseNumber<std::int32_t>(
-                    "--language", text, std::numeric_limits<std::int32_t>::min(), "number");
+                    "--language", text, std::numeric_limits<std::int32_t>::min(),
+                    "expected a number, got '{}'");
             },
-            "Language of messages: 49 is German, any other number English")
+            "Language of messages: 49 for German, any other number for English")
         ->take_last()
         ->option_text("N");
     AddReaderOptionArgument(command);
@@ -69,7 +69,7 @@ void AddReaderOptionArgument(CLI::App& command) {
     command
         .add_option_function<std::vector<std::string>>(
             "--set", ApplyReaderOptions,
-            "Set an option of the reader, which --list-options lists; repeatable")
+            "Set an option of the reader (see --list-options); repeatable")
         ->option_text("OPTION=VALUE")
         ->allow_extra_args(false);
 }
@@ -82,7 +82,8 @@ void AddPatternArgument(CLI::App& command, const std::string& things, std::strin
     command
         .add_option("PATTERN", pattern,
                     "Only the " + things +
-                        " whose name fits, with * ? [a-z] as in a shell, or contains the word")
+                        " whose name matches: * ? [a-z] as in a shell; a plain word may be part of "
+                        "the name")
         ->each([](const std::string& text) {
             const std::string problem = SecondImageProblem(text);
             if (!problem.empty()) {
@@ -102,8 +103,7 @@ std::string SecondImageProblem(const std::string& text) {
         !bytes.starts_with("MZ")) {
         return {};
     }
-    return "one file at a time: '" + text +
-           "' is an image as well, and stands where a pattern is expected";
+    return Phrased("one file at a time: '{}' is an image too, where a pattern is expected", text);
 }
 
 void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t& value,
@@ -112,8 +112,11 @@ void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t
         .add_option_function<std::string>(
             name,
             [name, least, &value](const std::string& text) {
-                value = ParseNumber<std::uint64_t>(name, text, least,
-                                                   least == 0 ? "number" : "number from 1 on");
+                value =
+                    ParseNumber<std::uint64_t>(name, text, least,
+                                               least == 0 ? Phrase("expected a number, got '{}'")
+                                                          : "expected a number of at least 1, "
+                                                            "got '{}'");
             },
             purpose)
         ->take_last()
@@ -123,8 +126,7 @@ void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t
 void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits) {
     AddNumberArgument(command, "--max-elements", limits.arrayElements, 1,
                       "Expand this many elements of each array");
-    AddNumberArgument(command, "--max-leaves", limits.leaves, 1,
-                      "Expand to this many leaves in all");
+    AddNumberArgument(command, "--max-leaves", limits.leaves, 1, "Stop after this many leaves");
 }
 
 void AddChoiceArgument(CLI::App& command, const std::string& name, std::string& value,
@@ -133,10 +135,10 @@ void AddChoiceArgument(CLI::App& command, const std::string& name, std::string& 
         ->check([choices](const std::string& text) {
             return std::ranges::find(choices, text) != choices.end()
                        ? std::string()
-                       : "'" + text + "' is none of " + CLI::detail::join(choices, ", ");
+                       : Phrased("'{}' is not one of {}", text, CLI::detail::join(choices, ", "));
         })
         ->take_last()
-        ->option_text(CLI::detail::join(choices, "|") + " (" + value + ")");
+        ->option_text(CLI::detail::join(choices, "|") + (value.empty() ? "" : " (" + value + ")"));
 }
 
 void AddFormatArgument(CLI::App& command, std::string& format) {

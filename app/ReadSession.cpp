@@ -2,17 +2,22 @@
 
 #include "CapturedStandardOutput.h"
 #include "Message.h"
+#include "Phrases.h"
 #include "ReadArguments.h"
+#include "ReadProblem.h"
 #include "ResultOutput.h"
 #include "Terminal.h"
 
 #include "host/ContainerDetection.h"
 #include "host/CurrentDataModel.h"
 
+#include <algorithm>
+#include <array>
 #include <exception>
 #include <iostream>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -23,7 +28,7 @@ using Reader::DWARF::ReadPhase;
 
 namespace {
 
-std::string_view PhaseName(ReadPhase phase) {
+Phrase PhaseName(ReadPhase phase) {
     switch (phase) {
     case ReadPhase::Reading:
         return "reading";
@@ -34,7 +39,23 @@ std::string_view PhaseName(ReadPhase phase) {
     }
 }
 
-constexpr std::int32_t sGermanLanguage = 49;
+/// True if a read failed because the reader looked for something after the end of the file.
+bool HasEndedEarly(std::string_view error) {
+    constexpr std::array<std::string_view, 4> sErrors = {
+        "ELF file Seek has failed.", "ELF file Read has failed.",
+        "Fehler bei der Seek-operation in der ELF-Datei.", "Fehler beim Lesen der ELF-Datei."};
+    return std::ranges::find(sErrors, error) != sErrors.end();
+}
+
+void TellRemarks(const std::string& file, const ReadResult& result) {
+    for (const Reader::DWARF::ReadRemark& remark : result.remarks.All()) {
+        Tell(file, remark.text);
+    }
+    if (result.isOk && !HasFoundAnything(result)) {
+        Tell(file, Phrased("nothing to read: the file has neither debug information nor symbols; "
+                           "it is stripped, damaged or of another kind"));
+    }
+}
 
 DWARFContainerType ChooseContainer(std::string_view choice, const std::string& file) {
     if (choice == "auto") {
@@ -50,8 +71,6 @@ DWARFContainerType ChooseContainer(std::string_view choice, const std::string& f
 
 ReadSession::ReadSession(const ReadArguments& arguments, CallbackSink sink)
     : mContainer(arguments.container)
-    , mLanguage(arguments.language == sGermanLanguage ? MessageLanguage::German
-                                                      : MessageLanguage::English)
     , mIsProgressDrawn(!arguments.noProgress && IsStandardErrorTerminal())
     , mSink(std::move(sink)) {
     mReader.ReadAllTypes(arguments.allTypes);
@@ -73,7 +92,7 @@ void ReadSession::ConnectCallbacks() {
     mReader.PhaseCallback = [this](ReadPhase phase) {
         mHasPhase = true;
         if (mProgressBar) {
-            mProgressBar->SetPhase(PhaseName(phase));
+            mProgressBar->SetPhase(Phrased(PhaseName(phase)));
         }
     };
     mReader.SetProgressTextCallback = [this](const std::string& text) {
@@ -111,7 +130,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     } catch (const OutputError&) {
         throw;
     } catch (const std::bad_alloc&) {
-        mError = ProblemText(ReadProblem::NoMemory, mLanguage);
+        mError = Phrased("Not enough memory.");
     } catch (const std::exception& error) {
         mError = error.what();
     }
@@ -119,7 +138,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
         result.error = std::exchange(mError, {});
         result.remark = RemarkOn(file, result);
         result.message =
-            result.error.empty() ? ProblemText(ReadProblem::CouldNotRead, mLanguage) : result.error;
+            result.error.empty() ? Phrased("The file could not be read.") : result.error;
         if (!result.remark.empty()) {
             result.message += " (" + result.remark + ")";
         }
@@ -131,9 +150,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     result.remarks = mReader.GetRemarks();
     result.facts = mReader.GetFacts();
     if (mTellsRemarks) {
-        for (const Reader::DWARF::ReadRemark& remark : result.remarks.All()) {
-            Tell(file, remark.text);
-        }
+        TellRemarks(file, result);
     }
     return result;
 }
@@ -142,15 +159,20 @@ std::string ReadSession::RemarkOn(const std::string& file, const ReadResult& res
     if (result.error.find("ELF_TRY_READ_CORRUPTED_COMPILE_UNITS") != std::string::npos) {
         return "--set mTryReadCorruptedCompileUnits=1";
     }
-    std::string remark = SystemProblem(file, mLanguage);
+    std::string remark = SystemProblem(file);
     if (!remark.empty()) {
         return remark;
     }
     if (mContainer == "auto" && result.container == DWARFContainerType::Container_COFF) {
-        return ProblemText(ReadProblem::ReadAsCoff, mLanguage);
+        return Phrased("Read as COFF, being neither ELF nor a Windows image");
     }
-    const bool isPe = result.container == DWARFContainerType::Container_PE;
-    return isPe && !mHasPhase ? ProblemText(ReadProblem::NoWindowsImage, mLanguage) : remark;
+    if (result.container == DWARFContainerType::Container_PE && !mHasPhase) {
+        return Phrased("not a Windows image, or truncated");
+    }
+    return HasEndedEarly(result.error)
+               ? Phrased(
+                     "the file ends before its headers say: truncated, or not copied to the end")
+               : remark;
 }
 
 bool ReadSession::RunReader(const std::string& file, DWARFContainerType container) {
@@ -165,6 +187,11 @@ bool ReadSession::RunReader(const std::string& file, DWARFContainerType containe
 bool HasDelivered(const ReadResult& result, const DataModel::Model& model) {
     // The global namespace is there before any delivery.
     return result.isOk || model.ObjectCount() > 1;
+}
+
+bool HasFoundAnything(const ReadResult& result) {
+    return result.facts.Entries() != 0 || result.facts.Symbols() != 0 ||
+           !result.remarks.All().empty();
 }
 
 ExitStatus ReportResult(const std::string& file, const ReadResult& result) {

@@ -4,7 +4,6 @@
 
 #include "ExitStatus.h"
 #include "ProgressBar.h"
-#include "ReadProblem.h"
 
 #include "core/ReadFacts.h"
 #include "core/ReadRemarks.h"
@@ -70,7 +69,6 @@ private:
     bool RunReader(const std::string& file, Reader::DWARF::DWARFContainerType container);
 
     std::string mContainer;
-    MessageLanguage mLanguage;
     bool mIsProgressDrawn;
     bool mTellsRemarks = true;
     CallbackSink mSink;
@@ -85,6 +83,9 @@ private:
 /// False if the read failed before it delivered anything: what is not in the model then says
 /// nothing about the file.
 bool HasDelivered(const ReadResult& result, const DataModel::Model& model);
+
+/// False if a file that could be read has neither debug entries nor symbols.
+bool HasFoundAnything(const ReadResult& result);
 
 /// Tells a failure on standard error.
 /// @return the exit status that the result asks for

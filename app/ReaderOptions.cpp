@@ -1,6 +1,7 @@
 #include "ReaderOptions.h"
 
 #include "NearNames.h"
+#include "Phrases.h"
 
 #include "core/OptionTable.h"
 #include "core/VElfOptions.h"
@@ -20,14 +21,14 @@ std::string UnknownOptionMessage(std::string_view name) {
     for (const OptionDescription& option : Reader::DWARF::OptionTable()) {
         near.Offer(option.name);
     }
-    return "the reader has no option '" + std::string(name) + "'" + near.Text();
+    return Phrased("the reader has no option '{}'", name) + near.Text();
 }
 
-std::string_view ValueDescription(const OptionDescription& option) {
-    static constexpr std::array<std::string_view, std::variant_size_v<decltype(option.variable)>>
-        sDescriptions = {"a whole number of 32 bits", "a whole number of 64 bits without sign",
+std::string ValueDescription(const OptionDescription& option) {
+    static constexpr std::array<Phrase, std::variant_size_v<decltype(option.variable)>>
+        sDescriptions = {"a whole number of 32 bits", "an unsigned whole number of 64 bits",
                          "0, 1, true or false", "a text"};
-    return sDescriptions[option.variable.index()];
+    return Phrased(sDescriptions[option.variable.index()]);
 }
 
 } // namespace
@@ -39,7 +40,7 @@ void SetProgramDefaults() {
 std::string ApplyReaderOption(std::string_view setting) {
     const std::size_t separator = setting.find('=');
     if (separator == std::string_view::npos) {
-        return std::string("'").append(setting) + "' is not of the form OPTION=VALUE";
+        return Phrased("'{}' is not of the form OPTION=VALUE", setting);
     }
     const std::string_view name = setting.substr(0, separator);
     const std::string_view value = setting.substr(separator + 1);
@@ -48,8 +49,8 @@ std::string ApplyReaderOption(std::string_view setting) {
         return UnknownOptionMessage(name);
     }
     if (!Reader::DWARF::AssignOption(*option, value)) {
-        return std::string("'").append(value) + "' is no value for " + std::string(name) +
-               ", which is " + std::string(ValueDescription(*option));
+        return Phrased("'{}' is not a value for {}, which takes {}", value, name,
+                       ValueDescription(*option));
     }
     return {};
 }

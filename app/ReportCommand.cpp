@@ -6,6 +6,7 @@
 #include "ImagePack.h"
 #include "Message.h"
 #include "ModelComparison.h"
+#include "Phrases.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "ReplacedFile.h"
@@ -72,7 +73,7 @@ ExitStatus WritePageTo(const std::string& report, ResultOutput& standardOutput,
         file.Commit();
         return ExitStatus::Success;
     } catch (const std::system_error& error) {
-        Tell(report, "the report can't be written: " + error.code().message());
+        Tell(report, Phrased("the report can't be written: {}", SystemReason(error.code())));
     }
     return ExitStatus::Failed;
 }
@@ -118,8 +119,9 @@ bool IsSameFile(const std::string& first, const std::string& second) {
 ExitStatus RunReport(const ReportArguments& arguments, ResultOutput& output) {
     for (const std::string& file : {arguments.file, arguments.newFile}) {
         if (IsSameFile(file, arguments.report)) {
-            Tell(arguments.report, "the report would replace the image that it is about; "
-                                   "--output needs another name");
+            Tell(arguments.report,
+                 Phrased("the report would overwrite the image that it describes; "
+                         "choose another --output"));
             return ExitStatus::WrongUsage;
         }
     }
@@ -132,10 +134,10 @@ ExitStatus RunReport(const ReportArguments& arguments, ResultOutput& output) {
 void AddReportCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<ReportArguments>();
     CLI::App& command = commandLine.AddCommand(
-        {"report", "Write an image, or what differs between two, as one HTML page to look at",
+        {"report", "Write one HTML page about an image, or about what differs between two",
          "brindle report firmware.elf -o firmware.html",
          "The page is one file that needs no server and no network; any browser of today opens it. "
-         "With two\nfiles it shows what differs between them."},
+         "With two files it shows what differs between them."},
         [arguments](ResultOutput& output) { return RunReport(*arguments, output); });
     command
         .add_option("IMAGE", arguments->file, "The file to show, or the file of the earlier build")

@@ -135,7 +135,7 @@ void AddTraceCommand(CommandLine& commandLine) {
     const auto arguments = std::make_shared<TraceArguments>();
     CLI::App& command = commandLine.AddCommand(
         {"trace",
-         "Write every call of the reader to its host, in order, as lines of JSON",
+         "Write every call that the reader makes to its host, as JSON lines",
          "brindle trace old.elf new.elf > calls.jsonl",
          {}},
         [arguments](ResultOutput& output) { return RunTrace(*arguments, output); });

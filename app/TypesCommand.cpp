@@ -34,7 +34,7 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
     const ExitStatus status = ReportResult(arguments.file, result);
     const PatternArguments& names = arguments.names;
     const bool hasMatch =
-        ListByPattern(names, arguments.file, "types", [&](const NameFilter& filter) {
+        ListByPattern(names, arguments.file, sTypeTexts.partMatch, [&](const NameFilter& filter) {
             return arguments.isForCompiler
                        ? WriteCHeader(model, filter, output)
                        : WriteTypeLayouts(model, filter, output, IsStandardOutputColoured());
@@ -42,7 +42,7 @@ ExitStatus RunTypes(const TypesArguments& arguments, ResultOutput& output) {
     if (hasMatch || !HasDelivered(result, model)) {
         return status;
     }
-    Tell(arguments.file, EmptyListText("type", names) + NearTypes(model, names.pattern));
+    Tell(arguments.file, EmptyListText(sTypeTexts, names) + NearTypes(model, names.pattern));
     return EmptyListStatus(names, status);
 }
 
@@ -53,8 +53,8 @@ void AddTypesCommand(CommandLine& commandLine) {
     CLI::App& command = commandLine.AddCommand(
         {"types", "Write the layouts of types as C, with offsets, sizes and holes",
          "brindle types firmware.elf 'motor*'",
-         "All types are read, as with --all-types. Declarations that read alike in several compile "
-         "units\nare written once."},
+         "All types are read, as with --all-types. A type that several compile units declare alike "
+         "is written once."},
         [arguments](ResultOutput& output) { return RunTypes(*arguments, output); });
     AddFileArgument(command, arguments->file);
     AddPatternArguments(command, "types", arguments->names);

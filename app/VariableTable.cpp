@@ -83,7 +83,7 @@ private:
 std::vector<Column> VariableColumns(const ListChoice& choice) {
     std::vector<Column> columns = {Column{"address", true}, Column{"size", true}, Column{"type"},
                                    Column{"name", false, false, sLeastNameWidth},
-                                   Column{"compileUnit"}};
+                                   Column{.name = "compileUnit", .isSideNote = true}};
     AddChosenColumns(choice, columns);
     return columns;
 }

@@ -39,16 +39,17 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
     const auto table =
         MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const PatternArguments& names = arguments.list.names;
-    const bool hasMatch =
-        ListByPattern(names, arguments.file, "variables", [&](const NameFilter& filter) {
-            choice->names = filter;
-            return WriteVariables(model, *choice, *table);
-        });
+    const bool hasMatch = ListByPattern(names, arguments.file, sVariableTexts.partMatch,
+                                        [&](const NameFilter& filter) {
+                                            choice->names = filter;
+                                            return WriteVariables(model, *choice, *table);
+                                        });
     table->Finish();
     if (hasMatch || !HasDelivered(result, model)) {
         return status;
     }
-    Tell(arguments.file, EmptyListText("variable", names) + NearVariables(model, names.pattern));
+    Tell(arguments.file,
+         EmptyListText(sVariableTexts, names) + NearVariables(model, names.pattern));
     return EmptyListStatus(names, status);
 }
 

@@ -41,7 +41,7 @@ ExitStatus RunProgram(int argumentCount, const char* const* arguments) {
         return RunCommand(argumentCount, arguments);
     } catch (const Program::OutputError& error) {
         if (!error.IsReaderGone()) {
-            Program::Tell(error.what());
+            Program::Tell(error);
         }
     } catch (const std::exception& error) {
         Program::Tell(error.what());

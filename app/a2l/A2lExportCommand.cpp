@@ -4,6 +4,7 @@
 #include "FileReplacement.h"
 #include "Message.h"
 #include "NamePattern.h"
+#include "Phrases.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
 
@@ -43,10 +44,8 @@ bool HasSections(const ExportArguments& arguments, const DataModel::Model& model
             for (const DataModel::ImageSection& section : sections) {
                 names.append(names.empty() ? "" : ", ").append(section.name);
             }
-            Tell(arguments.image, std::string("no section fits '")
-                                      .append(pattern)
-                                      .append("'; there are ")
-                                      .append(names));
+            Tell(arguments.image,
+                 Phrased("no section matches '{}'; the sections are {}", pattern, names));
             return false;
         }
     }
@@ -57,11 +56,13 @@ void TellResult(const ExportArguments& arguments, const ExportResult& result) {
     for (const std::string& omission : result.omissions) {
         Tell(arguments.image, omission);
     }
-    Tell(arguments.image, std::to_string(result.measurements) + " measurements, " +
-                              std::to_string(result.characteristics) + " characteristics" +
-                              (arguments.choices.hasStructures
-                                   ? ", " + std::to_string(result.instances) + " instances"
-                                   : ""));
+    const std::string measurements = std::to_string(result.measurements);
+    const std::string characteristics = std::to_string(result.characteristics);
+    Tell(arguments.image,
+         arguments.choices.hasStructures
+             ? Phrased("{} measurements, {} characteristics, {} instances", measurements,
+                       characteristics, std::to_string(result.instances))
+             : Phrased("{} measurements, {} characteristics", measurements, characteristics));
 }
 
 ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
@@ -87,7 +88,7 @@ ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
         TellResult(arguments, result);
         return ExitStatus::Success;
     } catch (const std::system_error& error) {
-        Tell(arguments.output, error.code().message());
+        Tell(arguments.output, SystemReason(error.code()));
         return ExitStatus::Failed;
     }
 }
@@ -103,7 +104,7 @@ void CompleteChoices(ExportArguments& arguments) {
                       : arguments.version == "1.6" ? Version::V1_6
                                                    : Version::V1_7_1;
     if (choices.hasStructures && choices.version != Version::V1_7_1) {
-        throw CLI::ValidationError("--structures", "structures need --file-version 1.7.1");
+        throw CLI::ValidationError("--structures", Phrased("structures need --file-version 1.7.1"));
     }
 }
 
@@ -115,19 +116,20 @@ void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
         group,
         {"export", "Write an A2L file of the variables of an image",
          "brindle a2l export -o firmware.a2l firmware.elf 'motors*'",
-         "Variables that can be written are measurements; those in read-only sections are "
-         "characteristics, and\nthose that --characteristics and --section name."},
+         "Variables in writable sections become measurements, those in read-only sections "
+         "characteristics, as do those that --characteristics and --section name."},
         [arguments](ResultOutput& output) { return RunExport(*arguments, output); });
     ExportChoices& choices = arguments->choices;
     AddImageArgument(command, "The file to read", *arguments);
     command
-        .add_option("PATTERN", choices.patterns,
-                    "Only the variables and leaves whose name fits one of these: * stands for any "
-                    "characters, ? for one")
+        .add_option(
+            "PATTERN", choices.patterns,
+            "Only the variables and leaves whose name matches one of these: * ? [a-z] as in "
+            "a shell")
         ->type_name("");
     AddOutputArgument(command, *arguments);
     command.add_flag("--fragment", choices.isFragment,
-                     "Write objects and what they refer to alone, for an /include in a MODULE");
+                     "Write only objects and what they refer to, for an /include in a MODULE");
     const auto addPatterns = [&command](const std::string& name, std::vector<std::string>& patterns,
                                         const std::string& purpose) {
         command.add_option(name, patterns, purpose)
@@ -135,18 +137,13 @@ void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
             ->allow_extra_args(false);
     };
     addPatterns("--characteristics", choices.characteristics,
-                "Variables and leaves that are characteristics wherever they lie; repeatable");
+                "Variables and leaves to make characteristics, wherever they lie; repeatable");
     addPatterns("--section", choices.sections,
-                "Sections whose variables are characteristics; repeatable");
-    command.add_flag(
-        "--structures", choices.hasStructures,
-        "Write structures as TYPEDEF_STRUCTURE and INSTANCE, which need version 1.7.1");
-    command
-        .add_option("--file-version", arguments->version,
-                    "Version of the format (1.6; 1.7.1 with --structures)")
-        ->check(CLI::IsMember({"1.5.1", "1.6", "1.7.1"}))
-        ->option_text("1.5.1|1.6|1.7.1")
-        ->take_last();
+                "Sections whose variables become characteristics; repeatable");
+    command.add_flag("--structures", choices.hasStructures,
+                     "Write structures as TYPEDEF_STRUCTURE and INSTANCE (version 1.7.1)");
+    AddChoiceArgument(command, "--file-version", arguments->version, {"1.5.1", "1.6", "1.7.1"},
+                      "Version of the format (1.6; 1.7.1 with --structures)");
     AddWordAddressArgument(command, *arguments);
     AddLeafLimitArguments(command, choices.limits);
     AddReadArguments(command, arguments->read);

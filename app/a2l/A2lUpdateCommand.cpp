@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "FileReplacement.h"
 #include "Message.h"
+#include "Phrases.h"
 #include "ProgressBar.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
@@ -56,11 +57,11 @@ MissingChoice MissingChoiceOf(const std::string& name) {
 /// A bar for one of the two phases, if a person looks on.
 class PhaseBar {
 public:
-    PhaseBar(const ReadArguments& arguments, std::string_view phase, std::size_t end)
+    PhaseBar(const ReadArguments& arguments, Phrase phase, std::size_t end)
         : mScale(1 + end / std::numeric_limits<std::int32_t>::max()) {
         if (!arguments.noProgress && IsStandardErrorTerminal()) {
-            mBar.emplace(std::cerr);
-            mBar->SetPhase(phase);
+            mBar.emplace(std::cerr, StandardErrorWidth());
+            mBar->SetPhase(Phrased(phase));
             mBar->SetInterval(0, static_cast<std::int32_t>(end / mScale));
         }
     }
@@ -137,9 +138,9 @@ bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
     WriteFiles(plan, result);
     for (const Source* const source : plan.stale) {
         Tell(source->Path(),
-             "this included file has " + std::to_string(result.edits.at(source).All().size()) +
-                 " places to change and is not written; --in-place changes it, -o with "
-                 "a file in another folder writes it there");
+             Phrased("this included file has {} places to change and is not written; --in-place "
+                     "changes it, -o with a file in another folder writes it there",
+                     std::to_string(result.edits.at(source).All().size())));
     }
     return plan.stale.empty();
 }
@@ -176,7 +177,7 @@ ExitStatus RunUpdate(const UpdateArguments& arguments, ResultOutput& output) {
     } catch (const OutputError&) {
         throw;
     } catch (const std::system_error& error) {
-        Tell(error.what());
+        Tell(error);
     }
     return ExitStatus::Failed;
 }
@@ -190,9 +191,8 @@ void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group) {
         {"update", "Give the objects of an A2L file the addresses of an image",
          "brindle a2l update --report moved.csv -o new.a2l old.a2l firmware.elf",
          "Only addresses change; every other byte stays. Objects are looked up by their "
-         "SYMBOL_LINK, "
-         "else by\ntheir name. The exit status is 1 if --check finds something to change, or if an "
-         "included file\nwould have to change and is not written."},
+         "SYMBOL_LINK, otherwise by their name. The exit status is 1 if --check finds something to "
+         "change, or if an included file would have to change and is not written."},
         [arguments](ResultOutput& output) { return RunUpdate(*arguments, output); });
     command.add_option("A2L", arguments->input, "The description to update")
         ->required()
@@ -203,19 +203,19 @@ void AddA2lUpdateCommand(CommandLine& commandLine, CLI::App& group) {
         command.add_flag("--in-place", arguments->inPlace,
                          "Change the description itself, and the files that it includes");
     CLI::Option* const check =
-        command.add_flag("--check", arguments->check, "Change nothing; tell by the exit status");
+        command.add_flag("--check", arguments->check, "Change nothing; report by the exit status");
     output->excludes(inPlace);
     check->excludes(output)->excludes(inPlace);
     command
         .add_option(
             "--report", arguments->report,
-            "Write what became of each object to FILE, as JSON if it ends in .json, else as "
+            "Write what became of each object to FILE: JSON if its name ends in .json, otherwise "
             "CSV")
         ->option_text("FILE")
         ->take_last();
     AddChoiceArgument(command, "--missing", arguments->missing, {"keep", "zero", "remove"},
-                      "What becomes of objects that the image lacks");
-    command.add_flag("--bit-masks", arguments->bitMasks, "Change BIT_MASK of bit fields as well");
+                      "What to do with objects that the image lacks");
+    command.add_flag("--bit-masks", arguments->bitMasks, "Update the BIT_MASK of bit fields too");
     AddWordAddressArgument(command, *arguments);
     AddReadArguments(command, arguments->read);
 }

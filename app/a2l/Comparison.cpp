@@ -1,5 +1,7 @@
 #include "a2l/Comparison.h"
 
+#include "Phrases.h"
+
 #include "a2l/Datatypes.h"
 
 #include <algorithm>
@@ -252,12 +254,12 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
         if (!isSame) {
             inFile.Add(std::string(valueText) + " " + Quoted(text));
             inImage.Add(std::string(valueText) + " " +
-                        (first == last ? "none" : Quoted(first->second)));
+                        (first == last ? Phrased("none") : Quoted(first->second)));
         }
     }
     for (const auto& [value, text] : names) {
         if (!values.contains(value)) {
-            inFile.Add(std::to_string(value) + " none");
+            inFile.Add(std::to_string(value) + " " + Phrased("none"));
             inImage.Add(std::to_string(value) + " " + Quoted(text));
         }
     }
@@ -281,9 +283,10 @@ void Comparison::CompareComponents(const TypeDefinition& definition, ObjectId ty
                 continue;
             }
             if (member == nullptr || member->offset != component.offset) {
-                inFile.Add(std::string(component.name) + " at " + Count(component.offset));
-                inImage.Add(std::string(component.name) +
-                            (member == nullptr ? " missing" : " at " + Count(member->offset)));
+                inFile.Add(Phrased("{} at {}", component.name, Count(component.offset)));
+                inImage.Add(member == nullptr
+                                ? Phrased("{} missing", component.name)
+                                : Phrased("{} at {}", component.name, Count(member->offset)));
             }
         }
         if (!inFile.Text().empty()) {

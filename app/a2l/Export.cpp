@@ -1,6 +1,7 @@
 #include "a2l/Export.h"
 
 #include "NamePattern.h"
+#include "Phrases.h"
 #include "ResultOutput.h"
 
 #include "a2l/Alignments.h"
@@ -65,10 +66,11 @@ struct Omission {
             first = name;
         }
     }
-    void Tell(std::vector<std::string>& texts, std::string_view reason) const {
+    void Tell(std::vector<std::string>& texts, Phrase reason) const {
         if (count != 0) {
-            texts.push_back(std::to_string(count) + (count == 1 ? " object" : " objects") +
-                            " left out, " + std::string(reason) + ", first '" + first + "'");
+            texts.push_back(PhrasedCount(count, "{} object left out, {}, first '{}'",
+                                         "{} objects left out, {}, first '{}'", Phrased(reason),
+                                         first));
         }
     }
 };
@@ -356,13 +358,17 @@ private:
         mEmpty.Tell(texts, "which have no size");
         mTooMany.Tell(texts, "being too many or nested too deep; --max-leaves raises the limit");
         if (mCutArrays.count != 0) {
-            texts.push_back(std::to_string(mCutArrays.count) +
-                            " arrays of structures are expanded in part only, first '" +
-                            mCutArrays.first + "'; --max-elements raises the limit");
+            texts.push_back(PhrasedCount(mCutArrays.count,
+                                         "{} array of structures is expanded only in part, first "
+                                         "'{}'; --max-elements raises the limit",
+                                         "{} arrays of structures are expanded only in part, first "
+                                         "'{}'; --max-elements raises the limit",
+                                         mCutArrays.first));
         }
         if (mTypes.LeftOut() != 0) {
-            texts.push_back(std::to_string(mTypes.LeftOut()) +
-                            " members of structures left out, for which A2L has no datatype");
+            texts.push_back(PhrasedCount(
+                mTypes.LeftOut(), "{} member of structures left out, for which A2L has no datatype",
+                "{} members of structures left out, for which A2L has no datatype"));
         }
     }
 

@@ -1,6 +1,7 @@
 #include "a2l/ImageArguments.h"
 
 #include "Message.h"
+#include "Phrases.h"
 #include "ReadSession.h"
 
 #include "model/DataModel.h"
@@ -15,14 +16,14 @@ void AddImageArgument(CLI::App& command, const std::string& purpose, ImageArgume
 
 CLI::Option* AddOutputArgument(CLI::App& command, ImageArguments& arguments) {
     return command
-        .add_option("-o,--output", arguments.output, "Write to FILE, not to standard output")
+        .add_option("-o,--output", arguments.output, "Write to FILE instead of standard output")
         ->option_text("FILE")
         ->take_last();
 }
 
 void AddWordAddressArgument(CLI::App& command, ImageArguments& arguments) {
     command.add_flag("--word-addresses", arguments.hasWordAddresses,
-                     "Count addresses in words of 16 bits, for targets that do so");
+                     "Count addresses in 16-bit words, for targets that do");
 }
 
 ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::Model& model) {
@@ -30,14 +31,19 @@ ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::Model& mod
     if (!read.isOk) {
         return ReportResult(arguments.image, read);
     }
+    // Nothing would be found, and objects that aren't found may be removed.
+    if (!HasFoundAnything(read)) {
+        return ExitStatus::Failed;
+    }
     if (!model.Image().isLinked) {
-        Tell(arguments.image, "an object file has no addresses yet; give the linked image");
+        Tell(arguments.image,
+             Phrased("an object file has no addresses yet; give the linked image"));
         return ExitStatus::Failed;
     }
     if (model.Image().isWordAddressed && !arguments.hasWordAddresses) {
         Tell(arguments.image,
-             "this target counts memory in words of 16 bits, and addresses are written "
-             "in bytes; --word-addresses writes them in words");
+             Phrased("this target counts memory in words of 16 bits, and addresses are written in "
+                     "bytes; --word-addresses writes them in words"));
     }
     return ExitStatus::Success;
 }

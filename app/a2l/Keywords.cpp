@@ -96,7 +96,7 @@ std::optional<Part> FindPart(std::string_view keyword) {
     return found == sParts.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::string_view DescribeField(Field field) {
+Phrase DescribeField(Field field) {
     switch (field) {
     case Field::Name:
         return "the name";

@@ -2,6 +2,8 @@
 // of their optional parts count. Whatever is missing here is passed over.
 #pragma once
 
+#include "Phrases.h"
+
 #include "a2l/Document.h"
 
 #include <cstdint>
@@ -59,7 +61,7 @@ const TypeBlock* FindTypeBlock(std::string_view keyword);
 std::optional<Part> FindPart(std::string_view keyword);
 
 /// What a parameter is, for a person.
-std::string_view DescribeField(Field field);
+Phrase DescribeField(Field field);
 
 /// True for blocks whose content is written in another language: nothing in it is A2L but its end.
 bool IsForeignBlock(std::string_view keyword);

@@ -1,5 +1,7 @@
 #include "a2l/Parser.h"
 
+#include "Phrases.h"
+
 #include "a2l/Keywords.h"
 #include "a2l/Numbers.h"
 #include "a2l/TokenStream.h"
@@ -70,19 +72,19 @@ private:
     }
 
     static std::string Describe(const PlacedToken& token) {
-        return token.kind == TokenKind::EndOfFile ? "the end of the file"
+        return token.kind == TokenKind::EndOfFile ? Phrased("the end of the file")
                                                   : Quoted(token.span.Text());
     }
 
     static std::string Describe(const Block& block) {
-        return std::string(block.Name()) + " of line " +
-               std::to_string(block.begin.source->LineOf(block.begin.position));
+        return Phrased("{} of line {}", block.Name(),
+                       std::to_string(block.begin.source->LineOf(block.begin.position)));
     }
 
     Block OpenBlock(const PlacedToken& begin) {
         const PlacedToken keyword = mStream.Next();
         if (keyword.kind != TokenKind::Word) {
-            Fail(begin.span, "expected a keyword after /begin, got " + Describe(keyword));
+            Fail(begin.span, Phrased("expected a keyword after /begin, got {}", Describe(keyword)));
         }
         mHasBlocks = true;
         return {begin.span, keyword.span};
@@ -93,9 +95,11 @@ private:
     Span Close(const Block& block, const PlacedToken& end) {
         const PlacedToken keyword = mStream.Next();
         if (keyword.kind != TokenKind::Word || keyword.span.Text() != block.Name()) {
-            Fail(end.span, "expected /end " + Describe(block) + ", got /end " +
-                               (keyword.kind == TokenKind::Word ? std::string(keyword.span.Text())
-                                                                : "and " + Describe(keyword)));
+            Fail(end.span, keyword.kind == TokenKind::Word
+                               ? Phrased("expected /end {}, got /end {}", Describe(block),
+                                         keyword.span.Text())
+                               : Phrased("expected /end {}, got /end and {}", Describe(block),
+                                         Describe(keyword)));
         }
         if (keyword.span.source != block.begin.source) {
             return {};
@@ -105,7 +109,7 @@ private:
     }
 
     [[noreturn]] static void FailAtEnd(const PlacedToken& end, const Block& block) {
-        Fail(end.span, "expected /end " + Describe(block) + ", got the end of the file");
+        Fail(end.span, Phrased("expected /end {}, got the end of the file", Describe(block)));
     }
 
     // What lies outside objects.
@@ -114,7 +118,8 @@ private:
         const bool isVersion = token.IsWord("ASAP2_VERSION") || token.IsWord("A2ML_VERSION");
         const bool isExpected = !mContainers.empty() || isVersion || mVersionNumbers > 0;
         if (!isExpected) {
-            Fail(token.span, "expected ASAP2_VERSION or /begin PROJECT, got " + Describe(token));
+            Fail(token.span,
+                 Phrased("expected ASAP2_VERSION or /begin PROJECT, got {}", Describe(token)));
         }
         mVersionNumbers = isVersion ? 2 : mVersionNumbers - (mVersionNumbers > 0 ? 1 : 0);
     }
@@ -150,7 +155,7 @@ private:
 
     void CloseContainer(const PlacedToken& end) {
         if (mContainers.empty()) {
-            Fail(end.span, "there is no block to /end here");
+            Fail(end.span, Phrased("there is no block to /end here"));
         }
         Close(mContainers.back(), end);
         mContainers.pop_back();
@@ -161,7 +166,8 @@ private:
             FailAtEnd(end, mContainers.back());
         }
         if (!mHasBlocks) {
-            throw Fault(mMain, 0, "expected /begin PROJECT, but the file has no block at all");
+            throw Fault(mMain, 0,
+                        Phrased("expected /begin PROJECT, but the file has no block at all"));
         }
     }
 
@@ -237,8 +243,8 @@ private:
 
     [[noreturn]] static void FailParameter(const Block& block, Field field,
                                            const PlacedToken& token) {
-        Fail(token.span, "expected " + std::string(DescribeField(field)) + " of " +
-                             std::string(block.Name()) + ", got " + Describe(token));
+        Fail(token.span, Phrased("expected {} of {}, got {}", Phrased(DescribeField(field)),
+                                 block.Name(), Describe(token)));
     }
 
     [[nodiscard]] static NumberAt Number(const Block& block, Field field,
@@ -256,8 +262,8 @@ private:
         const std::optional<std::uint64_t> value =
             token.kind == TokenKind::Word ? ParseUnsigned(token.span.Text()) : std::nullopt;
         if (!value) {
-            Fail(token.span, "expected a number of at most 64 bits after " + std::string(keyword) +
-                                 ", got " + Describe(token));
+            Fail(token.span, Phrased("expected a number of at most 64 bits after {}, got {}",
+                                     keyword, Describe(token)));
         }
         return {token.span, *value};
     }
@@ -405,8 +411,8 @@ private:
     void TakeLink(Object& object) {
         const PlacedToken symbol = mStream.Next();
         if (symbol.kind != TokenKind::Text) {
-            Fail(symbol.span,
-                 "expected a symbol in quotes after SYMBOL_LINK, got " + Describe(symbol));
+            Fail(symbol.span, Phrased("expected a symbol in quotes after SYMBOL_LINK, got {}",
+                                      Describe(symbol)));
         }
         object.link = symbol.Content();
         const PlacedToken token = mStream.Next();
@@ -417,7 +423,8 @@ private:
         }
         const std::optional<std::int64_t> offset = ParseSigned(token.span.Text());
         if (!offset) {
-            Fail(token.span, "expected an offset of at most 63 bits, got " + Describe(token));
+            Fail(token.span,
+                 Phrased("expected an offset of at most 63 bits, got {}", Describe(token)));
         }
         object.linkOffset = *offset;
     }

@@ -1,6 +1,7 @@
 #include "a2l/SymbolIndex.h"
 
 #include "NearNames.h"
+#include "Phrases.h"
 
 #include "a2l/Identifiers.h"
 #include "demangle/Demangler.h"
@@ -157,7 +158,7 @@ public:
     /// What could not be followed.
     [[nodiscard]] std::string_view Rest() const { return mRest; }
     [[nodiscard]] std::string Problem() const {
-        return mProblem.empty() ? "the symbol has too many steps" : mProblem;
+        return mProblem.empty() ? Phrased("the symbol has too many steps") : mProblem;
     }
 
 private:
@@ -165,15 +166,15 @@ private:
         const ObjectId type = mModel.WithoutTypedefs(mPlace.type);
         const ObjectKind kind = mModel.Object(type).kind;
         if (mPlace.isBitField) {
-            mProblem = "a bit field has no parts";
+            mProblem = Phrased("a bit field has no parts");
         } else if (kind == ObjectKind::Array) {
             TakeElement(type);
         } else if (HasMembers(kind)) {
             TakeMember(type);
         } else if (kind == ObjectKind::Pointer) {
-            mProblem = "a pointer is not followed";
+            mProblem = Phrased("a pointer is not followed");
         } else {
-            mProblem = "what lies here has no parts";
+            mProblem = Phrased("what lies here has no parts");
         }
     }
 
@@ -201,7 +202,7 @@ private:
         }
         const std::optional<std::uint64_t> index = ParseIndex(digits);
         if (!index || length > mRest.size()) {
-            mProblem = "an array has no members, only elements";
+            mProblem = Phrased("an array has no members, only elements");
             return;
         }
         ApplyIndex(array, *index);
@@ -213,8 +214,8 @@ private:
         const std::uint64_t count =
             mPlace.indexedDimensions < dimensions.size() ? dimensions[mPlace.indexedDimensions] : 0;
         if (index >= count) {
-            mProblem = "index " + std::to_string(index) + " is beyond the dimension of " +
-                       std::to_string(count);
+            mProblem = Phrased("index {} is beyond the dimension of {}", std::to_string(index),
+                               std::to_string(count));
             return;
         }
         std::uint64_t partSize = mModel.ElementStride(array);
@@ -233,7 +234,7 @@ private:
 
     void TakeMember(ObjectId type) {
         if (!mRest.starts_with('.')) {
-            mProblem = "a structure has no elements, only members";
+            mProblem = Phrased("a structure has no elements, only members");
             return;
         }
         const std::string_view text = mRest.substr(1);
@@ -250,7 +251,7 @@ private:
             }
         }
         if (member == nullptr) {
-            mProblem = "no member named '" + std::string(text.substr(0, nearest)) + "'";
+            mProblem = Phrased("no member named '{}'", text.substr(0, nearest));
             return;
         }
         mRest.remove_prefix(1 + length);
@@ -305,8 +306,8 @@ SymbolIndex::SymbolIndex(const Model& model, UnderscoreHabit habit)
 
 SymbolIndex::Answer SymbolIndex::Find(std::string_view symbol) const {
     Answer answer;
-    answer.problem =
-        symbol.size() > sLongestSymbol ? "the symbol is too long" : "no variable of this name";
+    answer.problem = Phrased(symbol.size() > sLongestSymbol ? Phrase("the symbol is too long")
+                                                            : Phrase("no variable of this name"));
     if (symbol.empty() || symbol.size() > sLongestSymbol) {
         return answer;
     }
@@ -397,17 +398,17 @@ void SymbolIndex::Choose(const std::vector<Place>& places, Answer& answer) const
     }
     constexpr std::size_t most = 4;
     answer.outcome = Outcome::Ambiguous;
-    answer.problem = "several variables have this name: ";
+    std::string names;
     for (std::size_t index = 0; index < std::min(places.size(), most); ++index) {
         const ObjectId unit = mModel.CompileUnitOf(places[index].global);
-        answer.problem.append(index == 0 ? "" : ", ")
+        names.append(index == 0 ? "" : ", ")
             .append(mModel.Object(unit).name)
             .append(unit == 0 ? "" : "::")
-            .append(mModel.QualifiedName(places[index].global))
-            .append(" at ")
-            .append(Hexadecimal(places[index].address));
+            .append(Phrased("{} at {}", mModel.QualifiedName(places[index].global),
+                            Hexadecimal(places[index].address)));
     }
-    answer.problem.append(places.size() > most ? ", ..." : "");
+    names.append(places.size() > most ? ", ..." : "");
+    answer.problem = Phrased("several variables have this name: {}", names);
 }
 
 std::vector<DataModel::ObjectId> SymbolIndex::Heads(std::string_view head, std::string_view unit,

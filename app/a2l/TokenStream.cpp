@@ -1,5 +1,7 @@
 #include "a2l/TokenStream.h"
 
+#include "Phrases.h"
+
 #include <algorithm>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -34,7 +36,7 @@ PlacedToken TokenStream::Next() {
             const PlacedToken file{name.kind, {&current.Of(), name.position, name.length}};
             if (name.kind != TokenKind::Text && name.kind != TokenKind::Word) {
                 throw Fault(current.Of(), token.position,
-                            "expected the name of a file after /include");
+                            Phrased("expected the name of a file after /include"));
             }
             if (mIsFollowing) {
                 Enter(file.Content());
@@ -52,10 +54,10 @@ void TokenStream::Enter(const Span& name) {
         mOpen, [&included](const Tokenizer& open) { return &open.Of() == &included; });
     const std::string text(name.Text());
     if (isOpen) {
-        throw Fault(from, name.position, "'" + text + "' includes itself");
+        throw Fault(from, name.position, Phrased("'{}' includes itself", text));
     }
     if (mOpen.size() > sDeepestInclude || ++mTimesIncluded[&included] > sMostTimesIncluded) {
-        throw Fault(from, name.position, "'" + text + "' is included too often or too deep");
+        throw Fault(from, name.position, Phrased("'{}' is included too often or too deep", text));
     }
     mOpen.emplace_back(included);
 }

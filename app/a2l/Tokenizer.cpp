@@ -1,5 +1,7 @@
 #include "a2l/Tokenizer.h"
 
+#include "Phrases.h"
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -92,7 +94,7 @@ void Tokenizer::SkipSpace() {
             const std::size_t end = mBytes.find("*/", mPosition + 2);
             if (end == std::string_view::npos) {
                 throw Fault(mSource, mPosition,
-                            "the comment that begins here has no end, expected */");
+                            Phrased("the comment that begins here has no end, expected */"));
             }
             mPosition = end + 2;
         } else if (start == "//") {
@@ -108,7 +110,8 @@ Token Tokenizer::TakeText() {
     for (std::size_t position = start + 1;;) {
         position = mBytes.find_first_of("\"\\", position);
         if (position == std::string_view::npos) {
-            throw Fault(mSource, start, "the text that begins here has no end, expected \"");
+            throw Fault(mSource, start,
+                        Phrased("the text that begins here has no end, expected \""));
         }
         const bool isPair = position + 1 < mBytes.size() &&
                             (mBytes[position] == '\\' || mBytes[position + 1] == '"');

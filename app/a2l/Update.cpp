@@ -1,5 +1,7 @@
 #include "a2l/Update.h"
 
+#include "Phrases.h"
+
 #include "a2l/BitMask.h"
 #include "a2l/Numbers.h"
 
@@ -135,9 +137,9 @@ private:
         // A file that has larger addresses is for a tool that takes them.
         if (isWrapped || (target > sLargestAddress && object.address.value <= sLargestAddress)) {
             result.status = Status::OutOfRange;
-            result.problem = isWrapped
-                                 ? "the offset of the link leads out of the memory"
-                                 : "the address " + Hexadecimal(target) + " has more than 32 bits";
+            result.problem =
+                isWrapped ? Phrased("the offset of the link leads out of the memory")
+                          : Phrased("the address {} has more than 32 bits", Hexadecimal(target));
             return;
         }
         result.newAddress = target;
@@ -155,15 +157,15 @@ private:
     MaskedPlace PlaceOfBits(const Object& object, const SymbolIndex::Place& place,
                             ObjectResult& result) {
         const bool hasMask = object.bitMask.span.IsSet();
-        const std::string inFile = hasMask ? Hexadecimal(object.bitMask.value) : "none";
+        const std::string inFile = hasMask ? Hexadecimal(object.bitMask.value) : Phrased("none");
         const std::optional<MaskedPlace> masked =
             FindMaskedPlace(place, mComparison.NumberSize(object).value_or(place.size),
                             object.isBigEndian.value_or(mChoices.isBigEndian),
                             hasMask ? std::optional(object.bitMask.value) : std::nullopt);
         if (!masked) {
-            result.differences.push_back(
-                {"bitMask", inFile,
-                 std::to_string(place.bitSize) + " bits, which the datatype does not hold"});
+            result.differences.push_back({"bitMask", inFile,
+                                          Phrased("{} bits, which the datatype does not hold",
+                                                  std::to_string(place.bitSize))});
             return {place.address, object.bitMask.value};
         }
         const bool isRight = hasMask && object.bitMask.value == masked->mask;
@@ -216,15 +218,17 @@ private:
                                             *module.isBigEndian != mChoices.isBigEndian);
         }
         if (isOtherOrder) {
-            mResult.remarks.emplace_back(
-                std::string("BYTE_ORDER in MOD_COMMON is not that of the image, which has its most "
-                            "significant byte ") +
-                (mChoices.isBigEndian ? "first (MSB_FIRST)" : "last (MSB_LAST)"));
+            mResult.remarks.push_back(Phrased(
+                mChoices.isBigEndian
+                    ? Phrase("BYTE_ORDER in MOD_COMMON is not that of the image, which has its "
+                             "most significant byte first (MSB_FIRST)")
+                    : Phrase("BYTE_ORDER in MOD_COMMON is not that of the image, which has its "
+                             "most significant byte last (MSB_LAST)")));
         }
         if (variantAddresses != 0) {
-            mResult.remarks.push_back(
-                std::to_string(variantAddresses) +
-                " addresses in VAR_ADDRESS have no symbol and stay as they are");
+            mResult.remarks.push_back(PhrasedCount(
+                variantAddresses, "{} address in VAR_ADDRESS has no symbol and stays as it is",
+                "{} addresses in VAR_ADDRESS have no symbol and stay as they are"));
         }
     }
 

@@ -1,6 +1,7 @@
 #include "a2l/UpdateReport.h"
 
 #include "Message.h"
+#include "Phrases.h"
 #include "TableWriter.h"
 
 #include "a2l/Numbers.h"
@@ -54,12 +55,8 @@ std::string DifferencesOf(const ObjectResult& result) {
     std::string text;
     for (const Difference& difference : result.differences) {
         text.append(text.empty() ? "" : "; ")
-            .append(difference.what)
-            .append(": ")
-            .append(difference.inFile)
-            .append(" in the file, ")
-            .append(difference.inImage)
-            .append(" in the image");
+            .append(Phrased("{}: {} in the file, {} in the image", difference.what,
+                            difference.inFile, difference.inImage));
     }
     return ToHostText(text);
 }
@@ -79,36 +76,37 @@ Cell NumberCell(bool isThere, std::uint64_t number) {
 std::string FateOf(const ObjectResult& result, const Object& object, MissingChoice missing) {
     const std::string old = Hexadecimal(object.address.value);
     if (result.isRemoved) {
-        return "removed";
+        return Phrased("removed");
     }
-    return result.status == Status::NotFound && missing == MissingChoice::Zero
-               ? "its address " + old + " is set to 0"
-               : "its address " + old + " is kept";
+    const bool isZeroed = result.status == Status::NotFound && missing == MissingChoice::Zero;
+    return Phrased(
+        isZeroed ? Phrase("its address {} is set to 0") : Phrase("its address {} is kept"), old);
 }
 
 std::string MoveOf(const ObjectResult& result, const Object& object) {
     std::string text;
     if (result.newAddress != object.address.value) {
-        text = "moved from " + Hexadecimal(object.address.value) + " to " +
-               Hexadecimal(result.newAddress);
+        text = Phrased("moved from {} to {}", Hexadecimal(object.address.value),
+                       Hexadecimal(result.newAddress));
     }
     if (result.newMask != object.bitMask.value) {
         text.append(text.empty() ? "" : ", ")
-            .append("bit mask " + Hexadecimal(object.bitMask.value) + " is now " +
-                    Hexadecimal(result.newMask));
+            .append(Phrased("bit mask {} is now {}", Hexadecimal(object.bitMask.value),
+                            Hexadecimal(result.newMask)));
     }
     return text;
 }
 
 std::string ProblemOf(const ObjectResult& result, const Object& object, MissingChoice missing) {
-    std::string text = result.status == Status::NotFound ? "not found in the image: " : "";
-    text += result.problem;
+    std::string text = result.status == Status::NotFound
+                           ? Phrased("not found in the image: {}", result.problem)
+                           : result.problem;
     if (!result.nearNames.empty()) {
-        text += "; nearest names: " + result.nearNames;
+        text += Phrased("; similar names: {}", result.nearNames);
     }
     text += "; " + FateOf(result, object, missing);
     if (!result.nowAtOldAddress.empty() && !result.isRemoved) {
-        text += ", where the image has " + result.nowAtOldAddress;
+        text += Phrased(", where the image has {}", result.nowAtOldAddress);
     }
     return text;
 }
@@ -121,8 +119,10 @@ public:
         , mHasReport(hasReport) {}
     ~Lines() {
         if (mCount > sMostLines) {
-            Tell("... and " + std::to_string(mCount - sMostLines) + " more like these" +
-                 (mHasReport ? "; the report has all" : "; --report FILE tells all"));
+            Tell(Phrased(mHasReport
+                             ? Phrase("... and {} more like these; the report has all")
+                             : Phrase("... and {} more like these; --report FILE writes all"),
+                         std::to_string(mCount - sMostLines)));
         }
     }
     Lines(const Lines&) = delete;
@@ -144,8 +144,8 @@ private:
     std::size_t mCount = 0;
 };
 
-std::string Counted(std::size_t count, std::string_view words) {
-    return count == 0 ? std::string() : ", " + std::to_string(count) + " " + std::string(words);
+std::string Counted(std::size_t count, Phrase phrase) {
+    return count == 0 ? std::string() : Phrased(phrase, std::to_string(count));
 }
 
 } // namespace
@@ -220,14 +220,13 @@ void TellUpdate(const Document& document, const UpdateResult& result, MissingCho
     const auto count = [&result](Status status) {
         return result.counts[static_cast<std::size_t>(status)];
     };
-    Tell(std::to_string(result.objects.size()) +
-         " objects: " + std::to_string(count(Status::Updated)) + " updated, " +
-         std::to_string(count(Status::Unchanged)) + " unchanged" +
-         Counted(count(Status::NotFound), "not found") +
-         Counted(count(Status::Ambiguous), "ambiguous") +
-         Counted(count(Status::OutOfRange), "out of range") +
-         Counted(different, "with another type or size than the image") +
-         Counted(result.withoutAddress, "without an address"));
+    Tell(Phrased("{} objects: {} updated, {} unchanged", std::to_string(result.objects.size()),
+                 std::to_string(count(Status::Updated)), std::to_string(count(Status::Unchanged))) +
+         Counted(count(Status::NotFound), ", {} not found") +
+         Counted(count(Status::Ambiguous), ", {} ambiguous") +
+         Counted(count(Status::OutOfRange), ", {} out of range") +
+         Counted(different, ", {} with another type or size than the image") +
+         Counted(result.withoutAddress, ", {} without an address"));
 }
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

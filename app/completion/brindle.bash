@@ -8,7 +8,7 @@ _brindle_options() {
     case $1 in
     vars) echo "$any $list $reading --format" ;;
     leaves) echo "$any $list $reading --max-elements --max-leaves --format" ;;
-    find) echo "$any --values $reading --format" ;;
+    find) echo "$any --section --values $reading --format" ;;
     info) echo "$any $reading --format" ;;
     types) echo "$any $names --c --allow-empty $reading" ;;
     diff) echo "$any $names --variables-only --symbols --exit-code $reading --max-elements --max-leaves --format" ;;

@@ -17,9 +17,9 @@ std::string NearTo(std::string_view wanted) {
 }
 
 TEST(NearNamesTest, TheNearestThreeAreKeptInTheirOrder) {
-    EXPECT_EQ(NearTo("motor"), "; nearest names: motor, motors, gMotorSpeed");
-    EXPECT_EQ(NearTo("SUPLY"), "; nearest names: supply");
-    EXPECT_EQ(NearTo("rotors"), "; nearest names: motors, rotor, motor");
+    EXPECT_EQ(NearTo("motor"), "; similar names: motor, motors, gMotorSpeed");
+    EXPECT_EQ(NearTo("SUPLY"), "; similar names: supply");
+    EXPECT_EQ(NearTo("rotors"), "; similar names: motors, rotor, motor");
     EXPECT_EQ(NearTo("temperature"), "");
     EXPECT_EQ(NearTo(""), "");
     EXPECT_EQ(NearTo(std::string(1000, 'x')), "");

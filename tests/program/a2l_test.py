@@ -2,7 +2,8 @@
 """Checks of `brindle a2l` as its user meets it: files that are written or left alone, reports, exit
 status; and of its exports, which are read by a strict reader and by the update.
 
-BRINDLE_PROGRAM names the program, BRINDLE_SAMPLE_IMAGES the folder of the sample images.
+BRINDLE_PROGRAM names the program, BRINDLE_SOURCE the folder of the sources, BRINDLE_SAMPLE_IMAGES
+that of the sample images.
 """
 
 import collections
@@ -17,10 +18,13 @@ import subprocess
 import tempfile
 import unittest
 
+import jsonschema
+
 import a2l_grammar
 
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
+SCHEMAS = pathlib.Path(os.environ["BRINDLE_SOURCE"]) / "docs" / "schema"
 IMAGE = SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf"
 
 
@@ -113,7 +117,12 @@ class UpdateTest(A2lTest):
         self.assertEqual(rows[0]["newAddress"], "0x20000048")
         self.assertEqual(rows[1]["nearNames"], "tick")
         self.assertEqual(rows[1]["nowAtOldAddress"], "tick")
-        document = json.loads((self.folder / "r.json").read_text())["rows"]
+        document = json.loads((self.folder / "r.json").read_text())
+        schema = json.loads((SCHEMAS / "a2l-update.json").read_text())
+        jsonschema.Draft202012Validator(schema).validate(document)
+        self.assertEqual(list(document["rows"][0]),
+                         list(schema["properties"]["rows"]["items"]["properties"]))
+        document = document["rows"]
         self.assertEqual([row["status"] for row in document], ["updated", "notFound"])
         self.assertEqual(document[0]["newAddress"], 0x20000048)
 
@@ -156,6 +165,10 @@ class UpdateTest(A2lTest):
         self.input.write_text(description(content))
         output, error = self.run_program("update", "in.a2l", IMAGE)
         self.assertEqual(output, description(content))
+        german = self.run_program("update", "in.a2l", IMAGE, "--language", "49")[1]
+        for text in ["datatype: UWORD in der Datei, float im Programm", "mehrere Variablen heißen so",
+                     "3 Objekte: 0 geändert, 2 unverändert, 1 mehrdeutig, 2 mit anderem Typ"]:
+            self.assertIn(text, german)
         self.assertIn("datatype: UWORD in the file, float in the image", error)
         self.assertIn("elements: 3 in the file, 1 in the image", error)
         self.assertIn("counter: several variables have this name: motor_c::counter at 0x200001a0", error)
@@ -187,6 +200,7 @@ class UpdateTest(A2lTest):
         self.file("circle.a2l", "/include circle.a2l")
         self.file("utf16.a2l", "\xff\xfe/\0b")
         self.file("bad.elf", "\x7fELF")
+        self.file("nothing.exe", "MZ" + "\0" * 100)
         before = self.files()
         for arguments, message in [
                 (["bad.a2l", IMAGE], "bad.a2l:2: expected /end PROJECT"),
@@ -196,6 +210,7 @@ class UpdateTest(A2lTest):
                 ([self.folder, IMAGE], "Is a directory"),
                 ([IMAGE, "in.a2l"], "expected an A2L text"),
                 (["in.a2l", "bad.elf"], "bad.elf: "),
+                (["in.a2l", "nothing.exe"], "neither debug information nor symbols"),
                 (["in.a2l", SAMPLE_IMAGES / "arm-c-dwarf4-O2-object.o"], "")]:
             with self.subTest(arguments=arguments):
                 output, error = self.run_program("update", *arguments, "-o", "out.a2l", "--report",
@@ -212,9 +227,9 @@ class UpdateTest(A2lTest):
 
     def test_wrong_usage_is_told(self):
         for arguments, message in [
-                (["update", "in.a2l"], "IMAGE"), (["updat"], "nearest names: update"), ([], ""),
+                (["update", "in.a2l"], "IMAGE"), (["updat"], "similar names: update"), ([], ""),
                 (["update", "in.a2l", IMAGE, "--in-place", "-o", "x"], "--in-place"),
-                (["update", "in.a2l", IMAGE, "--missing", "drop"], "none of keep, zero, remove"),
+                (["update", "in.a2l", IMAGE, "--missing", "drop"], "not one of keep, zero, remove"),
                 (["export", IMAGE, "--structures", "--file-version", "1.6"], "1.7.1")]:
             with self.subTest(arguments=arguments):
                 _, error = self.run_program(*arguments, status=2)
@@ -297,7 +312,7 @@ class ExportTest(A2lTest):
         self.assertEqual({name: facts["kind"] for name, facts in found.objects.items()},
                          {"tick": "CHARACTERISTIC", "spare_words": "MEASUREMENT"})
         _, error = self.run_program("export", IMAGE, "--section", ".none", "-o", "x.a2l", status=1)
-        self.assertIn("no section fits '.none'; there are ", error)
+        self.assertIn("no section matches '.none'; the sections are ", error)
         self.assertEqual(self.files(), [])
 
     def test_a_fragment_fits_into_a_module(self):

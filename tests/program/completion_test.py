@@ -81,7 +81,7 @@ class CompletionTest(unittest.TestCase):
                     self.assertLessEqual(offered, set(found))
                     self.assertFalse(missing & set(found))
             self.assertEqual(shell("vars", "--al")["--all-types"],
-                             "Deliver types that no variable uses as well")
+                             "Read types too that no variable uses")
 
 
 if __name__ == "__main__":

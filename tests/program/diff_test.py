@@ -86,7 +86,7 @@ class DiffTest(ProgramTest):
                               ("motors[1].loops[0].gain", "no differences\n"),
                               ("motor", "no exact match for 'motor'; listing the variables and"),
                               ("no*thing", "no variable or leaf of the two files matches 'no*thing'\n"),
-                              ("motrs", "matches 'motrs'; nearest names: motors\n")]:
+                              ("motrs", "matches 'motrs'; similar names: motors\n")]:
             with self.subTest(pattern=pattern):
                 output, error = self.run_program("diff", OLD, OLD, pattern)
                 self.assertEqual(output, "")

@@ -96,6 +96,9 @@ class InfoTest(unittest.TestCase):
         with tempfile.TemporaryDirectory(prefix="brindle-test-") as folder:
             files = {"empty.elf": b"", "text.txt": b"Of all the files this is none.\n" * 20,
                      "cut.elf": PLANT.read_bytes()[:3000], "MZ.exe": b"MZ" + bytes(100)}
+            reasons = {"empty.elf": "(The file is empty)", "text.txt": "(Read as COFF",
+                       "cut.elf": "(the file ends before its headers say", ".": "(Is a directory)",
+                       "missing.elf": "(No such file"}
             for name, content in files.items():
                 pathlib.Path(folder, name).write_bytes(content)
             for name in [*files, ".", "missing.elf"]:
@@ -109,8 +112,14 @@ class InfoTest(unittest.TestCase):
                         # A sound program for DOS.
                         self.assertEqual((info["ok"], error), (True, ""))
                         self.assertIn("a file of another kind", output)
+                        error = run("vars", path, status=1)[1]
+                        self.assertIn("neither debug information nor symbols", error)
                         continue
                     self.assertEqual(len(error.splitlines()), 1, error)
+                    self.assertIn(reasons[name], error)
+                    if name == "cut.elf":
+                        self.assertIn("(die Datei endet vor", run("vars", "--language", "49", path, status=1)[1])
+                    self.assertIn(reasons[name], output)
                     self.assertTrue(error.startswith(f"brindle: {path}: "), error)
                     self.assertEqual((info["ok"], bool(info["error"])), (False, True))
 
@@ -145,7 +154,7 @@ class FindTest(unittest.TestCase):
     def test_what_leads_nowhere_is_told(self):
         for query, text in [
                 ("0x1", "no variable lies here"),
-                ("20000010", "an address is a hexadecimal number with 0x in front"),
+                ("20000010", "an address is a hexadecimal number that begins with 0x"),
                 ("0x2000001g", "an address is a hexadecimal number"),
                 ("0x", "an address is a hexadecimal number"),
                 ("0x10000000000000000", "an address is a hexadecimal number")]:
@@ -224,7 +233,7 @@ class DemangleTest(unittest.TestCase):
 
 class FormatTest(unittest.TestCase):
     COMMANDS = {"vars": [[], ["--values"]], "leaves": [[], ["--values", "--section"]],
-                "find": [["0x20000050"], ["tick", "--values", "motors[1].status.phase"]], "info": [[]]}
+                "find": [["0x20000050"], ["tick", "--values", "--section", "motors[1].status.phase"]], "info": [[]]}
 
     def assert_valid(self, schema, document):
         jsonschema.Draft202012Validator(schema).validate(document)

@@ -68,7 +68,7 @@ class PatternTest(ProgramTest):
         self.assertEqual(self.names("leaves", IMAGE, "--unit", "supply", "*.cells\\[1].*")[0],
                          [f"main_supply.cells[1].{member}" for member in ["millivolts", "celsius", "neighbour"]])
         error = self.run_program("vars", IMAGE, "--unit", "moter_c", status=1)[1]
-        self.assertIn("no compile unit matches 'moter_c'; nearest names: motor_c", error)
+        self.assertIn("no compile unit matches 'moter_c'; similar names: motor_c", error)
 
 
 class OrderTest(ProgramTest):

@@ -31,6 +31,7 @@ CLASSIC = ["--set", "mIsFullReading=0"]
 GLOBAL_OBJECT = 0x11
 FUNCTION = 0x12
 
+IMAGE_OF_BITS = str(SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf")
 COMMANDS = ["vars", "leaves", "find", "info", "types", "diff", "report", "dump", "trace", "demangle", "help"]
 
 SYMBOL_SCOPE = "_Symbol_Table_BKR_"
@@ -100,30 +101,30 @@ class UsageTest(ProgramTest):
         for arguments, text in [
                 ([], "a command is required"),
                 (["paint", file], "no command 'paint'\n"),
-                (["var", file], "no command 'var'; nearest names: vars\n"),
+                (["var", file], "no command 'var'; similar names: vars\n"),
                 (["-v"], "has no option '-v'"),
-                (["help", "var"], "no command 'var'; nearest names: vars\n"),
+                (["help", "var"], "no command 'var'; similar names: vars\nTry 'brindle --help'.\n"),
                 (["--list-options", "x"], "unexpected argument 'x'"),
-                (["--formt=csv", "vars", file], "vars has no option '--formt'; nearest"),
+                (["--formt=csv", "vars", file], "vars has no option '--formt'; similar"),
                 (["vars"], "FILE is required"),
                 (["trace"], "FILE is required"),
                 (["demangle"], "NAME is required"),
                 (["vars", file, "x", "y"], "unexpected argument 'y'"),
-                (["vars", file, file], f"one file at a time: '{file}' is an image as well"),
-                (["types", file, "x", file], f"one file at a time: '{file}' is an image as well"),
+                (["vars", file, file], f"one file at a time: '{file}' is an image too"),
+                (["types", file, "x", file], f"one file at a time: '{file}' is an image too"),
                 (["vars", file, "--bogus"], "vars has no option '--bogus'\n"),
-                (["vars", file, "--formt=csv"], "'--formt'; nearest names: --format"),
-                (["vars", file, "--container", "zip"], "'zip' is none of auto, elf, coff, pe"),
-                (["vars", file, "--format", "xml"], "'xml' is none of table, csv, json"),
+                (["vars", file, "--formt=csv"], "'--formt'; similar names: --format"),
+                (["vars", file, "--container", "zip"], "'zip' is not one of auto, elf, coff, pe"),
+                (["vars", file, "--format", "xml"], "'xml' is not one of table, csv, json"),
                 (["dump", "--format", "csv", file], "dump has no option '--format'"),
-                (["vars", file, "--language", "german"], "'german' is no number"),
-                (["leaves", file, "--max-leaves", "0"], "'0' is no number from 1 on"),
+                (["vars", file, "--language", "german"], "expected a number, got 'german'"),
+                (["leaves", file, "--max-leaves", "0"], "a number of at least 1, got '0'"),
                 (["diff", file], "NEW is required"),
                 (["vars", file, "--set"], "brindle: --set needs a value\n"),
                 (["vars", file, "--format"], "brindle: --format needs a value\n"),
                 (["vars", file, "--set", "mSymTabSearchMode"], "OPTION=VALUE"),
-                (["vars", file, "--set", "mSymTabSearchMode=yes"], "'yes' is no value"),
-                (["vars", file, "--set", "mSymTabSearchMode=99999999999"], "is no value"),
+                (["vars", file, "--set", "mSymTabSearchMode=yes"], "'yes' is not a value"),
+                (["vars", file, "--set", "mSymTabSearchMode=99999999999"], "is not a value"),
                 (["vars", file, "--set", "mLogAutoFlush=2"], "0, 1, true or false"),
                 (["vars", file, "--set", "mSymTabSearchMod=1"], "mSymTabSearchMode"),
                 (["vars", file, "--set", "foo=1"], "the reader has no option 'foo'\n"),
@@ -217,7 +218,7 @@ class ReportTest(ProgramTest):
                 ([file, "-o", str(self.folder / "no" / "report.html")], 1,
                  "report.html: the report can't be written: No such file or directory\n"),
                 ([file, "-o", str(self.folder)], 1, "can't be written: Is a directory\n"),
-                ([file, "-o", file], 2, "would replace the image"),
+                ([file, "-o", file], 2, "would overwrite the image"),
                 ([file], 2, "--output is required")]:
             with self.subTest(arguments=arguments):
                 output, error = self.run_program("report", *arguments, status=status)
@@ -237,6 +238,32 @@ class ReportTest(ProgramTest):
         self.assertIn("No space left", self.run_program("report", file, "-o", "/dev/full", status=1)[1])
 
 
+class GermanTest(ProgramTest):
+    IMAGE = str(SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf")
+
+    def test_what_the_program_says_is_german_to_the_end(self):
+        other = str(SAMPLE_IMAGES / "arm-c-dwarf4-O2.elf")
+        for status, arguments, text in [
+                (2, ["vars"], "FILE fehlt\n'brindle vars --help' zeigt die Hilfe.\n"),
+                (2, ["vars", self.IMAGE, "--sort", "x"], "--sort: 'x' ist keines von address, name, size, file"),
+                (2, ["vars", self.IMAGE, "--set", "foo=1"], "der Leser hat keine Option 'foo'"),
+                (2, ["var"], "es gibt keinen Befehl 'var'; ähnliche Namen: vars"),
+                (1, ["vars", self.IMAGE, "moter"], "keine Variable passt zu 'moter'; ähnliche Namen: motors"),
+                (0, ["vars", self.IMAGE, "supply"], "'supply' passt zu keinem ganzen Namen"),
+                (1, ["find", self.IMAGE, "motors[7]"],
+                 "'motors' ist gefunden, dann: Index 7 liegt außerhalb der Dimension von 3\n"),
+                (1, ["find", self.IMAGE, "motors[0].gian"], 'kein Member "gian"'),
+                (1, ["find", self.IMAGE, "0xffffffff"], "hier liegt keine Variable"),
+                (0, ["leaves", self.IMAGE, "motors", "--max-elements", "2"],
+                 "7 Arrays sind nur bis --max-elements 2 aufgelöst, zuerst 'motors'\n"),
+                (0, ["diff", self.IMAGE, other, "header"], "brindle: 1 Variable verschoben\n"),
+                (1, ["report", self.IMAGE, "-o", "/missing/x"],
+                 "kann nicht geschrieben werden: Datei oder Verzeichnis nicht gefunden"),
+        ]:
+            with self.subTest(arguments=arguments):
+                self.assertIn(text, self.run_program(*arguments, "--language", "49", status=status)[1])
+
+
 class FailedReadTest(ProgramTest):
     def test_missing_file(self):
         missing = str(self.folder / "missing.elf")
@@ -252,12 +279,13 @@ class FailedReadTest(ProgramTest):
 
     def test_a_file_that_is_none_of_the_kinds_or_cut_off_is_told(self):
         elf = elf_image(TWO_SYMBOLS)
+        cut = "the file ends before its headers say: truncated, or not copied to the end"
         for content, text in [
                 (b"", "ELF file Seek has failed. (The file is empty)"),
                 (b"a text, not an image\n", "ELF file Read has failed. (Read as COFF, being neither "
                                            "ELF nor a Windows image)"),
-                (elf[:20], "ELF file Read has failed."),
-                (elf[:-1], "ELF file Read has failed."),
+                (elf[:20], f"ELF file Read has failed. ({cut})"),
+                (elf[:-1], f"ELF file Read has failed. ({cut})"),
         ]:
             with self.subTest(content=content[:20], length=len(content)):
                 file = self.file("input", content)
@@ -408,10 +436,10 @@ class SampleNamesTest(ProgramTest):
                 ("motors[1].loops[5].gain",
                  "resolves up to 'motors[1].loops', then index 5 is beyond the dimension of 2"),
                 ("motors[0].loopz", "resolves up to 'motors[0]', then no member named \"loopz\"; "
-                                    "nearest names: loops\n"),
+                                    "similar names: loops\n"),
                 ("motors[0]->name", "resolves up to 'motors[0]', then \".\" or \"[\" is expected"),
                 ("motors[0].next.name", "resolves up to 'motors[0].next', then a pointer is not"),
-                ("motor[0].name", "no variable of this name; nearest names: motors"),
+                ("motor[0].name", "no variable of this name; similar names: motors"),
                 ("", "no variable of this name\n"),
         ]:
             with self.subTest(expression=expression):
@@ -431,9 +459,9 @@ class SampleNamesTest(ProgramTest):
 
     def test_a_pattern_without_a_match_is_told_with_near_names(self):
         for command, pattern, text in [
-                ("vars", "Motors2", "no variable matches 'Motors2'; nearest names: motors"),
+                ("vars", "Motors2", "no variable matches 'Motors2'; similar names: motors"),
                 ("leaves", "motors[9].name", "no leaf matches 'motors[9].name'"),
-                ("types", "moter", "no type matches 'moter'; nearest names: motor"),
+                ("types", "moter", "no type matches 'moter'; similar names: motor"),
                 ("vars", "nothing*", "no variable matches 'nothing*'\n"),
         ]:
             with self.subTest(command=command, pattern=pattern):
@@ -535,12 +563,29 @@ class TerminalTest(ProgramTest):
                     for line in lines:
                         self.assertLessEqual(self.width(line), columns)
                     self.assertIn(ellipsis, lines[1])
-                    if columns >= 80:
-                        self.assertTrue(lines[1].endswith("speed"))
-                        self.assertTrue(lines[2].endswith("温度"))
+                    if columns >= 40:
+                        self.assertIn("speed", lines[1])
+                        self.assertIn("温度", lines[2])
+                    # Numbers stand whole or not at all.
+                    self.assertTrue(lines[1].startswith("0x00001000"))
+                    table = self.screen("leaves", IMAGE_OF_BITS, "--values", on_screen="stdout",
+                                        columns=columns, environment={"LC_ALL": locale}).splitlines()
+                    heads = re.sub("\x1b\\[\\d+m", "", table[0]).split()
+                    self.assertEqual(heads[-1].endswith(ellipsis), columns < 80, heads)
+                    self.assertEqual("compileUnit" in heads, columns == 200, heads)
+                    self.assertEqual("bitSize" in heads, columns >= 80, heads)
         bar = self.screen("vars", self.IMAGE, on_screen="stderr", columns=40)
         self.assertLess(max(len(line) for line in bar.split("\r")), 40)
         self.assertRegex(bar, r"#\.?\] 9\d%")
+
+    def test_help_fits_the_screen_and_keeps_its_words(self):
+        for command in ["find", "a2l update", "demangle"]:
+            with self.subTest(command=command):
+                whole = self.run_program("help", *command.split())[0]
+                narrow = self.screen("help", *command.split(), on_screen="stdout", columns=40)
+                self.assertEqual(narrow.split(), whole.split())
+                long = [line for line in narrow.splitlines() if len(line) > 40]
+                self.assertEqual(long, [line for line in whole.splitlines() if line.startswith("  brindle ")])
 
     @staticmethod
     def width(line):

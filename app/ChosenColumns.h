@@ -1,0 +1,33 @@
+// Columns that a table of variables or places has only where the user asks for them.
+#pragma once
+
+#include "TableWriter.h"
+
+#include "model/DataModel.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace Tessel::Norn::Brindle::Program {
+
+struct ChosenColumns {
+    /// The section that holds the address.
+    bool hasSections = false;
+    /// The initial value.
+    bool hasValues = false;
+};
+
+/// Adds `--section` and `--values`.
+void AddColumnArguments(CLI::App& command, ChosenColumns& chosen);
+
+/// Adds the chosen columns: that of the section, then `sValueColumns`.
+void AddChosenColumns(const ChosenColumns& chosen, std::vector<Column>& columns);
+
+/// The name of the section that holds an address, or nothing. Valid as long as the model.
+Cell SectionCell(const DataModel::Model& model, std::uint64_t address);
+
+} // namespace Tessel::Norn::Brindle::Program
