@@ -17,17 +17,7 @@ INCLUDE = re.compile(r'\s*#\s*include\s+"([^"]+)"')
 
 # Files that still include a room above their own, and why. An entry that no include needs fails, so that the
 # list only gets shorter.
-EXCEPTIONS = {
-    ("nodes/NodeCreation.cpp", "dwarf"): "makes nodes while a section is read; belongs to dwarf/",
-    ("nodes/NodeCreation.cpp", "container"): "the same",
-    ("nodes/NodeInitialization.cpp", "dwarf"): "fills nodes from decoded entries; belongs to dwarf/",
-    ("nodes/NodeInitialization.cpp", "container"): "the same",
-    ("nodes/NodeDump.cpp", "dwarf"): "walks the section that it prints; belongs to dwarf/",
-    ("nodes/NodeDump.cpp", "container"): "the same",
-    ("nodes/ReferenceText.cpp", "dwarf"): "the names of tags, which know nothing of reading",
-    ("nodes/TypeName.h", "dwarf"): "the constants of DWARF, which know nothing of reading",
-    ("nodes/VDebugInfoNode.h", "dwarf"): "constants, values and unit headers, which know nothing of reading",
-}
+EXCEPTIONS: dict[tuple[str, str], str] = {}
 
 
 def read_table():

@@ -1,8 +1,8 @@
 // Decoding of debug entries: forms, attributes and the walk over a unit, seen at the nodes that
 // come of it.
 #include "diagnostics/ErrorState.h"
-#include "dwarf/DwarfNames.h"
 #include "dwarf/ShortTexts.h"
+#include "dwarf/codes/DwarfNames.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "support/DwarfSections.h"
 #include "support/NodeTree.h"

@@ -13,7 +13,7 @@
 #pragma once
 
 #include "dwarf/DieForms.h"
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <cstdint>
 

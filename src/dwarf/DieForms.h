@@ -4,7 +4,7 @@
 #pragma once
 
 #include "core/ReadingManner.h"
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,11 +3,11 @@
 #include "container/VElfFile.h"
 #include "dwarf/UnitLanguage.h"
 #include "dwarf/VAbrTab.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
 #include "dwarf/VUnitTables.h"
+#include "nodes/VCompileUnitHeader.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 

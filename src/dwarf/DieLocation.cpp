@@ -4,12 +4,12 @@
 #include "dwarf/LocationExpression.h"
 #include "dwarf/UnitAddresses.h"
 #include "dwarf/VAbrTab.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
 #include "dwarf/VLocTabBuffer.h"
 #include "dwarf/VLocationLists.h"
+#include "nodes/VCompileUnitHeader.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 

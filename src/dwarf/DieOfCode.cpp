@@ -1,10 +1,10 @@
 // How the walk over a unit passes the entries of code, and how it reads them after all when one of
 // them is referred to. Which entries these are is in CodeEntries.h.
 #include "dwarf/VAbrTab.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
+#include "nodes/VCompileUnitHeader.h"
 #include "nodes/VDebugInfoNode.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {

@@ -1,8 +1,8 @@
 #include "dwarf/LocationExpression.h"
 
 #include "container/VElfBuffer.h"
-#include "dwarf/DwarfConstants.h"
 #include "dwarf/UnitAddresses.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <algorithm>
 #include <array>

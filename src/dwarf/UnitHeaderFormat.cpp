@@ -2,7 +2,7 @@
 
 #include "container/VElfBuffer.h"
 #include "diagnostics/ElfLog.h"
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/ReadingManner.h"
-#include "dwarf/VCompileUnitHeader.h"
+#include "nodes/VCompileUnitHeader.h"
 
 #include <cstdint>
 

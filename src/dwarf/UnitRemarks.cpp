@@ -2,8 +2,8 @@
 #include "container/VElfFile.h"
 #include "core/CutText.h"
 #include "core/HostText.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VDwarf2Section.h"
+#include "nodes/VCompileUnitHeader.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 

@@ -6,7 +6,7 @@
 #include "core/KeyMixing.h"
 #include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -8,9 +8,9 @@
 #include "diagnostics/ErrorState.h"
 #include "dwarf/UnitName.h"
 #include "dwarf/VAbrTab.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDwarf2Section.h"
+#include "nodes/VCompileUnitHeader.h"
 
 #include <algorithm>
 #include <cstddef>

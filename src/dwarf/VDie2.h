@@ -5,8 +5,8 @@
 #include "core/ReadingManner.h"
 #include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
-#include "dwarf/DwarfConstants.h"
-#include "dwarf/VAttributeValue.h"
+#include "dwarf/codes/DwarfConstants.h"
+#include "dwarf/codes/VAttributeValue.h"
 
 #include <cstdint>
 #include <optional>

@@ -11,9 +11,9 @@
 #include "dwarf/DieForms.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
-#include "dwarf/VAttributeValue.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VUnitLinks.h"
+#include "dwarf/codes/VAttributeValue.h"
+#include "nodes/VCompileUnitHeader.h"
 #include "nodes/VDieNodeMap.h"
 #include "nodes/VNodeArena.h"
 #include "nodes/VNodeText.h"
@@ -159,7 +159,8 @@ public:
 
     /// @}
     /// @name Resolution and delivery
-    /// Implemented in emit/ResolveNodes and emit/EmitNodes; the dump in nodes/NodeDump.
+    /// Implemented in emit/ResolveNodes and emit/EmitNodes; the dump in
+    /// dwarf/NodeDumpFiles.
     /// @{
 
     /// Runs the nine passes that finish the tree. Always true.

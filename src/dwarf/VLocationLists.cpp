@@ -3,8 +3,8 @@
 #include "container/VElfFile.h"
 #include "dwarf/LocationExpression.h"
 #include "dwarf/UnitAddresses.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
+#include "nodes/VCompileUnitHeader.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "dwarf/VUnitTables.h"
 
 #include "container/VElfFile.h"
-#include "dwarf/VCompileUnitHeader.h"
 #include "dwarf/VCompileUnitReader.h"
+#include "nodes/VCompileUnitHeader.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 

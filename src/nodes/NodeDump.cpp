@@ -1,20 +1,16 @@
-// The dump of the node tree to text files beside the input, for a person who looks into a file that
-// was read wrongly. Nothing reads it back.
-#include "container/VElfFile.h"
+// What each kind of node writes of itself into the dump of the tree, for a person who looks into a
+// file that was read wrongly. dwarf/NodeDumpFiles makes the files.
 #include "core/FormatText.h"
-#include "dwarf/DwarfNames.h"
-#include "dwarf/VDwarf2Section.h"
-#include "host/VDWARFReaderWrapper.h"
+#include "dwarf/codes/DwarfNames.h"
 #include "nodes/ReferenceText.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "nodes/VDebugInfoNodeScopes.h"
 #include "nodes/VDebugInfoNodeStructures.h"
 #include "nodes/VDebugInfoNodeVariable.h"
 
-#include <algorithm>
 #include <cinttypes>
 #include <cstdarg>
-#include <fstream>
+#include <ostream>
 #include <string>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -23,19 +19,8 @@ namespace {
 
 constexpr std::size_t sMaximumIndent = 28;
 
-/// A file that has grown longer than this, looked at every so many nodes, is followed by another.
-constexpr std::streamoff sMaximumFileSize = 184320000;
-constexpr std::size_t sFileSizeCheckInterval = 200;
-
-/// Bytes that all files together may take. Summaries repeat what they tell of a structure for each
-/// node that refers to it, so that a small damaged file could else fill a disk.
-constexpr std::uint64_t sAlwaysDumped = std::uint64_t{1} << 30U;
-constexpr std::uint64_t sDumpedPerSectionByte = 1024;
-
 /// A list of members ends at about this length.
 constexpr std::size_t sMaximumListLength = std::size_t{1} << 20U;
-
-constexpr std::int32_t sNoRecord = -1;
 
 BRINDLE_PRINTF_LIKE(2, 3) void Print(std::ostream& stream, const char* format, ...) {
     std::va_list arguments;
@@ -119,17 +104,6 @@ void DumpProperties(std::ostream& stream, const VDebugInfoNode& node, const char
     }
 }
 
-/// Bytes in the file so far, 0 if it can't be written.
-std::uint64_t LengthOf(std::ofstream& file) {
-    return static_cast<std::uint64_t>(std::max(std::streamoff{file.tellp()}, std::streamoff{0}));
-}
-
-std::uint64_t MostDumpedBytes(const VElfFile& file) {
-    const std::uint64_t sectionSize =
-        std::min(file.mSecDebugInfo.sh_size, static_cast<std::uint64_t>(file.mFileSize));
-    return sAlwaysDumped + sDumpedPerSectionByte * sectionSize;
-}
-
 void DumpBound(std::ostream& stream, const VAttributeValue& bound, const std::string& indent,
                const char* label) {
     if (bound.IsDefined()) {
@@ -137,16 +111,16 @@ void DumpBound(std::ostream& stream, const VAttributeValue& bound, const std::st
     }
 }
 
-void DumpNode(std::ostream& stream, const VDebugInfoNode& node, int count) {
-    const std::string indent(IndentOf(node), '\t');
-    Print(stream, "%s%8.8x {%d. node-rec.: %d; tag-rec.: %d; )}\n", indent.c_str(),
-          node.GetOffset(), count, node.GetNodeRecord(), node.GetTagRecord());
-    Print(stream, "%s%s(0x%x)>\n", indent.c_str(), GetDwarfTagName(node.GetTag()), node.GetTag());
-    node.Dump(stream, indent);
+} // namespace
+
+void VDebugInfoNode::DumpWithHead(std::ostream& stream, int count) const {
+    const std::string indent(IndentOf(*this), '\t');
+    Print(stream, "%s%8.8x {%d. node-rec.: %d; tag-rec.: %d; )}\n", indent.c_str(), GetOffset(),
+          count, GetNodeRecord(), GetTagRecord());
+    Print(stream, "%s%s(0x%x)>\n", indent.c_str(), GetDwarfTagName(GetTag()), GetTag());
+    Dump(stream, indent);
     stream << '\n';
 }
-
-} // namespace
 
 void VDebugInfoNode::Dump(std::ostream& stream, const std::string& indentText) const {
     const char* indent = indentText.c_str();
@@ -228,62 +202,6 @@ void VDebugInfoNodeStructuresBase::DumpSummary(std::ostream& stream) const {
         ++childCount;
     }
     Print(stream, ", children: %td, members: %d {%s}", childCount, memberCount, names.c_str());
-}
-
-bool VDwarf2Section::DumpDebugInfoNodes() {
-    if (VElfOptions::mIsLoggingPaused) {
-        return true;
-    }
-    std::ofstream file;
-    int part = 0;
-    if (!OpenNextDumpFile(file, mElfFile->GetInputPath(), part, 0)) {
-        return false;
-    }
-    const std::uint64_t mostBytes = MostDumpedBytes(*mElfFile);
-    std::uint64_t bytesInEarlierFiles = 0;
-    int count = 0;
-    bool isChangeDue = false;
-    for (const VDebugInfoNode* node : mDieNodes.InOffsetOrder()) {
-        if (static_cast<std::size_t>(count) % sFileSizeCheckInterval == 0) {
-            isChangeDue = isChangeDue || file.tellp() > sMaximumFileSize;
-            if (bytesInEarlierFiles + LengthOf(file) > mostBytes) {
-                file << "log is too long, the rest is left out.....\n";
-                break;
-            }
-        }
-        if (isChangeDue && node->GetParent() == nullptr) {
-            isChangeDue = false;
-            bytesInEarlierFiles += LengthOf(file);
-            if (!OpenNextDumpFile(file, mElfFile->GetInputPath(), part, node->GetNodeRecord())) {
-                return false;
-            }
-        }
-        DumpNode(file, *node, ++count);
-    }
-    file.close();
-    if (mReader != nullptr) {
-        mReader->SetProgressText("  Done!");
-    }
-    return true;
-}
-
-bool VDwarf2Section::OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
-                                      std::int32_t record) const {
-    if (file.is_open()) {
-        file << "log continues in next file.....\n";
-        file.close();
-    }
-    std::string name = inputName + ".debugInfoNodes" + std::to_string(part++);
-    if (record != sNoRecord) {
-        name += ".rec" + std::to_string(record);
-    }
-    name += ".log.txt";
-    if (mReader != nullptr) {
-        mReader->SetProgressText(("Writing dump file..." + name).c_str());
-    }
-    file.clear();
-    file.open(name, std::ios::out | std::ios::trunc);
-    return file.is_open();
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,6 +1,6 @@
 #include "nodes/ReferenceText.h"
 
-#include "dwarf/DwarfNames.h"
+#include "dwarf/codes/DwarfNames.h"
 #include "nodes/VDebugInfoNode.h"
 
 #include <string_view>

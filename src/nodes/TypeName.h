@@ -3,7 +3,7 @@
 // grouping of types.
 #pragma once
 
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <cstddef>
 #include <map>

@@ -4,10 +4,10 @@
 // nothing.
 #pragma once
 
-#include "dwarf/DwarfConstants.h"
-#include "dwarf/VAttributeValue.h"
-#include "dwarf/VCompileUnitHeader.h"
+#include "dwarf/codes/DwarfConstants.h"
+#include "dwarf/codes/VAttributeValue.h"
 #include "host/ObjectId.h"
+#include "nodes/VCompileUnitHeader.h"
 #include "nodes/VNodeArena.h"
 #include "nodes/VNodeText.h"
 
@@ -168,7 +168,7 @@ public:
 
     /// @}
     /// @name Filling and resolving
-    /// Implemented in nodes/NodeInitialization and nodes/NodeResolution.
+    /// Implemented in dwarf/NodeInitialization and nodes/NodeResolution.
     /// @{
 
     /// Takes the attributes of the decoded entry. Runs once, right after construction.
@@ -394,6 +394,9 @@ public:
     /// Implemented in nodes/NodeDump.
     /// @{
 
+    /// Writes all about the node, as the dump of a tree has it.
+    /// @param count place in the dump, from 1
+    void DumpWithHead(std::ostream& stream, int count) const;
     /// Writes the lines that tell what the node knows, each behind the indent.
     virtual void Dump(std::ostream& stream, const std::string& indent) const;
     /// Writes the node in one line without line end.

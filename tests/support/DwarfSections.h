@@ -2,7 +2,7 @@
 // tree that it is about. Damaged contents come in as raw bytes.
 #pragma once
 
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 #include "support/ByteWriter.h"
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "support/SectionRun.h"
 
 #include "diagnostics/ElfLog.h"
-#include "dwarf/DwarfNames.h"
+#include "dwarf/codes/DwarfNames.h"
 #include "nodes/VDebugInfoNode.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 // such as "[v4]" tell the version of the standard that brought a code. No decision hangs on them.
 #pragma once
 
-#include "dwarf/DwarfConstants.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <cstdint>
 

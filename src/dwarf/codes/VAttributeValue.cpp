@@ -1,4 +1,4 @@
-#include "dwarf/VAttributeValue.h"
+#include "dwarf/codes/VAttributeValue.h"
 
 #include <bit>
 #include <cinttypes>

@@ -1,4 +1,4 @@
-#include "dwarf/DwarfNames.h"
+#include "dwarf/codes/DwarfNames.h"
 
 #include <algorithm>
 #include <cstddef>
