@@ -2,6 +2,7 @@
 
 #include "core/VElfOptions.h"
 #include "diagnostics/ElfLog.h"
+#include "dwarf/codes/DwarfConstants.h"
 
 #include <algorithm>
 #include <iterator>
@@ -18,21 +19,21 @@ struct EncodingEntry {
 };
 
 constexpr EncodingEntry sEncodings[] = {
-    {0, BasicType::Void},         // none
-    {1, BasicType::NoType},       // DW_ATE_address
-    {2, BasicType::Bool},         // DW_ATE_boolean
-    {3, BasicType::ComplexFloat}, // DW_ATE_complex_float
-    {4, BasicType::Float},        // DW_ATE_float
-    {5, BasicType::Int},          // DW_ATE_signed
-    {6, BasicType::Int},          // DW_ATE_signed_char
-    {7, BasicType::UInt},         // DW_ATE_unsigned
-    {8, BasicType::UInt},         // DW_ATE_unsigned_char
-    {10, BasicType::Int},         // DW_ATE_packed_decimal
-    {16, BasicType::Int},         // DW_ATE_UTF
-    {128, BasicType::NoType},     // DW_ATE_lo_user
-    {144, BasicType::NoType},     // vendor
-    {145, BasicType::NoType},     // vendor
-    {255, BasicType::NoType},     // DW_ATE_hi_user
+    {DW_ATE_void, BasicType::Void},
+    {DW_ATE_address, BasicType::NoType},
+    {DW_ATE_boolean, BasicType::Bool},
+    {DW_ATE_complex_float, BasicType::ComplexFloat},
+    {DW_ATE_float, BasicType::Float},
+    {DW_ATE_signed, BasicType::Int},
+    {DW_ATE_signed_char, BasicType::Int},
+    {DW_ATE_unsigned, BasicType::UInt},
+    {DW_ATE_unsigned_char, BasicType::UInt},
+    {DW_ATE_packed_decimal, BasicType::Int},
+    {DW_ATE_UTF, BasicType::Int},
+    {DW_ATE_lo_user, BasicType::NoType},
+    {144, BasicType::NoType}, // vendor
+    {145, BasicType::NoType}, // vendor
+    {DW_ATE_hi_user, BasicType::NoType},
 };
 
 struct SizedEntry {
@@ -75,18 +76,18 @@ struct FullEncodingEntry {
 
 /// What the full reading takes in another sense.
 constexpr FullEncodingEntry sFullEncodings[] = {
-    {3, {}},               // DW_ATE_complex_float
-    {9, {}},               // DW_ATE_imaginary_float
-    {10, {}},              // DW_ATE_packed_decimal
-    {11, {}},              // DW_ATE_numeric_string
-    {12, {}},              // DW_ATE_edited
-    {13, {}},              // DW_ATE_signed_fixed
-    {14, {}},              // DW_ATE_unsigned_fixed
-    {15, {}},              // DW_ATE_decimal_float
-    {16, BasicType::UInt}, // DW_ATE_UTF
-    {17, BasicType::UInt}, // DW_ATE_UCS
-    {18, BasicType::UInt}, // DW_ATE_ASCII
-    {128, {}},             // complex integers of GNU compilers
+    {DW_ATE_complex_float, {}},
+    {DW_ATE_imaginary_float, {}},
+    {DW_ATE_packed_decimal, {}},
+    {DW_ATE_numeric_string, {}},
+    {DW_ATE_edited, {}},
+    {DW_ATE_signed_fixed, {}},
+    {DW_ATE_unsigned_fixed, {}},
+    {DW_ATE_decimal_float, {}},
+    {DW_ATE_UTF, BasicType::UInt},
+    {DW_ATE_UCS, BasicType::UInt},
+    {DW_ATE_ASCII, BasicType::UInt},
+    {DW_ATE_lo_user, {}}, // complex integers of GNU compilers
 };
 
 /// Floats of 2 bytes that are no halves of IEEE 754.

@@ -1,5 +1,7 @@
-// The codes of the DWARF standard that the reader knows by name: tags, attributes, forms and
-// operators (DWARF 5, section 7). Codes that it only passes on or passes over have no name here.
+// The codes of the DWARF standard that the reader knows by name: tags, attributes, forms, encodings
+// and operators (DWARF 5, section 7). Codes that it only passes on or passes over have no name
+// here. Tags and encodings stand in lists, from which their constants and their names in dumps
+// come.
 #pragma once
 
 #include <cstdint>
@@ -10,69 +12,11 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 using dwarf_tag = std::uint32_t;
 
 enum : dwarf_tag {
-    DW_TAG_array_type = 0x01,
-    DW_TAG_class_type = 0x02,
-    DW_TAG_enumeration_type = 0x04,
-    DW_TAG_formal_parameter = 0x05,
-    DW_TAG_imported_declaration = 0x08,
-    DW_TAG_label = 0x0a,
-    DW_TAG_lexical_block = 0x0b,
-    DW_TAG_member = 0x0d,
-    DW_TAG_pointer_type = 0x0f,
-    DW_TAG_reference_type = 0x10,
-    DW_TAG_compile_unit = 0x11,
-    DW_TAG_string_type = 0x12,
-    DW_TAG_structure_type = 0x13,
-    DW_TAG_subroutine_type = 0x15,
-    DW_TAG_typedef = 0x16,
-    DW_TAG_union_type = 0x17,
-    DW_TAG_unspecified_parameters = 0x18,
-    DW_TAG_common_block = 0x1a,
-    DW_TAG_common_inclusion = 0x1b,
-    DW_TAG_inheritance = 0x1c,
-    DW_TAG_inlined_subroutine = 0x1d,
-    DW_TAG_ptr_to_member_type = 0x1f,
-    DW_TAG_set_type = 0x20,
-    DW_TAG_subrange_type = 0x21,
-    DW_TAG_with_stmt = 0x22,
-    DW_TAG_access_declaration = 0x23,
-    DW_TAG_base_type = 0x24,
-    DW_TAG_catch_block = 0x25,
-    DW_TAG_const_type = 0x26,
-    DW_TAG_enumerator = 0x28,
-    DW_TAG_file_type = 0x29,
-    DW_TAG_friend = 0x2a,
-    DW_TAG_namelist = 0x2b,
-    DW_TAG_namelist_item = 0x2c,
-    DW_TAG_packed_type = 0x2d,
-    DW_TAG_subprogram = 0x2e,
-    DW_TAG_template_type_param = 0x2f,
-    DW_TAG_template_value_param = 0x30,
-    DW_TAG_thrown_type = 0x31,
-    DW_TAG_try_block = 0x32,
-    DW_TAG_variable = 0x34,
-    DW_TAG_volatile_type = 0x35,
-    DW_TAG_restrict_type = 0x37,
-    DW_TAG_interface_type = 0x38,
-    DW_TAG_namespace = 0x39,
-    DW_TAG_imported_module = 0x3a,
-    DW_TAG_unspecified_type = 0x3b,
-    DW_TAG_partial_unit = 0x3c,
-    DW_TAG_imported_unit = 0x3d,
-    DW_TAG_condition = 0x3f,
-    DW_TAG_shared_type = 0x40,
-    DW_TAG_type_unit = 0x41,
-    DW_TAG_rvalue_reference_type = 0x42,
-    DW_TAG_atomic_type = 0x47,
-    DW_TAG_call_site = 0x48,
-    DW_TAG_call_site_parameter = 0x49,
-    DW_TAG_skeleton_unit = 0x4a,
-    DW_TAG_immutable_type = 0x4b,
-    DW_TAG_MIPS_loop = 0x4081,
-    DW_TAG_format_label = 0x4101,
-    DW_TAG_class_template = 0x4103,
-    DW_TAG_GNU_call_site = 0x4109,
-    DW_TAG_GNU_call_site_parameter = 0x410a,
+#define DWARF_TAG(code, name, mark) DW_TAG_##name = (code),
+#define DWARF_TAG_WITHOUT_NAME(code, name) DW_TAG_##name = (code),
+#include "dwarf/codes/DwarfTags.def"
+#undef DWARF_TAG
+#undef DWARF_TAG_WITHOUT_NAME
 };
 
 /// Types of unit.
@@ -239,11 +183,13 @@ enum : std::uint32_t {
     DW_END_little = 2,
 };
 
-/// Encodings that the reader itself looks at.
+/// Encodings of base types. Every 32-bit value may occur.
 enum : std::uint32_t {
-    DW_ATE_address = 1,
-    DW_ATE_signed = 5,
-    DW_ATE_unsigned = 7,
+#define DWARF_ENCODING(code, name, mark) DW_ATE_##name = (code),
+#define DWARF_ENCODING_WITHOUT_NAME(code, name) DW_ATE_##name = (code),
+#include "dwarf/codes/DwarfEncodings.def"
+#undef DWARF_ENCODING
+#undef DWARF_ENCODING_WITHOUT_NAME
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
