@@ -204,7 +204,7 @@ TEST_F(TypeNameTest, PlainlySameTypesHaveOneText) {
     Linked(tree);
     TypeNameBuilder builder(sLimit);
     const auto arePlainlySame = [&](std::size_t one, std::size_t other) {
-        return builder.HavePlainlySameText(tree[second.labels[one]], tree[first.labels[other]]);
+        return builder.AreCertainlySame(tree[second.labels[one]], tree[first.labels[other]]);
     };
     for (std::size_t one = 0; one < first.labels.size(); ++one) {
         const bool hasArguments = one >= 7 && one <= 10;
@@ -236,10 +236,10 @@ TEST_F(TypeNameTest, ScopesThatEnterNoTextAreNotCompared) {
         nested(less, {"a", "b", "c", "d"}),
     }));
     TypeNameBuilder builder(sLimit);
-    EXPECT_TRUE(builder.HavePlainlySameText(tree[type], tree[farOther]));
+    EXPECT_TRUE(builder.AreCertainlySame(tree[type], tree[farOther]));
     EXPECT_EQ(TextOf(tree[type]), TextOf(tree[farOther]));
-    EXPECT_FALSE(builder.HavePlainlySameText(tree[type], tree[nearOther]));
-    EXPECT_FALSE(builder.HavePlainlySameText(tree[type], tree[less]));
+    EXPECT_FALSE(builder.AreCertainlySame(tree[type], tree[nearOther]));
+    EXPECT_FALSE(builder.AreCertainlySame(tree[type], tree[less]));
 }
 
 TEST_F(TypeNameTest, ArgumentsInTheNameAreForgottenWhenTypesAreCompared) {
@@ -255,10 +255,10 @@ TEST_F(TypeNameTest, ArgumentsInTheNameAreForgottenWhenTypesAreCompared) {
     }));
     Linked(tree);
     TypeNameBuilder builder(sLimit);
-    EXPECT_TRUE(builder.HavePlainlySameText(tree[one], tree[other]));
+    EXPECT_TRUE(builder.AreCertainlySame(tree[one], tree[other]));
     EXPECT_FALSE(tree[one].HasTemplateParameters());
     EXPECT_FALSE(tree[other].HasTemplateParameters());
-    EXPECT_TRUE(builder.HavePlainlySameText(tree[alias], tree[alias]));
+    EXPECT_TRUE(builder.AreCertainlySame(tree[alias], tree[alias]));
     EXPECT_TRUE(tree[alias].HasTemplateParameters()) << "only classes are names of instances";
 }
 

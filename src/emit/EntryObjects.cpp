@@ -183,14 +183,14 @@ public:
         const std::uint64_t address = mNode.GetLocationAddress() - ModuleInfo::GetModuleOffset();
         if (mFactory.GetGlobalData(name, scope) != 0) {
             std::string newName;
-            if (!mEmission.MakeUniqueGlobalName(scope, name, newName, address)) {
+            if (!mEmission.Variables().MakeUniqueName(scope, name, newName, address)) {
                 return false;
             }
             name = std::move(newName);
         }
         object = mFactory.CreateGlobalData(name, mInputs.type, scope, address, true, sNoExtension,
                                            false);
-        mEmission.RegisterVariable(object, mNode);
+        mEmission.Variables().Register(object, mNode);
         return true;
     }
 

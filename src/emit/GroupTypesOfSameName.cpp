@@ -1,13 +1,35 @@
+// Every unit that includes a header describes the types of that header again, and C++ lets a unit
+// declare a type that another one defines. This pass finds the nodes that are one and the same
+// type:
+//
+//     // motor.h                  // a.cpp                 // b.cpp
+//     namespace motor {           #include "motor.h"       namespace motor { struct Gain; }
+//     struct Gain { float p; };   motor::Gain gain;        motor::Gain* current;
+//     }
+//
+// Unit a has a definition of 4 bytes, unit b a declaration without size, and both have the text
+// "motor::Gain". So they form one group. The declaration gets the definition: without it
+// `current` would point to a structure without members. In a group without declarations the largest
+// node represents all others, so that one object is delivered however many units include the
+// header.
+//
+// A large image has millions of such nodes. The ways to find the group of a node, each tried before
+// the next, dearer one:
+//   1. Names and scopes prove that it is the group after the latest one.
+//   2. The text is built and is the one that the group after the latest one keeps.
+//   3. The hash of the text finds the group. Most groups keep no text; that of their latest node is
+//      built again for the comparison.
+// A text is kept if it becomes a name (instances of templates) or depends on the budget.
 #include "container/VElfFile.h"
 #include "core/HashSlots.h"
-#include "core/KeyMixing.h"
 #include "core/Prefetch.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
+#include "emit/ScopedTypeText.h"
+#include "emit/TextBudget.h"
 #include "nodes/TypeName.h"
 #include "nodes/VDebugInfoNode.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -20,14 +42,6 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Lengths of type texts. Together the texts of one tree stay in proportion to the section,
-/// whatever its template arguments say: what is kept counts in full, what is only built counts as
-/// far as it is long.
-constexpr std::size_t sMaximumTextLength = std::size_t{64} * 1024;
-constexpr std::size_t sScarceTextLength = 256;
-constexpr std::size_t sTextsPerSectionByte = 16;
-constexpr std::size_t sAlwaysAllowedTexts = std::size_t{16} * 1024 * 1024;
-
 /// How far ahead nodes and groups are fetched.
 constexpr std::size_t sNodesAhead = 12;
 constexpr std::size_t sGroupsAhead = 4;
@@ -37,9 +51,7 @@ class TypeGroups {
 public:
     explicit TypeGroups(VDwarf2Section& section)
         : mSection(section)
-        , mTextsLeft(sAlwaysAllowedTexts +
-                     sTextsPerSectionByte *
-                         static_cast<std::size_t>(section.mElfFile->mSecDebugInfo.sh_size)) {}
+        , mBudget(section.mElfFile->mSecDebugInfo.sh_size) {}
 
     void Collect() {
         const std::span<const VDieNodeMap::Link> nodes = mSection.mDieNodes.InOffsetOrder();
@@ -79,7 +91,7 @@ private:
         bool isSettled = true;
     };
 
-    /// Has what the next nodes need brought near: waiting for it took a quarter of the time.
+    /// Prefetches what the next nodes need: waiting for it took a quarter of the time.
     BRINDLE_FETCHES void FetchAhead(std::span<const VDieNodeMap::Link> nodes,
                                     std::span<const std::uint32_t> places) const {
         if (places.size() > sNodesAhead) {
@@ -91,7 +103,7 @@ private:
         }
     }
 
-    /// A node begins anywhere in a line of the cache, hence lies in two.
+    /// A node may straddle two cache lines: fetch both.
     BRINDLE_FETCHES static void FetchNode(const VDebugInfoNode* node) {
         Prefetch(node);
         Prefetch(node + 1);
@@ -119,37 +131,38 @@ private:
         group.latest = &node;
     }
 
-    /// True if the node plainly belongs to the group behind the latest. Units over the same headers
-    /// have the same types in the same order, so that most nodes do.
+    /// Fast path: certainly the group after the latest one. Units that include the same headers
+    /// list the same types in the same order, so that most nodes take it.
     bool IsOfNextGroup(VDebugInfoNode& node) {
         if (mLatestGroup + 1 >= mGroups.size()) {
             return false;
         }
         const Group& next = mGroups[mLatestGroup + 1];
-        if (!mTypeNames.HavePlainlySameText(node, *next.latest) || node.HasTemplateParameters()) {
+        if (!mTypeNames.AreCertainlySame(node, *next.latest) || node.HasTemplateParameters()) {
             return false;
         }
-        SpendOnBuilt(next.textLength);
+        mBudget.SpendOnBuilt(next.textLength);
         return true;
     }
 
     /// The group of the node's text.
     std::uint32_t FindOrAddGroup(VDebugInfoNode& node) {
-        BuildText(node);
+        mText.Build(node, mBudget.LimitOfText());
+        const std::size_t length = mText.Get().size();
         const auto count = static_cast<std::uint32_t>(mGroups.size());
         if (mLatestGroup + 1 < count && HasKeptText(mGroups[mLatestGroup + 1])) {
-            SpendOnBuilt(mText.size());
+            mBudget.SpendOnBuilt(length);
             return mLatestGroup + 1;
         }
-        const std::uint64_t hash = mHashOfScopes.Continued(mText);
+        const std::uint64_t hash = mText.Hash();
         std::uint32_t group = mGroupSlots.Find(
             hash, [&](std::uint32_t candidate) { return HasText(mGroups[candidate], node); });
         if (group != 0) {
-            SpendOnBuilt(mText.size());
+            mBudget.SpendOnBuilt(length);
         } else {
             group = count;
-            Spend(mText.size());
-            mGroups.emplace_back().textLength = static_cast<std::uint32_t>(mText.size());
+            mBudget.SpendOnKept(length);
+            mGroups.emplace_back().textLength = static_cast<std::uint32_t>(length);
             mGroupSlots.Add(hash, group);
         }
         KeepTextIfWanted(node, mGroups[group]);
@@ -158,59 +171,30 @@ private:
 
     /// True if the text of the group is at hand and the one that was built.
     [[nodiscard]] bool HasKeptText(const Group& group) const {
-        return group.text != nullptr && mText == std::string_view(group.text, group.textLength);
+        return group.text != nullptr &&
+               mText.Get() == std::string_view(group.text, group.textLength);
     }
 
     /// True if the text of the group is the one that was built for the node.
     bool HasText(const Group& group, VDebugInfoNode& node) {
-        if (group.text != nullptr || group.textLength != mText.size()) {
+        if (group.text != nullptr || group.textLength != mText.Get().size()) {
             return HasKeptText(group);
         }
-        if (mTypeNames.HavePlainlySameText(node, *group.latest)) {
+        if (mTypeNames.AreCertainlySame(node, *group.latest)) {
             return true;
         }
         mOtherText.clear();
         mTypeNames.AppendTypeName(group.latest, 0, mOtherText, false);
-        return mText == mOtherText;
+        return mText.Get() == mOtherText;
     }
 
     /// Texts that become names are kept, and those with argument lists, which depend on the limit.
     /// Others are long as well in C++, but seldom asked for again.
     void KeepTextIfWanted(const VDebugInfoNode& node, Group& group) {
-        if (group.text == nullptr && (node.HasTemplateParameters() || mHasArgumentLists)) {
-            group.text = mTexts.KeepText(mText);
+        if (group.text == nullptr && (node.HasTemplateParameters() || mText.HasArgumentLists())) {
+            group.text = mTexts.KeepText(mText.Get());
         }
     }
-
-    /// The scopes of siblings are built once.
-    void BuildText(VDebugInfoNode& node) {
-        const std::size_t limit = LimitOfText();
-        mTypeNames.SetLimit(limit);
-        if (node.GetParent() != mParentOfScopes || limit != mLimitOfScopes) {
-            mParentOfScopes = node.GetParent();
-            mLimitOfScopes = limit;
-            mText.clear();
-            const std::size_t listsBefore = mTypeNames.GetArgumentListCount();
-            mTypeNames.AppendScopes(node, mText);
-            mHaveScopesArgumentLists = mTypeNames.GetArgumentListCount() != listsBefore;
-            mLengthOfScopes = mText.size();
-            mHashOfScopes = HashOfGrowingText(mText, ProcessSeed());
-        }
-        mText.resize(mLengthOfScopes);
-        const std::size_t listsBefore = mTypeNames.GetArgumentListCount();
-        mTypeNames.AppendWithoutScopes(node, mText);
-        mHasArgumentLists =
-            mHaveScopesArgumentLists || mTypeNames.GetArgumentListCount() != listsBefore;
-    }
-
-    [[nodiscard]] std::size_t LimitOfText() const {
-        return std::clamp(mTextsLeft, sScarceTextLength, sMaximumTextLength);
-    }
-
-    void SpendOnBuilt(std::size_t textLength) {
-        Spend(textLength - std::min(textLength, sScarceTextLength));
-    }
-    void Spend(std::size_t textLength) { mTextsLeft -= std::min(mTextsLeft, textLength); }
 
     void ResolveNode(VDebugInfoNode& node, Group& group) {
         if (node.HasTemplateParameters()) {
@@ -239,16 +223,9 @@ private:
     }
 
     VDwarf2Section& mSection;
-    std::size_t mTextsLeft;
-    TypeNameBuilder mTypeNames{sMaximumTextLength};
-    /// The latest text that was built, and the scopes with which it begins.
-    std::string mText;
-    const VDebugInfoNode* mParentOfScopes = nullptr;
-    std::size_t mLimitOfScopes = 0;
-    std::size_t mLengthOfScopes = 0;
-    HashOfGrowingText mHashOfScopes;
-    bool mHaveScopesArgumentLists = false;
-    bool mHasArgumentLists = false;
+    TextBudget mBudget;
+    TypeNameBuilder mTypeNames{TextBudget::kLongestText};
+    ScopedTypeText mText{mTypeNames};
     std::string mOtherText;
     /// Of each node, in their order.
     std::vector<std::uint32_t> mGroupNumbers;

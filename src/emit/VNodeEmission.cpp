@@ -7,41 +7,16 @@
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/VCLIFactoryWrapper.h"
-#include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNodeStructures.h"
 
-#include <algorithm>
 #include <ostream>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Links that are followed one by one before shortcuts are looked for and left.
-constexpr int sShortcutDistance = 64;
-
-/// Deliveries of one node that may be in progress at a time, and inner deliveries of all nodes.
-/// Types that name each other through many structures nest a few.
-constexpr std::uint32_t sMaximumDeliveriesOfNode = 100;
-constexpr std::size_t sMaximumInnerDeliveries = 100'000;
-
-/// When so many variables share a name in a scope, their numbers aren't tried one by one any more.
-constexpr std::uint32_t sManyVariables = 100;
-
 bool HasBaseClasses(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type;
-}
-
-bool IsDeliveredVariable(const VDebugInfoNode& variable) {
-    return variable.HasLocation() && !variable.IsRegisterOrStackLocation() &&
-           (variable.GetLocationAddress() != 0 || variable.IsAddressConfirmed() ||
-            !variable.IsExternal()) &&
-           !variable.IsRedundantDeclaration();
-}
-
-/// A member that is declared only is a static one: the variable that defines it is delivered.
-bool IsDeliveredMember(const VDebugInfoNode& member) {
-    return !member.IsDeclaration() || member.HasMemberOffset() || member.HasLocation();
 }
 
 } // namespace
@@ -49,24 +24,9 @@ bool IsDeliveredMember(const VDebugInfoNode& member) {
 VNodeEmission::VNodeEmission(VDwarf2Section& section, VCLIFactoryWrapper& factory)
     : mSection(section)
     , mFactory(factory)
-    , mRules(DeliveryRules::Of(section.mElfFile->mManner)) {}
-
-bool VNodeEmission::PassesFilter(const VDebugInfoNode& node) const {
-    switch (node.GetTag()) {
-    case DW_TAG_variable:
-        return IsDeliveredVariable(node);
-    case DW_TAG_member:
-        return IsDeliveredMember(node);
-    default:
-        return !mRules.needsOf(node.GetTag()).empty();
-    }
-}
-
-/// True for a node of which it is known that it has no object and that asking for one has no
-/// effect.
-bool VNodeEmission::IsUndelivered(const VDebugInfoNode& node) const {
-    return node.IsDeliveryRefused() || node.IsDropped() || !PassesFilter(node);
-}
+    , mRules(DeliveryRules::Of(section.mElfFile->mManner))
+    , mVariables(section, factory)
+    , mTypeChains(mRules) {}
 
 ObjectId VNodeEmission::Deliver(VDebugInfoNode& node) {
     const std::size_t outerFrames = mFrames.size();
@@ -82,7 +42,8 @@ ObjectId VNodeEmission::Deliver(VDebugInfoNode& node) {
 bool VNodeEmission::Open(VDebugInfoNode& node) {
     const std::uint32_t outerFrame = node.GetEmissionFrame();
     const bool hasAnswer = node.GetEntryObject() != 0 || node.IsDeliveryRefused();
-    mIsInVain = !hasAnswer && outerFrame != 0 && IsInVain(mFrames[outerFrame - 1]);
+    mIsInVain =
+        !hasAnswer && outerFrame != 0 && mInnerRequests.IsInVain(mFrames[outerFrame - 1].note);
     if (mIsInVain && IsFindingReturnType(mFrames[outerFrame - 1])) {
         // The return type lies in the function itself: it has to do without.
         CreateObject(mFrames[outerFrame - 1]);
@@ -91,14 +52,12 @@ bool VNodeEmission::Open(VDebugInfoNode& node) {
         mResult = node.GetEntryObject();
         return false;
     }
-    const std::uint32_t outerFrameCount =
-        outerFrame != 0 ? mFrames[outerFrame - 1].outerFrameCount + 1 : 0;
-    mInnerFrameCount += outerFrame != 0 ? 1 : 0;
+    const InnerRequests::Note note =
+        mInnerRequests.Begin(outerFrame != 0 ? &mFrames[outerFrame - 1].note : nullptr);
     Frame& frame = mFrames.emplace_back();
     frame.node = &node;
     frame.outerFrame = outerFrame;
-    frame.outerFrameCount = outerFrameCount;
-    frame.objectCount = mObjectCount;
+    frame.note = note;
     frame.firstParameter = mParameters.size();
     node.BeginDelivery(mSection.mArena);
     node.SetEmissionFrame(static_cast<std::uint32_t>(mFrames.size()));
@@ -109,7 +68,7 @@ void VNodeEmission::Close() {
     const Frame& frame = mFrames.back();
     frame.node->SetEmissionFrame(frame.outerFrame);
     mParameters.resize(frame.firstParameter);
-    mInnerFrameCount -= frame.outerFrame != 0 ? 1 : 0;
+    mInnerRequests.End(frame.outerFrame != 0);
     mResult = frame.node->GetEntryObject();
     mHasResult = true;
     mIsInVain = false;
@@ -142,12 +101,6 @@ bool VNodeEmission::Await(VDebugInfoNode& node, ObjectId& object) {
     return true;
 }
 
-bool VNodeEmission::IsInVain(const Frame& outerFrame) const {
-    return outerFrame.objectCount == mObjectCount ||
-           outerFrame.outerFrameCount + 1 >= sMaximumDeliveriesOfNode ||
-           mInnerFrameCount >= sMaximumInnerDeliveries;
-}
-
 bool VNodeEmission::IsFindingReturnType(const Frame& frame) const {
     const std::span<const EntryNeed> needs = mRules.needsOf(frame.node->GetTag());
     return frame.stage == Stage::Needs && frame.metNeeds < needs.size() &&
@@ -159,7 +112,7 @@ bool VNodeEmission::MeetNeeds() {
     const std::size_t index = mFrames.size() - 1;
     if (!mFrames[index].hasStarted) {
         mFrames[index].hasStarted = true;
-        if (!PassesFilter(*mFrames[index].node)) {
+        if (!mRules.PassesFilter(*mFrames[index].node)) {
             return true;
         }
     }
@@ -213,7 +166,7 @@ bool VNodeEmission::GetScopeEntryObject(Frame& frame, ObjectId& scope) {
 
 bool VNodeEmission::GetTypeEntryObject(Frame& frame, VDebugInfoNode& node, ObjectId& type) {
     if (frame.chain == nullptr) {
-        frame.chain = SkipUndelivered(&node);
+        frame.chain = mTypeChains.SkipUndelivered(&node);
     }
     while (VDebugInfoNode* next = frame.chain->GetTypeNode()) {
         if (!Await(*next, type)) {
@@ -226,39 +179,11 @@ bool VNodeEmission::GetTypeEntryObject(Frame& frame, VDebugInfoNode& node, Objec
             frame.chain = nullptr;
             return true;
         }
-        frame.chain = SkipUndelivered(next);
+        frame.chain = mTypeChains.SkipUndelivered(next);
     }
     type = TypeAtEndOfChain(*frame.chain);
     frame.chain = nullptr;
     return true;
-}
-
-/// Goes along the chain to the node whose type delivers an object, or to the chain's end. Nodes
-/// without object on the way would answer 0 and pass the question on.
-VDebugInfoNode* VNodeEmission::SkipUndelivered(VDebugInfoNode* node) {
-    std::vector<VDebugInfoNode*> landmarks;
-    for (int link = 1;; ++link) {
-        VDebugInfoNode* type = node->GetTypeNode();
-        VDebugInfoNode* next = node->GetTypeOrSpecificationNode();
-        if (next == nullptr || (type != nullptr && !IsUndelivered(*type))) {
-            break;
-        }
-        node = next;
-        if (link < sShortcutDistance) {
-            continue;
-        }
-        if (const auto shortcut = mChainShortcuts.find(node); shortcut != mChainShortcuts.end()) {
-            node = shortcut->second;
-            break;
-        }
-        if (link % sShortcutDistance == 0) {
-            landmarks.push_back(node);
-        }
-    }
-    for (const VDebugInfoNode* landmark : landmarks) {
-        mChainShortcuts.emplace(landmark, node);
-    }
-    return node;
 }
 
 ObjectId VNodeEmission::TypeAtEndOfChain(const VDebugInfoNode& node) {
@@ -335,7 +260,7 @@ void VNodeEmission::CreateObject(Frame& frame) {
     }
     frame.object = object;
     node.SetEntryObject(object);
-    ++mObjectCount;
+    mInnerRequests.CountObject();
     if (object == 0) {
         node.SetDeliveryRefused();
         ConsoleOutput() << "Object ID = 0 (node-rec.: " << node.GetNodeRecord() << ")";
@@ -395,42 +320,6 @@ void VNodeEmission::CreateChildEntryObjects(Frame& frame) {
         }
     }
     Close();
-}
-
-bool VNodeEmission::MakeUniqueGlobalName(ObjectId scope, const std::string& name,
-                                         std::string& newName, std::uint64_t address) {
-    TakenNames& taken = mTakenNames[scope][name];
-    const bool areMany = taken.nextNumber > sManyVariables;
-    if (areMany && taken.addresses.contains(address)) {
-        return false;
-    }
-    for (std::uint32_t number = areMany ? taken.nextNumber : 1;; ++number) {
-        newName = number == 1 ? name : name + '.' + std::to_string(number);
-        const ObjectId existing = mFactory.GetGlobalData(newName, scope);
-        if (existing == 0) {
-            return true;
-        }
-        taken.nextNumber = std::max(taken.nextNumber, number + 1);
-        const auto known = mSection.mObjectNodes.find(existing);
-        if (known == mSection.mObjectNodes.end()) {
-            continue;
-        }
-        const std::uint64_t takenAddress = known->second->GetLocationAddress();
-        taken.addresses.insert(takenAddress);
-        if (takenAddress == address) {
-            return false;
-        }
-    }
-}
-
-void VNodeEmission::RegisterVariable(ObjectId object, VDebugInfoNode& variable) {
-    mSection.mObjectNodes.try_emplace(object, &variable);
-    if (mSection.mElfFile->mManner == ReadingManner::Full) {
-        const VariableNames names(variable);
-        DeliveredSymbols& delivered = mSection.mElfFile->mDeliveredSymbols;
-        delivered.AddVariable(variable.GetLocationAddress(), names.name);
-        delivered.AddVariable(variable.GetLocationAddress(), names.linkageName);
-    }
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -270,14 +270,14 @@ bool TypeNameBuilder::HasTemplatePart(VDebugInfoNode& node) {
     return node.HasTemplateParameters();
 }
 
-bool TypeNameBuilder::HavePlainlySameText(VDebugInfoNode& one, VDebugInfoNode& other) {
+bool TypeNameBuilder::AreCertainlySame(VDebugInfoNode& one, VDebugInfoNode& other) {
     return one.GetTag() == other.GetTag() && HaveSameName(one, other) &&
            (!IsStructural(one.GetTag()) || (!HasTemplatePart(one) && !HasTemplatePart(other))) &&
-           HavePlainlySameScopes(one.GetParent(), other.GetParent());
+           AreScopesCertainlySame(one.GetParent(), other.GetParent());
 }
 
 /// Looks at no more scopes than enter a text.
-bool TypeNameBuilder::HavePlainlySameScopes(VDebugInfoNode* parent, VDebugInfoNode* otherParent) {
+bool TypeNameBuilder::AreScopesCertainlySame(VDebugInfoNode* parent, VDebugInfoNode* otherParent) {
     VDebugInfoNode* one = parent;
     VDebugInfoNode* other = otherParent;
     for (int depth = 1; depth <= sMaximumScopeDepth && one != other; depth += sScopeDepthStep) {

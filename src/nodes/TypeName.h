@@ -45,9 +45,9 @@ public:
     /// Number of template argument lists that were added so far. A text without any doesn't depend
     /// on the limit.
     [[nodiscard]] std::size_t GetArgumentListCount() const { return mArgumentListCount; }
-    /// True if two types that are grouped have the same text for certain, told from their names and
-    /// scopes. False tells nothing.
-    bool HavePlainlySameText(VDebugInfoNode& one, VDebugInfoNode& other);
+    /// A fast proof that two grouped types have the same text, by their names and scopes alone.
+    /// False proves nothing.
+    bool AreCertainlySame(VDebugInfoNode& one, VDebugInfoNode& other);
     /// The scopes of a node, each with its separator.
     void AppendScopePrefix(const VDebugInfoNode* node, int depth, std::string& out,
                            bool withRecordNumbers);
@@ -76,7 +76,7 @@ private:
     void AppendFunctionType(VDebugInfoNode& node, int depth, std::string& out,
                             bool withRecordNumbers);
     static bool HasTemplatePart(VDebugInfoNode& node);
-    bool HavePlainlySameScopes(VDebugInfoNode* parent, VDebugInfoNode* otherParent);
+    bool AreScopesCertainlySame(VDebugInfoNode* parent, VDebugInfoNode* otherParent);
     [[nodiscard]] bool IsFull(const std::string& out) const { return out.size() >= mLimit; }
 
     std::size_t mLimit;
