@@ -1,5 +1,19 @@
 // The first walk over `.debug_info` and `.debug_types`: from unit header to unit header, with the
 // search for the next sound header where one makes no sense; and the loading of one unit.
+//
+// Each header tells the length of its unit, and the next unit begins behind it:
+//
+//     0x00  length 0x6b, version 4, abbreviations 0x00, address size 4     unit 0
+//     0x6f  length 0x52, version 4, abbreviations 0x3a, address size 4     unit 1
+//     0xc5  three bytes of 0, since the linker aligns units
+//     0xc8  length 0x40, version 4, abbreviations 0x71, address size 4     unit 2
+//
+// What stands at 0xc5 makes no sense as a header. So the candidate slides on byte by byte, as far
+// as the section's alignment allows. If that finds nothing, the section is damaged, and the option
+// `mTryReadCorruptedCompileUnits` decides: the read fails, or the search goes back from 0xc5 by up
+// to 39 bytes, in case unit 1 has too great a length, and then as far forward. What the search
+// accepts must be sound in every field. If it finds nothing either, the units so far are read and
+// the rest is given up.
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"

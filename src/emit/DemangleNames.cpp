@@ -1,3 +1,9 @@
+// Some compilers write mangled names into their debug information, where others write plain ones:
+//
+//     speed__5Motor       becomes     Motor::speed
+//
+// Later passes compare names, and a host shows them, so that they become readable first. Many
+// entries share one text of `.debug_str`: each text is looked at once.
 #include "demangle/Demangler.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"

@@ -1,5 +1,12 @@
 // The walk that delivers a finished tree: which nodes are roots of delivery, and the objects that
-// the section keeps for all of them.
+// the section keeps for all of them. Of
+//
+//     struct Gain { float p; };
+//     enum Mode { Off, On };
+//     struct Gain gain;
+//
+// `gain` is a root, and `Gain` and `float` are delivered because it needs them. `Mode` is delivered
+// only if the host wants all types: then named types are roots as well.
 #include "container/VElfFile.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/VCLIFactoryWrapper.h"

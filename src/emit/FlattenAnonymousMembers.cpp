@@ -1,3 +1,13 @@
+// Members of an anonymous member are used as if they stood in the type around it:
+//
+//     struct Frame {
+//         int head;
+//         struct { int low; int high; };       frame.low, not frame.something.low
+//     } frame;
+//
+// So they move there, and their offsets grow by the one of the anonymous member: `head` at 0, `low`
+// at 4, `high` at 8. The classic reading does so if the anonymous type is declared inside the type
+// that uses it, as C++ compilers write it. FlattenAllAnonymousMembers does it for all.
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"

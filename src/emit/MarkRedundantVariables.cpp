@@ -1,3 +1,13 @@
+// A variable stands in the debug information of each unit that uses it, and a host wants it once.
+//
+//     // a.c                      // b.c
+//     extern int table[];         int table[8];
+//     int* first = table;
+//
+// Unit b defines `table` and knows its address; the declaration of unit a has got the same address
+// from the symbol table by now. Both are variables "table" at one address, so that one of them is
+// redundant. The richer one stays: an array of 8 elements says more than one without dimensions,
+// whichever unit comes first. The other is marked and never delivered.
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"

@@ -1,5 +1,14 @@
 // Finds the cycles that links of types and specifications form, each link looked at once for all
-// nodes of a tree. The pass that cuts cycles asks it node by node.
+// nodes of a tree. The pass that cuts cycles asks it node by node. No compiler writes such a file,
+// a damaged one may hold
+//
+//     typedef A  type: B
+//     typedef B  type: A
+//     variable v type: A
+//
+// The type of A is cut, the first one that the pass comes to. B then is a typedef of A, which is
+// one of nothing, and `v` has a chain that ends. Without the cut, whoever follows types would not
+// stop.
 #pragma once
 
 #include "nodes/VDebugInfoNode.h"

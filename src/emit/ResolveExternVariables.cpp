@@ -1,3 +1,13 @@
+// A unit may declare a variable whose definition has no debug information: it lies in a library, or
+// in a file of assembly language.
+//
+//     // a.cpp, with -g                           // b.cpp, without
+//     namespace motor { extern int total; }       namespace motor { int total = 1; }
+//     int* first = &motor::total;
+//
+// The declaration tells name and type, and the linker's symbol `_ZN5motor5totalE` tells the
+// address. Here the two come together; without this the variable would be one of unknown type. A
+// declaration that another entry completes is left alone: that entry has the address.
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"

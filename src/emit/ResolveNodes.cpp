@@ -19,9 +19,20 @@ namespace {
 using ResolutionPass = void (*)(VDwarf2Section&);
 
 constexpr ResolutionPass sClassicPasses[] = {
-    ResolveAllReferences,    DemangleNames,       GroupTypesOfSameName,
-    BreakAllReferenceCycles, ReadEntriesForSizes, UnifyCompileUnits,
-    ResolveExternVariables,  ResolveAllSizes,     MarkRedundantVariables,
+    ResolveAllReferences,
+    // Types are grouped by their names.
+    DemangleNames,
+    // Whoever follows a type from here on comes to definitions.
+    GroupTypesOfSameName,
+    // A declaration may have got a definition that leads back to it; walks over types must end.
+    BreakAllReferenceCycles,
+    ReadEntriesForSizes,
+    UnifyCompileUnits,
+    // Variables are compared by their addresses, so that all must have theirs.
+    ResolveExternVariables,
+    ResolveAllSizes,
+    MarkRedundantVariables,
+    // Last, since sizes and groups count members where the file has them.
     FlattenAnonymousMembers,
 };
 

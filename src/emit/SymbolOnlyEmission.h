@@ -1,6 +1,7 @@
 // Delivers the data symbols of an image that no debug information describes: a name, an address and
-// a size each, in a namespace of their own. The walk over the symbol table calls it; it reads no
-// file.
+// a size each, in a namespace of their own. `unsigned char heap[4096]` in a file that was compiled
+// without -g becomes the variable "heap" of an unknown type of 4096 bytes. The walk over the symbol
+// table calls it; it reads no file.
 #pragma once
 
 #include "emit/VCLIFactoryWrapper.h"

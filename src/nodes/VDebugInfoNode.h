@@ -460,7 +460,20 @@ private:
     static inline std::uint32_t sNextNodeRecord = 0;
 
     // There are millions of nodes: what not all of them need lies elsewhere, and no byte is left
-    // unused. What the passes look at comes first, so that it mostly lies in one line of the cache.
+    // unused. Links take 4 bytes, since they name a place in the arena. What the passes look at
+    // comes first, so that it mostly lies in one cache line:
+    //
+    //      0  virtual table            28  unit header
+    //      8  name                     32  parent
+    //     12  tag                      36  next sibling (of the last child: the first child)
+    //     14  flags, walk states       40  last child, so that appending needs no walk
+    //     16  type: offset, then link  44  section offset
+    //     20  aside                    48  record of the entry
+    //     24  byte size                52  record of the node
+    //
+    // `mAside` leads to what few nodes have. A variable without specification has none until its
+    // delivery begins, and then a `VNodeDelivery`; a bit field has `VNodeExtras` from the start,
+    // which hold its storage and the room for its delivery.
     VNodeText mName;
     std::uint16_t mTag;
     bool mIsTypeResolved : 1 = false;

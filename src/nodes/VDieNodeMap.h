@@ -1,6 +1,21 @@
 // The nodes of a section by the section offsets of their debug entries. All references are resolved
 // through it, and the passes walk it, whole or by the kind of node that they are for, in ascending
 // offset order.
+//
+// Nodes are filed in a flat list, and a node is named by its place in it. For entries at the
+// section offsets 0x0b, 0x2d, 0x34, 0x52 and 0x59:
+//
+//     place         0      1      2      3      4
+//     mNodes      unit   base  struct member    var
+//     mMarks       ...    ...    ...    ...    ...     what passes have to do there
+//     mPlaces     CompileUnits: 0   GroupedTypes: 2   MembersAndEnumerations: 3   Variables: 4
+//
+//     mStretches  bytes 0x00 to 0x3f: bits 0x0b, 0x2d, 0x34 set, first place 0
+//                 bytes 0x40 to 0x7f: bits 0x12, 0x19 set, first place 3
+//
+// The node at 0x59 is found without a search: stretch 0x59 / 64 = 1 has bit 0x59 % 64 = 0x19 set,
+// and one set bit (0x12) stands before it, so that its place is 3 + 1 = 4. A hash table would take
+// more memory, and miss the cache at each question.
 #pragma once
 
 #include "core/Prefetch.h"
