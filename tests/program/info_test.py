@@ -154,6 +154,8 @@ class FindTest(unittest.TestCase):
     def test_what_leads_nowhere_is_told(self):
         for query, text in [
                 ("0x1", "no variable lies here"),
+                ("0x200002b5", "no variable lies here, in section .bss; 'is_ready' ends just before"),
+                ("0x20000005", "no variable lies here, in section .data; 'small' ends 3 bytes before"),
                 ("20000010", "an address is a hexadecimal number that begins with 0x"),
                 ("0x2000001g", "an address is a hexadecimal number"),
                 ("0x", "an address is a hexadecimal number"),

@@ -98,6 +98,8 @@ class OrderTest(ProgramTest):
                          [("motors", ".data"), ("main_supply", ".data"), ("sine", ".rodata"),
                           ("ring", ".bss")])
         self.assertNotIn("section", self.rows("vars", IMAGE)[0])
+        found = self.rows("find", IMAGE, "--section", "sine[0][0][0]", "0x20000278")
+        self.assertEqual([row["section"] for row in found], [".rodata", ".bss"])
         sizes = {row["size"] for row in self.rows("leaves", IMAGE, "--min-size", "8")}
         self.assertEqual(min(sizes), 8)
 
