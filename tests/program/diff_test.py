@@ -16,6 +16,7 @@ from program_test import (GLOBAL_OBJECT, SAMPLE_IMAGES, TWO_SYMBOLS, ProgramTest
 
 OLD = str(SAMPLE_IMAGES / "arm-c-dwarf4-O0.elf")
 NEW = str(SAMPLE_IMAGES / "arm-c-dwarf4-O2.elf")
+OTHER = str(SAMPLE_IMAGES / "arm-cpp-dwarf4-O0.elf")
 CUT = str(SAMPLE_IMAGES / "arm-c-dwarf4-O2-nosymtab.elf")
 SCHEMA = json.loads(
     (pathlib.Path(os.environ["BRINDLE_SOURCE"]) / "docs" / "schema" / "diff.json").read_text())
@@ -44,6 +45,11 @@ class DiffTest(ProgramTest):
                                  ("moved", "variable", before[name]["address"],
                                   after[name]["address"]))
         self.assertEqual(self.document(OLD, NEW, "*.output.low")["rows"], [])
+        # A variable that is there in one build only is one row as well, whatever its parts.
+        rows = self.document(OTHER, OLD)["rows"]
+        self.assertIn(("motors", "appeared"), {(row["name"], row["change"]) for row in rows})
+        self.assertEqual({row["kind"] for row in rows if row["change"] in ("appeared", "vanished")},
+                         {"variable"})
 
     def test_the_summary_counts_the_rows(self):
         document = self.document(OLD, NEW, "--symbols")
