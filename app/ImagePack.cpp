@@ -118,7 +118,7 @@ ImagePack::ImagePack(const DataModel::Model& model, std::string file, const Read
     , mEnumerators({"value", "name"})
     , mVariables({"name", "scope", "type", "address", "size", "unit"})
     , mSections({"name", "address", "size", "kind"})
-    , mValues(model, valueLimit) {
+    , mValues(valueLimit) {
     NumberTypes();
     for (ObjectId id = 1; id < mTypeNumbers.size(); ++id) {
         if (mTypeNumbers[id] != 0) {
@@ -215,15 +215,19 @@ std::uint64_t ImagePack::AddEnumerators(ObjectId table) {
 }
 
 void ImagePack::AddVariables() {
-    mModel.ForEach(ObjectKind::Global,
-                   [this](const ModelObject& variable) { AddVariable(variable); });
+    std::vector<ValuePack::Stretch> places;
+    mModel.ForEach(ObjectKind::Global, [this, &places](const ModelObject& variable) {
+        places.push_back(AddVariable(variable));
+    });
+    mValues.Take(mModel, std::move(places));
 }
 
-void ImagePack::AddVariable(const ModelObject& variable) {
+ValuePack::Stretch ImagePack::AddVariable(const ModelObject& variable) {
+    const std::uint64_t size = mModel.SizeOf(variable.id);
     mVariableIds.push_back(variable.id);
     mVariables.AddRow({mTexts.NumberOf(variable.name), ScopeText(variable),
-                       TypeNumber(variable.type), variable.address, mModel.SizeOf(variable.id),
-                       UnitText(variable.id)});
+                       TypeNumber(variable.type), variable.address, size, UnitText(variable.id)});
+    return {variable.address, size};
 }
 
 void ImagePack::AddSections() {

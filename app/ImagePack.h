@@ -42,7 +42,8 @@ private:
     std::uint64_t AddDimensions(DataModel::ObjectId array);
     std::uint64_t AddEnumerators(DataModel::ObjectId table);
     void AddVariables();
-    void AddVariable(const DataModel::ModelObject& variable);
+    /// @return where it lies
+    ValuePack::Stretch AddVariable(const DataModel::ModelObject& variable);
     void AddSections();
     std::uint32_t ScopeText(const DataModel::ModelObject& variable);
     std::uint32_t UnitText(DataModel::ObjectId id);

@@ -1,6 +1,7 @@
 #include "PackedColumns.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <utility>
 
@@ -13,20 +14,33 @@ constexpr std::string_view sDigits =
 constexpr std::size_t sGroup = 3;
 constexpr std::size_t sDigitsOfGroup = 4;
 
+/// Two digits of base64 for each twelve bits.
+constexpr auto sDigitPairs = [] {
+    std::array<std::array<char, 2>, 4096> pairs{};
+    for (std::size_t bits = 0; bits < pairs.size(); ++bits) {
+        pairs[bits] = {sDigits[bits >> 6U], sDigits[bits & 63U]};
+    }
+    return pairs;
+}();
+
+void PutGroup(char* place, std::uint32_t bits) {
+    std::ranges::copy(sDigitPairs[bits >> 12U], place);
+    std::ranges::copy(sDigitPairs[bits & 0xFFFU], place + 2);
+}
+
 /// Appends bytes in base64.
 void AppendBase64(std::string& text, std::span<const std::uint8_t> bytes) {
     std::size_t place = text.size();
-    text.resize(place + (bytes.size() + sGroup - 1) / sGroup * sDigitsOfGroup, '=');
-    for (; !bytes.empty(); bytes = bytes.subspan(std::min(bytes.size(), sGroup))) {
-        const std::size_t count = std::min(bytes.size(), sGroup);
-        const std::uint32_t bits = std::uint32_t{bytes[0]} << 16U |
-                                   (count > 1 ? std::uint32_t{bytes[1]} << 8U : 0U) |
-                                   (count > 2 ? std::uint32_t{bytes[2]} : 0U);
-        // The last group has a digit more than bytes; the rest of it stays filled up.
-        for (std::size_t digit = 0; digit <= count; ++digit) {
-            text[place + digit] = sDigits[bits >> (18U - 6U * digit) & 63U];
-        }
-        place += sDigitsOfGroup;
+    text.resize(place + (bytes.size() + sGroup - 1) / sGroup * sDigitsOfGroup);
+    for (; bytes.size() >= sGroup; bytes = bytes.subspan(sGroup), place += sDigitsOfGroup) {
+        PutGroup(&text[place], std::uint32_t{bytes[0]} << 16U | std::uint32_t{bytes[1]} << 8U |
+                                   std::uint32_t{bytes[2]});
+    }
+    if (!bytes.empty()) {
+        const std::uint32_t second = bytes.size() > 1 ? bytes[1] : 0;
+        PutGroup(&text[place], std::uint32_t{bytes[0]} << 16U | second << 8U);
+        std::fill(text.begin() + static_cast<std::ptrdiff_t>(place + bytes.size() + 1), text.end(),
+                  '=');
     }
 }
 
@@ -39,8 +53,17 @@ std::size_t WidthOf(std::span<const std::uint64_t> numbers) {
     return bytes == 0 ? 0 : std::bit_ceil(bytes);
 }
 
+constexpr bool IsPlain(char character) {
+    return static_cast<unsigned char>(character) >= ' ' && character != '"' && character != '\\' &&
+           character != '<';
+}
+
 void WriteString(PackWriter& json, std::string_view text) {
-    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    if (std::ranges::all_of(text, IsPlain)) {
+        json.PlainString(text);
+    } else {
+        json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    }
 }
 
 void WriteKey(PackWriter& json, std::string_view key) {
@@ -48,6 +71,14 @@ void WriteKey(PackWriter& json, std::string_view key) {
 }
 
 } // namespace
+
+void PackWriter::PlainString(std::string_view text) {
+    Prefix(rapidjson::kStringType);
+    os_->Write("\"");
+    os_->Write(text);
+    os_->Write("\"");
+    EndValue(true);
+}
 
 TextTable::TextTable(std::size_t expected) {
     constexpr std::size_t mostReserved = std::size_t{1} << 16U;
@@ -80,25 +111,25 @@ void TextTable::Write(PackWriter& json) const {
 
 void WriteColumn(PackWriter& json, std::string_view key, std::span<const std::uint64_t> numbers) {
     const std::size_t width = WidthOf(numbers);
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(numbers.size() * width);
+    std::vector<std::uint8_t> bytes(numbers.size() * width);
+    std::uint8_t* place = bytes.data();
     for (std::uint64_t number : numbers) {
         for (std::size_t byte = 0; byte < width; ++byte) {
-            bytes.push_back(static_cast<std::uint8_t>(number));
+            *place++ = static_cast<std::uint8_t>(number);
             number >>= 8U;
         }
     }
     std::string text = std::to_string(width) + ":";
     AppendBase64(text, bytes);
     WriteKey(json, key);
-    WriteString(json, text);
+    json.PlainString(text);
 }
 
 void WriteBytes(PackWriter& json, std::string_view key, std::span<const std::uint8_t> bytes) {
     std::string text;
     AppendBase64(text, bytes);
     WriteKey(json, key);
-    WriteString(json, text);
+    json.PlainString(text);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -34,12 +34,22 @@ public:
         }
     }
     void Flush() {}
+    /// Writes a text that has no "<" in one piece.
+    void Write(std::string_view text) { mOutput.Write(text); }
 
 private:
     ResultOutput& mOutput;
 };
 
-using PackWriter = rapidjson::Writer<ScriptOutput>;
+/// Writes the JSON of a report. Most of it are long texts of base64, and names of plain letters:
+/// those are copied instead of being looked at for escapes once more, character by character.
+class PackWriter : public rapidjson::Writer<ScriptOutput> {
+public:
+    using Writer::Writer;
+
+    /// @param text without any character that JSON or a script element escapes
+    void PlainString(std::string_view text);
+};
 
 /// Texts by their numbers. Number 0 is the empty text.
 class TextTable {

@@ -3,13 +3,14 @@
 #include "host/ImageDescription.h"
 
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
 using DataModel::ImageSection;
-using DataModel::ModelObject;
 using DataModel::SectionKind;
 
 /// A row of zeros from this length on stands without bytes.
@@ -19,12 +20,28 @@ constexpr std::uint64_t sNear = 16;
 /// No one value is larger; a lying size may be.
 constexpr std::uint64_t sLargestStretch = 16 * 1024 * 1024;
 
+/// The end of the zeros at the beginning. Most of a program's bytes are zeros: they are passed by
+/// the word.
+const std::uint8_t* EndOfZeros(const std::uint8_t* at, const std::uint8_t* end) {
+    std::uint64_t word = 0;
+    while (end - at >= static_cast<std::ptrdiff_t>(sizeof word)) {
+        std::memcpy(&word, at, sizeof word);
+        if (word != 0) {
+            break;
+        }
+        at += sizeof word;
+    }
+    return std::find_if(at, end, [](std::uint8_t byte) { return byte != 0; });
+}
+
 } // namespace
 
-ValuePack::ValuePack(const DataModel::Model& model, std::uint64_t limit)
+ValuePack::ValuePack(std::uint64_t limit)
     : mLimit(limit)
-    , mChunks({"address", "length", "hasBytes"}) {
-    for (const Stretch& stretch : StretchesOf(model)) {
+    , mChunks({"address", "length", "hasBytes"}) {}
+
+void ValuePack::Take(const DataModel::Model& model, std::vector<Stretch> variables) {
+    for (const Stretch& stretch : Joined(model, std::move(variables))) {
         if (mBytes.size() >= mLimit) {
             mIsCut = true;
             break;
@@ -34,15 +51,15 @@ ValuePack::ValuePack(const DataModel::Model& model, std::uint64_t limit)
     }
 }
 
-std::vector<ValuePack::Stretch> ValuePack::StretchesOf(const DataModel::Model& model) {
-    std::vector<Stretch> variables;
-    model.ForEach(DataModel::ObjectKind::Global, [&](const ModelObject& variable) {
-        const std::uint64_t size = model.SizeOf(variable.id);
-        if (size != 0 && size <= sLargestStretch) {
-            variables.push_back({variable.address, size});
-        }
+std::vector<ValuePack::Stretch> ValuePack::Joined(const DataModel::Model& model,
+                                                  std::vector<Stretch> variables) {
+    std::erase_if(variables, [](const Stretch& variable) {
+        return variable.size == 0 || variable.size > sLargestStretch;
     });
-    std::ranges::sort(variables, {}, &Stretch::address);
+    // Compilers and linkers mostly keep the order of the source.
+    if (!std::ranges::is_sorted(variables, {}, &Stretch::address)) {
+        std::ranges::sort(variables, {}, &Stretch::address);
+    }
     std::vector<Stretch> stretches;
     const ImageSection* section = nullptr;
     for (const Stretch& variable : variables) {
@@ -67,12 +84,11 @@ std::vector<ValuePack::Stretch> ValuePack::StretchesOf(const DataModel::Model& m
 }
 
 void ValuePack::Add(std::uint64_t address, const std::vector<std::uint8_t>& bytes) {
-    const auto isZero = [](std::uint8_t byte) { return byte == 0; };
     const std::uint8_t* const end = bytes.data() + bytes.size();
     const std::uint8_t* begin = bytes.data();
     for (const std::uint8_t* at = begin; at != end;) {
         const std::uint8_t* const zeros = std::find(at, end, 0);
-        const std::uint8_t* const zerosEnd = std::find_if_not(zeros, end, isZero);
+        const std::uint8_t* const zerosEnd = EndOfZeros(zeros, end);
         if (zerosEnd - zeros >= sLongZeros) {
             AddChunk(address + static_cast<std::uint64_t>(begin - bytes.data()), begin, zeros);
             mChunks.AddRow({address + static_cast<std::uint64_t>(zeros - bytes.data()),

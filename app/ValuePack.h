@@ -15,18 +15,23 @@ namespace Tessel::Norn::Brindle::Program {
 /// Takes the bytes of all variables in sections that have any, by ascending address.
 class ValuePack {
 public:
-    /// @param limit most bytes that are taken; values beyond it are missing
-    ValuePack(const DataModel::Model& model, std::uint64_t limit);
-
-    void Write(PackWriter& json) const;
-
-private:
     struct Stretch {
         std::uint64_t address = 0;
         std::uint64_t size = 0;
     };
 
-    static std::vector<Stretch> StretchesOf(const DataModel::Model& model);
+    /// @param limit most bytes that are taken; values beyond it are missing
+    explicit ValuePack(std::uint64_t limit);
+
+    /// Takes the bytes of variables; called once.
+    ///
+    /// @param variables where they lie, in any order
+    void Take(const DataModel::Model& model, std::vector<Stretch> variables);
+    void Write(PackWriter& json) const;
+
+private:
+    static std::vector<Stretch> Joined(const DataModel::Model& model,
+                                       std::vector<Stretch> variables);
     void Add(std::uint64_t address, const std::vector<std::uint8_t>& bytes);
     void AddChunk(std::uint64_t address, const std::uint8_t* begin, const std::uint8_t* end);
 
