@@ -24,7 +24,7 @@ void PrintVariables(const DataModel::Model& model) {
 bool PrintPlace(const DataModel::Model& model, const std::string& path) {
     const DataModel::Model::PathResult result = model.ResolvePath(path);
     if (!result.found) {
-        std::cerr << path << ": " << result.problem << " behind '"
+        std::cerr << path << ": " << result.problem << " after '"
                   << path.substr(0, result.resolvedLength) << "'\n";
         return false;
     }

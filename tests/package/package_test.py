@@ -114,7 +114,7 @@ class InstalledLibraryTest(unittest.TestCase):
             self.assertEqual(line, expected)
         self.assertRegex(run(folder / "default_model", IMAGES[0], "motors[1].no.such",
                              expect_success=False),
-                         r"^motors\[1\]\.no\.such: .* behind 'motors\[1\]'")
+                         r"^motors\[1\]\.no\.such: .* after 'motors\[1\]'")
 
     def test_the_examples_in_c_build_with_find_package(self):
         folder = WORK / "examples-c"
