@@ -7,7 +7,7 @@
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
 
-#include <chrono>
+#include <ctime>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -313,9 +313,9 @@ TEST_F(LocationTest, OperandsWithoutEndCostNothing) {
     }
     sections.Unit({.entries = {Die::Raw(entries)}, .abbreviationOffset = table});
     SectionRun run(ElfImage() + sections);
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     ASSERT_TRUE(run.Read());
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    EXPECT_LT((std::clock() - start) / CLOCKS_PER_SEC, 20);
     EXPECT_TRUE(run.Section().mDieNodes.InOffsetOrder().back()->IsRegisterOrStackLocation());
 }
 
