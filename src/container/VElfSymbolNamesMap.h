@@ -49,6 +49,11 @@ public:
     /// Releases all entries; the initialised flag stays.
     void Clear() override;
     void DeleteAll() { Clear(); }
+    /// Releases all entries, to be filled again when a name is looked for.
+    void Restart() {
+        Clear();
+        mIsInitialized = false;
+    }
 
     /// The address record of exactly this name, null if there is none. Ends with `Clear`.
     const VElfSymbolAddress* FindByName(const char* name) const;

@@ -10,11 +10,13 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 CodeEntry VDie2::CodeEntryHere() const {
-    if (mChoice != NodeChoice::WithoutCode || mOpenEntries.empty()) {
+    if ((mChoice != NodeChoice::WithoutCode && mChoice != NodeChoice::WithoutBodies) ||
+        mOpenEntries.empty()) {
         return CodeEntry::Kept;
     }
     switch (mOpenEntries.back().surroundings) {
     case Surroundings::Function:
+    case Surroundings::FunctionOfBody:
         return mItem->mCodeEntry;
     case Surroundings::CodeOfFunction:
         return mItem->mCodeEntry != CodeEntry::Parameter ? mItem->mCodeEntry : CodeEntry::Kept;
@@ -25,9 +27,12 @@ CodeEntry VDie2::CodeEntryHere() const {
 
 VDie2::Entry VDie2::PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
     VDieFormValue passed;
+    std::uint32_t type = 0;
     for (const TDieAttribute& step : mAbbrevTable->PassingStepsOf(*mItem)) {
         mBuffer->MoveOffset(step.mSkip);
-        ReadFormValue(step, passed);
+        if (ReadFormValue(step, passed) && step.mAttribute == AttributeTarget::Type) {
+            type = TypeOffsetOf(step, passed);
+        }
         if (mBuffer->HasPassedEnd()) {
             break;
         }
@@ -36,13 +41,19 @@ VDie2::Entry VDie2::PassEntry(std::int32_t unitOffset, std::uint32_t recordNumbe
         return Entry::Unknown;
     }
     mSection->mDieNodes.Pass();
+    if (mItem->mBodyEntry != BodyEntry::Kept) {
+        mSection->CountPassedOfBody();
+    }
     const std::uint32_t nodeRecord = VDebugInfoNode::TakeNodeRecord();
     if (mItem->mHasChildren == 1) {
-        mOpenEntries.push_back({.surroundings = Surroundings::CodeOfFunction,
+        mOpenEntries.push_back({.surroundings = SurroundingsInPassed(),
                                 .isInFunction = true,
                                 .unitOffset = unitOffset,
                                 .recordNumber = recordNumber,
-                                .nodeRecord = nodeRecord});
+                                .nodeRecord = nodeRecord,
+                                .type = type});
+    } else if (type != 0) {
+        NotePassedType(type);
     }
     return Entry::Passed;
 }
@@ -108,14 +119,17 @@ bool VDie2::MakeWaitingNodes() {
 
 void VDie2::OpenCurrentEntry() {
     OpenEntry entry{.node = mNode};
-    const bool isOuterCode =
-        !mOpenEntries.empty() && mOpenEntries.back().surroundings != Surroundings::Other;
+    const Surroundings outer =
+        mOpenEntries.empty() ? Surroundings::Other : mOpenEntries.back().surroundings;
+    const bool isOuterCode = outer != Surroundings::Other && outer != Surroundings::Body;
     entry.isInFunction = !mOpenEntries.empty() && mOpenEntries.back().isInFunction;
     if (mTag == DW_TAG_subprogram) {
         entry.surroundings = Surroundings::Function;
         entry.isInFunction = true;
     } else if (isOuterCode && IsCodeScope(mTag)) {
         entry.surroundings = Surroundings::CodeOfFunction;
+    } else if (LeavesBodies() && HasBody(mTag)) {
+        entry.surroundings = Surroundings::Body;
     }
     if (mChoice == NodeChoice::Missing && entry.surroundings != Surroundings::Other) {
         TakeOffChildren(*mNode);

@@ -5,7 +5,6 @@
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 #include "dwarf/VDwarf2Section.h"
-#include "host/VDWARFReaderWrapper.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "nodes/VDebugInfoNodeConstants.h"
 #include "nodes/VDebugInfoNodeDerivedTypes.h"
@@ -26,9 +25,9 @@ constexpr std::uint8_t sGlobalBinding = 0x10;
 } // namespace
 
 bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header, VDebugInfoNode* parent) {
-    if (mTag == DW_TAG_compile_unit && mSection->mReader != nullptr &&
+    if (mTag == DW_TAG_compile_unit &&
         VDwarf2Section::SectionToUnitOffset(*header, mOffset) < sProgressOffset) {
-        mSection->mReader->SetProgressValue(static_cast<std::int32_t>(mOffset));
+        mSection->TellProgress(mOffset);
     }
     mNode = CreateNode(header, parent);
     mSection->mDieNodes.Insert(mOffset, mNode);

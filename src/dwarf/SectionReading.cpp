@@ -19,6 +19,15 @@ namespace {
 /// Time of the log's clock when the section was begun.
 double gLogBeginSectionTimer = 0;
 
+/// The part of a section that tells whether bodies are worth passing: one of so many, not small
+/// itself, and not so large that reading it again matters.
+constexpr std::uint64_t sShareOfSample = 32;
+constexpr std::uint64_t sLargestShareOfSample = 8;
+constexpr std::uint64_t sSmallestSample = std::uint64_t{64} * 1024;
+
+/// Where variables lead to so many of ten entries in bodies, all bodies are read at once.
+constexpr std::size_t sMostOfTen = 6;
+
 void TellPhase(VDWARFReaderWrapper* reader, ReadPhase phase) {
     if (reader != nullptr) {
         reader->SetPhase(phase);
@@ -40,7 +49,13 @@ bool VDwarf2Section::ProcessDebugSection() {
         gLogBeginSectionTimer = GetLogTimeMs();
     }
     CreateUnknownEntryTypes();
-    const bool isRead = MapCompileUnits() && ProcessCompileUnits();
+    bool isRead = MapCompileUnits();
+    if (isRead) {
+        if (mReader != nullptr && !mReader->IsReadAllTypes()) {
+            LeaveBodies();
+        }
+        isRead = ProcessCompileUnits();
+    }
     mElfFile->mFacts.SetEntries(recCnt);
     AddRemarks();
     if (!isRead) {
@@ -48,6 +63,13 @@ bool VDwarf2Section::ProcessDebugSection() {
     }
     TellPhase(mReader, ReadPhase::Resolving);
     ResolveNodes();
+    if (mRequiresBodies) {
+        ForgetEntries();
+        if (!ProcessCompileUnits()) {
+            return false;
+        }
+        ResolveNodes();
+    }
     TellPhase(mReader, ReadPhase::Delivering);
     if (EmitNodes() && VElfOptions::mIsLogFile != 0) {
         elflog("\n%s: End of DWARF2 Debug Section (dt:%.3f ms) ", GetLogTimeStamp(),
@@ -57,17 +79,77 @@ bool VDwarf2Section::ProcessDebugSection() {
     return true;
 }
 
-bool VDwarf2Section::ProcessCompileUnits() {
+bool VDwarf2Section::CanLeaveBodies() const {
+    // Type units link bodies before it is known which of them are asked for. The log tells what
+    // happens in which order.
+    return !KeepsAllEntries() && VElfOptions::mIsLogFile == 0 &&
+           std::ranges::none_of(mCompileUnits,
+                                [](const auto* unit) { return unit->mTypeOffset != 0; });
+}
+
+bool VDwarf2Section::KeepsAllEntries() const {
     // Where units overlap, the first of several entries at one place counts, whatever it is.
-    mKeepsAllEntries =
-        mKeepsAllEntries || VElfOptions::mDumpDebugInfoNodes != 0 || !AreUnitsApart();
-    // NOLINTNEXTLINE(readability-use-anyofallof): reading is no question
-    for (VCompileUnitHeader* header : mCompileUnits) {
-        if (!ProcessCompileUnit(*header)) {
+    return mKeepsAllEntries || VElfOptions::mDumpDebugInfoNodes != 0 || !AreUnitsApart();
+}
+
+bool VDwarf2Section::HasReadSample(std::size_t unitCount) const {
+    if (mIsReadAgain || unitCount == mCompileUnits.size()) {
+        return false;
+    }
+    const std::uint64_t sectionSize = mElfFile->mSecDebugInfo.sh_size;
+    const std::uint64_t size = mCompileUnits[unitCount]->mSectionOffset;
+    return size >= sectionSize / sShareOfSample && size >= sSmallestSample &&
+           size <= sectionSize / sLargestShareOfSample;
+}
+
+bool VDwarf2Section::DoVariablesLeadToMostBodies() {
+    const std::size_t passed = mDieNodes.PassedCount();
+    ResolveNodes();
+    const std::size_t made = passed - mDieNodes.PassedCount();
+    return mRequiresBodies || made > mPassedOfBodies / 10 * sMostOfTen;
+}
+
+void VDwarf2Section::ForgetEntries() {
+    mPassedOfBodies = 0;
+    mDieNodes.Clear();
+    mPassedVariables.clear();
+    mPassedReferences = {};
+    mUnitLinks = {};
+    mLongTexts = LongTextAllowance(mElfFile->mFileSize);
+    if (mElfFile->mManner == ReadingManner::Classic) {
+        // What it finds there depends on whether a linkage name was looked up before.
+        mElfFile->mSymbolNamesMap.Restart();
+    }
+    VDebugInfoNode::SetNextNodeRecord(mFirstNodeRecord);
+    recCnt = 0;
+    mLeavesBodies = false;
+    mRequiresBodies = false;
+    mIsReadAgain = true;
+}
+
+void VDwarf2Section::TellProgress(std::uint32_t sectionOffset) {
+    if (mReader == nullptr || (mIsReadAgain && sectionOffset <= mToldOffset)) {
+        return;
+    }
+    mReader->SetProgressValue(static_cast<std::int32_t>(sectionOffset));
+    mToldOffset = sectionOffset;
+}
+
+bool VDwarf2Section::ProcessCompileUnits() {
+    mFirstNodeRecord = VDebugInfoNode::NextNodeRecord();
+    mKeepsAllEntries = KeepsAllEntries();
+    for (std::size_t next = 0; next < mCompileUnits.size();) {
+        if (!ProcessCompileUnit(*mCompileUnits[next++])) {
             if (VElfOptions::mIsLogFile != 0) {
                 elflog("%s: Failed to process debug section.", GetLogTimeStamp());
             }
             return false;
+        }
+        if (mLeavesBodies && HasReadSample(next)) {
+            const bool leavesBodies = !DoVariablesLeadToMostBodies();
+            ForgetEntries();
+            mLeavesBodies = leavesBodies;
+            next = 0;
         }
     }
     mUnitBuffer.reset();
@@ -83,9 +165,18 @@ bool VDwarf2Section::AreUnitsApart() const {
 bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
     const std::size_t passedBefore = mDieNodes.PassedCount();
     std::vector<VDebugInfoNode*> made;
-    const bool result =
-        ReadUnit(header, mKeepsAllEntries ? NodeChoice::All : NodeChoice::WithoutCode, made);
+    const NodeChoice choice = mKeepsAllEntries ? NodeChoice::All
+                              : mLeavesBodies  ? NodeChoice::WithoutBodies
+                                               : NodeChoice::WithoutCode;
+    const bool countsReferences = mLeavesBodies && mElfFile->mManner == ReadingManner::Full;
+    if (countsReferences) {
+        mPassedReferences.EnterUnit(header);
+    }
+    const bool result = ReadUnit(header, choice, made);
     header.mHasPassedEntries = mDieNodes.PassedCount() != passedBefore;
+    if (countsReferences) {
+        mPassedReferences.LeaveUnit(mDieNodes);
+    }
     return result;
 }
 
@@ -100,6 +191,8 @@ void VDwarf2Section::NoteReferencesOfPassed() const {
 
 bool VDwarf2Section::ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
                               std::vector<VDebugInfoNode*>& made) {
+    const bool isFirstTime = choice != NodeChoice::Missing && header.mIndex >= mCountedUnits;
+    mCountedUnits = std::max(mCountedUnits, header.mIndex + 1);
     VCompileUnitReader reader(*this, header);
     reader.mBuffer = std::move(mUnitBuffer);
     header.mUnitReader = &reader;
@@ -108,21 +201,29 @@ bool VDwarf2Section::ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
         VDie2 root(reader, choice);
         if (mElfFile->mManner == ReadingManner::Full) {
             root.ReadUnitFacts();
-            mSplitUnitCount += reader.mFacts.mIsSplit && choice != NodeChoice::Missing ? 1 : 0;
+            mSplitUnitCount += reader.mFacts.mIsSplit && isFirstTime ? 1 : 0;
         }
         while (result && !reader.mBuffer->IsEOF()) {
             result = root.ReadDieTree(&header);
         }
         made.insert(made.end(), root.GetMadeNodes().begin(), root.GetMadeNodes().end());
     }
-    if (header.mTypeOffset != 0) {
+    if (isFirstTime && header.mTypeOffset != 0) {
         mElfFile->mFacts.AddTypeUnit();
-    } else {
+    } else if (isFirstTime) {
         mElfFile->mFacts.AddUnit(header.mDwarfVersion, reader.mFacts.mLanguage, reader.mProducer);
     }
     header.mUnitReader = nullptr;
     mUnitBuffer = std::move(reader.mBuffer);
     return result;
+}
+
+std::unique_ptr<VElfBuffer> VDwarf2Section::LendUnitBuffer() {
+    return std::move(mUnitBuffer);
+}
+
+void VDwarf2Section::TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer) {
+    mUnitBuffer = std::move(buffer);
 }
 
 std::vector<VDebugInfoNode*>

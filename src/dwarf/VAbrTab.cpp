@@ -14,6 +14,10 @@ constexpr std::uint32_t sMaximumSkip = std::numeric_limits<std::uint16_t>::max()
 constexpr std::size_t sCodesPerItem = 4;
 constexpr std::size_t sSmallestFlatTable = 64;
 
+bool IsPassable(CodeEntry entry) {
+    return entry != CodeEntry::Kept && entry != CodeEntry::Variable;
+}
+
 } // namespace
 
 bool VAbrTab::Read(VElfBuffer& section, std::uint32_t offset) {
@@ -41,7 +45,7 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
     item.mFirstPassingStep = static_cast<std::uint32_t>(mPassingSteps.size());
     ReadAttributes(section, item);
     item.mAttributeCount = static_cast<std::uint32_t>(mAttributes.size()) - item.mFirstAttribute;
-    if (item.mCodeEntry == CodeEntry::Kept || item.mCodeEntry == CodeEntry::Variable) {
+    if (!IsPassable(item.mCodeEntry) && item.mBodyEntry == BodyEntry::Kept) {
         mPassingSteps.resize(item.mFirstPassingStep);
     }
     item.mPassingStepCount =
@@ -58,6 +62,7 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
 
 void VAbrTab::ReadAttributes(VElfBuffer& section, TAbrTabItem& item) {
     item.mCodeEntry = CodeEntryOf(item.mTag, item.mHasChildren == 1);
+    BodyEntryRule bodyEntry(item.mTag, item.mHasChildren == 1);
     StepList reading{mAttributes};
     StepList passing{mPassingSteps};
     while (true) {
@@ -75,11 +80,15 @@ void VAbrTab::ReadAttributes(VElfBuffer& section, TAbrTabItem& item) {
         reading.Add(attribute);
         item.mCodeEntry =
             WithAttribute(item.mCodeEntry, item.mTag, attribute.mAttribute, attribute.mReading);
-        if (item.mCodeEntry != CodeEntry::Kept && item.mCodeEntry != CodeEntry::Variable) {
-            attribute.mAttribute = AttributeTarget::None;
+        bodyEntry.Take(attribute.mAttribute, attribute.mReading);
+        if (IsPassable(item.mCodeEntry) || bodyEntry.MayPass()) {
+            const bool countsType =
+                bodyEntry.MayPass() && attribute.mAttribute == AttributeTarget::Type;
+            attribute.mAttribute = countsType ? AttributeTarget::Type : AttributeTarget::None;
             passing.Add(attribute);
         }
     }
+    item.mBodyEntry = bodyEntry.Result();
     reading.End();
     passing.End();
 }

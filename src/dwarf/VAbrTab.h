@@ -4,6 +4,7 @@
 #pragma once
 
 #include "core/KeyMixing.h"
+#include "dwarf/BodyEntries.h"
 #include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/codes/DwarfConstants.h"
@@ -40,6 +41,8 @@ struct TAbrTabItem {
     bool mIsPartialUnit = false;
     /// What entries inside code are.
     CodeEntry mCodeEntry = CodeEntry::Kept;
+    /// What entries in the body of a type are.
+    BodyEntry mBodyEntry = BodyEntry::Kept;
     std::uint32_t mFirstAttribute = 0;
     std::uint32_t mAttributeCount = 0;
     std::uint32_t mFirstPassingStep = 0;
@@ -71,7 +74,8 @@ public:
         return {mAttributes.data() + item.mFirstAttribute, item.mAttributeCount};
     }
 
-    /// The steps that pass an entry of an abbreviation whose length tells how, in order.
+    /// The steps that pass an entry of an abbreviation whose length tells how, in order. Of entries
+    /// in bodies, the step of a type has its target.
     [[nodiscard]] std::span<const TDieAttribute> PassingStepsOf(const TAbrTabItem& item) const {
         return {mPassingSteps.data() + item.mFirstPassingStep, item.mPassingStepCount};
     }

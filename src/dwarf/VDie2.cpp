@@ -49,29 +49,42 @@ VDie2::VDie2(VCompileUnitReader& reader, NodeChoice choice)
 
 bool VDie2::ReadDieTree(VCompileUnitHeader* header) {
     do {
-        ++recCnt;
-        switch (mBuffer->IsEOF() ? Entry::Null : ReadEntry()) {
-        case Entry::Decoded:
-            if (mChoice == NodeChoice::Missing) {
-                MakeMissingNode(header);
-            } else if (!MapCurrentDieToNode(header, InnermostOpenNode())) {
-                return false;
-            }
-            if (mItem->mHasChildren == 1) {
-                OpenCurrentEntry();
-            }
-            break;
-        case Entry::Null:
-            if (!mOpenEntries.empty()) {
-                mOpenEntries.pop_back();
-            }
-            break;
-        case Entry::Passed:
-        case Entry::Unknown:
-            break;
-        }
+        ReadNextEntry(header);
     } while (!mOpenEntries.empty());
     return true;
+}
+
+void VDie2::ReadNextEntry(VCompileUnitHeader* header) {
+    ++recCnt;
+    switch (mBuffer->IsEOF() ? Entry::Null : ReadEntry()) {
+    case Entry::Decoded:
+        if (mChoice == NodeChoice::Missing) {
+            MakeMissingNode(header);
+        } else {
+            MapCurrentDieToNode(header, InnermostOpenNode());
+        }
+        if (mItem->mHasChildren == 1) {
+            OpenCurrentEntry();
+        }
+        break;
+    case Entry::Null:
+        CloseEntry();
+        break;
+    case Entry::Passed:
+    case Entry::Unknown:
+        break;
+    }
+}
+
+void VDie2::CloseEntry() {
+    if (mOpenEntries.empty()) {
+        return;
+    }
+    const OpenEntry& entry = mOpenEntries.back();
+    if (entry.node == nullptr && entry.type != 0) {
+        NotePassedType(entry.type);
+    }
+    mOpenEntries.pop_back();
 }
 
 VDie2::Entry VDie2::ReadEntry() {
@@ -84,7 +97,13 @@ VDie2::Entry VDie2::ReadEntry() {
     if (mAttributesLeft < 0) {
         elflog("Error: Compile unit has too many attributes, the rest of it is left out.");
         mBuffer->SetOffset(mBuffer->GetBufferLength());
+        if (mChoice == NodeChoice::WithoutBodies) {
+            mSection->RequireBodies();
+        }
         return Entry::Unknown;
+    }
+    if (BodyEntryHere() != BodyEntry::Kept) {
+        return PassEntry(unitOffset, recCnt);
     }
     switch (CodeEntryHere()) {
     case CodeEntry::Passed:
@@ -242,6 +261,13 @@ bool VDie2::ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value) 
     default:
         return ReadIndexedValue(attribute.mReading, value);
     }
+}
+
+std::uint32_t VDie2::TypeOffsetOf(const TDieAttribute& attribute,
+                                  const VDieFormValue& value) const {
+    return value.mNumber == 0 || GivesSectionOffset(attribute.mReading)
+               ? value.mNumber
+               : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, value.mNumber);
 }
 
 std::uint32_t VDie2::ReadBlockLength(FormReading reading) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/ReadingManner.h"
+#include "dwarf/BodyEntries.h"
 #include "dwarf/CodeEntries.h"
 #include "dwarf/DieForms.h"
 #include "dwarf/codes/DwarfConstants.h"
@@ -10,6 +11,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -101,6 +103,8 @@ enum class NodeChoice : std::uint8_t {
     All,
     /// All that anything can ask for, see `CodeEntry`.
     WithoutCode,
+    /// All of these but those in the bodies of types, see `BodyEntry`.
+    WithoutBodies,
     /// Those that have none: the unit was read without code before.
     Missing,
 };
@@ -117,8 +121,16 @@ public:
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
+    /// Makes the missing nodes of a type that was read without its body, those of types within it
+    /// too.
+    /// @return section offset of the body's end
+    std::uint32_t ReadBody(VDebugInfoNode& type);
+
     /// The nodes that `NodeChoice::Missing` made. They are in no map yet.
     [[nodiscard]] const std::vector<VDebugInfoNode*>& GetMadeNodes() const { return mMadeNodes; }
+    [[nodiscard]] std::vector<VDebugInfoNode*> TakeMadeNodes() {
+        return std::exchange(mMadeNodes, {});
+    }
 
     /// Reads what the entry at the cursor says of the whole unit and stays there: values of that
     /// very entry may depend on attributes behind them.
@@ -134,7 +146,14 @@ private:
     enum class Entry { Null, Unknown, Decoded, Passed };
 
     /// Where the children of an entry stand.
-    enum class Surroundings : std::uint8_t { Other, Function, CodeOfFunction };
+    enum class Surroundings : std::uint8_t {
+        Other,
+        Function,
+        CodeOfFunction,
+        Body,
+        /// A function that is declared in a body and has no node.
+        FunctionOfBody
+    };
 
     /// An entry whose children are being read.
     struct OpenEntry {
@@ -146,19 +165,30 @@ private:
         std::int32_t unitOffset = 0;
         std::uint32_t recordNumber = 0;
         std::uint32_t nodeRecord = 0;
+        /// Section offset of the type that it refers to as long as it has no node, 0 if that
+        /// doesn't count.
+        std::uint32_t type = 0;
     };
 
+    void ReadNextEntry(VCompileUnitHeader* header);
+    void CloseEntry();
     Entry ReadEntry();
     Entry ReadAbbrevCode();
     /// Reads the attributes of the entry behind whose code the cursor stands.
     Entry DecodeEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
     void ReadAttributes();
 
-    /// @name Entries of code
-    /// Implemented in dwarf/DieOfCode.
+    /// @name Entries of code and of bodies
+    /// Implemented in dwarf/DieOfCode and dwarf/DieOfBody.
     /// @{
 
     [[nodiscard]] CodeEntry CodeEntryHere() const;
+    [[nodiscard]] BodyEntry BodyEntryHere() const;
+    /// What surrounds the children of an entry that is passed.
+    [[nodiscard]] Surroundings SurroundingsInPassed() const;
+    [[nodiscard]] bool LeavesBodies() const;
+    /// Takes note that an entry without node refers to a type.
+    void NotePassedType(std::uint32_t offset);
     Entry PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
     /// Passes a variable without place, makes the node of any other.
     Entry ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber);
@@ -184,6 +214,9 @@ private:
     TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
     /// False if there is no value, or none that is at hand.
     bool ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value);
+    /// Section offset of the type that the value of a type attribute names, 0 if there is none.
+    [[nodiscard]] std::uint32_t TypeOffsetOf(const TDieAttribute& attribute,
+                                             const VDieFormValue& value) const;
     bool ReadIndexedValue(FormReading reading, VDieFormValue& value);
     std::uint32_t ReadIndex(FormReading reading);
     /// Null if there is none.

@@ -11,6 +11,7 @@
 #include "dwarf/DieForms.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
+#include "dwarf/VPassedReferences.h"
 #include "dwarf/VUnitLinks.h"
 #include "dwarf/codes/VAttributeValue.h"
 #include "nodes/VCompileUnitHeader.h"
@@ -97,6 +98,21 @@ public:
     bool ProcessCompileUnits();
     /// Lets every entry have its node. For the time before `ProcessCompileUnits`.
     void KeepAllEntries() { mKeepsAllEntries = true; }
+    /// Leaves the bodies of types for later where that gives the same result, see `BodyEntry`. For
+    /// the time before `ProcessCompileUnits`.
+    void LeaveBodies() { mLeavesBodies = CanLeaveBodies(); }
+    [[nodiscard]] bool LeavesBodies() const { return mLeavesBodies; }
+    /// Takes note that the result may depend on bodies that no variable leads to. The section is
+    /// read anew with all of them.
+    void RequireBodies() { mRequiresBodies = true; }
+    [[nodiscard]] bool RequiresBodies() const { return mRequiresBodies; }
+    /// Tells how far the reading of entries has come.
+    void TellProgress(std::uint32_t sectionOffset);
+    /// Takes note of a passed entry of a body.
+    void CountPassedOfBody() { ++mPassedOfBodies; }
+    /// The buffer of the latest unit, whose memory serves the next one; null if there is none.
+    std::unique_ptr<VElfBuffer> LendUnitBuffer();
+    void TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer);
     /// Makes the nodes of passed entries in the units where the offsets lie.
     /// @return these nodes; none if the units have theirs already
     std::vector<VDebugInfoNode*> ReadPassedEntries(std::span<const std::uint32_t> offsets);
@@ -163,7 +179,7 @@ public:
     /// dwarf/NodeDumpFiles.
     /// @{
 
-    /// Runs the nine passes that finish the tree. Always true.
+    /// Runs the nine passes that finish the tree, up to the one that requires bodies. Always true.
     bool ResolveNodes();
     /// Asks each root of delivery for its host object. Always true.
     bool EmitNodes();
@@ -213,6 +229,8 @@ public:
     VDieNodeMap mDieNodes;
     /// Those of them that refer to others, in the order of reading.
     std::vector<VPassedVariable> mPassedVariables;
+    /// Of the full manner of reading alone, where bodies are left for later.
+    VPassedReferences mPassedReferences;
     /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
     /// Sizes of the unknown types that are kept at hand.
@@ -247,8 +265,28 @@ private:
     /// True only for a text of `.debug_str` that is known to be short.
     [[nodiscard]] bool IsShortText(const char* text) const;
 
+    /// True if the choice of nodes shows in nothing but the cost of the read.
+    [[nodiscard]] bool CanLeaveBodies() const;
+    /// True if a first part of the section was read by now, large enough to tell how the rest is.
+    [[nodiscard]] bool HasReadSample(std::size_t unitCount) const;
+    /// True if variables lead to so many of the bodies that passing them first costs more than it
+    /// saves. Works on what was read up to now, which has to be forgotten then.
+    [[nodiscard]] bool DoVariablesLeadToMostBodies();
+    /// Forgets all entries, to read them again.
+    void ForgetEntries();
+    [[nodiscard]] bool KeepsAllEntries() const;
     bool mKeepsAllEntries = false;
-    /// The buffer of the latest unit, whose memory serves the next one.
+    bool mLeavesBodies = false;
+    bool mRequiresBodies = false;
+    /// Units whose facts were taken.
+    std::uint32_t mCountedUnits = 0;
+    bool mIsReadAgain = false;
+    /// The latest offset that was told as progress.
+    std::int64_t mToldOffset = -1;
+    /// Entries of bodies that were passed.
+    std::size_t mPassedOfBodies = 0;
+    /// Number of the first node of the section.
+    std::uint32_t mFirstNodeRecord = 0;
     std::unique_ptr<VElfBuffer> mUnitBuffer;
     ShortTexts mShortTexts;
     /// For texts of entries.

@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -88,7 +90,26 @@ private:
     std::unordered_map<const char*, VNodeText> mDemangled;
 };
 
+void DemangleIfNamed(NameDemangler& demangler, VDebugInfoNode& node) {
+    if (node.HasNameAttribute()) {
+        demangler.Demangle(node);
+    }
+}
+
 } // namespace
+
+void DemangleNamesOf(VDwarf2Section& section, std::span<VDebugInfoNode* const> nodes) {
+    NameDemangler demangler(section);
+    const std::span<const VDieNodeMap::Link> inOrder = section.mDieNodes.InOffsetOrder();
+    std::span<const std::uint32_t> units = section.mDieNodes.PlacesOf(NodeGroup::CompileUnits);
+    for (VDebugInfoNode* node : nodes) {
+        for (; !units.empty() && inOrder[units.front()]->GetOffset() < node->GetOffset();
+             units = units.subspan(1)) {
+            demangler.EnterUnit(*inOrder[units.front()]);
+        }
+        DemangleIfNamed(demangler, *node);
+    }
+}
 
 void DemangleNames(VDwarf2Section& section) {
     NameDemangler demangler(section);
@@ -96,9 +117,7 @@ void DemangleNames(VDwarf2Section& section) {
         if (node.GetTag() == DW_TAG_compile_unit) {
             demangler.EnterUnit(node);
         }
-        if (node.HasNameAttribute()) {
-            demangler.Demangle(node);
-        }
+        DemangleIfNamed(demangler, node);
     });
 }
 

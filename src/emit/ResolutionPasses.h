@@ -3,8 +3,11 @@
 // resolved stays as it is, and later stages take it as absent.
 #pragma once
 
+#include <span>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+class VDebugInfoNode;
 class VDwarf2Section;
 
 /// 1. Turns the references of all nodes into links. Passed entries that are referred to get nodes.
@@ -13,6 +16,9 @@ void ResolveAllReferences(VDwarf2Section& section);
 /// 2. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second
 /// family.
 void DemangleNames(VDwarf2Section& section);
+
+/// The same for nodes that aren't in the tree yet, in ascending order of their offsets.
+void DemangleNamesOf(VDwarf2Section& section, std::span<VDebugInfoNode* const> nodes);
 
 /// 3. Groups types by their type texts: declarations get their definition, and of several equal
 /// definitions the largest represents all.
@@ -33,6 +39,9 @@ void UnifyCompileUnits(VDwarf2Section& section);
 
 /// 6. Finds addresses of variables without location in the symbol table.
 void ResolveExternVariables(VDwarf2Section& section);
+
+/// Between 6 and 7: makes the nodes of bodies that were passed, as far as variables lead to them.
+void ReadReachedBodies(VDwarf2Section& section);
 
 /// 7. Settles byte sizes, bit offsets and encodings.
 void ResolveAllSizes(VDwarf2Section& section);

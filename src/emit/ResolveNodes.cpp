@@ -30,6 +30,8 @@ constexpr ResolutionPass sClassicPasses[] = {
     UnifyCompileUnits,
     // Variables are compared by their addresses, so that all must have theirs.
     ResolveExternVariables,
+    // Which variables are delivered is known now.
+    ReadReachedBodies,
     ResolveAllSizes,
     MarkRedundantVariables,
     // Last, since sizes and groups count members where the file has them.
@@ -47,6 +49,8 @@ constexpr ResolutionPass sFullPasses[] = {
     LeaveOutDiscardedVariables,
     ResolveDeclaredVariables,
     TakeOverFromOrigins,
+    // Which variables are delivered is known now.
+    ReadReachedBodies,
     PlaceBitFields,
     SettlePointerSizes,
     ResolveAllSizes,
@@ -75,6 +79,9 @@ bool VDwarf2Section::ResolveNodes() {
     tag_alignment.clear();
     for (const ResolutionPass pass : PassesOf(mElfFile->mManner)) {
         pass(*this);
+        if (mRequiresBodies) {
+            break;
+        }
     }
     return true;
 }

@@ -5,6 +5,11 @@
 //     typedef "T"  type: "p" (a damaged file)     now "p" is read, and the typedef gets its link
 //
 // What is read then may refer to passed entries of other units.
+//
+// Where bodies are left for later, see dwarf/BodyEntries.h, the one reference into a body that
+// files are full of waits for it: that of a function to its declaration in a class. Any other, and
+// any to code, has the section read anew with all bodies.
+#include "dwarf/BodyEntries.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
@@ -33,6 +38,14 @@ public:
         for (const auto& [declaration, type] : mSection.mUnitLinks.mTypeDeclarations) {
             mNodes.Announce(type);
         }
+        if (mSection.LeavesBodies()) {
+            if (!mUnresolved.empty() || !mSection.mUnitLinks.mTypeDeclarations.empty() ||
+                !mSection.mPassedReferences.Finish(mNodes)) {
+                mSection.RequireBodies();
+            }
+            mNodes.ForgetMissing();
+            return;
+        }
         for (int round = 0; mNodes.PassedCount() != 0 && mNodes.MissingCount() != 0; ++round) {
             ResolveMissing(round < sRoundsByUnit ? mSection.ReadPassedEntries(mNodes.TakeMissing())
                                                  : mSection.ReadAllPassedEntries());
@@ -43,9 +56,19 @@ private:
     void Resolve(VDebugInfoNode& node) {
         const std::size_t missing = mNodes.MissingCount();
         node.ResolveReferences(mNodes);
-        if (mNodes.MissingCount() != missing) {
+        if (mNodes.MissingCount() != missing &&
+            !(mNodes.MissingCount() == missing + 1 && WaitsForBody(node))) {
             mUnresolved.push_back(&node);
         }
+    }
+
+    /// True for a function that lacks its declaration, but not its type. What stands in an instance
+    /// takes its scope from the declaration, before bodies are read.
+    [[nodiscard]] bool WaitsForBody(const VDebugInfoNode& node) const {
+        return mSection.LeavesBodies() && node.GetTag() == DW_TAG_subprogram &&
+               node.LacksSpecification() && (!node.IsInstance() || node.FirstChild() == nullptr) &&
+               FindTypeAround(mNodes, static_cast<std::uint32_t>(
+                                          node.GetSpecificationAttribute().mValue)) != nullptr;
     }
 
     void ResolveMissing(const std::vector<VDebugInfoNode*>& made) {
@@ -85,7 +108,9 @@ void ReadEntriesForSizes(VDwarf2Section& section) {
     nodes.ForEachWith(NodeTask::Size, [&](const VDebugInfoNode& node) {
         dependsOnThem = dependsOnThem || node.DependsOnSizesBefore();
     });
-    if (dependsOnThem) {
+    if (dependsOnThem && section.LeavesBodies()) {
+        section.RequireBodies();
+    } else if (dependsOnThem) {
         for (VDebugInfoNode* node : section.ReadAllPassedEntries()) {
             node->ResolveReferences(nodes);
         }

@@ -191,9 +191,19 @@ void VDebugInfoNode::ClearSpecification() {
     }
 }
 
-VDebugInfoNode* VDebugInfoNode::GetAbstractOriginNode() const {
+bool VDebugInfoNode::LacksSpecification() const {
     const VNodeExtras* extras = GetExtras();
-    return extras != nullptr && extras->mIsSpecificationOrigin ? GetSpecificationNode() : nullptr;
+    return extras != nullptr && !extras->mIsSpecificationResolved &&
+           GetSpecificationAttribute().IsReference() && extras->mSpecification != 0;
+}
+
+bool VDebugInfoNode::IsInstance() const {
+    const VNodeExtras* extras = GetExtras();
+    return extras != nullptr && extras->mIsSpecificationOrigin;
+}
+
+VDebugInfoNode* VDebugInfoNode::GetAbstractOriginNode() const {
+    return IsInstance() ? GetSpecificationNode() : nullptr;
 }
 
 void VDebugInfoNode::ClearType() {

@@ -138,6 +138,7 @@ public:
     [[nodiscard]] std::int32_t GetNodeRecord() const { return mNodeRecord; }
     /// Takes the number of an entry that gets no node now.
     static std::uint32_t TakeNodeRecord() { return sNextNodeRecord++; }
+    [[nodiscard]] static std::uint32_t NextNodeRecord() { return sNextNodeRecord; }
     /// Gives the next node this number.
     /// @return the number that it would have had
     static std::uint32_t SetNextNodeRecord(std::uint32_t number) {
@@ -242,6 +243,10 @@ public:
     void SetSpecificationNode(VDebugInfoNode& node);
     /// Cuts the link to the specification, and the reference with it.
     void ClearSpecification();
+    /// True for an entry that has no link to the one that it completes, though it names one.
+    [[nodiscard]] bool LacksSpecification() const;
+    /// True if the specification came as abstract origin, whether or not it is found.
+    [[nodiscard]] bool IsInstance() const;
     /// The entry that this one is an instance of: the specification, if it came as abstract origin.
     [[nodiscard]] VDebugInfoNode* GetAbstractOriginNode() const;
     /// Cuts the link to the type, and the reference with it.

@@ -2,6 +2,7 @@
 
 #include "nodes/VDebugInfoNode.h"
 
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -9,7 +10,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr std::uint32_t sStretchSize = 64;
+constexpr std::uint32_t sStretchSize = VDieNodeMap::kStretchSize;
 constexpr std::uint32_t sHalfSize = sStretchSize / 2;
 
 NodeGroup GroupOf(dwarf_tag tag) {
@@ -44,7 +45,33 @@ void VDieNodeMap::Insert(std::uint32_t sectionOffset, VDebugInfoNode* node) {
     }
 }
 
+void VDieNodeMap::Clear() {
+    mNodes.clear();
+    mOutOfOrder.clear();
+    mStretches.clear();
+    mPlaces = {};
+    mMarks.clear();
+    mMissing.clear();
+    mHasBitFieldsWithoutSize = false;
+    mIsSettled = false;
+    mPassedCount = 0;
+    mLastOffset = -1;
+}
+
+void VDieNodeMap::InsertAll(std::span<VDebugInfoNode* const> nodes) {
+    Settle();
+    if (!nodes.empty()) {
+        Merge(nodes);
+        mLastOffset = std::max(mLastOffset, std::int64_t{nodes.back()->GetOffset()});
+    }
+}
+
 void VDieNodeMap::Append(VDebugInfoNode* node) const {
+    Append(node, static_cast<NodeMarks>(node->GetTasks()));
+    mHasBitFieldsWithoutSize = mHasBitFieldsWithoutSize || node->IsBitFieldWithoutSize();
+}
+
+void VDieNodeMap::Append(VDebugInfoNode* node, NodeMarks marks) const {
     const auto place = static_cast<std::uint32_t>(mNodes.size());
     const std::uint32_t offset = node->GetOffset();
     const std::size_t stretch = offset / sStretchSize;
@@ -56,8 +83,7 @@ void VDieNodeMap::Append(VDebugInfoNode* node) const {
         mPlaces[static_cast<std::size_t>(group)].push_back(place);
     }
     mNodes.emplace_back(node);
-    mMarks.push_back(static_cast<NodeMarks>(node->GetTasks()));
-    mHasBitFieldsWithoutSize = mHasBitFieldsWithoutSize || node->IsBitFieldWithoutSize();
+    mMarks.push_back(marks);
 }
 
 std::size_t VDieNodeMap::PlaceOf(std::uint32_t sectionOffset) const {
@@ -67,8 +93,7 @@ std::size_t VDieNodeMap::PlaceOf(std::uint32_t sectionOffset) const {
         return kNoPlace;
     }
     const Stretch& stretch = mStretches[index];
-    const std::uint64_t starts = stretch.entryStarts[0] | std::uint64_t{stretch.entryStarts[1]}
-                                                              << sHalfSize;
+    const std::uint64_t starts = stretch.Starts();
     const std::uint64_t own = std::uint64_t{1} << (sectionOffset % sStretchSize);
     if ((starts & own) == 0) {
         return kNoPlace;
@@ -82,6 +107,9 @@ VDebugInfoNode* VDieNodeMap::FindUnpassed(std::uint32_t sectionOffset) const {
     if (place == kNoPlace) {
         return nullptr;
     }
+    if (!mCountsReferences) {
+        return mNodes[place];
+    }
     NodeMarks& marks = mMarks[place];
     const NodeMarks again = (marks & kIsReferred) != 0 ? kIsReferredAgain : 0;
     marks = static_cast<NodeMarks>(marks | kIsReferred | again);
@@ -93,8 +121,56 @@ VDebugInfoNode* VDieNodeMap::Peek(std::uint32_t sectionOffset) const {
     return place != kNoPlace ? mNodes[place].Get() : nullptr;
 }
 
+VDebugInfoNode* VDieNodeMap::LastBefore(std::uint32_t sectionOffset) const {
+    Settle();
+    const std::size_t count = CountBefore(sectionOffset);
+    return count != 0 ? mNodes[count - 1].Get() : nullptr;
+}
+
+std::size_t VDieNodeMap::CountBefore(std::uint32_t sectionOffset) const {
+    const std::size_t index = sectionOffset / sStretchSize;
+    if (index >= mStretches.size()) {
+        return mNodes.size();
+    }
+    const Stretch& stretch = mStretches[index];
+    const std::uint64_t own = std::uint64_t{1} << (sectionOffset % sStretchSize);
+    return stretch.firstPlace +
+           static_cast<std::size_t>(std::popcount(stretch.Starts() & (own - 1)));
+}
+
+bool VDieNodeMap::HasEntryAt(std::uint32_t sectionOffset) const {
+    const std::size_t index = sectionOffset / sStretchSize;
+    return index < mStretches.size() &&
+           (mStretches[index].Starts() >> (sectionOffset % sStretchSize) & 1U) != 0;
+}
+
 void VDieNodeMap::NoteReferred(const VDebugInfoNode& node) const {
     NoteReferred(node.GetOffset());
+}
+
+bool VDieNodeMap::NoteReferred(std::size_t stretch, std::uint64_t once, std::uint64_t again) const {
+    Settle();
+    if (stretch >= mStretches.size()) {
+        return false;
+    }
+    const std::uint64_t starts = mStretches[stretch].Starts();
+    for (std::uint64_t left = once & starts; left != 0; left &= left - 1) {
+        const std::uint64_t own = left & (~left + 1);
+        const auto before = static_cast<std::size_t>(std::popcount(starts & (own - 1)));
+        NodeMarks& marks = mMarks[mStretches[stretch].firstPlace + before];
+        const bool isAgain = (again & own) != 0 || (marks & kIsReferred) != 0;
+        marks = static_cast<NodeMarks>(marks | kIsReferred | (isAgain ? kIsReferredAgain : 0));
+    }
+    return (once & ~starts) == 0;
+}
+
+bool VDieNodeMap::Reach(const VDebugInfoNode& node) const {
+    const std::size_t place = PlaceOf(node.GetOffset());
+    if (place == kNoPlace || (mMarks[place] & kIsReached) != 0) {
+        return false;
+    }
+    mMarks[place] = static_cast<NodeMarks>(mMarks[place] | kIsReached);
+    return true;
 }
 
 bool VDieNodeMap::IsReferredOnce(const VDebugInfoNode& node) const {
@@ -130,23 +206,56 @@ void VDieNodeMap::MergeOutOfOrder() const {
     if (mOutOfOrder.empty()) {
         return;
     }
-    const std::vector<Link> inOrder = std::exchange(mNodes, {});
-    const std::vector<NodeMarks> marksInOrder = std::exchange(mMarks, {});
-    mStretches.clear();
-    mPlaces = {};
-    auto late = mOutOfOrder.cbegin();
-    for (std::size_t place = 0; place < inOrder.size(); ++place) {
-        VDebugInfoNode* node = inOrder[place];
-        for (; late != mOutOfOrder.cend() && late->first < node->GetOffset(); ++late) {
-            Append(late->second);
-        }
-        if (late != mOutOfOrder.cend() && late->first == node->GetOffset()) {
-            ++late;
-        }
-        Append(node);
-        mMarks.back() = marksInOrder[place];
+    std::vector<VDebugInfoNode*> late;
+    late.reserve(mOutOfOrder.size());
+    for (const auto& [offset, node] : mOutOfOrder) {
+        late.push_back(node);
     }
     mOutOfOrder.clear();
+    Merge(late);
+}
+
+/// Moves what is there in pieces, and looks at none of it: the nodes lie far apart.
+void VDieNodeMap::Merge(std::span<VDebugInfoNode* const> late) const {
+    std::vector<VDebugInfoNode*> added;
+    std::vector<std::size_t> countsBefore;
+    for (VDebugInfoNode* node : late) {
+        if (!HasEntryAt(node->GetOffset())) {
+            added.push_back(node);
+            countsBefore.push_back(CountBefore(node->GetOffset()));
+        }
+    }
+    const std::vector<Link> nodes = std::exchange(mNodes, {});
+    const std::vector<NodeMarks> marks = std::exchange(mMarks, {});
+    const auto places = std::exchange(mPlaces, {});
+    mNodes.reserve(nodes.size() + added.size());
+    mMarks.reserve(nodes.size() + added.size());
+    std::array<std::size_t, static_cast<std::size_t>(NodeGroup::None)> movedOfGroup{};
+    std::size_t moved = 0;
+    const auto moveUpTo = [&](std::size_t end) {
+        const std::size_t shift = mNodes.size() - moved;
+        const auto first = static_cast<std::ptrdiff_t>(moved);
+        const auto last = static_cast<std::ptrdiff_t>(end);
+        mNodes.insert(mNodes.end(), nodes.begin() + first, nodes.begin() + last);
+        mMarks.insert(mMarks.end(), marks.begin() + first, marks.begin() + last);
+        moved = end;
+        for (std::size_t group = 0; group < places.size(); ++group) {
+            std::size_t& next = movedOfGroup[group];
+            for (; next < places[group].size() && places[group][next] < end; ++next) {
+                mPlaces[group].push_back(static_cast<std::uint32_t>(places[group][next] + shift));
+            }
+        }
+    };
+    for (std::size_t index = 0; index < added.size(); ++index) {
+        moveUpTo(countsBefore[index]);
+        Append(added[index]);
+    }
+    moveUpTo(nodes.size());
+    std::uint32_t place = 0;
+    for (Stretch& stretch : mStretches) {
+        stretch.firstPlace = place;
+        place += static_cast<std::uint32_t>(std::popcount(stretch.Starts()));
+    }
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

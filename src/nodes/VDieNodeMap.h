@@ -81,8 +81,12 @@ public:
         mMarks.reserve(count);
     }
 
+    /// Forgets all nodes, and the entries that have none.
+    void Clear();
     /// Adds a node under its offset. An offset that is there already keeps its first node.
     void Insert(std::uint32_t sectionOffset, VDebugInfoNode* node);
+    /// Adds many nodes in ascending order of their offsets, of which none is there.
+    void InsertAll(std::span<VDebugInfoNode* const> nodes);
 
     /// Takes note of an entry that gets no node for now.
     void Pass() { ++mPassedCount; }
@@ -103,6 +107,9 @@ public:
     /// The same without taking note of anything.
     [[nodiscard]] VDebugInfoNode* Peek(std::uint32_t sectionOffset) const;
 
+    /// The last node in front of an offset, null if there is none.
+    [[nodiscard]] VDebugInfoNode* LastBefore(std::uint32_t sectionOffset) const;
+
     /// Counts an offset as asked for, without that it is referred to yet.
     void Announce(std::uint32_t sectionOffset) const {
         if (Peek(sectionOffset) == nullptr) {
@@ -121,6 +128,17 @@ public:
     void NoteReferred(std::uint32_t sectionOffset) const {
         static_cast<void>(FindUnpassed(sectionOffset));
     }
+
+    /// Takes note of what is referred to by links that `Find` did not give.
+    /// @param stretch place of the 64 bytes of the section where the bits say what is referred to
+    /// @return true if there is a node for each bit
+    bool NoteReferred(std::size_t stretch, std::uint64_t once, std::uint64_t again) const;
+    /// While it is off, `Find` doesn't count what it finds as referred to.
+    void CountReferences(bool isOn) { mCountsReferences = isOn; }
+
+    /// Marks a node of the map as reached.
+    /// @return false if it was before, or is in no map
+    bool Reach(const VDebugInfoNode& node) const;
 
     /// True if one link at most is known to lead to a node of the map.
     [[nodiscard]] bool IsReferredOnce(const VDebugInfoNode& node) const;
@@ -179,9 +197,13 @@ public:
     /// See `VDebugInfoNode::IsBitFieldWithoutSize`.
     [[nodiscard]] bool HasBitFieldsWithoutSize() const { return mHasBitFieldsWithoutSize; }
 
+    /// Bytes of the section that share a record of the index.
+    static constexpr std::uint32_t kStretchSize = 64;
+
 private:
     /// What is to be done at a node, and the marks below.
     using NodeMarks = std::uint8_t;
+    static constexpr NodeMarks kIsReached = 0x10;
     static constexpr NodeMarks kIsReferredAgain = 0x20;
     static constexpr NodeMarks kIsReferred = 0x40;
 
@@ -213,13 +235,23 @@ private:
     struct Stretch {
         std::array<std::uint32_t, 2> entryStarts{};
         std::uint32_t firstPlace = 0;
+
+        [[nodiscard]] std::uint64_t Starts() const {
+            return entryStarts[0] | std::uint64_t{entryStarts[1]} << 32U;
+        }
     };
 
     static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
     [[nodiscard]] std::size_t PlaceOf(std::uint32_t sectionOffset) const;
+    /// Of nodes in the flat table.
+    [[nodiscard]] std::size_t CountBefore(std::uint32_t sectionOffset) const;
+    [[nodiscard]] bool HasEntryAt(std::uint32_t sectionOffset) const;
     void Append(VDebugInfoNode* node) const;
+    void Append(VDebugInfoNode* node, NodeMarks marks) const;
     void Settle() const;
     void MergeOutOfOrder() const;
+    /// Merges nodes into the flat table.
+    void Merge(std::span<VDebugInfoNode* const> late) const;
 
     // Questions settle what insertions left open, hence mutable.
     mutable std::vector<Link> mNodes;
@@ -231,6 +263,7 @@ private:
     mutable std::vector<std::uint32_t> mMissing;
     mutable bool mHasBitFieldsWithoutSize = false;
     mutable bool mIsSettled = false;
+    bool mCountsReferences = true;
     std::size_t mPassedCount = 0;
     std::int64_t mLastOffset = -1;
 };
