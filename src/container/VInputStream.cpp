@@ -1,5 +1,7 @@
 #include "container/VInputStream.h"
 
+#include "core/FilePath.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -19,7 +21,8 @@ constexpr std::uint64_t sLeadingBytes = 128;
 
 } // namespace
 
-int VInputStream::Open(const std::string& path) {
+int VInputStream::Open(const std::string& name) {
+    const std::filesystem::path path = PathToOpen(name);
     // Some systems open a directory like a file and fail at the first read only.
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(path, ignored);

@@ -19,8 +19,9 @@ class VInputStream {
 public:
     /// Opens a file in place of the one that was open. A directory counts as a file that can't be
     /// opened, and so does a pipe, whose opening would wait for a writer.
+    /// @param name UTF-8 where the system's paths are wide
     /// @return 0, or the system's error code
-    int Open(const std::string& path);
+    int Open(const std::string& name);
     /// Takes a file in memory in place of the one that was open.
     /// @param content not null
     void Open(FileContent content);

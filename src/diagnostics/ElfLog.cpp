@@ -1,6 +1,7 @@
 #include "diagnostics/ElfLog.h"
 
 #include "core/ConsoleOutput.h"
+#include "core/FilePath.h"
 #include "core/FormatText.h"
 #include "core/VElfOptions.h"
 
@@ -31,17 +32,21 @@ bool IsLogOpen() {
 }
 
 std::string LogFileName(const std::string& inputPath) {
-    const std::filesystem::path path(inputPath);
-    std::string fileName = path.filename().string();
+    const std::filesystem::path path = PathOfText(inputPath);
+    std::string fileName = TextOfPath(path.filename());
     fileName.resize(std::min(fileName.rfind('.'), fileName.size()));
     fileName.resize(std::min(fileName.size(), sMaximumComponentLength));
-    return (path.parent_path() / (fileName + ".log")).string();
+    return TextOfPath(path.parent_path() / PathOfText(fileName + ".log"));
 }
 
 /// Writing beside the results must not destroy the file that is about to be read.
 bool IsSameFile(const std::string& first, const std::string& second) {
+    const std::filesystem::path firstPath = PathToOpen(first);
+    const std::filesystem::path secondPath = PathToOpen(second);
     std::error_code error;
-    return std::filesystem::equivalent(first, second, error);
+    // Windows doesn't say what lies at the longest paths.
+    return std::filesystem::equivalent(firstPath, secondPath, error) ||
+           (firstPath == secondPath && std::ifstream(firstPath).is_open());
 }
 
 std::errc Open(std::ofstream& file, const std::string& name, const std::string& inputPath,
@@ -51,7 +56,7 @@ std::errc Open(std::ofstream& file, const std::string& name, const std::string& 
     }
     errno = 0;
     file.clear();
-    file.open(name, mode);
+    file.open(PathToOpen(name), mode | std::ios::binary);
     return file.is_open() ? std::errc() : static_cast<std::errc>(errno);
 }
 

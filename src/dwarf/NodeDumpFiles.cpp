@@ -1,6 +1,7 @@
 // The dump of the node tree to text files beside the input, for a person who looks into a file that
 // was read wrongly. Nothing reads it back. What is written of a node stands in nodes/NodeDump.
 #include "container/VElfFile.h"
+#include "core/FilePath.h"
 #include "dwarf/VDwarf2Section.h"
 #include "host/VDWARFReaderWrapper.h"
 #include "nodes/VDebugInfoNode.h"
@@ -89,7 +90,7 @@ bool VDwarf2Section::OpenNextDumpFile(std::ofstream& file, const std::string& in
         mReader->SetProgressText(("Writing dump file..." + name).c_str());
     }
     file.clear();
-    file.open(name, std::ios::out | std::ios::trunc);
+    file.open(PathToOpen(name), std::ios::binary | std::ios::trunc);
     return file.is_open();
 }
 

@@ -26,7 +26,7 @@ public:
     /// Implemented in read/ReadSequence.
     /// @{
 
-    /// Reads the file at `path` and delivers it. The path goes to the system unchanged.
+    /// Reads the file at `path`, which is UTF-8 on Windows and bytes elsewhere, and delivers it.
     ///
     /// On failure `SignalErrorCallback` receives severity 2, code 4112, an empty first text and the
     /// message in the language of `InitLanguage`; what was delivered before stays delivered. An

@@ -1,5 +1,7 @@
 #include "model/ImageBytes.h"
 
+#include "core/FilePath.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -77,7 +79,7 @@ bool ImageBytes::ReadDirectly(std::uint64_t filePosition, char* destination, std
 bool ImageBytes::Open() {
     if (!mIsOpenTried) {
         mIsOpenTried = true;
-        mFile.open(mDescription.path, std::ios::binary);
+        mFile.open(Reader::DWARF::PathToOpen(mDescription.path), std::ios::binary);
         // Another file under the same name has other bytes at these positions.
         mFile.seekg(0, std::ios::end);
         if (mFile.tellg() != static_cast<std::streamoff>(mDescription.fileSize)) {

@@ -1,0 +1,112 @@
+#include "core/FilePath.h"
+
+#include "core/HostText.h"
+
+#include <cstddef>
+#include <system_error>
+#include <type_traits>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// True where paths are wide, which is on Windows. The functions for such paths are templates, so
+/// that nothing of them is compiled elsewhere.
+constexpr bool sArePathsWide = std::is_same_v<fs::path::value_type, wchar_t>;
+
+/// A folder has to leave room for the short name of a file, so that its path ends earlier than that
+/// of a file, which may have 259 characters.
+constexpr std::size_t sLongestUsualPath = 247;
+
+constexpr bool IsSeparator(wchar_t character) {
+    return character == L'/' || character == L'\\';
+}
+
+/// True for `\\server\share\...`, and for `\\?\` and `\\.\`, which speak to the system.
+template <typename Path>
+bool HasTwoSeparators(const Path& path) {
+    const auto& text = path.native();
+    return text.size() > 2 && IsSeparator(text[0]) && IsSeparator(text[1]);
+}
+
+template <typename Path>
+bool SpeaksToSystem(const Path& path) {
+    const auto& text = path.native();
+    return HasTwoSeparators(path) && (text[2] == L'?' || text[2] == L'.');
+}
+
+/// `path` behind its two separators, in its normal spelling.
+template <typename Path>
+Path BehindTwoSeparators(const Path& path) {
+    return Path(path.native().substr(2)).lexically_normal();
+}
+
+template <typename Path>
+Path OpenedPath(const Path& path) {
+    if (SpeaksToSystem(path)) {
+        return path;
+    }
+    if (HasTwoSeparators(path)) {
+        return path.native().size() <= sLongestUsualPath
+                   ? path
+                   : Path(L"\\\\?\\UNC\\" + BehindTwoSeparators(path).make_preferred().native());
+    }
+    std::error_code error;
+    const Path full = std::filesystem::absolute(path, error);
+    return error || full.native().size() <= sLongestUsualPath ? path
+                                                              : Path(L"\\\\?\\" + full.native());
+}
+
+template <typename Path>
+Path NormalWidePath(const Path& path) {
+    if (SpeaksToSystem(path)) {
+        return path;
+    }
+    return HasTwoSeparators(path) ? Path(L"\\\\" + BehindTwoSeparators(path).native())
+                                  : path.lexically_normal();
+}
+
+template <typename Path>
+Path WidePath(std::string_view text) {
+    const std::string valid = ToHostText(text);
+    return Path(std::u8string(valid.begin(), valid.end()));
+}
+
+} // namespace
+
+fs::path PathOfText(std::string_view text) {
+    if constexpr (sArePathsWide) {
+        return WidePath<fs::path>(text);
+    } else {
+        return {text};
+    }
+}
+
+fs::path PathToOpen(std::string_view text) {
+    if constexpr (sArePathsWide) {
+        return OpenedPath(WidePath<fs::path>(text));
+    } else {
+        return {text};
+    }
+}
+
+std::string TextOfPath(const fs::path& path) {
+    if constexpr (sArePathsWide) {
+        const std::u8string text = path.u8string();
+        return {text.begin(), text.end()};
+    } else {
+        return path.string();
+    }
+}
+
+fs::path NormalPath(const fs::path& path) {
+    if constexpr (sArePathsWide) {
+        return NormalWidePath(path);
+    } else {
+        return path.lexically_normal();
+    }
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
