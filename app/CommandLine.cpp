@@ -172,8 +172,8 @@ void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
     std::rotate(arguments.begin(), command, behind);
 }
 
-ExitStatus CommandLine::Run(int argumentCount, const char* const* arguments, ResultOutput& output) {
-    Arguments words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
+ExitStatus CommandLine::Run(const Arguments& arguments, ResultOutput& output) {
+    Arguments words(arguments.begin() + (arguments.empty() ? 0 : 1), arguments.end());
     ChooseMessageLanguage(LanguageOf(words));
     MoveOptionsBehindCommand(words);
     // The parser would look for a command behind a word that is none.

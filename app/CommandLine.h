@@ -47,12 +47,12 @@ public:
     /// Adds the command `help`, which prints what `--help` of another command does.
     void AddHelpCommand();
 
-    /// Reads the arguments and runs the command that they name.
-    ExitStatus Run(int argumentCount, const char* const* arguments, ResultOutput& output);
-
-private:
     using Arguments = std::vector<std::string>;
 
+    /// Reads the arguments, the program's own name first, and runs the command that they name.
+    ExitStatus Run(const Arguments& arguments, ResultOutput& output);
+
+private:
     ExitStatus WriteHelp(const Arguments& names, ResultOutput& output) const;
     void MoveOptionsBehindCommand(Arguments& arguments) const;
     ExitStatus EndParsing(const CLI::ParseError& error, ResultOutput& output) const;

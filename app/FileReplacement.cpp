@@ -1,10 +1,12 @@
 #include "FileReplacement.h"
 
-#include "Terminal.h"
+#include "Platform.h"
+
+#include "core/FilePath.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <ios>
 #include <random>
 #include <system_error>
@@ -13,6 +15,8 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
+using Reader::DWARF::PathToOpen;
+
 constexpr int sMostTries = 100;
 
 } // namespace
@@ -20,20 +24,21 @@ constexpr int sMostTries = 100;
 FileReplacement::FileReplacement(const std::string& path)
     : mPath(path) {
     std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    const std::filesystem::file_status status = FileStatus(path, error);
     if (std::filesystem::is_directory(status)) {
         Fail(EISDIR);
     }
     const bool isDevice =
         std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
     if (!isDevice) {
-        CreateBeside();
+        CreateBeside(std::filesystem::exists(status));
         if (std::filesystem::exists(status)) {
-            std::filesystem::permissions(mTemporary, status.permissions(), error);
+            std::filesystem::permissions(PathToOpen(mTemporary), status.permissions(), error);
         }
     }
     errno = 0;
-    if (mFile.open(isDevice ? mPath : mTemporary, std::ios::out | std::ios::binary) == nullptr) {
+    if (mFile.open(PathToOpen(isDevice ? mPath : mTemporary), std::ios::out | std::ios::binary) ==
+        nullptr) {
         Fail(errno);
     }
 }
@@ -41,32 +46,27 @@ FileReplacement::FileReplacement(const std::string& path)
 FileReplacement::~FileReplacement() {
     mFile.close();
     if (!mTemporary.empty()) {
-        std::error_code ignored;
-        std::filesystem::remove(mTemporary, ignored);
+        RemoveFile(mTemporary);
     }
 }
 
-void FileReplacement::CreateBeside() {
-    std::error_code error;
-    // A link stays one; what it leads to is replaced.
-    const std::filesystem::path target = std::filesystem::canonical(mPath, error);
-    mPath = error ? mPath : target.string();
-    if (!error) {
+void FileReplacement::CreateBeside(bool doesExist) {
+    if (doesExist) {
+        // A link stays one; what it leads to is replaced.
+        mPath = TargetOfLinks(mPath);
         // A file that its owner has protected is no place for results.
         errno = 0;
-        std::FILE* const existing = std::fopen(mPath.c_str(), "r+b");
-        if (existing == nullptr) {
+        const std::fstream existing(PathToOpen(mPath),
+                                    std::ios::in | std::ios::out | std::ios::binary);
+        if (!existing.is_open()) {
             Fail(errno);
         }
-        std::fclose(existing);
     }
     std::random_device random;
     for (int tries = 0; mTemporary.empty(); ++tries) {
         const std::string name = mPath + ".new" + std::to_string(random());
         errno = 0;
-        std::FILE* const file = std::fopen(name.c_str(), "wbx");
-        if (file != nullptr) {
-            std::fclose(file);
+        if (CreateNewFile(name)) {
             mTemporary = name;
         } else if (errno != EEXIST || tries == sMostTries) {
             Fail(errno);
@@ -94,9 +94,10 @@ void FileReplacement::Commit() {
         return;
     }
     std::error_code error;
-    std::filesystem::rename(mTemporary, mPath, error);
+    std::filesystem::rename(PathToOpen(mTemporary), PathToOpen(mPath), error);
     if (error) {
-        throw std::system_error(error, mPath);
+        const std::error_condition reason = error.default_error_condition();
+        throw std::system_error(reason.value(), reason.category(), mPath);
     }
     mTemporary.clear();
 }

@@ -32,7 +32,7 @@ public:
     void Commit();
 
 private:
-    void CreateBeside();
+    void CreateBeside(bool doesExist);
     [[noreturn]] void Fail(int reason) const;
 
     std::string mPath;

@@ -3,6 +3,7 @@
 #include "Phrases.h"
 #include "ReaderOptions.h"
 
+#include "core/FilePath.h"
 #include "model/LeafWalk.h"
 
 #include <CLI/App.hpp>
@@ -94,7 +95,7 @@ void AddPatternArgument(CLI::App& command, const std::string& things, std::strin
 }
 
 std::string SecondImageProblem(const std::string& text) {
-    std::ifstream file(text, std::ios::binary);
+    std::ifstream file(Reader::DWARF::PathToOpen(text), std::ios::binary);
     std::array<char, 4> start{};
     file.read(start.data(), start.size());
     const std::string_view bytes(start.data(), static_cast<std::size_t>(file.gcount()));

@@ -1,6 +1,9 @@
 #include "ReadProblem.h"
 
 #include "Phrases.h"
+#include "Platform.h"
+
+#include "core/FilePath.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -11,7 +14,7 @@ namespace Tessel::Norn::Brindle::Program {
 
 std::string SystemProblem(const std::string& file) {
     std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(file, error);
+    const std::filesystem::file_status status = FileStatus(file, error);
     if (error) {
         return SystemReason(error);
     }
@@ -22,12 +25,12 @@ std::string SystemProblem(const std::string& file) {
         return Phrased("a pipe can't be read: seeking is required");
     }
     errno = 0;
-    const std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(Reader::DWARF::PathToOpen(file), std::ios::binary);
     if (!stream) {
         return SystemReason(std::error_code(errno, std::generic_category()));
     }
-    const bool isEmpty = std::filesystem::file_size(file, error) == 0 && !error;
-    return isEmpty ? Phrased("The file is empty") : std::string();
+    stream.seekg(0, std::ios::end);
+    return stream.tellg() == 0 ? Phrased("The file is empty") : std::string();
 }
 
 } // namespace Tessel::Norn::Brindle::Program

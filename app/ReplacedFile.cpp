@@ -1,6 +1,11 @@
 #include "ReplacedFile.h"
 
+#include "Platform.h"
+
+#include "core/FilePath.h"
+
 #include <cerrno>
+#include <filesystem>
 #include <random>
 #include <system_error>
 
@@ -9,39 +14,42 @@ namespace Tessel::Norn::Brindle::Program {
 namespace {
 
 namespace fs = std::filesystem;
+using Reader::DWARF::PathToOpen;
 
 /// A name beside the file that nothing else has.
-fs::path PartOf(const fs::path& file) {
+std::string PartOf(const std::string& file) {
     std::random_device random;
-    fs::path part;
+    std::string part;
+    std::error_code ignored;
     do {
-        part = file;
-        part += "." + std::to_string(random()) + ".part";
-    } while (fs::exists(fs::symlink_status(part)));
+        part = file + "." + std::to_string(random()) + ".part";
+    } while (fs::exists(FileStatus(part, ignored)));
     return part;
 }
 
-/// The file that a chain of links leads to.
-fs::path WithoutLinks(const fs::path& file) {
-    std::error_code error;
-    const fs::path target = fs::weakly_canonical(file, error);
-    return error ? file : target;
+[[noreturn]] void Fail(const std::error_code& error) {
+    const std::error_condition reason = error.default_error_condition();
+    throw std::system_error(reason.value(), reason.category());
 }
 
 } // namespace
 
-ReplacedFile::ReplacedFile(const fs::path& file)
-    : mFile(WithoutLinks(file)) {
-    const fs::file_status status = fs::status(mFile);
+ReplacedFile::ReplacedFile(const std::string& file)
+    : mFile(TargetOfLinks(file)) {
+    std::error_code error;
+    const fs::file_status status = FileStatus(mFile, error);
+    if (status.type() == fs::file_type::none) {
+        Fail(error);
+    }
     if (fs::is_directory(status)) {
-        throw fs::filesystem_error("", std::make_error_code(std::errc::is_a_directory));
+        Fail(std::make_error_code(std::errc::is_a_directory));
     }
     const bool isReplaceable = !fs::exists(status) || fs::is_regular_file(status);
     mPart = isReplaceable ? PartOf(mFile) : mFile;
     errno = 0;
-    if (mBuffer.open(mPart, std::ios::out | std::ios::binary | std::ios::trunc) == nullptr) {
-        throw fs::filesystem_error(
-            "", std::error_code(errno != 0 ? errno : EIO, std::generic_category()));
+    if (mBuffer.open(PathToOpen(mPart), std::ios::out | std::ios::binary | std::ios::trunc) ==
+        nullptr) {
+        Fail(std::error_code(errno != 0 ? errno : EIO, std::generic_category()));
     }
     mOutput.emplace(mBuffer);
 }
@@ -49,8 +57,7 @@ ReplacedFile::ReplacedFile(const fs::path& file)
 ReplacedFile::~ReplacedFile() {
     if (!mIsCommitted && mPart != mFile) {
         mBuffer.close();
-        std::error_code ignored;
-        fs::remove(mPart, ignored);
+        RemoveFile(mPart);
     }
 }
 
@@ -61,7 +68,11 @@ void ReplacedFile::Commit() {
         throw OutputError(errno != 0 ? errno : EIO);
     }
     if (mPart != mFile) {
-        fs::rename(mPart, mFile);
+        std::error_code error;
+        fs::rename(PathToOpen(mPart), PathToOpen(mFile), error);
+        if (error) {
+            Fail(error);
+        }
     }
     mIsCommitted = true;
 }

@@ -4,7 +4,6 @@
 
 #include "ResultOutput.h"
 
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string>
@@ -13,10 +12,10 @@ namespace Tessel::Norn::Brindle::Program {
 
 /// Writes beside the file under another name, which becomes the file's own at the end. Until then,
 /// and if anything fails, the file stays what it was. A device or pipe is written to directly.
-/// Failures throw `std::filesystem::filesystem_error` or `OutputError`.
+/// Failures throw `std::system_error` or `OutputError`.
 class ReplacedFile {
 public:
-    explicit ReplacedFile(const std::filesystem::path& file);
+    explicit ReplacedFile(const std::string& file);
     /// Removes what was written unless it was committed.
     ~ReplacedFile();
     ReplacedFile(const ReplacedFile&) = delete;
@@ -31,9 +30,9 @@ public:
     void Commit();
 
 private:
-    std::filesystem::path mFile;
+    std::string mFile;
     /// Where the content is until it is complete; that of the file itself if it can't be replaced.
-    std::filesystem::path mPart;
+    std::string mPart;
     std::filebuf mBuffer;
     std::optional<ResultOutput> mOutput;
     bool mIsCommitted = false;

@@ -7,17 +7,18 @@
 #include "Message.h"
 #include "ModelComparison.h"
 #include "Phrases.h"
+#include "Platform.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "ReplacedFile.h"
 #include "ReportPage.h"
 #include "ResultOutput.h"
 
+#include "core/FilePath.h"
 #include "core/HostText.h"
 #include "model/DataModel.h"
 
 #include <cstdint>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -48,7 +49,8 @@ struct ReportedImage {
     }
 
     [[nodiscard]] ImagePack Pack(std::uint64_t valueLimit) const {
-        const std::string name = std::filesystem::path(file).filename().string();
+        const std::string name =
+            Reader::DWARF::TextOfPath(Reader::DWARF::PathOfText(file).filename());
         return {model, Reader::DWARF::ToHostText(name), result, valueLimit};
     }
 
@@ -109,11 +111,6 @@ ExitStatus ReportDifferences(const ReportArguments& arguments, ResultOutput& out
     });
     const bool isComplete = oldImage.result.isOk && newImage.result.isOk;
     return isComplete ? status : ExitStatus::Failed;
-}
-
-bool IsSameFile(const std::string& first, const std::string& second) {
-    std::error_code error;
-    return std::filesystem::equivalent(first, second, error) && !error;
 }
 
 ExitStatus RunReport(const ReportArguments& arguments, ResultOutput& output) {

@@ -1,18 +1,8 @@
 #include "Terminal.h"
 
-#include <cstdlib>
-#include <string_view>
+#include "Platform.h"
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <cerrno>
-#include <fcntl.h>
-#include <langinfo.h>
-#include <locale.h> // NOLINT(modernize-deprecated-headers): has newlocale
-#include <sys/ioctl.h>
-#include <unistd.h>
-#endif
+#include <cstdlib>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -20,14 +10,6 @@ namespace {
 
 constexpr int sStandardOutput = 1;
 constexpr int sStandardError = 2;
-
-bool IsTerminal(int stream) {
-#ifdef _WIN32
-    return _isatty(stream) != 0;
-#else
-    return isatty(stream) != 0;
-#endif
-}
 
 std::string_view EnvironmentValue(const char* name) {
     // The program has one thread and changes no variable.
@@ -43,7 +25,7 @@ bool IsColoured(int stream) {
         return sColourChoice == ColourChoice::Always;
     }
     return EnvironmentValue("NO_COLOR").empty() && EnvironmentValue("TERM") != "dumb" &&
-           IsTerminal(stream);
+           KnowsColours(stream);
 }
 
 /// Of a screen that doesn't tell its width.
@@ -53,27 +35,8 @@ std::size_t WidthOf(int stream) {
     if (!IsTerminal(stream)) {
         return 0;
     }
-#ifndef _WIN32
-    winsize size{};
-    if (ioctl(stream, TIOCGWINSZ, &size) == 0 && size.ws_col != 0) { // NOLINT(*-vararg)
-        return size.ws_col;
-    }
-#endif
-    return sUsualWidth;
-}
-
-bool IsLocaleUtf8() {
-#ifdef _WIN32
-    return false;
-#else
-    const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr);
-    if (locale == nullptr) {
-        return false;
-    }
-    const bool isUtf8 = std::string_view(nl_langinfo_l(CODESET, locale)) == "UTF-8";
-    freelocale(locale);
-    return isUtf8;
-#endif
+    const std::size_t width = TerminalWidth(stream);
+    return width != 0 ? width : sUsualWidth;
 }
 
 } // namespace
@@ -111,23 +74,6 @@ bool IsStandardErrorColoured() {
 
 bool IsStandardOutputColoured() {
     return IsColoured(sStandardOutput);
-}
-
-bool BringToDisk(const std::string& path) {
-#ifdef _WIN32
-    // Windows writes a closed file through by itself.
-    return !path.empty();
-#else
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC); // NOLINT(*-vararg)
-    // Some file systems don't know the request.
-    const bool isDone = file >= 0 && (fsync(file) == 0 || errno == EINVAL);
-    const int reason = errno;
-    if (file >= 0) {
-        close(file);
-    }
-    errno = reason;
-    return isDone;
-#endif
 }
 
 } // namespace Tessel::Norn::Brindle::Program

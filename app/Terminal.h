@@ -1,8 +1,7 @@
-// What the program asks its platform: the one place that may use operations outside standard C++.
+// What the program's output meets: screens, their width and colours, and how their text is written.
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -38,9 +37,5 @@ std::size_t StandardOutputWidth();
 /// What stands for a part of a text that is left out: one character where the user's locale is
 /// UTF-8, else three points.
 std::string_view Ellipsis();
-
-/// Waits until all bytes of a file have reached the disk. False if the system says otherwise, which
-/// `errno` then explains.
-bool BringToDisk(const std::string& path);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -4,18 +4,21 @@
 #include "Commands.h"
 #include "ExitStatus.h"
 #include "Message.h"
+#include "Platform.h"
 #include "ReaderOptions.h"
 #include "ResultOutput.h"
 
 #include <exception>
 #include <iostream>
+#include <string>
+#include <vector>
 
 namespace {
 
 namespace Program = Tessel::Norn::Brindle::Program;
 using Program::ExitStatus;
 
-ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
+ExitStatus RunCommand(const std::vector<std::string>& arguments) {
     Program::ResultOutput output(*std::cout.rdbuf());
     Program::SetProgramDefaults();
     Program::CommandLine commandLine;
@@ -31,14 +34,15 @@ ExitStatus RunCommand(int argumentCount, const char* const* arguments) {
     AddA2lCommands(commandLine);
     AddDemangleCommand(commandLine);
     commandLine.AddHelpCommand();
-    const ExitStatus status = commandLine.Run(argumentCount, arguments, output);
+    const ExitStatus status = commandLine.Run(arguments, output);
     output.Sync();
     return status;
 }
 
 ExitStatus RunProgram(int argumentCount, const char* const* arguments) {
+    const Program::StandardStreams streams;
     try {
-        return RunCommand(argumentCount, arguments);
+        return RunCommand(Program::ProgramArguments(argumentCount, arguments));
     } catch (const Program::OutputError& error) {
         if (!error.IsReaderGone()) {
             Program::Tell(error);

@@ -5,6 +5,7 @@
 #include "FileReplacement.h"
 #include "Message.h"
 #include "Phrases.h"
+#include "Platform.h"
 #include "ProgressBar.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
@@ -17,6 +18,7 @@
 #include "a2l/Update.h"
 #include "a2l/UpdateOutputs.h"
 #include "a2l/UpdateReport.h"
+#include "core/FilePath.h"
 #include "model/DataModel.h"
 
 #include <algorithm>
@@ -78,7 +80,8 @@ private:
 
 std::optional<std::string> LoadIfThere(const std::string& path) {
     std::error_code error;
-    return std::filesystem::exists(path, error) ? std::optional(A2l::LoadFile(path)) : std::nullopt;
+    return std::filesystem::exists(FileStatus(path, error)) ? std::optional(A2l::LoadFile(path))
+                                                            : std::nullopt;
 }
 
 Document ParseDescription(const UpdateArguments& arguments, SourceSet& sources) {
@@ -113,7 +116,7 @@ UpdateResult UpdateDescription(const UpdateArguments& arguments, const Document&
 
 void WriteReport(const UpdateArguments& arguments, const Document& document,
                  const UpdateResult& result, FileReplacement& file) {
-    const bool isJson = std::filesystem::path(arguments.report).extension() == ".json";
+    const bool isJson = Reader::DWARF::PathOfText(arguments.report).extension() == ".json";
     ResultOutput output(file.Buffer());
     const auto table = MakeTableWriter(isJson ? TableFormat::Json : TableFormat::Csv,
                                        A2l::UpdateColumns(), output);

@@ -13,6 +13,7 @@
 #include "a2l/Identifiers.h"
 #include "a2l/SymbolIndex.h"
 #include "a2l/VariableNames.h"
+#include "core/FilePath.h"
 #include "model/ElementIndices.h"
 
 #include <algorithm>
@@ -131,14 +132,15 @@ private:
 
     void WriteStart() {
         const DataModel::ImageDescription& image = mModel.Image();
-        const std::filesystem::path path(image.path);
-        const std::string name = MakePartIdentifier(path.stem().string());
+        const std::filesystem::path path = Reader::DWARF::PathOfText(image.path);
+        const std::string name = MakePartIdentifier(Reader::DWARF::TextOfPath(path.stem()));
         const Alignments alignments = AlignmentsOf(mModel);
         std::string text = "ASAP2_VERSION 1 ";
         text.append(mChoices.version == Version::V1_5_1 ? "51"
                     : mChoices.version == Version::V1_6 ? "60"
                                                         : "71");
-        text.append("\n/begin PROJECT " + name + " " + QuotedText(path.filename().string()) + "\n");
+        text.append("\n/begin PROJECT " + name + " " +
+                    QuotedText(Reader::DWARF::TextOfPath(path.filename())) + "\n");
         text.append("  /begin MODULE " + name + " \"\"\n\n    /begin MOD_COMMON \"\"\n");
         const auto add = [&text](std::string_view keyword, std::string_view value) {
             text.append("      ").append(keyword).append(" ").append(value).append("\n");

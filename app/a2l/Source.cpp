@@ -1,5 +1,9 @@
 #include "a2l/Source.h"
 
+#include "Platform.h"
+
+#include "core/FilePath.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -10,6 +14,11 @@
 namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
+
+using Reader::DWARF::NormalPath;
+using Reader::DWARF::PathOfText;
+using Reader::DWARF::PathToOpen;
+using Reader::DWARF::TextOfPath;
 
 struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -46,7 +55,7 @@ std::unique_ptr<Source> SourceOf(const std::string& path, std::string bytes) {
 
 /// One spelling for each file, so that none is read twice.
 std::string Normal(const std::string& path) {
-    return std::filesystem::path(path).lexically_normal().string();
+    return TextOfPath(NormalPath(PathOfText(path)));
 }
 
 } // namespace
@@ -85,16 +94,16 @@ std::string LoadFile(const std::string& path) {
         throw Fault(path, std::generic_category().message(reason));
     };
     std::error_code error;
-    if (std::filesystem::is_directory(path, error)) {
+    if (std::filesystem::is_directory(FileStatus(path, error))) {
         fail(EISDIR);
     }
     errno = 0;
-    const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
+    const std::unique_ptr<std::FILE, Closer> file(OpenToRead(path));
     if (!file) {
         fail(errno);
     }
     std::string bytes;
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    const std::uintmax_t size = std::filesystem::file_size(PathToOpen(path), error);
     // One byte more shows the end of the file without another round.
     std::size_t room = error ? 1U << 16U : static_cast<std::size_t>(size) + 1;
     for (std::size_t filled = 0;;) {
@@ -136,11 +145,11 @@ const Source& SourceSet::Open(const std::string& path) {
 
 const Source& SourceSet::OpenIncluded(const Source& from, std::size_t position,
                                       std::string_view name) {
-    const std::filesystem::path folder = std::filesystem::path(from.Path()).parent_path();
+    const std::filesystem::path folder = PathOfText(from.Path()).parent_path();
     std::string portable(name);
     std::ranges::replace(portable, '\\', '/');
     for (const std::string& spelling : {std::string(name), portable}) {
-        if (const Source* const source = Find((folder / spelling).string())) {
+        if (const Source* const source = Find(TextOfPath(folder / PathOfText(spelling)))) {
             return *source;
         }
     }

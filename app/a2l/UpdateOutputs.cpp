@@ -1,6 +1,9 @@
 #include "a2l/UpdateOutputs.h"
 
 #include "FileReplacement.h"
+#include "Platform.h"
+
+#include "core/FilePath.h"
 
 #include <filesystem>
 #include <memory>
@@ -11,11 +14,10 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 namespace {
 
 namespace fs = std::filesystem;
-
-bool IsSameFile(const fs::path& one, const fs::path& other) {
-    std::error_code error;
-    return fs::equivalent(one, other, error) && !error;
-}
+using Reader::DWARF::NormalPath;
+using Reader::DWARF::PathOfText;
+using Reader::DWARF::PathToOpen;
+using Reader::DWARF::TextOfPath;
 
 bool Changes(const UpdateResult& result, const Source& source) {
     const auto edits = result.edits.find(&source);
@@ -36,21 +38,22 @@ OutputPlan PlanInPlace(const SourceSet& sources, const UpdateResult& result) {
 
 OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const UpdateResult& result) {
     const Source& main = *sources.All().front();
-    const fs::path mainFolder = fs::path(main.Path()).parent_path();
-    const fs::path folder = fs::path(path).parent_path();
+    const fs::path mainFolder = PathOfText(main.Path()).parent_path();
+    const fs::path folder = PathOfText(path).parent_path();
     OutputPlan plan;
     plan.files.push_back({path, &main});
     for (const auto& source : sources.All()) {
         if (source.get() == &main) {
             continue;
         }
-        const fs::path own(source->Path());
+        const fs::path own = PathOfText(source->Path());
         const fs::path place = own.is_absolute() && !mainFolder.is_absolute()
                                    ? own
                                    : own.lexically_relative(mainFolder);
-        const fs::path target = (folder / (mainFolder.empty() ? own : place)).lexically_normal();
-        if (!IsSameFile(target, own) && !IsSameFile(target, path)) {
-            plan.files.push_back({target.string(), source.get()});
+        const std::string target =
+            TextOfPath(NormalPath(folder / (mainFolder.empty() ? own : place)));
+        if (!IsSameFile(target, source->Path()) && !IsSameFile(target, path)) {
+            plan.files.push_back({target, source.get()});
         } else if (Changes(result, *source)) {
             plan.stale.push_back(source.get());
         }
@@ -79,9 +82,9 @@ void WriteUpdated(const Source& source, const UpdateResult& result,
 void WriteFiles(const OutputPlan& plan, const UpdateResult& result) {
     std::vector<std::unique_ptr<FileReplacement>> files;
     for (const OutputFile& output : plan.files) {
-        const fs::path folder = fs::path(output.path).parent_path();
+        const fs::path folder = PathOfText(output.path).parent_path();
         if (output.source != plan.files.front().source && !folder.empty()) {
-            fs::create_directories(folder);
+            fs::create_directories(PathToOpen(TextOfPath(folder)));
         }
         files.push_back(std::make_unique<FileReplacement>(output.path));
         WriteUpdated(*output.source, result,

@@ -20,7 +20,8 @@ constexpr bool sArePathsWide = std::is_same_v<fs::path::value_type, wchar_t>;
 /// of a file, which may have 259 characters.
 constexpr std::size_t sLongestUsualPath = 247;
 
-constexpr bool IsSeparator(wchar_t character) {
+template <typename Character>
+constexpr bool IsSeparator(Character character) {
     return character == L'/' || character == L'\\';
 }
 
