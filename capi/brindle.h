@@ -47,7 +47,7 @@
 
 #if defined(_WIN32) && defined(BRINDLE_C_BUILD)
 #define BRINDLE_C_API __declspec(dllexport)
-#elif defined(_WIN32)
+#elif defined(_WIN32) && !defined(BRINDLE_C_STATIC)
 #define BRINDLE_C_API __declspec(dllimport)
 #elif defined(__GNUC__)
 #define BRINDLE_C_API __attribute__((visibility("default")))
@@ -254,7 +254,7 @@ BRINDLE_C_API brindle_status brindle_reader_set_callbacks(brindle_reader reader,
 /**
  * Reads a file into a new model.
  *
- * @param path goes to the system unchanged
+ * @param path UTF-8 on Windows; goes to the system unchanged elsewhere
  * @param model receives the model with what was delivered, after BRINDLE_READ_FAILED,
  *     BRINDLE_CANCELLED, BRINDLE_OUT_OF_MEMORY and BRINDLE_INTERNAL_ERROR too; else null. The host
  *     destroys it.
@@ -528,7 +528,7 @@ typedef struct brindle_factory {
  * Reads a file into a data model of the host. What was delivered before a failure stays with the
  * host; nothing is taken back.
  *
- * @param path goes to the system unchanged
+ * @param path UTF-8 on Windows; goes to the system unchanged elsewhere
  * @param factory is copied; its functions are called during this call alone
  */
 BRINDLE_C_API brindle_status brindle_reader_deliver(brindle_reader reader, const char* path,

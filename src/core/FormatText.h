@@ -6,14 +6,9 @@
 
 /// Lets the compiler check calls of a function against the format that it takes: the places of the
 /// format and of its first argument, counted from 1; 0 for a `va_list`.
-#if defined(__clang__)
+#if defined(__GNUC__)
 #define BRINDLE_PRINTF_LIKE(formatPlace, argumentPlace)                                            \
     __attribute__((format(printf, formatPlace, argumentPlace)))
-#elif defined(__GNUC__)
-// `printf` would mean the system's own formats, which differ from those of the C standard on
-// Windows.
-#define BRINDLE_PRINTF_LIKE(formatPlace, argumentPlace)                                            \
-    __attribute__((format(gnu_printf, formatPlace, argumentPlace)))
 #else
 #define BRINDLE_PRINTF_LIKE(formatPlace, argumentPlace)
 #endif
