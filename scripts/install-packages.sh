@@ -4,7 +4,8 @@
 # "checks" for the formatting, clang-tidy, cppcheck and mypy; "samples" for the cross compilers that rebuild the
 # sample images; "docs" for the reference; "report" for the browser that the tests of the report drive;
 # "bench" for the big images and the tools that brindle is measured beside; "fuzz" for the compiler that
-# has libFuzzer; "packages" for making Debian packages.
+# has libFuzzer; "packages" for making Debian packages; "windows" and "windows-i686" for building and testing
+# Windows programs of 64 and 32 bits.
 set -euo pipefail
 
 packages=(
@@ -19,6 +20,28 @@ tests=(
     mono-mcs mono-runtime
     python3-pip-whl python3-pytest python3-setuptools python3-wheel
 )
+
+# The sources of utf8proc as Debian has them: no package has the library for Windows.
+get_utf8proc() {
+    [ ! -e /usr/src/utf8proc/utf8proc.c ] || return 0
+    local folder
+    folder=$(mktemp -d)
+    mkdir -p "$folder/parts" "$folder/lists/partial" /usr/src/utf8proc
+    touch "$folder/sources.list"
+    if [ -e /etc/apt/sources.list.d/debian.sources ]; then
+        sed 's/^Types:.*/Types: deb-src/' /etc/apt/sources.list.d/debian.sources >"$folder/parts/debian.sources"
+    else
+        sed -n 's/^deb /deb-src /p' /etc/apt/sources.list >"$folder/sources.list"
+    fi
+    # With lists of its own, the system's are left as they are.
+    local apt=(apt-get -qq -o "Dir::Etc::SourceList=$folder/sources.list" -o "Dir::Etc::SourceParts=$folder/parts"
+        -o "Dir::State::Lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
+        -o APT::Sandbox::User=root)
+    (cd "$folder" && "${apt[@]}" update && "${apt[@]}" source --download-only utf8proc >&2)
+    tar -xf "$folder"/utf8proc_*.orig.tar.* -C /usr/src/utf8proc --strip-components=1
+    rm -rf "$folder"
+}
+
 case "${1:-}" in
 "") ;;
 tests)
@@ -45,6 +68,12 @@ checks)
 packages)
     packages+=(dpkg-dev lintian)
     ;;
+windows)
+    packages+=(g++-mingw-w64-x86-64-posix googletest python3 wine64 zip)
+    ;;
+windows-i686)
+    packages+=(g++-mingw-w64-i686-posix googletest python3 zip)
+    ;;
 bench)
     packages+=("${tests[@]}" gcc-arm-none-eabi libdw-dev elfutils llvm-14 dwarves abigail-tools gdb time
         python3-pyelftools)
@@ -64,3 +93,6 @@ if [ ${#missing[@]} -gt 0 ]; then
     apt-get update -qq
     DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
 fi
+case "${1:-}" in
+windows*) get_utf8proc ;;
+esac
