@@ -19,7 +19,8 @@ std::vector<std::string> ProgramArguments(int argumentCount, const char* const* 
 class StandardStreams {
 public:
     StandardStreams();
-    ~StandardStreams();
+    // Windows has something to restore.
+    ~StandardStreams(); // NOLINT(performance-trivially-destructible)
     StandardStreams(const StandardStreams&) = delete;
     StandardStreams& operator=(const StandardStreams&) = delete;
     StandardStreams(StandardStreams&&) = delete;
