@@ -118,7 +118,7 @@ constexpr std::array sTranslations = {
     Translation{"what lies here has no members", "was hier liegt, hat keine Member"},
     Translation{"what lies here has no elements", "was hier liegt, hat keine Elemente"},
     Translation{"what lies here has no parts", "was hier liegt, hat keine Teile"},
-    Translation{"\".\" or \"[\" is expected", "hier wird \".\" oder \"[\" erwartet"},
+    Translation{R"("." or "[" is expected)", R"(hier wird "." oder "[" erwartet)"},
     Translation{"the path has too many steps", "der Pfad hat zu viele Schritte"},
     Translation{"the path is too long", "der Pfad ist zu lang"},
     Translation{"the symbol has too many steps", "das Symbol hat zu viele Schritte"},
