@@ -62,9 +62,9 @@ void AppendLine(std::string& result, std::string_view line, std::size_t width) {
         return;
     }
     if (!name.empty()) {
-        const std::size_t indentation = IndentationOf(name);
-        result.append(indentation, ' ');
-        AppendWords(result, name.substr(indentation), indentation, sNarrowIndentation, width);
+        const std::size_t nameStart = IndentationOf(name);
+        result.append(nameStart, ' ');
+        AppendWords(result, name.substr(nameStart), nameStart, sNarrowIndentation, width);
         result.append("\n");
     }
     result.append(sNarrowIndentation, ' ');
