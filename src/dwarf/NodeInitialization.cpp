@@ -84,7 +84,7 @@ VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& sectio
 void VDebugInfoNodeCompileUnit::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     VDebugInfoNode::InitFromDie(die, section);
     mCompUnitDir = Keep(die.GetRareAttributes().mCompDir, section);
-    // Of units at one place the tree has the first alone, and the others are found by no pass.
+    // If units overlap, the tree holds only the first; no pass visits the others.
     if (section.mElfFile->mManner == ReadingManner::Full) {
         mFirstKindOfCompileUnit = this;
     }

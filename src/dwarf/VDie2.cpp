@@ -1,5 +1,5 @@
 // Decoding of debug entries: the walk over a unit and the attributes of each entry. Locations are
-// in DieLocation.cpp, the making of nodes in nodes/.
+// in DieLocation.cpp, the making of nodes is in NodeCreation.cpp.
 #include "dwarf/VDie2.h"
 
 #include "container/VElfFile.h"

@@ -105,7 +105,7 @@ enum class NodeChoice : std::uint8_t {
     WithoutCode,
     /// All of these but those in the bodies of types, see `BodyEntry`.
     WithoutBodies,
-    /// Those that have none: the unit was read without code before.
+    /// Those that have none: the unit was read without code or bodies before.
     Missing,
 };
 
@@ -174,7 +174,7 @@ private:
     void CloseEntry();
     Entry ReadEntry();
     Entry ReadAbbrevCode();
-    /// Reads the attributes of the entry behind whose code the cursor stands.
+    /// Reads the attributes of the entry; the cursor is just after its abbreviation code.
     Entry DecodeEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
     void ReadAttributes();
 

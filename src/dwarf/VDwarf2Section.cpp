@@ -28,8 +28,7 @@ constexpr std::int32_t primes[] = {
 
 constexpr std::uint64_t sSectionBytesPerBucket = 75;
 
-/// Entries of this many bytes and more have room beforehand. Room that isn't needed in the end
-/// costs addresses alone.
+/// Room is reserved for this many entries per bucket. Unused room costs only address space.
 constexpr std::uint64_t sEntriesPerBucket = 10;
 
 /// Value of an option that is to be decided by the first producer text.

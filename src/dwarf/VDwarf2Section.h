@@ -94,7 +94,8 @@ public:
     /// `ELFERR_COMPILE_UNIT_SIZE` set, when a search for damaged units was given up.
     bool MapCompileUnits();
     /// Reads the entries of all units into nodes. Those of code that nothing can ask for get none,
-    /// unless nodes are to be dumped or units overlap.
+    /// nor do, at first, those in bodies of types where these may be left for later, unless nodes
+    /// are to be dumped or units overlap.
     bool ProcessCompileUnits();
     /// Lets every entry have its node. For the time before `ProcessCompileUnits`.
     void KeepAllEntries() { mKeepsAllEntries = true; }
@@ -179,7 +180,7 @@ public:
     /// dwarf/NodeDumpFiles.
     /// @{
 
-    /// Runs the nine passes that finish the tree, up to the one that requires bodies. Always true.
+    /// Runs the passes that finish the tree, up to the one that requires bodies. Always true.
     bool ResolveNodes();
     /// Asks each root of delivery for its host object. Always true.
     bool EmitNodes();
@@ -201,7 +202,7 @@ public:
     VNodeArena mArena;
     std::unique_ptr<VLocTabBuffer> mLocTabBuffer;
     std::unique_ptr<VAbrSectionBuffer> mAbrSectionBuffer;
-    /// Whole `.debug_info`, compressed; of dsPIC targets alone.
+    /// Whole `.debug_info`, compressed; only for dsPIC targets.
     VElfFileCachePtr mDebugInfoCache;
     /// Whole `.debug_str`; none if the section is missing or empty.
     VElfFileCachePtr mDebugStrCache;
@@ -211,9 +212,9 @@ public:
     Linkage mLinkage = Linkage::Linked;
     /// Those of the manner of reading and the file.
     const DieForms* mForms = nullptr;
-    /// Of the full manner of reading alone.
+    /// Only in the full manner of reading.
     std::unique_ptr<VUnitTables> mUnitTables;
-    /// Likewise.
+    /// Only in the full manner of reading.
     std::unique_ptr<VLocationLists> mLocationLists;
     /// Signature of a type to its section offset. The first unit of a signature counts.
     std::unordered_map<std::uint64_t, std::uint32_t, SeededHash> mTypeOffsets;
@@ -227,9 +228,9 @@ public:
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
     bool mAutodetectPending = true;
     VDieNodeMap mDieNodes;
-    /// Those of them that refer to others, in the order of reading.
+    /// Variables passed without a node that refer to other entries, in the order of reading.
     std::vector<VPassedVariable> mPassedVariables;
-    /// Of the full manner of reading alone, where bodies are left for later.
+    /// Only in the full manner of reading, where bodies are left for later.
     VPassedReferences mPassedReferences;
     /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
@@ -267,7 +268,7 @@ private:
 
     /// True if the choice of nodes shows in nothing but the cost of the read.
     [[nodiscard]] bool CanLeaveBodies() const;
-    /// True if a first part of the section was read by now, large enough to tell how the rest is.
+    /// True if a first part of the section was read by now, large enough to predict the rest.
     [[nodiscard]] bool HasReadSample(std::size_t unitCount) const;
     /// True if variables lead to so many of the bodies that passing them first costs more than it
     /// saves. Works on what was read up to now, which has to be forgotten then.

@@ -24,8 +24,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Tells how much the type of a variable tells: the more, the better the variable stands for others
-/// of its name and address. What many variables share is measured once.
+/// Rates how detailed a variable's type is: the most detailed variable stands for all of its name
+/// and address. A type that many variables share is rated once.
 class RichnessMeter {
 public:
     std::uint32_t RichnessOf(const VDebugInfoNode& variable) {
@@ -118,8 +118,8 @@ std::int64_t ByRichness(const VDebugInfoNode& variable, RichnessMeter& meter) {
     return meter.RichnessOf(variable);
 }
 
-/// A definition, which tells its place itself, comes before a declaration, whose place the symbol
-/// table told: the declaration may stand in a function.
+/// A definition, which has its own location, comes before a declaration, whose place came from
+/// the symbol table: the declaration may stand in a function.
 std::int64_t ByDefinition(const VDebugInfoNode& variable, RichnessMeter& meter) {
     const std::int64_t definition = variable.IsAddressFromSymbolTable() ? 0 : 1;
     return (definition << 32U) + meter.RichnessOf(variable);

@@ -1,6 +1,7 @@
 // The passes that finish the tree of nodes, in their fixed order; a later one relies on the earlier
-// ones. `ResolveNodes` runs them, each once: none is repeatable. None of them fails: what can't be
-// resolved stays as it is, and later stages take it as absent.
+// ones. `ResolveNodes` runs them, each once per tree: none is repeatable, so that `ForgetEntries`
+// comes before a second run. None of them fails: what can't be resolved stays as it is, and later
+// stages take it as absent.
 #pragma once
 
 #include <span>

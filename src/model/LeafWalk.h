@@ -89,7 +89,7 @@ private:
         std::uint64_t address = 0;
         std::uint64_t placesLeft = 0;
     };
-    /// From the first one up to the one behind the last.
+    /// Half-open: [begin, end).
     struct ElementRange {
         std::uint64_t begin = 0;
         std::uint64_t end = 0;

@@ -24,7 +24,7 @@ struct ByteSpan {
 };
 
 /// True if position and width of a bit field can be true: 1 to 64 bits in a storage unit of at most
-/// 64 bytes, or at most one byte behind it. Broken files tell others.
+/// 64 bytes, or at most one byte after it. Damaged files give other values.
 BRINDLE_EXPORT bool IsSaneBitField(const Model::Place& place);
 
 /// The bytes of a place: of a sane bit field only those that hold some of its bits, of any other

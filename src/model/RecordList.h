@@ -43,8 +43,8 @@ public:
     }
     [[nodiscard]] Record At(std::size_t position) const;
 
-    /// Adds a record behind the last one, and as the last to those that lie in its scope: the
-    /// record at that position, if it is there already. Nothing is added if memory ends.
+    /// Appends a record and, if the record at the position of its scope exists, chains it as the
+    /// last child there. Nothing is added if memory ends.
     /// @return its position
     /// @throws std::length_error beyond 2^32 - 1 records
     std::uint32_t Add(const Record& record);

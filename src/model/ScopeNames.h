@@ -9,7 +9,7 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// The name of an object behind those of the scopes that count: named namespaces, classes, unions,
+/// The name of an object after those of the scopes that count: named namespaces, classes, unions,
 /// functions and block scopes. Empty for an object without a name. Outer scopes that would make the
 /// text too long, or lie too far out, are replaced by an ellipsis.
 std::string ScopedName(const ModelStore& store, ObjectId id);

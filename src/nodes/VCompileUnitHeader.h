@@ -33,7 +33,7 @@ struct VCompileUnitHeader {
     std::uint32_t mTypeOffset = 0;
     /// Place in the list of units, from 0.
     std::uint32_t mIndex = 0;
-    /// Entries of the unit have no nodes, see `CodeEntry`.
+    /// Some entries of the unit have no nodes, see `CodeEntry` and `BodyEntry`.
     bool mHasPassedEntries = false;
     /// Start of `.debug_str`, null if there is none.
     const char* mDebugStr = nullptr;

@@ -102,15 +102,15 @@ public:
         }
         return node;
     }
-    /// The same for whom a passed entry is as good as none.
+    /// As `Find`, for callers that ignore passed entries.
     [[nodiscard]] VDebugInfoNode* FindUnpassed(std::uint32_t sectionOffset) const;
-    /// The same without taking note of anything.
+    /// As `Find`, without taking note of anything.
     [[nodiscard]] VDebugInfoNode* Peek(std::uint32_t sectionOffset) const;
 
     /// The last node in front of an offset, null if there is none.
     [[nodiscard]] VDebugInfoNode* LastBefore(std::uint32_t sectionOffset) const;
 
-    /// Counts an offset as asked for, without that it is referred to yet.
+    /// Counts an offset as asked for, without counting a reference to it.
     void Announce(std::uint32_t sectionOffset) const {
         if (Peek(sectionOffset) == nullptr) {
             mMissing.push_back(sectionOffset);
