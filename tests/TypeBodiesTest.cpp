@@ -145,6 +145,47 @@ Tree AnonymousTypeOfTwo() {
             "state"};
 }
 
+/// Delivery takes the members of the anonymous type out of it, and its static member's scope is the
+/// type that holds it.
+Tree AnonymousTypeOfAHolderWithoutVariable() {
+    const DieLabel number;
+    const DieLabel anonymous;
+    const DieLabel declared;
+    return {
+        "an anonymous type that is a scope, and whose holder no variable leads to",
+        DwarfSections().Unit({Unit({
+            Int(number),
+            Die(anonymous, DW_TAG_structure_type, {ByteSize(4)},
+                {Member("x", number),
+                 Die(declared, DW_TAG_member,
+                     {Name("total"), Type(number), External(), Declaration()})}),
+            Die(DW_TAG_structure_type, {Name("Motor"), ByteSize(8)},
+                {Die(DW_TAG_member, {Type(anonymous), MemberOffset(4)}), Member("speed", number)}),
+            Die(DW_TAG_variable, {Specification(declared), Address(0x1000)}),
+        })}),
+        "total"};
+}
+
+/// The type around the completed function is delivered as its scope, with the types in it.
+Tree TypeAroundACompletedFunction() {
+    const DieLabel number;
+    const DieLabel other;
+    const DieLabel declared;
+    return {
+        "a typedef beside a function of a local type",
+        DwarfSections().Unit({Unit({
+            Int(number),
+            Die(other, DW_TAG_structure_type, {Name("Other"), ByteSize(4)}, {Member("x", number)}),
+            Die(DW_TAG_class_type, {Name("Motor"), ByteSize(4)},
+                {Die(DW_TAG_subprogram, {Name("Run"), Declaration()},
+                     {Die(DW_TAG_structure_type, {Name("Local"), ByteSize(4)},
+                          {Die(DW_TAG_typedef, {Name("Alias"), Type(other)}),
+                           Die(declared, DW_TAG_subprogram, {Name("Start"), Declaration()})})})}),
+            Die(DW_TAG_subprogram, {Specification(declared)}, {Variable("count", number)}),
+        })}),
+        "Other"};
+}
+
 Tree ReferenceIntoABody() {
     const DieLabel number;
     const DieLabel member;
@@ -187,6 +228,8 @@ TEST(TypeBodiesTest, DeliveryIsThatOfAReadOfAllBodies) {
         FunctionOfABody(DW_AT_abstract_origin),
         StaticMember(),
         AnonymousTypeOfTwo(),
+        AnonymousTypeOfAHolderWithoutVariable(),
+        TypeAroundACompletedFunction(),
         ReferenceIntoABody(),
         BitFieldThatDependsOnOthers(),
     };

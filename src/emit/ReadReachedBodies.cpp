@@ -11,6 +11,7 @@
 // What is read gets its links, its names and its places in the tree as if it had been there from
 // the start. Only functions that complete one of a body have waited for that: nobody asks them for
 // it until a variable within leads to them.
+#include "container/VElfFile.h"
 #include "dwarf/BodyEntries.h"
 #include "dwarf/VBodyReader.h"
 #include "dwarf/VDwarf2Section.h"
@@ -77,12 +78,26 @@ private:
             VDebugInfoNode* node = mReached.back();
             mReached.pop_back();
             Follow(*node);
-            Reach(node->GetParent());
+            ReachScope(*node);
             if (HasBody(node->GetTag())) {
                 Want(*node);
             } else if (node->GetTag() == DW_TAG_subroutine_type) {
                 ReachChildren(*node);
             }
+        }
+    }
+
+    void ReachScope(const VDebugInfoNode& node) {
+        VDebugInfoNode* scope = node.GetParent();
+        const bool isNew = scope != nullptr && mNodes.Reach(*scope);
+        // An anonymous member gives its type's members to the type around it: that one has to be
+        // read, and it may be any.
+        if (isNew && IsAggregate(scope->GetTag()) && scope->GetNameOrNull() == nullptr &&
+            mSection.mElfFile->mManner == ReadingManner::Full) {
+            mSection.RequireBodies();
+        }
+        if (isNew) {
+            mReached.push_back(scope);
         }
     }
 
@@ -142,6 +157,7 @@ private:
         const auto offset = static_cast<std::uint32_t>(function.GetSpecificationAttribute().mValue);
         if (const auto completed = mFunctions.find(offset); completed != mFunctions.end()) {
             function.SetSpecificationNode(*completed->second);
+            Reach(completed->second->GetParent());
         } else {
             mSection.RequireBodies();
         }
