@@ -14,7 +14,8 @@
 
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 
-using Brindle::DataModel::ObjectId;
+/// The identifiers of data models, as the contract names them.
+using ObjectId = Brindle::DataModel::ObjectId;
 
 /// A data model as the reader sees it.
 ///
