@@ -173,7 +173,10 @@ void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
 }
 
 ExitStatus CommandLine::Run(const Arguments& arguments, ResultOutput& output) {
-    Arguments words(arguments.begin() + (arguments.empty() ? 0 : 1), arguments.end());
+    Arguments words = arguments;
+    if (!words.empty()) {
+        words.erase(words.begin());
+    }
     ChooseMessageLanguage(LanguageOf(words));
     MoveOptionsBehindCommand(words);
     // The parser would look for a command behind a word that is none.

@@ -14,14 +14,19 @@ constexpr std::string_view sDigits =
 constexpr std::size_t sGroup = 3;
 constexpr std::size_t sDigitsOfGroup = 4;
 
-/// Two digits of base64 for each twelve bits.
-constexpr auto sDigitPairs = [] {
-    std::array<std::array<char, 2>, 4096> pairs{};
+using DigitPairs = std::array<std::array<char, 2>, 4096>;
+
+constexpr DigitPairs MakeDigitPairs() {
+    DigitPairs pairs{};
     for (std::size_t bits = 0; bits < pairs.size(); ++bits) {
-        pairs[bits] = {sDigits[bits >> 6U], sDigits[bits & 63U]};
+        pairs[bits][0] = sDigits[bits >> 6U];
+        pairs[bits][1] = sDigits[bits & 63U];
     }
     return pairs;
-}();
+}
+
+/// Two digits of base64 for each twelve bits.
+constexpr DigitPairs sDigitPairs = MakeDigitPairs();
 
 void PutGroup(char* place, std::uint32_t bits) {
     std::ranges::copy(sDigitPairs[bits >> 12U], place);
