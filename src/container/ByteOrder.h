@@ -1,4 +1,4 @@
-// Integers out of bytes, in either byte order.
+// Reads integers from bytes, in either byte order.
 #pragma once
 
 #include <cstddef>

@@ -63,7 +63,7 @@ bool DeliveredSymbols::HasVariableInMangledName(std::uint64_t address,
         return readable.IsModified() && scopeEnd != std::string_view::npos &&
                IsVariable(address, text.substr(scopeEnd + 2));
     }
-    // Names of the Itanium ABI and of Rust hold each identifier behind its length.
+    // Names of the Itanium ABI and of Rust write the length of each identifier before it.
     while (!name.empty()) {
         if (!IsDigit(name.front())) {
             name.remove_prefix(1);

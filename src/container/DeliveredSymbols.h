@@ -1,6 +1,6 @@
-// Which symbols of a file the data model has already, as variables with debug information or as
-// symbols. A symbol counts by its address and its name together: a static variable of one file
-// hides no symbol of the same name, and a variable hides no other name of its place.
+// Which symbols of a file the data model already has, as variables with debug information or as
+// symbols. Address and name together identify a symbol: a static variable of one file hides no
+// symbol of the same name, and a variable hides no other name at its address.
 #pragma once
 
 #include "core/HashSlots.h"
@@ -11,16 +11,16 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Names by their addresses. It keeps a hash of 64 bits for each, not the texts.
+/// Names by their addresses. It keeps a hash of 64 bits for each name, not its text.
 class DeliveredSymbols {
 public:
-    /// Adds a name or linkage name of a variable; an empty one is none.
+    /// Adds a name or linkage name of a variable; an empty name is ignored.
     void AddVariable(std::uint64_t address, std::string_view name);
 
-    /// Adds a symbol, unless it is that of a variable at its address. Such a symbol has the name of
-    /// the variable plain, mangled, or with what compilers put before and behind it: `_calls`,
-    /// `calls.0`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.
-    /// @return false if the symbol or its variable was there
+    /// Adds a symbol, unless a variable at its address has its name. The symbol's name may be the
+    /// plain or mangled name of the variable, or have what compilers put before and after it:
+    /// `_calls`, `calls.0`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.
+    /// @return false if the symbol or its variable was already known
     bool AddSymbol(std::uint64_t address, std::string_view name);
 
 private:

@@ -42,7 +42,7 @@ struct Elf64_Shdr {
     [[nodiscard]] bool IsPresent() const { return sh_name != 0; }
 };
 
-/// Longer section names are cut; none that the reader looks for comes near.
+/// Longer section names are cut; all names that the reader looks for are far shorter.
 constexpr std::size_t sMaximumSectionNameLength = 1023;
 
 /// Symbol record.
@@ -84,7 +84,7 @@ constexpr std::uint16_t sElfTypeRelocatable = 1;
 constexpr std::uint64_t sSectionInGroup = 0x200;
 constexpr std::uint64_t sSectionCompressed = 0x800;
 
-/// Machines of which the reader knows peculiarities.
+/// Machines that the reader treats specially.
 constexpr std::uint16_t sMachineDsPic30F = 118;
 constexpr std::uint16_t sMachineTiC2000 = 141;
 

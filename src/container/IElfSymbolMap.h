@@ -14,7 +14,7 @@ public:
     IElfSymbolMap(IElfSymbolMap&&) = delete;
     IElfSymbolMap& operator=(IElfSymbolMap&&) = delete;
 
-    /// Takes a copy of the record; the text behind its name is not copied with it.
+    /// Takes a copy of the record, but not of the text that its name points to.
     virtual void AddSymbol(const Elf32_Sym& symbol) = 0;
     virtual void Clear() = 0;
     virtual ~IElfSymbolMap() = default;

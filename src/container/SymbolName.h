@@ -1,5 +1,5 @@
-// The names of symbols as the reader works on them: cut to the one length limit, and demangled
-// where that is asked for.
+// Symbol names as the reader uses them: cut to one length limit, and demangled where that is asked
+// for.
 #pragma once
 
 #include "core/LongTextAllowance.h"
@@ -12,13 +12,13 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Bytes of a name buffer, the terminator included.
 constexpr std::size_t sSymbolNameBufferSize = 2048;
 
-/// The name as far as it fits a name buffer. Looks at no byte behind that.
+/// The name, cut to what fits a name buffer. Reads no byte beyond that.
 std::string_view CutSymbolName(const char* name);
-/// The same, for one of all the names of a file, whose long ones are counted.
+/// Cuts one of the names of a file, whose long names are limited together.
 std::string_view CutSymbolName(const char* name, LongTextAllowance& longNames);
 
-/// A symbol's name, demangled by `VElfFile::mDemanglingOptions` if it can be, else as it is. Lives
-/// on the stack of its user.
+/// A symbol's name, demangled by `VElfFile::mDemanglingOptions` if it can be, else unchanged. Holds
+/// its own buffer and is meant for the stack.
 class DemangledSymbolName {
 public:
     /// @param cutName of at most 2047 characters
@@ -34,7 +34,7 @@ private:
     bool mIsModified;
 };
 
-/// A symbol's name without the version that a dynamic symbol carries behind an "@".
+/// A symbol's name without the version that a dynamic symbol carries after an "@".
 std::string_view WithoutVersion(std::string_view symbolName);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

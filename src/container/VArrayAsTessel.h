@@ -20,16 +20,16 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// Elements from a lower bound to an upper bound, of which the first ones, up to a count, are in
 /// use. An element that comes into use without a value is cleared: all its bytes are 0.
 ///
-/// An array has fewer than 2^31 elements and no index above `kMaxUpperBound`; what lies beyond
-/// counts as memory that ran out. The upper bound grows in steps of the delta, while the heap
-/// memory grows in proportion, so that adding n elements at the end takes a time proportional to n.
+/// An array has fewer than 2^31 elements and no index above `kMaxUpperBound`; a request for more
+/// counts as out of memory. The upper bound grows in steps of the delta, while the heap memory
+/// grows in proportion, so that adding n elements at the end takes a time proportional to n.
 template <typename T>
 class VArrayAsTessel {
     static_assert(std::is_trivially_copyable_v<T>, "elements are moved as bytes");
     static_assert(alignof(T) <= alignof(std::max_align_t), "elements live in plain heap memory");
 
 public:
-    /// So chosen that the index behind the last element can always be told.
+    /// So chosen that the index after the last element is valid, too.
     static constexpr std::int32_t kMaxUpperBound = std::numeric_limits<std::int32_t>::max() - 1;
 
     /// @param upperBound last index that has memory at first; below `lowerBound` counts as
@@ -62,7 +62,7 @@ public:
     /// @param high last index to search; below `low` (such as -1) or unused stands for the last
     ///     one in use
     /// @return index of a matching element; without one, the index of the first searched element
-    ///     that comes after the key, or the index behind `high`; -1 if there is nothing to search
+    /// that comes after the key, or the index after `high`; -1 if there is nothing to search
     template <typename Key, typename Compare>
     [[nodiscard]] std::int32_t bsearch(const Key& key, Compare compare, std::int32_t low,
                                        std::int32_t high = -1) const;
@@ -91,7 +91,7 @@ private:
         void operator()(T* memory) const { std::free(memory); }
     };
 
-    // Arithmetic on bounds and indexes is done in this width, in which none of it can overflow.
+    // Bounds and indexes are computed in this width, which can't overflow.
     using Wide = std::int64_t;
 
     [[nodiscard]] Wide ElementCount() const { return Wide{mUpperBound} - mLowerBound + 1; }
@@ -217,7 +217,7 @@ bool VArrayAsTessel<T>::Reallocate(Wide elementCount) {
     if (elementCount > std::numeric_limits<std::int32_t>::max()) {
         return false;
     }
-    // Zeroed pages come from the system untouched, so that a far index costs address space alone.
+    // Zeroed pages come from the system untouched, so that a far index costs only address space.
     std::unique_ptr<T[], FreeMemory> data(
         static_cast<T*>(std::calloc(static_cast<std::size_t>(elementCount), sizeof(T))));
     if (!data) {

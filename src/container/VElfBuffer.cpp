@@ -59,7 +59,7 @@ bool VElfBuffer::LoadFromStream(std::uint64_t filePosition, std::int32_t size) {
     if (mCache == nullptr && filePosition >= fileSize) {
         return Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
     }
-    // Looked at before memory is taken: a header may claim any size.
+    // Checked before allocating: a header may claim any size.
     const bool isInsideFile = size >= 0 && size < sMaximumSize && filePosition <= fileSize &&
                               static_cast<std::uint64_t>(size) <= fileSize - filePosition;
     if (isInsideFile && !EnsureCapacity(size)) {
@@ -116,7 +116,7 @@ bool VElfBuffer::ReadAtFilePos(std::int64_t filePosition, std::uint8_t* destinat
                 ? mCache->ReadThrough(destination, static_cast<std::int32_t>(filePosition), size)
                 : Fail(ELFReadErrorEnum::ELFERR_SEEK_FAILED);
         if (!isRead && IsOutOfMemory()) {
-            // The 0 of a failed read would be taken for what the file says.
+            // A failed read gives 0, which would pass for a value of the file.
             throw std::bad_alloc();
         }
         return isRead;

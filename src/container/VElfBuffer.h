@@ -1,6 +1,6 @@
 // A byte buffer with a cursor over a range of the input file. All integers, addresses, LEB128
 // values and texts of a format are decoded here, in the target's byte order and within bounds;
-// decoding code needs no test of its own.
+// decoding code needs no bounds tests of its own.
 #pragma once
 
 #include "container/ByteOrder.h"
@@ -20,7 +20,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// first loaded byte; file positions are named so.
 class VElfBuffer {
 public:
-    /// Borrows the input and copies its byte order and addressing; both must be known by now.
+    /// Borrows the input and copies its byte order and addressing; both must be known already.
     /// @param cacheSize if at least 1 and no cache is given, the buffer makes a cache of this size
     /// @param cache shared window to read through, or null
     explicit VElfBuffer(VElfInput& input, std::int32_t cacheSize = 0,
@@ -34,8 +34,8 @@ public:
     /// @name Loading
     /// @{
 
-    /// Replaces the contents by a range of the file and sets the cursor to 0. Texts given out
-    /// before end here. On failure the buffer is empty, and the error state is `ELFERR_NO_MEMORY`,
+    /// Replaces the contents by a range of the file and sets the cursor to 0. Texts returned before
+    /// become invalid. On failure the buffer is empty, and the error state is `ELFERR_NO_MEMORY`,
     /// `ELFERR_SEEK_FAILED` (the range begins beyond the file, and there is no cache) or
     /// `ELFERR_READ_FAILED` (it ends beyond the file, or is larger than 2 GiB).
     bool LoadFromFile(std::uint64_t filePosition, std::int32_t size);
@@ -61,7 +61,7 @@ public:
 
     [[nodiscard]] std::int32_t GetOffset() const { return mOffset; }
     [[nodiscard]] std::int32_t GetBufferLength() const { return mLength; }
-    /// Both give the new cursor and check nothing: a cursor outside is met by the next read.
+    /// Both return the new cursor and check nothing; the next read notices one out of bounds.
     std::int32_t SetOffset(std::int32_t offset) { return mOffset = offset; }
     std::int32_t MoveOffset(std::int32_t distance) {
         mOffset = static_cast<std::int32_t>(static_cast<std::uint32_t>(mOffset) +
@@ -70,7 +70,7 @@ public:
     }
     /// True if no byte lies at the cursor.
     [[nodiscard]] bool IsEOF() const { return mOffset >= mLength || mOffset < 0; }
-    /// True if the cursor stands outside of the loaded bytes and not right at their end.
+    /// True if the cursor is outside the loaded bytes, and not exactly at their end.
     [[nodiscard]] bool HasPassedEnd() const {
         return static_cast<std::uint32_t>(mOffset) > static_cast<std::uint32_t>(mLength);
     }
@@ -89,8 +89,8 @@ public:
     std::uint32_t GetLong() { return GetULong(); }
     [[nodiscard]] static std::uint16_t GetLongSize() { return 4; }
     std::uint64_t GetUInt64() { return Get<std::uint64_t>(); }
-    /// A target address by the address size. A size other than 0, 1, 2, 4 and 8 gives 0 and leaves
-    /// the cursor.
+    /// A target address by the address size. A size other than 0, 1, 2, 4 and 8 gives 0 and doesn't
+    /// move the cursor.
     std::uint64_t GetADDRESS();
     /// LEB128 in 32 bits, of any length: groups past the fifth fold into the low bits (DWARF
     /// 4, 7.6).
@@ -106,8 +106,8 @@ public:
     std::uint64_t GetULEB128In64Bits() { return GetLEB128In64Bits(false); }
     std::int64_t GetSLEB128In64Bits() { return static_cast<std::int64_t>(GetLEB128In64Bits(true)); }
     /// The text at the cursor, terminated and not copied; the cursor moves past its terminator.
-    /// Null if no byte lies at the cursor, which passes the end like any other read. Valid until
-    /// the next load.
+    /// Null if no byte lies at the cursor, which marks the buffer as overrun. Valid until the next
+    /// load.
     const char* GetNullTStr();
 
     /// @}
@@ -126,7 +126,7 @@ protected:
     std::uint8_t* GetLoadedBytes() { return mBuffer.get(); }
 
 private:
-    /// The next bytes, null if they pass the end. Moves the cursor behind them.
+    /// The next bytes, null if they pass the end. Moves the cursor past them.
     const std::uint8_t* Take(std::int32_t size) {
         const bool isInside = mOffset >= 0 && mOffset <= mLength - size;
         const std::uint8_t* bytes = isInside ? mBuffer.get() + mOffset : nullptr;

@@ -49,7 +49,7 @@ bool VElfFile::IsPassedOver(std::string_view name, const Elf64_Shdr& section) {
     if (isCompressed) {
         mRemarks.AddCompressedSection(ToHostText(name));
     }
-    // Groups of an object hold further sections of the same names, a type each.
+    // Section groups of an object hold further sections of the same names, one type each.
     const bool isInGroup = IsUnlinked() && (section.sh_flags & sSectionInGroup) != 0;
     return isCompressed || isInGroup;
 }

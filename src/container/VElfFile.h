@@ -34,8 +34,8 @@ class VCLIFactoryWrapper;
 class VDWARFReaderWrapper;
 
 /// One input file.
-///
-/// Operations that return false have set the error state unless told otherwise. The file stays open
+/// Operations that return false have set the error state unless noted otherwise. The file stays
+/// open to the end of the object, after a failure too.
 /// to the end of the object, after a failure too.
 class VElfFile : public VElfOptions, public VElfInput {
 public:
@@ -58,8 +58,8 @@ public:
     /// Implemented in VElfFileHeaders.
     /// @{
 
-    /// Opens the file and fills the header and the target flags (ELF header, e_ident). That the
-    /// file can't be opened also goes to standard output. Errors: `ELFERR_OPEN_FAILED`,
+    /// Opens the file and fills the header and the target flags (ELF header, e_ident). A file that
+    /// can't be opened is also reported on standard output. Errors: `ELFERR_OPEN_FAILED`,
     /// `ELFERR_READ_FAILED`, `ELFERR_SEEK_FAILED`, `ELFERR_NOT_ELF`, `ELFERR_ELF_CLASS`,
     /// `ELFERR_BYTE_ENCODING`, `ELFERR_ELF_VERSION`.
     bool ReadElfHeader();
@@ -93,19 +93,19 @@ public:
     /// Implemented in VElfFilePe.
     /// @{
 
-    /// Maps the image, fills the section records and opens the file. Whatever fails, the error
-    /// state is `ELFERR_OPEN_FAILED` in the end.
+    /// Maps the image, fills the section records and opens the file. After any failure the error
+    /// state is `ELFERR_OPEN_FAILED`.
     bool ReadPEFileDwarfSections();
     /// Fills `mSymbolMap` with the symbols of the image. False without error state if the map isn't
     /// empty or no image is in memory.
     bool ReadPEFileSymbolTable();
 
     /// @}
-    /// True in the full manner for an object that isn't linked yet, whose addresses say nothing.
+    /// True in the full manner for an object that isn't linked yet: its addresses mean nothing.
     [[nodiscard]] bool IsUnlinked() const;
-    /// Stores a section that a container holds under its name, in place of an earlier one of that
-    /// name. In the full manner one whose contents can't be taken as they lie in the file is passed
-    /// over, with a remark.
+    /// Stores a section of the container in the record of its name, in place of an earlier one of
+    /// that name. The full manner skips, with a remark, a section whose contents can't be used as
+    /// they lie in the file.
     /// @return false if the reader has no use for the name
     bool AssignSection(std::string_view name, const Elf64_Shdr& section);
 
@@ -148,10 +148,10 @@ public:
 
     /// @}
 
-    /// What the headers tell, for the data model; complete once they are read.
+    /// What the headers say, for the data model; complete once they are read.
     [[nodiscard]] DataModel::ImageDescription DescribeImage(DWARFContainerType container) const;
 
-    /// Holds for the whole read.
+    /// Doesn't change during a read.
     const ReadingManner mManner = ChosenManner();
     ReadRemarks mRemarks;
     ReadFacts mFacts;
@@ -181,7 +181,7 @@ public:
     Elf64_Shdr mSecDebugLoclists;
     Elf64_Shdr mSecDebugSup;
     Elf64_Shdr mSecGnuDebugAltLink;
-    /// Relocations of `.debug_info`, with the values that belong in the places of it.
+    /// Relocations of `.debug_info`, with the values that belong at the relocated places.
     Elf64_Shdr mSecRelaDebugInfo;
     Elf64_Shdr mSecPubtypes;
     Elf64_Shdr mSecDebugLine;
@@ -219,7 +219,7 @@ private:
 /// Reads the symbol at the cursor. The name pointer isn't touched.
 /// @return false with `ELFERR_64BIT_LIMIT` if the size passes 32 bits
 bool sReadSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit);
-/// The same for symbols of any size. Always true.
+/// Reads the symbol at the cursor, whatever its size. Always true.
 bool sReadLargeSymbolFromBuffer(Elf32_Sym& symbol, VElfBuffer& buffer, bool is64Bit);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -39,7 +39,7 @@ public:
     }
 
     void AddRef();
-    /// Destroys the cache with the last reference.
+    /// Drops one reference; the last one destroys the cache.
     void RelRef();
 
 private:
@@ -53,7 +53,7 @@ private:
     std::int32_t mCacheSize;
     std::int32_t mValidLength = 0;
     std::int32_t mWindowStart = 0;
-    /// A compressed window is never refilled, for the file holds other bytes.
+    /// A compressed window is never refilled: the file holds the uncompressed bytes.
     bool mIsCompressed = false;
     VElfInput& mInput;
     std::int32_t mRefCount = 0;

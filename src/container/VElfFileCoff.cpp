@@ -1,6 +1,6 @@
 // The COFF side of `VElfFile`: the file header and the section headers of the TI layout (TI
-// application report SPRAAO8, "Common Object File Format"). The symbol entries aren't read: they
-// tell where the string table begins, and nothing else.
+// application report SPRAAO8, "Common Object File Format"). The symbol entries aren't read; only
+// their number counts, since the string table follows them.
 #include "container/VElfFile.h"
 #include "core/CutText.h"
 #include "diagnostics/ErrorState.h"
@@ -115,7 +115,7 @@ bool VElfFile::ReadCoffSectionHeader(const VCoffFileHeader& header) {
 }
 
 Elf64_Shdr VElfFile::InBytes(const Elf64_Shdr& section) const {
-    // Word-addressed targets count the sizes of their memory in words too.
+    // Word-addressed targets give the sizes of sections in words, too.
     Elf64_Shdr inBytes = section;
     if (mIsWordAddressedTarget) {
         inBytes.sh_addr *= 2;

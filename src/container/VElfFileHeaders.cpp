@@ -107,7 +107,7 @@ std::int32_t VElfFile::LoadSectionHeaderTable(VElfBuffer& buffer, const Elf64_Eh
                                               bool is64Bit) {
     std::uint64_t count = header.e_shnum;
     if (count == 0) {
-        // Extended numbering: the first entry tells the number of all.
+        // Extended numbering: the first entry holds the number of sections.
         if (!buffer.LoadFromFile(header.e_shoff, std::uint32_t{header.e_shentsize})) {
             return -1;
         }
@@ -180,7 +180,7 @@ bool VElfFile::LoadSectionInfos() {
 void VElfFile::TellSymbolCount() {
     const std::uint64_t entrySize = mIs64Bit ? sSymbolSize64 : sSymbolSize32;
     const std::uint64_t size = std::min(mSecSymtab.sh_size, static_cast<std::uint64_t>(mFileSize));
-    // The first entry is none.
+    // The first entry is a placeholder.
     mFacts.SetSymbols(std::max<std::uint64_t>(size / entrySize, 1) - 1);
 }
 

@@ -1,6 +1,6 @@
 // The symbol side of `VElfFile`: the string table, the two walks over the symbol table (System V
-// ABI, chapter "Symbol Table") and the questions that the debug phase asks of the symbols. What is
-// delivered of them stands in emit/VElfFileDelivery.
+// ABI, chapter "Symbol Table") and the lookups of the debug phase. The delivery of symbols is in
+// emit/VElfFileDelivery.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
@@ -22,7 +22,7 @@ bool IsDataByOption(const Elf32_Sym& symbol) {
            (symbol.Type() == sSymbolTypeNone && VElfOptions::mSymTabSearchMode != 0);
 }
 
-/// What a manner of reading makes of the symbols of an ELF file.
+/// Which symbols of an ELF file a manner of reading uses, and for what.
 struct SymbolRules {
     bool (*read)(Elf32_Sym&, VElfBuffer&, bool is64Bit);
     /// Symbols that may tell what lies at an address.
@@ -51,8 +51,8 @@ bool IsFullAddressMapSymbol(const Elf32_Sym& symbol) {
     return IsDataByOption(symbol) && symbol.IsDefined();
 }
 
-/// Symbols of linker scripts and of assembler files often have no type. Those of source files tell
-/// whose the local ones behind them are.
+/// Symbols of linker scripts and assembler files often have no type. A symbol of a source file says
+/// where the local symbols after it belong.
 bool IsFullNamesMapSymbol(const Elf32_Sym& symbol) {
     if (symbol.Type() == sSymbolTypeFile) {
         return true;
@@ -76,7 +76,7 @@ bool HasName(const Elf32_Sym& symbol) {
     return symbol.name != nullptr && *symbol.name != '\0';
 }
 
-/// A table that can't be loaded counts as empty: what else the file tells is worth having.
+/// A table that can't be loaded counts as empty: the rest of the file is still worth reading.
 /// @return false only for lack of memory
 bool LoadTable(VElfBuffer& buffer, const Elf64_Shdr& section) {
     return buffer.LoadFromFile(section.sh_offset, section.sh_size) || !IsOutOfMemory();
@@ -127,7 +127,7 @@ bool VElfFile::LoadStrTabSection() {
 
 bool VElfFile::ReadSymbol(Elf32_Sym& symbol, VElfBuffer& buffer) const {
     const bool isRead = SymbolRules::Of(mManner).read(symbol, buffer, mIs64Bit);
-    // Variables are told in bytes.
+    // The debug information counts in bytes, the symbol table in words.
     if (mIsWordAddressedTarget && mManner == ReadingManner::Full) {
         symbol.st_value *= 2;
     }
@@ -234,7 +234,7 @@ const VElfSymbolAddress* VElfFile::FindSymbolByName(const std::string& name) {
         const bool isLoaded = LoadSymbolNames();
         mSymbolNamesMap.SetInitialized();
         if (!isLoaded) {
-            // Variables would be missing as if the file had no symbol of them.
+            // Going on would lose variables, as if the file had no symbols for them.
             if (mStrTabBuffer && IsOutOfMemory()) {
                 throw std::bad_alloc();
             }

@@ -10,8 +10,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Names of one address that are compared at most, and characters of them; else a file with many
-/// symbols and many variables at one place would take a time of their product.
+/// Most names of one address, and most characters of them, that a lookup compares. Without a limit,
+/// many symbols and many variables at one address would take a time of their product.
 constexpr std::size_t sMaximumComparisons = 1000;
 constexpr std::size_t sMaximumComparedCharacters = 64 * sMaximumComparisons;
 

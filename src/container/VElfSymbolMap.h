@@ -1,5 +1,5 @@
-// Tells which symbol lies at an address. Filled once before the debug section is decoded; the
-// pointers it gives out end with the next change.
+// Finds the symbol at an address. Filled once before the debug section is decoded; pointers to
+// symbols are valid until the next change.
 #pragma once
 
 #include "container/IElfSymbolMap.h"
@@ -12,7 +12,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Symbols by those bits of their values that count. Symbols of one address keep the order of
+/// Symbols by the bits of their values that count. Symbols of one address keep the order of
 /// insertion.
 class VElfSymbolMap final : public IElfSymbolMap {
 public:
@@ -24,9 +24,9 @@ public:
     void DeleteAll() { Clear(); }
     [[nodiscard]] bool IsEmpty() const { return mSymbols.empty(); }
 
-    /// The symbol at an address, null if there is none. Of several it is the first; with
-    /// `mSymTabSearchMode` it is the first whose name begins with `name`, else the first. Of very
-    /// many the first 1000 are looked at, and fewer of those whose names are long.
+    /// The symbol at an address, null if there is none. Of several, the first; with
+    /// `mSymTabSearchMode` the first whose name begins with `name`, or else the first. Compares at
+    /// most 1000 names, and fewer if `name` is long.
     Elf32_Sym* FindByAddress(std::uint64_t address, std::string_view name);
     /// The symbols at an address in the order of insertion.
     [[nodiscard]] std::span<const Elf32_Sym> AllAt(std::uint64_t address);

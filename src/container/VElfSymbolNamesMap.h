@@ -1,5 +1,5 @@
-// Tells at which address the symbol of a name lies, under the demangled name where there is one.
-// Filled on the first query of a read.
+// Finds the address of a symbol by its name, under the demangled name where there is one. Filled on
+// the first query of a read.
 #pragma once
 
 #include "container/IElfSymbolMap.h"
@@ -12,7 +12,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// How far a symbol is known, the more the better.
+/// How far a symbol is visible; the widest reach wins.
 enum class SymbolReach : std::uint8_t {
     /// To its own file only.
     File,
@@ -21,21 +21,21 @@ enum class SymbolReach : std::uint8_t {
     All,
 };
 
-/// Where the symbol of a name lies: those bits of its value that count.
+/// Where the symbol of a name lies: the bits of its value that count.
 struct VElfSymbolAddress {
     std::uint64_t mAddress = 0;
     /// Always `All` in the classic manner, which doesn't ask.
     SymbolReach mReach = SymbolReach::All;
     /// Several symbols of this name and reach lie at different addresses.
     bool mIsAmbiguous = false;
-    /// Source file of a symbol that only its own file knows; null if the table doesn't tell it.
+    /// Source file of a symbol that only its own file knows; null if the table doesn't name it.
     /// Points into the string table buffer.
     const char* mSourceFile = nullptr;
 };
 
-/// Symbol addresses by name. In the classic manner the last symbol of a name wins; in the full one
-/// that which is known farthest, and the name gives no address if there are several. There, symbols
-/// of source files are no addresses, but the files of the local symbols behind them.
+/// Symbol addresses by name. In the classic manner the last symbol of a name wins. In the full one
+/// the widest reach wins, unless its symbols lie at several addresses; and symbols of source files
+/// give no address, but name the file of the local symbols after them.
 class VElfSymbolNamesMap final : public IElfSymbolMap {
 public:
     explicit VElfSymbolNamesMap(ReadingManner manner = ReadingManner::Classic)
@@ -44,18 +44,18 @@ public:
     /// Classic manner: files the symbol under its demangled name, or its raw name where there is
     /// none. Full manner: under its name without version, and under the demangled one as well.
     void AddSymbol(const Elf32_Sym& symbol) override;
-    /// How long the names may be together follows from the size of their file; 0 at the start.
+    /// Sets the file's size in bytes, which limits the long names together; 0 at the start.
     void SetFileSize(std::int64_t fileSize) { mLongNames = LongTextAllowance(fileSize); }
     /// Releases all entries; the initialised flag stays.
     void Clear() override;
     void DeleteAll() { Clear(); }
-    /// Releases all entries, to be filled again when a name is looked for.
+    /// Releases all entries; the next lookup of a name fills the map again.
     void Restart() {
         Clear();
         mIsInitialized = false;
     }
 
-    /// The address record of exactly this name, null if there is none. Ends with `Clear`.
+    /// The address record of exactly this name, null if there is none. Valid until `Clear`.
     const VElfSymbolAddress* FindByName(const char* name) const;
 
     /// Whether the map has been filled, or filling it has been tried, for this file.
@@ -73,7 +73,7 @@ private:
     /// Source file of the local symbols that come next.
     const char* mSourceFile = nullptr;
     bool mIsInitialized = false;
-    // Records of names that came again stay here unreachable until the map is emptied.
+    // When a name comes again, its old record stays here, unreachable, until the map is emptied.
     std::deque<VElfSymbolAddress> mAddresses;
 };
 

@@ -11,12 +11,12 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Collects the sections of one file. More than 65536 are not kept: no linked image has them, and
-/// headers that lie over each other can claim any number.
+/// Collects the sections of one file, at most 65536: no linked image has more, and overlapping
+/// headers can claim any number.
 class VImageSections {
 public:
     /// Adds a section of an ELF file if it is allocated (System V ABI, `SHF_ALLOC`).
-    /// @param bytesPerAddress bytes that the target counts as one; sizes are in bytes all the same
+    /// @param bytesPerAddress bytes at one target address; sizes are in bytes all the same
     void AddElfSection(std::string_view name, const Elf64_Shdr& section,
                        std::uint32_t bytesPerAddress);
     /// Adds a section of a TI COFF file if it is loaded. Address and size are in bytes.

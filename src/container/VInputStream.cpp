@@ -23,7 +23,7 @@ constexpr std::uint64_t sLeadingBytes = 128;
 
 int VInputStream::Open(const std::string& name) {
     const std::filesystem::path path = PathToOpen(name);
-    // Some systems open a directory like a file and fail at the first read only.
+    // Some systems open a directory like a file, and fail only at the first read.
     std::error_code ignored;
     const std::filesystem::file_status status = std::filesystem::status(path, ignored);
     if (std::filesystem::is_directory(status)) {

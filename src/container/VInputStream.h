@@ -1,5 +1,5 @@
 // The stream behind an input file: positioned reads of bytes, and nothing else. It knows no format
-// and sets no error state; its users tell what a failure means. Small reads close to each other, as
+// and sets no error state; its users know what a failure means. Small reads close to each other, as
 // the walk over unit headers makes them by the million, are served from one read of the file. A
 // file that a host holds in memory is read where it lies.
 #pragma once
@@ -26,13 +26,13 @@ public:
     /// @param content not null
     void Open(FileContent content);
 
-    /// Length of the file, -1 if the system doesn't tell it.
+    /// Length of the file, -1 if the system can't say.
     std::int64_t Length();
 
     /// Moves to a position, which may lie beyond the end.
     bool Seek(std::uint64_t filePosition);
 
-    /// Reads up to `size` bytes and moves behind them.
+    /// Reads up to `size` bytes and moves past them.
     /// @return the number of bytes read; fewer than `size` at the end of the file or on a fault
     std::size_t Read(void* destination, std::size_t size);
 

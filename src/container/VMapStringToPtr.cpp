@@ -122,8 +122,8 @@ std::uint32_t VMapStringToPtr::HashKey(const char* key) {
     return hash;
 }
 
-// Names of one hash are easily made, and a file may be full of them: a large table needs a hash
-// that spreads them.
+// Names with equal hashes are easy to make, and a file may be full of them: a large table needs a
+// hash that spreads them.
 std::uint32_t VMapStringToPtr::FilingHash(const char* key) const {
     return mIsGrown ? static_cast<std::uint32_t>(std::hash<std::string_view>()(key)) : HashKey(key);
 }

@@ -35,7 +35,7 @@ struct alignas(std::max_align_t) VMPlex {
 /// the old one.
 class VMapStringToPtr {
 public:
-    /// Place in an enumeration: 0 behind the last entry, -1 before the first one.
+    /// Place in an enumeration: 0 after the last entry, -1 before the first one.
     using Position = std::intptr_t;
 
     static constexpr Position kStartPosition = -1;
@@ -70,7 +70,7 @@ public:
 
     /// Gives the entry at a position and moves on to the next. The order means nothing. A key that
     /// is added while an enumeration is under way may make it miss entries or meet them twice.
-    /// Behind the last entry, key and value are null and the position stays.
+    /// After the last entry, key and value are null and the position stays.
     /// @param position from `GetStartPosition` of this map or the previous call; ends with
     ///     `RemoveAll`
     /// @param key the map's own text, which lives as long as the entry

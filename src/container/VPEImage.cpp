@@ -14,7 +14,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 constexpr std::uint16_t sMark = 0x5A4D;
-/// File position of the field that tells where the PE signature lies, and the end of that field.
+/// File position of the field that says where the PE signature lies, and the end of that field.
 constexpr std::uint64_t sSignatureField = 0x3C;
 constexpr std::uint64_t sDosHeaderSize = 64;
 
@@ -57,7 +57,7 @@ constexpr std::uint64_t sSymbolSize = 18;
 constexpr std::uint16_t sMachineX86_64 = 0x8664;
 constexpr std::uint16_t sDllFlag = 0x2000;
 
-/// Storage classes of symbols, and the bit of the type that tells functions.
+/// Storage classes of symbols, and the bit of the type that marks functions.
 constexpr std::uint8_t sClassExternal = 2;
 constexpr std::uint8_t sClassStatic = 3;
 constexpr std::uint16_t sFunctionType = 0x20;
@@ -68,7 +68,7 @@ constexpr std::size_t sShortNameSize = 8;
 /// Value of `sh_name` that marks a record as present.
 constexpr std::uint32_t sPresentName = 0xFFFFFFFF;
 
-/// Reads a section name of the form "/123", the offset of the name proper in the string table.
+/// Reads a section name of the form "/123", the offset of the full name in the string table.
 bool IsNameOffset(std::string_view name, std::uint32_t& offset) {
     if (!name.starts_with('/')) {
         return false;
@@ -125,7 +125,7 @@ bool VPEImage::Is64Bit() const {
 
 DataModel::ImageSection VPEImage::PlacedSection(std::size_t index) const {
     const Elf64_Shdr& section = mSections[index];
-    // Addresses of a DLL are told without its base.
+    // Addresses of a DLL are delivered relative to its base.
     return {.name = {},
             .address = section.sh_addr + (mIsDll ? 0 : mHeaderImageBase),
             .size = section.sh_size,

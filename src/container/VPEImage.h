@@ -1,6 +1,6 @@
 // A Windows image as it lies in its file: the section headers and the COFF symbols (Microsoft PE
 // and COFF Specification). `VElfFile` holds one and takes the section records and the symbols from
-// it; the contents of sections are none of its business.
+// it. The image doesn't look at the contents of sections.
 #pragma once
 
 #include "container/ElfRecords.h"
@@ -46,7 +46,7 @@ public:
     bool ReadSymbolNames(IElfSymbolMap& map);
 
 private:
-    /// A name of the symbol table's own eight bytes, terminated.
+    /// A name that fits in its symbol entry, which has room for eight bytes; terminated.
     using ShortName = std::array<char, 9>;
 
     [[nodiscard]] bool Is64Bit() const;
@@ -78,7 +78,7 @@ private:
     std::vector<Elf64_Shdr> mSections;
     /// Names of `mSections`, each in the file.
     std::vector<std::string_view> mSectionNames;
-    /// What the headers of `mSections` tell beyond those.
+    /// What else the headers of `mSections` say.
     struct SectionFacts {
         std::uint32_t fileSize = 0;
         std::uint32_t characteristics = 0;

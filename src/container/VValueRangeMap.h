@@ -38,7 +38,7 @@ public:
 
     /// Searches for a start.
     /// @param index if not null, takes the index of the range of this start, or else of the first
-    ///     range behind it, or else the count; -1 if the map is empty
+    /// range after it, or else the count; -1 if the map is empty
     /// @return the range at that index, which need not have this start; null if there is none. It
     ///     belongs to the map and holds until the next change.
     const Range* Find(K start, std::int32_t* index) const;
@@ -48,7 +48,7 @@ public:
     /// another range starts there.
     [[nodiscard]] V FindElement(K position, std::uint32_t length) const;
 
-    /// Orders the ranges by start; for those who changed elements in place.
+    /// Orders the ranges by start, for callers that changed elements in place.
     void Sort();
 
 private:

@@ -1,5 +1,5 @@
-// A whole file in memory. It is read, not mapped: a mapping follows what others do to the file, and
-// one whose file shrinks ends the process. It sets no error state.
+// A whole file in memory. It is read, not mapped: others may change a mapped file, and access to
+// one that shrank ends the process. It sets no error state.
 #pragma once
 
 #include "core/FileContent.h"
@@ -29,7 +29,7 @@ public:
 private:
     std::unique_ptr<std::uint8_t[]> mBytes;
     FileContent mContent;
-    /// What of the two holds the file.
+    /// The file's bytes, in whichever of the two holds them.
     std::span<const std::uint8_t> mView;
 };
 

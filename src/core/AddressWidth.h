@@ -1,4 +1,4 @@
-// How much of an address counts: from the file over symbols and locations to the host.
+// How many bits of an address count, from the file through symbols and locations to the host.
 #pragma once
 
 #include "core/ReadingManner.h"

@@ -12,7 +12,7 @@ thread_local bool sIsSilent = false;
 } // namespace
 
 std::ostream& ConsoleOutput() {
-    // A stream without a buffer fails with the first write and takes nothing from then on.
+    // A stream without a buffer fails at the first write and drops everything after it.
     thread_local std::ostream sNowhere(nullptr);
     return sIsSilent ? sNowhere : std::cout;
 }

@@ -1,5 +1,5 @@
-// Where the reader writes the lines that go to standard output: that a file can't be opened or
-// read. A host whose standard output is its own turns them off for its thread.
+// The reader's lines on standard output: that a file can't be opened or read. A host that needs
+// standard output for itself silences them for its thread.
 #pragma once
 
 #include <iosfwd>

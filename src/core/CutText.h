@@ -1,4 +1,4 @@
-// Reading of terminated texts up to a limit.
+// Reads terminated texts up to a length limit.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The first `limit` characters of a terminated text, or all of it. Looks at no byte behind that.
+/// The first `limit` characters of a terminated text, or all of it. Reads no byte beyond those.
 inline std::string_view CutText(const char* text, std::size_t limit) {
     const void* terminator = std::memchr(text, 0, limit);
     return {text, terminator != nullptr

@@ -1,4 +1,4 @@
-// The codes of the reader's error state. Their texts stand in the catalogue of
+// The codes of the reader's error state. Their texts are in the catalogue of
 // `VElfResourceManager`.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What the shared library shows to its users.
+// What the shared library exports.
 #pragma once
 
 /// Marks a class or function of the public headers. All else is hidden in the shared library.

@@ -12,12 +12,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// True where paths are wide, which is on Windows. The functions for such paths are templates, so
-/// that nothing of them is compiled elsewhere.
+/// True on Windows, where paths are wide. The functions for wide paths are templates, so that other
+/// systems don't compile them.
 constexpr bool sArePathsWide = std::is_same_v<fs::path::value_type, wchar_t>;
 
-/// A folder has to leave room for the short name of a file, so that its path ends earlier than that
-/// of a file, which may have 259 characters.
+/// The path of a folder must leave room for a short file name, so that its limit is below the 259
+/// characters of a file's path. This one fits both.
 constexpr std::size_t sLongestUsualPath = 247;
 
 template <typename Character>
@@ -25,7 +25,7 @@ constexpr bool IsSeparator(Character character) {
     return character == L'/' || character == L'\\';
 }
 
-/// True for `\\server\share\...`, and for `\\?\` and `\\.\`, which speak to the system.
+/// True for `\\server\share\...`, and for `\\?\` and `\\.\`, which Windows takes unchanged.
 template <typename Path>
 bool HasTwoSeparators(const Path& path) {
     const auto& text = path.native();
@@ -38,7 +38,7 @@ bool SpeaksToSystem(const Path& path) {
     return HasTwoSeparators(path) && (text[2] == L'?' || text[2] == L'.');
 }
 
-/// `path` behind its two separators, in its normal spelling.
+/// `path` after its two leading separators, in its normal spelling.
 template <typename Path>
 Path BehindTwoSeparators(const Path& path) {
     return Path(path.native().substr(2)).lexically_normal();

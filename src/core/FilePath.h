@@ -1,5 +1,5 @@
-// The border between paths as the interfaces have them, which are texts, and those of the system.
-// On Windows a text is UTF-8 and the system's path is wide; elsewhere both are the same bytes.
+// Converts between the paths of the interfaces, which are texts, and the system's. On Windows a
+// text is UTF-8 and the system's path is wide; elsewhere both are the same bytes.
 #pragma once
 
 #include "../core/Export.h"
@@ -10,7 +10,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// A path for taking apart. Text that isn't UTF-8 is read as Windows-1252 where the system needs
+/// A path to take apart. Text that isn't UTF-8 is read as Windows-1252 where the system needs
 /// UTF-8.
 BRINDLE_EXPORT std::filesystem::path PathOfText(std::string_view text);
 
@@ -21,8 +21,8 @@ BRINDLE_EXPORT std::filesystem::path PathToOpen(std::string_view text);
 /// The text of a path.
 BRINDLE_EXPORT std::string TextOfPath(const std::filesystem::path& path);
 
-/// One spelling for all paths that differ in `.`, `..` and doubled separators. The two separators
-/// in front of the name of a Windows server stay two.
+/// One spelling for all paths that differ only in `.`, `..` and doubled separators. The two
+/// separators before the name of a Windows server stay.
 BRINDLE_EXPORT std::filesystem::path NormalPath(const std::filesystem::path& path);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

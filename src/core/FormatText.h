@@ -1,10 +1,10 @@
-// Text by a printf format, of any length.
+// Formats text as printf does, of any length.
 #pragma once
 
 #include <cstdarg>
 #include <string>
 
-/// Lets the compiler check calls of a function against the format that it takes: the places of the
+/// Lets the compiler check the calls of a printf-like function. Parameters: the positions of its
 /// format and of its first argument, counted from 1; 0 for a `va_list`.
 #if defined(__GNUC__)
 #define BRINDLE_PRINTF_LIKE(formatPlace, argumentPlace)                                            \
@@ -15,7 +15,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The text that a format of `std::printf` makes of the arguments.
+/// Formats the arguments as `std::printf` does.
 BRINDLE_PRINTF_LIKE(1, 0)
 std::string FormatText(const char* format, std::va_list arguments);
 

@@ -15,7 +15,7 @@ HashSlots::HashSlots()
     , mMask(sFirstSlotCount - 1) {}
 
 void HashSlots::Add(std::uint64_t hash, std::uint32_t position) {
-    // At most two thirds full: a search that finds nothing then stays within a few slots.
+    // At most two thirds full: an unsuccessful search then looks at 5 slots on average.
     if (3 * (mCount + 1) > 2 * mSlots.size()) {
         Grow();
     }

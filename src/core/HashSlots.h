@@ -1,5 +1,5 @@
-// An open-addressing table that finds positions in a list that its owner keeps: of names, of keys,
-// of groups of types. It never sees a key, so the owner compares.
+// A hash table (open addressing) of positions in a list that its owner keeps, such as one of names,
+// keys or groups of types. It never sees a key: the owner compares.
 #pragma once
 
 #include <cstddef>
@@ -30,8 +30,8 @@ public:
     void Add(std::uint64_t hash, std::uint32_t position);
 
 private:
-    /// The tag is the lower half of the hash: it tells the slot as well, so that a larger table can
-    /// be filled without the keys.
+    /// The tag is the lower half of the hash. It also gives the slot, so that a larger table can be
+    /// filled without the keys.
     struct Slot {
         std::uint32_t tag = 0;
         std::uint32_t position = 0;

@@ -1,5 +1,5 @@
-// The border between narrow text, which is bytes as a file or the catalogue has them, and host
-// text, which is UTF-8.
+// Converts narrow text, which is bytes as a file or the catalogue has them, to host text, which is
+// UTF-8.
 #pragma once
 
 #include "../core/Export.h"
@@ -14,7 +14,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// leaves undefined become the control characters of the same number.
 BRINDLE_EXPORT std::string ToHostText(std::string_view narrowText);
 
-/// The same into a text that is at hand already.
+/// Assigns host text to an existing string, whose memory is used again.
 BRINDLE_EXPORT void AssignHostText(std::string& text, std::string_view narrowText);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -13,7 +13,7 @@ constexpr std::size_t sWordSize = sizeof(std::uint64_t);
 
 using Block = std::array<std::uint64_t, 4>;
 
-/// Shorter texts are hashed as fast word by word.
+/// Length in bytes below which hashing word by word is as fast.
 constexpr std::size_t sShortestInBlocks = 2 * sizeof(Block);
 
 std::uint64_t HashOfWords(std::string_view text, std::uint64_t hash) {
@@ -27,8 +27,8 @@ std::uint64_t HashOfWords(std::string_view text, std::uint64_t hash) {
     return hash;
 }
 
-/// Each word of a block has a lane of its own, since a step of a lane waits for the one before. The
-/// last block ends with the text, and may repeat some of the block before.
+/// Each word of a block has its own lane: a step of a lane waits for the step before it, and four
+/// lanes run in parallel. The last block ends with the text and may overlap the block before.
 std::uint64_t HashOfBlocks(std::string_view text, std::uint64_t hash) {
     Block lanes{};
     for (std::size_t lane = 0; lane < lanes.size(); ++lane) {

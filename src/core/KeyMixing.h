@@ -1,6 +1,6 @@
-// Hash functions for tables of the library. Keys come from the file that is read, so that every
-// hash depends on a number drawn once per process: no file can be made whose keys collide. Nothing
-// that a host sees depends on a hash.
+// Hash functions for tables of the library. Keys come from the input file; every hash depends on a
+// number drawn once per process, so that nobody can craft a file whose keys collide. Nothing that a
+// host sees depends on a hash.
 #pragma once
 
 #include <cstddef>
@@ -24,14 +24,14 @@ std::uint64_t ProcessSeed();
 /// Hash of a text, any bytes.
 std::uint64_t HashOfText(std::string_view text, std::uint64_t seed);
 
-/// Hash of texts that begin alike: what they have in common is hashed once.
+/// Hashes texts with a common prefix, and the prefix only once.
 class HashOfGrowingText {
 public:
     HashOfGrowingText() = default;
-    /// @param start what all texts begin with
+    /// @param start the common prefix
     HashOfGrowingText(std::string_view start, std::uint64_t seed);
 
-    /// Hash of a whole text that begins with the start. It doesn't depend on how much the start is.
+    /// Hash of a whole text that begins with the prefix, whatever the prefix's length.
     [[nodiscard]] std::uint64_t Continued(std::string_view text) const;
 
 private:
@@ -39,7 +39,7 @@ private:
     std::size_t mLength = 0;
 };
 
-/// The same for tables of the standard library, whose own hash of a number is the number.
+/// Seeded hash for standard containers, whose own hash of a number is the number itself.
 struct SeededHash {
     std::size_t operator()(std::uint64_t number) const {
         return static_cast<std::size_t>(Mix(number ^ ProcessSeed()));

@@ -1,6 +1,6 @@
-// A bound on the long texts that one file may have together. Texts are shared in a file: any number
-// of entries or symbols may name the same one, or ends of the same one, and each would be looked
-// through, copied and delivered.
+// A limit on the long texts of one file together. A file shares texts: any number of entries or
+// symbols may name one text, or start at different places in it. Without a limit, a small file
+// could make the reader scan, copy and deliver gigabytes.
 #pragma once
 
 #include "core/CutText.h"
@@ -12,11 +12,11 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Characters that the long texts of a file may still have: 16 MiB, and 16 for each byte of the
-/// file. In a file that a linker wrote, long texts have far less.
+/// Characters left for the long texts of a file: at first 16 MiB, and 16 for each byte of the file.
+/// The long texts of a file that a linker wrote need far less.
 class LongTextAllowance {
 public:
-    /// Texts up to this length are never cut, and cost nothing of the allowance.
+    /// Texts up to this length are never cut and use nothing of the allowance.
     static constexpr std::size_t kShortTextLength = 255;
 
     LongTextAllowance() = default;
@@ -24,8 +24,8 @@ public:
         : mLeft(sAlwaysAllowed +
                 sPerFileByte * static_cast<std::size_t>(std::max<std::int64_t>(fileSize, 0))) {}
 
-    /// The first `limit` characters of a terminated text, or all of it; when the allowance is used
-    /// up, the first 255.
+    /// The first `limit` characters of a terminated text, or all of it; once the allowance is used
+    /// up, at most the first 255.
     std::string_view Cut(const char* text, std::size_t limit) {
         const std::string_view cut =
             CutText(text, std::min(limit, std::max(kShortTextLength, mLeft)));

@@ -1,4 +1,4 @@
-// What is known of the module that the input file will be loaded as.
+// What a host knows of the module that is loaded from the input file.
 #pragma once
 
 #include "../core/Export.h"

@@ -21,7 +21,7 @@ struct ParsedNumber {
     std::uint64_t magnitude = 0;
 };
 
-/// A number in decimal or, behind 0x, hexadecimal, with a sign if it is negative.
+/// A number in decimal, or in hexadecimal after 0x; with a sign if it is negative.
 std::optional<ParsedNumber> ParseNumber(std::string_view text) {
     ParsedNumber number;
     number.isNegative = text.starts_with('-');

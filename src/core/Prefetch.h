@@ -1,8 +1,8 @@
-// A hint to the processor, for walks over memory that it can't foresee.
+// A prefetch hint, for walks over memory that the processor can't predict.
 #pragma once
 
-/// Stands before functions that do nothing but prefetch: compilers leave calls of them out, since
-/// they see no effect.
+/// Stands before functions that only prefetch. Compilers see no effect in such a function and would
+/// drop its calls; inlined, the hint stays.
 #if defined(__GNUC__)
 #define BRINDLE_FETCHES __attribute__((always_inline)) inline
 #else
@@ -11,7 +11,7 @@
 
 namespace Tessel::Norn::Brindle {
 
-/// Has the memory at any address brought near, while the program goes on. Changes nothing else.
+/// Prefetches the cache line of an address, which need not be valid. Changes nothing else.
 BRINDLE_FETCHES void Prefetch([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
     __builtin_prefetch(address);

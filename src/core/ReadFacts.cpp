@@ -10,7 +10,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// A sound file has a few; a damaged one may have one for each unit.
+/// A sound file has a few groups; a damaged one may have one for each unit.
 constexpr std::size_t sMostGroups = 64;
 constexpr std::size_t sLongestProducer = 1023;
 

@@ -1,4 +1,4 @@
-// What a read found in a file apart from what it delivered: counts that tell a person what kind of
+// What a read found in a file besides what it delivered: counts that show a person what kind of
 // file it is.
 #pragma once
 
@@ -13,12 +13,12 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// The units of one version of DWARF in one language.
 struct UnitGroup {
-    /// Of the unit's header.
+    /// Version in the unit's header.
     std::int32_t version = 0;
-    /// As `DW_AT_language` has it (DWARF 5, 7.12); 0 if the units don't tell it, and in the classic
+    /// Value of `DW_AT_language` (DWARF 5, 7.12); 0 if the units have none, and in the classic
     /// manner of reading.
     std::uint32_t language = 0;
-    /// Units of both.
+    /// Units of this version and language.
     std::uint32_t count = 0;
 };
 
@@ -30,7 +30,7 @@ struct ProducerCount {
     std::uint32_t count = 0;
 };
 
-/// The facts of one read. All are 0 or empty where the read failed before it came to them.
+/// The facts of one read. All are 0 or empty if the read failed before it came to them.
 class BRINDLE_EXPORT ReadFacts {
 public:
     /// Compile units that were read, partial and skeleton units among them, by version and
@@ -42,15 +42,15 @@ public:
     [[nodiscard]] std::uint32_t TypeUnits() const { return mTypeUnits; }
     /// Debug entries that were visited, those that end a list included.
     [[nodiscard]] std::uint64_t Entries() const { return mEntries; }
-    /// Entries of the symbol table by the headers of the file, those of functions and sections
+    /// Entries of the symbol table as the headers of the file count them, functions and sections
     /// included.
     [[nodiscard]] std::uint64_t Symbols() const { return mSymbols; }
 
-    /// @name What the reader tells
+    /// @name What the reader reports
     /// @{
 
     /// A compile unit was read.
-    /// @param producer empty if it tells none
+    /// @param producer empty if the unit names none
     void AddUnit(std::int32_t version, std::uint32_t language, std::string_view producer);
     /// A type unit was read.
     void AddTypeUnit() { ++mTypeUnits; }
@@ -69,7 +69,7 @@ private:
     std::uint64_t mSymbols = 0;
 };
 
-/// The name of a language such as "C11"; empty for a number that is none.
+/// The name of a language, such as "C11"; empty for an unknown number.
 /// @param language value of `DW_AT_language`
 BRINDLE_EXPORT std::string_view LanguageName(std::uint32_t language);
 

@@ -1,5 +1,5 @@
-// What a read passed over, for the user of the file: a read that ends well may still leave out what
-// it has no way to take.
+// What a read skipped, for the user of the file: even a read that ends well may leave out what the
+// reader can't take.
 #pragma once
 
 #include "../core/Export.h"
@@ -12,7 +12,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Why something was passed over.
+/// Why something was skipped.
 enum class ReadRemarkKind : std::uint8_t {
     /// Debug sections are compressed.
     CompressedSections,
@@ -20,7 +20,7 @@ enum class ReadRemarkKind : std::uint8_t {
     SplitUnits,
     /// The file has no addresses yet.
     RelocatableObject,
-    /// Names stand in a supplementary file.
+    /// Names are in a supplementary file.
     SupplementaryFile,
     /// Units are of a version, or of a type, that isn't read.
     UnitsNotRead,
@@ -43,24 +43,24 @@ struct ReadRemark {
 /// makes any.
 class BRINDLE_EXPORT ReadRemarks {
 public:
-    /// The remarks; the view ends with the next change.
+    /// The remarks; the view is valid until the next one is added.
     [[nodiscard]] std::span<const ReadRemark> All() const { return mRemarks; }
     /// True if there is a remark of this kind.
     [[nodiscard]] bool Has(ReadRemarkKind kind) const;
 
-    /// @name What the reader tells
+    /// @name What the reader reports
     /// @{
 
-    /// A section is compressed. One stands for all: that of the debug entries, else the first one.
+    /// A section is compressed. One is reported: that of the debug entries, else the first.
     void AddCompressedSection(std::string_view section);
-    /// Of all units so many have their entries in other files.
+    /// `count` of the `total` units have their entries in other files.
     void AddSplitUnits(std::uint32_t count, std::uint32_t total);
     /// The file isn't linked yet.
     void AddRelocatableObject();
-    /// Names stand in another file.
+    /// Names are in another file.
     /// @param file its name as this file has it
     void AddSupplementaryFile(std::string_view file);
-    /// Of all units so many are of a version of DWARF, or of a type in it, that isn't read.
+    /// `count` of the `total` units are of a version of DWARF, or a type in it, that isn't read.
     void AddUnitsNotRead(std::int32_t version, std::uint32_t count, std::uint32_t total);
 
     /// @}

@@ -8,11 +8,11 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// What is made of what a file says. `docs/full-reading.md` lists the differences.
+/// How the contents of a file are understood. `docs/full-reading.md` lists the differences.
 enum class ReadingManner : std::uint8_t {
-    /// As hosts of long standing rely on.
+    /// The reading that long-standing hosts rely on.
     Classic,
-    /// Also takes what compilers of today write by default.
+    /// Also reads what compilers of today write by default.
     Full,
 };
 

@@ -1,6 +1,6 @@
-// All settings of the reader, and the run state that is kept beside them. They are class variables
-// of `VElfFile`, which derives from this class; code that needs a setting and no file uses this
-// one.
+// All settings of the reader, and the run state beside them. They are class variables of
+// `VElfFile`, which derives from this class; code that needs a setting but no file uses this
+// class.
 #pragma once
 
 #include "../core/Export.h"
@@ -13,21 +13,21 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The options, process-wide and unprotected. A host assigns them before `VDWARFReader::Read`; they
-/// survive from one read to the next.
+/// The options, process-wide and without locks. A host assigns them before `VDWARFReader::Read`;
+/// they keep their values from one read to the next.
 class BRINDLE_EXPORT VElfOptions {
 public:
     /// @name Options
     /// @{
 
-    /// Manner of reading. 0: the classic reading, which hosts of long standing rely on; non-zero:
-    /// the full reading, which also takes what compilers of today write by default.
+    /// Manner of reading. 0: the classic reading, which long-standing hosts rely on; non-zero: the
+    /// full reading, which also reads what compilers of today write by default.
     static inline std::int32_t mIsFullReading = 0;
-    /// 1: read the symbol table only, no debug section; 2: read the symbol table in every container
-    /// after the debug sections; else: as the container asks for.
+    /// 1: read only the symbol table, no debug section; 2: read the symbol table in every container
+    /// after the debug sections; else: as is usual for the container.
     static inline std::int32_t mElfForceSymbolTable = 0;
     /// Which debug sections are read. 0: the first present of `.debug_info`, `.debug`, `.vdebug`;
-    /// 1, 2, 3: `.debug`, `.debug_info`, `.vdebug` alone; -1: every present one; else none.
+    /// 1, 2, 3: only `.debug`, `.debug_info`, `.vdebug`; -1: every present one; else none.
     static inline std::int32_t mForceDebugSectionVersion = 0;
     /// Read-ahead window of the compile unit mapping in bytes; 0: none.
     static inline std::int32_t mElfFileReadBufferSize = 0;
@@ -40,7 +40,7 @@ public:
     static inline std::int32_t mRemoveLeadingUnderscore = 0;
     /// 2 or more: delivered symbol names are demangled.
     static inline std::int32_t mDemangleSymTabNames = 1;
-    /// 2 or more: delivered symbol names are demangled.
+    /// 2 or more: delivered symbol names are demangled, as by `mDemangleSymTabNames`.
     static inline std::int32_t mFixClassNameScopeSepar = 0;
     /// Settings of the demangler for symbol names.
     static inline VDemanglingOptions mDemanglingOptions;
@@ -76,7 +76,7 @@ public:
     static inline std::ofstream mLogFile;
     /// Path of the last log that was opened.
     static inline std::string mLogFileName;
-    /// The dump of the node tree is passed over while this is set. Cleared with each new log.
+    /// While this is set, the node tree isn't dumped. Cleared with each new log.
     static inline bool mIsLoggingPaused = false;
     /// Indentation of the indented log lines.
     static inline std::int8_t mLogNestLevel = 0;

@@ -1,4 +1,4 @@
-// The catalogue of error texts in English and German, and the language that is in force.
+// The catalogue of error texts in English and German, and their current language.
 #pragma once
 
 #include "core/ELFReadErrorEnum.h"
@@ -17,10 +17,10 @@ public:
     /// The one instance, made on first use; it lives to the end of the process.
     static VElfResourceManager& Instance();
 
-    /// Sets the language of the texts, as telephone country code: 49 is German, every other value
-    /// reads English. Applies to the next `GetText`.
+    /// Sets the language of the texts by telephone country code: 49 is German, any other value
+    /// English. Applies from the next `GetText` on.
     void SetLanguage(std::int32_t language);
-    /// True if texts are German, as those of remarks are then, too.
+    /// True if texts are German; the texts of remarks follow.
     [[nodiscard]] bool IsGerman() const;
 
     /// The text of a code in the current language, UTF-8. A code without text gives an English

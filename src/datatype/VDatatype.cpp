@@ -25,8 +25,8 @@ char UpperCase(char character) {
     return static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
 }
 
-/// The number behind "BIT", read as the C library reads unsigned numbers; 8 if there is none, and
-/// 0 for one that is no width.
+/// The number after "BIT", read as the C library reads unsigned numbers; 8 if there is none, and 0
+/// if it is no valid width.
 std::int32_t WidthBehindBit(const char* text) {
     constexpr std::string_view sPrefix = "BIT";
     if (!std::string_view(text).starts_with(sPrefix)) {

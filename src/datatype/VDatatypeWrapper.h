@@ -1,4 +1,4 @@
-// The datatype as an object of the host, for code that knows `IDataType` alone.
+// The datatype as an object of the host, for code that knows only `IDataType`.
 #pragma once
 
 #include "../core/Export.h"

@@ -23,8 +23,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 BRINDLE_EXPORT bool DemangleName(char* out, int outSize, const char* name, int length,
                                  bool& demangled, const VDemanglingOptions& options);
 
-/// False for a name that `DemangleName` reads as no mangled one, told at a glance; true for most of
-/// the others alone.
+/// A quick test: false if `DemangleName` certainly finds no mangled name here. It may be true for a
+/// name that isn't mangled.
 BRINDLE_EXPORT bool MayBeMangled(std::string_view name, const VDemanglingOptions& options);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

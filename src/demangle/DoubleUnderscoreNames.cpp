@@ -54,8 +54,8 @@ bool IsKept(char character, const VDemanglingOptions& options) {
     return false;
 }
 
-/// False if the parser could only copy the name unchanged. Most names are such, and this look at
-/// them spares the clearing of the work area.
+/// False if the parser could only copy the name unchanged. Most names are like that, and checking
+/// first saves clearing the work area.
 bool IsWorthParsing(std::string_view name, const VDemanglingOptions& options) {
     char previous = '\0';
     for (const char character : name) {
@@ -74,8 +74,8 @@ enum class FrameState : std::uint8_t {
     Finished   ///< jumps to the frame's end
 };
 
-/// A part of the name that is read in one way. The end may lie behind that of the name, where a
-/// length promises more than there is.
+/// A part of the name that is read in one way. Its end may lie beyond the end of the name, if a
+/// length promises more characters than there are.
 struct Frame {
     FrameState state = FrameState::Scanning;
     std::size_t end = 0;
@@ -319,7 +319,7 @@ private:
         ++mPosition;
     }
 
-    /// The last byte of a segment stays its terminator: what comes behind a full one is dropped.
+    /// The last byte of a segment stays its terminator: characters that don't fit are dropped.
     void Put(char character) {
         if (mWritePosition + 1 < sSegmentSize) {
             mSegments[mSegment][mWritePosition++] = character;

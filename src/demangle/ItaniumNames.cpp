@@ -27,7 +27,7 @@ bool IsQualifier(char character) {
     return character == 'K' || character == 'V';
 }
 
-/// Position behind the qualifiers of a nested name of at least `sShortestName` characters.
+/// Position after the qualifiers of a nested name of at least `sShortestName` characters.
 std::size_t FindStartBehindQualifiers(std::string_view name) {
     if (!IsQualifier(name[3])) {
         return 3;

@@ -24,7 +24,7 @@ int ParseNameLength(std::string_view text, std::size_t room, int& digits);
 /// length is compared with, so an accepted name may reach beyond `end` by their number.
 /// @param digits receives the number of digits, whether their value is taken or not
 /// @return the value if it is less than 1025 and not above `end - text`, else 0; 0 if there is no
-///         digit, or if `text` lies behind `end`
+///     digit, or if `text` lies after `end`
 int ParseNameLength(const char* text, const char* end, int& digits);
 
 /// Appends a text to a terminated one and terminates the result. What doesn't fit is left out; a

@@ -39,7 +39,7 @@ std::string LogFileName(const std::string& inputPath) {
     return TextOfPath(path.parent_path() / PathOfText(fileName + ".log"));
 }
 
-/// Writing beside the results must not destroy the file that is about to be read.
+/// Opening a file for writing must not destroy the input that is about to be read.
 bool IsSameFile(const std::string& first, const std::string& second) {
     const std::filesystem::path firstPath = PathToOpen(first);
     const std::filesystem::path secondPath = PathToOpen(second);

@@ -27,7 +27,7 @@ void CloseLogFile();
 bool OpenDiagnosticFile(std::ofstream& file, const std::string& name, const std::string& inputPath,
                         std::ios::openmode mode);
 
-/// Writes one line. Like its two sisters it does nothing unless `mIsLogFile` is set and the log is
+/// Writes one line. This and the next two do nothing unless `mIsLogFile` is set and the log is
 /// open; callers guard expensive arguments themselves.
 BRINDLE_PRINTF_LIKE(1, 2) void elflog(const char* format, ...);
 

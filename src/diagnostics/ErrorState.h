@@ -17,8 +17,8 @@ void SetErrorState(ELFReadErrorEnum code);
 /// Stores the code for an operation that fails with it. Always false.
 bool Fail(ELFReadErrorEnum code);
 
-/// True if the last error is a lack of memory. What a damaged file may lack without harm must not
-/// be missing for this reason: the result would look whole and not be.
+/// True if the last error is out of memory. A part that a damaged file may lack without harm must
+/// not be left out for this reason: the result would look complete and not be.
 bool IsOutOfMemory();
 
 /// Gives the text of the current error state in the current language, UTF-8.

@@ -6,9 +6,9 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// Scalar type of a base entry type, as the host receives it. Values from 0 to 18.
-/// The width of an integer is part of the value. Integers of other widths come as `Double` in the
-/// classic reading, as `Long` and `UnsignedLong` in the full one; their length tells the width.
+/// Scalar type of a base entry type, as the host receives it. Values from 0 to 18. The width of an
+/// integer is part of the value. Integers of other widths come as `Double` in the classic reading,
+/// and as `Long` or `UnsignedLong` in the full one; their length gives the width.
 enum class BasicTypes : std::int32_t {
     NoType = 0,
     Void = 1,

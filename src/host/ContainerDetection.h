@@ -15,10 +15,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// ELF by its magic number and PE by "MZ"; any other content is COFF, which has no magic number of
 /// its own. A file without content, or that can't be read, counts as ELF.
 BRINDLE_EXPORT DWARFContainerType DetectContainer(const std::string& file);
-/// The same for a file in memory, which must not be null.
+/// Detects the container of a file in memory; `content` must not be null.
 BRINDLE_EXPORT DWARFContainerType DetectContainer(const FileContent& content);
 
-/// The name of a container in short: "elf", "coff" or "pe".
+/// The short name of a container: "elf", "coff" or "pe".
 BRINDLE_EXPORT std::string_view ContainerName(DWARFContainerType container);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -12,9 +12,9 @@ class HostDataModel;
 /// current before becomes current again. The model is borrowed and must outlive the scope.
 class BRINDLE_EXPORT CurrentDataModel {
 public:
-    /// Makes the model current. Reads that run already keep theirs.
+    /// Makes the model current. Reads that are running keep theirs.
     explicit CurrentDataModel(HostDataModel& dataModel);
-    /// Makes the model current that was so before, or none.
+    /// Makes the previous model current again, or none.
     ~CurrentDataModel();
     CurrentDataModel(const CurrentDataModel&) = delete;
     CurrentDataModel& operator=(const CurrentDataModel&) = delete;

@@ -5,7 +5,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Container of the input. The host says it; the reader doesn't guess.
+/// Container of the input. The host names it; the reader doesn't guess.
 enum class DWARFContainerType : std::int32_t {
     Container_ELF = 0,
     Container_COFF = 1,

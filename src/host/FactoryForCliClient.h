@@ -6,15 +6,15 @@ namespace Tessel::Norn::Brindle::DataModel::Factory {
 
 class HostDataModel;
 
-/// Holds on to the data model of one read. A host that makes another one current while the read
-/// runs changes nothing for it.
+/// Keeps the data model of one read: a host that makes another one current during the read changes
+/// nothing for it.
 class FactoryForCliClient final {
 public:
     FactoryForCliClient();
 
     /// False if no data model was current when the factory was made.
     [[nodiscard]] bool HasDataModel() const { return mDataModel != nullptr; }
-    /// The data model. Only a factory that has one may be asked.
+    /// The data model. Call it only if `HasDataModel`.
     [[nodiscard]] HostDataModel& GetDataModel() const { return *mDataModel; }
 
 private:

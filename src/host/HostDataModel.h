@@ -25,10 +25,10 @@ using ObjectId = Brindle::DataModel::ObjectId;
 ///
 /// Namespaces, unknown types and the void type of the global namespace are made once for each key:
 /// the reader asks with the Get operation and calls Create only if that gave 0. A variable is made
-/// under a name that is free in its scope. Nothing else is asked for before it is made: base types
-/// of one value in one scope come as often as the file lists them, `int` and `long` of one size for
-/// instance, and so do all objects of one name. A model must not take their keys for unique.
-///
+/// under a name that is free in its scope. For everything else the reader calls Create without
+/// asking: base types of one value in one scope come as often as the file lists them, such as `int`
+/// and `long` of one size, and so do all objects of one name. A model must not take their keys for
+/// unique.
 /// All texts are valid UTF-8. `objIdParentScope` and its like name the enclosing namespace, block
 /// scope, class, compile unit or other scope object. All calls come from the thread of
 /// `VDWARFReader::Read`. An exception passes through the reader to the caller of `Read`; what was
@@ -46,15 +46,15 @@ public:
     HostDataModel& operator=(HostDataModel&&) = delete;
     virtual ~HostDataModel() = default;
 
-    /// Tells what the file's headers say, before anything is delivered; not called for a file whose
-    /// headers can't be read. A model that has no use for it leaves this as it is.
+    /// Describes the file by its headers, before anything is delivered; not called for a file whose
+    /// headers can't be read. A model that has no use for it doesn't override it.
     virtual void DescribeImage(const ImageDescription& /*image*/) {}
 
     /// @name Scopes
     /// @{
 
-    /// The namespace that encloses everything. Never 0 in a working model: without it the reader
-    /// delivers no data of the symbol table.
+    /// The namespace that encloses everything. A model must not return 0: the reader would deliver
+    /// no symbols of the symbol table.
     virtual ObjectId GetGlobalNamespace() = 0;
     /// The namespace of this name in this scope, which an earlier `CreateNamespace` made.
     virtual ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) = 0;
@@ -70,8 +70,8 @@ public:
                                       ObjectId objIdParentScope) = 0;
     /// Spare. The compile unit of this name.
     virtual ObjectId GetCompileUnit(const std::string& compileUnitName) = 0;
-    /// Makes a compile unit. Units of one name and directory are delivered once, unless a damaged
-    /// file has them overlap.
+    /// Makes a compile unit. Units of one name and directory are delivered once, unless they
+    /// overlap in a damaged file.
     /// @param compileUnitName the name of its source as the compiler wrote it
     virtual ObjectId CreateCompileUnit(const std::string& compileUnitName) = 0;
     /// Spare. The compile unit of this name, made if there is none.
@@ -81,11 +81,11 @@ public:
     /// @name Scalar and unknown types
     /// @{
 
-    /// The scalar type of this value in this scope, which an earlier `CreateBaseEntryType` made; of
-    /// several any one. The reader asks for void in the global namespace alone.
+    /// The scalar type of this value in this scope, which an earlier `CreateBaseEntryType` made;
+    /// any one if there are several. The reader asks only for void in the global namespace.
     virtual ObjectId GetBaseEntryType(BasicTypes basicType, ObjectId objIdParentScope) = 0;
-    /// Makes a scalar type, also where there is one of this value in this scope.
-    /// @param length size in bytes, also where the value doesn't express it; 0 for void
+    /// Makes a scalar type, even if this scope has one of this value already.
+    /// @param length size in bytes, even if the value implies it; 0 for void
     virtual ObjectId CreateBaseEntryType(BasicTypes basicType, std::uint64_t length,
                                          ObjectId objIdParentScope) = 0;
     /// The type of this size and scope that an earlier `CreateUnknownEntryType` made; 0 is a size
@@ -122,12 +122,12 @@ public:
     /// @param anonymous the name was made by the reader
     virtual ObjectId CreateUnionEntryType(const std::string& unionName, std::uint32_t unionSize,
                                           ObjectId objIdOfParentClass, bool anonymous) = 0;
-    /// Adds a base class to a class or structure, behind those that it has.
+    /// Adds a base class to a class or structure, after those that it has.
     /// @param byteOffset offset of the base class in the class, in bytes
     /// @return false if the base class could not be added
     virtual bool AddBaseClass(ObjectId objIdOfClass, ObjectId objIdOfBaseClass,
                               std::uint32_t byteOffset) = 0;
-    /// Adds a member to a class or structure, behind those that it has.
+    /// Adds a member to a class or structure, after those that it has.
     /// @param byteOffset offset in the class, in bytes
     /// @param addressExtension always 0
     /// @param addressExtensionIsValid always false
@@ -144,15 +144,15 @@ public:
                                            ObjectId objIdOfMemberType, ObjectId objIdOfParentUnion,
                                            std::uint32_t byteOffset, std::int16_t addressExtension,
                                            bool addressExtensionIsValid) = 0;
-    /// Spare. Adds a static member. The reader delivers them with `CreateGlobalData`, their class
-    /// as scope.
+    /// Spare. Adds a static member. The reader delivers static members with `CreateGlobalData` and
+    /// their class as scope.
     virtual ObjectId CreateMemberStaticData(const std::string& memberName,
                                             ObjectId objIdOfMemberType, ObjectId objIdOfParentClass,
                                             std::uint64_t address, bool addressIsValid,
                                             std::int16_t addressExtension,
                                             bool addressExtensionIsValid) = 0;
-    /// Adds a bit field to a class, structure or, in the full reading, union. The storage unit is
-    /// as large as the type; a packed field may need one byte more.
+    /// Adds a bit field to a class, structure or, in the full reading, union. The storage unit has
+    /// the size of the type; a packed field may need one byte more.
     /// @param byteOffset offset of the storage unit, in bytes
     /// @param bitOffset offset of the field in its storage unit, in bits from the least significant
     /// @param bitSize width in bits, not 0
@@ -186,7 +186,7 @@ public:
     /// @param anonymous the name was made by the reader
     virtual ObjectId CreateEnumTable(const std::string& tableName, ObjectId objIdOfUnderlyingType,
                                      ObjectId objIdOfScopeParent, bool anonymous) = 0;
-    /// Adds the name of a value to an enumeration, behind those that it has.
+    /// Adds the name of a value to an enumeration, after those that it has.
     /// @return false if the description could not be added
     virtual bool AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
                                                const std::string& enumText) = 0;
@@ -210,7 +210,7 @@ public:
     /// What an earlier `CreateGlobalData` made at this address.
     virtual ObjectId GetGlobalDataByAddress(std::uint64_t address) = 0;
     /// Makes a variable with a static address.
-    /// @param symName its name; of several variables of one name in one scope the second is "x.2"
+    /// @param symName its name; in a scope with several variables of one name the second is "x.2"
     /// @param objIdOfScopeParent the global namespace for external variables of C, the compile unit
     ///        for those of a file, else the namespace, class, function or block they lie in
     /// @param addressIsValid always true
@@ -270,7 +270,7 @@ public:
     /// Spare. Makes a segment.
     virtual ObjectId CreateSegment(const std::string& segmentName, std::uint64_t address,
                                    std::uint64_t size) = 0;
-    /// Spare. Tells the model that its objects were transformed after the read.
+    /// Spare. Notifies the model that its objects were transformed after the read.
     virtual void SetTransformed(bool transformedDataModel) = 0;
 
     /// @}

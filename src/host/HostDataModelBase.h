@@ -1,5 +1,5 @@
-// The shortest way to a data model of one's own: `HostDataModel` without the operations that the
-// reader never calls.
+// The shortest way to your own data model: `HostDataModel` without the operations that the reader
+// never calls.
 #pragma once
 
 #include "../core/Export.h"
@@ -11,8 +11,8 @@
 
 namespace Tessel::Norn::Brindle::DataModel::Factory {
 
-/// Answers every spare operation of `HostDataModel` with 0 or false. A class that derives from it
-/// implements the others, which are those that the reader calls.
+/// Answers every spare operation of `HostDataModel` with 0 or false. A derived class implements the
+/// others, which the reader calls.
 class BRINDLE_EXPORT HostDataModelBase : public HostDataModel {
 public:
     ObjectId GetBlockScope(const std::string& /*blockIdentifier*/,

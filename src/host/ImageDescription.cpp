@@ -6,8 +6,8 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-/// Sections overlap in overlays and in damaged files. A search that went back through all of them
-/// would make a million queries of a crafted file a long work.
+/// Sections overlap in overlays and in damaged files. A search back through all of them would let a
+/// crafted file make a million lookups quadratic.
 constexpr std::ptrdiff_t sMostOverlapping = 16;
 
 } // namespace

@@ -1,6 +1,6 @@
-// What a file says of itself apart from its symbols: container, machine, byte order, and the
-// sections that lie in the target's memory. The reader tells it to the data model before it
-// delivers anything.
+// What a file says about itself apart from its symbols: container, machine, byte order, and the
+// sections in the target's memory. The reader hands it to the data model before it delivers
+// anything.
 #pragma once
 
 #include "../core/Export.h"
@@ -22,7 +22,7 @@ enum class SectionKind : std::uint8_t {
     /// `Data`.
     ReadOnlyData,
     Data,
-    /// Cleared or left alone when the program starts; the file has no bytes of it.
+    /// Cleared or left alone when the program starts; the file has no bytes for it.
     Zero,
 };
 
@@ -30,13 +30,13 @@ enum class SectionKind : std::uint8_t {
 struct ImageSection {
     /// Valid UTF-8; at most 255 bytes of the file's text.
     std::string name;
-    /// Of the first byte.
+    /// Address of the first byte.
     std::uint64_t address = 0;
     /// Size in memory in bytes.
     std::uint64_t size = 0;
-    /// File position of its bytes.
+    /// File position of its first byte.
     std::uint64_t filePosition = 0;
-    /// Bytes that the file has of it, at most `size`; what is missing at the end is zero.
+    /// Bytes of it in the file, at most `size`; those missing at the end are zero.
     std::uint64_t fileSize = 0;
     /// What it holds.
     SectionKind kind = SectionKind::Data;
@@ -55,11 +55,11 @@ struct BRINDLE_EXPORT ImageDescription {
     Reader::DWARF::FileContent content;
     /// Length of the file in bytes.
     std::uint64_t fileSize = 0;
-    /// As the host told the reader.
+    /// The container that the host named to the reader.
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
     /// ELF class 64 or PE32+.
     bool is64Bit = false;
-    /// Of the target's memory.
+    /// Byte order of the target's memory.
     ByteOrder byteOrder = ByteOrder::Little;
     /// `e_machine` of ELF, the target id of TI COFF, the machine of PE.
     std::uint16_t machine = 0;

@@ -1,11 +1,11 @@
-// What the reader and a data model call an object.
+// The identifier that reader and data model share for an object.
 #pragma once
 
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// Names one object of a data model. Given out by the model, passed back unchanged; 0 means none.
+/// Names one object of a data model. Made by the model, passed back unchanged; 0 means none.
 using ObjectId = std::uint64_t;
 
 } // namespace Tessel::Norn::Brindle::DataModel

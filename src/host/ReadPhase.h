@@ -6,11 +6,11 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// What a read with debug information is busy with, in this order.
+/// What a read with debug information is doing, in this order.
 enum class ReadPhase : std::int32_t {
-    /// The debug section is taken in, unit by unit. Progress counts its bytes.
+    /// The debug section is read, unit by unit. Progress counts its bytes.
     Reading,
-    /// The debug entries are linked and joined. No progress is told.
+    /// The debug entries are linked and joined. No progress is reported.
     Resolving,
     /// The data model receives what was found. Progress counts the debug entries.
     Delivering,

@@ -34,8 +34,8 @@ public:
     /// @return true if the file was read to its end
     bool Read(const std::string& path, DWARFContainerType container);
 
-    /// Reads a file that the host holds in memory, like `Read` of its path. It is shared until the
-    /// read ends, and with a data model that keeps the description of the image as long as that.
+    /// Reads a file that the host holds in memory, like `Read` of its path. The content is shared
+    /// until the read ends, or as long as a data model keeps the description of the image.
     /// @param content not null
     /// @param name names the file in the description of the image and in messages; a log is written
     ///     beside a file of this name
@@ -43,7 +43,7 @@ public:
     bool Read(const FileContent& content, const std::string& name, DWARFContainerType container);
     /// @}
 
-    /// What the latest read passed over and why. Empty before the first read, and after one in the
+    /// What the latest read skipped and why. Empty before the first read, and after one in the
     /// classic manner.
     [[nodiscard]] const ReadRemarks& GetRemarks() const { return mRemarks; }
 
@@ -51,19 +51,19 @@ public:
     /// the first read.
     [[nodiscard]] const ReadFacts& GetFacts() const { return mFacts; }
 
-    /// Language of the messages, as telephone country code: 49 is German, all else English. Holds
-    /// for the process, from the next message on.
+    /// Language of the messages by telephone country code: 49 is German, anything else English.
+    /// Holds for the process, from the next message on.
     void InitLanguage(std::int32_t language);
 
-    /// Whether types that no delivered variable uses are delivered too. Off at the start; keeps its
-    /// value across calls of `Read`.
+    /// Sets whether types that no delivered variable uses are delivered too. Off at the start;
+    /// keeps its value across calls of `Read`.
     void ReadAllTypes(bool readAllTypes);
     /// What `ReadAllTypes` was last called with.
     [[nodiscard]] bool IsReadAllTypes() const;
 
     /// @name Signals to the host
-    /// What a running read calls. Each calls the callback of its name if that is set. Texts are
-    /// narrow; the callback gets UTF-8.
+    /// For a running read. Each calls the callback of its name if that is set. Texts are narrow;
+    /// the callback gets UTF-8.
     /// @{
 
     /// Calls `SetProgressValueCallback`.

@@ -1,5 +1,5 @@
-// The way back from a running read to the reader that the host holds. The read sees the wrapper
-// alone; wrapper and bridge live on the stack of one `VDWARFReader::Read`.
+// The way back from a running read to the host's reader. The read sees only the wrapper; wrapper
+// and bridge live on the stack of one `VDWARFReader::Read`.
 #pragma once
 
 #include "host/ReadPhase.h"
@@ -12,7 +12,7 @@ class ReadFacts;
 class ReadRemarks;
 class VDWARFReader;
 
-/// Keeps the reader at hand for the length of one read.
+/// Refers to the reader for the length of one read.
 class VDWARFReaderWrapperBridge {
 public:
     explicit VDWARFReaderWrapperBridge(VDWARFReader& reader)
@@ -24,7 +24,7 @@ private:
     VDWARFReader& mReader;
 };
 
-/// What a read asks and tells its reader. Each operation goes to the one of the same name there.
+/// What a read asks and reports of its reader. Each operation calls its namesake there.
 class VDWARFReaderWrapper {
 public:
     /// Borrows the bridge.

@@ -9,7 +9,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// The container that begins so.
+/// The container that begins with these bytes.
 DWARFContainerType ContainerOf(VInputStream& stream) {
     std::array<char, 4> bytes{};
     const std::size_t count = stream.Seek(0) ? stream.Read(bytes.data(), bytes.size()) : 0;

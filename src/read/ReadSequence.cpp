@@ -128,7 +128,7 @@ bool ReadPEHeaders(VElfFile& file) {
     }
     file.mIsMSBData = false;
     VElfOptions::mUseCppExtensionDWARF2 = 1;
-    // Debug information is worth having without the symbols.
+    // The debug information is worth having even without the symbols.
     file.ReadPEFileSymbolTable();
     return true;
 }
