@@ -1,9 +1,9 @@
-// The variables stand sorted by address. Those that hold a byte begin at or before it, and the
-// search goes back from there until no variable that is left reaches so far:
+// The variables are sorted by address. A variable that holds a byte begins at or before it, and the
+// search goes backwards from there until no remaining variable reaches that far:
 //
 //     first      last       highest last
 //     0x1000     0x10ff     0x10ff         holds 0x1050
-//     0x1004     0x1007     0x10ff         is passed over
+//     0x1004     0x1007     0x10ff         is skipped
 //     0x1050     0x1053     0x10ff         holds it; here the search begins
 #include "model/AddressLookup.h"
 

@@ -1,5 +1,5 @@
 // From an address to what lies there: the variable, and the path to its leaf that holds the byte.
-// Who has a trace, a crash dump or a log of addresses makes one and asks it again and again.
+// For hosts with a trace, a crash dump or a log of addresses, which look up many.
 #pragma once
 
 #include "../core/Export.h"
@@ -15,35 +15,35 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 /// A place that holds a byte.
 struct AddressHit {
-    /// Leads to the place, as `Model::ResolvePath` takes it.
+    /// Path to the place, as `Model::ResolvePath` takes it.
     std::string path;
-    /// The leaf that holds the byte, or the innermost structure or array where the byte belongs to
-    /// none of its parts: a gap between members, say.
+    /// The leaf that holds the byte, or the innermost structure or array if the byte belongs to
+    /// none of its parts, such as a gap between members.
     Model::Place place;
-    /// Distance of the byte from the first one of the place.
+    /// Distance of the byte from the first byte of the place.
     std::uint64_t offset = 0;
 };
 
-/// Takes 32 bytes for each variable of the model. A question takes logarithmic time where variables
+/// Takes 32 bytes for each variable of the model. A lookup takes logarithmic time where variables
 /// don't overlap, and never walks an array element by element.
 class BRINDLE_EXPORT AddressLookup {
 public:
     /// @param model borrowed; must not change during the life of the lookup
     explicit AddressLookup(const Model& model);
 
-    /// Everything that holds the byte at an address: several places where variables overlap or
-    /// members of a union do, at most 1000 of one variable. In the order of the addresses of the
-    /// variables, then of their delivery, then of the leaves. Empty if no variable holds the byte.
-    /// A variable of unknown size counts as one byte.
-    /// Not to be called by several threads at once.
+    /// Everything that holds the byte at an address: several places if variables or members of a
+    /// union overlap, at most 1000 of one variable. Ordered by the address of the variable, then by
+    /// its delivery, then by leaf. Empty if no variable holds the byte. A variable of unknown size
+    /// counts as one byte. Not thread-safe: calls must not overlap, although the operation is
+    /// const.
     [[nodiscard]] std::vector<AddressHit> Find(std::uint64_t address);
 
-    /// The variable that begins last at or before an address, of several the first delivered; 0 if
+    /// The variable that begins last at or before an address, the first delivered of several; 0 if
     /// there is none.
     [[nodiscard]] ObjectId NearestBefore(std::uint64_t address) const;
 
 private:
-    /// A variable by the bytes that it takes.
+    /// A variable by the bytes that it occupies.
     struct Entry {
         std::uint64_t first = 0;
         std::uint64_t last = 0;
@@ -56,7 +56,7 @@ private:
     [[nodiscard]] std::size_t CountUpTo(std::uint64_t address) const;
 
     LeafWalk mWalk;
-    /// By their first bytes, then in the order of delivery.
+    /// Sorted by first byte, then by delivery.
     std::vector<Entry> mEntries;
 };
 

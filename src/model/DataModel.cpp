@@ -10,7 +10,7 @@ namespace {
 
 constexpr ObjectId sGlobalNamespace = 1;
 
-/// Files an object under a key that its name is no part of.
+/// Files an object under a key that doesn't include its name.
 ObjectId Filed(ModelStore& store, const LookupKey& key, ObjectId id) {
     store.Index().FindOrAdd(key, static_cast<std::uint32_t>(id));
     return id;
@@ -20,9 +20,9 @@ LookupKey BaseKey(BasicTypes basicType, ObjectId scope) {
     return {LookupKind::Base, static_cast<std::uint32_t>(basicType), scope};
 }
 
-/// Forms a key of more than two numbers by giving the earlier ones a number of their own. For a
-/// lookup the index is const and answers 0 for numbers that never came together, which no object
-/// can be filed under.
+/// Forms a key of more than two numbers by giving the earlier ones a number of their own. A lookup
+/// has a const index, which answers 0 for numbers that were never combined; no object is filed
+/// under 0.
 std::uint32_t Combined(LookupIndex& index, const LookupKey& key) {
     return index.NumberOf(key);
 }
@@ -48,7 +48,7 @@ LookupKey OldBitFieldKey(Index& index, ObjectId baseType, std::int32_t bitOffset
             Combined(index, {LookupKind::Pair, position, bitSize})};
 }
 
-/// The key that an object is found under only when a host asks.
+/// The key of an object that is filed only when a host asks.
 std::optional<LookupKey> LateKeyOf(ModelStore& store, ObjectId id) {
     const Record record = store.At(id);
     LookupIndex& index = store.Index();

@@ -1,5 +1,5 @@
-// The data model that comes with the library: takes a whole delivery, finds what the contract of
-// `HostDataModel` asks for by index, and answers the questions of a host afterwards.
+// The data model that comes with the library: takes a whole delivery, answers the Get operations of
+// `HostDataModel` by index, and afterwards the queries of a host.
 #pragma once
 
 #include "../core/Export.h"
@@ -21,13 +21,13 @@ class ModelStore;
 /// Compact store of delivered objects.
 ///
 /// Identifiers count up from 1 in the order of creation; 1 is the global namespace, which exists
-/// from the start. The operations of `HostDataModel` never fail for a known parent; an identifier
-/// that was never given out is kept as it was passed and answers every query with nothing. Several
-/// objects of one key may be created; the Get operations find the first. All queries may be asked
-/// at any time, also after a read that failed halfway.
+/// from the start. The operations of `HostDataModel` never fail for a known parent; an unknown
+/// identifier is stored as passed, and every query about it comes back empty. Several objects of
+/// one key may be created; the Get operations find the first. All queries may be asked at any time,
+/// also after a read that failed halfway.
 ///
-/// Every query ends soon whatever was delivered: scopes and types are followed 1000 links far, and
-/// what lies beyond counts as missing. Texts are cut at 64 KiB, those of types at 4 KiB, between
+/// Every query ends soon whatever was delivered: scopes and types are followed over 1000 links, and
+/// what lies farther counts as missing. Texts are cut at 64 KiB, those of types at 4 KiB, between
 /// characters, with "..." where something is left out.
 class BRINDLE_EXPORT Model final : public Factory::HostDataModel {
 public:
@@ -46,7 +46,7 @@ public:
     /// Number of objects; their identifiers are 1 to this number.
     [[nodiscard]] std::size_t ObjectCount() const;
 
-    /// The object of an identifier. An unknown identifier gives an object whose id is 0.
+    /// The object of an identifier. An unknown identifier gives an object with id 0.
     [[nodiscard]] ModelObject Object(ObjectId id) const;
 
     /// Calls `visit` with each object that names `scope` as its scope, in the order of creation:
@@ -59,9 +59,9 @@ public:
         }
     }
 
-    /// The same by steps: the first object that names `scope` as its scope; 0 if there is none.
+    /// Step by step: the first object that names `scope` as its scope; 0 if there is none.
     [[nodiscard]] ObjectId FirstIn(ObjectId scope) const;
-    /// The object behind `id` in its scope, in the order of creation; 0 if it is the last.
+    /// The object after `id` in its scope, in the order of creation; 0 if it is the last.
     [[nodiscard]] ObjectId NextIn(ObjectId id) const;
 
     /// Calls `visit` with each object of a kind, in the order of creation.
@@ -74,8 +74,8 @@ public:
         }
     }
 
-    /// Base classes of a class or structure, in the order in which they were added. The view ends
-    /// with the next call that adds one.
+    /// Base classes of a class or structure, in the order in which they were added. The view is
+    /// valid until the next call that adds one.
     [[nodiscard]] std::span<const BaseClass> BaseClasses(ObjectId classType) const;
 
     /// The base classes whose members lie where their offset says. A virtual base class has no
@@ -83,50 +83,50 @@ public:
     /// members of the class itself or of another base class lie there too.
     [[nodiscard]] std::vector<BaseClass> PlacedBaseClasses(ObjectId classType) const;
 
-    /// Descriptions of an enum table, in the order in which they were added. The view ends with the
-    /// next call that adds one.
+    /// Descriptions of an enum table, in the order in which they were added. The view is valid
+    /// until the next call that adds one.
     [[nodiscard]] std::span<const Enumerator> Enumerators(ObjectId enumTable) const;
 
-    /// Element counts of an array, outermost first. The view ends with the next array created.
+    /// Element counts of an array, outermost first. Valid until the next array is created.
     [[nodiscard]] std::span<const std::uint32_t> Dimensions(ObjectId arrayType) const;
 
-    /// Parameter types of a function type, in order. The view ends with the next function type
-    /// created.
+    /// Parameter types of a function type, in order. The view is valid until the next function type
+    /// is created.
     [[nodiscard]] std::span<const ObjectId> Parameters(ObjectId functionType) const;
 
-    /// Size in bytes of a type or of the type of a datum: the declared size where the object has
-    /// one, else that of the type behind a typedef, an enum or a datum. 0 when nothing tells it.
+    /// Size in bytes of a type or of the type of a datum: the declared size if the object has one,
+    /// else the size of the type that a typedef, an enum or a datum leads to. 0 if unknown.
     [[nodiscard]] std::uint64_t SizeOf(ObjectId id) const;
 
-    /// The type behind all typedefs; the type itself if it is none, 0 if the chain ends in nothing
-    /// or in itself.
+    /// The type that a chain of typedefs leads to; the type itself if it is no typedef, 0 if the
+    /// chain leads to nothing or back into itself.
     [[nodiscard]] ObjectId WithoutTypedefs(ObjectId type) const;
 
     /// Number of elements of an array over all its dimensions, 2^64 - 1 where it is more; 0 for
     /// anything else.
     [[nodiscard]] std::uint64_t ElementCount(ObjectId arrayType) const;
 
-    /// Distance in bytes from one element of an array to the next: the declared size divided among
-    /// the elements where that leaves no rest, else the size of the element type.
+    /// Distance in bytes from one element of an array to the next: the declared size divided by the
+    /// element count if that leaves no remainder, else the size of the element type.
     [[nodiscard]] std::uint64_t ElementStride(ObjectId arrayType) const;
 
-    /// The name with the names of the enclosing namespaces, classes, functions and block scopes in
-    /// front, joined by "::". Compile units and the global namespace add nothing. Empty for an
-    /// object without a name.
+    /// The name after the names of the enclosing namespaces, classes, functions and block scopes,
+    /// joined by "::". Compile units and the global namespace add nothing. Empty for an object
+    /// without a name.
     [[nodiscard]] std::string QualifiedName(ObjectId id) const;
 
-    /// The type as a C declaration without a name, such as "uint16[4][2]", "Motor*",
-    /// "void (*)(int32)". A type of which only the size is known reads "unknown(4)"; one of size 0
-    /// behind a pointer or as a result reads "void". Empty for an object that is no type; "?"
-    /// stands for one that a type refers to and that does not exist.
+    /// The type as a C declaration without a name, such as "uint16[4][2]", "Motor*", "void
+    /// (*)(int32)". A type of which only the size is known reads "unknown(4)"; one of size 0 reads
+    /// "void" as the target of a pointer or as a result. Empty for an object that is no type; "?"
+    /// stands for a missing type that another type refers to.
     [[nodiscard]] std::string TypeText(ObjectId type) const;
 
-    /// The type as a C declaration of a name, such as "uint16 table[4][2]" or
-    /// "void (*callback)(int32)", in the words of `TypeText`.
+    /// The type as a C declaration of a name, such as "uint16 table[4][2]" or "void
+    /// (*callback)(int32)", in the notation of `TypeText`.
     [[nodiscard]] std::string Declaration(ObjectId type, std::string_view name) const;
 
-    /// The nearest compile unit among the object and its scopes, or the one that a function there
-    /// names; 0 if there is none.
+    /// The nearest compile unit among the object and its scopes, or the unit of a function among
+    /// them; 0 if there is none.
     [[nodiscard]] ObjectId CompileUnitOf(ObjectId id) const;
 
     /// The place that a path such as "motor.pid[2].gain" names.
@@ -138,10 +138,10 @@ public:
         ObjectId type = 0;
         /// Address of the first byte.
         std::uint64_t address = 0;
-        /// Size in bytes of what lies at the place; for an array with some of its indices given, of
-        /// the part that is left.
+        /// Size in bytes at the place; for an array with some of its indices given, the size of the
+        /// part that is left.
         std::uint64_t size = 0;
-        /// Dimensions of the array `type` that have their index already; 0 for anything else.
+        /// Number of indices already applied to the array `type`; 0 for anything else.
         std::size_t indexedDimensions = 0;
         /// The place is a bit field, whose storage unit lies at `address`.
         bool isBitField = false;
@@ -153,40 +153,40 @@ public:
 
     /// How far a path resolved.
     struct PathResult {
-        /// True if the whole path resolved; `place` then tells where it leads.
+        /// True if the whole path resolved; `place` is then valid.
         bool found = false;
-        /// Where the path leads; of no meaning unless `found`.
+        /// Where the path leads; meaningless unless `found`.
         Place place;
-        /// Number of characters that name the variable; 0 if there is none of the name.
+        /// Number of characters that name the variable; 0 if no variable has such a name.
         std::size_t headLength = 0;
         /// Number of characters of the path that resolved.
         std::size_t resolvedLength = 0;
-        /// Why the rest did not, for a person; empty if all did.
+        /// Why the rest didn't resolve, for a person; empty if all did.
         std::string problem;
     };
 
     /// The static answer to a path: a variable by its qualified name, which may begin with "::", or
-    /// else by its name alone, then members by ".name" and elements by "[index]", in decimal.
-    /// Members of base classes and of anonymous members are found like own ones; an own one hides
-    /// an inherited one, unless the name of the base class stands in front: ".Named::id". Pointers
-    /// are not followed, since what they point to is not static. An index beyond its dimension does
-    /// not resolve. Of several variables of one name the first delivered is meant for which the
-    /// path resolves. Names may hold points and brackets themselves: the longest name that lets the
-    /// whole path resolve is taken. A path has at most 64 KiB and 1000 steps.
+    /// else by its name only, then members by ".name" and elements by "[index]", in decimal.
+    /// Members of base classes and of anonymous members are found like own ones; an own member
+    /// hides an inherited one, unless the name of the base class precedes it: ".Named::id".
+    /// Pointers are not followed, since what they point to is not static. An index beyond its
+    /// dimension does not resolve. Of several variables of one name, the first delivered for which
+    /// the path resolves is taken. Names may contain points and brackets themselves: the longest
+    /// name with which the whole path resolves wins. A path has at most 64 KiB and 1000 steps.
     [[nodiscard]] PathResult ResolvePath(std::string_view path) const;
 
     /// As `ResolvePath`, for each variable of the name, in the order of delivery: names of static
-    /// variables may recur in several compile units. Where the path resolves for none of them, the
-    /// only result tells how far it got.
+    /// variables may recur in several compile units. If the path resolves for none of them, the
+    /// only result says how far it got.
     [[nodiscard]] std::vector<PathResult> ResolvePaths(std::string_view path) const;
 
-    /// What the headers of the file say that was read last; of no sections before the first read.
+    /// The headers of the file that was read last; without sections before the first read.
     [[nodiscard]] const ImageDescription& Image() const;
 
-    /// The bytes that the image gives a stretch of the target's memory when the program starts:
-    /// those of the file, zeros where a section has none. Empty if no one section holds the whole
-    /// stretch, if the file is gone or changed in length, or for more than 256 MiB of zeros. Opens
-    /// the file at the first question.
+    /// The bytes that the image gives a range of the target's memory when the program starts: those
+    /// of the file, zeros where a section has none. Empty if no single section holds the whole
+    /// range, if the file is gone or changed in length, or for more than 256 MiB of zeros. Opens
+    /// the file on the first call.
     [[nodiscard]] std::vector<std::uint8_t> InitialBytes(std::uint64_t address,
                                                          std::uint64_t size) const;
 
@@ -287,10 +287,10 @@ public:
 
 private:
     [[nodiscard]] ObjectKind KindOf(ObjectId id) const;
-    /// Files what the reader creates and never asks for again, as late as a host asks: most
+    /// Files what the reader creates but never asks for again. Done only when a host asks: most
     /// deliveries need no entry for it.
     void FileNewObjects();
-    /// True if a datum of the type takes space of its own, unlike one of an empty class.
+    /// True if a datum of the type occupies space of its own, unlike one of an empty class.
     [[nodiscard]] bool HasData(ObjectId type) const;
     [[nodiscard]] bool HasDataAtStart(ObjectId classType) const;
 
@@ -299,7 +299,7 @@ private:
     std::size_t mFiledCount = 0;
 };
 
-/// The name that the class had, for hosts that use it.
+/// The former name of the class, for hosts that use it.
 using DataModel = Model;
 
 } // namespace Tessel::Norn::Brindle::DataModel

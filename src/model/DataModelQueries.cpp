@@ -1,4 +1,4 @@
-// The questions that `Model` answers from single records and from the chains of their types and
+// The queries that `Model` answers from single records and from the chains of their types and
 // scopes. Type texts and paths have their own sources.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
@@ -10,7 +10,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-/// No real class consists of more empty ones.
+/// No real class consists of more empty classes.
 constexpr std::size_t sMostEmptyParts = 64;
 
 constexpr bool HasDeclaredSize(ObjectKind kind) {
@@ -46,7 +46,7 @@ constexpr bool HasSizeOfType(ObjectKind kind) {
     }
 }
 
-/// Tells the fields of a record apart that share a place.
+/// Sorts out the fields of a record that share a place.
 void SetKindFields(ModelObject& object, const Record& record) {
     switch (record.kind) {
     case ObjectKind::Global:

@@ -10,7 +10,7 @@ void AppendElementIndices(std::string& path, std::uint64_t element,
                           std::span<const std::uint32_t> dimensions) {
     const std::size_t start = path.size();
     for (std::size_t dimension = dimensions.size(); dimension-- > 0;) {
-        // The innermost index is known first: those of outer dimensions go in front of it.
+        // The innermost index is known first: outer indices go in front of it.
         std::array<char, 12> index{'['};
         char* const limit = index.data() + index.size() - 1;
         char* const end =

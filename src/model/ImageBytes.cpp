@@ -28,7 +28,7 @@ std::vector<std::uint8_t> ImageBytes::At(std::uint64_t address, std::uint64_t si
     }
     const std::uint64_t inFile =
         offset < section->fileSize ? std::min(size, section->fileSize - offset) : 0;
-    // A header may claim any size: no memory is taken for bytes that can't be there.
+    // A header may claim any size: don't allocate for bytes that can't be there.
     if (inFile > mDescription.fileSize || size - inFile > kLongestZeroRun) {
         return {};
     }
@@ -80,7 +80,7 @@ bool ImageBytes::Open() {
     if (!mIsOpenTried) {
         mIsOpenTried = true;
         mFile.open(Reader::DWARF::PathToOpen(mDescription.path), std::ios::binary);
-        // Another file under the same name has other bytes at these positions.
+        // Another file of the same name has other bytes at these positions.
         mFile.seekg(0, std::ios::end);
         if (mFile.tellg() != static_cast<std::streamoff>(mDescription.fileSize)) {
             mFile.close();

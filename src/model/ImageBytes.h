@@ -1,5 +1,5 @@
-// What an image holds where: the description of a file and, on demand, the bytes that its sections
-// give the target's memory.
+// The contents of an image by address: the description of a file and, on demand, the bytes that its
+// sections give the target's memory.
 #pragma once
 
 #include "host/ImageDescription.h"
@@ -11,11 +11,11 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// Longest run of bytes that the file doesn't hold which is answered: 256 MiB.
+/// Longest run of bytes outside the file that is answered with zeros: 256 MiB.
 inline constexpr std::uint64_t kLongestZeroRun = std::uint64_t{256} * 1024 * 1024;
 
-/// One image. The file is opened by the first question for bytes and stays open, unless it lies
-/// in memory. Questions that walk through the memory are served from a window of the file.
+/// One image. The file is opened by the first request for bytes and stays open, unless it lies in
+/// memory. Requests that walk through the memory are served from a window of the file.
 class ImageBytes {
 public:
     ImageBytes() = default;
@@ -23,7 +23,7 @@ public:
 
     [[nodiscard]] const ImageDescription& Description() const { return mDescription; }
 
-    /// The initial bytes of a stretch of memory; see `Model::InitialBytes`.
+    /// The initial bytes of a range of memory; see `Model::InitialBytes`.
     std::vector<std::uint8_t> At(std::uint64_t address, std::uint64_t size);
 
 private:

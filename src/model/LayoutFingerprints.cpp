@@ -9,7 +9,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-/// Types nested deeper count as alike; no leaf of them is ever told apart.
+/// Types nested deeper count as equal; no leaf at such a depth is ever compared.
 constexpr std::size_t sDeepestNesting = 200;
 constexpr std::uint64_t sWithoutEnd = 1;
 

@@ -1,3 +1,17 @@
+// The walk over the leaves of a variable. What makes it more than a recursion over members is the
+// flattening of a class: members of base classes and of anonymous members are named like own ones.
+//
+//     struct Id    { int id; };                                       offset   step of the path
+//     struct Named : Id { int id; char tag; };                           0     .Id::id
+//     struct Motor : Named {                                             4     .Named::id
+//         union { float gain; int raw; };                                8     .tag
+//         int id;                                                       12     .gain, .raw
+//     };                                                                16     .id
+//
+// Flattening visits the class itself, then its anonymous members, then its base classes, nearest
+// first. The first member of a name takes the plain name. A later one is hidden, as in C++, and has
+// the name of its class before its own. In the end the members are sorted by offset. A walk
+// flattens each class once, however many elements of an array have it.
 #include "model/LeafWalk.h"
 
 #include "model/ElementIndices.h"
@@ -15,11 +29,11 @@ namespace {
 
 using Place = Model::Place;
 
-/// Beyond these, which no real variable reaches, a place is delivered whole.
+/// Beyond these limits, which no real variable reaches, a place is delivered whole.
 constexpr std::size_t sDeepestNesting = 100;
 constexpr std::size_t sLongestSteps = 4096;
 constexpr std::size_t sMostParts = 1000;
-/// Places at one byte.
+/// Places that hold one byte.
 constexpr std::uint64_t sMostAtOnce = 1000;
 /// Characters that an index takes at least.
 constexpr std::size_t sShortestIndex = 3;
@@ -30,16 +44,16 @@ constexpr bool HasMembers(ObjectKind kind) {
 
 } // namespace
 
-/// A class or union whose members count as those of the class that is flattened: that class itself,
-/// its anonymous members, its base classes and theirs.
+/// A class or union whose members count as those of the class being flattened: that class itself,
+/// its anonymous members, its base classes, and their base classes.
 struct LeafWalk::Part {
     ObjectId type = 0;
     std::uint64_t offset = 0;
-    /// Position of the part that this one is a base class or an anonymous member of.
+    /// Index of the part that has this one as a base class or anonymous member.
     std::size_t derived = 0;
     bool isBase = false;
-    /// What makes a hidden member of this part found, with a separator at the end; empty if nothing
-    /// does.
+    /// Prefix that makes a hidden member of this part addressable, separator included; empty if
+    /// nothing does.
     std::string qualifier;
 };
 
@@ -107,7 +121,7 @@ private:
         if (!HasMembers(mModel.Object(type).kind) || !IsNew(type, part)) {
             return;
         }
-        // A second base class of a name is found only through the class that it is a base of.
+        // A second base class of the same name is found only through the class derived from it.
         const bool isFirst = mBaseNames.insert(name).second;
         std::string qualifier;
         if (!name.empty()) {

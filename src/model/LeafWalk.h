@@ -1,6 +1,6 @@
 // Variables taken apart into what has no parts: the places that a host measures or calibrates one
-// by one. A host makes one walk for a model and gives it variables; it reads the model and follows
-// no pointer.
+// by one. A host makes one walk for a model and passes it variables. The walk reads the model and
+// follows no pointer.
 #pragma once
 
 #include "../core/Export.h"
@@ -21,8 +21,8 @@ namespace Tessel::Norn::Brindle::DataModel {
 struct LeafLimits {
     /// Elements of each array, counted over all its dimensions.
     std::uint64_t arrayElements = 1000;
-    /// Leaves of all variables of the walk together. It bounds the time of a walk over a model
-    /// whose types hold each other many times over.
+    /// Leaves of all variables of the walk together. It limits the time of a walk over a model
+    /// whose types contain each other many times.
     std::uint64_t leaves = 1'000'000;
 };
 
@@ -55,13 +55,13 @@ public:
 
     /// Visits all leaves of a global, in the order of their offsets; members of a union in the
     /// order of their delivery. Inherited and anonymous members come like own ones. An inherited
-    /// one that a nearer member of its name hides has the name of its class in front:
+    /// member that a nearer member of the same name hides has its class name before it:
     /// "motor.Named::id".
     void Walk(ObjectId global, const Visitor& visit);
 
     /// Visits, in the same order, the places of a global that hold the byte at an address: leaves,
-    /// or the innermost structure or array where the byte belongs to none of its parts. Of an array
-    /// one element is looked at, wherever it stands. The limits of the walk don't count; at most
+    /// or the innermost structure or array if the byte belongs to none of its parts. In an array
+    /// only the element that holds the byte is visited. The limits of the walk don't apply; at most
     /// 1000 places are visited.
     void WalkTo(ObjectId global, std::uint64_t address, const Visitor& visit);
 
@@ -112,14 +112,14 @@ private:
     LeafLimits mLimits;
     LeafCuts mCuts;
     const Visitor* mVisit = nullptr;
-    /// None if all leaves are visited.
+    /// Absent if all leaves are visited.
     std::optional<Aim> mAim;
     std::string mPath;
     /// Length of the variable's name in `mPath`.
     std::size_t mHeadLength = 0;
     /// Classes around the current place, outermost first.
     std::vector<ObjectId> mClasses;
-    /// What was found out of a class once, since arrays ask for it with each element.
+    /// The members of each class, found out once, since arrays ask for them with each element.
     std::unordered_map<ObjectId, std::vector<FlatMember>> mMembers;
     std::unordered_map<ObjectId, std::vector<ObjectId>> mOwnMembers;
 };

@@ -23,7 +23,7 @@ std::uint32_t LookupIndex::FindOrAdd(const LookupKey& key, std::uint32_t value) 
     if (mEntries.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw std::length_error("lookup index is full");
     }
-    // The entry first: should memory end between the two, no slot may lead to an entry that is not.
+    // The entry first: if the second step runs out of memory, no slot leads to a missing entry.
     mEntries.push_back({key.first, key.second, key.kind, value});
     mSlots.Add(hash, static_cast<std::uint32_t>(mEntries.size() - 1));
     return value;

@@ -1,5 +1,5 @@
-// The one index behind all Get operations of the data model: from a key of three numbers to the
-// object that was filed under it first. It never forgets an entry.
+// The one index for all Get operations of the data model: from a key of three numbers to the first
+// object that was filed under it. It never forgets an entry.
 #pragma once
 
 #include "core/HashSlots.h"
@@ -52,8 +52,8 @@ public:
     /// @throws std::length_error beyond 2^32 - 1 entries
     std::uint32_t FindOrAdd(const LookupKey& key, std::uint32_t value);
 
-    /// A number for a key that has none of its own: the same for the same key, never 0, different
-    /// from that of any other key that got one here.
+    /// A number for a key: always the same for the same key, never 0, and different from that of
+    /// any other key that got a number here.
     std::uint32_t NumberOf(const LookupKey& key);
 
 private:
@@ -70,7 +70,7 @@ private:
 
     std::uint64_t mSeed;
     HashSlots mSlots;
-    /// The entry at 0 is none.
+    /// The entry at 0 is a placeholder.
     std::vector<Entry> mEntries;
 };
 

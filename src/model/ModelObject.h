@@ -1,4 +1,4 @@
-// One object of the default data model as its queries give it out. Plain data; who fills it is
+// One object of the default data model as its queries return it. Plain data, filled by
 // `Model`.
 #pragma once
 
@@ -10,7 +10,7 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// What an object is. The last four are made by spare operations alone.
+/// What an object is. Only spare operations make the last four.
 enum class ObjectKind : std::uint8_t {
     Namespace,
     Block,
@@ -48,16 +48,16 @@ struct BaseClass {
 struct Enumerator {
     /// The value in a variable of the enumeration.
     std::int32_t value = 0;
-    /// What the value is called. Owned by the model.
+    /// The name of the value. Owned by the model.
     std::string_view name;
 };
 
-/// An object of the model. Which fields say something depends on `kind`; the others are 0. The name
-/// is owned by the model and stays valid as long as the model lives.
+/// An object of the model. Its `kind` decides which fields have a meaning; the others are 0. The
+/// name is owned by the model and valid as long as the model lives.
 struct ModelObject {
     /// Identifier of the object; 0 if there is no such object.
     ObjectId id = 0;
-    /// What the object is, and so which of the fields below count.
+    /// What the object is, which decides on the fields below.
     ObjectKind kind = ObjectKind::Namespace;
     /// Enclosing scope; 0 for the global namespace itself, for compile units and segments.
     ObjectId scope = 0;
@@ -74,7 +74,7 @@ struct ModelObject {
     /// Offset in bytes of member, union member and bit field in their class or union.
     std::uint32_t offset = 0;
     /// Position of a bit field or old bit field in its storage unit, in bits from the least
-    /// significant; broken files tell positions outside of it.
+    /// significant; in damaged files it may lie outside.
     std::uint32_t bitOffset = 0;
     /// Width of a bit field or old bit field in bits.
     std::uint64_t bitSize = 0;

@@ -19,8 +19,8 @@ namespace {
 using Place = Model::Place;
 using PathResult = Model::PathResult;
 
-/// Names may hold the characters that part a path, so that several of its beginnings are tried as
-/// names of variables: up to this many, and for each this many ends of its scopes.
+/// Names may contain the characters that separate a path, so that several prefixes of it are tried
+/// as names of variables: up to this many, and for each this many ends of its scopes.
 constexpr std::size_t sMostHeads = 64;
 constexpr std::size_t sMostScopeEnds = 256;
 constexpr std::string_view sSeparator = "::";
@@ -33,7 +33,7 @@ bool IsStepBorder(std::string_view text, std::size_t position) {
     return position == text.size() || BeginsStep(text[position]);
 }
 
-/// Finds variables by what a host calls them.
+/// Finds variables by the name that a host uses.
 class VariableFinder {
 public:
     explicit VariableFinder(const ModelStore& store)
@@ -96,9 +96,9 @@ public:
         : mModel(model)
         , mStore(store) {}
 
-    /// The member whose name `text` begins with, up to a step or its end: one of the class itself
-    /// or its anonymous members, else one of the nearest base class. The name of a base class in
-    /// front, with "::", leads past nearer members.
+    /// The member whose name `text` begins with, up to the next step or the end: a member of the
+    /// class itself or of its anonymous members, else of the nearest base class. The name of a base
+    /// class before it, with "::", leads past nearer members.
     Found Find(ObjectId type, std::string_view text) {
         Found found;
         for (std::size_t bases = 0; bases < kLongestChain; ++bases) {
@@ -126,7 +126,7 @@ private:
         ObjectId type = 0;
         std::uint64_t offset = 0;
     };
-    /// A member and the part that it lies in, or without one the base class that is named.
+    /// A member and its part; or, without a member, the base class that is named.
     struct Match {
         ObjectId member = 0;
         Part part;
@@ -327,8 +327,8 @@ private:
     PathResult mResult;
 };
 
-/// Lengths of the beginnings of a path that may name its variable, longest first: names that hold a
-/// point or bracket win over members and elements.
+/// Lengths of the prefixes of a path that may name its variable, longest first: names that contain
+/// a point or bracket win over members and elements.
 std::vector<std::size_t> HeadLengths(std::string_view path) {
     std::vector<std::size_t> lengths;
     for (std::size_t position = 1; position < path.size() && lengths.size() < sMostHeads;

@@ -32,7 +32,7 @@ std::vector<Item>& GrowingList(std::vector<std::vector<Item>>& lists, std::uint3
     return lists[position];
 }
 
-/// The product, or the largest number if that can't hold it.
+/// The product, or the largest number if the product overflows.
 constexpr std::uint64_t SaturatedProduct(std::uint64_t left, std::uint64_t right) {
     const bool fits = left == 0 || right <= std::numeric_limits<std::uint64_t>::max() / left;
     return fits ? left * right : std::numeric_limits<std::uint64_t>::max();

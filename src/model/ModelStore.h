@@ -1,5 +1,5 @@
-// The memory of the default data model: a record of each object, with names, lists and the lookup
-// index aside. `Model` fills it; it knows no operation of the host contract.
+// The memory of the default data model: a record for each object, and beside the records the names,
+// lists and the lookup index. `Model` fills it; it knows no operation of the host contract.
 #pragma once
 
 #include "model/ImageBytes.h"
@@ -17,18 +17,18 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// Scopes, types and base classes are followed no further than this; what lies beyond counts as
+/// Scopes, types and base classes are followed over this many links; what lies farther counts as
 /// missing. It ends every walk along a chain that leads back into itself.
 inline constexpr std::size_t kLongestChain = 1000;
 
 /// Texts made of names end about here, in bytes, with an ellipsis.
 inline constexpr std::size_t kLongestText = 64 * 1024;
-/// Texts of types are for the eye and end sooner: a model may have any number of variables of one
+/// Texts of types are for reading and end sooner: a model may have any number of variables of one
 /// type.
 inline constexpr std::size_t kLongestTypeText = 4 * 1024;
 
-/// Records by identifier, which counts from 1, and all that belongs to them. Views into lists end
-/// with the next addition to a list of that sort.
+/// Records by identifier, which counts from 1, and all that belongs to them. A view into a list is
+/// valid until something is added to a list of that sort.
 class ModelStore {
 public:
     ModelStore();
@@ -45,7 +45,7 @@ public:
 
     /// Stores an object under its name, to be found by `FindNamed`.
     ObjectId AddNamed(LookupKind kind, std::string_view name, Record record);
-    /// The first object that `AddNamed` stored under these; 0 if there is none.
+    /// The first object that `AddNamed` stored under this key; 0 if there is none.
     [[nodiscard]] ObjectId FindNamed(LookupKind kind, std::string_view name, ObjectId scope) const;
 
     /// Stores a global, which `FindNamed` finds by name and scope, and by name alone.
@@ -53,7 +53,7 @@ public:
 
     [[nodiscard]] std::size_t Count() const { return mRecords.Size() - 1; }
     [[nodiscard]] bool Has(ObjectId id) const { return id != 0 && id < mRecords.Size(); }
-    /// The record of an identifier. One that was never given out has a record of zeros.
+    /// The record of an identifier; all zeros for an unknown identifier.
     [[nodiscard]] Record At(ObjectId id) const {
         return mRecords.At(id < mRecords.Size() ? id : 0);
     }
@@ -61,14 +61,14 @@ public:
         return mNames.Text(mRecords.NameAt(id < mRecords.Size() ? id : 0));
     }
     [[nodiscard]] std::string_view Text(NameId name) const { return mNames.Text(name); }
-    /// The kind of an object. For an identifier that was never given out that of a namespace.
+    /// The kind of an object; `Namespace` for an unknown identifier.
     [[nodiscard]] ObjectKind KindOf(ObjectId id) const {
         return mRecords.KindAt(id < mRecords.Size() ? id : 0);
     }
     [[nodiscard]] bool IsOfKind(ObjectId id, ObjectKind kind) const {
         return Has(id) && mRecords.KindAt(id) == kind;
     }
-    /// The first object in a scope, and what follows an object in its own; 0 if there is none.
+    /// The first object in a scope, and the next object after one in its scope; 0 if none.
     [[nodiscard]] ObjectId FirstIn(ObjectId scope) const {
         return Has(scope) ? mRecords.FirstIn(scope) : 0;
     }
@@ -97,8 +97,8 @@ private:
     RecordList mRecords;
     NamePool mNames;
     LookupIndex mIndex;
-    /// Lists of fixed length one behind the other, each after its length. The first is empty.
-    /// Behind the dimensions of each array stands their product, lower half first.
+    /// Lists of fixed length in a row, each after its length. The first is empty. The dimensions of
+    /// each array are followed by their product, lower half first.
     std::vector<std::uint32_t> mDimensions;
     std::vector<ObjectId> mParameters;
     /// Growing lists. The first is empty.

@@ -1,5 +1,5 @@
-// Every name of a data model once, with a small number for each. `ModelStore` keeps the numbers in
-// its records; the bytes never move while the pool lives.
+// Keeps every name of a data model once and gives it a small number. `ModelStore` keeps the numbers
+// in its records; the bytes never move while the pool lives.
 #pragma once
 
 #include "core/HashSlots.h"
@@ -28,7 +28,7 @@ public:
     /// The number of a name; none if it was never added.
     [[nodiscard]] std::optional<NameId> Find(std::string_view name) const;
 
-    /// The name of a number that the pool gave out. Valid as long as the pool lives.
+    /// The name of a number from this pool. Valid as long as the pool lives.
     [[nodiscard]] std::string_view Text(NameId name) const {
         return {mNames[name].bytes, mNames[name].length};
     }
@@ -37,7 +37,7 @@ private:
     struct Name {
         const char* bytes = nullptr;
         std::uint32_t length = 0;
-        /// The name that was asked for after this one the last time.
+        /// The name that was asked for after this one last time.
         NameId next = 0;
     };
 
@@ -51,11 +51,11 @@ private:
     std::vector<std::unique_ptr<char[]>> mChunks;
     char* mFree = nullptr;
     std::size_t mFreeSize = 0;
-    /// Of the last chunk. The first is twice as large: most models are small.
+    /// Size of the last chunk in bytes. The first is twice as large: most models are small.
     std::size_t mChunkSize = std::size_t{8} << 10U;
     std::size_t mLongestName = 0;
-    /// What `Intern` gave out last. Units over the same headers have the same names in the same
-    /// order.
+    /// The last result of `Intern`. Units that include the same headers have the same names in the
+    /// same order.
     NameId mLast = 0;
 };
 

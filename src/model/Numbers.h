@@ -20,7 +20,7 @@ constexpr std::uint64_t Joined(std::uint32_t upper, std::uint32_t lower) {
     return (std::uint64_t{upper} << 32U) | lower;
 }
 
-/// A position in the 32 bits that it is kept in.
+/// A position as the 32 bits in which it is kept.
 /// @throws std::length_error beyond 2^32 - 1
 inline std::uint32_t AsPosition(std::size_t position) {
     if (position > std::numeric_limits<std::uint32_t>::max()) {

@@ -11,7 +11,7 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// Items by position, from 0. A reference to one ends with the next addition.
+/// Items by position, from 0. A reference to an item is valid until the next addition.
 template <typename Item>
 class PieceList {
     static_assert(std::is_trivially_copyable_v<Item>);
@@ -26,7 +26,7 @@ public:
         return mPieces[position / kPieceSize][position % kPieceSize];
     }
 
-    /// After it, one item can be added without asking for memory.
+    /// Afterwards one item can be added without allocation.
     void MakeRoom() {
         if (mSize == mRoom) {
             mSize < kPieceSize ? GrowFirstPiece() : AddPiece();
@@ -40,13 +40,13 @@ public:
     }
 
 private:
-    // Pieces of more than a mebibyte fit into what the passes before delivery gave back. Smaller
-    // ones would go into gaps between memory in use, which nobody has touched yet.
+    // Pieces above one MiB fit into memory that the passes before delivery released. Smaller ones
+    // would go into small gaps in pages that were never touched.
     static constexpr std::size_t kPieceBytes = std::size_t{2} << 20U;
     static constexpr std::size_t kPieceSize = std::bit_floor(kPieceBytes / sizeof(Item));
     static constexpr std::size_t kFirstRoom = 64;
 
-    /// Most models are small: the only piece doubles until it is as large as all further ones.
+    /// Most models are small: the first piece doubles until it has the size of all later ones.
     void GrowFirstPiece() {
         const std::size_t room = std::max(kFirstRoom, 2 * mRoom);
         auto piece = std::make_unique_for_overwrite<Item[]>(room);

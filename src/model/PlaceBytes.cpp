@@ -18,8 +18,8 @@ bool IsSaneBitField(const Model::Place& place) {
            place.bitOffset + place.bitSize <= (place.size + 1) * sBitsPerByte;
 }
 
-// Bit 13 of a unit of 4 bytes lies in the byte at 1 of a little-endian unit, in the one at 2 of a
-// big-endian unit.
+// Bit 13 of a 4-byte unit lies in byte 1 of a little-endian unit, and in byte 2 of a big-endian
+// unit.
 ByteSpan BytesOf(const Model::Place& place, ByteOrder byteOrder) {
     if (!IsSaneBitField(place)) {
         return {place.address, place.size};

@@ -9,8 +9,8 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-/// Names may hold the separator themselves, so that several ends of a qualified name are tried as
-/// an object's own name.
+/// Names may contain the separator themselves, so that several ends of a qualified name are tried
+/// as the object's own name.
 constexpr std::size_t sMostOwnNames = 256;
 constexpr std::string_view sSeparator = "::";
 

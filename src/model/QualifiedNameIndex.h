@@ -18,12 +18,12 @@ public:
     /// @param model borrowed; must not change during the life of the index
     explicit QualifiedNameIndex(const Model& model);
 
-    /// The objects whose `Model::QualifiedName` is this text, in the order of delivery. "::" in
-    /// front of the text is left aside.
+    /// The objects whose `Model::QualifiedName` is this text, in the order of delivery. A leading
+    /// "::" is ignored.
     [[nodiscard]] std::vector<ObjectId> Find(std::string_view qualifiedName) const;
 
 private:
-    /// An object by the hash of its own name.
+    /// An object with the hash of its own name.
     struct Entry {
         std::uint32_t hash;
         std::uint32_t id;

@@ -6,7 +6,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-/// True for kinds whose `Record::detail` says something.
+/// True for kinds that use `Record::detail`.
 constexpr bool HasDetail(ObjectKind kind) {
     switch (kind) {
     case ObjectKind::Member:
@@ -56,9 +56,9 @@ Record RecordList::At(std::size_t position) const {
 
 std::uint32_t RecordList::Add(const Record& record) {
     const std::uint32_t position = AsPosition(Size());
-    // A scope that comes later than what lies in it, or is the object itself, has no chain.
+    // A scope that is the object itself or comes after its contents has no chain.
     const bool isInScope = record.scope != 0 && record.scope < position;
-    // Memory first: should it end, nothing has changed.
+    // Allocate first: if that fails, nothing has changed.
     mTraits.MakeRoom();
     mPlaces.MakeRoom();
     const std::uint32_t scopeRest = isInScope ? RestOfScope(record.scope) : 0;
@@ -131,7 +131,7 @@ RecordList::NarrowRecord RecordList::Narrowed(const Record& record) {
     return narrow;
 }
 
-/// The type has to be in the chain of the scope, since it doesn't keep what follows it there.
+/// The type must be in the chain of the scope, since it doesn't keep its successor there.
 bool RecordList::CanShareLastRecord(const Record& function) const {
     if (function.kind != ObjectKind::Function || UpperHalf(function.value) != 0) {
         return false;

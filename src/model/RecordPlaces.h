@@ -1,5 +1,5 @@
-// Where the record of an object lies, when some objects have none of their own and join that of the
-// object before: a bit for each object, and a count for every 64.
+// Where the record of an object lies, when some objects have none of their own and share that of
+// the object before: a bit for each object, and a count for every 64.
 #pragma once
 
 #include "model/PieceList.h"
@@ -13,11 +13,11 @@ namespace Tessel::Norn::Brindle::DataModel {
 /// Places of records by position of the object. Both count from 0.
 class RecordPlaces {
 public:
-    /// After it, one object can be added without asking for memory.
+    /// Afterwards one object can be added without allocation.
     void MakeRoom() { mBlocks.MakeRoom(); }
 
-    /// Adds the object behind the last one.
-    /// @param joins it has the record of the object before
+    /// Adds the object after the last one.
+    /// @param joins it uses the record of the object before
     void Add(bool joins) {
         const std::size_t bit = mSize++ % kBlockSize;
         if (bit == 0) {
@@ -34,7 +34,7 @@ public:
         const Block& block = mBlocks[position / kBlockSize];
         const std::uint64_t upToHere =
             block.joined & (~std::uint64_t{0} >> (kBlockSize - 1 - position % kBlockSize));
-        // Counting bits is a call of the compiler's library where the processor may be old.
+        // On older processors, counting bits is a call of the compiler's library.
         const int joinedHere = upToHere != 0 ? std::popcount(upToHere) : 0;
         return position - block.joinedBefore - static_cast<std::size_t>(joinedHere);
     }

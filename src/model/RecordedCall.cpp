@@ -17,7 +17,7 @@ void AppendCharacter(std::string& text, char character) {
     }
 }
 
-/// Appends values of all sorts in the form of the text.
+/// Appends values of all types in the form of the text.
 class ValueAppender {
 public:
     explicit ValueAppender(std::string& text)

@@ -26,7 +26,7 @@ struct RecordedArgument {
     RecordedValue value;
 };
 
-/// One call with what it was given and what it answered.
+/// One call with its arguments and its result.
 struct BRINDLE_EXPORT RecordedCall {
     /// The operation's name in `HostDataModel`.
     std::string_view operation;

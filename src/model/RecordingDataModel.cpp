@@ -43,7 +43,7 @@ void AppendArguments(std::vector<RecordedArgument>& arguments, std::string_view 
     AppendArguments(arguments, others...);
 }
 
-/// Arguments from their names and values in turn.
+/// Arguments from alternating names and values.
 template <typename... NamesAndValues>
 std::vector<RecordedArgument> Arguments(const NamesAndValues&... namesAndValues) {
     std::vector<RecordedArgument> arguments;

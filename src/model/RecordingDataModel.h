@@ -1,5 +1,5 @@
-// A data model that writes down every call and hands it on: it serves tests that compare the order
-// of a delivery, and the program's trace. It holds no objects of its own.
+// A data model that records every call and passes it on: for tests that compare the order of a
+// delivery, and for the program's trace. It holds no objects of its own.
 #pragma once
 
 #include "../core/Export.h"
@@ -14,11 +14,11 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// Forwards each operation to the next data model, then records it with its result. A call that the
-/// next model leaves by an exception is not recorded, and the exception passes through.
+/// Forwards each operation to the next data model, then records it with its result. If the next
+/// model throws, the call is not recorded and the exception passes through.
 class BRINDLE_EXPORT RecordingDataModel final : public Factory::HostDataModel {
 public:
-    /// Receives each call once it is answered. The call is valid as long as the sink runs.
+    /// Receives each call after it was answered. The call is valid until the sink returns.
     using Sink = std::function<void(const RecordedCall&)>;
 
     /// Keeps the calls for `Calls`. The next model is borrowed and must outlive this one.
@@ -29,7 +29,7 @@ public:
     /// The calls so far, in order; empty for a model that gives them to a sink.
     [[nodiscard]] const std::vector<RecordedCall>& Calls() const { return mCalls; }
 
-    /// Passed on, and no call of the record.
+    /// Passed on, and not recorded.
     void DescribeImage(const ImageDescription& image) override { mNext.DescribeImage(image); }
     ObjectId GetGlobalNamespace() override;
     ObjectId GetNamespace(const std::string& namespaceName, ObjectId objIdParentScope) override;

@@ -1,5 +1,5 @@
-// Types as C declarations without a name, for the host's eye. Implements `Model::TypeText` on
-// the other queries; whatever a type refers to, the text and the time for it stay bounded.
+// Types as C declarations without a name, for people. Implements `Model::TypeText` on the other
+// queries; whatever a type refers to, the text and the time for it stay bounded.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
 #include "model/ScopeNames.h"
@@ -10,7 +10,7 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-/// Function types within parameters of function types are told to this depth.
+/// Function types within parameters of function types are written to this depth.
 constexpr int sDeepestParameters = 32;
 constexpr std::string_view sEllipsis = "...";
 
@@ -18,7 +18,7 @@ std::string WithNumber(std::string_view name, std::uint64_t number) {
     return std::string(name).append("(").append(std::to_string(number)).append(")");
 }
 
-/// Integers whose width has no value of its own come under the names of C that say none.
+/// Integers of a width without a basic type come as `Long`; their size gives them their name.
 std::string LongName(std::string_view name, std::string_view nameWithWidth, std::uint64_t size) {
     return size == 0 || size == 4 || size == 8
                ? std::string(name)
@@ -69,7 +69,7 @@ std::string BaseName(BasicTypes basicType, std::uint64_t size) {
     return WithNumber("notype", size);
 }
 
-/// What stands for a type whose name is empty.
+/// Stands for a type whose name is empty.
 std::string_view KindName(ObjectKind kind) {
     switch (kind) {
     case ObjectKind::Class:
@@ -83,14 +83,14 @@ std::string_view KindName(ObjectKind kind) {
     }
 }
 
-/// What stands around the place of the name in a declaration.
+/// The text on both sides of the name in a declaration.
 class Declarator {
 public:
     void AddPointer() {
         mBefore += '*';
         mEndsInPointer = true;
     }
-    /// Adds what follows the name: dimensions or parameters. Pointers so far then bind first.
+    /// Adds what follows the name: dimensions or parameters. Earlier pointers then bind first.
     void AddBehind(std::string_view text) {
         if (mEndsInPointer) {
             mBefore += '(';
@@ -113,14 +113,14 @@ public:
     }
 
 private:
-    /// From the name outwards, thus in reverse.
+    /// From the name outwards, so in reverse.
     std::string mBefore;
     std::string mBehind;
     bool mEndsInPointer = false;
 };
 
-/// Writes one text. All its parts draw on the same room, so that types that refer to each other
-/// many times over can't make it long.
+/// Writes one text. All its parts share one limit, so that types that refer to each other many
+/// times can't make it long.
 class TypeTextWriter {
 public:
     TypeTextWriter(const Model& model, const ModelStore& store)
@@ -157,7 +157,7 @@ public:
     }
 
 private:
-    /// False if the room is used up.
+    /// False if the limit is used up.
     bool Take(std::size_t size) {
         mRoom -= std::min(mRoom, size);
         return mRoom > 0;

@@ -19,7 +19,7 @@ namespace {
 constexpr std::uint64_t sBitsPerByte = 8;
 constexpr std::uint64_t sLargestNumber = 8;
 
-/// How the bits of a number are taken.
+/// How the bits of a number are interpreted.
 enum class Notation : std::uint8_t { None, Signed, Unsigned, Boolean, Float };
 
 Notation NotationOf(BasicTypes type) {
@@ -60,7 +60,7 @@ std::uint64_t BitsOf(std::span<const std::uint8_t> bytes, ByteOrder byteOrder,
                      std::uint64_t firstBit) {
     std::uint64_t bits = 0;
     for (std::size_t index = 0; index < bytes.size(); ++index) {
-        // From the most significant byte on.
+        // From the most significant byte down.
         const std::uint8_t byte =
             bytes[byteOrder == ByteOrder::Big ? index : bytes.size() - 1 - index];
         const bool isLast = index + 1 == bytes.size();
@@ -106,7 +106,7 @@ PlaceNumber NumberOf(std::uint64_t bits, std::uint64_t width, Notation notation)
     case Notation::Unsigned:
         return bits;
     case Notation::Boolean:
-        // Other bits were never written as a truth value, and are worth seeing.
+        // Other bit patterns were never written as a truth value, and are worth seeing.
         return bits <= 1 ? PlaceNumber(bits == 1) : PlaceNumber(bits);
     case Notation::Float:
         return width == 16   ? PlaceNumber(HalfOf(bits))
@@ -119,7 +119,7 @@ PlaceNumber NumberOf(std::uint64_t bits, std::uint64_t width, Notation notation)
     return {};
 }
 
-/// A section whose name says that the program's start leaves it alone.
+/// True for a section whose name says that the program's start doesn't initialize it.
 bool IsLeftAlone(std::string_view sectionName) {
     std::string name;
     for (const char character : sectionName) {
@@ -134,13 +134,13 @@ bool IsPrintable(std::uint8_t byte) {
     return (byte >= 0x20 && byte != 0x7F) || (byte >= '\t' && byte <= '\r');
 }
 
-/// The text that fills bytes, with nothing but zeros behind it; empty if they hold anything else.
+/// The text that fills bytes, followed only by zeros; empty if they hold anything else.
 std::string TextIn(std::span<const std::uint8_t> bytes) {
     const auto end = std::ranges::find(bytes, 0);
     const bool isText = std::all_of(bytes.begin(), end, IsPrintable) &&
                         std::all_of(end, bytes.end(), [](std::uint8_t byte) { return byte == 0; });
     const std::string text(bytes.begin(), end);
-    // Bytes that are no UTF-8 may be text of another encoding, and may be numbers.
+    // Bytes that aren't UTF-8 may be text of another encoding, or numbers.
     return isText && Reader::DWARF::ToHostText(text) == text ? text : std::string();
 }
 
@@ -218,7 +218,7 @@ void ValueDecoder::DecodeNumber(const Model::Place& place, std::span<const std::
     Notation notation =
         NotationOf(isEnum ? mModel.Object(mModel.WithoutTypedefs(type.type)) : type);
     if (isEnum && notation == Notation::None) {
-        // Of what some enums are made of only the size is known.
+        // For the integer type of some enums only the size is known.
         notation = Notation::Unsigned;
     }
     const std::uint64_t firstBit = place.isBitField ? place.bitOffset % sBitsPerByte : 0;

@@ -14,38 +14,38 @@
 
 namespace Tessel::Norn::Brindle::DataModel {
 
-/// What is known of a value.
+/// What is known about a value.
 enum class ValueOrigin : std::uint8_t {
-    /// No one section holds the whole place, or nothing says what the section holds: memory that
-    /// the start of the program leaves alone, and the cleared sections of TI COFF, which its start
-    /// need not clear.
+    /// No single section holds the whole place, or its contents are undefined: memory that the
+    /// start of the program doesn't initialize, and the cleared sections of TI COFF, which need not
+    /// be cleared.
     Unknown,
-    /// The bytes stand in the file, or came from the host.
+    /// The bytes are in the file, or came from the host.
     Bytes,
     /// Memory without bytes in the file, which is zero when the program starts.
     Cleared,
 };
 
-/// A number as its type takes the bits. Floats of 2 bytes come as `float`.
+/// A number as its type interprets the bits. Floats of 2 bytes come as `float`.
 using PlaceNumber = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, float, double>;
 
 /// The value of one place.
 struct PlaceValue {
     /// Whether there is a value at all.
     ValueOrigin origin = ValueOrigin::Unknown;
-    /// Of a base type, enum, pointer or bit field of at most 64 bits; nothing where the value is
+    /// For a base type, enum, pointer or bit field of at most 64 bits; empty if the value is
     /// unknown and for any other type.
     PlaceNumber number;
-    /// The number is a pointer's.
+    /// The number is the value of a pointer.
     bool isAddress = false;
-    /// The enumerator of the number; or the text that an array of integers of one byte holds.
-    /// Valid UTF-8; empty if there is none.
+    /// The name of the enumerator of this value, or the text in an array of 1-byte integers. Valid
+    /// UTF-8; empty if there is none.
     std::string text;
 };
 
-/// Decodes the values of one model. An array counts as text if it is one of integers of one byte,
-/// has one dimension or its last one left, and holds nothing but characters up to its end or up to
-/// zeros that fill it; up to 64 KiB.
+/// Decodes the values of one model. An array counts as text if its elements are integers of one
+/// byte, one dimension is left, and it holds only characters up to its end or up to the zeros that
+/// fill it; up to 64 KiB.
 class BRINDLE_EXPORT ValueDecoder {
 public:
     /// @param model borrowed; must not change during the life of the decoder
@@ -54,13 +54,13 @@ public:
     /// What a place holds when the program starts. Not to be called by several threads at once.
     PlaceValue InitialValue(const Model::Place& place);
 
-    /// What a place holds by bytes that the host has.
-    /// @param bytes those that `BytesOf` names, in the order of their addresses; of another number
-    ///     they give no value
+    /// The value of a place from bytes that the host has.
+    /// @param bytes the bytes that `BytesOf` names, in the order of their addresses; with another
+    ///     count there is no value
     PlaceValue Decode(const Model::Place& place, std::span<const std::uint8_t> bytes);
 
 private:
-    /// Names by the 32 bits that the model keeps of a value; of several the first one.
+    /// Names by the 32 bits that the model keeps of a value; the first if there are several.
     using EnumeratorNames = std::unordered_map<std::int32_t, std::string_view>;
 
     [[nodiscard]] bool HasValue(const Model::Place& place) const;
