@@ -9,7 +9,7 @@ namespace Tessel::Norn::Brindle::CInterface {
 
 namespace {
 
-/// A larger size is one that was never set.
+/// A larger size means that the host never set it.
 constexpr std::size_t sLargestStructure = 64 * 1024;
 
 } // namespace

@@ -1,5 +1,5 @@
-// What every entry of the C interface does at its border: keeping exceptions in, copying structures
-// of any version, and giving out text.
+// What every function of the C interface does at its border: catch exceptions, copy structures of
+// any version, and hand out text.
 #pragma once
 
 #include "brindle.h"
@@ -42,7 +42,7 @@ bool TakeStructure(const Structure* given, Structure& known) {
     return true;
 }
 
-/// Gives a structure to the host, as much as it knows of it.
+/// Gives a structure to the host, as far as the host's version knows its members.
 /// @return false if the host has none or it states no size
 template <typename Structure>
 bool GiveStructure(const Structure& known, Structure* wanted) {
@@ -53,14 +53,14 @@ bool GiveStructure(const Structure& known, Structure* wanted) {
     return true;
 }
 
-/// Where a host wants a text: the last arguments of an entry that gives one.
+/// Where a host wants a text: the last arguments of a function that returns one.
 struct TextTarget {
     char* buffer;
     std::size_t capacity;
     std::size_t* length;
 };
 
-/// Gives a text to the host, cut between characters where the buffer is too small.
+/// Gives a text to the host, cut between characters if the buffer is too small.
 brindle_status GiveText(std::string_view text, const TextTarget& target);
 
 /// A view of the library's own text.

@@ -1,6 +1,6 @@
 // The handles that the C interface gives out: numbers that stand for objects of the library. Every
-// entry of the interface turns its handle into an object here, so that one that was never given out
-// or is destroyed does no harm.
+// function of the interface looks its handle up here, so that an unknown or destroyed handle does
+// no harm.
 #pragma once
 
 #include <atomic>
@@ -19,7 +19,7 @@ inline std::uintptr_t NewHandleNumber() {
     static std::atomic<std::uintptr_t> sLast = 0;
     const std::uintptr_t number = ++sLast;
     if (number == 0) {
-        // All numbers are used up; one that comes again might name a new object for an old one.
+        // All numbers are used up. A reused one might turn an old handle into a new object.
         --sLast;
         throw std::bad_alloc();
     }
@@ -51,7 +51,7 @@ public:
         return found == mObjects.end() ? nullptr : found->second;
     }
 
-    /// Ends a handle and gives its object, null for any other value.
+    /// Ends a handle and returns its object; null for any other value.
     std::shared_ptr<Object> Remove(Handle handle) {
         const std::scoped_lock lock(mMutex);
         const auto found = mObjects.find(std::bit_cast<std::uintptr_t>(handle));

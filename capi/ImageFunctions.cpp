@@ -1,5 +1,4 @@
-// The entries of the C interface that tell what a file says of itself: its target, its sections and
-// their bytes.
+// The functions of the C interface that describe a file: its target, its sections and their bytes.
 #include "ModelCalls.h"
 
 #include "host/ImageDescription.h"

@@ -17,7 +17,7 @@ using Reader::DWARF::OptionDescription;
 
 namespace {
 
-/// What a host asks for with its number, or nothing if it has no meaning.
+/// The container for a host's number; nothing if the number has no meaning.
 std::optional<DWARFContainerType> ContainerOf(brindle_container container, const Input& input) {
     switch (container) {
     case BRINDLE_CONTAINER_AUTO:
@@ -65,7 +65,7 @@ Outcome TakeInput(const brindle_input* given, Input& input) {
 }
 
 SettingScope::~SettingScope() {
-    // The last one first, since an option may be named twice.
+    // In reverse order, since an option may be named twice.
     while (!mPutBack.empty()) {
         mPutBack.back()();
         mPutBack.pop_back();

@@ -1,4 +1,4 @@
-// What one read of the C interface is asked for, taken over from the host's words.
+// The request for one read, taken over from the structures of the C interface.
 #pragma once
 
 #include "brindle.h"
@@ -13,7 +13,7 @@
 
 namespace Tessel::Norn::Brindle::CInterface {
 
-/// How a call ended, with a text where the status alone says too little.
+/// How a call ended, with a text if the status says too little.
 struct Outcome {
     brindle_status status = BRINDLE_OK;
     std::string text = {};
@@ -25,17 +25,17 @@ struct Input {
     /// The file in memory; null to open the path.
     Reader::DWARF::FileContent content;
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
-    /// Wait for a read that runs, rather than refuse this one.
+    /// Wait for a running read to end, rather than refuse this one.
     bool waits = false;
-    /// Options of this read alone, by name and value.
+    /// Options for only this read, by name and value.
     std::vector<std::pair<std::string, std::string>> settings;
 };
 
-/// Takes over what a host asks for.
-/// @return BRINDLE_OK, or why there is no such read
+/// Takes over the host's request.
+/// @return BRINDLE_OK, or why such a read is impossible
 Outcome TakeInput(const brindle_input* given, Input& input);
 
-/// Sets options for the length of one read, and puts their former values back.
+/// Sets options for the length of one read, and restores their former values afterwards.
 class SettingScope {
 public:
     SettingScope() = default;
@@ -46,7 +46,7 @@ public:
     SettingScope& operator=(SettingScope&&) = delete;
 
     /// Sets one option after the other.
-    /// @return BRINDLE_OK, or which one there is not, or takes no such value
+    /// @return BRINDLE_OK, or the first option that doesn't exist or refuses its value
     Outcome Set(const std::vector<std::pair<std::string, std::string>>& settings);
 
 private:

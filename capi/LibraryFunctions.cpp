@@ -1,4 +1,4 @@
-// The entries of the C interface that concern no reader and no model: versions, statuses,
+// The functions of the C interface that need neither reader nor model: versions, statuses,
 // containers and options.
 #include "Calls.h"
 #include "ReadGate.h"

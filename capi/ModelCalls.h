@@ -1,5 +1,5 @@
-// What the entries that ask a model have in common: finding the model of a handle, and giving out
-// what was found in it.
+// Shared by the functions that query a model: finding the model of a handle, and returning what was
+// found in it.
 #pragma once
 
 #include "Calls.h"
@@ -22,7 +22,7 @@ brindle_status ForModel(brindle_model model, Work&& work) {
     });
 }
 
-/// Gives out what `find` finds in the model: a number, or nothing.
+/// Returns what `find` finds in the model: a number, or nothing.
 template <typename Value, typename Find>
 brindle_status GiveValue(brindle_model model, Value* value, Find&& find) {
     if (value == nullptr) {
@@ -36,7 +36,7 @@ brindle_status GiveValue(brindle_model model, Value* value, Find&& find) {
     });
 }
 
-/// Gives out what `find` finds in the model: a structure, or nothing.
+/// Returns what `find` finds in the model: a structure, or nothing.
 template <typename Structure, typename Find>
 brindle_status GiveFound(brindle_model model, Structure* structure, Find&& find) {
     if (!GiveStructure(Structure{}, structure)) {
@@ -51,7 +51,7 @@ brindle_status GiveFound(brindle_model model, Structure* structure, Find&& find)
     });
 }
 
-/// The limits of a walk over leaves as a host states them, 0 for the usual one.
+/// The limits of a walk over leaves as a host states them; 0 becomes the default.
 inline DataModel::LeafLimits LimitsOf(std::uint64_t arrayElements, std::uint64_t leaves) {
     DataModel::LeafLimits limits;
     limits.arrayElements = arrayElements == 0 ? limits.arrayElements : arrayElements;

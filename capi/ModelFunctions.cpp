@@ -1,4 +1,4 @@
-// The entries of the C interface that concern a model.
+// The functions of the C interface that take a model.
 #include "Calls.h"
 #include "ModelCalls.h"
 
@@ -69,7 +69,7 @@ bool IsWanted(brindle_kind wanted, const ModelObject& object) {
     return wanted == BRINDLE_KIND_ANY || wanted == KindOf(object.kind);
 }
 
-/// Refuses a call whose arguments make no sense.
+/// Refuses a call whose arguments have no meaning.
 brindle_status Refused(brindle_id* result) {
     if (result != nullptr) {
         *result = 0;
@@ -77,7 +77,7 @@ brindle_status Refused(brindle_id* result) {
     return BRINDLE_INVALID_ARGUMENT;
 }
 
-/// Gives out the text of an object.
+/// Returns the text of an object.
 template <typename Write>
 brindle_status GiveObjectText(brindle_model model, brindle_id id, const TextTarget& target,
                               Write&& write) {
@@ -158,7 +158,7 @@ std::optional<brindle_id> NextOfKind(const Model& model, brindle_kind kind, brin
     return std::nullopt;
 }
 
-/// Ends a walk over leaves from within.
+/// Thrown by a visitor to end a walk over leaves.
 class WalkEnded {};
 
 void WalkLeaves(const Model& model, brindle_id global, DataModel::LeafWalk& walk,
@@ -171,7 +171,7 @@ void WalkLeaves(const Model& model, brindle_id global, DataModel::LeafWalk& walk
         model.ForEach(ObjectKind::Global,
                       [&](const ModelObject& variable) { walk.Walk(variable.id, visit); });
     } catch (const WalkEnded&) {
-        // What was left out until then is told like after a whole walk.
+        // The cuts so far are reported as after a whole walk.
     }
 }
 

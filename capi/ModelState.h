@@ -15,8 +15,8 @@
 
 namespace Tessel::Norn::Brindle::CInterface {
 
-/// A model and what is asked of it again and again. It is filled by one read before its handle is
-/// given out, and only asked from then on.
+/// A model and the indexes for its queries. One read fills it before its handle is given out; from
+/// then on it is only queried.
 class ModelState {
 public:
     DataModel::Model& Model() { return mModel; }
@@ -25,10 +25,10 @@ public:
     /// Size in bytes of the first pointer type of the finished model; 0 if there is none.
     std::uint64_t PointerSize();
 
-    /// See `Model::InitialBytes`, which one thread at a time may ask.
+    /// See `Model::InitialBytes`, which only one thread at a time may call.
     std::vector<std::uint8_t> InitialBytes(std::uint64_t address, std::uint64_t size);
 
-    /// See `DataModel::AddressLookup`, which one thread at a time may ask.
+    /// See `DataModel::AddressLookup`, which only one thread at a time may call.
     std::vector<DataModel::AddressHit> FindAddress(std::uint64_t address);
 
     /// The index of the finished model, made with the first call.

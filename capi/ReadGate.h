@@ -1,5 +1,5 @@
-// Keeps reads of the process apart: options, language and error state belong to all of them, so
-// that one read runs at a time and nothing changes these meanwhile.
+// Keeps reads of the process apart. They share options, language and error state, so that only one
+// read runs at a time and nothing changes these during it.
 #pragma once
 
 #include <condition_variable>
@@ -11,13 +11,13 @@ namespace Tessel::Norn::Brindle::CInterface {
 /// Held for the length of a read.
 class ReadGate {
 public:
-    /// Begins a read unless one runs.
+    /// Begins a read unless another one is running.
     ReadGate()
         : ReadGate([] { return true; }) {}
 
-    /// Waits for the read that runs, then begins one. A callback of the read that runs would wait
-    /// for itself: there nothing waits.
-    /// @param isGivenUp tells whether to wait no longer; asked again after each `Wake`
+    /// Waits for the running read, then begins one. Does not wait on the thread of the running
+    /// read, such as in its callback: it would wait for itself.
+    /// @param isGivenUp true to stop waiting; asked again after each `Wake`
     template <typename GivenUp>
     explicit ReadGate(GivenUp&& isGivenUp) {
         std::unique_lock lock(sMutex);
@@ -42,16 +42,16 @@ public:
     ReadGate(ReadGate&&) = delete;
     ReadGate& operator=(ReadGate&&) = delete;
 
-    /// False if another read ran; this one then must not begin.
+    /// False if another read is running; this one then must not begin.
     [[nodiscard]] bool IsOpen() const { return mIsOpen; }
 
-    /// Has those that wait look whether they are given up.
+    /// Makes those that wait check whether they are given up.
     static void Wake() {
         const std::scoped_lock lock(sMutex);
         sChange.notify_all();
     }
 
-    /// Runs `work` on the state of the process, unless a read runs. No read begins meanwhile.
+    /// Runs `work` on the state of the process, unless a read is running. No read begins meanwhile.
     /// @return what `work` returns, or `busy`
     template <typename Result, typename Work>
     static Result BetweenReads(Result busy, Work&& work) {
@@ -63,7 +63,7 @@ private:
     static inline std::mutex sMutex;
     static inline std::condition_variable sChange;
     static inline bool sIsReading = false;
-    /// The thread of the read that runs.
+    /// The thread of the running read.
     static inline std::thread::id sReader;
     bool mIsOpen = false;
 };

@@ -1,4 +1,4 @@
-// The entries of the C interface that concern a reader.
+// The functions of the C interface that take a reader.
 #include "Calls.h"
 #include "ModelState.h"
 #include "ReadGate.h"
@@ -46,7 +46,7 @@ brindle_status ForReader(brindle_reader reader, Work&& work) {
     });
 }
 
-/// False where the read never began, so that there is nothing to keep of it.
+/// False if the read never began, so that there is no model to keep.
 bool HasRead(brindle_status status) {
     constexpr std::array refusals = {BRINDLE_BUSY, BRINDLE_INVALID_ARGUMENT, BRINDLE_NOT_FOUND,
                                      BRINDLE_INVALID_VALUE};
@@ -56,7 +56,7 @@ bool HasRead(brindle_status status) {
 /// Reads into a model of the library, whose handle the host gets if the read began.
 Outcome ReadIntoModel(ReaderState& state, const Input& input, brindle_model* model) {
     const auto modelState = std::make_shared<ModelState>();
-    // Before the read, so that nothing can fail once it has run.
+    // Before the read, so that nothing can fail after it.
     brindle_model handle = ModelTable::Instance().Add(modelState);
     Outcome outcome = state.Read(input, modelState->Model());
     if (HasRead(outcome.status)) {

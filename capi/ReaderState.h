@@ -24,19 +24,19 @@ public:
     void SetReadAllTypes(bool readAllTypes);
     void SetCallbacks(const brindle_callbacks& callbacks);
 
-    /// Reads a file and delivers it, unless a read runs in the process and the input doesn't wait
-    /// for it. Whatever the read throws ends here.
+    /// Reads a file and delivers it, unless another read is running and the input doesn't wait for
+    /// it. Exceptions of the read end here.
     Outcome Read(const Input& input, DataModel::Factory::HostDataModel& model);
 
-    /// Makes the read that runs throw `ReadCancelled` with its next callback or delivered object,
-    /// and those that wait wait no longer.
+    /// Makes the running read throw `ReadCancelled` at its next callback or delivered object, and
+    /// waiting reads give up.
     void Cancel();
-    /// The flag that a data model of this reader looks at.
+    /// The flag that a data model of this reader checks.
     [[nodiscard]] const std::atomic<bool>& IsCancelled() const { return mIsCancelled; }
 
     void Remember(Outcome outcome);
     [[nodiscard]] Outcome LastOutcome() const;
-    /// A remark of the latest read; nothing behind the last one.
+    /// A remark of the latest read; nothing for an index after the last one.
     [[nodiscard]] std::optional<Reader::DWARF::ReadRemark> RemarkAt(std::size_t index) const;
 
 private:
@@ -52,7 +52,7 @@ private:
     Reader::DWARF::ReadRemarks mRemarks;
 
     std::atomic<bool> mIsCancelled = false;
-    /// Counts the calls of `Cancel`: one that came before a read began to wait is not for it.
+    /// Number of calls of `Cancel`: a call made before a read began to wait doesn't apply to it.
     std::atomic<std::uint64_t> mCancelCount = 0;
 };
 

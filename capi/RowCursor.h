@@ -1,6 +1,6 @@
-// The variables or leaves of a model as rows in columns, a block at a time: what the C interface
-// gives to hosts that want many and for which a call or a callback for each would cost most of the
-// time.
+// The variables or leaves of a model as rows in columns, a block at a time: for hosts
+// that want many of them, and would spend most of the time on a call or callback for
+// each.
 #pragma once
 
 #include "HandleTable.h"
@@ -19,20 +19,20 @@
 
 namespace Tessel::Norn::Brindle::CInterface {
 
-/// What rows stand for.
+/// What a row stands for.
 enum class RowKind : std::uint8_t { Variables, Leaves };
 
-/// Walks through a model once. May be used on any thread; one at a time advances.
+/// Walks through a model once. May be used on any thread; concurrent calls wait for each other.
 class RowCursor {
 public:
     /// @param model kept alive
-    /// @param globals the variables that are wanted, in the order in which they are; empty for all
+    /// @param globals the wanted variables in the wanted order; empty for all
     /// @param limits of leaves
     RowCursor(std::shared_ptr<ModelState> model, RowKind kind, std::vector<brindle_id> globals,
               const DataModel::LeafLimits& limits);
 
-    /// The next rows: those of whole variables, at least as many as wanted unless the walk ends.
-    /// They are valid until the next call. No rows behind the last.
+    /// The next rows: all rows of whole variables, at least as many as wanted unless the walk ends.
+    /// They are valid until the next call. After the last row the block is empty.
     brindle_row_block Next(std::size_t wanted);
 
     /// What was left out so far.
@@ -48,7 +48,7 @@ private:
     std::shared_ptr<ModelState> mModel;
     RowKind mKind;
     std::vector<brindle_id> mGlobals;
-    /// Index in `mGlobals`, or the last identifier that was looked at.
+    /// Index in `mGlobals`, or the identifier that was visited last.
     std::size_t mPosition = 0;
     DataModel::LeafWalk mWalk;
 

@@ -1,4 +1,4 @@
-// The entries of the C interface that give variables and leaves as rows.
+// The functions of the C interface that return variables and leaves as rows.
 #include "ModelCalls.h"
 #include "RowCursor.h"
 
@@ -14,7 +14,7 @@ using CInterface::RowTable;
 
 namespace {
 
-/// Rows of a block if the host leaves it open: enough that a call costs nothing beside its rows.
+/// Default number of rows of a block: large enough that the cost of the call doesn't matter.
 constexpr std::size_t sUsualBlock = 16384;
 
 /// Runs `work`, which takes the cursor and returns a status.

@@ -1,5 +1,5 @@
-// A data model that hands each operation to a function of the host's table: the way from the reader
-// to a host that is not written in C++.
+// A data model that calls a function of the host's table for each operation: the way from the
+// reader to a host that is not written in C++.
 #pragma once
 
 #include "brindle.h"
@@ -17,7 +17,7 @@ namespace Tessel::Norn::Brindle::CInterface {
 class ReadCancelled {};
 
 /// Calls one function of the table for each operation; a missing one answers 0. After each call it
-/// looks whether the read was cancelled, and then throws `ReadCancelled`.
+/// throws `ReadCancelled` if the read was cancelled.
 class TableDataModel final : public DataModel::Factory::HostDataModel {
 public:
     using ObjectId = DataModel::ObjectId;

@@ -1,7 +1,7 @@
 /*
- * The C interface of Brindle: reads a build output of an embedded target and tells where its
+ * The C interface of Brindle: reads a build output of an embedded target and finds where its
  * variables lie, for hosts that are not written in C++. A host either lets the library keep what it
- * finds and walks the finished model, or receives each object as it is delivered.
+ * finds and queries the finished model, or receives each object as it is delivered.
  *
  *     brindle_reader reader = NULL;
  *     brindle_model model = NULL;
@@ -14,28 +14,28 @@
  *     brindle_model_destroy(model);
  *     brindle_reader_destroy(reader);
  *
- * Status. Functions that can fail return a brindle_status. A function that fails sets what it would
- * have given out to 0. Any argument may be wrong without harm as far as a C function can see it: a
- * handle that was never given out or is destroyed, an identifier that no object has and a null
- * pointer are told by the status. No exception leaves the library.
+ * Status. Functions that can fail return a brindle_status, and set their results to 0 if they do.
+ * Wrong arguments do no harm as far as a C function can detect them: an unknown or destroyed
+ * handle, an identifier without an object and a null pointer give an error status. No exception
+ * leaves the library.
  *
  * Text is UTF-8. Text that goes in ends with a null character. Text that comes out is of one of two
- * kinds: a brindle_text is owned by the library, has a length and ends with no null character; text
- * that is made for the call is copied into a buffer of the caller.
+ * kinds: a brindle_text is owned by the library and has a length, but no null character at the end;
+ * text that is made for the call is copied into a buffer of the caller.
  *
  * Structures begin with their size, which the host sets to sizeof the structure before a call.
- * Later versions add members at the end and functions, and change nothing that stands: a host that
- * was built with an older or a newer header works as long as it uses what both know.
+ * Later versions only add functions, and members at the end of structures: a host that was built
+ * with an older or a newer header works as long as it uses what both know.
  *
  * Threads. Every function may be called on any thread. One read runs in a process at a time, on the
- * thread that called for it, and so do its callbacks; while it runs, what would disturb it is
- * refused with BRINDLE_BUSY. Any number of threads may ask models at once.
+ * thread that called for it, and its callbacks run there too; meanwhile, calls that would disturb
+ * it return BRINDLE_BUSY. Any number of threads may query models at once.
  *
- * Callbacks are called only while the function that takes them runs, or while a reader reads that
- * holds them. They must return: an exception or a longjmp must not leave them. A host that can't go
- * on calls brindle_reader_cancel and returns 0.
+ * Callbacks are called only while the function that takes them runs, or while their reader reads.
+ * They must return normally: neither an exception nor a longjmp may leave them. A host that can't
+ * go on calls brindle_reader_cancel and returns 0.
  *
- * Nothing that is called here writes to the host's standard output.
+ * Nothing here writes to the host's standard output.
  */
 #ifndef BRINDLE_H
 #define BRINDLE_H
@@ -62,10 +62,10 @@ extern "C" {
 /** @name Basic types */
 /** @{ */
 
-/** A reader: what was set for its reads, and how its last call ended. A number, not an address. */
+/** A reader: the settings of its reads, and how its last call ended. A number, not an address. */
 typedef struct brindle_reader_handle* brindle_reader;
 
-/** What one read found. A number, not an address. */
+/** What one read delivered. A number, not an address. */
 typedef struct brindle_model_handle* brindle_model;
 
 /** Names an object of a model; 0 is none. */
@@ -88,21 +88,21 @@ enum {
     BRINDLE_READ_FAILED = 1,
     /** The read was ended by brindle_reader_cancel. */
     BRINDLE_CANCELLED = 2,
-    /** A read runs in this process. */
+    /** A read is running in this process. */
     BRINDLE_BUSY = 3,
-    /** The handle was never given out, is of the other kind, or is destroyed. */
+    /** The handle was never given out, is of another kind, or is destroyed. */
     BRINDLE_INVALID_HANDLE = 4,
     /** A pointer is null that must not be, a structure has no size, or a number has no meaning. */
     BRINDLE_INVALID_ARGUMENT = 5,
     /** There is nothing of this name, identifier or index. */
     BRINDLE_NOT_FOUND = 6,
-    /** The text is no value of the option. */
+    /** The option doesn't take the text as a value. */
     BRINDLE_INVALID_VALUE = 7,
     /** The text was cut to the buffer. */
     BRINDLE_BUFFER_TOO_SMALL = 8,
     BRINDLE_OUT_OF_MEMORY = 9,
-    /** An exception that the library doesn't know, such as one that a callback threw all the same.
-     */
+    /** An exception that the library doesn't know, such as one that a callback threw after
+     * all. */
     BRINDLE_INTERNAL_ERROR = 10
 };
 
@@ -122,22 +122,22 @@ enum {
 /** @name Library */
 /** @{ */
 
-/** Number of the interface of this header. It grows with each addition; what came after 1 says
- * since which number it is there. A host that must run with an older library asks
+/** Number of the interface of this header. It grows with each addition; a comment names the number
+ * for whatever came after 1. A host that must run with an older library asks
  * brindle_interface_version first. */
 #define BRINDLE_INTERFACE_VERSION 2
 
-/** BRINDLE_INTERFACE_VERSION as the loaded library was built. */
+/** BRINDLE_INTERFACE_VERSION of the loaded library. */
 BRINDLE_C_API int32_t brindle_interface_version(void);
 
-/** Version of the library, such as "0.1.0". Null-terminated and valid for ever. */
+/** Version of the library, such as "0.1.0". Null-terminated and valid forever. */
 BRINDLE_C_API const char* brindle_version(void);
 
-/** A status in English. Null-terminated and valid for ever. */
+/** A status in English. Null-terminated and valid forever. */
 BRINDLE_C_API const char* brindle_status_text(brindle_status status);
 
 /**
- * What kind of container a file is by its first bytes: ELF by its magic number, PE by "MZ", COFF by
+ * Detects the container of a file by its first bytes: ELF by its magic number, PE by "MZ", COFF for
  * anything else. A file without content, or that can't be read, counts as ELF.
  */
 BRINDLE_C_API brindle_status brindle_detect_container(const char* path,
@@ -146,23 +146,23 @@ BRINDLE_C_API brindle_status brindle_detect_container(const char* path,
 /** @} */
 /**
  * @name Options
- * Settings of all readers of the process, which survive from one read to the next. Names, meanings
- * and start values stand in docs/options.md.
+ * Settings of all readers of the process, which keep their values from one read to the next.
+ * docs/options.md lists their names, meanings and start values.
  */
 /** @{ */
 
 /** What an option holds. */
 typedef int32_t brindle_option_type;
 enum {
-    /** 32 bits with sign. */
+    /** 32 bits, signed. */
     BRINDLE_OPTION_INTEGER = 1,
-    /** 32 bits without sign. */
+    /** 32 bits, unsigned. */
     BRINDLE_OPTION_UNSIGNED = 2,
     BRINDLE_OPTION_BOOLEAN = 3,
     BRINDLE_OPTION_TEXT = 4
 };
 
-/** One option. The texts are valid for ever. */
+/** One option. The texts are valid forever. */
 typedef struct brindle_option {
     size_t struct_size;
     brindle_text name;
@@ -171,7 +171,7 @@ typedef struct brindle_option {
     brindle_option_type type;
 } brindle_option;
 
-/** The option of an index, from 0, in the order of their documentation. */
+/** An option by index, from 0, in the order of their documentation. */
 BRINDLE_C_API brindle_status brindle_option_at(size_t index, brindle_option* option);
 
 /**
@@ -179,7 +179,7 @@ BRINDLE_C_API brindle_status brindle_option_at(size_t index, brindle_option* opt
  *
  * @param name case-sensitive
  * @param value a number, decimal or with 0x; 0, 1, true or false; or the text itself
- * @return BRINDLE_NOT_FOUND, BRINDLE_INVALID_VALUE or BRINDLE_BUSY, with the option unchanged
+ * @return BRINDLE_NOT_FOUND, BRINDLE_INVALID_VALUE or BRINDLE_BUSY; the option is then unchanged
  */
 BRINDLE_C_API brindle_status brindle_option_set(const char* name, const char* value);
 
@@ -187,10 +187,10 @@ BRINDLE_C_API brindle_status brindle_option_set(const char* name, const char* va
  * The value of an option as text that brindle_option_set takes.
  *
  * @param name case-sensitive
- * @param buffer receives the text, null-terminated; null to learn its length alone
+ * @param buffer receives the text, null-terminated; null to learn only its length
  * @param capacity size of the buffer in bytes
  * @param length receives the length of the whole text in bytes, without the null; may be null
- * @return BRINDLE_BUFFER_TOO_SMALL if the text was cut, which happens between characters
+ * @return BRINDLE_BUFFER_TOO_SMALL if the text was cut, always between characters
  */
 BRINDLE_C_API brindle_status brindle_option_get(const char* name, char* buffer, size_t capacity,
                                                 size_t* length);
@@ -199,37 +199,37 @@ BRINDLE_C_API brindle_status brindle_option_get(const char* name, char* buffer, 
 /** @name Readers */
 /** @{ */
 
-/** Creates a reader. The host destroys it. */
+/** Creates a reader, which the host must destroy. */
 BRINDLE_C_API brindle_status brindle_reader_create(brindle_reader* reader);
 
-/** Destroys a reader; its models stay. Null is destroyed without effect. A read of it that runs
- * ends before the reader is gone. */
+/** Destroys a reader; its models stay. Null has no effect. A read of this reader that is still
+ * running ends first. */
 BRINDLE_C_API brindle_status brindle_reader_destroy(brindle_reader reader);
 
-/** How the last call ended that was given this reader, this one, brindle_reader_error_text and
- * brindle_reader_remark_at left aside. */
+/** How the last call with this reader ended, apart from this function, brindle_reader_error_text
+ * and brindle_reader_remark_at. */
 BRINDLE_C_API brindle_status brindle_reader_last_status(brindle_reader reader);
 
 /**
- * The same in words. After a failed read it is the message for the user, in the language of the
- * reader; empty after BRINDLE_OK. For the arguments see brindle_option_get.
+ * The last status in words. After a failed read it is the message for the user, in the language of
+ * the reader; empty after BRINDLE_OK. For the other arguments see brindle_option_get.
  */
 BRINDLE_C_API brindle_status brindle_reader_error_text(brindle_reader reader, char* buffer,
                                                        size_t capacity, size_t* length);
 
-/** Language of the messages as telephone country code: 49 is German, all else English. Holds for
- * all readers of the process. */
+/** Language of the messages by telephone country code: 49 is German, anything else English. Holds
+ * for all readers of the process. */
 BRINDLE_C_API brindle_status brindle_reader_set_language(brindle_reader reader, int32_t language);
 
-/** Whether types that no variable uses are delivered too. Off at the start. */
+/** Sets whether types that no variable uses are delivered too. Off at the start. */
 BRINDLE_C_API brindle_status brindle_reader_set_read_all_types(brindle_reader reader,
                                                                brindle_bool read_all_types);
 
-/** What a reader tells while it reads. Each function may be null. Texts are valid during the call
- * alone. */
+/** What a reader reports while it reads. Each function may be null. Texts are valid only during
+ * the call. */
 typedef struct brindle_callbacks {
     size_t struct_size;
-    /** Given to each function, never looked at. */
+    /** Passed to each function; the library doesn't use it. */
     void* user_data;
     /** A failed read: severity 2, code 4112, an empty first text and the message. */
     void (*SignalError)(void* user_data, int32_t severity, uint32_t code, const char* first_text,
@@ -245,7 +245,7 @@ typedef struct brindle_callbacks {
 /**
  * Sets the callbacks of a reader for all its later reads.
  *
- * @param callbacks is copied, the functions are not: they have to stay as long as the reader. Null
+ * @param callbacks copied; the functions must stay callable as long as the reader lives. Null
  *     removes all.
  */
 BRINDLE_C_API brindle_status brindle_reader_set_callbacks(brindle_reader reader,
@@ -255,14 +255,14 @@ BRINDLE_C_API brindle_status brindle_reader_set_callbacks(brindle_reader reader,
  * Reads a file into a new model.
  *
  * @param path UTF-8 on Windows; goes to the system unchanged elsewhere
- * @param model receives the model with what was delivered, after BRINDLE_READ_FAILED,
- *     BRINDLE_CANCELLED, BRINDLE_OUT_OF_MEMORY and BRINDLE_INTERNAL_ERROR too; else null. The host
- *     destroys it.
+ * @param model receives a model with what was delivered, even if the read fails or is
+ *     cancelled; null only if it never began (BRINDLE_BUSY, BRINDLE_INVALID_...). The host must
+ *     destroy it.
  */
 BRINDLE_C_API brindle_status brindle_reader_read(brindle_reader reader, const char* path,
                                                  brindle_container container, brindle_model* model);
 
-/** The value of an option for one read. */
+/** The value of one option for one read. */
 typedef struct brindle_setting {
     /** As brindle_option_set takes it; must not be null. */
     const char* name;
@@ -270,28 +270,28 @@ typedef struct brindle_setting {
     const char* value;
 } brindle_setting;
 
-/** What one read is asked for. Since interface 2. */
+/** The request for one read. Since interface 2. */
 typedef struct brindle_input {
     size_t struct_size;
-    /** Goes to the system unchanged. Beside `bytes` it only names the file, and may be null. */
+    /** Goes to the system unchanged. With `bytes` it only names the file, and may be null. */
     const char* path;
     /** The content of the file in memory, which is copied; null to open the path. */
     const void* bytes;
     size_t byte_count;
-    /** BRINDLE_CONTAINER_AUTO where nothing else is known; 0 is ELF. */
+    /** BRINDLE_CONTAINER_AUTO if nothing else is known; 0 is ELF. */
     brindle_container container;
-    /** If a read runs in the process: wait for its end, rather than refuse this one with
-     * BRINDLE_BUSY. brindle_reader_cancel ends the wait. A callback of the read that runs would
-     * wait for itself: there it is refused all the same. */
+    /** If another read is running: wait for its end instead of returning BRINDLE_BUSY.
+     * brindle_reader_cancel ends the wait. In a callback of the running read it is still
+     * BRINDLE_BUSY, since the callback would wait for itself. */
     brindle_bool waits;
-    /** Options that hold for this read alone, and its list's length. One that doesn't exist is told
-     * by BRINDLE_NOT_FOUND, a wrong value by BRINDLE_INVALID_VALUE, and nothing is read. */
+    /** Options for only this read, and their number. If one doesn't exist (BRINDLE_NOT_FOUND) or
+     * has a wrong value (BRINDLE_INVALID_VALUE), nothing is read. */
     const brindle_setting* settings;
     size_t setting_count;
 } brindle_input;
 
-/** As brindle_reader_read, from memory too, with options of its own, and waiting for other reads if
- * told so. Since interface 2. */
+/** Like brindle_reader_read, but also from memory, with options for this read, and waiting for
+ * other reads on request. Since interface 2. */
 BRINDLE_C_API brindle_status brindle_reader_read_input(brindle_reader reader,
                                                        const brindle_input* input,
                                                        brindle_model* model);
@@ -305,16 +305,16 @@ enum {
     BRINDLE_REMARK_SPLIT_UNITS = 1,
     /** The file has no addresses yet. */
     BRINDLE_REMARK_RELOCATABLE_OBJECT = 2,
-    /** Names stand in another file. */
+    /** Names are in another file. */
     BRINDLE_REMARK_SUPPLEMENTARY_FILE = 3,
     /** Units are of a version of DWARF, or of a type in it, that isn't read. */
     BRINDLE_REMARK_UNITS_NOT_READ = 4
 };
 
-/** A remark on what a read passed over. */
+/** A remark on what a read skipped. */
 typedef struct brindle_remark {
     size_t struct_size;
-    /** Later versions may know more kinds; the text tells them all. */
+    /** Later versions may know more kinds; the text covers them all. */
     brindle_remark_kind kind;
     /** Units that it is about, and all units of the file; 0 if it isn't about units. */
     uint32_t count;
@@ -322,24 +322,24 @@ typedef struct brindle_remark {
 } brindle_remark;
 
 /**
- * What the latest read of a reader passed over, and what to do about it: a read that ends well may
- * still leave out what it has no way to take. Only the full manner of reading (the option
- * mIsFullReading) makes remarks. Status and text of the reader stay those of the read.
+ * What the latest read of a reader skipped, and what to do about it: even a read that ends well may
+ * leave out what the reader can't take. Only the full manner of reading (the option mIsFullReading)
+ * makes remarks. Status and text of the reader stay those of the read.
  *
  * @param index from 0, in the order in which the remarks came up
- * @param remark receives what can be told without words; may be null
- * @param buffer receives the remark in words, one line in the language of the reader at the time
- *     of the read. For this and the other arguments see brindle_option_get.
- * @return BRINDLE_NOT_FOUND behind the last remark
+ * @param remark receives kind and counts; may be null
+ * @param buffer receives the remark in words, one line in the language of the reader at the time of
+ *     the read. For the other arguments see brindle_option_get.
+ * @return BRINDLE_NOT_FOUND after the last remark
  */
 BRINDLE_C_API brindle_status brindle_reader_remark_at(brindle_reader reader, size_t index,
                                                       brindle_remark* remark, char* buffer,
                                                       size_t capacity, size_t* length);
 
 /**
- * Ends the read of a reader that runs, at its next callback or delivered object; without one it
- * does nothing. May be called in a callback and on any thread, and leaves status and text of the
- * reader to the read.
+ * Ends the running read of a reader, at its next callback or delivered object; without one it does
+ * nothing. May be called in a callback and on any thread. Status and text of the reader stay those
+ * of the read.
  */
 BRINDLE_C_API brindle_status brindle_reader_cancel(brindle_reader reader);
 
@@ -352,32 +352,32 @@ BRINDLE_C_API brindle_status brindle_reader_cancel(brindle_reader reader);
  *
  * Objects are named by identifiers that the host gives out and the library passes back unchanged; 0
  * is none. A Create function makes an object and returns its identifier, which stays valid for the
- * whole read; 0 tells the reader that the object could not be made, and the read goes on without
- * it. A Get function returns the identifier of an existing object of that key, or 0. A null
- * function answers 0.
+ * whole read; 0 means that the object could not be made, and the read goes on without it. A Get
+ * function returns the identifier of an existing object of that key, or 0. A null function counts
+ * as one that returns 0.
  *
  * Namespaces, unknown types and the void type of the global namespace are made once for each key:
  * the reader calls the Create function only if the Get function gave 0. A variable is made under a
- * name that is free in its scope. Nothing else is asked for before it is made: base types of one
- * value in one scope come as often as the file lists them, and so do all objects of one name. A
- * model must not take their keys for unique.
+ * name that is free in its scope. For everything else the reader calls Create without asking: base
+ * types of one value in one scope come as often as the file lists them, and so do all objects of
+ * one name. A model must not take their keys for unique.
  *
  * Scopes are namespaces, block scopes, classes, unions, functions and compile units. Order of
  * calls: a scope before what lies in it, a type before the object that uses it, a class before its
  * members (whose order is that of delivery), an enum table before its descriptions, and the data of
  * the symbol table last.
  *
- * Texts and lists are valid during the call alone and never null. Sizes and offsets are in bytes
- * unless said otherwise. addressExtension is 0 and addressExtensionIsValid false in this version.
+ * Texts and lists are valid only during the call and never null. Sizes and offsets are in bytes
+ * unless noted otherwise. addressExtension is 0 and addressExtensionIsValid false in this version.
  * Functions marked spare are not called in this version and may be null.
  */
 typedef struct brindle_factory {
     size_t struct_size;
-    /** Given to each function, never looked at. */
+    /** Passed to each function; the library doesn't use it. */
     void* user_data;
 
-    /** The namespace that encloses everything. With 0 nothing of the symbol table is delivered and
-     * the read fails. */
+    /** The namespace that encloses everything. If this returns 0, no symbol of the symbol table is
+     * delivered and the read fails. */
     brindle_id (*GetGlobalNamespace)(void* user_data);
     brindle_id (*GetNamespace)(void* user_data, const char* namespaceName,
                                brindle_id objIdParentScope);
@@ -394,13 +394,13 @@ typedef struct brindle_factory {
     /** Spare. */
     brindle_id (*GetOrCreateCompileUnit)(void* user_data, const char* compileUnitName);
 
-    /** basicType is one of BRINDLE_BASIC_... Asked for void in the global namespace alone; of
-     * several objects of the key any one. */
+    /** basicType is one of BRINDLE_BASIC_... Asked only for void in the global namespace; any one
+     * if several objects have the key. */
     brindle_id (*GetBaseEntryType)(void* user_data, int32_t basicType, brindle_id objIdParentScope);
-    /** A scalar type, also where there is one of this value in this scope. */
+    /** A scalar type, even if this scope has one of this value already. */
     brindle_id (*CreateBaseEntryType)(void* user_data, int32_t basicType, uint64_t length,
                                       brindle_id objIdParentScope);
-    /** The type of which nothing is known but its size; 0 is a size like any other. */
+    /** The type of which only the size is known; 0 is a size like any other. */
     brindle_id (*GetUnknownEntryType)(void* user_data, uint64_t sizeOfUnknownType,
                                       brindle_id objIdParentScope);
     brindle_id (*CreateUnknownEntryType)(void* user_data, uint64_t sizeOfUnknownType,
@@ -438,15 +438,15 @@ typedef struct brindle_factory {
                                          brindle_id objIdOfParentClass, uint64_t address,
                                          brindle_bool addressIsValid, int16_t addressExtension,
                                          brindle_bool addressExtensionIsValid);
-    /** A bit field of a class, structure or union: byteOffset is that of its storage unit,
-     * bitOffset its position there and bitSize its width, both in bits. */
+    /** A bit field of a class, structure or union: byteOffset is the offset of its storage unit,
+     * bitOffset the position there from the least significant bit, bitSize the width. */
     brindle_id (*CreateBitfieldInUdt)(void* user_data, const char* memberName,
                                       brindle_id objIdOfBitfieldType, brindle_id objIdOfParentUdt,
                                       uint32_t byteOffset, uint32_t bitOffset, uint32_t bitSize,
                                       int16_t addressExtension,
                                       brindle_bool addressExtensionIsValid);
 
-    /** dimensions: numbers of elements, outermost first, at least one. arraySize: the whole. */
+    /** dimensions: element counts, outermost first, at least one. arraySize: of the whole array. */
     brindle_id (*CreateArrayEntryType)(void* user_data, const uint32_t* dimensions,
                                        size_t dimensionCount, brindle_id objIdOfArrayElementsType,
                                        uint64_t arraySize, brindle_id objIdParentScope);
@@ -471,8 +471,8 @@ typedef struct brindle_factory {
     /** What an earlier CreateGlobalData made under this name in this scope. */
     brindle_id (*GetGlobalData)(void* user_data, const char* symName,
                                 brindle_id objIdOfScopeParent);
-    /** What an earlier CreateGlobalData made under this name in any scope: the operation
-     * GetGlobalData of a name alone. */
+    /** What an earlier CreateGlobalData made under this name in any scope: the overload of
+     * GetGlobalData that takes only a name. */
     brindle_id (*GetGlobalDataByName)(void* user_data, const char* symName);
     /** What an earlier CreateGlobalData made at this address. */
     brindle_id (*GetGlobalDataByAddress)(void* user_data, uint64_t address);
@@ -526,16 +526,16 @@ typedef struct brindle_factory {
 
 /**
  * Reads a file into a data model of the host. What was delivered before a failure stays with the
- * host; nothing is taken back.
+ * host.
  *
  * @param path UTF-8 on Windows; goes to the system unchanged elsewhere
- * @param factory is copied; its functions are called during this call alone
+ * @param factory copied; its functions are called only during this call
  */
 BRINDLE_C_API brindle_status brindle_reader_deliver(brindle_reader reader, const char* path,
                                                     brindle_container container,
                                                     const brindle_factory* factory);
 
-/** As brindle_reader_deliver, for what brindle_reader_read_input takes. Since interface 2. */
+/** Like brindle_reader_deliver, with the input of brindle_reader_read_input. Since interface 2. */
 BRINDLE_C_API brindle_status brindle_reader_deliver_input(brindle_reader reader,
                                                           const brindle_input* input,
                                                           const brindle_factory* factory);
@@ -543,16 +543,16 @@ BRINDLE_C_API brindle_status brindle_reader_deliver_input(brindle_reader reader,
 /** @} */
 /**
  * @name Models
- * A model never changes. Its objects have the identifiers 1 to their number, in the order of
- * delivery; 1 is the global namespace. What a failed read left unfinished can be asked like all
- * else.
+ * A model never changes. Its objects have the identifiers from 1 up to their number, in the order
+ * of delivery; 1 is the global namespace. After a failed read it answers queries about what was
+ * delivered.
  */
 /** @{ */
 
 /** What an object is. The last four are spare. */
 typedef int32_t brindle_kind;
 enum {
-    /** In questions: of whatever kind. */
+    /** In queries: any kind. */
     BRINDLE_KIND_ANY = 0,
     BRINDLE_KIND_NAMESPACE = 1,
     BRINDLE_KIND_BLOCK = 2,
@@ -593,7 +593,7 @@ enum {
     BRINDLE_BASIC_BOOL = 7,
     BRINDLE_BASIC_LONG = 8,
     BRINDLE_BASIC_UNSIGNED_LONG = 9,
-    /** Also stands for sizes that have no value of their own. */
+    /** Also stands for integers of sizes that have no value of their own. */
     BRINDLE_BASIC_DOUBLE = 10,
     BRINDLE_BASIC_INT8 = 11,
     BRINDLE_BASIC_UINT8 = 12,
@@ -605,15 +605,15 @@ enum {
     BRINDLE_BASIC_FLOAT16 = 18
 };
 
-/** An object. Which members say something depends on the kind; the others are 0. */
+/** An object. Its kind decides which members have a meaning; the others are 0. */
 typedef struct brindle_object {
     size_t struct_size;
     brindle_id id;
     brindle_kind kind;
     /** One of BRINDLE_BASIC_..., of a base type. */
     int32_t basic_type;
-    /** Without its scopes; valid as long as the model. Empty for kinds without a name and for the
-     * global namespace. */
+    /** Without its scopes; valid as long as the model lives. Empty for kinds without a name and
+     * for the global namespace. */
     brindle_text name;
     /** Enclosing scope; for a member its class or union. 0 for the global namespace, compile units
      * and segments. */
@@ -623,15 +623,15 @@ typedef struct brindle_object {
     brindle_id type;
     /** Compile unit of a function, 0 if none. */
     brindle_id compile_unit;
-    /** Declared size in bytes of base, unknown, class, structure, union, array and pointer; for all
-     * else see brindle_model_size_of. */
+    /** Declared size in bytes of base, unknown, class, structure, union, array and pointer; for
+     * any other kind see brindle_model_size_of. */
     uint64_t size;
     /** Address of a global, static member or segment. */
     uint64_t address;
     /** Offset in bytes of a member, union member or bit field in its class or union; for a bit
-     * field that of its storage unit. */
+     * field, the offset of its storage unit. */
     uint32_t offset;
-    /** Position of a bit field in its storage unit, in bits. */
+    /** Position of a bit field in its storage unit, in bits from the least significant. */
     uint32_t bit_offset;
     /** Width of a bit field in bits. */
     uint64_t bit_size;
@@ -642,7 +642,7 @@ typedef struct brindle_object {
     brindle_bool anonymous;
 } brindle_object;
 
-/** Destroys a model. Null is destroyed without effect. */
+/** Destroys a model. Null has no effect. */
 BRINDLE_C_API brindle_status brindle_model_destroy(brindle_model model);
 
 /** Number of objects. */
@@ -653,8 +653,8 @@ BRINDLE_C_API brindle_status brindle_model_object(brindle_model model, brindle_i
                                                   brindle_object* object);
 
 /**
- * The first object of a kind whose identifier is larger than `after`; BRINDLE_NOT_FOUND behind the
- * last. Begin with 0. `next` may point to what was passed as `after`.
+ * The first object of a kind whose identifier is larger than `after`; BRINDLE_NOT_FOUND after the
+ * last one. Begin with 0. `next` may point to the same variable as `after`.
  */
 BRINDLE_C_API brindle_status brindle_model_next_of_kind(brindle_model model, brindle_kind kind,
                                                         brindle_id after, brindle_id* next);
@@ -664,12 +664,12 @@ BRINDLE_C_API brindle_status brindle_model_next_of_kind(brindle_model model, bri
 BRINDLE_C_API brindle_status brindle_model_first_in(brindle_model model, brindle_id scope,
                                                     brindle_id* first);
 
-/** The object behind this one in its scope. `next` may point to what was passed as `id`. */
+/** The next object in the scope of this one. `next` may point to what was passed as `id`. */
 BRINDLE_C_API brindle_status brindle_model_next_in(brindle_model model, brindle_id id,
                                                    brindle_id* next);
 
-/** A base class of a class or structure. A virtual one, which has no static place, has the offset
- * 0; paths and leaves don't lead into one that would lie over other data there. */
+/** A base class of a class or structure. A virtual one has no static place and has offset 0; paths
+ * and leaves don't enter one that would overlap other data there. */
 typedef struct brindle_base_class {
     size_t struct_size;
     brindle_id type;
@@ -677,31 +677,31 @@ typedef struct brindle_base_class {
     uint32_t offset;
 } brindle_base_class;
 
-/** One value of an enum. The name is valid as long as the model. */
+/** One value of an enum. The name is valid as long as the model lives. */
 typedef struct brindle_enumerator {
     size_t struct_size;
     brindle_text name;
     int32_t value;
 } brindle_enumerator;
 
-/** A base class of a class or structure by its index, from 0. */
+/** A base class of a class or structure by index, from 0. */
 BRINDLE_C_API brindle_status brindle_model_base_class(brindle_model model, brindle_id class_type,
                                                       size_t index, brindle_base_class* base_class);
 
-/** A value of an enum by its index, from 0. */
+/** A value of an enum by index, from 0. */
 BRINDLE_C_API brindle_status brindle_model_enumerator(brindle_model model, brindle_id enum_type,
                                                       size_t index, brindle_enumerator* enumerator);
 
-/** The number of elements in a dimension of an array by its index, from 0; outermost first. */
+/** The number of elements in a dimension of an array by index, from 0; outermost first. */
 BRINDLE_C_API brindle_status brindle_model_dimension(brindle_model model, brindle_id array_type,
                                                      size_t index, uint32_t* element_count);
 
-/** The type of a parameter of a function type by its index, from 0. */
+/** The type of a parameter of a function type by index, from 0. */
 BRINDLE_C_API brindle_status brindle_model_parameter(brindle_model model, brindle_id function_type,
                                                      size_t index, brindle_id* type);
 
-/** Size in bytes of a type or of the type of a datum, behind typedefs and enums too; 0 when nothing
- * tells it. */
+/** Size in bytes of a type or of the type of a datum, also through typedefs and enums; 0 if
+ * unknown. */
 BRINDLE_C_API brindle_status brindle_model_size_of(brindle_model model, brindle_id id,
                                                    uint64_t* size);
 
@@ -709,7 +709,7 @@ BRINDLE_C_API brindle_status brindle_model_size_of(brindle_model model, brindle_
 BRINDLE_C_API brindle_status brindle_model_element_stride(brindle_model model,
                                                           brindle_id array_type, uint64_t* stride);
 
-/** The type behind all typedefs; the type itself if it is none. */
+/** The type that a chain of typedefs leads to; the type itself if it is no typedef. */
 BRINDLE_C_API brindle_status brindle_model_without_typedefs(brindle_model model, brindle_id type,
                                                             brindle_id* target);
 
@@ -718,8 +718,8 @@ BRINDLE_C_API brindle_status brindle_model_compile_unit_of(brindle_model model, 
                                                            brindle_id* compile_unit);
 
 /**
- * The name with those of the enclosing namespaces, classes, functions and block scopes in front,
- * joined by "::"; empty for an object without a name. For the arguments see brindle_option_get.
+ * The name after the names of the enclosing namespaces, classes, functions and block scopes, joined
+ * by "::"; empty for an object without a name. For the arguments see brindle_option_get.
  */
 BRINDLE_C_API brindle_status brindle_model_qualified_name(brindle_model model, brindle_id id,
                                                           char* buffer, size_t capacity,
@@ -734,8 +734,8 @@ BRINDLE_C_API brindle_status brindle_model_type_text(brindle_model model, brindl
 
 /**
  * The first object of a qualified name whose identifier is larger than `after`. Names may recur:
- * of static variables in several compile units, of a type and a function. The first question to a
- * model takes time in proportion to its size.
+ * static variables in several compile units, or a type and a function. The first call for a model
+ * takes time in proportion to its size.
  *
  * @param qualified_name as brindle_model_qualified_name gives it; may begin with "::"
  * @param kind which kind is wanted, or BRINDLE_KIND_ANY
@@ -754,15 +754,15 @@ typedef struct brindle_place {
      */
     brindle_id type;
     uint64_t address;
-    /** Size in bytes of what lies at the place; for an array with some of its indices given, of the
+    /** Size in bytes at the place; for an array with some of its indices given, the size of the
      * part that is left. */
     uint64_t size;
-    /** Dimensions of the array `type` that have their index already. */
+    /** Number of indices already applied to the array `type`. */
     size_t indexed_dimensions;
     brindle_bool is_bit_field;
-    /** Of a bit field: position in the storage unit at `address`, in bits. */
+    /** For a bit field: position in the storage unit at `address`, in bits from bit 0. */
     uint32_t bit_offset;
-    /** Of a bit field: width in bits. */
+    /** For a bit field: width in bits. */
     uint64_t bit_size;
     /** Number of variables for which the path resolves. */
     size_t candidates;
@@ -770,12 +770,12 @@ typedef struct brindle_place {
 
 /**
  * The static answer to a path such as "motor.pid[2].gain": a variable by its qualified name, or
- * else by its name alone, then members by ".name" and elements by "[index]". Pointers are not
+ * else by its name only, then members by ".name" and elements by "[index]". Pointers are not
  * followed, since what they point to is not static; an index beyond its dimension does not resolve.
  *
- * @param index which of the variables of this name is meant for which the path resolves, from 0 in
+ * @param index selects one of several variables of this name for which the path resolves, from 0 in
  *     the order of delivery
- * @return BRINDLE_NOT_FOUND where the path doesn't resolve; brindle_model_path_problem tells why
+ * @return BRINDLE_NOT_FOUND if the path doesn't resolve; brindle_model_path_problem says why
  */
 BRINDLE_C_API brindle_status brindle_model_resolve_path(brindle_model model, const char* path,
                                                         size_t index, brindle_place* place);
@@ -791,15 +791,15 @@ BRINDLE_C_API brindle_status brindle_model_path_problem(brindle_model model, con
                                                         size_t capacity, size_t* length);
 
 /**
- * What holds the byte at an address: the leaf of a variable, or the innermost structure or array
- * where the byte lies in a gap between its parts. The first question to a model takes time in
- * proportion to its size. Since interface 2.
+ * What holds the byte at an address: the leaf of a variable, or the innermost structure or array if
+ * the byte lies in a gap between its parts. The first call for a model takes time in proportion to
+ * its size. Since interface 2.
  *
- * @param index which one is meant where there are several, from 0: variables may overlap, and so do
+ * @param index selects one of several places, from 0: variables may overlap, and so do
  *     members of a union
- * @param place receives the place, with the number of all that there are as `candidates`; may be
+ * @param place receives the place, with the number of all places as `candidates`; may be
  *     null
- * @param offset receives the distance of the byte from the first one of the place; may be null
+ * @param offset receives the distance in bytes from the first byte of the place; may be null
  * @param buffer, capacity, length receive the path of the place, see brindle_option_get
  * @return BRINDLE_NOT_FOUND if no variable holds the byte, or for an index beyond the last place
  */
@@ -808,12 +808,12 @@ BRINDLE_C_API brindle_status brindle_model_find_address(brindle_model model, uin
                                                         uint64_t* offset, char* buffer,
                                                         size_t capacity, size_t* length);
 
-/** How far a walk over leaves goes. A limit of 0 is the usual one. */
+/** How far a walk over leaves goes. A limit of 0 stands for the default. */
 typedef struct brindle_leaf_limits {
     size_t struct_size;
-    /** Elements of each array, over all its dimensions; usually 1000. */
+    /** Elements of each array, over all its dimensions; by default 1000. */
     uint64_t array_elements;
-    /** Leaves of the whole walk; usually 1000000. */
+    /** Leaves of the whole walk; by default 1000000. */
     uint64_t leaves;
 } brindle_leaf_limits;
 
@@ -830,7 +830,7 @@ typedef struct brindle_leaf_cuts {
 } brindle_leaf_cuts;
 
 /**
- * Takes a leaf.
+ * Receives a leaf.
  *
  * @param path the name of the variable with the steps to the leaf, as brindle_model_resolve_path
  *     takes it; valid during the call
@@ -845,8 +845,8 @@ typedef brindle_bool (*brindle_leaf_visitor)(void* user_data, const brindle_text
  * leaves in the order of their offsets.
  *
  * @param global a variable; 0 for all, in the order of delivery
- * @param limits null for the usual ones
- * @param user_data given to each call of `visitor`, never looked at
+ * @param limits null for the defaults
+ * @param user_data passed to each call of `visitor`; the library doesn't use it
  * @param cuts receives what was left out; may be null
  */
 BRINDLE_C_API brindle_status brindle_model_visit_leaves(brindle_model model, brindle_id global,
@@ -857,31 +857,31 @@ BRINDLE_C_API brindle_status brindle_model_visit_leaves(brindle_model model, bri
 /** @} */
 /**
  * @name Rows
- * Variables or leaves in blocks of columns: for hosts that want many, and pay for each call. Since
- * interface 2.
+ * Variables or leaves in blocks of columns: for hosts that want many, and to which each call has a
+ * cost. Since interface 2.
  */
 /** @{ */
 
 /** A walk over a model, which it keeps alive. A number, not an address. */
 typedef struct brindle_rows_handle* brindle_rows;
 
-/** What is wanted. */
+/** Which rows are wanted. */
 typedef struct brindle_row_choice {
     size_t struct_size;
-    /** True for a row for each variable, false for a row for each leaf. */
+    /** True for one row per variable, false for one row per leaf. */
     brindle_bool variables;
-    /** The variables that are wanted, in this order; null for all, in the order of delivery.
-     * Copied.
-     */
+    /** The wanted variables, in this order; null for all variables, in the order of
+     * delivery. The list is copied during the call, so that the host may free it
+     * afterwards. */
     const brindle_id* globals;
     size_t global_count;
-    /** Elements of each array, over all its dimensions; 0 for the usual 1000. */
+    /** Elements of each array, over all its dimensions; 0 for the default of 1000. */
     uint64_t array_elements;
-    /** Leaves of the whole walk; 0 for the usual 1000000. */
+    /** Leaves of the whole walk; 0 for the default of 1000000. */
     uint64_t leaves;
 } brindle_row_choice;
 
-/** A number of rows, column by column. */
+/** Several rows, column by column. */
 typedef struct brindle_row_block {
     size_t struct_size;
     /** Length of each column. */
@@ -890,35 +890,35 @@ typedef struct brindle_row_block {
     const brindle_id* globals;
     const brindle_id* types;
     const uint64_t* addresses;
-    /** In bytes; of a bit field that of its storage unit. */
+    /** In bytes; for a bit field, the size of its storage unit. */
     const uint64_t* sizes;
-    /** Position of a bit field in its storage unit, in bits. */
+    /** Position of a bit field in its storage unit, in bits from the least significant. */
     const uint32_t* bit_offsets;
     /** Width of a bit field in bits; 0 for anything else. */
     const uint64_t* bit_sizes;
-    /** Where the path of a row begins in `paths`. It ends with a null character. */
+    /** Where the path of each row begins in `paths`. */
     const size_t* path_starts;
-    /** All paths, one behind the other, each with its null character. */
+    /** All paths in a row, each with a null character at its end. */
     const char* paths;
     /** Length of `paths` in bytes. */
     size_t path_bytes;
 } brindle_row_block;
 
 /**
- * Begins a walk. The host destroys it.
+ * Begins a walk, which the host must destroy.
  *
- * @param choice null for all leaves with the usual limits
- * @return BRINDLE_NOT_FOUND if one of the wanted identifiers is no variable
+ * @param choice null for all leaves with the default limits
+ * @return BRINDLE_NOT_FOUND if one of the wanted identifiers is not a variable
  */
 BRINDLE_C_API brindle_status brindle_rows_create(brindle_model model,
                                                  const brindle_row_choice* choice,
                                                  brindle_rows* rows);
 
 /**
- * The next rows of a walk; BRINDLE_NOT_FOUND behind the last. A block ends with the last row of a
+ * The next rows of a walk; BRINDLE_NOT_FOUND after the last. A block ends with the last row of a
  * variable.
  *
- * @param wanted how many rows at least, 0 for the usual number
+ * @param wanted the least number of rows, 0 for the default
  * @param block its columns are valid until the next call for this walk
  */
 BRINDLE_C_API brindle_status brindle_rows_next(brindle_rows rows, size_t wanted,
@@ -927,13 +927,13 @@ BRINDLE_C_API brindle_status brindle_rows_next(brindle_rows rows, size_t wanted,
 /** What the walk left out so far. */
 BRINDLE_C_API brindle_status brindle_rows_cuts(brindle_rows rows, brindle_leaf_cuts* cuts);
 
-/** Destroys a walk. Null is destroyed without effect. */
+/** Destroys a walk. Null has no effect. */
 BRINDLE_C_API brindle_status brindle_rows_destroy(brindle_rows rows);
 
 /** @} */
 /**
  * @name Images
- * What the file that was read says of itself. Since interface 2.
+ * What the headers of the file say about it. Since interface 2.
  */
 /** @{ */
 
@@ -944,7 +944,7 @@ enum { BRINDLE_LITTLE_ENDIAN = 0, BRINDLE_BIG_ENDIAN = 1 };
 /** The file and its target. */
 typedef struct brindle_image {
     size_t struct_size;
-    /** As the host gave it; valid as long as the model. */
+    /** As the host gave it; valid as long as the model lives. */
     brindle_text path;
     /** Length of the file in bytes. */
     uint64_t file_size;
@@ -952,14 +952,14 @@ typedef struct brindle_image {
     brindle_byte_order byte_order;
     /** Width of an address in bytes by the class of the file: 4 or 8. */
     int32_t address_size;
-    /** Size in bytes of the first pointer type that the file tells of; address_size if it tells of
+    /** Size in bytes of the first pointer type in the file; address_size if it has
      * none. */
     int32_t pointer_size;
     /** e_machine of ELF, the target id of TI COFF, the machine of PE. */
     int32_t machine;
     /** False for an object file, which has no addresses and no sections here. */
     brindle_bool is_linked;
-    /** The target counts memory in words of 16 bits. Addresses and sizes are in bytes even so. */
+    /** The target counts memory in words of 16 bits. Addresses and sizes are still in bytes. */
     brindle_bool is_word_addressed;
     size_t section_count;
 } brindle_image;
@@ -971,40 +971,40 @@ enum {
     /** Constants. */
     BRINDLE_SECTION_READ_ONLY_DATA = 1,
     BRINDLE_SECTION_DATA = 2,
-    /** The file has no bytes of it. */
+    /** The file has no bytes for it. */
     BRINDLE_SECTION_ZERO = 3
 };
 
-/** A section that lies in the target's memory. */
+/** A section in the target's memory. */
 typedef struct brindle_section {
     size_t struct_size;
-    /** Valid as long as the model. */
+    /** Valid as long as the model lives. */
     brindle_text name;
-    /** Of the first byte. */
+    /** Address of the first byte. */
     uint64_t address;
-    /** In memory, in bytes. */
+    /** Size in memory in bytes. */
     uint64_t size;
-    /** Where its bytes lie in the file. */
+    /** File position of its first byte. */
     uint64_t file_position;
-    /** Bytes that the file has of it, at most `size`; what is missing at the end is zero. */
+    /** Bytes of it in the file, at most `size`; those missing at the end are zero. */
     uint64_t file_size;
     brindle_section_kind kind;
 } brindle_section;
 
-/** What the headers of the file say. All is 0 and empty if they could not be read. */
+/** What the headers of the file say. All 0 and empty if they could not be read. */
 BRINDLE_C_API brindle_status brindle_model_image(brindle_model model, brindle_image* image);
 
-/** A section by its index, from 0, in the order of their addresses. */
+/** A section by index, from 0, in the order of their addresses. */
 BRINDLE_C_API brindle_status brindle_model_section(brindle_model model, size_t index,
                                                    brindle_section* section);
 
 /**
- * The bytes that the image gives a stretch of the target's memory when the program starts. A file
- * that was read by its path is opened again for them.
+ * The bytes that the image gives a range of the target's memory when the program starts. A file
+ * that was read by its path is opened again for this.
  *
  * @param bytes receives `size` bytes
- * @return BRINDLE_NOT_FOUND, with `bytes` unchanged, if no one section holds the whole stretch, for
- *     more than 256 MiB of zeros, or if the file is gone or has changed in length
+ * @return BRINDLE_NOT_FOUND, with `bytes` unchanged, if no single section holds the whole range,
+ *     for more than 256 MiB of zeros, or if the file is gone or has changed in length
  */
 BRINDLE_C_API brindle_status brindle_model_initial_bytes(brindle_model model, uint64_t address,
                                                          void* bytes, size_t size);
