@@ -78,7 +78,7 @@ __all__ = [
     "read",
 ]
 
-# Messages and representations name the classes as a user imports them.
+# Messages and representations show the classes under the names that a user imports.
 for _name in __all__:
     _object = globals()[_name]
     if isinstance(_object, type):

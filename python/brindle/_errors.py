@@ -1,4 +1,4 @@
-"""What can go wrong."""
+"""The exceptions of the package."""
 
 from __future__ import annotations
 
@@ -15,7 +15,7 @@ class Error(Exception):
 class ReadError(Error):
     """A file could not be read to its end; the text is the reader's.
 
-    `image` holds what was delivered before; it is sound as far as it goes.
+    `image` holds what was delivered before the failure. It is sound, but not complete.
     """
 
     def __init__(self, text: str, image: Optional[Image] = None) -> None:
@@ -24,19 +24,19 @@ class ReadError(Error):
 
 
 class BusyError(Error):
-    """Another read runs in this process. `read(..., wait=True)` waits for its end."""
+    """Another read is running in this process. `read(..., wait=True)` waits for its end."""
 
 
 class OptionError(Error, ValueError):
-    """There is no such option of the reader, or it takes no such value."""
+    """The reader has no such option, or the option doesn't take the value."""
 
 
 class PathError(Error, LookupError):
-    """A path leads nowhere, or there is nothing of this name; the text tells how far it leads."""
+    """A path doesn't resolve, or nothing has this name; the text says how far the path resolved."""
 
 
 class MemoryGapError(Error, LookupError):
-    """The bytes of an address are not known."""
+    """The bytes at an address are not known."""
 
 
 class ClosedError(Error):

@@ -1,4 +1,4 @@
-"""What was read of one file."""
+"""The result of reading one file."""
 
 from __future__ import annotations
 
@@ -16,20 +16,20 @@ _SECTION_KINDS = ("code", "read-only data", "data", "zero")
 
 
 class Section(NamedTuple):
-    """A section that lies in the target's memory."""
+    """A section in the target's memory."""
 
     name: str
     address: int
     size: int
-    # "code", "read-only data", "data", or "zero" for one of which the file has no bytes.
+    # "code", "read-only data", "data", or "zero" for a section without bytes in the file.
     kind: str
-    # Where its bytes lie in the file, and how many the file has; what is missing at the end is zero.
+    # File position of its first byte, and how many bytes the file has; those missing at the end are zero.
     file_position: int
     file_size: int
 
 
 class Hit(NamedTuple):
-    """A place that holds a byte, and the distance of the byte from its first one."""
+    """A place that holds a byte, and the distance of the byte from the first byte of the place."""
 
     place: Place
     offset: int
@@ -43,10 +43,10 @@ class CompileUnit(NamedTuple):
 
 
 class Image:
-    """An image: its target, sections, variables and types. Everything is looked up when it is asked for.
+    """An image: its target, sections, variables and types. Everything is looked up on access.
 
-    `with` closes it, and so does the end of its last use; what was made of it and is still held keeps
-    the library's model alive until `close`.
+    `with` closes it, and so does the end of its last use. Objects made from it keep the library's model
+    alive until `close`.
     """
 
     def __init__(self, model: Model, remarks: Tuple[str, ...]) -> None:
@@ -55,13 +55,13 @@ class Image:
 
     @property
     def path(self) -> str:
-        """As it was given to `read`."""
+        """The path that was given to `read`."""
         return self._model.image_path
 
     @property
     def remarks(self) -> Tuple[str, ...]:
-        """What the read passed over and what to do about it, a line each; only the full manner makes
-        any."""
+        """What the read skipped and what to do about it, one line each; only the full manner of reading
+        makes remarks."""
         return self._remarks
 
     @property
@@ -81,7 +81,7 @@ class Image:
 
     @property
     def pointer_size(self) -> int:
-        """Size of a pointer in bytes: that of the first one in the file, or else `address_size`."""
+        """Size of a pointer in bytes: of the first pointer type in the file, or else `address_size`."""
         return int(self._model.image.pointer_size)
 
     @property
@@ -96,12 +96,12 @@ class Image:
 
     @property
     def is_word_addressed(self) -> bool:
-        """The target counts memory in words of 16 bits. Addresses and sizes are in bytes even so."""
+        """The target counts memory in words of 16 bits. Addresses and sizes are still in bytes."""
         return bool(self._model.image.is_word_addressed)
 
     @property
     def sections(self) -> Tuple[Section, ...]:
-        """Those that lie in the target's memory, by ascending address."""
+        """The sections in the target's memory, by ascending address."""
         return tuple(
             Section(str(section.name), section.address, section.size, _SECTION_KINDS[section.kind],
                     section.file_position, section.file_size)
@@ -128,16 +128,16 @@ class Image:
 
     def __getitem__(self, path: str) -> Place:
         """The place that a path such as "motor.pid[2].gain" names: a variable by its qualified name, or
-        else by its name alone, then members and elements. Pointers are not followed. Raises PathError,
-        which tells how far the path leads."""
+        else by its name only, then members and elements. Pointers are not followed. Raises PathError,
+        which says how far the path resolved."""
         return Place(self._model, path, self._model.resolve(path))
 
     def __contains__(self, path: object) -> bool:
         return isinstance(path, str) and bool(self.places(path))
 
     def places(self, path: str) -> List[Place]:
-        """The places of a path for each variable of its name, since those of static variables may recur;
-        empty if it leads nowhere."""
+        """The places of a path for each variable of its name, since static variables may share a name;
+        empty if it doesn't resolve."""
         try:
             first = self._model.resolve(path)
         except LookupError:
@@ -146,9 +146,9 @@ class Image:
         return [Place(self._model, path, row) for row in (first, *rest)]
 
     def at(self, address: int) -> List[Hit]:
-        """All that holds the byte at an address: a leaf, or the innermost structure or array where the
-        byte lies in a gap; several where variables overlap or members of a union do. Empty if no variable
-        holds it."""
+        """Everything that holds the byte at an address: a leaf, or the innermost structure or array if the
+        byte lies in a gap; several places if variables or members of a union overlap. Empty if no
+        variable holds the byte."""
         return [Hit(Place(self._model, path, row), offset)
                 for path, row, offset in self._model.find_address(address)]
 
@@ -156,27 +156,27 @@ class Image:
                limit: int = 1_000_000) -> Leaves:
         """The variables taken apart into what has no parts.
 
-        pattern: which paths are wanted, with `*` for any characters and `?` for one; it may also fit what
-        follows a "::". One that fits the name of a variable takes all of its leaves.
+        pattern: which paths are wanted, with `*` for any characters and `?` for one; it may also match
+            what follows a "::". A pattern that matches the name of a variable selects all of its leaves.
         array_elements: how many elements of each array are visited.
-        limit: how many leaves are visited in all. `Leaves.is_complete` tells whether any were left out.
+        limit: how many leaves are visited in all. `Leaves.is_complete` says whether any were left out.
         """
         return Leaves(self._model, pattern, None, array_elements, limit)
 
     def initial_bytes(self, address: int, size: int) -> Optional[bytes]:
-        """The bytes that a stretch of the target's memory has when the program starts; None where the
-        image doesn't say. A file that was read by its path is opened again for them."""
+        """The bytes of a range of the target's memory when the program starts; None if the image doesn't
+        have them. A file that was read by its path is opened again for this."""
         return self._model.initial_bytes(address, size)
 
     def read_memory(self, address: int, size: int) -> bytes:
-        """As initial_bytes, but raises MemoryGapError: what makes an image a memory."""
+        """As initial_bytes, but raises MemoryGapError, so that an image is a MemorySource."""
         content = self._model.initial_bytes(address, size)
         if content is None:
             raise MemoryGapError(f"the image has no {size} bytes at {address:#x}")
         return content
 
     def close(self) -> None:
-        """Gives the memory back. What was made of the image raises ClosedError from then on."""
+        """Frees the memory of the image. Objects made from it raise ClosedError from then on."""
         self._model.close()
 
     def __enter__(self) -> Image:

@@ -1,4 +1,4 @@
-"""Bytes of the target's memory, from wherever they come."""
+"""Bytes of the target's memory, from any source."""
 
 from __future__ import annotations
 
@@ -11,21 +11,21 @@ Bytes = Union[bytes, bytearray, memoryview]
 
 
 class MemorySource(Protocol):
-    """Whatever knows the target's memory: a Memory, an Image with its initial values, or an object of
+    """Anything that knows the target's memory: a Memory, an Image with its initial values, or an object of
     yours that asks a debugger."""
 
     def read_memory(self, address: int, size: int) -> bytes:
-        """The bytes of a stretch; raises MemoryGapError where they aren't known."""
+        """The bytes of a range; raises MemoryGapError if they aren't known."""
 
 
 class Memory:
-    """Stretches of memory by their address, such as the regions of a dump:
+    """Ranges of memory by address, such as the regions of a dump:
 
         memory = Memory(ram_dump, address=0x20000000)
         memory.add(0x08000000, flash_dump)
 
-    What is added is kept, not copied. A later stretch hides an earlier one where it covers the whole of
-    what is read.
+    What is added is kept, not copied. A later range hides an earlier one if it covers everything that
+    is read.
     """
 
     def __init__(self, content: Bytes = b"", *, address: int = 0) -> None:
@@ -35,13 +35,13 @@ class Memory:
             self.add(address, content)
 
     def add(self, address: int, content: Bytes) -> None:
-        """Adds a stretch that begins at an address."""
+        """Adds the bytes of a range that begins at `address`."""
         position = bisect.bisect_right(self._starts, address)
         self._starts.insert(position, address)
         self._stretches.insert(position, (address, memoryview(content).cast("B")))
 
     def read_memory(self, address: int, size: int) -> bytes:
-        """The bytes of a stretch; raises MemoryGapError where they aren't known."""
+        """The bytes of a range; raises MemoryGapError if they aren't known."""
         for start, content in reversed(self._stretches[: bisect.bisect_right(self._starts, address)]):
             offset = address - start
             if offset + size <= len(content):

@@ -1,5 +1,5 @@
-"""One finished model of the library: its handle and the questions that it answers, in plain values.
-Images, types and places share it; it is destroyed with the last of them, or when the image is closed."""
+"""One finished model of the library: its handle and its queries, in plain values. Images, types and places
+share it; it is destroyed with the last of them, or when the image is closed."""
 
 from __future__ import annotations
 
@@ -35,7 +35,7 @@ _LONGEST_ZEROS = 256 * 1024 * 1024
 
 
 class ObjectRow(NamedTuple):
-    """An object of the model; what doesn't concern its kind is 0."""
+    """An object of the model; members that its kind doesn't have are 0."""
 
     id: int
     kind: int
@@ -103,7 +103,7 @@ class Model:
             raise Error(_native.library.brindle_status_text(status).decode())
 
     def _number(self, function: Callable[..., int], *arguments: object, number: Any = None) -> int:
-        """The number that a function gives; 0 if there is none."""
+        """The number that a function returns; 0 if there is none."""
         result = c_uint64() if number is None else number
         self._check(function(self.handle, *arguments, byref(result)))
         return int(result.value)
@@ -194,7 +194,7 @@ class Model:
             yield identifier
 
     def resolve(self, path: str, index: int = 0) -> PlaceRow:
-        """Raises PathError where the path doesn't resolve."""
+        """The place of a path; raises PathError if the path doesn't resolve."""
         encoded = path.encode("utf-8", "surrogatepass")
         found = _native.Place()
         if "\0" in path:
@@ -207,7 +207,7 @@ class Model:
         return _place_row(found)
 
     def find_address(self, address: int) -> Iterator[Tuple[str, PlaceRow, int]]:
-        """Path, place and offset of all that holds the byte at an address."""
+        """Path, place and offset for everything that holds the byte at an address."""
         count = 1
         index = 0
         found = _native.Place()
@@ -242,7 +242,7 @@ class Model:
         return result
 
     def initial_bytes(self, address: int, size: int) -> Optional[bytes]:
-        # No memory for bytes that can't be there; the library answers no longer stretch of zeros.
+        # Don't allocate for bytes that can't be there; the library gives no longer run of zeros.
         if size <= 0 or size > self.image.file_size + _LONGEST_ZEROS or not 0 <= address < 1 << 64:
             return None
         buffer = (ctypes.c_uint8 * size)()

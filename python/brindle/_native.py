@@ -1,5 +1,5 @@
-"""The C interface of the library as ctypes sees it: loading, structures and functions, under the names
-of brindle.h. Nothing else in the package knows ctypes but the callbacks of a read."""
+"""The C interface of the library for ctypes: loading, structures and functions, under the names of
+brindle.h. Apart from this module, only the callbacks of a read use ctypes."""
 
 from __future__ import annotations
 
@@ -130,7 +130,7 @@ _FUNCTIONS: Tuple[Tuple[Any, ...], ...] = (
 
 
 def _candidates() -> List[str]:
-    """Where the library may be, the one that is meant first."""
+    """Where the library may be, the most specific place first."""
     wanted = os.environ.get("BRINDLE_LIBRARY")
     if wanted:
         return [wanted]

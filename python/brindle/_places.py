@@ -21,7 +21,7 @@ if TYPE_CHECKING:
 
 
 class _Located:
-    """What has an address, a type and a size."""
+    """Anything with an address, a type and a size."""
 
     __slots__ = ()
 
@@ -35,7 +35,7 @@ class _Located:
 
     @property
     def type(self) -> Type:
-        """Of a bit field that of its storage unit."""
+        """For a bit field, the type of its storage unit."""
         return type_or_nothing(self._model, self._type)
 
     def _decoder(self) -> Decoder:
@@ -44,14 +44,14 @@ class _Located:
         return bits_decoder_of(self._model, self._type, self.bit_offset or 0, self.bit_size)
 
     def decode(self, content: bytes) -> Value:
-        """The value that the `size` bytes of the place hold. Fewer or more of them are refused."""
+        """The value of `content`, the bytes of the place. Their number must be `size`."""
         if len(content) != self.size:
             raise ValueError(f"{self.path} has {self.size} bytes, not {len(content)}")
         return self._decoder()(content)
 
     def value_of(self, memory: MemorySource) -> Value:
-        """The value in a memory: an Image holds the initial one, a Memory that of a dump. Raises
-        MemoryGapError where the memory doesn't know the bytes."""
+        """The value in a memory: an Image has the initial value, a Memory the value in a dump. Raises
+        MemoryGapError if the memory doesn't have the bytes."""
         return self._decoder()(memory.read_memory(self.address, self.size))
 
     def __repr__(self) -> str:
@@ -76,12 +76,12 @@ class Place(_Located):
 
     @property
     def address(self) -> int:  # type: ignore[override]
-        """Of the first byte."""
+        """Address of the first byte."""
         return self._row.address
 
     @property
     def size(self) -> int:  # type: ignore[override]
-        """In bytes; of a bit field that of its storage unit."""
+        """Size in bytes; for a bit field, the size of its storage unit."""
         return self._row.size
 
     @property
@@ -118,12 +118,12 @@ class Variable(_Located):
 
     @property
     def name(self) -> str:
-        """Without its scopes."""
+        """The name without its scopes."""
         return self._object.name
 
     @property
     def qualified_name(self) -> str:
-        """With its namespaces, classes and functions in front, joined by "::"."""
+        """The name after its namespaces, classes and functions, joined by "::"."""
         return self._model.qualified_name(self._object.id)
 
     path = qualified_name  # type: ignore[assignment]
@@ -134,12 +134,12 @@ class Variable(_Located):
 
     @property
     def address(self) -> int:  # type: ignore[override]
-        """Of the first byte."""
+        """Address of the first byte."""
         return self._object.address
 
     @property
     def size(self) -> int:  # type: ignore[override]
-        """In bytes, 0 where nothing tells it."""
+        """Size in bytes, 0 if unknown."""
         return self._model.size_of(self._object.type)
 
     bit_offset = None
@@ -147,7 +147,7 @@ class Variable(_Located):
 
     @property
     def unit(self) -> Optional[str]:
-        """The name of its compile unit; None for one that is global to the whole image."""
+        """The name of its compile unit; None for a variable that is global to the whole image."""
         unit = self._model.compile_unit_of(self._object.id)
         return self._model.object(unit).name if unit else None
 
@@ -164,7 +164,7 @@ class Variable(_Located):
 
 
 class _Block:
-    """Rows of variables or leaves. A column becomes Python's when it is asked for."""
+    """Rows of variables or leaves. A column becomes a Python object on access."""
 
     __slots__ = ("model", "count", "addresses", "sizes", "types", "globals", "bit_offsets",
                  "bit_sizes", "_text", "_paths")
@@ -197,7 +197,7 @@ class _Block:
 
 
 class Leaf(_Located):
-    """A part of a variable that has no parts: a number, a pointer, an enum, a bit field."""
+    """A piece of a variable that has no parts itself: a number, a pointer, an enum, a bit field."""
 
     __slots__ = ("_block", "_index")
 
@@ -220,12 +220,12 @@ class Leaf(_Located):
 
     @property
     def address(self) -> int:  # type: ignore[override]
-        """Of the first byte."""
+        """Address of the first byte."""
         return self._block.addresses[self._index]  # type: ignore[no-any-return]
 
     @property
     def size(self) -> int:  # type: ignore[override]
-        """In bytes; of a bit field that of its storage unit."""
+        """Size in bytes; for a bit field, the size of its storage unit."""
         return self._block.sizes[self._index]  # type: ignore[no-any-return]
 
     @property
@@ -273,7 +273,7 @@ class _Rows:
 
 
 class Leaves:
-    """The leaves that were asked for. Each loop over them walks anew."""
+    """The leaves that were requested. Each loop over them walks anew."""
 
     def __init__(self, model: Model, pattern: Optional[str], variables: Optional[List[int]],
                  array_elements: int, limit: int) -> None:
@@ -287,8 +287,8 @@ class Leaves:
 
     @property
     def is_complete(self) -> bool:
-        """False if the last loop left something out: elements of arrays beyond `array_elements`, places
-        that are nested too deep, or all beyond `limit`."""
+        """False if the last loop left something out: array elements beyond `array_elements`, the parts of
+        places that are nested too deep, or leaves beyond `limit`."""
         return self._cuts is None or not (
             self._cuts.arrays or self._cuts.wholes or self._cuts.is_exhausted)
 
@@ -328,8 +328,8 @@ class Leaves:
 
 
 class Variables:
-    """The variables of an image, in the order of delivery, and by name. Names of static variables may
-    recur: a name stands for the first, `all` gives each."""
+    """The variables of an image, in the order of delivery, and by name. Static variables may share a name:
+    it stands for the first of them, `all` gives each."""
 
     def __init__(self, model: Model) -> None:
         self._model = model
@@ -342,7 +342,7 @@ class Variables:
         return sum(block.count for block, _ in self._blocks())
 
     def __getitem__(self, name: str) -> Variable:
-        """The first variable of a qualified name, or else of the name alone."""
+        """The first variable with a qualified name, or else with the name only."""
         found = self.all(name)
         if not found:
             raise PathError(f"there is no variable {name!r}")
@@ -352,10 +352,10 @@ class Variables:
         return isinstance(name, str) and bool(self.all(name))
 
     def all(self, name: str) -> List[Variable]:
-        """All variables of a qualified name, or else of the name alone."""
+        """All variables with a qualified name, or else with the name only."""
         found = list(self._model.find(name, _model.KIND_GLOBAL))
         if not found:
-            # A path of the name alone begins with the first variable of it.
+            # A path of only the name begins with its first variable.
             try:
                 candidates = self._model.resolve(name).candidates
                 places = [self._model.resolve(name, index) for index in range(candidates)]
@@ -366,8 +366,8 @@ class Variables:
         return [Variable(self._model, identifier) for identifier in found]
 
     def matching(self, pattern: str) -> Iterator[Variable]:
-        """Variables whose qualified name, or what follows a "::" in it, fits a pattern: `*` stands for any
-        characters, `?` for one."""
+        """Variables whose qualified name, or what follows a "::" in it, matches a pattern: `*` stands for
+        any characters, `?` for one."""
         _, wholes = _Filter(pattern).variables(self._model)
         for identifier in sorted(wholes):
             yield Variable(self._model, identifier)
@@ -385,8 +385,8 @@ class Variables:
 
 
 class _Filter:
-    """A pattern of paths, in which `*` stands for any characters and `?` for one. It fits a path, or what
-    follows a "::" in it; one that fits the name of a variable takes all of its leaves."""
+    """A pattern of paths, in which `*` stands for any characters and `?` for one. It matches a path, or
+    what follows a "::" in it; a pattern that matches the name of a variable selects all of its leaves."""
 
     def __init__(self, pattern: str) -> None:
         translated = re.escape(pattern).replace(r"\*", ".*").replace(r"\?", ".")
@@ -395,7 +395,7 @@ class _Filter:
         self._has_wildcard = len(self._head) < len(pattern)
 
     def variables(self, model: Model) -> Tuple[List[int], frozenset[int]]:
-        """The variables that have leaves that may fit, and those of them that fit themselves."""
+        """The variables with leaves that may match, and those among them that match themselves."""
         wanted: List[int] = []
         wholes = []
         for block in _Rows(model, variables=1).blocks():
@@ -444,7 +444,7 @@ def _dataframe(model: Model, blocks: Iterator[Tuple[_Block, Iterable[int]]], hea
                 columns["bit_offset"].append(block.bit_offsets[index] if width else None)
                 columns["bit_size"].append(width or None)
     frame = pandas.DataFrame(columns)
-    # An empty table has the same kinds of column.
+    # The columns of an empty table have the same types.
     for name, kind in ((head, "object"), ("type", "object"), ("address", "uint64"), ("size", "uint64")):
         frame[name] = frame[name].astype(kind)
     for name in ("bit_offset", "bit_size") if has_bits else ():

@@ -13,7 +13,7 @@ from ._image import Image
 from ._model import Model
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview]
-# Takes what the reader does at present and how far it has come with it, from 0 to 1.
+# Receives what the reader is doing and how far it has come with that, from 0 to 1.
 Progress = Callable[[str, float], object]
 
 _CONTAINERS = {"auto": -1, "elf": 0, "coff": 1, "pe": 2}
@@ -30,14 +30,14 @@ def read(source: Source, *, full: bool = False, all_types: bool = False, contain
     """Reads an ELF, TI-COFF or PE file.
 
     source: its path, or its content.
-    full: read in the full manner, which knows DWARF 5 and addresses of 64 bits; see
-        docs/full-reading.md. Otherwise the manner is that of the library.
-    all_types: read types that no variable uses too.
+    full: read in the full manner, which knows DWARF 5 and addresses of 64 bits; see docs/full-reading.md.
+        If false, the library's option decides.
+    all_types: also read types that no variable uses.
     container: "auto", "elf", "coff" or "pe".
-    options: of the reader, for this read alone; see docs/options.md.
-    progress: called from time to time; what it raises ends the read and is raised here.
-    wait: if another thread reads, wait for its end, rather than raise BusyError.
-    name: of a content, for messages; `Image.path` gives it back.
+    options: options of the reader for only this read; see docs/options.md.
+    progress: called from time to time; an exception in it ends the read and is raised here.
+    wait: if another thread is reading, wait for its end instead of raising BusyError.
+    name: names a content in messages; `Image.path` returns it.
     """
     if container not in _CONTAINERS:
         raise ValueError(f"container is one of {', '.join(_CONTAINERS)}, not {container!r}")
@@ -54,7 +54,7 @@ def read(source: Source, *, full: bool = False, all_types: bool = False, contain
 
 
 def _take_source(wanted: Any, source: Source, name: Optional[str]) -> object:
-    """Gives what has to live as long as the input."""
+    """Returns what must live as long as the input."""
     if isinstance(source, (bytes, bytearray, memoryview)):
         content = bytes(source)
         wanted.bytes = ctypes.cast(ctypes.c_char_p(content), c_void_p)
@@ -87,7 +87,7 @@ class _Reader:
         self._length = 1
         self.handle = c_void_p()
         _check(_native.library.brindle_reader_create(byref(self.handle)))
-        # The functions have to stay as long as the reader. They are set without a progress too: an
+        # The functions must live as long as the reader. They are set even without a progress function: an
         # interrupt of the user reaches Python in one of them.
         self._callbacks = _native.Callbacks(
             SetProgressText=_native.SetProgressText(self._on_text),
@@ -133,7 +133,7 @@ class _Reader:
         raise Error(text)
 
     def _tell(self, value: int) -> None:
-        """No exception may leave a function that the library calls: it is kept, and the read ended."""
+        """No exception may leave a function that the library calls: keep it, and end the read."""
         try:
             if self._progress is not None and self._error is None:
                 share = (value - self._start) / self._length if self._length else 0.0

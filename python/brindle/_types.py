@@ -1,5 +1,5 @@
-"""The types of an image. Each is an object of the class of its kind, made when it is asked for; the same
-type is the same object as long as someone holds it."""
+"""The types of an image. Each is an object of the class of its kind, made on access; a type is the same
+object as long as someone holds it."""
 
 from __future__ import annotations
 
@@ -19,34 +19,34 @@ class Type:
 
     @property
     def name(self) -> str:
-        """Its own name, without scopes; of a type without one its C declaration, such as "uint32" or
+        """Its own name, without scopes; for a type without a name its C declaration, such as "uint32" or
         "limits[2]"."""
         return self._row.name or self.text
 
     @property
     def qualified_name(self) -> str:
-        """With the enclosing scopes in front; empty for a type without a name."""
+        """The name after its enclosing scopes; empty for a type without a name."""
         return self._model.qualified_name(self._row.id)
 
     @property
     def text(self) -> str:
-        """As a C declaration without a name, such as "uint16[4][2]"."""
+        """The type as a C declaration without a name, such as "uint16[4][2]"."""
         return self._model.type_text(self._row.id)
 
     @property
     def kind(self) -> str:
-        """What it is in a word: "base", "struct", "class", "union", "array", "pointer", "enum",
-        "typedef", "function" or "unknown"."""
+        """The kind as a word: "base", "struct", "class", "union", "array", "pointer", "enum", "typedef",
+        "function" or "unknown"."""
         return _KINDS[self._row.kind][0]
 
     @property
     def size(self) -> int:
-        """In bytes, 0 where nothing tells it."""
+        """Size in bytes, 0 if unknown."""
         return self._model.size_of(self._row.id)
 
     @property
     def resolved(self) -> Type:
-        """The type behind all typedefs; the type itself if it is none."""
+        """The type that a chain of typedefs leads to; the type itself if it is no typedef."""
         return type_of(self._model, self._model.without_typedefs(self._row.id)) or self
 
     def _related(self) -> Optional[Type]:
@@ -77,7 +77,7 @@ class UnknownType(Type):
 
 
 class BaseClass(NamedTuple):
-    """A base class and its offset in bytes from the start of the class that is derived from it."""
+    """A base class and its offset in bytes from the start of the derived class."""
 
     type: Type
     offset: int
@@ -92,22 +92,23 @@ class Member:
 
     @property
     def name(self) -> str:
-        """Empty for an anonymous member, whose own members count as those of the type around it."""
+        """Empty for an anonymous member, whose own members count as members of the enclosing type."""
         return self._row.name
 
     @property
     def type(self) -> Type:
-        """Of a bit field that of its storage unit."""
+        """For a bit field, the type of its storage unit."""
         return type_or_nothing(self._model, self._row.type)
 
     @property
     def offset(self) -> int:
-        """In bytes from the start of the type around it; of a bit field that of its storage unit."""
+        """Offset in bytes from the start of the enclosing type; for a bit field, the offset of its storage
+        unit."""
         return self._row.offset
 
     @property
     def size(self) -> int:
-        """In bytes; of a bit field that of its storage unit."""
+        """Size in bytes; for a bit field, the size of its storage unit."""
         return self._model.size_of(self._row.type)
 
     @property
@@ -164,12 +165,12 @@ class ArrayType(Type):
 
     @property
     def element(self) -> Type:
-        """The type of one element, all dimensions taken."""
+        """The type of one element, after all dimensions."""
         return type_or_nothing(self._model, self._row.type)
 
     @property
     def dimensions(self) -> Tuple[int, ...]:
-        """Numbers of elements, outermost first."""
+        """Element counts, outermost first."""
         return self._model.dimensions(self._row)
 
     @property
@@ -183,7 +184,7 @@ class PointerType(Type):
 
     @property
     def target(self) -> Optional[Type]:
-        """None for a pointer to nothing known."""
+        """None if nothing is known about the target."""
         return self._related()
 
 
@@ -275,7 +276,7 @@ _KINDS = {
     _model.KIND_FUNCTION_TYPE: ("function", FunctionType),
 }
 
-# By the number of the scalar type.
+# Indexed by the number of the scalar type.
 _ENCODINGS = {
     **dict.fromkeys((2, 4, 8, 11, 13, 15), "signed"),
     **dict.fromkeys((3, 5, 9, 12, 14, 16), "unsigned"),
@@ -285,7 +286,7 @@ _ENCODINGS = {
 
 
 def type_of(model: Model, identifier: int) -> Optional[Type]:
-    """The type of an identifier; None if it names none."""
+    """The type of an identifier; None if the identifier names no type."""
     if not identifier:
         return None
     known = model.types.get(identifier)
@@ -299,7 +300,7 @@ def type_of(model: Model, identifier: int) -> Optional[Type]:
 
 
 def type_or_nothing(model: Model, identifier: int) -> Type:
-    """As type_of, with an unknown type of size 0 where there is none."""
+    """As type_of, but an unknown type of size 0 instead of None."""
     return type_of(model, identifier) or UnknownType(model, _NOTHING)
 
 

@@ -1,5 +1,5 @@
-"""Bytes of memory to values. A decoder is made once for each type of an image and called once for each
-value."""
+"""From bytes of memory to values. A decoder is made once for each type of an image and called once for
+each value."""
 
 from __future__ import annotations
 
@@ -10,8 +10,8 @@ from . import _model
 from ._model import Model, ObjectRow
 
 # What bytes become: numbers and truth values for scalars and pointers, EnumValue for enums, a list for an
-# array (of lists, if it has several dimensions), a dict for a structure or union, and the bytes
-# themselves where nothing is known of their meaning.
+# array (of lists, if it has several dimensions), a dict for a structure or union, and the bytes themselves
+# if their meaning is unknown.
 Value = Union[int, float, bool, bytes, List[Any], Dict[str, Any]]
 Decoder = Callable[[bytes], Value]
 
@@ -24,7 +24,7 @@ _BOOL = 7
 
 
 class EnumValue(int):
-    """A number that an enum holds, with the name that it has there."""
+    """A number in a variable of an enum type, with its name there."""
 
     name: Optional[str]
 
@@ -44,7 +44,7 @@ class EnumValue(int):
 
 
 def decoder_of(model: Model, identifier: int, depth: int = 0) -> Decoder:
-    """What turns the bytes of a type into its value."""
+    """Returns the function that turns the bytes of a type into its value."""
     known = model.decoders.get(identifier)
     if known is None:
         row = model.object(model.without_typedefs(identifier))
@@ -64,7 +64,7 @@ def decoder_of(model: Model, identifier: int, depth: int = 0) -> Decoder:
 
 
 def bits_decoder_of(model: Model, identifier: int, bit_offset: int, bit_size: int) -> Decoder:
-    """What turns the bytes of a storage unit into the value of a bit field in it."""
+    """Returns the function that turns the bytes of a storage unit into the value of a bit field in it."""
     byte_order: Any = model.byte_order
     mask = (1 << bit_size) - 1
     row = model.object(model.without_typedefs(identifier))
@@ -103,7 +103,7 @@ def _named(model: Model, row: ObjectRow) -> Callable[[int], Value]:
     names: Dict[int, str] = {}
     for name, value in model.enumerators(row):
         names.setdefault(value, name)
-        # The table has 32 bits with sign: what a larger unsigned enum holds stands there as negative.
+        # The table has signed 32 bits: a large value of an unsigned enum is negative there.
         names.setdefault(value & 0xFFFFFFFF, name)
     return lambda number: EnumValue(number, names.get(number))
 
@@ -120,7 +120,7 @@ def _enum(model: Model, row: ObjectRow, depth: int) -> Decoder:
 
 
 def rest_decoder_of(model: Model, identifier: int, indexed_dimensions: int) -> Decoder:
-    """What turns the bytes of a part of an array, of which some dimensions have their index, into its
+    """Returns the function that turns the bytes of a part of an array, after some of its indices, into its
     value."""
     return _array(model, model.object(model.without_typedefs(identifier)), 0, indexed_dimensions)
 
