@@ -7,7 +7,7 @@ namespace Tessel::Norn::Brindle::Program {
 namespace {
 
 constexpr std::uint64_t sBitsOfByte = 8;
-/// No compiler lays out so much in one place.
+/// No compiler lays out this many overlapping members in one place.
 constexpr std::size_t sMostLanes = 256;
 
 void AddToLane(BitCluster& cluster, const BitSpan& span) {

@@ -1,5 +1,5 @@
-// The bits of a structure, arranged so that a C compiler lays them out in the same way: what lies
-// side by side in one lane, what overlaps in several.
+// The bits of a structure, arranged so that a C compiler reproduces the layout: adjacent members
+// share a lane, overlapping ones are in different lanes.
 #pragma once
 
 #include <cstddef>
@@ -13,9 +13,9 @@ struct BitSpan {
     /// In bits from the start of the structure, in the order in which a compiler fills its bytes.
     std::uint64_t start = 0;
     std::uint64_t end = 0;
-    /// What lies there, by the caller's count.
+    /// Index of the member in the caller's list.
     std::size_t item = 0;
-    /// False for what begins and ends with a byte.
+    /// False for a member that begins and ends at a byte.
     bool isBitField = false;
 };
 
@@ -24,7 +24,7 @@ struct BitCluster {
     /// In bits; multiples of 8.
     std::uint64_t start = 0;
     std::uint64_t end = 0;
-    /// Spans that do not overlap, ascending, in each lane; several lanes where spans overlap.
+    /// In each lane, spans in ascending order that don't overlap; several lanes if spans overlap.
     std::vector<std::vector<BitSpan>> lanes;
 };
 

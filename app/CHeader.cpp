@@ -28,7 +28,7 @@ using DataModel::ObjectId;
 using DataModel::ObjectKind;
 
 constexpr std::uint64_t sBitsOfByte = 8;
-/// Structures within structures; what lies deeper is written as bytes.
+/// Structures within structures; deeper ones are written as bytes.
 constexpr std::size_t sDeepestNesting = 100;
 constexpr std::string_view sPacked = " __attribute__((packed));\n";
 
@@ -42,7 +42,7 @@ bool IsClass(ObjectKind kind) {
     return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
 }
 
-/// A type as it stands before and behind a name.
+/// The parts of a type before and after a name.
 struct CType {
     std::string lead;
     std::string dimensions;
@@ -121,7 +121,7 @@ struct Item {
     CType type;
     std::string name;
     std::string comment;
-    /// In bits; 0 for what is no bit field.
+    /// In bits; 0 if it is no bit field.
     std::uint64_t width = 0;
 };
 
@@ -176,7 +176,7 @@ private:
         mPosition = cluster.end;
     }
 
-    /// One lane of a union: a member that begins with it stands for itself.
+    /// One lane of a union: a lane of a single member that begins with it needs no structure.
     void WriteAlternative(const std::vector<BitSpan>& lane, std::uint64_t start,
                           std::size_t depth) {
         mPosition = start;
@@ -210,7 +210,7 @@ private:
         mPosition = span.end;
     }
 
-    /// Padding up to a bit.
+    /// Adds padding up to a bit.
     void FillTo(std::uint64_t position, std::size_t depth) {
         FillBits(std::min(position, (mPosition + sBitsOfByte - 1) / sBitsOfByte * sBitsOfByte),
                  depth);
@@ -272,7 +272,7 @@ private:
             return false;
         }
         if (IsClass(type.kind) && (type.anonymous || type.name.empty()) && !IsOfVariable(type.id)) {
-            return false; // it comes with what holds it
+            return false; // its holder declares it
         }
         const std::string name = mModel.QualifiedName(type.id);
         return names.TakesAll() || names.Takes(name, OwnNameStart(name, type.name));
@@ -305,8 +305,8 @@ private:
         }
     }
 
-    /// A type as C takes it, with what it is made of declared before. Structures of the wrong
-    /// nesting and what C has no word for are bytes.
+    /// A type as C takes it, after declaring what it is made of. Structures that contain themselves
+    /// and types that C can't express become bytes.
     // Calls itself through types, no deeper than sDeepestNesting.
     // NOLINTNEXTLINE(misc-no-recursion)
     CType TypeOf(ObjectId id, std::size_t depth) {
@@ -427,7 +427,7 @@ private:
         item.type = TypeOf(entry.id, depth + 1);
         item.name = "base_" + name;
         item.comment = CommentText("base class " + name);
-        // An empty base class takes no bytes, whatever its size.
+        // An empty base class occupies no bytes, whatever its size.
         const bool isEmpty = LayoutOf(mModel, mModel.WithoutTypedefs(entry.id)).empty();
         return {entry.offset * sBitsOfByte,
                 (entry.offset + (isEmpty ? 0 : item.type.size)) * sBitsOfByte, 0, false};
@@ -489,7 +489,7 @@ private:
         return std::to_string(static_cast<std::uint32_t>(value)) + "u";
     }
 
-    /// The name of a type; for one without a name, that of what was declared with it.
+    /// The name of a type; for a nameless type, the name of what was declared with it.
     [[nodiscard]] std::string NameOf(const ModelObject& type) const {
         if (!type.anonymous && !type.name.empty()) {
             return mModel.QualifiedName(type.id);
@@ -504,7 +504,7 @@ private:
                    : mModel.QualifiedName(held.id);
     }
 
-    /// The typedef, member or variable that a type without a name was declared with.
+    /// Finds the typedef, member or variable that a nameless type was declared with.
     void FindHolders() {
         for (ObjectId id = 1; id <= mModel.ObjectCount(); ++id) {
             const ModelObject object = mModel.Object(id);
@@ -521,10 +521,10 @@ private:
     CNames mTagNames;
     CNames mOrdinaryNames;
     std::unordered_map<ObjectId, ObjectId> mHolders;
-    /// The structures that are being written, to none of which one of them can belong.
+    /// The structures that are being written: none of them can be a member here.
     std::vector<ObjectId> mOpen;
     std::unordered_map<ObjectId, std::string> mTags;
-    /// What is written, with its name: types of several compile units are alike.
+    /// What was written, with its name: several compile units may have the same types.
     std::unordered_map<std::string, std::string> mKnown;
     std::string mText;
 };

@@ -1,5 +1,5 @@
-// The C declarations that `types --c` writes: what a C compiler takes, with the layout that the
-// types have in the image. The readable form, with C++ words and holes, is in TypeLayouts.
+// The C declarations that `types --c` writes: valid C, with the layout that the types have in the
+// image. The readable form, with C++ words and holes, is in TypeLayouts.
 #pragma once
 
 namespace Tessel::Norn::Brindle::DataModel {
@@ -11,13 +11,13 @@ namespace Tessel::Norn::Brindle::Program {
 class NameFilter;
 class ResultOutput;
 
-/// Writes the types that are wanted and all that they are made of: structures and unions packed,
-/// with padding members, members of fixed-width types, and assertions of sizes and offsets.
-/// Pointers are unsigned integers, since they point into the target. Bit fields stand in the order
-/// in which a compiler for the byte order of the image lays them out. Names that C doesn't take are
-/// changed, and so are those that stand for several things.
-/// @param names takes the names of the types that are wanted
-/// @return false if there are none; nothing is written then
+/// Writes the wanted types and everything that they are made of: structures and unions packed, with
+/// padding members, members of fixed-width types, and assertions of sizes and offsets. Pointers are
+/// unsigned integers, since they point into the target. Bit fields are in the order in which a
+/// compiler for the image's byte order lays them out. Names that C doesn't allow are changed, and
+/// so are names that stand for several things.
+/// @param names accepts the names of the wanted types
+/// @return false if there are none; then nothing is written
 bool WriteCHeader(const DataModel::Model& model, const NameFilter& names, ResultOutput& output);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -68,7 +68,7 @@ bool IsNameCharacter(char character) {
            (character >= '0' && character <= '9') || character == '_';
 }
 
-/// `name` is that of an integer of the standard: int8_t, uint_least16_t, intptr_t, INT8_MAX.
+/// True for an integer type or macro of the standard: int8_t, uint_least16_t, intptr_t, INT8_MAX.
 bool IsOfIntegers(std::string_view name) {
     return (name.ends_with("_t") || name.ends_with("_MAX") || name.ends_with("_MIN")) &&
            (name.starts_with("int") || name.starts_with("uint") || name.starts_with("INT") ||

@@ -1,4 +1,4 @@
-// Names for a C header: each is one that C takes, and none stands for two things.
+// Names for a C header: each is valid in C, and none stands for two things.
 #pragma once
 
 #include <string>
@@ -7,17 +7,17 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// One space of names of C: that of tags, that of ordinary names, or the members of a structure.
+/// One namespace of C: that of tags, of ordinary names, or of the members of a structure.
 class CNames {
 public:
-    /// A text as a name of C: letters, digits and underscores, no keyword and no name of the
+    /// A text as a name of C: letters, digits and underscores; neither a keyword nor a name of the
     /// headers that a header with fixed-width types includes.
     static std::string Plain(std::string_view text);
 
     /// True if a header with fixed-width types has the name already.
     static bool IsTaken(std::string_view name);
 
-    /// The name of a text that nothing else has; from the second on with a number.
+    /// A unique name for a text; from the second use on with a number.
     std::string Take(std::string_view text);
 
 private:

@@ -1,5 +1,5 @@
-// Keeps the texts that the library itself prints out of the results. A read session holds one for
-// the length of each read.
+// Keeps what the library itself prints out of the results. A read session holds one for the length
+// of each read.
 #pragma once
 
 #include <sstream>
@@ -18,7 +18,7 @@ public:
     CapturedStandardOutput(CapturedStandardOutput&&) = delete;
     CapturedStandardOutput& operator=(CapturedStandardOutput&&) = delete;
 
-    /// Tells on standard error what was caught, one message a line.
+    /// Prints what was captured on standard error, one message a line.
     void Tell(const std::string& file) const;
 
 private:

@@ -7,12 +7,12 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-/// Bytes that are not UTF-8 have the values behind it.
+/// Bytes that are not UTF-8 get values from here on.
 constexpr char32_t sFirstOddByte = 0x110000;
 constexpr unsigned char sFirstBeyondAscii = 0x80;
 
 std::size_t WidthOf(char32_t character) {
-    // Nearly all characters; the control characters among them never come here.
+    // The fast path for nearly all characters; control characters never come here.
     if (character < sFirstBeyondAscii || character >= sFirstOddByte) {
         return 1;
     }
@@ -20,7 +20,7 @@ std::size_t WidthOf(char32_t character) {
         std::max(utf8proc_charwidth(static_cast<utf8proc_int32_t>(character)), 0));
 }
 
-/// The end of a text that fits a width, from the position of a character on.
+/// The longest end of a text that fits a width and begins at a character.
 std::string_view EndOfWidth(std::string_view text, std::size_t width) {
     std::size_t rest = DisplayWidth(text);
     std::size_t position = 0;

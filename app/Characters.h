@@ -1,6 +1,6 @@
-// What the program asks of the characters of a text: one after the other, in lower case, and how
-// wide they stand on a screen. Patterns and tables use it. Any bytes will do; none outside the text
-// is read.
+// Operations on the characters of a text: decoding one after the other, lower case, and width
+// on a screen. Patterns and tables use them. Any bytes are allowed; none outside the text is
+// read.
 #pragma once
 
 #include <cstddef>
@@ -9,12 +9,12 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Decodes the character at a position and moves on behind it. A byte that is not UTF-8 gives a
-/// value that no character has.
+/// Decodes the character at a position and moves past it. A byte that is not UTF-8 gives a value
+/// that no character has.
 /// @param position before the end of the text
 char32_t TakeCharacter(std::string_view text, std::size_t& position);
 
-/// @name The other case of a character; the character itself where it has none
+/// @name The other case of a character; the character itself if it has none
 /// @{
 char32_t LowerCase(char32_t character);
 char32_t UpperCase(char32_t character);
@@ -24,10 +24,10 @@ char32_t UpperCase(char32_t character);
 /// a combining one.
 std::size_t DisplayWidth(std::string_view text);
 
-/// A text cut in its middle to a width, since names differ at their ends, with an ellipsis in place
-/// of what is left out. A text that fits comes back as it is.
-/// @param ellipsis one column for each of its bytes if it is ASCII, else one in all; at most
-/// `width`
+/// A text cut in its middle to a width, since names differ at their ends, with an ellipsis
+/// in place of the cut part. A text that fits comes back unchanged.
+/// @param ellipsis one column for each byte if it is ASCII, else one in all; at most
+///     `width`
 std::string CutInMiddle(std::string_view text, std::size_t width, std::string_view ellipsis);
 
 /// The start of a text that fits a width.

@@ -1,4 +1,4 @@
-// Columns that a table of variables or places has only where the user asks for them.
+// Columns that a table of variables or places has only on request.
 #pragma once
 
 #include "TableWriter.h"
@@ -24,7 +24,7 @@ struct ChosenColumns {
 /// Adds `--section` and `--values`.
 void AddColumnArguments(CLI::App& command, ChosenColumns& chosen);
 
-/// Adds the chosen columns: that of the section, then `sValueColumns`.
+/// Adds the chosen columns: the section, then `sValueColumns`.
 void AddChosenColumns(const ChosenColumns& chosen, std::vector<Column>& columns);
 
 /// The name of the section that holds an address, or nothing. Valid as long as the model.

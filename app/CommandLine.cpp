@@ -26,7 +26,7 @@ bool IsOption(const std::string& argument) {
     return argument.size() > 1 && argument.front() == '-';
 }
 
-/// The language that the arguments ask for, known before the parser finds faults in them.
+/// The language that the arguments ask for, needed before the parser finds faults in them.
 MessageLanguage LanguageOf(const std::vector<std::string>& arguments) {
     constexpr std::string_view option = "--language";
     std::string_view value;
@@ -41,15 +41,15 @@ MessageLanguage LanguageOf(const std::vector<std::string>& arguments) {
     return value == "49" ? MessageLanguage::German : MessageLanguage::English;
 }
 
-/// The name of a command with that of its group.
+/// The name of a command after the name of its group.
 std::string FullName(const CLI::App& command) {
     const CLI::App* const group = command.get_parent();
     const bool isInGroup = group != nullptr && group->get_parent() != nullptr;
     return (isInGroup ? group->get_name() + " " : "") + command.get_name();
 }
 
-/// Help as wide as the screen, but no wider than reads with ease. Where there is no screen, lists
-/// keep their lines, from which shells complete.
+/// Wraps help to the width of the screen, or less where wide lines are hard to read. Without a
+/// screen, lists keep their lines, which the completion of shells parses.
 std::string Fitted(std::string_view help) {
     constexpr std::size_t sWidest = 100;
     constexpr std::size_t sWithoutScreen = 80;
@@ -147,7 +147,7 @@ ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) 
         command = command->get_subcommand(name);
         fullName.append(" ").append(name);
     }
-    // The program's own help is that of the command that was called.
+    // The program's own help is that of the command.
     std::string text =
         command->get_formatter()->make_help(command, fullName, CLI::AppFormatMode::Normal);
     output.Write(Fitted(text.append(text.ends_with('\n') ? "" : "\n")));
@@ -179,7 +179,7 @@ ExitStatus CommandLine::Run(const Arguments& arguments, ResultOutput& output) {
     }
     ChooseMessageLanguage(LanguageOf(words));
     MoveOptionsBehindCommand(words);
-    // The parser would look for a command behind a word that is none.
+    // The parser would look for a command after a word that isn't one.
     const CLI::App* group = &mProgram;
     for (const std::string& word : words) {
         if (group->get_subcommands({}).empty() || IsOption(word)) {
@@ -224,13 +224,13 @@ ExitStatus CommandLine::EndWrongUsage(const std::string& problem, const CLI::App
 
 std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-        // Of an option that is given twice the later value counts, so that one has none.
+        // If an option is given twice the later value counts, so this text means that it has none.
         const std::string text = error.what();
         return Phrased("{} needs a value", text.substr(0, text.find(':')));
     }
     if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) {
         const std::string_view text = error.what();
-        // What is said of a pattern names the text itself.
+        // A message about a pattern quotes its text.
         constexpr std::string_view pattern = "PATTERN: ";
         return Translated(text.substr(text.starts_with(pattern) ? pattern.size() : 0));
     }

@@ -1,5 +1,5 @@
-// The program's command line: which command was asked for, with which arguments. The files of the
-// commands add theirs; `main` runs the one that was chosen.
+// The program's command line: the requested command and its arguments. The files of the commands
+// add theirs; `main` runs the chosen one.
 #pragma once
 
 #include "ExitStatus.h"
@@ -15,18 +15,18 @@ namespace Tessel::Norn::Brindle::Program {
 
 class ResultOutput;
 
-/// What the help tells of a command.
+/// What the help says about a command.
 struct CommandDescription {
     std::string name;
     /// One sentence without its full stop, short enough for the list of commands.
     std::string purpose;
-    /// One call of the command.
+    /// An example call of the command.
     std::string example;
-    /// What else a user has to know; may be empty.
+    /// What else a user should know; may be empty.
     std::string details;
 };
 
-/// Owns the parser. Wrong usage is told on standard error; help and version are results.
+/// Owns the parser. Wrong usage is reported on standard error; help and version are results.
 class CommandLine {
 public:
     /// What a command does once its arguments are known.
@@ -38,7 +38,7 @@ public:
     /// @return the parser of the command, owned by this object
     CLI::App& AddCommand(const CommandDescription& description, Action action);
 
-    /// Adds a command that is nothing but the name in front of others, to which they are added.
+    /// Adds a command that only groups others, which are added to it.
     CLI::App& AddGroup(const std::string& name, const std::string& purpose);
 
     /// As `AddCommand`, within a group.
@@ -56,7 +56,7 @@ private:
     ExitStatus WriteHelp(const Arguments& names, ResultOutput& output) const;
     void MoveOptionsBehindCommand(Arguments& arguments) const;
     ExitStatus EndParsing(const CLI::ParseError& error, ResultOutput& output) const;
-    /// @param command whose help the user is sent to; null, or the program, for that of all
+    /// @param command whose help the message refers to; null or the program for the general help
     static ExitStatus EndWrongUsage(const std::string& problem, const CLI::App* command);
     [[nodiscard]] std::string UsageProblem(const CLI::ParseError& error) const;
     [[nodiscard]] const CLI::App* ChosenCommand() const;

@@ -1,5 +1,5 @@
-// What the reader decides by the compiler of one file, kept from the next one. Commands that read
-// two builds use it.
+// Keeps what the reader decides by the compiler of one file away from the next file. Commands that
+// read two builds use it.
 #pragma once
 
 #include "core/VElfOptions.h"
@@ -8,8 +8,8 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Puts back, at the end of a read, what the reader decided by the compiler of the file: it must
-/// not decide for the other build.
+/// Restores, at the end of a read, the options that the reader decided by the compiler of the file:
+/// they must not apply to the other build.
 class DecisionGuard {
 public:
     DecisionGuard() = default;

@@ -38,7 +38,7 @@ struct DemangleArguments {
 
 struct PlainName {
     std::string text;
-    /// Something of the mangled name is missing.
+    /// A part of the mangled name is missing.
     bool isCut = false;
 };
 

@@ -76,8 +76,8 @@ void TellMissing(const std::string& file, const ReadResult& result, Phrase conse
     }
 }
 
-/// The filter that the pattern asks for; without a value, which is told, if it fits nothing in
-/// either build.
+/// The filter for the pattern; without a value, after a message, if it matches nothing in either
+/// build.
 std::optional<NameFilter> ChooseFilter(const DiffArguments& arguments, const Builds& builds) {
     NameFilter chosen;
     const PatternArguments& names = arguments.names;
@@ -96,7 +96,7 @@ std::optional<NameFilter> ChooseFilter(const DiffArguments& arguments, const Bui
     return hasMatch ? std::optional(chosen) : std::nullopt;
 }
 
-/// Standard output has rows, standard error the summary; a JSON document has both.
+/// Standard output gets the rows, standard error the summary; a JSON document contains both.
 void WriteResult(const DiffArguments& arguments, const Builds& builds,
                  const DifferenceResult& result, ResultOutput& output) {
     if (TableFormatOf(arguments.format) != TableFormat::Json) {
@@ -130,7 +130,7 @@ ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
     ComparisonScope scope;
     scope.limits = arguments.limits;
     scope.filter = filter.value_or(NameFilter());
-    // What a read that failed did not deliver would look as if it had vanished or appeared.
+    // What a failed read did not deliver would look as if it had vanished or appeared.
     scope.hasAllOfOld = builds.oldResult.isOk;
     scope.hasAllOfNew = builds.newResult.isOk;
     scope.hasLeavesOfWhole = false;
@@ -158,7 +158,7 @@ ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
     return DiffStatus(arguments, builds, result.summary);
 }
 
-/// With `--exit-code` a failure must not pass for a difference.
+/// With `--exit-code` a failure must not look like a difference.
 ExitStatus RunDiff(const DiffArguments& arguments, ResultOutput& output) {
     if (!arguments.hasExitCode) {
         return CompareBuilds(arguments, output);

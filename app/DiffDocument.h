@@ -9,10 +9,10 @@ namespace Tessel::Norn::Brindle::Program {
 struct DifferenceSummary;
 class ResultOutput;
 
-/// Writes what stands before the array of rows.
+/// Writes the part before the array of rows.
 void WriteDiffStart(const std::string& oldFile, const std::string& newFile, ResultOutput& output);
 
-/// Writes what stands behind the array of rows.
+/// Writes the part after the array of rows.
 /// @param isComplete both files were read to their ends
 void WriteDiffEnd(bool isComplete, const DifferenceSummary& summary, ResultOutput& output);
 

@@ -14,7 +14,7 @@ constexpr std::uint64_t sMoved = 1;
 constexpr std::uint64_t sResized = 2;
 constexpr std::uint64_t sRetyped = 4;
 
-/// Where the number of leaves stands in a row.
+/// Index of the cell with the number of leaves in a row.
 constexpr std::size_t sCountCell = 5;
 
 /// A path without the numbers in its brackets: "[1].loops[0]" as "[].loops[]".
@@ -126,8 +126,8 @@ DifferencePack::Row DifferencePack::RowOf(const Difference& difference, std::uin
             newBits.width};
 }
 
-/// What the types of both builds are called. Where a name stands for another type now, that type is
-/// named instead.
+/// The text of the type in each build. Where a name now stands for another type, that type is named
+/// instead.
 std::array<std::uint64_t, 2> DifferencePack::TypeTexts(const Difference& difference) {
     const ComparedPlace* const before = difference.oldPlace;
     const ComparedPlace* const after = difference.newPlace;

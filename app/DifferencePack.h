@@ -1,5 +1,5 @@
-// What a report says of two images: the differences in packed columns, without those that another
-// one explains. `app/report/src/differences.ts` reads what is written here.
+// The differences of two images for a report, in packed columns, without those that follow from
+// another one. `app/report/src/differences.ts` reads what is written here.
 #pragma once
 
 #include "ImagePack.h"
@@ -21,9 +21,9 @@ namespace Tessel::Norn::Brindle::Program {
 struct ComparisonScope;
 struct Difference;
 
-/// Packs the differences of two models, each a row: variables, and within those that stand in both
-/// builds the leaves that changed otherwise than by moving along with their variable. Leaves that
-/// changed alike in all elements of an array are one row.
+/// Packs the differences of two models, one row each: variables, and within variables of both
+/// builds the leaves that changed, unless they only moved along with their variable. Leaves that
+/// changed in the same way in all elements of an array are one row.
 class DifferencePack {
 public:
     DifferencePack(const DataModel::Model& oldModel, const DataModel::Model& newModel,
@@ -35,7 +35,7 @@ public:
 private:
     static constexpr std::size_t sColumnCount = 16;
     using Row = std::array<std::uint64_t, sColumnCount>;
-    /// What makes two leaves of a variable one row: path without indices, and all that changed.
+    /// Leaves of a variable with equal keys share a row: path without indices, and all changes.
     using AlikeKey = std::pair<std::string, std::array<std::uint64_t, 6>>;
 
     void Add(const Difference& difference);

@@ -55,8 +55,8 @@ RowColour ColourOf(const Difference& difference) {
     return difference.newPlace == nullptr ? RowColour::Removed : RowColour::Changed;
 }
 
-/// What the types of both builds are called. Where a name stands for another type now, that type is
-/// told in its place.
+/// The text of the type in each build. Where a name now stands for another type, that type is named
+/// instead.
 struct TypeNames {
     TypeNames(const Difference& difference, const DataModel::Model& oldModel,
               const DataModel::Model& newModel)
@@ -93,7 +93,7 @@ void Count(const Difference& difference, bool isSymbol, DifferenceSummary& summa
     }
 }
 
-/// The cells of one build, empty for one that does not have the place.
+/// The cells of one build, empty if it does not have the place.
 struct PlaceCells {
     PlaceCells(const ComparedPlace* compared, std::string_view typeName) {
         if (compared == nullptr) {

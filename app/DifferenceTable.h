@@ -1,5 +1,5 @@
-// The rows that `diff` prints: one for each variable that is not the same in two builds, and one
-// for each leaf that is not the same within its variable.
+// The rows that `diff` prints: one for each variable that differs between two builds, and one for
+// each leaf that differs within its variable.
 #pragma once
 
 #include "model/LeafWalk.h"
@@ -15,17 +15,17 @@ struct Column;
 struct ComparisonScope;
 class TableWriter;
 
-/// How much differs. Each variable counts once.
+/// The number of differences. Each variable counts once.
 struct DifferenceSummary {
     std::uint64_t appeared = 0;
     std::uint64_t vanished = 0;
-    /// Other address only.
+    /// Only another address.
     std::uint64_t moved = 0;
-    /// Other size or type, wherever it lies.
+    /// Another size or type, whatever the address.
     std::uint64_t changed = 0;
-    /// Leaves that are not the same within their variables.
+    /// Leaves that differ within their variables.
     std::uint64_t leaves = 0;
-    /// Symbols without debug information of which any of this is true.
+    /// Symbols without debug information to which any of this applies.
     std::uint64_t symbols = 0;
 
     /// False if the builds are the same.
@@ -48,7 +48,7 @@ std::span<const Column> DifferenceColumns();
 
 /// Adds the rows of the differences, in the order of `ModelComparison`. The caller finishes the
 /// table.
-/// @param hasSymbols symbols without debug information have rows; they are counted in any case
+/// @param hasSymbols symbols without debug information get rows; they are counted in any case
 /// @param table has `DifferenceColumns`
 DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
                                   const DataModel::Model& newModel, const ComparisonScope& scope,

@@ -1,4 +1,4 @@
-// What the program tells its caller when it ends. Every command returns one.
+// What the program returns to its caller when it ends. Every command returns one.
 #pragma once
 
 namespace Tessel::Norn::Brindle::Program {
@@ -13,7 +13,7 @@ enum class ExitStatus : int {
     /// @name With `diff --exit-code`
     /// @{
     Different = 1,
-    /// What fails otherwise.
+    /// Any other failure.
     Trouble = 2,
     /// @}
 };

@@ -1,4 +1,4 @@
-// What `info` says of one file, gathered from the reader and the model.
+// What `info` says about one file, gathered from the reader and the model.
 #pragma once
 
 #include "ReadSession.h"
@@ -22,12 +22,12 @@ struct FileInfo {
     /// Compile units of the data model; units of one name and folder are one.
     std::uint64_t compileUnits = 0;
     std::uint64_t variables = 0;
-    /// Those of the variables of which the symbol table alone tells.
+    /// The variables among them that only the symbol table knows.
     std::uint64_t symbolVariables = 0;
     /// What isn't read, and what to do about it: one line each.
     std::vector<std::string> notes;
 
-    /// False if the read failed, or found nothing that it knows.
+    /// False if the read failed, or found nothing that the reader knows.
     [[nodiscard]] bool HasContents() const {
         return result.isOk && (!image.sections.empty() || !image.isLinked || variables != 0);
     }

@@ -28,7 +28,7 @@ public:
         : mOutput(output)
         , mWidth(width) {}
 
-    /// A label of several lines stands in front of the first one.
+    /// A label of several lines is put before the first line.
     void Add(std::string_view label, std::string text) {
         ReplaceControlCharacters(text);
         std::string line = "  ";

@@ -52,9 +52,9 @@ FileReplacement::~FileReplacement() {
 
 void FileReplacement::CreateBeside(bool doesExist) {
     if (doesExist) {
-        // A link stays one; what it leads to is replaced.
+        // A link stays a link; its target is replaced.
         mPath = TargetOfLinks(mPath);
-        // A file that its owner has protected is no place for results.
+        // Don't replace a file that its owner has write-protected.
         errno = 0;
         const std::fstream existing(PathToOpen(mPath),
                                     std::ios::in | std::ios::out | std::ios::binary);

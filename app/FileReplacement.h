@@ -1,5 +1,5 @@
 // A file that appears whole or not at all: it is written beside its place under another name and
-// takes that place by a rename. Commands that write files for the user write them through it.
+// then renamed. Commands that write files for the user write them through it.
 #pragma once
 
 #include <fstream>
@@ -9,9 +9,9 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Writes in the order Write, Finish, Commit; without the last, nothing is left behind. Each throws
-/// `std::system_error`, which names the file, as soon as the system refuses something. A place that
-/// is no regular file, such as a device, is written to directly.
+/// Call Write, Finish, Commit in this order; without the last, nothing is left behind. Each throws
+/// `std::system_error`, which names the file, as soon as the system refuses something. A device, or
+/// anything else that is no regular file, is written directly.
 class FileReplacement {
 public:
     /// @param path a file that may exist already, or a link to one; its permissions are kept
@@ -23,10 +23,10 @@ public:
     FileReplacement& operator=(FileReplacement&&) = delete;
 
     void Write(std::string_view text);
-    /// For writers that want a buffer; its failures show in `Finish`.
+    /// For writers that need a buffer; `Finish` reports its failures.
     std::streambuf& Buffer() { return mFile; }
 
-    /// Brings all bytes to the disk.
+    /// Flushes all bytes to the disk.
     void Finish();
     /// Puts the file in its place.
     void Commit();
@@ -36,7 +36,7 @@ private:
     [[noreturn]] void Fail(int reason) const;
 
     std::string mPath;
-    /// Where the bytes go meanwhile; empty once the file is in its place.
+    /// The file's name until it is complete; empty once it is in its place.
     std::string mTemporary;
     std::filebuf mFile;
 };

@@ -1,4 +1,4 @@
-// The command `find`: address, size and type of what expressions lead to, and what lies at
+// The command `find`: address, size and type of the places of expressions, and what lies at
 // addresses.
 #include "ChosenColumns.h"
 #include "CommandLine.h"

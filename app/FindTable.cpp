@@ -131,7 +131,7 @@ private:
         }
     }
 
-    /// Why an address leads to no variable, and what lies near.
+    /// Why an address leads to no variable, and which variables are near.
     [[nodiscard]] std::string Surroundings(std::uint64_t address) const {
         std::string text = Phrased("no variable lies here");
         const ModelObject before = mModel.Object(mLookup->NearestBefore(address));
@@ -177,7 +177,7 @@ private:
     TypeTexts mTypeTexts;
     std::optional<ValueCells> mValues;
     std::vector<Cell> mRow;
-    /// Made for the first address.
+    /// Created for the first address.
     std::optional<DataModel::AddressLookup> mLookup;
     std::vector<std::string> mProblems;
 };

@@ -1,4 +1,4 @@
-// The rows that `find` prints: what expressions lead to, and what lies at addresses.
+// The rows that `find` prints: the places of expressions, and what lies at addresses.
 #pragma once
 
 #include <span>
@@ -16,15 +16,15 @@ struct Column;
 class TableWriter;
 
 /// query, address, size, type, name, offset, bitOffset, bitSize, compileUnit, and the chosen ones.
-/// `query` is there where it isn't the name; `offset` says where in the place an address lies.
+/// `query` is empty if it equals the name; `offset` is the address's position in the place.
 std::vector<Column> FindColumns(const ChosenColumns& chosen);
 
-/// Writes a whole table of what queries lead to, in their order. A query that begins with a digit
-/// is an address, in hexadecimal with 0x in front: it gives a row for each place that holds the
-/// byte. Any other is an expression: it gives a row for each variable of the name, with the
-/// qualified name of the variable where there are several. What leads nowhere gives no row.
+/// Writes a whole table of the results of queries, in their order. A query that begins with a digit
+/// is an address, in hexadecimal after 0x: it gives a row for each place that holds the byte. Any
+/// other is an expression: it gives a row for each variable of the name, with the qualified name of
+/// the variable if there are several. A query without result gives no row.
 /// @param table has `FindColumns` of `chosen`
-/// @return for each query that leads nowhere, why
+/// @return the reason for each query without result
 std::vector<std::string> WriteFound(const DataModel::Model& model,
                                     std::span<const std::string> queries,
                                     const ChosenColumns& chosen, TableWriter& table);

@@ -12,7 +12,7 @@ namespace {
 constexpr std::string_view sTableOf = "vtable for ";
 constexpr std::string_view sSeparator = "::";
 
-/// Takes a plain name off the start of a full one, whose scopes stand between "::".
+/// Removes a plain name from the start of a full one, whose scopes are separated by "::".
 /// @return false if the full one does not begin with it
 bool BeginsWithScopes(std::string_view& full, std::string_view plain, std::string_view separator) {
     while (!plain.empty()) {
@@ -30,7 +30,7 @@ bool BeginsWithScopes(std::string_view& full, std::string_view plain, std::strin
 } // namespace
 
 std::optional<std::string> FullDemangling(const std::string& name) {
-    // The runtime takes "i" for the type int; only this prefix marks the name of a symbol.
+    // The runtime reads "i" as the type int; only this prefix marks the name of a symbol.
     if (!name.starts_with("_Z")) {
         return std::nullopt;
     }
@@ -49,7 +49,7 @@ bool LacksParts(std::string_view plain, const std::string& name, std::string_vie
     if (rest.starts_with(sTableOf)) {
         rest.remove_prefix(sTableOf.size());
     }
-    // Behind the name stand parameters, or the tag of an ABI.
+    // Parameters, or the tag of an ABI, follow the name.
     return !BeginsWithScopes(rest, plain, separator) ||
            (!rest.empty() && rest.front() != '(' && rest.front() != '[');
 }

@@ -19,7 +19,7 @@ using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
 
-/// What the page calls a type; a report's format counts on these numbers.
+/// The page's numbers for types; the format of a report depends on them.
 enum class PackedKind : std::uint8_t {
     Base = 1,
     Unknown,
@@ -60,10 +60,10 @@ std::optional<PackedKind> PackedKindOf(ObjectKind kind) {
     }
 }
 
-/// A bit field among the kinds of layout entries, behind the last of those.
+/// A bit field among the kinds of layout entries, after the last of them.
 constexpr std::uint64_t sBitFieldEntry = 6;
 
-/// 0 stands for none, so that the column of a type without bit fields takes no room.
+/// 0 stands for none, so that the column of a type without bit fields takes no space.
 std::uint64_t PackedBit(std::uint32_t bitOffset) {
     return std::uint64_t{bitOffset} + 1;
 }
@@ -180,7 +180,7 @@ std::uint64_t ImagePack::AddLayout(ObjectId type) {
     return layout.size();
 }
 
-/// Members as leaves call them, unless they are those of the layout.
+/// Adds members as leaves name them, unless they are the members of the layout.
 std::uint64_t ImagePack::AddFlatMembers(ObjectId type) {
     bool isPlain = mModel.BaseClasses(type).empty();
     mModel.ForEachIn(type, [&isPlain](const ModelObject& object) {
@@ -240,7 +240,7 @@ void ImagePack::AddSections() {
 std::uint32_t ImagePack::ScopeText(const ModelObject& variable) {
     const auto [known, isNew] = mScopeTexts.try_emplace(variable.scope, 0);
     if (isNew) {
-        // Not the name of the scope itself: a compile unit adds nothing to the names in it.
+        // Not just the name of the scope: a compile unit adds nothing to the names in it.
         std::string name = mModel.QualifiedName(variable.id);
         const std::string end = "::" + std::string(variable.name);
         name.resize(name.ends_with(end) ? name.size() - end.size() : 0);

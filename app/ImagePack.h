@@ -1,5 +1,5 @@
-// What a report holds of one image: variables, types and values in packed columns. Arrays are not
-// taken apart; the page derives leaves from the types. `app/report/src/image.ts` reads what is
+// The part of a report about one image: variables, types and values in packed columns. Arrays are
+// not taken apart; the page derives leaves from the types. `app/report/src/image.ts` reads what is
 // written here.
 #pragma once
 
@@ -24,7 +24,7 @@ class ImagePack {
 public:
     /// @param file name of the file, for people
     /// @param result how the read of the file ended
-    /// @param valueLimit most bytes of initial values that are taken along
+    /// @param valueLimit most bytes of initial values to include
     ImagePack(const DataModel::Model& model, std::string file, const ReadResult& result,
               std::uint64_t valueLimit);
 
@@ -42,7 +42,7 @@ private:
     std::uint64_t AddDimensions(DataModel::ObjectId array);
     std::uint64_t AddEnumerators(DataModel::ObjectId table);
     void AddVariables();
-    /// @return where it lies
+    /// @return the memory that it occupies
     ValuePack::Stretch AddVariable(const DataModel::ModelObject& variable);
     void AddSections();
     std::uint32_t ScopeText(const DataModel::ModelObject& variable);
@@ -54,9 +54,9 @@ private:
     DataModel::LeafWalk mWalk;
     TextTable mTexts;
     std::vector<std::uint32_t> mTypeNumbers;
-    /// Identifiers of the variables, in their order, which is rising.
+    /// Identifiers of the variables, in ascending order.
     std::vector<DataModel::ObjectId> mVariableIds;
-    /// The unit that was asked for last, with its text: neighbours share theirs.
+    /// The last unit that was looked up, with its text: neighbours often share theirs.
     DataModel::ObjectId mLastUnit = 0;
     std::uint32_t mLastUnitText = 0;
     std::unordered_map<DataModel::ObjectId, std::uint32_t> mScopeTexts;

@@ -1,4 +1,4 @@
-// Arguments that stand on standard input, one a line. Commands that take a list of things use it.
+// Arguments from standard input, one a line. Commands that take a list of things use it.
 #pragma once
 
 #include <iosfwd>
@@ -10,7 +10,7 @@ namespace Tessel::Norn::Brindle::Program {
 /// The lines of an input without blanks around them; empty ones are left out.
 std::vector<std::string> ReadLines(std::istream& input);
 
-/// The arguments, with the lines of the input in the place of the first "-".
+/// The arguments, with the lines of the input in place of the first "-".
 std::vector<std::string> WithInputLines(const std::vector<std::string>& arguments,
                                         std::istream& input);
 

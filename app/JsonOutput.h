@@ -11,7 +11,7 @@
 namespace Tessel::Norn::Brindle::Program {
 
 /// Version of everything that the program writes as JSON, as docs/schema describes it. It grows
-/// when a field goes or changes its meaning; new fields leave it.
+/// when a field is removed or changes its meaning, not when fields are added.
 inline constexpr std::uint64_t kJsonVersion = 1;
 
 using JsonWriter = rapidjson::Writer<ResultOutput>;

@@ -15,7 +15,7 @@ namespace {
 using DataModel::ModelObject;
 using DataModel::ObjectId;
 
-/// Identifiers of the compile units that a filter takes, ascending.
+/// Identifiers of the compile units that a filter accepts, ascending.
 std::vector<ObjectId> UnitsOf(const DataModel::Model& model, const NameFilter& filter) {
     std::vector<ObjectId> units;
     model.ForEach(DataModel::ObjectKind::CompileUnit, [&](const ModelObject& unit) {

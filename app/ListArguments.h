@@ -1,5 +1,5 @@
-// The arguments by which a user picks what a list has and in which order it comes. `vars` and
-// `leaves` take all of them, other commands with a pattern some.
+// The arguments with which a user picks the contents of a list and their order. `vars` and `leaves`
+// take all of them, other commands with a pattern some.
 #pragma once
 
 #include "ExitStatus.h"
@@ -17,21 +17,21 @@ class App;
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// A pattern and how it is taken.
+/// A pattern and its options.
 struct PatternArguments {
     std::string pattern;
     bool ignoresCase = false;
-    /// A list without rows is no failure.
+    /// An empty list is no failure.
     bool allowsEmpty = false;
 };
 
-/// What is said about a list.
+/// The messages about a list.
 struct ListTexts {
-    /// A list without rows that no pattern restricts.
+    /// The list is empty, and no pattern restricts it.
     Phrase nothing;
-    /// The pattern fits nothing; its value is the pattern.
+    /// The pattern matches nothing; its value is the pattern.
     Phrase noMatch;
-    /// The pattern is no whole name, but part of some; its value is the pattern.
+    /// The pattern matches no whole name, but parts of some; its value is the pattern.
     Phrase partMatch;
 };
 
@@ -53,7 +53,7 @@ struct ListArguments {
     ChosenColumns columns;
 };
 
-/// Adds `PATTERN`, which may be missing, and `--ignore-case`.
+/// Adds `PATTERN`, which is optional, and `--ignore-case`.
 /// @param things what the command lists, in the plural
 void AddPatternArguments(CLI::App& command, const std::string& things, PatternArguments& arguments);
 
@@ -63,20 +63,20 @@ void AddEmptyArgument(CLI::App& command, PatternArguments& arguments);
 /// Adds all of the above, `--sort`, `--unit`, `--min-size`, `--section` and `--values`.
 void AddListArguments(CLI::App& command, const std::string& things, ListArguments& arguments);
 
-/// What the arguments ask of a model. A name of no compile unit is told, about the file.
-/// @return without a value if there is no such compile unit
+/// What the arguments mean for a model. Without a value, after a message about the file, if they
+/// name a compile unit that doesn't exist.
 std::optional<ListChoice> MakeListChoice(const ListArguments& arguments, const std::string& file,
                                          const DataModel::Model& model);
 
-/// Tries a pattern, and, where it is a plain word that fits nothing, what holds the word; this is
-/// then said, about the file.
-/// @param partMatch what is said; its value is the word
-/// @param list lists what a filter takes
+/// Tries a pattern, and if it is a plain word that matches nothing, the names that contain the
+/// word; then a message about the file says so.
+/// @param partMatch the message; its value is the word
+/// @param list lists what a filter accepts
 /// @return whether either listed anything
 bool ListByPattern(const PatternArguments& arguments, const std::string& file, Phrase partMatch,
                    const std::function<bool(const NameFilter&)>& list);
 
-/// @name What is said of a list without rows, and the exit status of its command
+/// @name The message about an empty list, and the exit status of its command
 /// @param status what the reading of the file asks for
 /// @{
 std::string EmptyListText(const ListTexts& texts, const PatternArguments& arguments);

@@ -1,5 +1,5 @@
-// What a command that lists variables or leaves was asked for, once the file is read: which ones
-// and in which order. The tables of `vars` and `leaves` ask it.
+// The request to a command that lists variables or leaves, once the file is read: which ones and in
+// which order. The tables of `vars` and `leaves` use it.
 #pragma once
 
 #include "ChosenColumns.h"
@@ -19,14 +19,14 @@ namespace Tessel::Norn::Brindle::Program {
 
 struct ListChoice : ChosenColumns {
     NameFilter names;
-    /// Identifiers of the compile units that are wanted, ascending; all without a value.
+    /// Identifiers of the wanted compile units, ascending; all units without a value.
     std::optional<std::vector<DataModel::ObjectId>> units;
-    /// In bytes.
+    /// Smallest size in bytes.
     std::uint64_t leastSize = 0;
     RowOrder order = RowOrder::Address;
 };
 
-/// Picks what is wanted, variable by variable.
+/// Decides what is wanted, variable by variable.
 class VariableFilter {
 public:
     /// @param model, choice borrowed
@@ -34,18 +34,18 @@ public:
         : mModel(model)
         , mChoice(choice) {}
 
-    /// Turns to the next variable.
+    /// Moves to the next variable.
     /// @return true if it, or a leaf of it, may be wanted
     bool Begin(const DataModel::ModelObject& variable);
 
-    /// @name About the present variable
+    /// @name About the current variable
     /// @{
 
     /// Its qualified name.
     [[nodiscard]] const std::string& Name() const { return mName; }
     /// The name of its compile unit; empty without one.
     [[nodiscard]] std::string_view Unit() const { return mUnit; }
-    /// True if it is wanted by its name.
+    /// True if the variable itself is wanted by its name.
     [[nodiscard]] bool IsWhole() const { return mIsWhole; }
     /// True if a leaf of this path is wanted by its name.
     [[nodiscard]] bool TakesLeaf(std::string_view path) const {

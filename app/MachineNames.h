@@ -8,7 +8,7 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// The name of a machine such as "ARM"; empty for a number that is not known.
+/// The name of a machine, such as "ARM"; empty for an unknown number.
 /// @param machine as `ImageDescription::machine`
 std::string_view MachineName(Reader::DWARF::DWARFContainerType container, std::uint16_t machine);
 

@@ -82,7 +82,7 @@ void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
 }
 
 void ModelComparison::CompareLeaves(const Places& oldLeaves, const Places& newLeaves) {
-    // The leaves of a name, last first; there are several of one only in odd unions.
+    // The leaves of a name, last first; a name recurs only in odd unions.
     std::unordered_map<std::string_view, std::vector<const ComparedPlace*>> unmatched;
     for (std::size_t leaf = newLeaves.size(); leaf-- > 0;) {
         unmatched[newLeaves[leaf].name].push_back(&newLeaves[leaf]);

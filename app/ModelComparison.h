@@ -1,5 +1,5 @@
 // What has changed from one build to the next, for each variable and each leaf. The command `diff`
-// prints it; nothing else is kept of the models.
+// prints it. It keeps nothing else of the models.
 #pragma once
 
 #include "NamePattern.h"
@@ -27,48 +27,48 @@ struct ComparedPlace {
     /// As `LayoutFingerprints::MeaningOf`.
     std::uint64_t meaning = 0;
     DataModel::Model::Place place;
-    /// Of a leaf: bytes from the start of its variable. 0 for a variable.
+    /// For a leaf: bytes from the start of its variable. 0 for a variable.
     std::uint64_t offset = 0;
 };
 
-/// One variable or leaf that is not the same in both builds.
+/// One variable or leaf that differs between the builds.
 struct Difference {
-    /// Null in the build that does not have it; one of the builds always has it.
+    /// Null in the build that does not have it; at most one of the two is null.
     const ComparedPlace* oldPlace = nullptr;
     const ComparedPlace* newPlace = nullptr;
     /// A part of a variable, not the variable itself.
     bool isLeaf = false;
 
-    /// The later build's place, or the earlier one's of what vanished.
+    /// The place in the later build, or in the earlier one if it vanished.
     [[nodiscard]] const ComparedPlace& Latest() const {
         assert(newPlace != nullptr || oldPlace != nullptr);
         return newPlace != nullptr ? *newPlace : *oldPlace;
     }
 
-    /// @name What has changed where both builds have it
+    /// @name What has changed in a place of both builds
     /// @{
-    /// Of a variable: other address. Of a leaf: other place within the variable, or other position
-    /// among the bits.
+    /// For a variable: another address. For a leaf: another place within the variable, or another
+    /// bit position.
     [[nodiscard]] bool IsMoved() const;
-    /// Other size in bytes, or other width in bits.
+    /// Another size in bytes, or another width in bits.
     [[nodiscard]] bool IsResized() const;
-    /// Other text of the type, or one that stands for another type or other values of an enum.
+    /// Another text of the type, or the same text for another type or other values of an enum.
     [[nodiscard]] bool IsRetyped() const;
     /// @}
 };
 
-/// What a comparison tells.
+/// What a comparison reports.
 struct ComparisonScope {
     DataModel::LeafLimits limits;
-    /// Fits the names of the variables and leaves that are wanted; all leaves of a variable whose
-    /// name it fits are wanted too.
+    /// Matches the names of the wanted variables and leaves; all leaves of a variable whose name it
+    /// matches are wanted, too.
     NameFilter filter;
-    /// @name Whether a variable that one of the models lacks is missing from the build as well
+    /// @name Whether a variable that one of the models lacks is also missing from its build
     /// @{
     bool hasAllOfOld = true;
     bool hasAllOfNew = true;
     /// @}
-    /// Whether a variable that appeared or vanished, and whose name is wanted, comes with its
+    /// Whether a wanted variable that appeared or vanished comes with its
     /// leaves.
     bool hasLeavesOfWhole = true;
     /// Whether leaves are compared at all.
@@ -83,9 +83,9 @@ public:
     ModelComparison(const DataModel::Model& oldModel, const DataModel::Model& newModel,
                     const ComparisonScope& scope);
 
-    /// Passes on all differences: old variables in the order of their delivery, each with its
-    /// changed leaves behind it, then those that appeared, likewise. What has no parts has no
-    /// leaves. Once the limit of all leaves is reached, variables alone are compared.
+    /// Passes on all differences: old variables in the order of their delivery, each followed by
+    /// its changed leaves, then the variables that appeared, likewise. A variable without parts has
+    /// no leaves. Once the limit of all leaves is reached, only variables are compared.
     void Run(const Sink& sink);
 
     /// What was left out of the expansions.
@@ -118,7 +118,7 @@ private:
     ComparisonScope mScope;
     Side mOld;
     Side mNew;
-    /// Where the own name of the variable begins that is being compared.
+    /// Where the own name of the current variable begins.
     std::size_t mOwnName = 0;
     /// The name of its compile unit.
     std::string_view mUnit;

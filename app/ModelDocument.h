@@ -1,5 +1,5 @@
-// A data model as a JSON document: the objects in the order of their creation, each on a line of
-// its own. The command `dump` writes it.
+// A data model as a JSON document: the objects in the order of their creation, one a line. The
+// command `dump` writes it.
 #pragma once
 
 #include <string>

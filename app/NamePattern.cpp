@@ -31,13 +31,13 @@ bool IsInRanges(std::u32string_view ranges, char32_t character) {
     return false;
 }
 
-/// True if the brackets at the start of a text hold a number.
+/// True if the brackets at the start of a text contain a number.
 bool IsIndex(std::string_view text) {
     const std::size_t end = text.find_first_not_of("0123456789", 1);
     return end != std::string_view::npos && end > 1 && text[end] == ']';
 }
 
-/// The name of a variable with its compile unit in front.
+/// The name of a variable after its compile unit.
 std::string InUnit(std::string_view unit, std::string_view name) {
     return std::string(unit).append("::").append(name);
 }
@@ -71,7 +71,7 @@ private:
         return isEscape ? TakeCharacter(mPattern, mPosition) : character;
     }
 
-    /// Reads a set behind its opening bracket. Without a closing one there is none.
+    /// Reads a set after its opening bracket. Without a closing bracket it is no set.
     bool ParseSet() {
         const std::size_t start = mPosition;
         Step set{Kind::OneOf, 0, {}};
@@ -173,7 +173,7 @@ bool NamePattern::FitsSteps(const Steps& steps, std::string_view name) const {
             position = next;
             ++step;
         } else if (behindStar != std::string_view::npos) {
-            // Only the last star has to grow: what the earlier ones took can stay as it is.
+            // Only the last star has to grow: the matches of earlier ones can stay.
             TakeCharacter(name, starEnd);
             position = starEnd;
             step = behindStar;

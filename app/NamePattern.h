@@ -1,4 +1,4 @@
-// Patterns of names as a user of a shell writes them. Commands that list things by name match with
+// Patterns of names as in a shell. Commands that list things by name match with
 // them.
 #pragma once
 
@@ -10,25 +10,25 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// `*` stands for any characters, none included, `?` for one, `[a-z]`, `[!a-z]` and `[[:digit:]]`
-/// for one of a set; `\` takes the meaning from the character behind it. Brackets are those of an
-/// index as well, so that `loops[0].gain` and `loops[*].gain` need no `\[`.
+/// `*` stands for any characters, including none, `?` for one, `[a-z]`, `[!a-z]` and `[[:digit:]]`
+/// for one of a set; `\` takes the meaning from the character after it. Brackets also match those
+/// of an index, so that `loops[0].gain` and `loops[*].gain` need no `\[`.
 class NamePattern {
 public:
-    /// @param ignoresCase upper and lower case count as alike
+    /// @param ignoresCase upper and lower case are equal
     explicit NamePattern(std::string_view pattern, bool ignoresCase = false);
 
-    /// Fits what holds the word anywhere.
+    /// Matches everything that contains the word.
     static NamePattern PartOf(std::string_view word, bool ignoresCase);
 
-    /// True for a pattern that is a plain word: it has no wildcards, and no brackets but those of
-    /// indices.
+    /// True for a pattern that is a plain word: it has no wildcards, and no brackets except those
+    /// of indices.
     static bool IsPlain(std::string_view pattern);
 
-    /// True if the pattern fits the whole name.
+    /// True if the pattern matches the whole name.
     [[nodiscard]] bool Fits(std::string_view name) const;
 
-    /// True if there are texts that begin with `start` and fit the pattern.
+    /// True if a text that begins with `start` can match the pattern.
     [[nodiscard]] bool CanBegin(std::string_view start) const;
 
 private:
@@ -49,14 +49,14 @@ private:
     [[nodiscard]] bool FitsOne(const Step& step, char32_t character) const;
     [[nodiscard]] char32_t Folded(char32_t character) const;
 
-    /// With brackets as sets.
+    /// Brackets read as sets.
     Steps mSteps;
-    /// With brackets as those of indices; empty for a pattern without any.
+    /// Brackets read as those of indices; empty for a pattern without any.
     Steps mIndexSteps;
     bool mIgnoresCase = false;
 };
 
-/// True if the whole name fits the pattern.
+/// True if the pattern matches the whole name.
 bool MatchesPattern(std::string_view name, std::string_view pattern);
 
 /// What a command was asked to list.
@@ -67,19 +67,19 @@ public:
     /// @param pattern empty for everything
     explicit NameFilter(std::string_view pattern, bool ignoresCase = false);
 
-    /// Takes each name that holds the word; the scope of symbols without debug information is no
-    /// part of a name then.
+    /// Accepts each name that contains the word; the scope of symbols without debug information is
+    /// then no part of a name.
     static NameFilter PartOf(std::string_view word, bool ignoresCase);
 
     [[nodiscard]] bool TakesAll() const { return !mPattern.has_value(); }
 
-    /// True if the pattern fits the whole of a qualified name, or its last part, which begins at
-    /// `ownName`, or either with the compile unit and "::" in front.
+    /// True if the pattern matches the whole qualified name, or its last part, which begins at
+    /// `ownName`, or either of them after the compile unit and "::".
     /// @param unit may be empty
     [[nodiscard]] bool Takes(std::string_view qualifiedName, std::size_t ownName,
                              std::string_view unit = {}) const;
 
-    /// True if a continuation of the name may be wanted.
+    /// True if a longer name that begins with this one may be wanted.
     [[nodiscard]] bool MayTakeBehind(std::string_view qualifiedName, std::size_t ownName,
                                      std::string_view unit = {}) const;
 

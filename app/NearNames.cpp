@@ -21,7 +21,7 @@ void AssignLowerCase(std::string& result, std::string_view text) {
     });
 }
 
-/// How many characters have to be changed, added or removed to turn one text into the other.
+/// How many characters must be changed, added or removed to turn one text into the other.
 std::size_t EditDistance(std::string_view from, std::string_view to,
                          std::vector<std::size_t>& row) {
     row.resize(to.size() + 1);

@@ -1,5 +1,5 @@
-// Which known names are near to one that a user got wrong. Messages about unknown options, commands
-// and names of a file end with them.
+// Known names that are similar to one that a user got wrong. Messages about unknown options,
+// commands and names of a file end with them.
 #pragma once
 
 #include <cstddef>
@@ -10,12 +10,12 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Keeps the three nearest of the names that it is offered. Upper and lower case count as alike,
-/// and a name that holds the wanted one counts as near, since long names are remembered in part.
+/// Keeps the three most similar of the offered names. Upper and lower case are equal, and a name
+/// that contains the wanted one counts as similar, since long names are remembered in part.
 class NearNames {
 public:
-    /// @param wanted borrowed; one without a letter or longer than any slip of the fingers has no
-    ///     near names
+    /// @param wanted borrowed; without a letter, or too long for a typing error, it has no similar
+    ///     names
     explicit NearNames(std::string_view wanted);
 
     void Offer(std::string_view name);
@@ -30,7 +30,7 @@ private:
 
     std::string mWanted;
     std::size_t mFarthest = 0;
-    /// With their distances, nearest first, in the order of the offers.
+    /// With their distances, most similar first, then in the order of the offers.
     std::vector<std::pair<std::size_t, std::string>> mNearest;
     std::string mLowerCase;
     std::vector<std::size_t> mRow;

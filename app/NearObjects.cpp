@@ -17,7 +17,7 @@ namespace {
 using DataModel::ModelObject;
 using DataModel::ObjectKind;
 
-/// A class and its base classes have members near to a name, up to this many.
+/// Classes, the base classes included, whose members are compared with a name.
 constexpr std::size_t sMostClasses = 100;
 
 std::string NearObjects(const DataModel::Model& model, std::string_view wanted,

@@ -1,4 +1,4 @@
-// The list of the reader's options that the program prints when it is asked for it, in place of a
+// The list of the reader's options that the program prints on request, instead of running a
 // command.
 #pragma once
 

@@ -1,5 +1,5 @@
-// How numbers and names travel in a report: a column of numbers is one text, a name stands once and
-// is called by its number. The page unpacks both; what the columns mean is not known here.
+// How numbers and names travel in a report: a column of numbers is one text, and a name is written
+// once and referred to by number. The page unpacks both and knows what columns mean.
 #pragma once
 
 #include "ResultOutput.h"
@@ -16,8 +16,8 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Output of JSON that stands within a script element. "<" is written as an escape, so that no text
-/// ends the element or begins a comment.
+/// Output of JSON within a script element. "<" is written as an escape, so that no text ends the
+/// element or begins a comment.
 class ScriptOutput {
 public:
     using Ch = char;
@@ -41,8 +41,8 @@ private:
     ResultOutput& mOutput;
 };
 
-/// Writes the JSON of a report. Most of it are long texts of base64, and names of plain letters:
-/// those are copied instead of being looked at for escapes once more, character by character.
+/// Writes the JSON of a report. Most of it is long base64 texts, and names of plain letters: these
+/// are copied without looking for characters to escape once more.
 class PackWriter : public rapidjson::Writer<ScriptOutput> {
 public:
     using Writer::Writer;
@@ -54,12 +54,12 @@ public:
 /// Texts by their numbers. Number 0 is the empty text.
 class TextTable {
 public:
-    /// @param expected about how many texts will come; it only saves time
+    /// @param expected approximate number of texts; only saves time
     explicit TextTable(std::size_t expected = 0);
 
     /// The number of a text that outlives the table.
     std::uint32_t NumberOf(std::string_view text);
-    /// The number of a text that the table keeps.
+    /// The number of a text of which the table keeps a copy.
     std::uint32_t NumberOfCopy(std::string text);
 
     /// Writes the texts as an array.

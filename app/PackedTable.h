@@ -26,7 +26,7 @@ public:
     [[nodiscard]] std::size_t RowCount() const { return mRowCount; }
     /// Writes an object: the number of rows as "count", then each column.
     void Write(PackWriter& json) const;
-    /// Writes the same into an object that has begun.
+    /// Writes the same fields into an object that has begun.
     void WriteColumns(PackWriter& json) const;
 
 private:

@@ -39,7 +39,7 @@ std::string Filled(std::string_view text, std::span<const std::string_view> valu
     return filled.append(text);
 }
 
-/// What stands at the marks of a phrase in a text; without a value if the text is not of it.
+/// The values at the marks of a phrase in a text; nothing if the text isn't made of the phrase.
 std::optional<Values> ValuesOf(std::string_view phrase, std::string_view text) {
     Values values;
     std::size_t mark = phrase.find(sMark);

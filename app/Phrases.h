@@ -1,6 +1,6 @@
-// What the program says on standard error, in the language of its user. The code has the English
-// text where it is said; its German one stands in Translations.h, and a text without one doesn't
-// compile. Results, help and names of columns are English.
+// What the program says on standard error, in the language of its user. The code contains the
+// English text; the German one is in Translations.h, and a text without one doesn't compile.
+// Results, help and names of columns are English.
 #pragma once
 
 #include "Translations.h"
@@ -31,7 +31,7 @@ public:
         }
     }
 
-    /// The text in the language that was chosen.
+    /// The text in the chosen language.
     [[nodiscard]] std::string With(std::initializer_list<std::string_view> values) const;
 
 private:
@@ -50,11 +50,11 @@ std::string PhrasedCount(std::uint64_t count, Phrase one, Phrase several, const 
     return Phrased(count == 1 ? one : several, std::to_string(count), values...);
 }
 
-/// A text that was not made here, such as one of the library or of the parser of arguments, in the
-/// language that was chosen; as it is if Translations.h lacks it.
+/// A text from elsewhere, such as the library or the parser of arguments, in the chosen language;
+/// unchanged if Translations.h lacks it.
 std::string Translated(std::string_view english);
 
-/// What the system says of an error. Its German words are there for what keeps people from reading
+/// The system's text of an error. German texts exist for what commonly keeps people from reading
 /// and writing files.
 std::string SystemReason(const std::error_code& error);
 

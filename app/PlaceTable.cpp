@@ -95,7 +95,7 @@ private:
     std::vector<Leaf> mLeaves;
 };
 
-/// Visits the leaves that are wanted, as `WriteLeaves` says.
+/// Visits the wanted leaves, as `WriteLeaves` says.
 DataModel::LeafCuts VisitLeaves(const DataModel::Model& model, const ListChoice& choice,
                                 const DataModel::LeafLimits& limits,
                                 const DataModel::LeafWalk::Visitor& visit) {

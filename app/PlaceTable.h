@@ -15,25 +15,25 @@ struct ListChoice;
 class NameFilter;
 class TableWriter;
 
-/// address, size, type, name, bitOffset, bitSize, compileUnit, and section and those of values
-/// where they are asked for
+/// address, size, type, name, bitOffset, bitSize, compileUnit; on request also section and the
+/// columns of values
 std::vector<Column> PlaceColumns(const ListChoice& choice);
 
-/// The leaves that were wanted, and what was left out of them.
+/// Whether there were wanted leaves, and what was left out of them.
 struct LeafList {
     /// False if there are none.
     bool hasMatch = false;
     DataModel::LeafCuts cuts;
 };
 
-/// Adds the rows of the leaves that are wanted. By name those are whose path the pattern fits, with
-/// or without the scopes in front, and all of a variable whose name it fits. The caller finishes
-/// the table.
+/// Adds the rows of the wanted leaves: by name, those whose path the pattern matches, with or
+/// without the scopes before it, and all leaves of a variable whose name it matches. The caller
+/// finishes the table.
 /// @param table has `PlaceColumns`
 LeafList WriteLeaves(const DataModel::Model& model, const ListChoice& choice,
                      const DataModel::LeafLimits& limits, TableWriter& table);
 
-/// True if a filter takes a leaf, or a variable, of a model.
+/// True if a filter accepts a leaf, or a variable, of a model.
 bool HasMatch(const DataModel::Model& model, const NameFilter& names,
               const DataModel::LeafLimits& limits);
 

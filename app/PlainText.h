@@ -1,5 +1,5 @@
-// What keeps names from a file harmless where a person reads them. Tables, layouts and messages
-// pass their texts through it; CSV and JSON have escapes of their own.
+// Makes names from a file harmless where a person reads them. Tables, layouts and messages pass
+// their texts through it; CSV and JSON have escapes of their own.
 #pragma once
 
 #include <cstddef>

@@ -29,7 +29,7 @@ constexpr int sStandardInput = 0;
 constexpr int sStandardOutput = 1;
 constexpr int sStandardError = 2;
 
-/// What the screen read before the program wrote to it; 0 if there is none.
+/// The encoding of the screen before the program changed it; 0 if there is none.
 UINT sEncoding = 0;
 
 struct HandleCloser {
@@ -46,12 +46,12 @@ HANDLE HandleOf(int stream) {
     return GetStdHandle(stream == sStandardOutput ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
 }
 
-/// Of a console. A device such as `NUL` has none, though the C library takes it for a terminal.
+/// Mode of a console. A device such as `NUL` has none, though the C library calls it a terminal.
 bool GetMode(int stream, DWORD& mode) {
     return GetConsoleMode(HandleOf(stream), &mode) != 0;
 }
 
-/// Tells the file itself apart from all others, as long as it is open.
+/// Identifies the file itself, as long as it is open.
 bool GetIdentity(const FileHandle& file, BY_HANDLE_FILE_INFORMATION& information) {
     return file.get() != INVALID_HANDLE_VALUE &&
            GetFileInformationByHandle(file.get(), &information) != 0;
@@ -96,7 +96,7 @@ StandardStreams::StandardStreams() {
 }
 
 StandardStreams::~StandardStreams() {
-    // The console stays when the program has ended, and so would what it reads.
+    // The console outlives the program, and so would its encoding.
     if (sEncoding != 0) {
         SetConsoleOutputCP(sEncoding);
     }
@@ -127,7 +127,7 @@ bool IsLocaleUtf8() {
 }
 
 fs::file_status FileStatus(const std::string& path, std::error_code& error) {
-    // The C library's own question knows no path of the longest kind.
+    // The C library's query fails for the longest paths.
     const DWORD attributes = GetFileAttributesW(PathToOpen(path).c_str());
     error.clear();
     if (attributes == INVALID_FILE_ATTRIBUTES) {

@@ -11,8 +11,8 @@ namespace {
 /// Wide enough for the longest name of a phase.
 constexpr std::size_t sPhaseWidth = 12;
 constexpr std::size_t sWidestBar = 40;
-/// What stands around the bar: its brackets, a space, three digits, the sign, and the last column,
-/// in which some terminals begin a new line.
+/// Columns around the bar: its brackets, a space, three digits, the percent sign, and the last
+/// column, in which some terminals begin a new line.
 constexpr std::size_t sAroundBar = 8;
 constexpr std::int64_t sHundred = 100;
 

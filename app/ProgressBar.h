@@ -1,5 +1,5 @@
-// The bar that a person sees while a long read runs. A read session feeds it from the callbacks of
-// the reader; it writes to the stream it is given and nowhere else.
+// The bar that a person sees during a long read. A read session feeds it from the callbacks of the
+// reader; it writes only to its stream.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// One line that is drawn over itself: what the read does, and how far it is with it. The line is
-/// wiped out at the end of the object.
+/// One line that is drawn over itself: what the read is doing, and how far it has come. The
+/// destructor erases the line.
 class ProgressBar {
 public:
     /// @param stream a terminal; borrowed
@@ -23,9 +23,9 @@ public:
     ProgressBar(ProgressBar&&) = delete;
     ProgressBar& operator=(ProgressBar&&) = delete;
 
-    /// Begins a phase, of which nothing is told yet.
+    /// Begins a phase, without any progress yet.
     void SetPhase(std::string_view phase);
-    /// What the values of the phase count from and to. An interval without extent has no bar.
+    /// The first and last value of the phase. If they are equal, there is no bar.
     void SetInterval(std::int32_t start, std::int32_t end);
     /// Moves the bar; values outside the interval count as its ends.
     void SetValue(std::int32_t value);

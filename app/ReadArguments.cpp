@@ -32,7 +32,7 @@ void ApplyReaderOptions(const std::vector<std::string>& settings) {
     }
 }
 
-/// @param expected what is said of a text that is no such number
+/// @param expected the message for a text that is no such number
 template <typename Number>
 Number ParseNumber(const std::string& name, const std::string& text, Number least,
                    Phrase expected) {

@@ -1,5 +1,5 @@
-// The arguments that all commands that read files have in common. The commands add them to their
-// parsers; a read session acts on them.
+// The arguments that all commands that read files share. The commands add them to their parsers; a
+// read session acts on them.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ struct ReadArguments {
     /// "auto", "elf", "coff" or "pe".
     std::string container = "auto";
     bool allTypes = false;
-    /// Telephone country code of the language of messages; without one it stays the reader's.
+    /// Telephone country code of the language of messages; if absent, the reader keeps its own.
     std::optional<std::int32_t> language;
     bool noProgress = false;
 };
@@ -31,23 +31,23 @@ struct ReadArguments {
 /// @param arguments receives the values; must outlive the parsing
 void AddReadArguments(CLI::App& command, ReadArguments& arguments);
 
-/// Adds `--set` alone.
+/// Adds only `--set`.
 void AddReaderOptionArgument(CLI::App& command);
 
 /// Adds `FILE`.
 void AddFileArgument(CLI::App& command, std::string& file);
 
-/// Adds `PATTERN`, which may be missing. An image in its place is refused, since commands with a
+/// Adds `PATTERN`, which is optional. An image in its place is refused, since commands with a
 /// pattern read one file.
 /// @param things what the command lists, in the plural
 void AddPatternArgument(CLI::App& command, const std::string& things, std::string& pattern);
 
-/// What is wrong with a text in the place of a pattern, for a person: it is a second image. Empty
-/// if nothing is.
+/// Why a text can't be a pattern, for a person: it is a second image. Empty if it
+/// can.
 std::string SecondImageProblem(const std::string& text);
 
 /// Adds an option that takes a number.
-/// @param value what counts without the option; must outlive the parsing
+/// @param value the default; must outlive the parsing
 void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t& value,
                        std::uint64_t least, const std::string& purpose);
 
@@ -55,7 +55,7 @@ void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t
 void AddLeafLimitArguments(CLI::App& command, DataModel::LeafLimits& limits);
 
 /// Adds an option that takes one of some words.
-/// @param value what counts without the option; must outlive the parsing
+/// @param value the default; must outlive the parsing
 void AddChoiceArgument(CLI::App& command, const std::string& name, std::string& value,
                        const std::vector<std::string>& choices, const std::string& purpose);
 

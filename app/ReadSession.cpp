@@ -39,7 +39,7 @@ Phrase PhaseName(ReadPhase phase) {
     }
 }
 
-/// True if a read failed because the reader looked for something after the end of the file.
+/// True if a read failed because the file ended before something that the reader needed.
 bool HasEndedEarly(std::string_view error) {
     constexpr std::array<std::string_view, 4> sErrors = {
         "ELF file Seek has failed.", "ELF file Read has failed.",
@@ -143,7 +143,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
             result.message += " (" + result.remark + ")";
         }
     }
-    // The reader's own words on such a file are numbers alone.
+    // The reader's own message about such a file is only numbers.
     if (result.remark.empty()) {
         captured.Tell(file);
     }
@@ -185,7 +185,7 @@ bool ReadSession::RunReader(const std::string& file, DWARFContainerType containe
 }
 
 bool HasDelivered(const ReadResult& result, const DataModel::Model& model) {
-    // The global namespace is there before any delivery.
+    // The global namespace exists before any delivery.
     return result.isOk || model.ObjectCount() > 1;
 }
 

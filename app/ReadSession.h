@@ -34,14 +34,14 @@ struct ReadResult {
     bool isOk = false;
     /// The container that the file was read as.
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF;
-    /// What the host was told of a failure, which may be nothing; empty after success.
+    /// The reader's message about a failure, which may be empty; empty after success.
     std::string error;
-    /// What explains the error to a person, where the program knows more: why the system refuses
-    /// the file, or what it was taken for.
+    /// An explanation of the error, if the program knows more: why the system refuses the file, or
+    /// what the file was mistaken for.
     std::string remark;
-    /// Error and remark as a person reads them; empty after success.
+    /// Error and remark as one message; empty after success.
     std::string message;
-    /// What was passed over and why.
+    /// What was skipped and why.
     Reader::DWARF::ReadRemarks remarks;
     /// What was found.
     Reader::DWARF::ReadFacts facts;
@@ -59,7 +59,7 @@ public:
     /// exception of the read counts as a failure, except that an `OutputError` passes through.
     ReadResult Read(const std::string& file, DataModel::Factory::HostDataModel& model);
 
-    /// From now on remarks are no longer told on standard error.
+    /// From now on remarks no longer go to standard error.
     void KeepRemarks() { mTellsRemarks = false; }
 
 private:
@@ -73,21 +73,21 @@ private:
     bool mTellsRemarks = true;
     CallbackSink mSink;
     Reader::DWARF::VDWARFReader mReader;
-    /// The bar of the read that runs, null if none is drawn. Only callbacks of a read look at it.
+    /// The bar of the running read, null if none is drawn. Only callbacks of a read use it.
     ProgressBar* mProgressBar = nullptr;
     std::string mError;
-    /// The read has come to the debug information.
+    /// The read has reached the debug information.
     bool mHasPhase = false;
 };
 
-/// False if the read failed before it delivered anything: what is not in the model then says
+/// False if the read failed before it delivered anything: that the model lacks something then says
 /// nothing about the file.
 bool HasDelivered(const ReadResult& result, const DataModel::Model& model);
 
 /// False if a file that could be read has neither debug entries nor symbols.
 bool HasFoundAnything(const ReadResult& result);
 
-/// Tells a failure on standard error.
+/// Reports a failure on standard error.
 /// @return the exit status that the result asks for
 ExitStatus ReportResult(const std::string& file, const ReadResult& result);
 

@@ -1,5 +1,5 @@
-// The reader's options as the user sets them on the command line, by name. Only the parsing of
-// arguments calls it, before any read.
+// The reader's options as the user sets them on the command line, by name. Called only while
+// arguments are parsed, before any read.
 #pragma once
 
 #include <string>
@@ -7,8 +7,8 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Sets the options whose values in the program differ from the library's: the program reads in the
-/// full manner. Comes before any setting of the user.
+/// Sets the options whose defaults in the program differ from the library's: the program reads in
+/// the full manner. Called before any setting of the user.
 void SetProgramDefaults();
 
 /// Sets one option of the reader for the rest of the process.

@@ -16,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 using Reader::DWARF::PathToOpen;
 
-/// A name beside the file that nothing else has.
+/// An unused name beside the file.
 std::string PartOf(const std::string& file) {
     std::random_device random;
     std::string part;

@@ -11,8 +11,8 @@
 namespace Tessel::Norn::Brindle::Program {
 
 /// Writes beside the file under another name, which becomes the file's own at the end. Until then,
-/// and if anything fails, the file stays what it was. A device or pipe is written to directly.
-/// Failures throw `std::system_error` or `OutputError`.
+/// and if anything fails, the old file stays. A device or pipe is written directly. Failures throw
+/// `std::system_error` or `OutputError`.
 class ReplacedFile {
 public:
     explicit ReplacedFile(const std::string& file);
@@ -26,12 +26,12 @@ public:
     /// Where the content goes. Lives as long as this object.
     ResultOutput& Output() { return *mOutput; }
 
-    /// Ends the writing and gives the file its name.
+    /// Finishes writing and gives the file its name.
     void Commit();
 
 private:
     std::string mFile;
-    /// Where the content is until it is complete; that of the file itself if it can't be replaced.
+    /// Path of the content until it is complete; the file's own path if it can't be replaced.
     std::string mPart;
     std::filebuf mBuffer;
     std::optional<ResultOutput> mOutput;

@@ -1,5 +1,5 @@
-// The committed bundle `app/report/bundle/report.html` as bytes of the program. CMake writes the
-// source of it.
+// The committed bundle `app/report/bundle/report.html` as bytes of the program. CMake generates its
+// source.
 #pragma once
 
 #include <string_view>

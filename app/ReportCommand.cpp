@@ -1,4 +1,4 @@
-// The command `report`: one image, or two and what differs between them, as a page to look at.
+// The command `report`: one image, or two and their differences, as a page to look at.
 #include "CommandLine.h"
 #include "Commands.h"
 #include "DecisionGuard.h"
@@ -39,7 +39,7 @@ struct ReportArguments {
     std::uint64_t valueLimit = sDefaultValueLimit;
 };
 
-/// An image with all that its report needs of it.
+/// An image with everything that its report needs.
 struct ReportedImage {
     ReportedImage(ReadSession& session, std::string imageFile)
         : file(std::move(imageFile)) {

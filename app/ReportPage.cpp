@@ -11,10 +11,10 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-/// Stands in the bundle where the data goes.
+/// Marks the place of the data in the bundle.
 constexpr std::string_view sPlaceOfData = "@BRINDLE_REPORT_DATA@";
 
-/// @param writeImages writes the values of an object that has begun
+/// @param writeImages writes the fields of an object that has begun
 template <typename WriteContents>
 void WritePage(ResultOutput& output, const WriteContents& writeContents) {
     const std::string_view bundle = ReportBundle();

@@ -12,7 +12,7 @@ class ImagePack;
 /// Writes the page of one image.
 void WriteReport(const ImagePack& image, ResultOutput& output);
 
-/// Writes the page of two images and what differs between them.
+/// Writes the page of two images and their differences.
 void WriteReport(const ImagePack& oldImage, const ImagePack& newImage,
                  const DifferencePack& differences, ResultOutput& output);
 

@@ -1,4 +1,4 @@
-// Where results go: a buffer in front of the program's standard output that notices when a write
+// The output of results: a buffer before the program's standard output that notices when a write
 // fails. The table and JSON writers write to it; messages never go here.
 #pragma once
 
@@ -15,12 +15,12 @@ class OutputError : public std::system_error {
 public:
     explicit OutputError(int systemError);
 
-    /// True if whoever reads the results has stopped reading: no reason for a message.
+    /// True if the reader of the results has closed them, which deserves no message.
     [[nodiscard]] bool IsReaderGone() const;
 };
 
 /// Buffered output that fits RapidJSON's concept of an output stream. Each operation that writes
-/// throws `OutputError` as soon as a write fails. What `Sync` has not written is lost.
+/// throws `OutputError` as soon as a write fails. What was not written by `Sync` is lost.
 class ResultOutput {
 public:
     using Ch = char;
@@ -35,9 +35,9 @@ public:
         mBuffer[mUsed++] = character;
     }
     void Write(std::string_view text);
-    /// Writes all that was put in through to the end.
+    /// Writes everything put in so far to the target.
     void Sync();
-    /// Nothing: RapidJSON asks for it at the end of each value, a line of a trace included.
+    /// Does nothing: RapidJSON calls it after each value, even after each line of a trace.
     void Flush() {}
 
 private:

@@ -11,7 +11,7 @@ std::size_t CountDigits(std::string_view text) {
     return std::min(text.find_first_not_of("0123456789"), text.size());
 }
 
-/// Takes the digits at the start of a text from it; without leading zeros.
+/// Removes the digits at the start of a text and returns them without leading zeros.
 std::string_view TakeNumber(std::string_view& text) {
     std::string_view digits = text.substr(0, CountDigits(text));
     text.remove_prefix(digits.size());

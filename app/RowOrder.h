@@ -14,22 +14,22 @@ enum class RowOrder {
     Name,
     /// Largest first.
     Size,
-    /// That of the delivery, in which rows need not be kept.
+    /// The order of delivery, in which rows need not be kept.
     File,
 };
 
-/// The order of a name: "address", "name", "size" or "file".
+/// The order for a name: "address", "name", "size" or "file".
 RowOrder RowOrderOf(std::string_view name);
 
-/// What a row is sorted by.
+/// The sort key of a row.
 struct RowKey {
     std::uint64_t address = 0;
     std::uint64_t size = 0;
     std::string_view name;
 };
 
-/// The numbers of the rows, sorted; rows that are equal stay in their order. Rows of one size are
-/// in the order of their addresses.
+/// The indices of the rows, sorted; equal rows keep their order. Rows of equal size are sorted by
+/// address.
 std::vector<std::size_t> SortedRows(std::span<const RowKey> rows, RowOrder order);
 
 /// True if a name comes before another one: runs of digits count as numbers, so that `a[9]` comes

@@ -15,7 +15,7 @@ using Kind = LayoutEntry::Kind;
 
 constexpr std::uint64_t sBitsOfByte = 8;
 
-/// Positions beyond come from broken input alone: numbers below 0, cut to 32 bits.
+/// Larger positions come only from broken input: negative numbers cut to 32 bits.
 constexpr std::uint32_t sLargestBitOffset = 0x7FFFFFFF;
 
 std::uint64_t EndOf(const LayoutEntry& entry) {
@@ -23,7 +23,7 @@ std::uint64_t EndOf(const LayoutEntry& entry) {
            std::min(entry.size, std::numeric_limits<std::uint64_t>::max() - entry.offset);
 }
 
-/// Bytes from the storage unit on that a member takes: packed bit fields reach beyond their unit.
+/// Bytes that a member occupies from its storage unit on: packed bit fields may exceed their unit.
 std::uint64_t ExtentOf(const ModelObject& member, std::uint64_t size) {
     if (member.kind != ObjectKind::BitField || member.bitOffset > sLargestBitOffset) {
         return size;
@@ -63,8 +63,8 @@ Contents ContentsOf(const DataModel::Model& model, ObjectId type) {
     return contents;
 }
 
-/// Adds what lies between. Members that overlap, such as bit fields in one storage unit, form a
-/// cluster, whose unused bits are what its members leave over.
+/// Adds the gaps. Members that overlap, such as bit fields in one storage unit, form a cluster; the
+/// bits that its members leave over are unused.
 class GapFinder {
 public:
     GapFinder(const DataModel::Model& model, std::uint64_t size)

@@ -1,4 +1,4 @@
-// What lies where in a class or structure, and where nothing lies. The writer of layouts prints it.
+// Members and gaps of a class or structure. The writer of layouts prints them.
 #pragma once
 
 #include "model/DataModel.h"
@@ -8,31 +8,31 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// One thing in a structure, in the order of the offsets.
+/// One item of a structure, in the order of the offsets.
 struct LayoutEntry {
     enum class Kind {
         BaseClass,
-        /// A base class whose place only the running program knows; `offset` says nothing.
+        /// A base class whose place only the running program knows; `offset` is meaningless.
         UnplacedBaseClass,
         Member,
         /// Bytes between two members that belong to none.
         Hole,
-        /// Bits that belong to nothing among the bit fields before this entry.
+        /// Unused bits among the bit fields before this entry.
         UnusedBits,
-        /// Bytes behind the last member.
+        /// Bytes after the last member.
         Padding,
     };
 
     Kind kind = Kind::Member;
-    /// The base class or the member; 0 for what is none.
+    /// The base class or the member; 0 for a gap.
     DataModel::ObjectId id = 0;
-    /// In bytes from the start of the structure.
+    /// Offset in bytes from the start of the structure.
     std::uint64_t offset = 0;
-    /// In bytes; in bits for unused bits.
+    /// Size in bytes; in bits for unused bits.
     std::uint64_t size = 0;
 };
 
-/// True for what has a place in a class, structure or union.
+/// True for an object with a place in a class, structure or union.
 bool IsMember(DataModel::ObjectKind kind);
 
 /// The layout of a class, structure or union; a union has no holes.

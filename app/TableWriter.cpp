@@ -17,11 +17,11 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-/// Longer cells stand out of their column: one name must not widen every row.
+/// Longer cells exceed their column: one name must not widen every row.
 constexpr std::size_t sWidestColumn = 60;
 constexpr std::size_t sAddressDigits = 8;
-/// Rows are kept up to this many characters; what comes later can't widen the columns of what was
-/// written already.
+/// Rows are kept up to this many characters; later rows can't widen the columns of rows that were
+/// already written.
 constexpr std::size_t sMostKeptText = std::size_t{64} * 1024 * 1024;
 constexpr std::string_view sColumnGap = "  ";
 
@@ -61,7 +61,7 @@ std::string_view ColourCode(RowColour colour) {
 constexpr std::string_view sHeaderCode = "\x1B[1m";
 constexpr std::string_view sEndCode = "\x1B[0m";
 
-/// Keeps the rows, since the widths of the columns follow from all of them, or from very many.
+/// Keeps the rows, since the column widths depend on all of them, or on the first 64 MiB.
 class AlignedWriter final : public TableWriter {
 public:
     AlignedWriter(std::span<const Column> columns, ResultOutput& output, const TableStyle& style)
@@ -108,7 +108,7 @@ public:
 protected:
     void WriteRow(std::span<const Cell> cells, RowColour colour) override {
         if (mText.size() > sMostKeptText) {
-            // What comes later may differ.
+            // Later rows may differ.
             mHasChanges.assign(mColumns.size(), true);
             Finish();
         }
@@ -143,18 +143,18 @@ private:
         }
     }
 
-    /// A screen's lines are cut, so that no text can stand out.
+    /// On a screen lines are cut, so that no cell may exceed its column.
     [[nodiscard]] std::size_t WidestColumn() const { return std::max(sWidestColumn, mStyle.width); }
 
-    /// How narrow a column can get.
+    /// The smallest width of a column.
     [[nodiscard]] std::size_t LeastWidth(std::size_t column) const {
         return mColumns[column].isNumber ? mWidths[column]
                                          : std::min(mWidths[column], mColumns[column].leastWidth);
     }
 
-    /// Leaves out whole columns where even the narrowest don't fit the screen: a part of a name
-    /// still says something, a part of an address misleads. Side notes go first, then what stands
-    /// right of the name, then the texts left of it.
+    /// Leaves out whole columns if even their smallest widths don't fit the screen: a part of a
+    /// name still helps, a part of an address misleads. Side notes go first, then the columns right
+    /// of the name, then the texts left of it.
     void LeaveOutColumns() {
         std::size_t least = 0;
         std::size_t name = 0;
@@ -178,14 +178,14 @@ private:
         }
     }
 
-    /// A name may stay twice as wide as other texts: it says which row this is.
+    /// A name may be twice as wide as other texts: it identifies the row.
     [[nodiscard]] std::size_t WeighedWidth(std::size_t column) const {
         const bool isName = mColumns[column].leastWidth == sLeastNameWidth;
         return isName ? mWidths[column] / 2 : mWidths[column];
     }
 
-    /// Makes the texts narrower, the widest first, until a line fits the screen or none can give
-    /// more.
+    /// Narrows the texts, the widest first, until a line fits the screen or none can become
+    /// narrower.
     void FitWidths() {
         if (mStyle.width == 0) {
             return;
@@ -261,13 +261,13 @@ private:
     std::string mCut;
     /// 0 for a column that is left out.
     std::vector<std::size_t> mWidths;
-    /// True for a column in which some cell is not like the one before it in its row.
+    /// True for a column in which some cell differs from the cell before it in its row.
     std::vector<bool> mHasChanges;
     std::string mLastText;
-    /// The texts of all cells, one after the other, and where each ends.
+    /// The texts of all cells in a row, and where each ends.
     std::string mText;
     std::vector<std::size_t> mEnds;
-    /// One for each row, the heading included.
+    /// One for each row, including the heading.
     std::vector<RowColour> mColours;
     bool mHasRows = false;
     bool mLacksColumns = false;
@@ -321,7 +321,7 @@ private:
 
 class JsonTableWriter final : public TableWriter {
 public:
-    /// @param isDocument whether the rows stand in a document of their own
+    /// @param isDocument whether the rows are a document of their own
     JsonTableWriter(std::span<const Column> columns, ResultOutput& output, bool isDocument)
         : mColumns(columns)
         , mOutput(output)

@@ -1,5 +1,5 @@
-// Rows of results in the format that the user asks for. The tabular commands write all their
-// results through it.
+// Rows of results in the format that the user chose. The tabular commands write all their results
+// through it.
 #pragma once
 
 #include <cstddef>
@@ -17,19 +17,19 @@ enum class TableFormat {
     /// Aligned columns for a person; nothing at all without rows.
     Table,
     /// Comma-separated values (RFC 4180): a line of column names, then a line for each row. Texts
-    /// are quoted, numbers aren't, and nothing is an empty field.
+    /// are quoted, numbers aren't, and an empty cell is an empty field.
     Csv,
     /// An object with the version of the format and the rows, each an object whose keys are the
     /// column names.
     Json,
-    /// The rows of the same as a list, for a document around it.
+    /// Only the list of rows, for a document around it.
     JsonRows,
 };
 
-/// The format of a name: "table", "csv" or "json".
+/// The format for a name: "table", "csv" or "json".
 TableFormat TableFormatOf(std::string_view name);
 
-/// To how many columns of the screen a text may be cut, and to how many a name.
+/// Smallest widths of a cut text and of a cut name, in columns of the screen.
 constexpr std::size_t sLeastWidth = 8;
 constexpr std::size_t sLeastNameWidth = 16;
 
@@ -37,11 +37,11 @@ struct Column {
     std::string_view name;
     /// Aligned to the right in a table.
     bool isNumber = false;
-    /// Left out of a table where it has nothing in any row.
+    /// Left out of a table if it is empty in every row.
     bool isOptional = false;
-    /// To how many columns of the screen its texts may be cut.
+    /// Smallest width of its texts if they are cut, in columns of the screen.
     std::size_t leastWidth = sLeastWidth;
-    /// Left out of a table where it has in every row what the column before it has.
+    /// Left out of a table if every row repeats the value of the column before it.
     bool isOnlyForChanges = false;
     /// The first to be left out of a table that is too wide for the screen.
     bool isSideNote = false;
@@ -60,7 +60,7 @@ struct Literal {
 /// Nothing (null in JSON), an address, a decimal number, a text in UTF-8 or a literal.
 using Cell = std::variant<std::monostate, Address, std::uint64_t, std::string_view, Literal>;
 
-/// What a row tells at a glance, where colours are wanted.
+/// What a row shows at a glance, if colours are on.
 enum class RowColour { Plain, Added, Removed, Changed };
 
 /// Writes a table row by row. `Finish` is called once, after the last row.
@@ -83,12 +83,12 @@ protected:
     virtual void WriteRow(std::span<const Cell> cells, RowColour colour) = 0;
 };
 
-/// How a table for a person looks; the other formats don't depend on it.
+/// The look of a table for a person; the other formats ignore it.
 struct TableStyle {
     bool isColoured = false;
     /// Columns of the screen, to which lines are cut; 0 for no limit.
     std::size_t width = 0;
-    /// Stands where a text is cut.
+    /// Marks the place where a text is cut.
     std::string_view ellipsis = "...";
 };
 

@@ -12,7 +12,7 @@ constexpr int sStandardOutput = 1;
 constexpr int sStandardError = 2;
 
 std::string_view EnvironmentValue(const char* name) {
-    // The program has one thread and changes no variable.
+    // The program has one thread and doesn't change the environment.
     const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
     return value == nullptr ? std::string_view() : value;
 }
@@ -28,7 +28,7 @@ bool IsColoured(int stream) {
            KnowsColours(stream);
 }
 
-/// Of a screen that doesn't tell its width.
+/// For a screen that doesn't report its width.
 constexpr std::size_t sUsualWidth = 80;
 
 std::size_t WidthOf(int stream) {

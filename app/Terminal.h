@@ -1,4 +1,4 @@
-// What the program's output meets: screens, their width and colours, and how their text is written.
+// Where the program's output goes: screens, their width and colours, and the encoding of text.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@ namespace Tessel::Norn::Brindle::Program {
 bool IsStandardErrorTerminal();
 
 enum class ColourChoice {
-    /// Where a person's screen can do it, unless the environment has `NO_COLOR`.
+    /// On screens that support it, unless the environment has `NO_COLOR`.
     Auto,
     Always,
     Never,
 };
 
-/// The choice of a name: "auto", "always" or "never".
+/// The choice for a name: "auto", "always" or "never".
 ColourChoice ColourChoiceOf(std::string_view name);
 
-/// Says for the rest of the process where there are colours; `Auto` holds until then.
+/// Decides for the rest of the process where there are colours; `Auto` until then.
 void ChooseColours(ColourChoice choice);
 
 /// @name True if text of this stream is coloured
@@ -34,8 +34,8 @@ std::size_t StandardErrorWidth();
 std::size_t StandardOutputWidth();
 /// @}
 
-/// What stands for a part of a text that is left out: one character where the user's locale is
-/// UTF-8, else three points.
+/// Marks a part of a text that is left out: one character if the user's locale is UTF-8, else three
+/// points.
 std::string_view Ellipsis();
 
 } // namespace Tessel::Norn::Brindle::Program

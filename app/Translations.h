@@ -1,4 +1,4 @@
-// The German texts of what the program says, each beside its English one. `{}` stands for a value;
+// The German texts of the program's messages, each beside its English one. `{}` stands for a value;
 // both texts have the same values in the same order. Phrases.h looks texts up here.
 #pragma once
 

@@ -62,23 +62,23 @@ std::string OffsetAndSize(std::uint64_t offset, std::uint64_t size) {
     return "offset " + std::to_string(offset) + ", size " + std::to_string(size);
 }
 
-/// Has no name that its source gave it.
+/// True if the source gave the type no name.
 bool IsNameless(const ModelObject& type) {
     return type.kind != ObjectKind::Typedef && (type.anonymous || type.name.empty());
 }
 
-/// An integer whose values may be those that a model, which keeps 32 bits with a sign, tells as
-/// negative.
+/// True if the values of an enum of this type may be unsigned: the model keeps them in signed 32
+/// bits and shows large ones as negative.
 bool IsUnsigned(const ModelObject& integer) {
     using DataModel::BasicTypes;
     return integer.basicType == BasicTypes::UInt32 ||
            integer.basicType == BasicTypes::UnsignedLong || integer.basicType == BasicTypes::UInt64;
 }
 
-/// One declaration as it reads, without its compile units.
+/// The text of one declaration, without its compile units.
 struct Declaration {
     std::string text;
-    /// Where in the text the compile units are told.
+    /// Position in the text where the compile units are inserted.
     std::size_t unitPosition = std::string::npos;
     bool isOneLine = false;
 };
@@ -158,7 +158,7 @@ public:
     bool Write(ResultOutput& output) {
         FindHolders();
         for (const bool areHeldWanted : {false, true}) {
-            // What is held by nothing that was written comes last, by itself.
+            // What no written declaration holds comes last, on its own.
             for (ObjectId id = 1; id <= mModel.ObjectCount(); ++id) {
                 if (!mIsWritten[id] && (areHeldWanted || !mHolders.contains(id)) && IsWanted(id)) {
                     AddDeclaration(mModel.Object(id));
@@ -209,7 +209,7 @@ private:
         return mFilter.Takes(name, OwnNameStart(name, type.name));
     }
 
-    /// A class of which the file tells nothing but the name.
+    /// True for a class of which the file knows only the name.
     [[nodiscard]] bool IsDeclarationAlone(const ModelObject& type) const {
         return IsClass(type.kind) && mModel.SizeOf(type.id) == 0 && !HasContents(type.id);
     }
@@ -221,7 +221,7 @@ private:
                                          : "type of " + mModel.QualifiedName(known->second);
     }
 
-    /// What is left of a nameless structure whose members went to the one around it has none.
+    /// False for the rest of a nameless structure whose members moved to the enclosing one.
     [[nodiscard]] bool HasContents(ObjectId type) const {
         bool hasContents = !mModel.BaseClasses(type).empty() || !mModel.Enumerators(type).empty();
         mModel.ForEachIn(type, [&hasContents](const ModelObject& content) {
@@ -256,7 +256,7 @@ private:
                depth < sDeepestNesting;
     }
 
-    /// A typedef or a member, with the whole type where it is the holder of one.
+    /// Writes a typedef or a member, with the whole type if it is the holder of one.
     // Calls itself through nameless types, no deeper than sDeepestNesting.
     // NOLINTNEXTLINE(misc-no-recursion)
     void WriteHeld(std::string_view lead, const ModelObject& holder, std::string_view name,
@@ -284,7 +284,7 @@ private:
         return text;
     }
 
-    /// All but the closing brace.
+    /// Writes everything but the closing brace.
     // NOLINTNEXTLINE(misc-no-recursion)
     void WriteBody(const ModelObject& type, const std::string& name, std::size_t depth,
                    std::string_view lead = {}) {
@@ -364,7 +364,7 @@ private:
         WriteHeld({}, member, member.name, OffsetAndSize(entry.offset, entry.size), depth);
     }
 
-    /// Code, which may be empty, and a comment, which may be empty, on one line.
+    /// Writes code and a comment, either of which may be empty, on one line.
     void WriteLine(std::size_t depth, std::string_view code, std::string_view comment) {
         std::string line(4 * depth, ' ');
         line += code;
@@ -385,15 +385,15 @@ private:
 
     const DataModel::Model& mModel;
     const NameFilter& mFilter;
-    /// @name What gives comments their colour; empty without one
+    /// @name Escape sequences around comments; empty without colour
     /// @{
     std::string_view mCommentCode;
     std::string_view mEndCode;
     /// @}
     DeclarationList mList;
-    /// The one that is being written.
+    /// The declaration in progress.
     Declaration mDeclaration;
-    /// The typedef or member that a nameless type is written with.
+    /// The typedef or member with which a nameless type is written.
     std::unordered_map<ObjectId, ObjectId> mHolders;
     /// The first variable of a nameless type.
     std::unordered_map<ObjectId, ObjectId> mVariables;

@@ -1,5 +1,5 @@
-// Texts of types for tables that ask for the same few again and again: the elements of an array,
-// the variables of a module. It is asked in place of the model.
+// A cache of type texts, for tables that need the same texts again and again: the elements of an
+// array, the variables of a module.
 #pragma once
 
 #include "model/DataModel.h"
@@ -10,7 +10,7 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Keeps the latest texts in a fixed number of places.
+/// Keeps the latest texts in a fixed number of slots.
 class TypeTexts {
 public:
     /// @param model borrowed; must not change during the life of this object

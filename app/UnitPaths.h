@@ -1,4 +1,4 @@
-// Paths with a compile unit in front, which tells static variables of one name apart.
+// Paths that begin with a compile unit, which distinguishes static variables of one name.
 #pragma once
 
 #include "model/DataModel.h"
@@ -8,8 +8,8 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// As `Model::ResolvePaths`. A path that does not resolve as it is may begin with the name of a
-/// compile unit, as in "motor_c::counter": then those variables are meant that belong to it.
+/// As `Model::ResolvePaths`. A path that doesn't resolve as it is may begin with the name of a
+/// compile unit, such as "motor_c::counter": it then means the variables of that unit.
 std::vector<DataModel::Model::PathResult> ResolveUnitPaths(const DataModel::Model& model,
                                                            std::string_view path);
 

@@ -14,7 +14,7 @@ namespace {
 /// Room for any 64-bit number.
 constexpr std::size_t sLongestNumber = 32;
 
-/// The shortest decimal number that is read back as the same one.
+/// The shortest decimal number that reads back as the same value.
 template <typename Number>
 void Write(std::string& text, Number number) {
     text.resize(sLongestNumber);
@@ -22,7 +22,7 @@ void Write(std::string& text, Number number) {
     text.resize(static_cast<std::size_t>(end - text.data()));
 }
 
-/// JSON has no words for these.
+/// JSON has no notation for infinities and NaN.
 template <typename Float>
 std::string_view NameOfSpecial(Float number) {
     if (std::isnan(number)) {

@@ -1,4 +1,4 @@
-// The cells of a row that tell the initial value of a place. The tables with `--values` have them.
+// The cells of a row with the initial value of a place, for tables with `--values`.
 #pragma once
 
 #include "TableWriter.h"
@@ -11,9 +11,9 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// `value` is a number or truth value; what memory that is cleared at the start holds is 0, and
-/// nothing stands where the image doesn't tell the value. `valueText` is the enumerator, or the
-/// text of an array of characters.
+/// `value` is a number or truth value; 0 for memory that is cleared at the start; empty if the
+/// image doesn't have the value. `valueText` is the enumerator, or the text of an array of
+/// characters.
 inline constexpr std::array sValueColumns = {Column{"value", true},
                                              Column{"valueText", false, true}};
 
@@ -27,7 +27,7 @@ public:
 
     /// The cells of `sValueColumns`. Valid until the next call.
     std::array<Cell, 2> Of(const DataModel::Model::Place& place);
-    /// The same for a leaf. The first element of an array of characters has the text of all.
+    /// The cells for a leaf. The first element of an array of characters has the text of all.
     std::array<Cell, 2> OfLeaf(std::string_view path, const DataModel::Model::Place& place);
 
 private:

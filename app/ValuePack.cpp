@@ -13,15 +13,15 @@ namespace {
 using DataModel::ImageSection;
 using DataModel::SectionKind;
 
-/// A row of zeros from this length on stands without bytes.
+/// Zeros are left out of the bytes from this length on.
 constexpr std::ptrdiff_t sLongZeros = 24;
-/// Variables that lie no farther apart are one stretch.
+/// Variables no farther apart, in bytes, share a stretch.
 constexpr std::uint64_t sNear = 16;
-/// No one value is larger; a lying size may be.
+/// No single value is larger, in bytes; a wrong size may be.
 constexpr std::uint64_t sLargestStretch = 16 * 1024 * 1024;
 
-/// The end of the zeros at the beginning. Most of a program's bytes are zeros: they are passed by
-/// the word.
+/// The end of the zeros at the beginning. Most of a program's bytes are zeros: they are compared
+/// word by word.
 const std::uint8_t* EndOfZeros(const std::uint8_t* at, const std::uint8_t* end) {
     std::uint64_t word = 0;
     while (end - at >= static_cast<std::ptrdiff_t>(sizeof word)) {
@@ -68,7 +68,7 @@ std::vector<ValuePack::Stretch> ValuePack::Joined(const DataModel::Model& model,
             variable.size > own->size - (variable.address - own->address)) {
             continue;
         }
-        // A stretch lies in one section, and the next variable may lie within the one before.
+        // A stretch lies in one section, and the next variable may lie inside the one before.
         Stretch* const last = stretches.empty() || own != section ? nullptr : &stretches.back();
         const bool isNear = last != nullptr &&
                             variable.address <= last->address + last->size + sNear &&

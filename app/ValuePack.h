@@ -1,5 +1,5 @@
 // The initial values of an image's variables for a report: stretches of memory with their bytes.
-// Stretches of zeros take no bytes, and what several variables share is there once.
+// Stretches of zeros need no bytes, and bytes of several variables are stored once.
 #pragma once
 
 #include "PackedColumns.h"
@@ -12,7 +12,7 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// Takes the bytes of all variables in sections that have any, by ascending address.
+/// Takes the bytes of all variables in sections with contents, by ascending address.
 class ValuePack {
 public:
     struct Stretch {
@@ -20,12 +20,12 @@ public:
         std::uint64_t size = 0;
     };
 
-    /// @param limit most bytes that are taken; values beyond it are missing
+    /// @param limit most bytes to take; later values are missing
     explicit ValuePack(std::uint64_t limit);
 
     /// Takes the bytes of variables; called once.
     ///
-    /// @param variables where they lie, in any order
+    /// @param variables their places, in any order
     void Take(const DataModel::Model& model, std::vector<Stretch> variables);
     void Write(PackWriter& json) const;
 

@@ -19,7 +19,7 @@ std::string_view UnitName(const Model& model, ObjectId global) {
     return model.Object(model.CompileUnitOf(global)).name;
 }
 
-/// A character that no name holds keeps the parts of a key apart.
+/// Separated by a character that no name contains.
 std::string JoinedKey(const Model& model, ObjectId global, std::string_view unit) {
     return model.QualifiedName(global).append(1, '\0').append(unit);
 }
@@ -42,7 +42,7 @@ std::vector<ObjectId> Globals(const Model& model) {
     return globals;
 }
 
-/// Gives each old variable that has none yet the next new one of its key.
+/// Matches each unmatched old variable with the next new one of the same key.
 void MatchRest(const Model& oldModel, const Model& newModel, KeyOf keyOf,
                VariableMatching& matching) {
     struct Candidates {

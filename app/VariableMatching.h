@@ -1,4 +1,4 @@
-// Which variable of a new build is which of an old one. The comparison of two builds asks first.
+// Which variable of a new build corresponds to which of an old one: the first step of `diff`.
 #pragma once
 
 #include "model/DataModel.h"
@@ -16,15 +16,15 @@ struct VariableMatching {
         DataModel::ObjectId newGlobal = 0;
     };
 
-    /// Every old variable.
+    /// One for every old variable.
     std::vector<Pair> pairs;
-    /// Those of the new model that no old one became.
+    /// Variables of the new model that match no old one.
     std::vector<DataModel::ObjectId> appeared;
 };
 
-/// Variables belong together that have the same qualified name and lie in compile units of the same
-/// name, or else of the same file name in different folders, since builds run in different folders.
-/// Several of one name and unit belong together in the order of their delivery.
+/// Variables match if they have the same qualified name and lie in compile units of the same name,
+/// or else of the same file name in different folders, since builds run in different folders.
+/// Several variables of one name and unit match in the order of their delivery.
 VariableMatching MatchVariables(const DataModel::Model& oldModel, const DataModel::Model& newModel);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -17,7 +17,7 @@ namespace {
 using DataModel::ModelObject;
 using DataModel::ObjectId;
 
-/// One variable that is kept until all are known.
+/// One variable, kept until all are known.
 struct VariableRow {
     ObjectId id = 0;
     std::uint64_t address = 0;

@@ -16,7 +16,7 @@ class TableWriter;
 /// address, size, type, name, compileUnit, and section if the choice has it
 std::vector<Column> VariableColumns(const ListChoice& choice);
 
-/// Adds the rows of the variables that are wanted. The caller finishes the table.
+/// Adds the rows of the wanted variables. The caller finishes the table.
 /// @param table has `VariableColumns`
 /// @return false if there are none
 bool WriteVariables(const DataModel::Model& model, const ListChoice& choice, TableWriter& table);

@@ -8,15 +8,15 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-/// Where descriptions begin that have no room beside their names.
+/// Column of descriptions that have no room beside their names.
 constexpr std::size_t sNarrowIndentation = 6;
 
 std::size_t IndentationOf(std::string_view line) {
     return std::min(line.find_first_not_of(' '), line.size());
 }
 
-/// Where the description begins in a line that has a name and a description, as a line of options
-/// does; else where the line's text begins.
+/// Where the description begins in a line with a name and a description, such as a line of options;
+/// else where the line's text begins.
 std::size_t DescriptionStart(std::string_view line) {
     const std::size_t indentation = IndentationOf(line);
     const std::size_t gap = line.find("  ", indentation);
@@ -25,7 +25,7 @@ std::size_t DescriptionStart(std::string_view line) {
                : std::min(line.find_first_not_of(' ', gap), line.size());
 }
 
-/// Appends words, broken where a line would get wider than the screen.
+/// Appends words, with a line break where a line would exceed the screen.
 void AppendWords(std::string& result, std::string_view words, std::size_t column,
                  std::size_t indentation, std::size_t width) {
     bool isFirst = true;

@@ -31,8 +31,8 @@ struct ExportArguments : A2l::ImageArguments {
     std::string version;
 };
 
-/// A pattern for sections that fits none is a slip, which would show as missing characteristics
-/// only.
+/// A pattern that matches no section is a mistake. Without this message it would only show in
+/// missing characteristics.
 bool HasSections(const ExportArguments& arguments, const DataModel::Model& model) {
     const std::vector<DataModel::ImageSection>& sections = model.Image().sections;
     for (const std::string& pattern : arguments.choices.sections) {

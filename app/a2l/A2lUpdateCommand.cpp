@@ -1,5 +1,4 @@
-// The command `a2l update`: gives the objects of a description the addresses that they have in an
-// image.
+// The command `a2l update`: sets the addresses of a description to those of an image.
 #include "CommandLine.h"
 #include "Commands.h"
 #include "FileReplacement.h"
@@ -56,7 +55,7 @@ MissingChoice MissingChoiceOf(const std::string& name) {
     return name == "remove" ? MissingChoice::Remove : MissingChoice::Keep;
 }
 
-/// A bar for one of the two phases, if a person looks on.
+/// A bar for one of the two phases, if a person is watching.
 class PhaseBar {
 public:
     PhaseBar(const ReadArguments& arguments, Phrase phase, std::size_t end)
@@ -125,7 +124,7 @@ void WriteReport(const UpdateArguments& arguments, const Document& document,
     file.Finish();
 }
 
-/// @return false if included files would have to change that are not written
+/// @return false if included files would have to change but are not written
 bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
                   const UpdateResult& result, ResultOutput& output) {
     A2l::OutputPlan plan;

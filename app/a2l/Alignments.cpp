@@ -15,7 +15,7 @@ using DataModel::ObjectKind;
 /// Powers of two from 1 to 8.
 constexpr std::size_t sPowers = 4;
 
-/// How many members lie on a multiple of each power of two, and on no larger one.
+/// How many members lie on a multiple of each power of two, but not on a larger one.
 struct Offsets {
     std::array<std::size_t, sPowers> counts{};
 
@@ -39,7 +39,7 @@ struct Offsets {
             }
             return count;
         };
-        // Of ten members nine.
+        // Nine members of ten.
         while (power > 0 && aligned() * 10 < total * 9) {
             --power;
         }
@@ -54,7 +54,7 @@ Alignments AlignmentsOf(const DataModel::Model& model) {
     std::array<Offsets, sPowers> floats;
     model.ForEach(ObjectKind::Member, [&](const ModelObject& member) {
         const std::optional<Scalar> scalar = ScalarOfType(model, member.type);
-        // The first member lies at 0 whatever its alignment.
+        // The first member lies at offset 0, whatever its alignment.
         if (!scalar || member.offset == 0 || !std::has_single_bit(scalar->size) ||
             scalar->size > 8) {
             return;

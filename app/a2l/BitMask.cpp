@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::int64_t sBitsOfByte = 8;
 constexpr std::uint64_t sLargestNumber = 8;
-/// No storage unit is larger.
+/// No storage unit is larger, in bytes.
 constexpr std::uint64_t sLargestUnit = 64;
 
 std::uint64_t Ones(std::uint64_t count) {
@@ -24,7 +24,7 @@ std::int64_t LastByte(const DataModel::Model::Place& place) {
 
 } // namespace
 
-// The number may begin on any byte, before the storage unit of the field too if it is larger: in a
+// The number may begin at any byte, even before the field's storage unit if it is larger: in a
 // unit of 4 bytes, little-endian, bit 13 is bit 13 of a ULONG, bit 5 of the UBYTE at 1, bit 5 of
 // the UWORD at 1 or bit 13 of the UWORD at 0. Big-endian, it is bit 5 of the UBYTE at 2.
 std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place, std::uint64_t size,
@@ -39,9 +39,9 @@ std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place,
     }
     const auto spare = static_cast<std::int64_t>(place.size) - static_cast<std::int64_t>(size);
     std::optional<MaskedPlace> best;
-    // Which place is better: the mask that is wanted, an aligned number, one that begins nearer.
+    // Better is: the wanted mask, then an aligned number, then one that begins nearer.
     std::tuple<bool, bool, std::int64_t> bestRank;
-    // A packed field may go on in the byte behind its unit.
+    // A packed field may extend into the byte after its unit.
     const std::int64_t end =
         isBigEndian ? 0 : LastByte(place) + 1 - static_cast<std::int64_t>(size);
     for (std::int64_t start = std::min<std::int64_t>(spare, 0);

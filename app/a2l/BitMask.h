@@ -17,8 +17,8 @@ struct MaskedPlace {
 /// @param place a bit field
 /// @param size bytes of the number that the tool reads: 1 to 8
 /// @param isBigEndian its byte order, that of the image
-/// @param wantedMask the mask that the tool uses now, if any: a place where it is right is chosen
-///     before one where the number is aligned
+/// @param wantedMask the mask that the tool uses now, if any: a place where it fits is preferred to
+///     one where the number is aligned
 /// @return nothing if no number of the size holds the whole field
 std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place, std::uint64_t size,
                                            bool isBigEndian,

@@ -18,7 +18,7 @@ using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
 
-/// So many differences of one structure or enumeration are told.
+/// At most this many differences of one structure or enumeration are reported.
 constexpr std::size_t sMostDetails = 3;
 
 template <typename Value>
@@ -35,7 +35,7 @@ std::string Quoted(std::string_view text) {
     return "'" + std::string(text) + "'";
 }
 
-/// What a list says in a few words.
+/// A list in few words.
 class Details {
 public:
     void Add(std::string_view text) {
@@ -63,7 +63,7 @@ std::optional<std::int64_t> IntegerValue(std::string_view text) {
     if (!isInteger) {
         return std::nullopt;
     }
-    // The reader keeps the values of unsigned enumerations in 32 bits with a sign.
+    // The reader keeps the values of unsigned enumerations in signed 32 bits.
     const auto number = static_cast<std::int64_t>(value);
     const bool isUnsigned = number > std::numeric_limits<std::int32_t>::max() &&
                             number <= std::numeric_limits<std::uint32_t>::max();
@@ -75,7 +75,7 @@ std::optional<std::int64_t> IntegerValue(std::string_view text) {
 std::vector<Difference> Comparison::Compare(const Object& object, const SymbolIndex::Place& place) {
     std::vector<Difference> differences;
     if (place.isBitField) {
-        // The mask says what counts; the update compares it.
+        // The mask decides; the update compares it.
         CompareEnumeration(object, place.type, differences);
         return differences;
     }
@@ -161,7 +161,7 @@ void Comparison::CompareValues(const Values& values, const Object& object,
     if (!wanted) {
         return;
     }
-    // A part of an array that has some of its indices is one of elements that are left.
+    // A part of an array after some indices is an array of the elements that are left.
     const std::uint64_t partCount =
         place.indexedDimensions == 0
             ? 0
@@ -177,7 +177,7 @@ void Comparison::CompareValues(const Values& values, const Object& object,
             elements = {mModel.Object(mModel.WithoutTypedefs(type)).type, partCount};
         }
         const std::optional<Scalar> scalar = ScalarOfType(mModel, elements.type);
-        // The first element of an array or member of a structure isn't what the name stands for.
+        // The name doesn't mean the first element of an array or the first member of a structure.
         const bool isMeant = object.linkOffset != 0 || isUnion || mModel.SizeOf(type) == whole ||
                              (partCount != 0 && type == place.type);
         if (!scalar || !isMeant) {
@@ -233,7 +233,7 @@ void Comparison::CompareEnumeration(const Object& object, ObjectId type,
 
 void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration,
                               std::vector<Difference>& differences) const {
-    // Several enumerators may have one value; any of their names is right.
+    // Several enumerators may have one value; any of their names will do.
     std::multimap<std::int64_t, std::string_view> names;
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
         names.emplace(enumerator.value, enumerator.name);
@@ -244,7 +244,7 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
     for (const auto& [valueText, text] : table.pairs) {
         const std::optional<std::int64_t> value = IntegerValue(valueText);
         if (!value) {
-            // Of a table with other numbers nothing can be said.
+            // A table with other numbers can't be compared.
             return;
         }
         values.insert(*value);

@@ -1,5 +1,5 @@
-// What a description says of the type of an object, held against the image. The update tells the
-// differences; it changes nothing for them.
+// Compares what a description says about the type of an object with the image. The update reports
+// the differences; it changes nothing for them.
 #pragma once
 
 #include "a2l/Document.h"
@@ -15,7 +15,7 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// One thing in which file and image differ.
+/// One difference between file and image.
 struct Difference {
     /// "datatype", "elements", "size", "bitMask", "enumeration" or "structure".
     std::string_view what;
@@ -26,7 +26,7 @@ struct Difference {
 class Comparison {
 public:
     /// All borrowed; must not change during the life of the object.
-    /// @param addressUnit bytes that one address of the description stands for
+    /// @param addressUnit bytes between one address of the description and the next
     Comparison(const Document& document, const DataModel::Model& model, const SymbolIndex& index,
                std::uint64_t addressUnit)
         : mDocument(document)
@@ -34,7 +34,7 @@ public:
         , mIndex(index)
         , mAddressUnit(addressUnit) {}
 
-    /// @param place where the symbol of the object leads, without the offset of its link
+    /// @param place the place of the object's symbol, without the offset of its link
     std::vector<Difference> Compare(const Object& object, const SymbolIndex::Place& place);
 
     /// Bytes of the number that a tool reads for an object; nothing if the file doesn't say.
@@ -67,8 +67,8 @@ private:
     const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
     std::uint64_t mAddressUnit;
-    /// What was found out about a structure or table of the file and a type of the image, since
-    /// many objects share both.
+    /// Results for a structure or table of the file and a type of the image, since many objects
+    /// share both.
     std::map<std::pair<const void*, DataModel::ObjectId>, std::vector<Difference>> mKnown;
 };
 

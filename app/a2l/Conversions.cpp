@@ -38,7 +38,7 @@ Conversions::Table Conversions::MakeTable(ObjectId enumeration) const {
                             basic == DataModel::BasicTypes::UInt64;
     std::set<std::int32_t> values;
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
-        // Of several names of one value the table has room for the first.
+        // If several names have one value, the table has room only for the first.
         if (values.insert(enumerator.value).second) {
             table.pairs.append("      ")
                 .append(isUnsigned ? std::to_string(static_cast<std::uint32_t>(enumerator.value))

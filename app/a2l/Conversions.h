@@ -15,10 +15,10 @@ public:
     /// @param model borrowed; must not change during the life of the object
     explicit Conversions(const DataModel::Model& model);
 
-    /// The name of the conversion of a type, NO_COMPU_METHOD for all but enumerations.
+    /// The name of the conversion of a type; NO_COMPU_METHOD unless it is an enumeration.
     std::string Of(DataModel::ObjectId type);
 
-    /// COMPU_METHOD and COMPU_VTAB for each name that was given out.
+    /// COMPU_METHOD and COMPU_VTAB for each name that was used.
     [[nodiscard]] std::string Text() const;
 
 private:
@@ -35,7 +35,7 @@ private:
     /// How many different tables the enumerations of a name have.
     std::unordered_map<std::string, std::map<std::string, std::size_t>> mTablesOfName;
     std::unordered_map<DataModel::ObjectId, std::string> mNames;
-    /// Those that were given out, in order.
+    /// The conversions that were used, in order.
     std::map<std::string, Table> mUsed;
 };
 

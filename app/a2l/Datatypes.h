@@ -1,5 +1,5 @@
-// The scalar types of A2L and those of an image, side by side. The update compares them; the export
-// chooses among them.
+// The scalar types of A2L beside those of an image. The update compares them; the export chooses
+// among them.
 #pragma once
 
 #include "model/DataModel.h"
@@ -10,21 +10,21 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// A scalar as far as A2L can tell.
+/// A scalar as far as A2L can describe it.
 struct Scalar {
     enum class Kind : std::uint8_t {
         Signed,
         Unsigned,
-        /// Of an integer whose sign says nothing, such as a character or a value of an enum.
+        /// An integer whose sign doesn't matter, such as a character or a value of an enum.
         Integer,
         Float,
     };
 
     Kind kind = Kind::Integer;
-    /// In bytes.
+    /// Size in bytes.
     std::uint64_t size = 0;
 
-    /// True if both are read alike.
+    /// True if both are read in the same way.
     [[nodiscard]] bool Fits(const Scalar& other) const {
         const bool isFloat = kind == Kind::Float;
         const bool isOtherFloat = other.kind == Kind::Float;
@@ -39,11 +39,11 @@ std::optional<Scalar> ScalarOfDatatype(std::string_view datatype);
 /// The datatype of a scalar; empty if A2L has none of its size.
 std::string_view DatatypeOf(const Scalar& scalar);
 
-/// The scalar that a type of a model is: a base type, an enum or a pointer, behind typedefs too;
-/// nothing for anything else.
+/// The scalar of a type in a model, also through typedefs: a base type, an enum or a pointer;
+/// nothing for any other type.
 std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::ObjectId type);
 
-/// A type taken apart into equal elements: one for a scalar or a structure, all of an array.
+/// A type as equal elements: one for a scalar or a structure, all elements of an array.
 struct Elements {
     DataModel::ObjectId type = 0;
     std::uint64_t count = 1;

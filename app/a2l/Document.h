@@ -1,4 +1,4 @@
-// What a description says, as far as addresses and their types go: objects with an address, and the
+// What a description says about addresses and their types: objects with an address, and the
 // layouts, conversions and structures that objects refer to. The parser fills it; the update reads
 // it.
 #pragma once
@@ -15,7 +15,7 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// Bytes of a source. Without a source it stands for nothing.
+/// Bytes of a source. Without a source it is empty.
 struct Span {
     const Source* source = nullptr;
     std::size_t position = 0;
@@ -27,7 +27,7 @@ struct Span {
     }
 };
 
-/// A number where it stands, with its value.
+/// A number with its place and value.
 struct NumberAt {
     Span span;
     std::uint64_t value = 0;
@@ -38,16 +38,16 @@ enum class BlockKind : std::uint8_t { Measurement, Characteristic, AxisPoints, B
 /// The keyword of a kind.
 std::string_view KeywordOf(BlockKind kind);
 
-/// An object of a module. Its texts lie in the sources. What the file doesn't say is empty or 0.
+/// An object of a module. Its texts lie in the sources. Missing texts are empty, missing numbers 0.
 struct Object {
     BlockKind kind = BlockKind::Measurement;
-    /// Position of the module among the modules of the document.
+    /// Index of the module in the document.
     std::size_t module = 0;
-    /// From `/begin` to the keyword behind `/end`; without a source if the two lie in two files.
+    /// From `/begin` to the keyword after `/end`; without a source if they are in different files.
     Span block;
     std::size_t line = 0;
     Span name;
-    /// A measurement may be without.
+    /// Optional for a measurement.
     NumberAt address;
     /// The symbol of a `SYMBOL_LINK` without its quotes.
     Span link;
@@ -59,20 +59,20 @@ struct Object {
     /// Record layout of a characteristic or of axis points, type of an instance.
     std::string_view layout;
     std::string_view conversion;
-    /// Elements by MATRIX_DIM, ARRAY_SIZE or NUMBER; 0 if none of them is given.
+    /// Element count of MATRIX_DIM, ARRAY_SIZE or NUMBER; 0 if none of them is given.
     std::uint64_t elements = 0;
-    /// Most points over all axes of a characteristic, of axis points, bytes of a blob; 0 if
-    /// unknown.
+    /// Largest number of points of a characteristic (the product over its axes) or of axis points,
+    /// or bytes of a blob; 0 if unknown.
     std::uint64_t points = 0;
-    /// As that of a module.
+    /// As in a module.
     std::optional<bool> isBigEndian;
 };
 
 struct RecordLayout {
-    /// Datatypes of the values and of the first axis; empty without.
+    /// Datatypes of the values and of the first axis; empty if there are none.
     std::string_view values;
     std::string_view axis;
-    /// Entries of the layout in all.
+    /// Number of all entries of the layout.
     std::size_t entries = 0;
 };
 
@@ -92,9 +92,9 @@ struct TypeDefinition {
     enum class Kind : std::uint8_t { Structure, Measurement, Characteristic, Blob, Other };
 
     Kind kind = Kind::Other;
-    /// Bytes of a structure or blob.
+    /// Size of a structure or blob in bytes.
     std::uint64_t size = 0;
-    /// As those of an object.
+    /// As in an object.
     std::string_view type;
     std::string_view layout;
     std::uint64_t elements = 0;
@@ -105,14 +105,14 @@ struct Module {
     template <typename Value>
     using ByName = std::unordered_map<std::string_view, Value>;
 
-    /// True for MSB_FIRST, false for MSB_LAST; nothing for any other word and without one.
+    /// True for MSB_FIRST, false for MSB_LAST; nothing for any other word, or if it is missing.
     std::optional<bool> isBigEndian;
     ByName<RecordLayout> layouts;
-    /// Tables of the conversions that have one.
+    /// Names of the tables, for the conversions that have one.
     ByName<std::string_view> conversions;
     ByName<ConversionTable> tables;
     ByName<TypeDefinition> types;
-    /// Addresses of VARIANT_CODING, which no symbol is given for.
+    /// Number of addresses in VARIANT_CODING, which have no symbols.
     std::size_t variantAddresses = 0;
 };
 
@@ -123,11 +123,11 @@ struct Mention {
 };
 
 struct Document {
-    /// The first stands for what lies outside modules, as in a fragment.
+    /// The first stands for everything outside modules, as in a fragment.
     std::vector<Module> modules{1};
     /// In the order of the text.
     std::vector<Object> objects;
-    /// Only if the parser was asked for them.
+    /// Only on request to the parser.
     std::vector<Mention> mentions;
 };
 

@@ -21,7 +21,7 @@ struct Mark {
     Encoding encoding;
 };
 
-/// The longer one first where one begins another.
+/// A mark that begins with a shorter one comes before it.
 constexpr std::array sMarks = {
     Mark{"\xFF\xFE\0\0"sv, Encoding::Utf32Little}, Mark{"\0\0\xFE\xFF"sv, Encoding::Utf32Big},
     Mark{"\xFF\xFE"sv, Encoding::Utf16Little}, Mark{"\xFE\xFF"sv, Encoding::Utf16Big}};

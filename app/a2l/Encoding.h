@@ -1,5 +1,5 @@
-// Files in UTF-16 and UTF-32, which A2L allows beside ASCII, Latin-1 and UTF-8. A source is read
-// through it and written through it again; everything between sees UTF-8.
+// Files in UTF-16 and UTF-32, which A2L allows beside ASCII, Latin-1 and UTF-8. A source is decoded
+// when read and encoded when written; everything between sees UTF-8.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 /// What the bytes of a file are, as its byte order mark says.
 enum class Encoding : std::uint8_t {
-    /// One of the encodings that have ASCII in single bytes. It stays undecoded.
+    /// An encoding with ASCII in single bytes. It stays undecoded.
     Bytes,
     Utf16Little,
     Utf16Big,
@@ -21,12 +21,12 @@ enum class Encoding : std::uint8_t {
 
 Encoding EncodingOf(std::string_view bytes);
 
-/// The text in UTF-8, its byte order mark included. Halves of characters that stand alone come
-/// through as well: `Encode` gives exactly the bytes again. Nothing if the bytes end within a
-/// character or have one that Unicode doesn't.
+/// The text in UTF-8, its byte order mark included. Lone surrogates pass through as well, so that
+/// `Encode` returns exactly the same bytes. Nothing if the bytes end within a character or aren't
+/// valid in Unicode.
 std::optional<std::string> Decode(std::string_view bytes, Encoding encoding);
 
-/// The bytes of a text that `Decode` gave, or of a part of it that cuts no character.
+/// The bytes of a text that `Decode` returned, or of a part of it that cuts no character.
 std::string Encode(std::string_view text, Encoding encoding);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

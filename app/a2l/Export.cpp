@@ -34,7 +34,7 @@ using DataModel::SectionKind;
 constexpr std::size_t sDeepestNesting = 100;
 constexpr std::uint64_t sLargestAddress = std::numeric_limits<std::uint32_t>::max();
 
-/// Patterns of which one has to fit.
+/// Patterns of which at least one must match.
 class AnyFilter {
 public:
     explicit AnyFilter(const std::vector<std::string>& patterns) {
@@ -117,12 +117,12 @@ private:
     struct Part {
         ObjectId type = 0;
         std::uint64_t address = 0;
-        /// Name and symbol of the variable are followed by the same steps.
+        /// Steps that follow the name of the variable as well as its symbol.
         std::string steps;
         std::size_t depth = 0;
     };
 
-    /// The variable that is being taken apart.
+    /// The variable that is being expanded.
     struct Variable {
         VariableName name;
         std::string path;
@@ -325,7 +325,7 @@ private:
 
     // Addresses and sections.
 
-    /// The address as A2L writes it; nothing if there is no room for it.
+    /// The address as A2L writes it; nothing if it doesn't fit.
     [[nodiscard]] std::optional<std::uint64_t> AddressFor(std::uint64_t address) const {
         constexpr std::uint64_t bytesOfWord = 2;
         const std::uint64_t written = mChoices.hasWordAddresses ? address / bytesOfWord : address;
@@ -336,7 +336,7 @@ private:
         if (mCalibrated.Takes(path, mVariable->ownName)) {
             return true;
         }
-        // Neighbours mostly lie in one section.
+        // Neighbours are mostly in one section.
         if (mSection == nullptr || !mSection->Holds(address)) {
             mSection = mModel.Image().SectionAt(address);
         }

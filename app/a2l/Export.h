@@ -1,5 +1,5 @@
-// Writes a description of an image: an object for each leaf, with all that the objects refer to.
-// The command gives the wishes of the user and the place for the text.
+// Writes a description of an image: an object for each leaf, with everything that the objects refer
+// to. The command passes the user's choices and the output.
 #pragma once
 
 #include "a2l/Version.h"
@@ -19,19 +19,19 @@ class ResultOutput;
 namespace Tessel::Norn::Brindle::Program::A2l {
 
 struct ExportChoices {
-    /// What is wanted, as `leaves` takes patterns; empty for everything.
+    /// Patterns of what is wanted, as in `leaves`; empty for everything.
     std::vector<std::string> patterns;
-    /// What is to be calibrated wherever it lies.
+    /// Patterns of what is calibrated, whatever its section.
     std::vector<std::string> characteristics;
-    /// Names of sections, or patterns of them, whose variables are to be calibrated.
+    /// Names or patterns of sections whose variables are calibrated.
     std::vector<std::string> sections;
-    /// Objects with what they refer to alone, for an include.
+    /// Only objects with what they refer to, for an include.
     bool isFragment = false;
-    /// Structures as types and instances, which need the latest version.
+    /// Structures as types and instances, which only the latest version has.
     bool hasStructures = false;
     Version version = Version::V1_6;
     DataModel::LeafLimits limits;
-    /// Addresses in words of 16 bits.
+    /// Addresses count words of 16 bits.
     bool hasWordAddresses = false;
 };
 

@@ -29,7 +29,7 @@ constexpr std::array sLimits = {
               std::string_view("-1.7976931348623157E+308 1.7976931348623157E+308")},
 };
 
-/// Dimensions that MATRIX_DIM has before version 1.7: always these.
+/// MATRIX_DIM before version 1.7 always has this many dimensions.
 constexpr std::size_t sOlderDimensions = 3;
 
 void AppendParts(std::string& text, const ExportedObject& object, const ExportedValues& values,

@@ -1,4 +1,4 @@
-// How the blocks of an export are written, version by version. The export decides what they say.
+// How the blocks of an export are written, for each version. The export decides the contents.
 #pragma once
 
 #include "a2l/Version.h"
@@ -15,12 +15,12 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 struct ExportedValues {
     std::string_view datatype;
     std::string conversion;
-    /// Of the array, innermost first; empty for a single scalar.
+    /// Dimensions of the array, innermost first; empty for a single scalar.
     std::vector<std::uint64_t> dimensions;
     std::optional<std::uint64_t> bitMask;
 };
 
-/// Where an object lies and what it is called.
+/// Name and place of an object.
 struct ExportedObject {
     std::string name;
     /// Empty if no symbol leads to it.
@@ -29,7 +29,7 @@ struct ExportedObject {
     std::uint64_t address = 0;
 };
 
-/// Limits of a datatype, those of the bits that count for one with a mask: "0 255".
+/// Limits of a datatype, or of the bits under a mask: "0 255".
 std::string LimitsOf(std::string_view datatype, std::optional<std::uint64_t> bitMask);
 
 /// The name of the record layout of a datatype.
@@ -41,7 +41,7 @@ std::string CharacteristicText(const ExportedObject& object, const ExportedValue
                                Version version);
 std::string RecordLayoutText(std::string_view datatype);
 
-/// "MATRIX_DIM 3 2 1" or what stands for it; empty for a scalar.
+/// "MATRIX_DIM 3 2 1" or its counterpart in other versions; empty for a scalar.
 std::string DimensionsText(const std::vector<std::uint64_t>& dimensions, Version version,
                            std::string_view olderKeyword);
 

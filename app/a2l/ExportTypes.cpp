@@ -35,7 +35,7 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
     place.isBitField = true;
     place.bitOffset = member.bitOffset;
     place.bitSize = member.bitSize;
-    // The storage unit as the program has it, before smaller parts of it.
+    // First the storage unit as the program has it, then smaller parts of it.
     std::vector<std::uint64_t> sizes{size};
     for (std::uint64_t other = sLargestNumber; other > 0; other /= 2) {
         sizes.push_back(other);
@@ -43,7 +43,7 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
     for (const std::uint64_t one : sizes) {
         const std::string_view datatype = DatatypeOf({Scalar::Kind::Unsigned, one});
         const auto found = FindMaskedPlace(place, one, isBigEndian, std::nullopt);
-        // A number that is larger than the unit would be read beyond its end.
+        // A number larger than the unit would be read beyond its end.
         if (found && one <= size && !datatype.empty() &&
             (hasLongMasks || (found->mask <= sLargestShortMask && one < sLargestNumber))) {
             return ExportedBits{datatype, *found};
@@ -112,7 +112,7 @@ std::string ExportTypes::NameOfStructure(ObjectId structure, bool isCalibrated) 
 
 std::string ExportTypes::Text() {
     std::string text;
-    // Definitions name further structures while the list is walked.
+    // Definitions may request further structures while the list is walked.
     for (std::size_t position = 0; position < mPending.size();) {
         const Key key = mPending[position++];
         text += StructureText(key);

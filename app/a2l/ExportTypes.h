@@ -1,4 +1,4 @@
-// The types of an export: what a value is in A2L, and structures as types of their own.
+// The types of an export: the A2L type of a value, and structures as named types.
 #pragma once
 
 #include "a2l/BitMask.h"
@@ -33,7 +33,7 @@ struct ExportedBits {
 std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std::uint64_t address,
                                    bool isBigEndian, bool hasLongMasks);
 
-/// Dimensions of an array, of arrays in it too, innermost first; empty for anything else.
+/// Dimensions of an array and of arrays within it, innermost first; empty for any other type.
 std::vector<std::uint64_t> DimensionsOf(const DataModel::Model& model, DataModel::ObjectId type);
 
 class ExportTypes {
@@ -44,17 +44,17 @@ public:
         , mIndex(index)
         , mConversions(conversions) {}
 
-    /// A scalar or an array of scalars; something of which only the size is known as its bytes.
-    /// Nothing for anything else, and for scalars that the version has no datatype for.
+    /// A scalar or an array of scalars; a type of which only the size is known, as its bytes.
+    /// Nothing for any other type, and for scalars without a datatype in the version.
     [[nodiscard]] std::optional<ExportedValues> ValuesOf(DataModel::ObjectId type, Version version);
 
-    /// The name of the type that a structure becomes, which `Text` then defines.
+    /// The name of the type for a structure, which `Text` then defines.
     /// @param isCalibrated whether its members are characteristics
     std::string NameOfStructure(DataModel::ObjectId structure, bool isCalibrated);
 
-    /// Definitions of all types that were named, those of their members included.
+    /// Definitions of all types that were named, and of the types of their members.
     std::string Text();
-    /// Datatypes whose record layouts the definitions refer to. To be asked after `Text`.
+    /// Datatypes whose record layouts the definitions refer to. Call it after `Text`.
     [[nodiscard]] const std::set<std::string_view>& LayoutDatatypes() const { return mDatatypes; }
     /// Members for which A2L has no datatype.
     [[nodiscard]] std::size_t LeftOut() const { return mLeftOut; }
@@ -72,9 +72,9 @@ private:
     Conversions& mConversions;
     IdentifierSet mNames;
     std::map<Key, std::string> mStructures;
-    /// Structures that are named and not yet defined, in order.
+    /// Structures that have a name but no definition yet, in order.
     std::vector<Key> mPending;
-    /// Definitions of scalars by what they say.
+    /// Names of definitions of scalars, by their text.
     std::map<std::string, std::string> mValueNames;
     std::string mValueText;
     std::set<std::string_view> mDatatypes;

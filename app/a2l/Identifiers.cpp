@@ -7,7 +7,7 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
 
-/// What A2L has room for in a whole name and in a part of it.
+/// Characters that A2L allows in a whole name and in a part of it.
 constexpr std::size_t sLongestName = 1024;
 constexpr std::size_t sLongestPart = 128;
 
@@ -20,7 +20,7 @@ bool IsNameCharacter(char character) {
            IsDigit(character) || character == '_';
 }
 
-/// Length of "[12]" at the start of a text that ends there or goes on with a point or another
+/// Length of "[12]" at the start of a text that then ends or continues with a point or another
 /// index; 0 for anything else.
 std::size_t IndexLength(std::string_view text) {
     if (!text.starts_with('[')) {
@@ -44,7 +44,7 @@ std::string Cut(std::string_view text, std::size_t longest) {
     return std::string(text.substr(0, longest - hash.size())) + hash;
 }
 
-/// Adds a part that is complete: its name is never empty and begins with no digit.
+/// Adds a complete part: its name is never empty and begins with no digit.
 void AppendPart(std::string& identifier, std::string_view part, std::string_view indices) {
     const bool needsStart = part.empty() || IsDigit(part.front());
     identifier.append(identifier.empty() ? "" : ".");
@@ -80,7 +80,7 @@ std::string MakeIdentifier(std::string_view name) {
     if (identifier.size() <= sLongestName) {
         return identifier;
     }
-    // No part is left half: the number is one of its own.
+    // Cuts between parts: the hash is a part of its own.
     const std::string hash = "._" + ShortHash(identifier);
     identifier.resize(identifier.rfind('.', sLongestName - hash.size()));
     return identifier + hash;

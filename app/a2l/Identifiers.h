@@ -1,4 +1,4 @@
-// Names that A2L accepts, made of names of a program: valid, unique, and the same from build to
+// Names that A2L accepts, derived from names of a program: valid, unique, and stable from build to
 // build.
 #pragma once
 
@@ -9,24 +9,24 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// A name with the characters of A2L: letters, digits and "_", in parts joined by points, each with
-/// indices in brackets at its end. "::" becomes a point, anything else "_". A name or part that is
-/// too long is cut and ends in a number made of the whole.
+/// A name with the characters of A2L: letters, digits and "_", in parts separated by points, each
+/// with indices in brackets at its end. "::" becomes a point, anything else "_". A name or part
+/// that is too long is cut and ends in a hash of the whole.
 std::string MakeIdentifier(std::string_view name);
 
-/// The same in one part, without points and brackets.
+/// A name of A2L in one part, without points and brackets.
 std::string MakePartIdentifier(std::string_view name);
 
-/// A text in quotes, without line ends and quotes within.
+/// A text in quotes, with line ends and inner quotes replaced.
 std::string QuotedText(std::string_view text);
 
-/// A number of a text in 8 hexadecimal digits; always the same for the same text.
+/// A hash of a text as 8 hexadecimal digits; always the same for the same text.
 std::string ShortHash(std::string_view text);
 
 /// Names of one kind, each given out once.
 class IdentifierSet {
 public:
-    /// The name itself, or with "_2", "_3" and so on behind if it is taken.
+    /// The name itself, or with "_2", "_3" and so on after it if it is taken.
     std::string Take(const std::string& name);
 
 private:

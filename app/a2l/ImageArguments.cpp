@@ -31,7 +31,7 @@ ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::Model& mod
     if (!read.isOk) {
         return ReportResult(arguments.image, read);
     }
-    // Nothing would be found, and objects that aren't found may be removed.
+    // Nothing would be found, and the update may remove objects that aren't found.
     if (!HasFoundAnything(read)) {
         return ExitStatus::Failed;
     }

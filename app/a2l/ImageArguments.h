@@ -1,5 +1,5 @@
-// What the commands of A2L files have in common: the image that they read, the file that they
-// write, and how the target counts its memory.
+// Shared by the commands on A2L files: the image that they read, the file that they write, and how
+// the target counts its memory.
 #pragma once
 
 #include "ExitStatus.h"
@@ -40,8 +40,8 @@ CLI::Option* AddOutputArgument(CLI::App& command, ImageArguments& arguments);
 void AddWordAddressArgument(CLI::App& command, ImageArguments& arguments);
 /// @}
 
-/// Reads the image whole. Anything less is refused, since what is missing would look as if the
-/// image lacked it; the user is told. @return whether the model has all addresses
+/// Reads the whole image. An incomplete one is refused, after a message: what was not read would
+/// look as if the image lacked it. @return whether the model has all addresses
 ExitStatus ReadWholeImage(const ImageArguments& arguments, DataModel::Model& model);
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

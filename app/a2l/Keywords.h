@@ -1,5 +1,5 @@
 // The keywords that the parser knows, as tables: which blocks have an address and where, and which
-// of their optional parts count. Whatever is missing here is passed over.
+// of their optional parts matter. Everything else is skipped.
 #pragma once
 
 #include "Phrases.h"
@@ -13,7 +13,7 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// What a parameter in a fixed place of a block is.
+/// The meaning of a parameter at a fixed position of a block.
 enum class Field : std::uint8_t {
     Name,
     /// The description, a text in quotes.
@@ -24,7 +24,7 @@ enum class Field : std::uint8_t {
     Conversion,
     Size,
     Points,
-    /// Of no interest.
+    /// Ignored.
     Other,
 };
 
@@ -42,17 +42,17 @@ struct TypeBlock {
     std::span<const Field> parameters;
 };
 
-/// An optional part of an object that counts.
+/// An optional part of an object that matters.
 enum class Part : std::uint8_t {
     Address,
     Link,
     BitMask,
-    /// One number of elements.
+    /// One element count.
     Elements,
-    /// Numbers of elements, one for each dimension.
+    /// Element counts, one for each dimension.
     Dimensions,
     ByteOrder,
-    /// A word follows that may look like another keyword.
+    /// The next word may look like another keyword.
     Word,
 };
 
@@ -60,10 +60,10 @@ const ObjectBlock* FindObjectBlock(std::string_view keyword);
 const TypeBlock* FindTypeBlock(std::string_view keyword);
 std::optional<Part> FindPart(std::string_view keyword);
 
-/// What a parameter is, for a person.
+/// The name of a parameter, for a person.
 Phrase DescribeField(Field field);
 
-/// True for blocks whose content is written in another language: nothing in it is A2L but its end.
+/// True for blocks whose content is in another language: only their end is A2L.
 bool IsForeignBlock(std::string_view keyword);
 
 /// True for blocks that are lists of names of objects.

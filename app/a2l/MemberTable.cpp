@@ -12,7 +12,7 @@ using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
 
-/// A class that holds itself would have no end of parts.
+/// Stops at this many parts: a class that contains itself would have no end of them.
 constexpr std::size_t sMostParts = 1000;
 
 bool HasMembers(ObjectKind kind) {
@@ -25,7 +25,7 @@ bool HasMembers(ObjectKind kind) {
 struct MemberTable::Part {
     ObjectId type = 0;
     std::uint64_t offset = 0;
-    /// The nearest base class around it with "::" behind; empty in the class itself.
+    /// The nearest base class around it, followed by "::"; empty in the class itself.
     std::string qualifier;
 };
 
@@ -37,7 +37,7 @@ MemberTable::MemberTable(const DataModel::Model& model, ObjectId type) {
         pending.pop_front();
         AddPart(model, part, pending);
     }
-    // The map holds positions, which follow the members to their places.
+    // The map holds indices, which have to follow the members to their new places.
     std::vector<std::size_t> order(mMembers.size());
     for (std::size_t index = 0; index < order.size(); ++index) {
         order[index] = index;
@@ -80,7 +80,7 @@ void MemberTable::AddPart(const DataModel::Model& model, const Part& part,
             anonymous.push_back({type, offset, part.qualifier});
         }
     });
-    // Nearer than any base class.
+    // Anonymous members are nearer than any base class.
     pending.insert(pending.begin(), anonymous.begin(), anonymous.end());
     for (const DataModel::BaseClass& base : model.PlacedBaseClasses(part.type)) {
         const ObjectId type = model.WithoutTypedefs(base.type);
@@ -104,7 +104,7 @@ void MemberTable::Add(const Member& member, const Part& part) {
     if (!isNew) {
         mMembers.back().name = mLongNames.back();
     }
-    // An identifier in place of a name that A2L can't hold.
+    // An identifier for a name that A2L doesn't allow.
     if (const std::string_view name = mMembers.back().name; MakeIdentifier(name) != name) {
         mLongNames.push_back(MakeIdentifier(name));
         mByName.try_emplace(mLongNames.back(), mMembers.size() - 1);

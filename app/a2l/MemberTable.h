@@ -1,5 +1,5 @@
 // The members of one class or union by name and by offset. The symbol index makes one for each type
-// that it meets, so that a structure of a thousand members is searched once and not for each
+// that it meets, so that a structure of a thousand members is searched once instead of for each
 // symbol.
 #pragma once
 
@@ -19,7 +19,7 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 struct Member {
     std::string_view name;
     DataModel::ObjectId type = 0;
-    /// From the start of the class, in bytes.
+    /// Offset from the start of the class, in bytes.
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
     bool isBitField = false;
@@ -27,15 +27,15 @@ struct Member {
     std::uint64_t bitSize = 0;
 };
 
-/// Members of anonymous members and of base classes count as members of the class. Of several of
-/// one name the nearest counts; the others have the name of their base class in front, as in
+/// Members of anonymous members and of base classes count as members of the class. The nearest
+/// member of a name has the plain name; the others have their base class before it, as in
 /// "Named::id".
 class MemberTable {
 public:
     /// @param model must outlive the table, which views its names
     MemberTable(const DataModel::Model& model, DataModel::ObjectId type);
 
-    /// Null without a member of the name.
+    /// Null if there is no member of the name.
     [[nodiscard]] const Member* Find(std::string_view name) const;
 
     /// In the order of their offsets.
@@ -61,10 +61,10 @@ private:
     void Add(const Member& member, const Part& part);
 
     std::vector<Member> mMembers;
-    /// For each member the farthest end of it and all before it.
+    /// For each member, the largest end among it and all members before it.
     std::vector<std::uint64_t> mReach;
     std::unordered_map<std::string_view, std::size_t> mByName;
-    /// Names with a base class in front.
+    /// Names with a base class before them.
     std::deque<std::string> mLongNames;
 };
 

@@ -65,7 +65,7 @@ Notation::Notation(std::string_view older, bool prefersUpperCase) {
         mWidth = older.size() - sPrefixLength;
         mIsUpperCase = LetterCase(older).value_or(prefersUpperCase);
     } else if (older.starts_with('0')) {
-        // Only zeros in front say that a decimal number has a width.
+        // Only leading zeros show that a decimal number has a fixed width.
         mWidth = older.size();
     }
 }

@@ -1,4 +1,4 @@
-// Numbers as A2L writes them: decimal, or hexadecimal with 0x in front, with or without a sign.
+// Numbers in A2L: decimal, or hexadecimal after 0x, with or without a sign.
 #pragma once
 
 #include <cstdint>
@@ -11,19 +11,19 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 /// The value of an unsigned number of up to 64 bits; nothing for any other text.
 std::optional<std::uint64_t> ParseUnsigned(std::string_view text);
 
-/// The same with a sign in front, which may be missing.
+/// The value of a number with an optional sign; nothing for any other text.
 std::optional<std::int64_t> ParseSigned(std::string_view text);
 
-/// True if a word begins as a number does.
+/// True if a word begins like a number.
 bool LooksNumeric(std::string_view text);
 
-/// How a number is written, taken from an older one in its place.
+/// How a number is written, taken from the older number in its place.
 class Notation {
 public:
-    /// @param prefersUpperCase what to write where the older number has no hexadecimal letter
+    /// @param prefersUpperCase what to use if the older number has no hexadecimal letter
     Notation(std::string_view older, bool prefersUpperCase);
 
-    /// The number in the same base, case and width; wider where it does not fit.
+    /// The number in the same base, case and width; wider if it does not fit.
     [[nodiscard]] std::string Write(std::uint64_t number) const;
 
 private:

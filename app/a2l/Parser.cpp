@@ -24,7 +24,7 @@ std::string Quoted(std::string_view text) {
     return "'" + std::string(text.substr(0, longest)) + (text.size() > longest ? "...'" : "'");
 }
 
-/// Product of numbers of elements; the largest number where it does not fit.
+/// Product of element counts; the largest number if it overflows.
 std::uint64_t Product(std::uint64_t one, std::uint64_t other) {
     constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
     return other != 0 && one > most / other ? most : one * other;
@@ -36,8 +36,8 @@ public:
         : mStream(sources, main)
         , mMain(main)
         , mChoices(choices) {
-        // Objects are large, and moving hundreds of thousands of them costs more than room that
-        // stays untouched.
+        // Objects are large: moving hundreds of thousands of them costs more than reserved memory
+        // that is never touched.
         constexpr std::size_t bytesOfObject = 400;
         mDocument.objects.reserve(main.Bytes().size() / bytesOfObject);
     }
@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    /// A block that is open, by its keyword.
+    /// A block that is open, with its keyword.
     struct Block {
         Span begin;
         Span keyword;
@@ -171,7 +171,7 @@ private:
         }
     }
 
-    /// Passes over a block and all within it, but keeps what a person should know of it.
+    /// Skips a block and everything within it, except what a person should know about it.
     void Skip(const Block& first) {
         if (IsForeignBlock(first.Name())) {
             SkipForeign(first);
@@ -198,7 +198,7 @@ private:
         }
     }
 
-    /// Passes over a block of another language, whose includes name files of that language.
+    /// Skips a block of another language, whose includes name files of that language.
     void SkipForeign(const Block& first) {
         std::vector<Block> open{first};
         mStream.FollowIncludes(false);
@@ -256,7 +256,7 @@ private:
         return {token.span, *value};
     }
 
-    /// The number behind a keyword.
+    /// The number after a keyword.
     [[nodiscard]] NumberAt NumberOf(std::string_view keyword) {
         const PlacedToken token = mStream.Next();
         const std::optional<std::uint64_t> value =
@@ -301,7 +301,7 @@ private:
         PlacedToken token = mStream.Next();
         while (token.kind == TokenKind::Word && LooksNumeric(token.span.Text())) {
             const std::uint64_t dimension = ParseUnsigned(token.span.Text()).value_or(0);
-            // A dimension of 0 is one that isn't there.
+            // A dimension of 0 stands for none.
             elements = Product(elements, std::max<std::uint64_t>(dimension, 1));
             token = mStream.Next();
         }
@@ -309,8 +309,7 @@ private:
         return elements;
     }
 
-    /// The words LITTLE_ENDIAN and BIG_ENDIAN are read either way round by the tools that know
-    /// them.
+    /// Tools disagree on what LITTLE_ENDIAN and BIG_ENDIAN mean, so these words give no byte order.
     std::optional<bool> ByteOrder() {
         const PlacedToken order = mStream.Next();
         if (order.kind != TokenKind::Word) {
@@ -417,7 +416,7 @@ private:
         object.link = symbol.Content();
         const PlacedToken token = mStream.Next();
         if (token.kind != TokenKind::Word || !LooksNumeric(token.span.Text())) {
-            // Some tools leave the offset out.
+            // Some tools omit the offset.
             mStream.PutBack(token);
             return;
         }
@@ -430,7 +429,7 @@ private:
     }
 
     void TakeAxis(Object& object, const Block& block) {
-        // Attribute, input quantity, conversion, then the number of points.
+        // Attribute, input quantity and conversion precede the number of points.
         for (int parameter = 0; parameter < 3; ++parameter) {
             SkipWord();
         }
@@ -578,7 +577,7 @@ private:
         });
     }
 
-    /// Objects outside modules, as in a fragment, belong to the first one of the document.
+    /// Objects outside modules, as in a fragment, belong to the document's first module.
     [[nodiscard]] std::size_t CurrentModuleNumber() const {
         const bool isInModule = std::ranges::any_of(
             mContainers, [](const Block& block) { return block.Name() == sModule; });

@@ -1,5 +1,5 @@
-// Reads a description into a document: finds the objects with their addresses wherever they stand,
-// and passes over everything that is not known, by the nesting of its blocks.
+// Reads a description into a document: finds the objects with their addresses, wherever they are,
+// and skips unknown blocks by their nesting.
 #pragma once
 
 #include "a2l/Document.h"
@@ -10,18 +10,18 @@
 namespace Tessel::Norn::Brindle::Program::A2l {
 
 struct ParseChoices {
-    /// Collect the names in lists of groups and functions as well.
+    /// Also collect the names in lists of groups and functions.
     bool hasMentions = false;
-    /// Called now and then with the source and the position that the parser has come to; may be
-    /// empty.
+    /// Called from time to time with the source and the position that the parser has reached; may
+    /// be empty.
     std::function<void(const Source& source, std::size_t position)> progress;
 };
 
 /// @param sources holds the bytes that the document refers to; must outlive it
-/// @throws Fault where the text breaks the rules of A2L: blocks that don't match, texts and
-/// comments
-///     without end, parameters of objects that are missing or no numbers, includes that lead
-///     nowhere
+/// @throws Fault if the text breaks the rules of A2L: blocks that don't
+///     match, texts or comments without end, parameters of objects that
+///     are missing or not numbers, or includes that don't lead to a
+///     file
 Document Parse(SourceSet& sources, const Source& main, const ParseChoices& choices = {});
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

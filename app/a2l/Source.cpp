@@ -24,7 +24,7 @@ struct Closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// Why bytes are no text that A2L can be written in; empty if they may be.
+/// Why bytes can't be the text of an A2L file; empty if they can.
 std::string TextProblem(std::string_view bytes) {
     const std::size_t zero = bytes.find('\0');
     if (zero == std::string_view::npos) {
@@ -37,7 +37,7 @@ std::string TextProblem(std::string_view bytes) {
                : "expected an A2L text, got a binary file";
 }
 
-/// A file as a text. @throws Fault if it is none
+/// A file as a text. @throws Fault if it is not a text
 std::unique_ptr<Source> SourceOf(const std::string& path, std::string bytes) {
     const Encoding encoding = EncodingOf(bytes);
     if (encoding != Encoding::Bytes) {
@@ -104,7 +104,7 @@ std::string LoadFile(const std::string& path) {
     }
     std::string bytes;
     const std::uintmax_t size = std::filesystem::file_size(PathToOpen(path), error);
-    // One byte more shows the end of the file without another round.
+    // One more byte detects the end of the file without another round.
     std::size_t room = error ? 1U << 16U : static_cast<std::size_t>(size) + 1;
     for (std::size_t filled = 0;;) {
         bytes.resize(filled + room);

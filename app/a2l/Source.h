@@ -1,5 +1,5 @@
-// The files of an A2L description as they lie on disk, and what is wrong with one. Everything else
-// of this folder works on views of their bytes; nothing here changes them.
+// The files of an A2L description as they lie on disk, and errors in them. The rest of this folder
+// works on views of their bytes; nothing here changes them.
 #pragma once
 
 #include "a2l/Encoding.h"
@@ -16,10 +16,10 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// One file, read whole. Its bytes stay where they are as long as the object lives.
+/// One file, read whole. Its bytes keep their place as long as the object lives.
 class Source {
 public:
-    /// @param bytes what the file holds; decoded, if its encoding is one that is
+    /// @param bytes contents of the file; decoded, if the encoding isn't `Bytes`
     Source(std::string path, std::string bytes, Encoding encoding = Encoding::Bytes)
         : mPath(std::move(path))
         , mBytes(std::move(bytes))
@@ -28,12 +28,12 @@ public:
     [[nodiscard]] const std::string& Path() const { return mPath; }
     [[nodiscard]] std::string_view Bytes() const { return mBytes; }
 
-    /// Gives a part of `Bytes`, or what replaces one, as the file has it.
+    /// Writes a part of `Bytes`, or its replacement, in the encoding of the file.
     void WriteEncoded(std::string_view text,
                       const std::function<void(std::string_view)>& sink) const;
 
-    /// Number of the line of a position, counted from 1. Cheap where positions are asked in rising
-    /// order.
+    /// Number of the line of a position, counted from 1. Fast if positions are asked for in
+    /// ascending order.
     [[nodiscard]] std::size_t LineOf(std::size_t position) const;
 
 private:
@@ -48,11 +48,11 @@ private:
 class Fault : public std::runtime_error {
 public:
     Fault(const Source& source, std::size_t position, const std::string& problem);
-    /// About a file as a whole.
+    /// About the whole file.
     Fault(const std::string& path, const std::string& problem);
 };
 
-/// Gives the bytes of a file, or nothing if it can't be read.
+/// Returns the bytes of a file, or nothing if it can't be read.
 using FileLoader = std::function<std::optional<std::string>(const std::string& path)>;
 
 /// Reads a file of the system. @throws Fault with the system's reason if it can't be read
@@ -66,11 +66,11 @@ public:
     explicit SourceSet(FileLoader loader)
         : mLoader(std::move(loader)) {}
 
-    /// The file of a path. @throws Fault if it can't be read or is no text
+    /// The file at a path. @throws Fault if it can't be read or is not a text
     const Source& Open(const std::string& path);
 
-    /// Finds the file that an include names: beside the file that includes it. Backslashes part
-    /// folders too, since most of these files come from Windows.
+    /// Finds the file of an include, relative to the including file. Backslashes separate folders
+    /// too, since most of these files come from Windows.
     const Source& OpenIncluded(const Source& from, std::size_t position, std::string_view name);
 
     [[nodiscard]] const std::vector<std::unique_ptr<Source>>& All() const { return mSources; }

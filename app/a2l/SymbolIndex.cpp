@@ -25,7 +25,7 @@ using DataModel::ObjectKind;
 constexpr std::string_view sSeparator = "::";
 constexpr std::string_view sSymbolScope = "_Symbol_Table_BKR_::";
 constexpr auto sNone = std::numeric_limits<std::uint32_t>::max();
-/// Beginnings of a symbol that are tried as names of variables.
+/// How many prefixes of a symbol are tried as names of variables.
 constexpr std::size_t sMostHeads = 64;
 constexpr std::size_t sMostSteps = 1000;
 constexpr std::size_t sMostTypes = 256;
@@ -57,7 +57,7 @@ bool IsBorder(std::string_view rest) {
     return true;
 }
 
-/// Places where a name that begins a text may end, the longest first.
+/// Positions where a name at the start of a text may end, longest first.
 std::vector<std::size_t> NameEnds(std::string_view text) {
     std::vector<std::size_t> ends;
     for (std::size_t position = 1; position < text.size() && ends.size() < sMostHeads; ++position) {
@@ -86,7 +86,7 @@ bool HasMembers(ObjectKind kind) {
     return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
 }
 
-/// How units are compared: without folders, and as the reader names them, with "_" for the point.
+/// Key of a unit's name: without folders, and with "_" for the point, as the reader names units.
 std::string UnitKey(std::string_view unit) {
     const std::size_t folders = unit.find_last_of("/\\");
     std::string key(folders == std::string_view::npos ? unit : unit.substr(folders + 1));
@@ -106,7 +106,7 @@ std::string Hexadecimal(std::uint64_t number) {
     return "0x" + std::string(digits.data(), end);
 }
 
-/// What names are compared by when one is missing.
+/// Key that is equal for similar names.
 std::string Folded(std::string_view name) {
     std::string folded;
     for (const char character : name) {
@@ -144,7 +144,7 @@ public:
         SetType(mModel.Object(global).type);
     }
 
-    /// True if all steps lead somewhere.
+    /// True if all steps lead to a place.
     bool Take(std::string_view steps) {
         mRest = steps;
         for (std::size_t count = 0; count < sMostSteps && mProblem.empty() && !mRest.empty();
@@ -155,7 +155,7 @@ public:
     }
 
     [[nodiscard]] const Place& Where() const { return mPlace; }
-    /// What could not be followed.
+    /// The steps that could not be followed.
     [[nodiscard]] std::string_view Rest() const { return mRest; }
     [[nodiscard]] std::string Problem() const {
         return mProblem.empty() ? Phrased("the symbol has too many steps") : mProblem;
@@ -239,7 +239,7 @@ private:
         }
         const std::string_view text = mRest.substr(1);
         const MemberTable& members = mIndex.MembersOf(type);
-        // Nearly always the name ends at the next sign; names may hold such signs themselves.
+        // Nearly always the name ends at the next sign, but names may contain such signs.
         const std::size_t nearest = std::min(text.find_first_of(".["), text.size());
         std::size_t length = nearest;
         const Member* member = members.Find(text.substr(0, nearest));
@@ -283,7 +283,7 @@ SymbolIndex::SymbolIndex(const Model& model, UnderscoreHabit habit)
                   [this](const ModelObject& global) { mGlobals.push_back(global.id); });
     mNextOfName.assign(mGlobals.size(), sNone);
     mFirstOfName.reserve(mGlobals.size());
-    // From the back, so that each list has the order of the delivery.
+    // In reverse, so that each list is in the order of delivery.
     for (std::size_t position = mGlobals.size(); position-- > 0;) {
         const ModelObject global = model.Object(mGlobals[position]);
         const auto [first, isNew] =
@@ -334,7 +334,7 @@ std::vector<SymbolIndex::Place> SymbolIndex::PlacesInAnySpelling(std::string_vie
     tryAlso({symbol, {}}, Spelling::UnitInName);
     tryAlso({symbol, {}}, Spelling::ScopesByPoints);
     tryAlso({symbol, {}}, Spelling::Identifier);
-    // Spellings of linkers. What is wrong with them would say nothing to a person.
+    // Spellings of linkers. Their errors would mean nothing to a person.
     Answer unused;
     if (places.empty() && mHabit == UnderscoreHabit::InFront && symbol.starts_with('_')) {
         places = Places({symbol.substr(1), {}}, Spelling::Plain, unused);
@@ -387,7 +387,7 @@ void SymbolIndex::Choose(const std::vector<Place>& places, Answer& answer) const
     if (std::ranges::all_of(places, isLike(places.front()))) {
         return;
     }
-    // A variable that the whole program shares is meant before those of single units.
+    // A variable of the whole program takes precedence over those of single units.
     std::vector<Place> shared;
     std::ranges::copy_if(places, std::back_inserter(shared), [this](const Place& place) {
         return mModel.CompileUnitOf(place.global) == 0;
@@ -500,7 +500,7 @@ std::vector<DataModel::ObjectId> SymbolIndex::VariablesWithUnitInName(std::strin
             }
         }
     }
-    // Only a whole name of a unit is one here: "speed_motor" is not the "speed" of motor.c.
+    // Only the whole name of a unit counts here: "speed_motor" is not the "speed" of motor.c.
     for (std::size_t at = 1; at + 1 < name.size(); ++at) {
         if (name[at] != '.' && name[at] != '_') {
             continue;
@@ -568,7 +568,7 @@ std::string SymbolIndex::NameAt(std::uint64_t address) const {
         --place;
         global = address - place->first < mModel.SizeOf(place->second) ? place->second : 0;
     }
-    // Of several names of one place the first delivered counts: symbols without types come last.
+    // The first delivered name of a place counts: symbols without types come last.
     for (int count = 0; count < lookBack && global != 0 && place != mByAddress.begin(); ++count) {
         const auto& [start, earlier] = *(place - 1);
         if (start != place->first || address - start >= mModel.SizeOf(earlier)) {
@@ -611,7 +611,7 @@ std::vector<DataModel::ObjectId>
 SymbolIndex::VariablesOfIdentifier(std::string_view identifier) const {
     if (mOfIdentifier.empty()) {
         for (const ObjectId global : mGlobals) {
-            // Only names with signs that A2L doesn't have need a way back.
+            // Only names with signs that A2L doesn't allow need a way back.
             const std::string name = PlainName(global);
             const std::string own = MakeIdentifier(name);
             if (own != name) {

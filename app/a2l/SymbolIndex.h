@@ -1,5 +1,5 @@
-// Finds what a symbol of a description means in an image, in all the notations that such names come
-// in. The update makes one for a model and asks for each object; time is in proportion to both.
+// Finds what a symbol of a description means in an image, in all notations that tools use. The
+// update makes one for a model and queries it for each object, in time proportional to both.
 #pragma once
 
 #include "a2l/MemberTable.h"
@@ -16,18 +16,18 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// Whether linkers put an underscore in front of the names of C, as for COFF and 32-bit Windows.
+/// Whether linkers put an underscore before the names of C, as for COFF and 32-bit Windows.
 enum class UnderscoreHabit : std::uint8_t { None, InFront };
 
 /// Variables of a model by name and address.
 ///
-/// A symbol is the name of a variable with the steps to a part of it. Steps are ".member" and, for
-/// elements of arrays, "[2]", "._2_", "_2_" or ".2". A variable is named by its qualified name,
-/// with
-/// "::" or "." after each scope, or by its own name. A static variable may have the name of its
-/// unit in front ("motor.c::counter", "motor.c:counter", "motor_c.counter") or behind
-/// ("counter@motor.c", "counter{motor.c}", "counter.motor_c", "counter_motor_c"). A mangled name
-/// stands for the readable one.
+/// A symbol is the name of a variable, followed by steps to a part of it. Steps are
+/// ".member" and, for elements of arrays, "[2]", "._2_", "_2_" or ".2". A variable is named
+/// by its qualified name, with "::" or "." after each scope, or by its own name. The name
+/// of a static variable may follow the name of its unit ("motor.c::counter",
+/// "motor.c:counter", "motor_c.counter") or precede it ("counter@motor.c",
+/// "counter{motor.c}", "counter.motor_c", "counter_motor_c"). A mangled name stands for the
+/// demangled one.
 class SymbolIndex {
 public:
     using Model = DataModel::Model;
@@ -40,35 +40,35 @@ public:
     enum class Outcome : std::uint8_t {
         Found,
         Missing,
-        /// Several variables are meant that lie at different addresses.
+        /// Several variables match, at different addresses.
         Ambiguous,
     };
 
     struct Answer {
         Outcome outcome = Outcome::Missing;
-        /// Where the symbol leads, if it is found.
+        /// The place of the symbol, if it is found.
         Place place;
-        /// For the others: what is wrong, for a person.
+        /// Otherwise: what is wrong, for a person.
         std::string problem;
-        /// If nothing is found: the part of the symbol that leads somewhere, and the type there.
+        /// If nothing is found: the part of the symbol that resolves, and the type there.
         std::string_view resolved;
         ObjectId resolvedType = 0;
     };
 
-    /// @param symbol the answer views it
+    /// @param symbol must live as long as the answer, which refers to it
     [[nodiscard]] Answer Find(std::string_view symbol) const;
 
-    /// The qualified name of a variable, without the namespace of the reader for variables that
-    /// only the symbol table knows: nobody calls them by it.
+    /// The qualified name of a variable, without the reader's own namespace for variables that only
+    /// the symbol table knows: users don't write it.
     [[nodiscard]] std::string PlainName(ObjectId global) const;
 
-    /// What lies at an address, such as "motors[1].loops[0].gain", with "+2" behind it where the
-    /// address lies within a scalar; empty where no variable lies.
+    /// What lies at an address, such as "motors[1].loops[0].gain", followed by "+2" if the address
+    /// lies within a scalar; empty if no variable lies there.
     [[nodiscard]] std::string NameAt(std::uint64_t address) const;
 
-    /// Names like one that is missing, "a, b, c", empty without any. It takes little time however
-    /// many variables there are: those are compared that share the beginning or the end, whatever
-    /// their case and underscores.
+    /// Names similar to a missing one, "a, b, c", or an empty text. It takes little time even with
+    /// many variables: only names with the same beginning or end, apart from case and underscores,
+    /// are compared.
     [[nodiscard]] std::string NearNames(std::string_view symbol, const Answer& answer) const;
 
     /// The members of a class or union; none for any other type.
@@ -80,10 +80,10 @@ public:
 
 private:
     class Steps;
-    /// A symbol with a unit told apart from it, all of whose variables are wanted.
+    /// A symbol split into name and unit; all variables that match it are wanted.
     struct Wanted {
         std::string_view symbol;
-        /// Empty if any unit will do.
+        /// Empty for any unit.
         std::string_view unit;
     };
     enum class Spelling : std::uint8_t { Plain, UnitInName, ScopesByPoints, Identifier };
@@ -107,15 +107,15 @@ private:
     const Model& mModel;
     UnderscoreHabit mHabit;
     std::vector<ObjectId> mGlobals;
-    /// Positions in `mGlobals`: the first variable of a name, and for each the next of its name.
+    /// Indices in `mGlobals`: the first variable of a name, and for each the next of its name.
     std::unordered_map<std::string_view, std::uint32_t> mFirstOfName;
     std::vector<std::uint32_t> mNextOfName;
-    /// Compile units by their names without folders, points replaced, with and without extension.
+    /// Compile units by name without folders, points replaced, with and without extension.
     std::unordered_map<std::string, std::vector<ObjectId>> mUnits;
     /// Address and variable, in the order of the addresses.
     std::vector<std::pair<std::uint64_t, ObjectId>> mByAddress;
     mutable std::unordered_map<ObjectId, std::unique_ptr<MemberTable>> mMembers;
-    /// Variables by the identifiers that can't be told from names otherwise; made when first asked.
+    /// Variables by identifier, if that doesn't reveal their names; made on first use.
     mutable std::unordered_map<std::string, std::vector<ObjectId>> mOfIdentifier;
     /// Names without case and underscores, from their start and from their end, in order.
     mutable std::vector<std::pair<std::string, ObjectId>> mForwards;

@@ -1,5 +1,5 @@
-// Changes of single places in a text: everything else comes out as it was. The update collects them
-// for each source.
+// Changes at single places of a text: everything else stays as it was. The update collects them for
+// each source.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// Bytes that are replaced.
+/// Bytes and their replacement.
 struct TextEdit {
     std::size_t position = 0;
     std::size_t length = 0;
@@ -22,14 +22,14 @@ public:
     void Add(TextEdit edit) { mEdits.push_back(std::move(edit)); }
     [[nodiscard]] bool IsEmpty() const { return mEdits.empty(); }
 
-    /// Puts the edits in order. Of those that overlap the first in the text counts, of those in one
-    /// place the longest: a number within a block that is removed has nothing left to change.
+    /// Sorts the edits. Of overlapping edits the first in the text counts, of edits at one place
+    /// the longest: a number within a removed block must not change.
     void Sort();
 
-    /// Gives the changed text piece by piece. `Sort` was called.
+    /// Passes the changed text to `sink` piece by piece. Call `Sort` before.
     void Write(std::string_view text, const std::function<void(std::string_view)>& sink) const;
 
-    /// In order after `Sort`.
+    /// Sorted after `Sort`.
     [[nodiscard]] const std::vector<TextEdit>& All() const { return mEdits; }
 
 private:

@@ -8,8 +8,8 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
 
-/// Far beyond any real description. They bound the work for files that include others twice, which
-/// include others twice.
+/// Far above any real description. They limit the work for files that include others twice, which
+/// again include others twice.
 constexpr std::size_t sDeepestInclude = 100;
 constexpr std::size_t sMostTimesIncluded = 100;
 

@@ -1,5 +1,5 @@
-// One stream of tokens over a file and the files that it includes, as if each stood where it is
-// included. The parser reads from it.
+// One stream of tokens over a file and the files that it includes, as if their text were in place
+// of the include. The parser reads from it.
 #pragma once
 
 #include "a2l/Document.h"
@@ -18,7 +18,7 @@ struct PlacedToken {
     TokenKind kind = TokenKind::EndOfFile;
     Span span;
 
-    /// A text without its quotes, anything else as it is.
+    /// A text without its quotes, any other token unchanged.
     [[nodiscard]] Span Content() const {
         return kind == TokenKind::Text ? Span{span.source, span.position + 1, span.length - 2}
                                        : span;
@@ -33,11 +33,11 @@ public:
     /// @param sources receives the included files; borrowed
     TokenStream(SourceSet& sources, const Source& main);
 
-    /// The next token; includes are followed and never seen. @throws Fault for an include that
-    /// leads to itself or to nothing
+    /// The next token; includes are followed and never returned. @throws Fault for an include that
+    /// leads to itself or to no file
     PlacedToken Next();
 
-    /// Gives a token again that was read last.
+    /// Puts back the token that was read last.
     void PutBack(const PlacedToken& token) {
         mKept = token;
         mHasKept = true;

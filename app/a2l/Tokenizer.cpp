@@ -32,8 +32,8 @@ constexpr std::array sShapingWords = {std::pair{std::string_view("/begin"), Toke
                                       std::pair{std::string_view("/end"), TokenKind::End},
                                       std::pair{std::string_view("/include"), TokenKind::Include}};
 
-/// True where a word ends although no space parts it from what follows: at a comment, and at a
-/// "/end" or its like, which no name holds.
+/// True where a word ends without a space after it: at a comment, and at "/end" and its like, which
+/// no name contains.
 bool EndsWord(std::string_view text) {
     if (text.starts_with("/*") || text.starts_with("//")) {
         return true;
@@ -75,7 +75,7 @@ Token Tokenizer::NextFileName() {
     if (mPosition == mBytes.size() || mBytes[mPosition] == '"') {
         return Next();
     }
-    // Unlike in other words, two slashes are no comment here.
+    // In file names, unlike in other words, two slashes begin no comment.
     const std::size_t start = mPosition;
     while (mPosition < mBytes.size() && !IsSpace(mBytes[mPosition])) {
         ++mPosition;

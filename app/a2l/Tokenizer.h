@@ -1,5 +1,5 @@
-// Cuts A2L text into words and quoted texts and knows where each of them lies. The parser reads
-// through it. It copies nothing and knows no keyword but those that shape the text itself.
+// Cuts A2L text into words and quoted texts and keeps their positions. The parser reads through it.
+// It copies nothing and knows only the keywords that shape the text itself.
 #pragma once
 
 #include "a2l/Source.h"
@@ -14,7 +14,7 @@ enum class TokenKind : std::uint8_t {
     EndOfFile,
     /// A name, a number or a keyword.
     Word,
-    /// A text in quotes, which may go over several lines.
+    /// A text in quotes, which may span several lines.
     Text,
     /// `/begin`, `/end` and `/include`.
     Begin,

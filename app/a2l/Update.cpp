@@ -22,8 +22,8 @@ bool IsBlank(char character) {
     return character == ' ' || character == '\t';
 }
 
-/// A span with the blanks around it that would be left over without it: the rest of its lines if
-/// they hold nothing else, otherwise the blanks before it.
+/// A span with the blanks that its removal would leave: the rest of its lines if they hold nothing
+/// else, otherwise the blanks before it.
 TextEdit Removal(const Span& span) {
     const std::string_view text = span.source->Bytes();
     std::size_t start = span.position;
@@ -45,7 +45,7 @@ TextEdit Removal(const Span& span) {
     return {start, end - start, {}};
 }
 
-/// True if most addresses with letters have capital ones.
+/// True if most addresses with letters have upper-case ones.
 bool HasCapitals(const Document& document) {
     std::size_t capital = 0;
     std::size_t small = 0;
@@ -134,7 +134,7 @@ private:
         const auto offset = static_cast<std::uint64_t>(object.linkOffset);
         const std::uint64_t target = start + offset;
         const bool isWrapped = offset != 0 && (object.linkOffset < 0) != (target < start);
-        // A file that has larger addresses is for a tool that takes them.
+        // A file that already has larger addresses is for a tool that takes them.
         if (isWrapped || (target > sLargestAddress && object.address.value <= sLargestAddress)) {
             result.status = Status::OutOfRange;
             result.problem =
@@ -153,7 +153,7 @@ private:
     /// Bytes from one address of the description to the next.
     [[nodiscard]] std::uint64_t AddressUnit() const { return mChoices.isWordAddressed ? 2 : 1; }
 
-    /// The number that a tool reads for a bit field, and the bits of it that count.
+    /// The number that a tool reads for a bit field, and its mask.
     MaskedPlace PlaceOfBits(const Object& object, const SymbolIndex::Place& place,
                             ObjectResult& result) {
         const bool hasMask = object.bitMask.span.IsSet();
@@ -180,7 +180,7 @@ private:
             Write(object.address, 0);
             result.newAddress = 0;
         }
-        // A block that begins in one file and ends in another stays.
+        // A block that begins in one file and ends in another is not removed.
         if (mChoices.missing == MissingChoice::Remove && object.block.IsSet()) {
             mResult.edits[object.block.source].Add(Removal(object.block));
             mRemoved.emplace(object.module, object.name.Text());
@@ -238,7 +238,8 @@ private:
     Comparison mComparison;
     bool mHasCapitals;
     UpdateResult mResult;
-    /// Of an image that lacks them all, nobody wants to know what else there is.
+    /// Similar names are searched for this many objects. If an image lacks more, the list helps
+    /// nobody.
     std::size_t mNearNamesLeft = 2000;
     std::set<std::pair<std::size_t, std::string_view>> mRemoved;
 };

@@ -1,5 +1,5 @@
-// Brings the addresses of a description to those of an image. It decides what is to change and why;
-// the command writes the texts and the report.
+// Updates the addresses of a description to those of an image. It decides what changes and why; the
+// command writes the texts and the report.
 #pragma once
 
 #include "a2l/Comparison.h"
@@ -20,11 +20,11 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 enum class Status : std::uint8_t {
     Unchanged,
     Updated,
-    /// The image has nothing of the name.
+    /// The image has nothing with this name.
     NotFound,
-    /// The image has several things of the name.
+    /// The image has several things with this name.
     Ambiguous,
-    /// The address doesn't fit into what A2L has room for.
+    /// The address doesn't fit in A2L.
     OutOfRange,
 };
 constexpr std::size_t sStatusCount = 5;
@@ -32,36 +32,36 @@ constexpr std::size_t sStatusCount = 5;
 /// The name of a status in reports, such as "notFound".
 std::string_view NameOf(Status status);
 
-/// What becomes of objects that the image lacks.
+/// What happens to objects that the image lacks.
 enum class MissingChoice : std::uint8_t { Keep, Zero, Remove };
 
 struct UpdateChoices {
     MissingChoice missing = MissingChoice::Keep;
-    /// Change bit masks as well.
+    /// Also change bit masks.
     bool hasBitMasks = false;
     /// Byte order of the image.
     bool isBigEndian = false;
-    /// Addresses of the description count words of 16 bits, those of the image bytes.
+    /// The description's addresses count words of 16 bits, the image's count bytes.
     bool isWordAddressed = false;
-    /// Name what lies at the old addresses of objects that have moved as well.
+    /// Also name what now lies at the old addresses of objects that have moved.
     bool hasOldPlaces = true;
-    /// Called now and then with the number of objects that are done; may be empty.
+    /// Called from time to time with the number of finished objects; may be empty.
     std::function<void(std::size_t done)> progress;
 };
 
 struct ObjectResult {
-    /// Position among the objects of the document.
+    /// Index among the objects of the document.
     std::size_t object = 0;
     Status status = Status::Unchanged;
-    /// What the object has afterwards.
+    /// The object's address after the update.
     std::uint64_t newAddress = 0;
     std::uint64_t newMask = 0;
     bool isRemoved = false;
     /// Why it was not found, for a person.
     std::string problem;
-    /// Names like the one that was not found.
+    /// Names similar to the one that was not found.
     std::string nearNames;
-    /// What the image has at the address that the file gave, where that is no longer the object.
+    /// What the image has at the old address, if that is no longer the object.
     std::string nowAtOldAddress;
     std::vector<Difference> differences;
 };
@@ -71,14 +71,14 @@ struct UpdateResult {
     std::vector<ObjectResult> objects;
     /// Changes for each source that has any, in order.
     std::unordered_map<const Source*, TextEdits> edits;
-    /// Things that concern no single object, for a person.
+    /// Remarks that concern no single object, for a person.
     std::vector<std::string> remarks;
-    /// Objects without an address, which measurements may be.
+    /// Number of objects without an address, which measurements may be.
     std::size_t withoutAddress = 0;
     std::size_t counts[sStatusCount] = {};
 };
 
-/// @param model the image; `index` is one of it
+/// @param index must be one of `model`
 UpdateResult Update(const Document& document, const DataModel::Model& model,
                     const SymbolIndex& index, const UpdateChoices& choices);
 

@@ -1,4 +1,4 @@
-// Which files an update writes, and how they come into being together or not at all.
+// Which files an update writes, and how all of them or none are put in place.
 #pragma once
 
 #include "a2l/Source.h"
@@ -19,21 +19,21 @@ struct OutputFile {
 
 struct OutputPlan {
     std::vector<OutputFile> files;
-    /// Included files that would have to change and are not written.
+    /// Included files that would have to change but are not written.
     std::vector<const Source*> stale;
 };
 
 /// Each file in its own place, if it changes.
 OutputPlan PlanInPlace(const SourceSet& sources, const UpdateResult& result);
 
-/// The main file at `path`, the included ones in the same places beside it as they have beside
-/// their main file. An included file is never written over itself.
+/// The main file at `path`, the included ones in the same relative places as before. An included
+/// file is never written over itself.
 OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const UpdateResult& result);
 
 /// Only the main file, which the caller writes.
 OutputPlan PlanForMainAlone(const SourceSet& sources, const UpdateResult& result);
 
-/// Gives a source with its changes piece by piece, as its file has it.
+/// Passes an updated source to the sink piece by piece, in the encoding of its file.
 void WriteUpdated(const Source& source, const UpdateResult& result,
                   const std::function<void(std::string_view)>& sink);
 

@@ -34,7 +34,7 @@ constexpr std::array sColumns = {Column{"object"},
                                  Column{"problem"},
                                  Column{"nearNames"}};
 
-/// So many lines of one kind are written for a person.
+/// At most this many lines of one kind are written for a person.
 constexpr std::size_t sMostLines = 50;
 
 std::string Hexadecimal(std::uint64_t number) {
@@ -111,7 +111,7 @@ std::string ProblemOf(const ObjectResult& result, const Object& object, MissingC
     return text;
 }
 
-/// Lines of one kind, of which the first few are told.
+/// Lines of one kind, of which only the first are written.
 class Lines {
 public:
     Lines(const Document& document, bool hasReport)

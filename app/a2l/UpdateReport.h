@@ -1,4 +1,4 @@
-// What an update did, told object by object: as a table for scripts, and as lines for a person.
+// What an update did, object by object: as a table for scripts, and as lines for a person.
 #pragma once
 
 #include "a2l/Document.h"
@@ -24,7 +24,7 @@ std::span<const Column> UpdateColumns();
 void WriteUpdateRows(const Document& document, const UpdateResult& result, MissingChoice missing,
                      TableWriter& table);
 
-/// Tells a person on standard error what became of the objects, of each kind of news the first few,
+/// Reports to a person on standard error what became of the objects: the first lines of each kind,
 /// and how many there are in all.
 /// @param hasReport whether a report holds all of them
 void TellUpdate(const Document& document, const UpdateResult& result, MissingChoice missing,

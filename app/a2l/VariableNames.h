@@ -1,4 +1,4 @@
-// What each variable of an image is called in an export, and which symbol leads back to it.
+// The name of each variable of an image in an export, and the symbol that leads back to it.
 #pragma once
 
 #include "a2l/SymbolIndex.h"
@@ -12,12 +12,12 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 struct VariableName {
     /// An identifier of A2L.
     std::string identifier;
-    /// A symbol that `SymbolIndex` finds the variable by.
+    /// A symbol with which `SymbolIndex` finds the variable.
     std::string symbol;
 };
 
-/// A name depends on nothing but the names of the image: not on addresses, nor on the order of the
-/// units. A variable whose name others have as well has its unit in front.
+/// A name depends only on the names of the image, not on addresses or on the order of units. A
+/// variable whose name others have as well gets its unit in front.
 class VariableNames {
 public:
     /// @param model, index borrowed; must not change during the life of the object
@@ -28,7 +28,7 @@ public:
 private:
     const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
-    /// How many variables have an identifier.
+    /// How many variables have each identifier.
     std::unordered_map<std::string, std::size_t> mCounts;
 };
 
