@@ -1,6 +1,6 @@
-// The yardstick of a whole read: walks over all debug entries of a file with libdw and reads the
-// value of every attribute, in the cheapest way that libdw offers for its form. It resolves
-// nothing, keeps nothing, and prints what it counted; peers.py runs it beside the reader.
+// The reference for a whole read: walks over all debug entries of a file with libdw and reads the
+// value of every attribute, in the cheapest way that libdw offers for its form. It resolves and
+// keeps nothing, and prints its counts; peers.py runs it beside the reader.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +16,7 @@ struct Counts {
     std::uint64_t entries = 0;
     std::uint64_t attributes = 0;
     std::uint64_t unreadable = 0;
-    /// Over all values, so that no read can be left out.
+    /// A checksum of all values, so that no read can be optimized away.
     std::uint64_t checksum = 0;
 };
 
@@ -44,8 +44,8 @@ bool ReadReference(Dwarf_Attribute* attribute, std::uint64_t& value) {
         value = dwarf_dieoffset(&target);
         return true;
     }
-    // Marked as deprecated, since it can't tell in which unit the target lies; but it alone reads
-    // the offset and no more.
+    // Marked as deprecated, since it can't say in which unit the target lies; but only this
+    // function reads just the offset.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
     return dwarf_formref(attribute, &value) == 0;

@@ -1,5 +1,5 @@
-// Time of the operations that a read repeats most: decoding of numbers at a cursor, demangling of
-// names, texts for the host, names and objects of the data model.
+// Time of the operations that a read repeats most: decoding numbers at a cursor, demangling names,
+// texts for the host, names and objects of the data model.
 #include "container/VElfBuffer.h"
 #include "core/HostText.h"
 #include "demangle/Demangler.h"
@@ -19,7 +19,7 @@ namespace {
 using namespace Reader::DWARF;
 using namespace Tests;
 
-/// A buffer full of a byte sequence, over and over.
+/// A buffer filled with repetitions of a byte sequence.
 class FilledBuffer {
 public:
     explicit FilledBuffer(std::string_view sequence) {
@@ -96,7 +96,7 @@ void HostText(benchmark::State& state, std::string_view name) {
     }
 }
 
-/// A function of one of many classes, whose name others have too: most objects of a C++ image.
+/// Functions of many classes with recurring names: most objects of a C++ image.
 void CreateFunctions(benchmark::State& state) {
     constexpr int functionsInModel = 100'000;
     const std::string name = "Configure";

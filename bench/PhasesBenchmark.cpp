@@ -23,7 +23,7 @@ using namespace Reader::DWARF;
 
 enum class Phase { Mapping, Decoding, Resolving, Delivering, Symbols, All };
 
-/// A read in the steps of the library's own sequence, with an eye on one of them.
+/// A read in the steps of the library's own sequence, one of which is timed.
 class PhasedRead {
 public:
     PhasedRead(std::string path, Phase timed)

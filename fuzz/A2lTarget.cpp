@@ -71,7 +71,7 @@ bool Covers(const Span& span, const Source& source, const TextEdit& edit) {
     return span.source == &source && span.position == edit.position && span.length == edit.length;
 }
 
-/// What is written of a file without a change is the file.
+/// A file written without changes must equal its input.
 void RequireSameBytes(const SourceSet& sources, std::string_view bytes) {
     if (!sources.All().empty()) {
         const Source& main = *sources.All().front();
@@ -81,7 +81,7 @@ void RequireSameBytes(const SourceSet& sources, std::string_view bytes) {
     }
 }
 
-/// Every edit is the number of an object, nothing less and nothing more.
+/// Every edit replaces exactly the number of an object.
 void RequireOnlyNumbers(const Document& document, const UpdateResult& result) {
     for (const auto& editsOfSource : result.edits) {
         const Source& source = *editsOfSource.first;
@@ -126,7 +126,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     (edits == result.edits.end() ? TextEdits() : edits->second)
         .Write(main.Bytes(), [&text](std::string_view part) { text += part; });
 
-    // What was updated is a description as well, in which nothing is left to do.
+    // The updated text is a description as well, in which nothing remains to be changed.
     SourceSet updated = Files(text);
     const std::optional<Document> again = ParseMain(updated, parseChoices);
     const bool mayBeEmpty = choices.missing == MissingChoice::Remove;

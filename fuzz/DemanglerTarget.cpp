@@ -34,7 +34,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint8_t choice = input.Byte();
     const std::uint8_t outSize = input.Byte();
     const bool isTerminated = (choice & 0x40U) != 0;
-    // Exactly as long as told, so that a read behind the end is seen.
+    // Exactly as long as stated, so that a read past the end is noticed.
     const std::size_t length = input.Rest().size() + (isTerminated ? 1 : 0);
     const auto bytes = std::make_unique<char[]>(length);
     std::ranges::copy(input.Rest(), bytes.get());

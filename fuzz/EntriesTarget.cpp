@@ -1,7 +1,7 @@
 // Whole reads of sound ELF images with any tree of debug entries.
 //
-// Input: the choices of `ApplyChoices`, of which the container is ELF always; then the tree as
-// `ImageOfEntries` takes it.
+// Input: the choices of `ApplyChoices`, with the container always ELF; then the tree for
+// `ImageOfEntries`.
 #include "support/EntryInput.h"
 #include "support/FuzzedRead.h"
 #include "support/ScopedReaderState.h"

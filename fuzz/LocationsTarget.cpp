@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Fuzzing::Require(whole.mIsValid == cut.mIsValid && whole.mValue == cut.mValue,
                          "nothing after an expression that holds its operands is looked at");
     }
-    // In the classic manner the last operand may pass the end, by this much at the most.
+    // In the classic manner the last operand may exceed the end, by at most this much.
     const VLocationResult overhanging =
         Evaluate(file, std::min<std::size_t>(length, end + sMaximumOverhang), end, addressSize,
                  place, manner);

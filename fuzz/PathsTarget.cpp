@@ -1,4 +1,4 @@
-// Paths such as "motor.pid[2].gain", asked of a fixed model whose names are as odd as names get.
+// Paths such as "motor.pid[2].gain", resolved in a fixed model with names as odd as possible.
 //
 // Input: the path.
 #include "model/DataModel.h"
@@ -13,7 +13,7 @@ using DataModel::ObjectId;
 namespace {
 
 /// A structure that holds an array of itself, a bit field, an anonymous union and a base class, in
-/// variables whose names hold the signs of paths.
+/// variables whose names contain the separators of paths.
 void Fill(DataModel::Model& model) {
     const ObjectId global = model.GetGlobalNamespace();
     const ObjectId scope = model.CreateNamespace("ns", global);

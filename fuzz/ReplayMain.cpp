@@ -1,5 +1,5 @@
-// Runs a fuzz target over kept inputs in builds without libFuzzer: every file that the arguments
-// name, and every file in the folders that they name.
+// Runs a fuzz target over saved inputs in builds without libFuzzer: every file that the arguments
+// name, and every file in folders that they name.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -45,7 +45,7 @@ int main(int count, char** arguments) {
             std::cerr << path << " can't be read\n";
             return 1;
         }
-        // Told before, so that the input is known if the process ends in it.
+        // Printed before, so that the input is known if the process ends in it.
         std::cerr << path.filename().string() << '\n';
         const std::string bytes{std::istreambuf_iterator<char>(file), {}};
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

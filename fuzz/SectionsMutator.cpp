@@ -1,5 +1,5 @@
-// How libFuzzer changes inputs of the target "sections": one section at a time, so that the others
-// keep their places, and in .debug_info one unit at a time, whose length is set right again.
+// How libFuzzer mutates inputs of the target "sections": one section at a time, so that the others
+// keep their places, and in .debug_info one unit at a time, whose length is corrected afterwards.
 #include "support/ReadChoices.h"
 #include "support/SectionInput.h"
 
@@ -61,7 +61,7 @@ public:
         , mRandom(random) {}
 
     void Run() {
-        // .debug_info and .debug_abbrev hold most of what is decoded.
+        // .debug_info and .debug_abbrev contain most of what is decoded.
         static constexpr SectionKind sWeighted[] = {
             SectionKind::DebugInfo,   SectionKind::DebugInfo,    SectionKind::DebugInfo,
             SectionKind::DebugInfo,   SectionKind::DebugAbbrev,  SectionKind::DebugAbbrev,
@@ -97,7 +97,7 @@ private:
     }
 
     /// @return the new size of the range
-    // NOLINTNEXTLINE(modernize-use-nodiscard): two callers want the change alone
+    // NOLINTNEXTLINE(modernize-use-nodiscard): two callers want only the change
     std::size_t MutateRange(std::string& content, Range range) const {
         const std::size_t most = range.size + std::min(mRoom, range.size + sLeastRoom);
         if (most == 0) {
@@ -111,7 +111,7 @@ private:
     }
 
     SectionInput& mSections;
-    /// Bytes that the input may grow by.
+    /// Number of bytes that the input may still grow by.
     std::size_t mRoom;
     std::minstd_rand& mRandom;
 };
@@ -145,7 +145,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     return Store(choices, sections, data, maxSize);
 }
 
-/// Takes some sections from the one input and the rest from the other.
+/// Takes some sections from one input and the rest from the other.
 extern "C" std::size_t LLVMFuzzerCustomCrossOver(const std::uint8_t* first, std::size_t firstSize,
                                                  const std::uint8_t* second, std::size_t secondSize,
                                                  std::uint8_t* out, std::size_t maxSize,

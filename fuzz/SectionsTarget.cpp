@@ -1,7 +1,7 @@
 // Whole reads of well-formed images with any section contents.
 //
-// Input: the choices of `ApplyChoices`, of which the container goes unused; then the sections as
-// `SectionInput` tells them.
+// Input: the choices of `ApplyChoices`, whose container is not used; then the sections in the form
+// of `SectionInput`.
 #include "support/FuzzedRead.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionInput.h"

@@ -44,7 +44,7 @@ TEST_F(AbbreviationTest, TablesEndWithTheirSection) {
     const auto size = static_cast<std::uint32_t>(section.size());
     EXPECT_THAT(Tags(section, 0, {1, 2, 3}), ElementsAre(0x11, 0x4103, -1));
     EXPECT_THAT(Tags(section, size - 5, {1, 2, 3}), ElementsAre(-1, -1, 0x34));
-    // An abbreviation that is cut off doesn't count.
+    // A truncated abbreviation doesn't count.
     for (std::uint32_t cut = 1; cut < 5; ++cut) {
         EXPECT_THAT(Tags(section.substr(0, size - cut), size - 5, {3}), ElementsAre(-1));
     }
@@ -132,8 +132,8 @@ TEST_F(AbbreviationTest, UnitsShareTables) {
     EXPECT_EQ(run.Outline(), std::vector<std::string>(4, "0:variable x"));
 }
 
-// Each unit names another offset of one table that goes on to the end of the section: a table of
-// many abbreviations, and one abbreviation whose list of attributes has no end.
+// Each unit names another offset of one table that reaches the end of the section: first a table of
+// many abbreviations, then one abbreviation whose attribute list never ends.
 TEST_F(AbbreviationTest, OverlappingTablesAreBounded) {
     VElfOptions::mIsLogFile = 1;
     constexpr std::uint32_t count = 20'000;

@@ -32,7 +32,7 @@ protected:
         return buffer;
     }
 
-    /// 10,000 bytes in which each position can be told from its neighbours.
+    /// 10,000 bytes in which each position differs from its neighbours.
     static std::string NumberedBytes() {
         ByteWriter writer(ByteOrder::Big);
         for (std::uint32_t number = 0; number < 2500; ++number) {
@@ -241,7 +241,7 @@ TEST_F(BufferTest, ReadsSingleValuesFromTheFile) {
     EXPECT_EQ(gElfReaderErrorFlag, ELFReadErrorEnum::ELFERR_SEEK_FAILED);
 }
 
-// Small reads share a read of the file; nobody may notice.
+// Small reads share a read of the file; results must not depend on it.
 TEST_F(BufferTest, StreamReadsTheSameWhateverCameBefore) {
     std::string content;
     for (int part = 0; part < 10; ++part) {
@@ -285,7 +285,7 @@ TEST_F(BufferTest, WindowRefusesWhatItCannotHold) {
     EXPECT_FALSE(cache->ReadThrough(destination, 0, -1));
     EXPECT_FALSE(cache->ReadThrough(destination, -8, 4));
     EXPECT_TRUE(cache->ReadThrough(destination, 9990, 10));
-    // A range for which the window of 2048 bytes has no room beside the bytes in front of it.
+    // The window of 2048 bytes has no room for this range and the bytes kept before it.
     for (const std::int32_t length : {2000, 4000}) {
         std::string range(static_cast<std::size_t>(length), '\0');
         EXPECT_TRUE(cache->ReadThrough(range.data(), 5000, length));
@@ -316,7 +316,7 @@ TEST_F(BufferTest, CacheHoldsAWholeSectionUpToTheEndOfTheFile) {
     EXPECT_STREQ(cache->GetPointer(0), "024685678");
     ASSERT_TRUE(cache->LoadRange(0, 2, true));
     EXPECT_STREQ(cache->GetPointer(0), "01");
-    // Raw bytes never take the place of compressed ones.
+    // Raw bytes never replace compressed ones.
     char byte = 0;
     EXPECT_TRUE(cache->ReadThrough(&byte, 1, 1));
     EXPECT_FALSE(cache->ReadThrough(&byte, 9, 1));

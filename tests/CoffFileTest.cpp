@@ -36,7 +36,7 @@ private:
     bool mResult;
 };
 
-/// The error of a read that must fail; what loading tells on standard output is thrown away.
+/// The error of a read that must fail; output of the loading is discarded.
 ELFReadErrorEnum ErrorOf(const std::string& image) {
     gElfReaderErrorFlag = ELFERR_UNKNOWN;
     testing::internal::CaptureStdout();
@@ -117,7 +117,7 @@ TEST_F(CoffFileTest, TargetIdAndOptionDecideOnWordAddressing) {
 
 TEST_F(CoffFileTest, NamesAreTakenExactly) {
     OpenedCoffFile file(CoffImage()
-                            // The address behind a name of eight characters would continue it.
+                            // The address after a name of eight characters would continue it.
                             .Section(".debug_i", "x", {.physicalAddress = 0x6F666E})
                             .Section(".vdebug", "x")
                             .Section(".vdbstrtab", "x")
@@ -163,7 +163,7 @@ TEST_F(CoffFileTest, CountsAreHeldAgainstTheFileSizeIn32Bits) {
     EXPECT_EQ(ErrorOf(image), ELFERR_CORRUPTED);
     image.push_back('\0');
     EXPECT_EQ(ErrorOf(image), ELFERR_READ_FAILED);
-    // Times 18 it is 14 in 32 bits; the table that it tells of begins beyond the file.
+    // Times 18 it is 14 in 32 bits; the table that it promises begins beyond the file.
     EXPECT_EQ(ErrorOf(CoffImage().Section(".text", "").SymbolCount(0x0E38E38F)),
               ELFERR_SEEK_FAILED);
 }
@@ -180,7 +180,7 @@ TEST_F(CoffFileTest, LongNamesLieInTheStringTableOrFail) {
     EXPECT_EQ(ErrorOf(named(0x80000000)), ELFERR_WRONG_READER);
     OpenedCoffFile again(named(4));
     EXPECT_EQ(again->mSecDebugInfo.sh_offset, 22U + 2 * 48 + 1);
-    // A table that is cut off cuts the name at its end.
+    // A truncated table cuts the name at its end.
     OpenedCoffFile cut(SmallImage().StringTableLength(10));
     EXPECT_TRUE(cut.IsGood());
     EXPECT_TRUE(cut->mSecDebug.IsPresent());

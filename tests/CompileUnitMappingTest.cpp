@@ -1,5 +1,5 @@
-// The mapping of compile units: what counts as a unit, the slide, the search, and what the log
-// tells of it; then the loading of units.
+// The mapping of compile units: what counts as a unit, the slide, the search, and what the log says
+// about it; then the loading of units.
 #include "diagnostics/ErrorState.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/DwarfSections.h"
@@ -20,7 +20,7 @@ using testing::Not;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-/// A unit of a length as its length field tells it, with a version and an address size.
+/// A unit whose length field holds `length`, with a version and an address size.
 std::string UnitBytes(std::uint32_t length, std::uint32_t version = 4, std::uint32_t size = 4,
                       ByteOrder byteOrder = ByteOrder::Little) {
     ByteWriter writer(byteOrder);
@@ -39,7 +39,7 @@ class CompileUnitMappingTest : public testing::Test {
 protected:
     CompileUnitMappingTest() { VElfOptions::mIsLogFile = 1; }
 
-    /// Maps the units of an image; gives them as "start+length".
+    /// Maps the units of an image; returns them as "start+length".
     std::vector<std::string> Map(const ElfImage& image) {
         gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_UNKNOWN;
         SectionRun run(image);
@@ -137,7 +137,7 @@ TEST_F(CompileUnitMappingTest, LimitsOfHeaders) {
     EXPECT_FALSE(isMapped(UnitBytes(20).substr(0, 23)));
     EXPECT_THAT(mLog, HasSubstr("[Skipping Compile unit: Invalid length ( 56 ) is overflowing "
                                 "section end ( 75 )]\n"));
-    // Zero bytes behind the last unit are no end.
+    // Zero bytes after the last unit are not an error.
     EXPECT_THAT(Map(ImageOf(UnitBytes(20) + std::string(3, '\0'))), ElementsAre("0+24"));
     EXPECT_FALSE(mResult);
 }
@@ -172,14 +172,14 @@ TEST_F(CompileUnitMappingTest, SlideGoesAsFarAsTheAlignment) {
 
 TEST_F(CompileUnitMappingTest, SearchGoesBackAndThenForward) {
     VElfOptions::mTryReadCorruptedCompileUnits = 1;
-    // The first unit claims ten bytes of the second one. The candidate lies a byte behind the
-    // position that the search moves.
+    // The first unit claims ten bytes of the second one. The candidate lies one byte after the
+    // position to which the search moves.
     EXPECT_THAT(Map(ImageOf(UnitBytes(110).substr(0, 104) + UnitBytes(40))),
                 ElementsAre("0+114", "104+44"));
     EXPECT_TRUE(mResult);
     EXPECT_THAT(mLog, HasSubstr("Try Read corrupted compile unit: begin found at offset=-11!!!\n"));
     EXPECT_THAT(mLog, HasSubstr("Retry No.12: Try Read compile unit from file_pos(dec): 160 \n"));
-    // Bytes without sense lie between the units.
+    // Meaningless bytes between the units.
     EXPECT_THAT(Map(ImageOf(UnitBytes(110) + std::string(41, '\xFF') + UnitBytes(40))),
                 ElementsAre("0+114", "155+44"));
     EXPECT_THAT(mLog, HasSubstr("Try Read corrupted compile unit: begin found at offset=41!!!\n"));
@@ -228,7 +228,7 @@ TEST_F(CompileUnitMappingTest, ReadAheadWindowMapsTheSame) {
 }
 
 TEST_F(CompileUnitMappingTest, SectionsBeyondTheFileFail) {
-    // The last unit claims what the file doesn't have.
+    // The last unit claims bytes that the file doesn't have.
     SectionRun cut(ImageOf(UnitBytes(20) + UnitBytes(0x10000).substr(0, 100), {.size = 0x20000}));
     EXPECT_FALSE(cut.Read());
     EXPECT_EQ(gElfReaderErrorFlag, sSizeError);
@@ -259,7 +259,7 @@ TEST_F(CompileUnitMappingTest, LaterVersionsStopTheReadWhenTheirTurnComes) {
 
 TEST_F(CompileUnitMappingTest, OverlappingUnitsKeepTheFirstNodeOfAPlace) {
     VElfOptions::mTryReadCorruptedCompileUnits = 1;
-    // The first unit ends within the second one, whose entries it takes for its own.
+    // The first unit ends within the second one and reads its entries as its own.
     DwarfSections inner;
     inner.Unit({Die(DW_TAG_variable, {Name("a")}), Die(DW_TAG_variable, {Name("b")})});
     const std::string second = inner.Info();
@@ -293,7 +293,7 @@ TEST_F(CompileUnitMappingTest, AUnitWhosePlaceIsTakenIsTheFirstOfItsKind) {
     unit(inner, "\1s\0\2x\0\5\3\0\x10\0\0\0"s, {});
     DwarfSections sections;
     unit(sections, "\1f\0\0"s, 40);
-    // The first unit ends behind the entry of the second one, which it takes for its own.
+    // The first unit ends after the entry of the second one and reads it as its own.
     sections.RawInfo(std::string(30 - sections.Info().size(), '\0') + inner.Info());
     const ReadRun run =
         ReadImage((ElfImage().Symbol({"main", 0x8000, 4, 0x12}) + sections).Build());
@@ -312,7 +312,7 @@ TEST_F(CompileUnitMappingTest, DebugSectionsOfDsPicHoldEverySecondByte) {
         }
         return raw;
     };
-    // A section of any size, larger than a read window of its units as well as smaller.
+    // Sections larger and smaller than a read window of their units.
     for (const std::size_t count : {std::size_t{1}, std::size_t{300}}) {
         DwarfSections sections;
         sections.Unit(
@@ -357,7 +357,7 @@ TEST_F(CompileUnitMappingTest, UnitsWithoutEntriesByTheHundredThousand) {
     EXPECT_EQ(run.Section().mDieNodes.Size(), 0U);
 }
 
-// Every unit reaches over nearly all of the next one, and takes its entries for its own.
+// Every unit covers nearly all of the next one and reads its entries as its own.
 TEST_F(CompileUnitMappingTest, UnitsThatAllOverlap) {
     VElfOptions::mIsLogFile = 0;
     VElfOptions::mTryReadCorruptedCompileUnits = 1;

@@ -1,5 +1,5 @@
 // Whole reads of the same debug information in each container: what is delivered, which phases run,
-// and what the reader says when the file is of another kind than it was told.
+// and what the reader says when the file is of another kind than the host named.
 #include "core/VElfOptions.h"
 #include "core/VElfResourceManager.h"
 #include "diagnostics/ErrorState.h"
@@ -130,8 +130,8 @@ TEST_F(ContainerReadTest, OnlyTheFullMannerKeepsAddressesAbove4GiB) {
                             "gHuge@300000000:4294967296"));
 }
 
-/// What a read brought: "D" for the debug information, "S" for the scope of the symbols, and the
-/// error state if it failed; 21 stands for what was there before.
+/// The outcome of a read: "D" for the debug information, "S" for the scope of the symbols, and the
+/// error state if it failed; 21 stands for the state before the read.
 std::string OutcomeOf(DWARFContainerType container, const std::string& image) {
     gElfReaderErrorFlag = ELFReadErrorEnum::ELFERR_CANCELLED;
     VElfOptions::mUseCppExtensionDWARF2 = 0;
@@ -190,7 +190,7 @@ TEST_F(ContainerReadTest, OptionsChooseWhatIsReadOfAFileWithSectionsOfAllFormats
         EXPECT_EQ(OutcomeOf(Container_PE, pe), row.pe);
         EXPECT_EQ(VElfOptions::mUseCppExtensionDWARF2, 1);
     }
-    // Without the other sections, the format of NEC is read alone, and fails without a reason.
+    // Without the other sections, only the NEC format is read, and it fails without a reason.
     VElfOptions::mForceDebugSectionVersion = 0;
     VElfOptions::mElfForceSymbolTable = 0;
     EXPECT_EQ(OutcomeOf(Container_ELF, ElfImage().Section(".vdebug", "x").Build()), "21");

@@ -58,8 +58,8 @@ TEST(VMapStringToPtr, HashesSignedCharactersIn32Bits) {
 TEST(VMapStringToPtr, FilesEachKeyOnceUnderItsExactBytes) {
     VMapStringToPtr map(10);
     std::array<int, 6> targets{};
-    // "Ab" and "BA" have one hash; the texts behind them differ in case or in their last byte
-    // alone.
+    // "Ab" and "BA" have the same hash; the texts after them differ only in case or in their last
+    // byte.
     const std::array<const char*, 6> keys{"", "Ab", "BA", "ab", "Abc", "\xE4"};
     ASSERT_EQ(VMapStringToPtr::HashKey(keys[1]), VMapStringToPtr::HashKey(keys[2]));
 
@@ -150,7 +150,7 @@ TEST(VMapStringToPtr, SurvivesATableThatLeavesEntriesBehind) {
         EXPECT_FALSE(map.Lookup("left behind", value));
     }
     EXPECT_NE(&map["left behind"], &left);
-    // The leak checker tells whether the first entry's key is freed with the rest.
+    // The leak checker reports if the first entry's key isn't freed with the rest.
 }
 
 TEST(VMapStringToPtr, AgreesWithAnOrderedMap) {

@@ -1,4 +1,4 @@
-// Files of every container that are cut off anywhere, or that have any one byte of their headers
+// Files of every container that are cut at any position, or in which one byte of the headers is
 // damaged: each gives a message or a result, and a cut file never a variable that the whole one
 // doesn't have.
 #include "support/CoffImage.h"
@@ -45,8 +45,8 @@ void ExpectMessageOrResult(const ReadRun& run) {
     EXPECT_EQ(run.message.empty(), run.result);
 }
 
-/// Each byte of the first header is one to cut at; then every eighth one, among them the ends of
-/// all headers of a table; then some of the rest.
+/// Cuts at each byte of the first header, then at every eighth one, which includes the ends of all
+/// headers of a table, then at some of the rest.
 std::size_t NextCut(const Input& input, std::size_t size) {
     if (size < std::min(sFirstHeaderSize, input.headersSize)) {
         return size + 1;
@@ -101,8 +101,8 @@ DwarfSections PumpSections(ByteOrder byteOrder, int addressSize) {
         .addressSize = addressSize});
 }
 
-/// Images of the builders; the symbols lie behind the contents in one half and before them in the
-/// other one, so that cuts reach all parts.
+/// Images of the builders; the symbols follow the contents in one half and precede them in the
+/// other, so that cuts reach all parts.
 std::vector<Input> BuiltImages() {
     const auto coffOf = [](ByteOrder byteOrder) {
         return CoffImage(byteOrder).OptionalHeaderSize(28).Section(".text", "x") +
@@ -122,13 +122,13 @@ std::vector<Input> BuiltImages() {
             {"wide pe", widePe.Build(), Container_PE, widePe.HeadersSize()}};
 }
 
-/// Whether a byte of a header lies in a row of zeros, where the header says nothing.
+/// True for a byte of a header in a row of zeros, where the header has no meaning.
 bool IsPadding(const std::string& content, std::size_t position) {
     static const std::string sZeros(8, '\0');
     return content.compare(position / sZeros.size() * sZeros.size(), sZeros.size(), sZeros) == 0;
 }
 
-/// Thousands of reads: they share one file, and standard output is shown after a failure alone.
+/// Thousands of reads: they share one file, and standard output is shown only after a failure.
 class DamagedContainerTest : public testing::Test {
 protected:
     DamagedContainerTest() { testing::internal::CaptureStdout(); }

@@ -25,7 +25,7 @@ using testing::StartsWith;
 
 constexpr ObjectId sNeverGivenOut = 0xFFFF'FFFF'FFFF;
 
-/// A model to fill, with short words for the questions of the tests.
+/// A model to fill, with short names for the queries of the tests.
 class DataModelTest : public testing::Test, public ModelBuilder {
 protected:
     /// The identifier that the next object will have.
@@ -37,8 +37,8 @@ protected:
         return ids;
     }
 
-    /// What a path leads to, as "type@address:size", with the bits of a bit field behind; or how
-    /// far it resolved and why no further.
+    /// The place of a path, as "type@address:size", followed by the bits of a bit field; or how far
+    /// it resolved, and why no further.
     [[nodiscard]] std::string Resolve(std::string_view path) const {
         const Model::PathResult result = mModel.ResolvePath(path);
         const Model::Place& place = result.place;
@@ -64,14 +64,14 @@ struct KeyCase {
 
     const char* name;
     Call create;
-    /// Asks for what `create` makes.
+    /// Looks up what `create` makes.
     Call get;
-    /// Asks for neighbours of the key that differ in one part; all must find nothing.
+    /// Looks up keys that differ in one part; all must find nothing.
     std::vector<Call> others;
 };
 
 #define CALL(...) [](Model& m) { return m.__VA_ARGS__; }
-/// What has a name and a scope, and no other thing to tell it by.
+/// An object that is identified only by name and scope.
 #define NAMED(create, get)                                                                         \
     {                                                                                              \
         "" #get, CALL(create), CALL(get("key", 1)), {                                              \
@@ -568,7 +568,7 @@ TEST_F(DataModelPathTest, NearerMembersHideInheritedOnes) {
     EXPECT_EQ(Resolve("v.z"), "uint16@c:2");
 }
 
-/// Models that no compiler makes. Every query has to end, soon and without deep recursion.
+/// Models that no compiler makes. Every query must end, quickly and without deep recursion.
 class HostileDataModelTest : public DataModelTest {
 protected:
     static constexpr int sMany = 1'000'000;
@@ -720,7 +720,7 @@ TEST_F(HostileDataModelTest, OneNameAddressAndScopeCostsNoMoreThanMany) {
         ASSERT_EQ(mModel.GetGlobalData("same", sGlobalNamespace), first);
         ASSERT_EQ(mModel.GetGlobalDataByAddress(0x10), first);
         Global("same", 0, 0x10);
-        // Addresses that differ in their upper bits alone, one scope for each.
+        // Addresses that differ only in their upper bits, one scope for each.
         ASSERT_EQ(mModel.GetGlobalDataByAddress(index << 40U), 0U);
         Global("same", 0, index << 40U, index + sCount);
     }

@@ -1,5 +1,5 @@
 // Whole reads of images with debug information, as the host sees them: which calls reach the data
-// model, in which order, and what stands in the model afterwards.
+// model, in which order, and what the model contains afterwards.
 #include "core/ModuleInfo.h"
 #include "core/VElfOptions.h"
 #include "host/VDWARFReader.h"
@@ -36,8 +36,8 @@ bool IsOfUnknownTypes(const std::string& call) {
     return call.starts_with("GetUnknown") || call.starts_with("CreateUnknown");
 }
 
-/// The calls that the debug information makes, behind those for the unknown types and before those
-/// for the symbol table.
+/// The calls for the debug information: after those for the unknown types and before those for the
+/// symbol table.
 std::vector<std::string> Delivered(const std::vector<std::string>& calls) {
     std::vector<std::string> delivered;
     // The global namespace and two calls for each of the five unknown types come first.
@@ -54,7 +54,7 @@ std::vector<std::string> Delivered(const std::vector<std::string>& calls) {
 class DeliveryTest : public testing::Test {
 protected:
     static ReadRun Read(const DwarfSections& sections, bool allTypes = false) {
-        // A function makes a symbol table of which nothing is delivered.
+        // A function creates a symbol table from which nothing is delivered.
         const std::string image =
             (ElfImage().Symbol({"main", 0x8000, 4, sFunction}) + sections).Build();
         ReadRun run = ReadImage(image, DWARFContainerType::Container_ELF, allTypes);
@@ -124,12 +124,12 @@ TEST_F(DeliveryTest, ANestedClassIsDeliveredOnceByItsParent) {
                             R"(CreateGlobalData("v", 11, 4096, 1) -> 13)"));
 }
 
-/// How many calls begin so.
+/// How many calls begin with this text.
 std::ptrdiff_t CountOf(const std::vector<std::string>& calls, std::string_view start) {
     return std::ranges::count_if(calls, [&](const auto& call) { return call.starts_with(start); });
 }
 
-// Each is asked for first by a variable, and made by what it asks for itself:
+// Each type is first requested by a variable, and created by what it requests itself:
 //   struct Owner { enum Mode { Off } mode; Row* rows; void (*changed)(Owner*); };
 //   typedef Owner Row[2];
 TEST_F(DeliveryTest, TypesThatTheirOwnScopeOrPartsDeliverAreDeliveredOnce) {
@@ -229,8 +229,8 @@ TEST_F(DeliveryTest, VariablesOfOneNameGetNumbersAndOneAddressStandsOnce) {
     const ReadRun run = Read(Unit(entries));
     EXPECT_THAT(run.Variables(), ElementsAre("x@1000:4", "x.2@1004:4", "x.3@1008:4"));
 
-    // The redundancy of the two at 0x2000 isn't seen, since one has its name from its declaration's
-    // linkage name; the host is asked whether it has the address under the name.
+    // The two at 0x2000 aren't seen as redundant, since one has its name from its declaration's
+    // linkage name; the host is asked whether it has the address under this name.
     const DieLabel declaration;
     const ReadRun byLinkageName = Read(Unit({
         Int(number),
@@ -242,7 +242,7 @@ TEST_F(DeliveryTest, VariablesOfOneNameGetNumbersAndOneAddressStandsOnce) {
 }
 
 TEST_F(DeliveryTest, TheAddressesOfManyVariablesOfOneNameAreKnown) {
-    // The last two are the one before them once more, under the name of their declaration.
+    // The last two repeat the one before them, under the name of their declaration.
     const DieLabel number, declaration;
     std::vector<Die> entries{
         Int(number),
@@ -275,7 +275,7 @@ TEST_F(DeliveryTest, ProgressIsToldAboutAHundredTimes) {
 }
 
 TEST_F(DeliveryTest, UnitsWhoseEntryLiesRightBehindTheHeaderAreToldWhileReading) {
-    // A unit that begins with so many null entries.
+    // A unit that begins with this many null entries.
     const auto unit = [](std::size_t nulls, bool is64BitDwarf = false) {
         return DwarfUnit{.entries = {Die::Raw(std::string(nulls, '\0')),
                                      UnitDie({Die(DW_TAG_compile_unit, {Name("inner.c")})})},
@@ -379,7 +379,7 @@ TEST_F(DeliveryTest, ArraysEnumerationsAndFunctionTypes) {
     EXPECT_THAT(calls, Contains(R"(CreateEnumTable("e", 3, 7, false) -> 11)"));
     EXPECT_THAT(calls, Contains(R"(AddEnumDescriptionToEnumTable(11, -1, "minus") -> true)"));
     EXPECT_THAT(calls, Not(Contains(testing::HasSubstr("(11, 1, "))));
-    // The pointer among the parameters leads back to the function type, which is not there yet.
+    // The pointer among the parameters leads back to the function type, which doesn't exist yet.
     EXPECT_THAT(calls, Contains(testing::StartsWith("CreateFunctionType(2, [8, ")));
 }
 
@@ -480,7 +480,7 @@ TEST_F(DeliveryTest, WithoutADataModelTheReadEnds) {
     EXPECT_THAT(testing::internal::GetCapturedStdout(), testing::HasSubstr("Object ID = 0 ("));
 }
 
-/// Trees that no compiler writes. The reads must end, soon and with a stack of normal size.
+/// Trees that no compiler writes. The reads must end, quickly and with a stack of normal size.
 class HostileTreeTest : public DeliveryTest {
 protected:
     static constexpr std::size_t kMany = 30'000;
@@ -518,7 +518,7 @@ TEST_F(HostileTreeTest, LongChainsOfMembersAndScopes) {
     entries.push_back(Variable("v", labels[0], 0x1000));
     EXPECT_EQ(Read(Unit(entries)).Variables().size(), 1U);
 
-    // Scopes without end, with a variable at the bottom.
+    // Scopes nested very deeply, with a variable at the bottom.
     for (const dwarf_tag tag :
          {DW_TAG_namespace, DW_TAG_structure_type, DW_TAG_subprogram, DW_TAG_lexical_block}) {
         DwarfSections sections;
@@ -536,7 +536,8 @@ TEST_F(HostileTreeTest, LongChainsOfMembersAndScopes) {
 }
 
 TEST_F(HostileTreeTest, AnonymousTypesNestedWithoutEnd) {
-    // Each level is a structure with a member, and a nameless member of its type behind it.
+    // Each level is a structure with a member, followed by a nameless member of the structure's
+    // type.
     DwarfSections sections;
     const std::uint64_t table = sections.RawAbbreviations(
         Uleb128(1) + Uleb128(DW_TAG_structure_type) + '\1' + std::string(2, '\0') + Uleb128(2) +
@@ -577,7 +578,7 @@ TEST_F(HostileTreeTest, CyclesOfAllKinds) {
         Die(derived, DW_TAG_class_type, {Name("derived"), ByteSize(4)},
             {Die(DW_TAG_inheritance, {Type(base)}), Member("self", derived, 0)}),
         Variable("c", base, 0x1008),
-        // A function type that takes itself.
+        // A function type that has itself as a parameter.
         Die(function, DW_TAG_subroutine_type, {Type(functionPointer)},
             {Die(DW_TAG_formal_parameter, {Type(functionPointer)}),
              Die(DW_TAG_formal_parameter, {Type(function)})}),

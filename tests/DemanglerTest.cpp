@@ -23,7 +23,7 @@ using namespace std::string_literals;
 constexpr int sOutSize = 2047;
 constexpr char sGuard = '\x5A';
 
-/// What one call said.
+/// The result of one call.
 struct Answer {
     bool result = false;
     bool demangled = false;
@@ -68,8 +68,8 @@ Answer Demangle(std::string_view name, const VDemanglingOptions& options = {},
     return answer;
 }
 
-/// Each word of the cases is a name and what becomes of it: behind "=" the demangled name, behind
-/// "~" the one that is only cleaned. A name alone is unreadable.
+/// Each word of the cases is a name and its result: after "=" the demangled name, after "~" a name
+/// that is only cleaned. A name without either is unreadable.
 void ExpectAnswers(const std::string& cases, const VDemanglingOptions& options = {}) {
     std::istringstream words(cases);
     for (std::string word; words >> word;) {
@@ -88,7 +88,7 @@ VDemanglingOptions Itanium() {
     return options;
 }
 
-/// A piece of text, some number of times over.
+/// A piece of text, repeated `count` times.
 std::string Repeated(std::string_view piece, std::size_t count) {
     std::string text;
     for (std::size_t index = 0; index < count; ++index) {
@@ -297,7 +297,7 @@ TEST(DemanglerTest, HostileNamesTakeLinearTime) {
     EXPECT_EQ(Demangle("_ZN" + zeros + "3Foo", Itanium()), Demangled("Foo"));
 }
 
-/// Names that look enough like mangled ones to reach every corner of the parsers.
+/// Names that are similar enough to mangled ones to reach every corner of the parsers.
 class RandomNames {
 public:
     std::string NextName() {
@@ -331,7 +331,7 @@ private:
                             : std::string(1, sCharacters[Pick(sCharacters.size())]);
     }
 
-    // A fixed seed, so that a failure comes again.
+    // A fixed seed, so that failures can be reproduced.
     std::mt19937 mGenerator{20240611};
 };
 

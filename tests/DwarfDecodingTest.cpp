@@ -1,5 +1,5 @@
-// Decoding of debug entries: forms, attributes and the walk over a unit, seen at the nodes that
-// come of it.
+// Decoding of debug entries: forms, attributes and the walk over a unit, observed on the resulting
+// nodes.
 #include "diagnostics/ErrorState.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/codes/DwarfNames.h"
@@ -66,7 +66,7 @@ struct FormCase {
     std::uint32_t decoded;
 };
 
-// The attribute behind the tested one shows that exactly the form's bytes were taken.
+// The attribute after the tested one shows that exactly the form's bytes were consumed.
 void ExpectNumbers(const std::vector<FormCase>& cases, const DwarfUnit& unit,
                    ByteOrder byteOrder = ByteOrder::Little) {
     for (const FormCase& example : cases) {
@@ -106,7 +106,7 @@ TEST_F(DwarfDecodingTest, AddressesTakeTheWidthOfTheUnit) {
     ExpectNumbers({{DW_FORM_addr, 0x12, 0x12}}, {.addressSize = 1});
     ExpectNumbers({{DW_FORM_addr, 0x1234, 0x1234}}, {.addressSize = 2});
     ExpectNumbers({{DW_FORM_addr, 0x9'1234'5678, 0x12345678}}, {.addressSize = 8});
-    // A width that no target has takes no bytes, width 0 takes four.
+    // A width that no target has consumes no bytes, width 0 consumes four.
     const DecodedEntry odd(DW_TAG_enumerator,
                            {Block(DW_AT_const_value, DW_FORM_addr, ""), Name("behind")},
                            {.addressSize = 3});
@@ -162,7 +162,7 @@ TEST_F(DwarfDecodingTest, ReferencesBecomeSectionOffsets) {
             EXPECT_EQ(node.GetName(), "behind");
         }
     }
-    // A signature is taken for an offset in the unit, its lower half alone.
+    // The lower half of a signature is read as an offset in the unit.
     DwarfSections sections;
     sections.Unit({UnitDie({})});
     const auto start = static_cast<std::uint32_t>(sections.Info().size());
@@ -228,7 +228,7 @@ TEST_F(DwarfDecodingTest, FirstProducerDecidesTheWidthAtOnce) {
         VElfOptions::mHandle_DW_FORM_REF_ADDR_AS_DW3 = 2;
         const DieLabel user;
         DwarfSections sections;
-        // The reference in the unit's own entry comes before the producer is known.
+        // The reference in the unit's own entry precedes the producer.
         sections.Unit(
             {.entries = {Die(DW_TAG_compile_unit, {Producer(producer)},
                              {Die(user, DW_TAG_variable,
@@ -262,7 +262,7 @@ TEST_F(DwarfDecodingTest, FileRelativeReferencesAreDetectedByTheWholeProducer) {
     };
     EXPECT_EQ(read("ICCRL78", "other"), 1);
     EXPECT_EQ(read("ICCRL78 V2", "ICCRL78"), 0);
-    // A producer that the unit cuts off decides nothing.
+    // A producer that the unit truncates decides nothing.
     for (const std::string cutOff : {"\x08without end", "\x08"}) {
         VElfOptions::mFixReferencesWithFileRelativeOffset = 2;
         DwarfSections sections;
@@ -358,13 +358,13 @@ TEST_F(DwarfDecodingTest, TextsMayBeAbsent) {
     const auto numbered = [](std::uint32_t attribute) {
         return Number(attribute, DW_FORM_data1, 5);
     };
-    // A form that is no text counts as none; so does an offset behind the strings.
+    // A form that is no text counts as no text; so does an offset beyond the strings.
     const DecodedEntry named(DW_TAG_variable, {numbered(DW_AT_name), numbered(DW_AT_linkage_name)});
     EXPECT_EQ(named->GetName(), "unknown");
     EXPECT_TRUE(named->HasNameAttribute());
     EXPECT_EQ(named->GetLinkageNameAttribute().mValue, "");
     EXPECT_TRUE(named->GetLinkageNameAttribute().mDefined);
-    // The last attribute of a kind counts, also where it is no text.
+    // The last attribute of a kind counts, even if it is no text.
     const DecodedEntry twice(DW_TAG_variable, {Name("n"), numbered(DW_AT_name), LinkageName("l"),
                                                numbered(DW_AT_linkage_name)});
     EXPECT_EQ(twice->GetName(), "unknown");
@@ -422,7 +422,7 @@ TEST_F(DwarfDecodingTest, UnitNamesAreShortened) {
                 ElementsAre("0:compile_unit " + name));
         }
     }
-    // Only of units.
+    // Only for units.
     EXPECT_EQ(DecodedEntry(DW_TAG_variable, {Name("a/b.c")})->GetName(), "a/b.c");
 }
 
@@ -511,8 +511,8 @@ TEST_F(DwarfDecodingTest, UnitsInTheMiddleOfAUnitHaveNoParent) {
                 ElementsAre("0:compile_unit unit", "0:compile_unit unit", "1:label "));
 }
 
-// The count labels records in dumps: calls of the walk, null entries and the ends of open levels
-// included.
+// The count labels records in dumps: calls of the walk, including null entries and the ends of open
+// levels.
 TEST_F(DwarfDecodingTest, RecordNumbersCountTheWholeWalk) {
     const DieLabel last;
     DwarfSections sections;
@@ -548,7 +548,7 @@ TEST_F(DwarfDecodingTest, EntriesThatTheUnitCutsOffMakeNoNode) {
         Block(DW_AT_location, DW_FORM_data1, ""),
         Block(DW_AT_name, DW_FORM_indirect, ""),
         Block(DW_AT_name, DW_FORM_indirect, "\x16\x16"),
-        // A text of which not a byte is left.
+        // A text without a single byte left.
         Block(DW_AT_name, DW_FORM_indirect, "\x08"),
         Block(DW_AT_producer, DW_FORM_indirect, "\x08"),
     };
@@ -603,7 +603,7 @@ TEST_F(HostileUnitTest, UnitsOfOneByteAlone) {
                 IsEmpty());
 }
 
-// Each entry is one byte and has very many attributes that take none.
+// Each entry is one byte and has very many attributes that consume none.
 TEST_F(HostileUnitTest, AttributesWithoutBytesAreBounded) {
     constexpr std::size_t count = 300'000;
     for (const DieAttribute& attribute :
@@ -625,7 +625,7 @@ TEST_F(HostileUnitTest, AttributesWithoutBytesAreBounded) {
     }
 }
 
-// All entries name one text of the size of the section, by a name and by a linkage name.
+// All entries refer to one text as large as the section, by a name and by a linkage name.
 TEST_F(HostileUnitTest, OneLongTextOfManyEntries) {
     DwarfSections sections;
     sections.String(std::string(2'000'000, 't'));

@@ -29,7 +29,7 @@ std::uint64_t HashOf(std::string_view text) {
     return hash;
 }
 
-// Hosts show and compare these texts: one that is changed on purpose changes the number as well.
+// Hosts show and compare these texts: an intended change of a text changes this number as well.
 TEST(ErrorStateTest, AllTextsOfTheCatalogueStayAsTheyAre) {
     const ScopedReaderState state;
     std::string texts;

@@ -38,7 +38,7 @@ TEST_F(FactoryWrapperTest, BaseTypesGoOverByCodeAndSize) {
     EXPECT_EQ(LastCall(), "CreateBaseEntryType(basicType=7, length=9, objIdParentScope=5)");
 }
 
-// No two arguments of a call are alike, so that none can stand in another one's place.
+// No two arguments of a call are equal, so that swapped arguments are noticed.
 TEST_F(FactoryWrapperTest, EachOperationReachesTheHostWithItsArgumentsInOrder) {
     mFactory.GetGlobalNamespace();
     mFactory.CreateNamespace("n", 1);

@@ -1,6 +1,5 @@
-// What the full manner of reading takes that the classic one doesn't: units and forms of DWARF 5,
-// type units, lists of locations, bounds by language. Images are read in both manners where the
-// classic result matters.
+// What only the full manner of reading takes: units and forms of DWARF 5, type units, lists of
+// locations, bounds by language. Images are read in both manners if the classic result matters.
 #include "diagnostics/ErrorState.h"
 #include "dwarf/UnitLanguage.h"
 #include "nodes/VDebugInfoNodeArray.h"
@@ -74,7 +73,7 @@ struct FormCase {
     std::string name;
 };
 
-/// A unit of version 5 with one entry, which the tables of texts and addresses precede.
+/// A unit of version 5 with one entry, preceded by the tables of texts and addresses.
 class ModernEntry {
 public:
     ModernEntry(dwarf_tag tag, std::vector<DieAttribute> attributes, bool is64BitDwarf = false) {
@@ -105,7 +104,7 @@ private:
 };
 
 /// The name in a form; "-" if there is none. The size shows that exactly the form's bytes were
-/// taken.
+/// consumed.
 std::string NameInForm(const FormCase& example, bool is64BitDwarf = false) {
     const ModernEntry node(DW_TAG_base_type,
                            {{DW_AT_name, example.form, example.value}, ByteSize(0x55)},
@@ -124,7 +123,7 @@ TEST_F(FullDecodingTest, TextsOfAllForms) {
         {DW_FORM_GNU_str_index, "first", "first"},
         {DW_FORM_line_strp, "other", "other"},
         {DW_FORM_string, "inline", "inline"},
-        // Outside of the tables, and in other files.
+        // Outside the tables, and in other files.
         {DW_FORM_strx1, std::uint64_t{2}, "-"},
         {DW_FORM_strx, std::uint64_t{0xFFFFFFFF}, "-"},
         {DW_FORM_line_strp, std::uint64_t{1000}, "-"},
@@ -150,7 +149,7 @@ TEST_F(FullDecodingTest, BasesMayPointAnywhere) {
                        .version = 5});
         SectionRun run(ElfImage() + sections);
         EXPECT_TRUE(run.Read());
-        // Only with the base at 8 the index is that of a text.
+        // Only with a base of 8 the index selects a text.
         EXPECT_NE(run.At(sections.OffsetOf(label)).GetName(), "second") << base;
     }
 }
@@ -176,7 +175,7 @@ TEST_F(FullDecodingTest, NumbersOfAllForms) {
         {DW_FORM_ref_sup8, 1, std::nullopt},
         {DW_FORM_GNU_ref_alt, 1, std::nullopt},
         {DW_FORM_rnglistx, 1, std::nullopt},
-        // Of no type unit.
+        // No type unit has this signature.
         {DW_FORM_ref_sig8, 1, std::nullopt},
     };
     for (const NumberCase& example : cases) {
@@ -274,7 +273,7 @@ TEST_F(FullDecodingTest, EscapeValueMakes64BitDwarfInEitherClass) {
     }
 }
 
-/// A unit whose variable has a type of this signature, and the type unit.
+/// A unit whose variable has a type with this signature, and the type unit.
 DwarfSections TypeUnitSections(int version, bool throughDeclaration, dwarf_tag tag) {
     const DieLabel number, type, declaration;
     constexpr std::uint64_t signature = 0x1122334455667788;
@@ -364,7 +363,7 @@ TEST_F(FullDecodingTest, KindsOfUnitAsScopes) {
     EXPECT_EQ(scopeOfStatic(DW_UT_skeleton, DW_TAG_skeleton_unit, false), "part_c");
     EXPECT_EQ(scopeOfStatic(DW_UT_partial, DW_TAG_partial_unit, false), "part_c");
     EXPECT_EQ(scopeOfStatic(DW_UT_partial, DW_TAG_partial_unit, true), "");
-    // A whole unit that is imported stays what it is.
+    // A whole unit that is imported stays a scope.
     EXPECT_EQ(scopeOfStatic(DW_UT_compile, DW_TAG_compile_unit, true), "part_c");
 }
 
@@ -397,7 +396,7 @@ std::string Pair(std::uint64_t begin, std::uint64_t end, const std::string& expr
     return ListEntry(4, Uleb128(begin) + Uleb128(end), expression);
 }
 
-/// What a variable with the list is delivered as.
+/// The result of delivering a variable with the list.
 /// @param scope tag of the entry around the variable
 std::vector<std::string> VariableOfList(const std::string& list, int version,
                                         ReadingManner manner = ReadingManner::Full,
@@ -483,7 +482,7 @@ TEST_F(FullDecodingTest, ListsByIndex) {
     const std::string list = Pair(0, 8, At(0x1000)) + '\0';
     for (const std::uint64_t index : {0U, 1U, 2U}) {
         DwarfSections sections;
-        // Two places: one of the list behind both of them, one far away.
+        // Two places: one after both of which the list follows, one far away.
         sections.RawLocationLists(AddressBytes(8) + AddressBytes(0xFFFFFF00) + list);
         const DieLabel number;
         sections.Unit({.entries = {UnitDie(

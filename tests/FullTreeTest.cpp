@@ -1,5 +1,5 @@
-// What the full reading makes of a tree that the classic one makes something else of, or nothing:
-// each image is read in both manners.
+// Trees from which the two manners of reading deliver different results: each image is read in
+// both.
 #include "core/VElfOptions.h"
 #include "model/LeafWalk.h"
 #include "support/NodeTree.h"
@@ -24,15 +24,15 @@ protected:
     static ReadRun Read(const DwarfSections& sections, bool isFull,
                         const ElfImage& image = ElfImage()) {
         VElfOptions::mIsFullReading = isFull ? 1 : 0;
-        // A function makes a symbol table of which nothing is delivered.
+        // A function creates a symbol table from which nothing is delivered.
         ReadRun run =
             ReadImage((ElfImage(image).Symbol({"main", 0x8000, 4, sFunction}) + sections).Build());
         EXPECT_TRUE(run.result);
         return run;
     }
 
-    /// "name@offset size" of each scalar below the variables, the offset counted from 0x1000; of
-    /// bit fields followed by ":position+width".
+    /// "name@offset size" of each scalar in the variables, with the offset from 0x1000; for bit
+    /// fields followed by ":position+width".
     static Lines Leaves(const ReadRun& run) {
         Lines leaves;
         DataModel::LeafWalk walk(*run.model, {});
@@ -86,7 +86,7 @@ Lines ScopedVariables(const ReadRun& run) {
     return variables;
 }
 
-// The unit of the link tells addresses, those of the sources all else.
+// The unit of the link has the addresses, those of the sources have everything else.
 TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
     const DieLabel number, shared, ownToFile, nameless, member, definition;
     const DwarfSections sections =
@@ -112,7 +112,7 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
     EXPECT_THAT(ScopedVariables(Read(sections, false)), IsEmpty());
 }
 
-// An inlined function stands in the abstract once, and in each instance once more.
+// An inlined function appears in its abstract instance, and in each concrete instance again.
 TEST_F(FullTreeTest, AStaticVariableOfAnInlinedFunctionIsThereOnce) {
     const DieLabel number, function, count;
     const auto instance = [&](std::vector<DieAttribute> attributes,
@@ -149,8 +149,8 @@ TEST_F(FullTreeTest, ALinkageNameOfOlderCompilersFindsItsSymbol) {
     EXPECT_THAT(Leaves(sections, false, image), ElementsAre("_Symbol_Table_BKR_::_Z5speed@16 4"));
 }
 
-// As in struct { union { struct { uint8_t a, b; }; uint16_t w; }; } v; of which C compilers declare
-// all types side by side, in any order.
+// As in struct { union { struct { uint8_t a, b; }; uint16_t w; }; } v; for which C compilers
+// declare all types side by side, in any order.
 TEST_F(FullTreeTest, MembersOfAnonymousTypesStandInTheTypeAround) {
     const DieLabel byte, half, outer, choice, volatileChoice, pointer, bytes;
     const auto type = [](DieLabel label, dwarf_tag tag, std::uint64_t size,
@@ -226,7 +226,7 @@ TEST_F(FullTreeTest, ATypeOfVeryManyAnonymousMembersIsCopiedWithinLimits) {
     EXPECT_EQ(std::ranges::distance(tree[wide].Children()), width);
 }
 
-/// A bit field of a structure, and where each manner has it.
+/// A bit field of a structure, and its place in each manner.
 struct BitFieldCase {
     std::vector<DieAttribute> attributes;
     std::string full;
@@ -261,7 +261,7 @@ TEST_F(FullTreeTest, ABitFieldLiesInsideItsStorage) {
         {{BitSize(9), DataBitOffset(27)}, "@3 4:20+9", "@0 4:23+9", big},
         {{BitSize(9), NegativeBitOffset(-4), start}, "@3 4:3+9", "@0 4:27+9"},
         {{BitSize(9), BitOffset(27), start}, "@3 4:20+9", "@0 4:27+9", big},
-        // The storage that the entry names is not that of the type.
+        // The storage size of the entry differs from that of the type.
         {{BitSize(2), BitOffset(1), ByteSize(1), MemberOffset(5)}, "@5 4:29+2", "@5 4:5+2", big},
         // More bytes than the type has.
         {{BitSize(15), DataBitOffset(7)}, "@0 2:7+15", "@0 2:1+15", little, 2},
@@ -303,7 +303,7 @@ DieAttribute Stride(std::uint32_t attribute, std::uint64_t value) {
     return Number(attribute, DW_FORM_data1, value);
 }
 
-// Arrays of 2 bytes an element; a place that only a running program knows is a block.
+// Arrays with 2 bytes per element; a value that only a running program knows is a block.
 TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
     const DieAttribute computedStride = Block(DW_AT_byte_stride, DW_FORM_exprloc, "\x97\x06");
     const DieAttribute computedLow = Block(DW_AT_lower_bound, DW_FORM_exprloc, "\x97\x06");
@@ -363,7 +363,7 @@ TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
     }
 }
 
-// A bound that lies in a variable is known at run time only.
+// A bound that is in a variable is known only at run time.
 TEST_F(FullTreeTest, AVariableIsNoBound) {
     const DieLabel number, array, bound;
     const DwarfSections sections = Unit(
@@ -377,7 +377,7 @@ TEST_F(FullTreeTest, AVariableIsNoBound) {
                 testing::Contains(std::string("::v@4096 uint16[8]")));
 }
 
-// In a structure of the other byte order. Its bits count from the other end of each byte.
+// In a structure of the other byte order, bits count from the other end of each byte.
 TEST_F(FullTreeTest, OtherByteOrdersAreTheirBytes) {
     const auto leaves = [](ByteOrder order, std::uint64_t endianity, bool isFull) {
         const DieLabel word, byte, structure;
@@ -456,7 +456,7 @@ TEST_F(FullTreeTest, BaseTypesOfOtherKindsAndSizesAreWhatTheyAre) {
     }
 }
 
-// Of each kind a structure has a member, whose size shows in the type text.
+// A structure has a member of each kind, whose size shows in the type text.
 TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
     const DieLabel byte, function, number;
     const DieAttribute toByte = Type(byte);

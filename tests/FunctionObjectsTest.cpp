@@ -1,5 +1,5 @@
-// Functions and their types are most of what a model holds, and a function behind its own type has
-// no record for itself. Nothing of that may be seen: whatever a host creates in whatever order is
+// Functions and their types are most of what a model holds, and a function that follows its own
+// type has no record of its own. Nobody may notice: whatever a host creates in whatever order is
 // compared with a plain list of what it passed.
 #include "model/DataModel.h"
 
@@ -83,7 +83,7 @@ protected:
         }
     }
 
-    /// The Get operations find the first of what has the same key.
+    /// The Get operations find the first object of each key.
     void ExpectKeysAsPassed() {
         for (ObjectId id = 2; id < mPassed.size(); ++id) {
             const Passed& passed = mPassed[id];
@@ -103,7 +103,7 @@ protected:
     }
 
     DataModel::Model mModel;
-    /// By identifier; the global namespace is there from the start.
+    /// By identifier; the global namespace exists from the start.
     std::vector<Passed> mPassed{{}, {}};
 
 private:

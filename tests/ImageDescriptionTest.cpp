@@ -1,4 +1,4 @@
-// What the headers of a file tell a host, and the bytes that the image gives its memory.
+// What the headers of a file say to a host, and the bytes that the image gives its memory.
 #include "host/ContainerDetection.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"

@@ -153,8 +153,8 @@ TEST_F(LeafWalkTest, AVirtualBaseClassHasNoStaticPlace) {
     Member("own", mWord, valve, 6);
     EXPECT_THAT(Leaves(Global("v", valve, 0x200)), ElementsAre("v.own uint16@206:2"));
 
-    // An empty base class shares its place with a member, and a member that takes no space its own
-    // with a base class.
+    // An empty base class shares its place with a member, and a member without size shares its
+    // place with a base class.
     const ObjectId tag = Struct("Tag", 1);
     const ObjectId tagged = Struct("Tagged", 4);
     mModel.AddBaseClass(tagged, tag, 0);
@@ -213,7 +213,7 @@ TEST_F(LeafWalkTest, HugeArraysEnd) {
     Member("all", Array({huge, huge, huge}, Array({huge}, mByte, 0), 0), record, 0);
     EXPECT_EQ(CountLeaves(Global("a", Array({huge, huge}, record, 0), 0)), 1'000'000U);
     EXPECT_TRUE(mCuts.isExhausted);
-    // Too many dimensions to write their indices down.
+    // Too many dimensions for their indices to be written.
     EXPECT_EQ(CountLeaves(Global("b", Array(std::vector<std::uint32_t>(100'000, 2), mByte, 0), 0)),
               1U);
     EXPECT_EQ(mCuts.wholes, 1U);

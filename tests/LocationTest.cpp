@@ -20,7 +20,7 @@ constexpr std::optional<std::uint64_t> sNotStatic = std::nullopt;
 
 using Operations = std::vector<Operation>;
 
-/// What an attribute of a location gives.
+/// The result of evaluating a location attribute.
 struct Evaluated {
     std::optional<std::uint64_t> value;
     std::uint32_t bitSize = 0;
@@ -60,7 +60,7 @@ protected:
         return Evaluate(Location(std::move(operations), DW_FORM_block2)).value;
     }
 
-    /// The first entry of a list, which a second entry follows.
+    /// The first entry of a list, followed by a second entry.
     static std::optional<std::uint64_t> InList(const Operations& operations,
                                                std::optional<std::uint16_t> length = {},
                                                std::uint64_t begin = 0, std::uint64_t end = 8) {
@@ -155,7 +155,7 @@ TEST_F(LocationTest, OperatorsThatDifferByPlace) {
     EXPECT_EQ(failed.bitSize, 3U);
     EXPECT_EQ(failed.bitOffset, 5U);
     EXPECT_TRUE(failed.isBitField) << "as read before the failure";
-    // The stack stays as it is, and what follows still counts.
+    // The stack doesn't change, and what follows still counts.
     EXPECT_EQ(InEntry({{DW_OP_plus_uconst, {4}}, {DW_OP_bit_piece, {3, 5}}, {DW_OP_const1u, {9}}}),
               9U);
 }
@@ -167,7 +167,7 @@ TEST_F(LocationTest, OtherOperatorsAreNotStatic) {
             DW_OP_const4u, DW_OP_const4s,   DW_OP_constu,     DW_OP_consts,  DW_OP_minus,
             DW_OP_plus,    DW_OP_bit_piece, DW_OP_plus_uconst};
         if (std::find(std::begin(known), std::end(known), code) == std::end(known)) {
-            // Two values below it, and operands of every sort behind it.
+            // Two values below it, and operands of every kind after it.
             const std::string bytes = {
                 DW_OP_const1u, 1, DW_OP_const1u, 2, static_cast<char>(code), 0, 0};
             EXPECT_EQ(Evaluate(Block(DW_AT_location, DW_FORM_block1, bytes)).value, sNotStatic)
@@ -237,7 +237,7 @@ TEST_F(LocationTest, ListsAndTheirLimits) {
     EXPECT_EQ(InList(longest), 14U);
     longest.push_back({DW_OP_plus});
     EXPECT_EQ(InList(longest), sNotStatic);
-    // Offsets at and behind the end; an entry that the section cuts off.
+    // Offsets at and after the end; an entry that the section truncates.
     DwarfSections sections;
     sections.LocationListEntry(0, 8, {{DW_OP_const1u, {1}}, {DW_OP_const1u, {2}}}, 5);
     for (const std::uint64_t offset : {0U, 4U, 13U, 14U, 15U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
@@ -266,7 +266,7 @@ TEST_F(LocationTest, StackHolds127Values) {
     EXPECT_EQ(InEntry(Operations(200, {DW_OP_const1u, {7}})), sNotStatic);
 }
 
-// Behind each expression lies the name "behind".
+// Each expression is followed by the name "behind".
 TEST_F(LocationTest, TheLastOperandMayPassItsExpression) {
     const std::vector<std::pair<std::string, std::uint32_t>> cases = {
         {"\x03\1\2\3", 0x62030201}, {"\x08", 0x62}, {"\x0b\1", 0x6201},
@@ -299,7 +299,7 @@ TEST_F(LocationTest, OperandsEndWithTheUnitOrTheSection) {
     }
 }
 
-// All entries name one list whose operand goes on to the end of the section.
+// All entries refer to one list whose operand extends to the end of the section.
 TEST_F(LocationTest, OperandsWithoutEndCostNothing) {
     DwarfSections sections;
     sections.RawLocations(ByteWriter().U32(0).U32(8).U16(2).U8(DW_OP_constu).Content() +

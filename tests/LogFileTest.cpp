@@ -97,7 +97,7 @@ TEST_F(LogFileTest, ALogThatCannotBeWrittenCostsNothingElse) {
     EXPECT_EQ(VElfOptions::mIsLogFile, 0);
 }
 
-/// Local time is that of a place without summer time for the length of one test.
+/// Sets a local time without daylight saving for the length of one test.
 class ScopedTimeZone {
 public:
     explicit ScopedTimeZone(const char* zone) {

@@ -39,7 +39,7 @@ protected:
         return ReadFile(mFolder.Write("image.elf", (image + sections).Build()));
     }
 
-    /// A function makes a symbol table of which nothing is delivered.
+    /// A function creates a symbol table from which nothing is delivered.
     static ElfImage WithSymbolTable() { return ElfImage().Symbol({"main", 0x8000, 4, sFunction}); }
 
     /// The entries of the dump by their order, without indent and the two head lines.
@@ -215,7 +215,7 @@ TEST_F(NodeDumpTest, VariablesTellWhereTheyAreAndWhy) {
                           "  Has Location      : No\n");
 }
 
-// Nothing else asks for them, so that only the dump has the reader settle what they are.
+// Nothing else uses them, so that only the dump makes the reader settle what they are.
 TEST_F(NodeDumpTest, ParametersTellTheirTypeSizeAndReadableName) {
     const DieLabel number, parameter;
     const DwarfSections sections = Unit({
@@ -263,7 +263,7 @@ TEST_F(NodeDumpTest, BoundsOfSubrangesAndKindsOfUnits) {
 }
 
 TEST_F(NodeDumpTest, StandsBesideItsInputAndIsAnnounced) {
-    // Deep enough for a path that is longer than the names that the reader keeps of files.
+    // Deep enough for a path longer than the file names that the reader keeps.
     std::string path;
     for (int level = 0; level < 3; ++level) {
         path += std::string(100, 'd') + "/";
@@ -285,7 +285,7 @@ TEST_F(NodeDumpTest, StandsBesideItsInputAndIsAnnounced) {
 }
 
 TEST_F(NodeDumpTest, ALongDumpGoesOnInAnotherFileAtTheNextUnit) {
-    // Each variable tells all members of its type: 184,320,000 bytes take a few hundred of them.
+    // Each variable lists all members of its type: 184,320,000 bytes need only hundreds of them.
     constexpr std::size_t sMemberCount = 256;
     constexpr std::size_t sVariableCount = 700;
     const std::string longName(2047, 'm');

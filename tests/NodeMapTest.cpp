@@ -1,5 +1,4 @@
-// The table of nodes by offset, above all when entries come out of order, as overlapping units
-// bring it about.
+// The table of nodes by offset, especially when entries come out of order, as in overlapping units.
 #include "nodes/VDebugInfoNamedNode.h"
 #include "nodes/VDieNodeMap.h"
 
@@ -60,7 +59,7 @@ TEST_F(NodeMapTest, OffsetsAndGroupsHoldWhatCameOutOfOrder) {
         EXPECT_EQ(mMap.Find(nothing), nullptr) << nothing;
     }
 
-    // What comes after a question joins the rest.
+    // What comes after a lookup joins the rest.
     VDebugInfoNode* last = Insert(DW_TAG_variable, 4001);
     EXPECT_EQ(mMap.Find(4001), last);
     EXPECT_EQ(mMap.InOffsetOrder().size(), 6U);

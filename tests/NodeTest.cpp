@@ -16,7 +16,7 @@ namespace {
 
 class NodeTest : public testing::Test {
 protected:
-    /// The name for the host; "untouched" where the node leaves it alone.
+    /// The name for the host; "untouched" if the node doesn't write it.
     static std::string EntryName(NodeTree& tree, DieLabel label) {
         std::string_view name = "untouched";
         tree[label].GetEntryName(name, tree.Section());
@@ -109,7 +109,7 @@ TEST_F(NodeTest, BlocksAreNumberedByTheirFunctionOrOuterBlock) {
     EXPECT_EQ(nameOf(4), "2");
     EXPECT_EQ(nameOf(2), "1");
     EXPECT_EQ(nameOf(6), "1");
-    // Blocks without a function count on through the whole process.
+    // Blocks without a function are numbered through the whole process.
     const int first = std::stoi(nameOf(5));
     EXPECT_EQ(std::stoi(nameOf(5)), first + 1);
 }
@@ -152,7 +152,7 @@ TEST_F(NodeTest, CyclesThroughSpecifications) {
     const DieLabel number, typed, other, onlySpecified, mixed;
     NodeTree tree(Unit({
         Int(number),
-        // A cycle of specifications; the type leads out of it and stays.
+        // A cycle of specifications; the type leads out of it and is kept.
         Die(typed, DW_TAG_class_type, {Type(number), Specification(other)}),
         Die(other, DW_TAG_class_type, {Specification(typed)}),
         // A cycle of one specification and one type is cut at the node with the type.
@@ -173,7 +173,7 @@ TEST_F(NodeTest, SizesComeFromTypes) {
     const DieLabel number, constNothing, constConstNothing, function, variable, pointer,
         shortPointer, address, structure, array, alias;
     NodeTree tree(Unit({
-        // In front of its type, so that a size is asked for before it is there.
+        // Before its type, so that a size is requested before it exists.
         Typedef(alias, "t", array),
         Int(number),
         Die(constNothing, DW_TAG_const_type),
@@ -294,7 +294,7 @@ TEST_F(NodeTest, BitOffsetsCountFromTheLeastSignificantBit) {
     EXPECT_EQ(tree[beforeStorage].GetBitOffset(), 30U);
 }
 
-// Sizes of parameters are left out where nothing can ask for them.
+// Sizes of parameters are skipped if nothing can ask for them.
 TEST_F(NodeTest, AParameterThatIsNamedAsATypeLendsItsSize) {
     const DieLabel pointer, parameter, argument, ofParameter, ofArgument;
     const auto bitField = [](DieLabel label, DieLabel type) {
@@ -313,8 +313,8 @@ TEST_F(NodeTest, AParameterThatIsNamedAsATypeLendsItsSize) {
     EXPECT_EQ(tree[ofArgument].GetBitOffset(), 11U);
 }
 
-// A bit field without storage counts in what is settled of its type's chain by then, whoever has
-// settled it.
+// The place of a bit field without storage depends on which sizes in its type's chain are already
+// settled, whoever settled them.
 TEST_F(NodeTest, EveryParameterSettlesTheSizeOfItsType) {
     const DieLabel pointer, alias, parameter, field;
     const auto offsetBehind = [&](Die first) {

@@ -1,5 +1,5 @@
-// Entries of code get no nodes unless something asks for them. Whatever is delivered must be the
-// same as if they had.
+// Entries of code get no nodes unless something asks for them. The delivery must be the same as if
+// they had nodes.
 #include "dwarf/CodeEntries.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "support/DwarfSections.h"
@@ -177,8 +177,8 @@ TEST_F(PassedEntriesTest, ADeclarationStaysCompletedByAPassedVariable) {
     }
 }
 
-// A bit field that says 0 for its own size lies in the first type of its chain whose size is
-// settled by then. Here a parameter settles that of the array.
+// A bit field whose own size is 0 lies in the first type of its chain whose size is already
+// settled. Here a parameter settles the size of the array.
 TEST_F(PassedEntriesTest, AParameterSettlesASizeThatABitFieldDependsOn) {
     const DieLabel base;
     const DieLabel array;

@@ -57,7 +57,7 @@ private:
     bool mResult;
 };
 
-/// The error of an image that can't be mapped, before it turns into that of the whole phase.
+/// The error of an image that can't be mapped, before it becomes the error of the whole phase.
 ELFReadErrorEnum MappingErrorOf(const std::string& content) {
     const TemporaryFolder folder;
     gElfReaderErrorFlag = ELFERR_UNKNOWN;
@@ -162,7 +162,7 @@ TEST_F(PeImageTest, SymbolTablesThatLieAboutTheirPlaceEndWithTheFile) {
     EXPECT_THAT(OpenedImage(PeImage(image).SymbolTable(table, 0)).Symbols(), IsEmpty());
     EXPECT_THAT(OpenedImage(PeImage(image).SymbolTable(0, 2)).Symbols(), IsEmpty());
     EXPECT_THAT(OpenedImage(PeImage(image).SymbolTable(0xFFFFFFFF, 2)).Symbols(), IsEmpty());
-    // The long name is looked for behind the last symbol, where nothing is.
+    // The long name is searched for after the last symbol, where nothing is.
     EXPECT_THAT(OpenedImage(PeImage(image).SymbolTable(table, 0xFFFFFFFF)).Symbols(),
                 ElementsAre("first@1001"));
     EXPECT_THAT(OpenedImage(image.Build().substr(0, table + 30)).Symbols(),

@@ -1,4 +1,4 @@
-// The passes that finish a tree, seen at the nodes: what they join, find, mark and move.
+// The passes that finish a tree, observed on the nodes: what they join, find, mark and move.
 #include "core/VElfOptions.h"
 #include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
@@ -20,7 +20,7 @@ protected:
         return Die(DW_TAG_member, {Name(name), MemberOffset(offset)});
     }
 
-    /// "name@offset" of each child; of those without a name the tag as well.
+    /// "name@offset" of each child; for nameless ones also the tag.
     static std::vector<std::string> ChildrenOf(const VDebugInfoNode& node) {
         std::vector<std::string> children;
         for (const VDebugInfoNode* child : node.Children()) {
@@ -55,7 +55,7 @@ TEST_F(ResolutionTest, OfEqualDefinitionsTheLargestStandsForAll) {
     EXPECT_EQ(tree[other].GetCanonicalTypeNode(), &tree[other]);
 }
 
-/// The same types in each unit, as of one header; each has a text of its own.
+/// The same types in each unit, as from one header; each has a text of its own.
 class TypesOfHeader {
 public:
     [[nodiscard]] std::vector<Die> Entries(std::uint64_t size) const {
@@ -228,7 +228,7 @@ TEST_F(ResolutionTest, ATemplateTypedefTakesTheTextOfATypeWithoutArguments) {
 }
 
 TEST_F(ResolutionTest, NamesAreDemangledInTheStyleOfTheirUnit) {
-    // Also where the units share the texts.
+    // Even if the units share the texts.
     for (const std::uint32_t form : {DW_FORM_string, DW_FORM_strp}) {
         std::vector<DieLabel> labels(8);
         const auto variables = [&](std::size_t first) {
@@ -393,7 +393,7 @@ TEST_F(ResolutionTest, OfVariablesOfOneNameAndAddressTheRichestStays) {
         EXPECT_EQ(tree[variable.label].IsRedundantDeclaration(), variable.isRedundant)
             << variable.name << '@' << variable.address;
     }
-    // It has its name from what it completes, and that is no type to be rich.
+    // It has its name from what it completes, which is not a type with contents.
     EXPECT_TRUE(tree[completing].IsRedundantDeclaration());
 }
 

@@ -68,7 +68,7 @@ TEST_F(SymbolMapsTest, AddressMapTakesDataWithAnAddress) {
     }
 }
 
-// Records lie close together whatever their size is said to be; the size tells how many there are.
+// Records are adjacent whatever their stated size is; the size only decides their number.
 TEST_F(SymbolMapsTest, EntrySizeTellsHowManyRecordsAreTaken) {
     FileWithSymbols file(ElfImage()
                              .Symbol({"first", 0x10, 4})
@@ -142,7 +142,7 @@ TEST_F(SymbolMapsTest, NamesAreFoundDemangledAndWithALeadingUnderscore) {
     EXPECT_EQ(file.AddressOf("twice"), 0x50U);
     EXPECT_EQ(file.AddressOf("_double"), 0U) << "one underscore is added to names without one";
 
-    // Once emptied the names are not loaded again.
+    // Once cleared, the names are not loaded again.
     file->mSymbolNamesMap.Clear();
     EXPECT_EQ(file.AddressOf("other"), 0U);
 }

@@ -85,7 +85,7 @@ TEST_F(SymbolOnlyReadTest, OptionsChangeTheDeliveredNames) {
                                .Symbol({"_name", 0x20, 4})
                                .Symbol({"_", 0x30, 4})
                                .Symbol({"a-b", 0x40, 4})
-                               // Virtual tables are told by the name that is delivered.
+                               // Virtual tables are recognized by the delivered name.
                                .Symbol({"__ZTVx", 0x50, 4})
                                .Symbol({"_ZTVx", 0x60, 4});
     const auto names = [&] { return ReadImage(image).Variables(); };

@@ -1,5 +1,5 @@
-// The way from the contract of data models to the table of the C interface: each operation reaches
-// the function of its name with its arguments in order.
+// From the contract of data models to the table of the C interface: each operation reaches the
+// function of its name with its arguments in order.
 #include "TableDataModel.h"
 
 #include <atomic>
@@ -57,8 +57,8 @@ private:
     const std::uint32_t* mNumbers = nullptr;
 };
 
-/// A value of a parameter's type that no other parameter of the call has, two booleans in a row
-/// included.
+/// A value of a parameter's type that no other parameter of the call has, even with two booleans in
+/// a row.
 template <typename Value>
 Value Distinct(int& last) {
     ++last;
@@ -75,7 +75,7 @@ Value Distinct(int& last) {
     }
 }
 
-/// A function of the table that writes down its arguments and answers 1.
+/// A function of the table that records its arguments and returns 1.
 template <typename Result, typename... Parameters>
 Result WriteDown([[maybe_unused]] void* user, Parameters... parameters) {
     (static_cast<ArgumentTexts*>(user)->Add(parameters), ...);

@@ -1,5 +1,5 @@
-// A read without all types reads the bodies of types where variables lead. Whatever is delivered
-// must be the same as if all bodies had been read; a dump of the nodes has them read at once.
+// A read without all types reads only the bodies of types that variables lead to. The delivery must
+// be the same as if all bodies had been read; a dump of the nodes reads them all at once.
 #include "dwarf/BodyEntries.h"
 #include "support/DwarfSections.h"
 #include "support/ElfImage.h"
@@ -36,10 +36,10 @@ Die Variable(const std::string& name, DieLabel type, std::uint32_t address = 0x1
     return Die(DW_TAG_variable, {Name(name), Type(type), Address(address)});
 }
 
-/// What the dump of the nodes adds to the progress.
+/// Number of progress calls that the dump of the nodes adds.
 constexpr std::size_t sProgressOfDump = 2;
 
-/// A tree, and a call that its delivery has.
+/// A tree, and a call of its delivery.
 struct Tree {
     const char* what = nullptr;
     DwarfSections sections;
@@ -123,7 +123,7 @@ Tree StaticMember() {
             "speed"};
 }
 
-/// The anonymous type has a second user, which no variable leads to: the first one gets copies.
+/// The anonymous type has a second user, which no variable leads to: the first user gets copies.
 Tree AnonymousTypeOfTwo() {
     const DieLabel number;
     const DieLabel anonymous;
@@ -145,7 +145,7 @@ Tree AnonymousTypeOfTwo() {
             "state"};
 }
 
-/// Delivery takes the members of the anonymous type out of it, and its static member's scope is the
+/// Delivery moves the members out of the anonymous type, and the scope of its static member is the
 /// type that holds it.
 Tree AnonymousTypeOfAHolderWithoutVariable() {
     const DieLabel number;

@@ -1,4 +1,4 @@
-// The texts of types: the one by which equal types of different units are found, and the one for
+// The texts of types: the text by which equal types of different units are found, and the text for
 // the dump of the tree.
 #include "nodes/TypeName.h"
 
@@ -85,7 +85,7 @@ TEST_F(TypeNameTest, FarScopesAreLeftOut) {
         return TextOf(tree[innermost]);
     };
     EXPECT_EQ(textWithin(DW_TAG_namespace), "n3::n4::n5::n6::n7::S");
-    // A class counts as a type of its own on top.
+    // A class additionally counts as a type of its own.
     for (const dwarf_tag scope :
          {DW_TAG_class_type, DW_TAG_structure_type, DW_TAG_union_type, DW_TAG_interface_type}) {
         EXPECT_EQ(textWithin(scope), "n4::n5::n6::n7::S");
@@ -216,7 +216,7 @@ TEST_F(TypeNameTest, PlainlySameTypesHaveOneText) {
         }
         EXPECT_EQ(TextOf(tree[second.labels[one]]), TextOf(tree[first.labels[one]])) << one;
     }
-    // A class that is named as a namespace makes the same text, which isn't plain.
+    // A class with the name of a namespace has the same text, which isn't plain.
     EXPECT_EQ(TextOf(tree[first.labels[6]]), TextOf(tree[first.labels[2]]));
 }
 

@@ -20,7 +20,7 @@ using testing::UnorderedElementsAre;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-/// Sizes tell where an object comes from: variables of the tests have 4 bytes, symbols have 8.
+/// The size shows where an object comes from: variables of the tests have 4 bytes, symbols 8.
 constexpr std::uint64_t sSymbolSize = 8;
 
 class VariablePlacesTest : public testing::Test {
@@ -146,7 +146,7 @@ TEST_F(VariablePlacesTest, DeclarationsFindSymbolsThatOtherFilesKnow) {
         });
     EXPECT_THAT(Full(image), UnorderedElementsAre("total@100:4", "script@200:4", "shared@300:4",
                                                   "stream@500:4", "vectors@0:4", "limit@600:4",
-                                                  // Symbols that are nobody's.
+                                                  // Symbols that belong to no variable.
                                                   "private@400:8", "total@700:8"));
     // Once the linkage name has filled the map of names, the last symbol of a name counts.
     EXPECT_THAT(Classic(image), testing::Contains("total@700:4"));
@@ -169,7 +169,7 @@ TEST_F(VariablePlacesTest, StaticVariablesWithoutLocationTakeNoPlaceOfOthers) {
                 UnorderedElementsAre("count@100:4", "taken@200:4", "twice@300:8", "twice@400:8"));
 }
 
-// Each variable is of "unit.c", and optimized away there or not told where it lies.
+// Each variable is in "unit.c", and was optimized away there or has no location.
 TEST_F(VariablePlacesTest, StaticVariablesTakeSymbolsOfTheirOwnFileOnly) {
     const auto image = [this](const std::vector<ElfSymbol>& symbols) {
         ElfImage elf;

@@ -1,15 +1,15 @@
-// Counts what a benchmark takes from the heap. It replaces the allocation functions of the program
-// that it is linked into, and slows each of them down by a few instructions.
+// Counts what a benchmark allocates. It replaces the allocation functions of the program that it is
+// linked into, which makes each call some instructions slower.
 #pragma once
 
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::Benchmarks {
 
-/// Allocations of the whole process so far.
+/// Number of allocations of the whole process so far.
 std::uint64_t HeapAllocations();
 
-/// The most that was in use of the heap since the object was made. One at a time, for one thread.
+/// The peak of heap use since the object was made. One at a time, for one thread.
 class HeapPeak {
 public:
     HeapPeak();

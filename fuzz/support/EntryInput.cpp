@@ -124,7 +124,7 @@ Record TakeRecord(InputBytes& input) {
     record.number = input.Number(2);
     record.location = input.Byte();
     record.forms = input.Byte();
-    // Most numbers are small; the others stand at the borders of their types.
+    // Most numbers are small; the others are at the limits of their types.
     if (input.Byte() >= 0xF0) {
         record.number = Choose(sNumbers, record.number);
     }

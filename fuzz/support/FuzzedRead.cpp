@@ -16,11 +16,11 @@ namespace Tessel::Norn::Brindle::Fuzzing {
 
 namespace {
 
-/// Objects of a model that are asked about, so that the questions cost no more than the read.
+/// Number of objects that are queried, so that the queries cost no more than the read.
 constexpr DataModel::ObjectId sQueriedObjects = 500;
 constexpr DataModel::LeafLimits sLeafLimits = {.arrayElements = 3, .leaves = 500};
 
-/// The argument names one object or several.
+/// True if the argument identifies one or several objects.
 bool IsHandle(std::string_view argument) {
     return argument.starts_with("objId") || argument.starts_with("ObjectId") ||
            argument == "functionType" || argument.starts_with("vecObjIds") ||

@@ -1,4 +1,4 @@
-// One whole read of a hostile file, and the questions that a host asks of its data model
+// One whole read of a hostile file, and the queries of a host to its data model
 // afterwards.
 #pragma once
 
@@ -8,9 +8,9 @@
 
 namespace Tessel::Norn::Brindle::Fuzzing {
 
-/// Reads the bytes as a file and checks what the host gets: texts in UTF-8, handles that were given
-/// out, one message for a failed read and none for a good one. Then every query is asked of what
-/// was delivered, unknown handles included.
+/// Reads the bytes as a file and checks what the host receives: UTF-8 texts, known handles, one
+/// message for a failed read and none for a good one. Then every query runs on what was delivered,
+/// and on unknown handles.
 void ReadAndQuery(const ReadChoices& choices, std::string_view file);
 
 } // namespace Tessel::Norn::Brindle::Fuzzing

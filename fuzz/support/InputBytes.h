@@ -1,4 +1,4 @@
-// The bytes of one fuzz input, taken from the front: choices first, what they are about after them.
+// The bytes of one fuzz input, taken from the front: first choices, then the data.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace Tessel::Norn::Brindle::Fuzzing {
 
-/// A cursor over an input. Behind its end there are zeros.
+/// A cursor over an input. Zeros follow its end.
 class InputBytes {
 public:
     InputBytes(const std::uint8_t* data, std::size_t size)

@@ -15,8 +15,8 @@ const std::string& WriteInputFile(std::string_view content) {
 
 } // namespace Tessel::Norn::Brindle::Fuzzing
 
-// Called by libFuzzer before the first input: what the reader writes to standard output for each
-// file would flood a terminal or log.
+// Called by libFuzzer before the first input: the reader's standard output for each file would
+// flood a terminal or log.
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
     std::cout.rdbuf(nullptr);
     return 0;

@@ -7,8 +7,8 @@
 
 namespace Tessel::Norn::Brindle::Fuzzing {
 
-/// Replaces the contents of the process's input file. It lies in a temporary folder of its own;
-/// where the system keeps such folders in memory, no disk is touched.
+/// Replaces the contents of the process's input file. It is in a temporary folder of its own; if
+/// the system keeps such folders in memory, no disk is touched.
 /// @return its path
 const std::string& WriteInputFile(std::string_view content);
 

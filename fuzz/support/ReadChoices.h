@@ -15,7 +15,7 @@ struct ReadChoices {
     bool allTypes = false;
 };
 
-/// Bytes at the head of an input that settle a read.
+/// Bytes at the start of an input that decide on the settings.
 constexpr std::size_t sChoiceBytes = 8;
 
 /// Takes `sChoiceBytes` bytes and sets the options by them. All zero means an ELF file and the

@@ -1,4 +1,4 @@
-// What a target demands of a result beyond not crashing.
+// What a target requires of a result, apart from not crashing.
 #pragma once
 
 #include <cstdio>
@@ -7,7 +7,7 @@
 
 namespace Tessel::Norn::Brindle::Fuzzing {
 
-/// Ends the process with a message if a promise isn't kept, so that the input becomes a finding.
+/// Ends the process with a message if a promise is broken, so that the input becomes a finding.
 inline void Require(bool isKept, const char* promise) {
     if (!isKept) {
         std::fprintf(stderr, "broken promise: %s\n", promise);

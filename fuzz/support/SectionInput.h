@@ -1,5 +1,5 @@
-// An image as a fuzz input tells it: the contents of the sections that the reader uses. Whatever
-// they hold, the container around them is well-formed.
+// An image from a fuzz input: the contents of the sections that the reader uses. Whatever they are,
+// the container around them is well-formed.
 #pragma once
 
 #include "host/DWARFContainerType.h"
@@ -27,16 +27,16 @@ enum class SectionKind : std::uint8_t {
 };
 constexpr std::size_t sSectionKinds = 11;
 
-/// The sections and what is said of the target.
-/// As bytes: one for container, class, byte order and machine, one for the alignment of
-/// `.debug_info`, then for each section its length in three bytes and its contents. A section
-/// without contents is missing.
+/// The sections and properties of the target. In bytes: one for container, class,
+/// byte order and machine, one for the alignment of `.debug_info`, then for each
+/// section its length in three bytes and its contents. An empty section is
+/// missing.
 struct SectionInput {
     std::uint8_t target = 0;
     std::uint8_t alignment = 0;
     std::array<std::string, sSectionKinds> contents;
 
-    /// Takes any bytes; those that are missing count as zero.
+    /// Accepts any bytes; missing ones count as zero.
     static SectionInput Parse(InputBytes& input);
     [[nodiscard]] std::string Bytes() const;
 
@@ -45,7 +45,7 @@ struct SectionInput {
         return contents[static_cast<std::size_t>(kind)];
     }
     [[nodiscard]] Reader::DWARF::DWARFContainerType Container() const;
-    /// The file. In a Windows image `.symtab` goes unused, and `.strtab` gives a symbol for each of
+    /// The file. In a Windows image `.symtab` isn't used, and `.strtab` gives a symbol for each of
     /// its names; a COFF file has neither.
     [[nodiscard]] std::string Image() const;
 

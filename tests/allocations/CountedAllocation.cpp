@@ -9,7 +9,7 @@ namespace {
 
 std::size_t gCount = 0;
 std::size_t gLiveCount = 0;
-/// Allocations until one fails; 0 while none is to fail.
+/// Allocations until one fails; 0 if none is to fail.
 std::size_t gUntilFailure = 0;
 bool gHasFailed = false;
 
@@ -86,8 +86,8 @@ constexpr std::size_t Of(std::align_val_t alignment) {
 
 } // namespace
 
-// All forms are replaced, since sanitizers tell blocks of their own forms from those of others:
-// each for one object and for many.
+// All forms are replaced, for one object and for many: sanitizers distinguish blocks of their own
+// forms from others.
 // NOLINTBEGIN(bugprone-macro-parentheses): the arguments are a signature and a call
 #define REPLACE_NEW(parameters, allocate)                                                          \
     void* operator new parameters {                                                                \

@@ -5,13 +5,13 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
-/// Blocks that `operator new` gave out since the program began.
+/// Number of blocks that `operator new` returned since the program began.
 std::size_t Allocations();
 
-/// Blocks that `operator new` gave out and nobody has given back.
+/// Number of blocks that `operator new` returned and that were not freed yet.
 std::size_t LiveAllocations();
 
-/// Lets one allocation fail with `std::bad_alloc`, or null where the caller asked for that, and all
+/// Makes one allocation fail with `std::bad_alloc`, or null if the caller asked for that, while all
 /// others succeed. One object at a time.
 class FailingAllocation {
 public:

@@ -1,5 +1,5 @@
-// Counts the heap allocations of decoding: for the entries that make up nearly all of a file there
-// is none but the large chunks of the tree's arena.
+// Counts the heap allocations of decoding: the entries that make up nearly all of a file need none
+// except the large chunks of the tree's arena.
 #include "allocations/CountedAllocation.h"
 #include "nodes/VDebugInfoNode.h"
 #include "support/ScopedReaderState.h"
@@ -17,7 +17,7 @@ using namespace Tessel::Norn::Brindle::Reader::DWARF;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-/// The entries of a unit: a type, and as many as wanted that name it.
+/// The entries of a unit: a type, and the requested number of entries that refer to it.
 using EntryMaker = std::function<Die(std::size_t index, const DieLabel& type)>;
 
 struct Reading {

@@ -1,5 +1,5 @@
-// What one read is asked for over the C interface, and what the image and its rows tell afterwards:
-// read from a path, from memory, with options of its own, after waiting.
+// Reads on request over the C interface, and what image and rows contain afterwards: read from a
+// path, from memory, with options of their own, after waiting.
 #include "Interface.h"
 
 #include "support/TemporaryFolder.h"
@@ -38,7 +38,7 @@ brindle_input Input(const char* path) {
     return input;
 }
 
-/// A model that is read as an input says.
+/// A model that is read from an input.
 class ReadModel {
 public:
     ReadModel(brindle_reader reader, const brindle_input& input)
@@ -58,7 +58,7 @@ public:
         return image;
     }
 
-    /// All that is told of the image, with the sections and their first bytes.
+    /// Everything that is known about the image, with the sections and their first bytes.
     [[nodiscard]] std::string Description() const {
         const brindle_image image = Image();
         std::ostringstream text;
@@ -88,7 +88,7 @@ std::string RowText(std::string_view path, const brindle_place& place) {
     return text.str();
 }
 
-/// All rows of a walk, a block after the other.
+/// All rows of a walk, block by block.
 std::vector<std::string> Rows(brindle_model model, const brindle_row_choice& choice,
                               std::size_t wanted) {
     std::vector<std::string> texts;
@@ -144,7 +144,7 @@ TEST_F(InputTest, AFileInMemoryTellsWhatItsPathTells) {
         input.bytes = content.data();
         input.byte_count = content.size();
         const ReadModel fromMemory(mReader, input);
-        // The library has a copy.
+        // The library has made a copy.
         content.assign(content.size(), 'x');
         EXPECT_EQ(fromMemory.Status(), BRINDLE_OK);
         EXPECT_EQ(fromMemory.Description(), byPath.Description());
@@ -188,7 +188,7 @@ TEST_F(InputTest, OptionsOfARequestHoldForItsReadAlone) {
     EXPECT_THAT(VisitedLeaves(full.Handle()), SizeIs(Gt(100U)));
     EXPECT_EQ(OptionValue("mIsFullReading"), "0");
 
-    // The second one is refused; the first must not stay.
+    // The second one is refused; then the first must not take effect.
     for (const auto& [wrong, status] :
          {std::pair{brindle_setting{"mNoSuchOption", "1"}, BRINDLE_NOT_FOUND},
           std::pair{brindle_setting{"mElfForceSymbolTable", "much"}, BRINDLE_INVALID_VALUE},
@@ -202,7 +202,7 @@ TEST_F(InputTest, OptionsOfARequestHoldForItsReadAlone) {
     }
 }
 
-/// Reads that wait, in threads of their own, for one that is held up in its first callback.
+/// Reads in threads of their own that wait for a read which is blocked in its first callback.
 class WaitingTest : public InputTest {
 protected:
     void SetUp() override {
@@ -236,7 +236,7 @@ TEST_F(WaitingTest, AReadWaitsForTheOneThatRuns) {
         });
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         EXPECT_FALSE(hasEnded);
-        // On the thread of the read that runs it would wait for itself.
+        // On the thread of the running read it would wait for itself.
         EXPECT_EQ(ReadModel(mOther, mInput).Status(), BRINDLE_BUSY);
     };
     EXPECT_EQ(ReadModel(mReader, mInput).Status(), BRINDLE_OK);

@@ -1,4 +1,4 @@
-// Short words for tests of the C interface.
+// Short names for tests of the C interface.
 #pragma once
 
 #include <brindle/brindle.h>
@@ -46,7 +46,7 @@ private:
     brindle_reader mHandle = nullptr;
 };
 
-/// A model that is read, and its status.
+/// A model that was read, and the status of the read.
 class CModel {
 public:
     CModel() = default;

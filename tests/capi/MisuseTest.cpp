@@ -1,4 +1,4 @@
-// Wrong calls of the C interface: each is told by its status, none does harm.
+// Wrong calls of the C interface: each returns a status, none does harm.
 #include "Interface.h"
 
 #include "support/ElfImage.h"
@@ -27,10 +27,10 @@ brindle_bool IgnoreLeaf(void* /*user*/, const brindle_text* /*path*/,
 }
 
 std::array<char, 256> gText;
-/// Whether the latest call that asked for a number left 0 behind.
+/// Whether the latest call that returns a number set it to 0.
 bool (*gIsZero)() = nullptr;
 
-/// Where a call is to write a value.
+/// The place for a call's result.
 template <typename Value>
 Value* Into() {
     static Value sValue = {};
@@ -82,7 +82,7 @@ std::vector<ReaderCall> ReaderCalls() {
             READER_CALL(cancel)};
 }
 
-/// A question to a model, about an object of an identifier where it is about one.
+/// A query to a model, with the identifier of an object if it is about one.
 struct ModelCall {
     std::function<brindle_status(brindle_model, brindle_id)> call;
     const char* name;
@@ -103,7 +103,7 @@ struct ModelCall {
             #function                                                                              \
     }
 
-/// The questions about one object, for its first list item where it is about lists.
+/// The queries about one object; queries about lists ask for the first item.
 std::vector<ModelCall> ObjectCalls() {
     return {MODEL_CALL(object, id, Into<brindle_object>()),
             MODEL_CALL(first_in, id, Into<brindle_id>()),
@@ -120,7 +120,7 @@ std::vector<ModelCall> ObjectCalls() {
             MODEL_CALL(type_text, id, gText.data(), gText.size(), nullptr)};
 }
 
-/// All other questions.
+/// All other queries.
 std::vector<ModelCall> WholeModelCalls() {
     const auto rows = [](brindle_model model, brindle_id /*id*/) {
         brindle_rows walk = nullptr;
@@ -142,7 +142,7 @@ std::vector<ModelCall> WholeModelCalls() {
             MODEL_CALL(visit_leaves, 0, nullptr, IgnoreLeaf, nullptr, Into<brindle_leaf_cuts>())};
 }
 
-/// Asks everything of a model and all its objects.
+/// Runs every query on a model and all its objects.
 void AskEverything(const CModel& model) {
     const std::uint64_t count = model.ObjectCount();
     ASSERT_GE(count, 1U);
@@ -185,7 +185,7 @@ TEST_F(MisuseTest, HandlesThatAreNoneOrNoLongerAreRefused) {
     EXPECT_EQ(other.Variables(), std::vector<std::string>{"speed"}) << "models outlive readers";
     EXPECT_EQ(brindle_model_destroy(staleModel), BRINDLE_OK);
     EXPECT_EQ(brindle_model_destroy(staleModel), BRINDLE_INVALID_HANDLE);
-    // New handles must not be those of old objects.
+    // New handles must differ from those of old objects.
     const CReader reader;
     const CModel model(reader, mPath);
 
@@ -302,7 +302,7 @@ TEST_F(MisuseTest, StructuresAreFilledAsFarAsTheHostKnowsThem) {
     EXPECT_EQ(older.name.data, nullptr);
     EXPECT_EQ(older.address, 0x1234U);
 
-    // One that knows members to come.
+    // A host that knows members of a later version.
     struct {
         brindle_object known;
         std::uint64_t later;
@@ -315,7 +315,7 @@ TEST_F(MisuseTest, StructuresAreFilledAsFarAsTheHostKnowsThem) {
     EXPECT_EQ(newer.later, 0U);
     EXPECT_EQ(newer.behind, 2U);
 
-    // What goes in is taken as far as it reaches: behind its end lies what must not be called.
+    // Input is read only up to its size: the bytes after it must not be called.
     auto callbacks = Sized<brindle_callbacks>();
     callbacks.struct_size = offsetof(brindle_callbacks, SetProgressText);
     callbacks.SetProgressText = [](void*, const char*) { ADD_FAILURE(); };
@@ -340,7 +340,7 @@ TEST_F(MisuseTest, TextsAreCutBetweenCharactersAndTellTheirLength) {
     EXPECT_EQ(brindle_model_qualified_name(model, id, buffer.data(), length + 1, nullptr),
               BRINDLE_OK);
     EXPECT_EQ(buffer.data(), whole);
-    // Room for half of "ö".
+    // Space for half of "ö".
     EXPECT_EQ(brindle_model_qualified_name(model, id, buffer.data(), start + 4, &length),
               BRINDLE_BUFFER_TOO_SMALL);
     EXPECT_EQ(buffer.data(), whole.substr(0, start + 2));

@@ -1,4 +1,4 @@
-// What the C interface tells of finished models and of the library.
+// What the C interface returns about finished models and the library.
 #include "Interface.h"
 
 #include "support/ElfImage.h"

@@ -1,5 +1,5 @@
-// Reads over the C interface: what a host is told while one runs, what it may do meanwhile, how it
-// ends one, and what happens to what it must not do.
+// Reads over the C interface: what a host receives during a read, what it may do meanwhile, how it
+// ends the read, and what happens if it does what it must not.
 #include "Interface.h"
 
 #include "support/ElfImage.h"
@@ -25,12 +25,12 @@ using testing::SizeIs;
 
 using Action = std::function<void()>;
 
-/// Calls the action that is the user data.
+/// Calls the action in the user data.
 void Act(void* action) {
     (*static_cast<Action*>(action))();
 }
 
-/// Acts when the first phase of a read begins.
+/// Runs the action when the first phase of a read begins.
 brindle_callbacks ActingCallbacks(Action& action) {
     auto callbacks = Sized<brindle_callbacks>();
     callbacks.user_data = &action;
@@ -38,7 +38,8 @@ brindle_callbacks ActingCallbacks(Action& action) {
     return callbacks;
 }
 
-/// A host model that gives out a number for each object, and acts when a variable is delivered.
+/// A host model that returns a number for each object, and runs an action when a variable is
+/// delivered.
 struct CountingHost {
     brindle_id last = 0;
     std::vector<std::string> variables;
@@ -185,7 +186,7 @@ TEST_F(ReadingTest, WhatDisturbsARunningReadIsRefused) {
         EXPECT_EQ(brindle_option_set("mForceDebugSectionVersion", "1"), BRINDLE_BUSY);
         EXPECT_EQ(brindle_reader_set_language(other, 49), BRINDLE_BUSY);
         std::thread([&] { EXPECT_EQ(CModel(other, mPath).Status(), BRINDLE_BUSY); }).join();
-        // A finished model and the settings of later reads don't matter to it.
+        // A finished model doesn't depend on the settings of later reads.
         EXPECT_THAT(finished.Variables(), SizeIs(3));
         EXPECT_EQ(brindle_reader_set_callbacks(mReader, nullptr), BRINDLE_OK);
     };
@@ -256,7 +257,8 @@ TEST_F(ReadingTest, MissingFunctionsOfATableAnswerZero) {
               BRINDLE_READ_FAILED)
         << "a model without a global namespace is none";
 
-    // A table of a host that knows the first function alone; what stands behind is no part of it.
+    // The table of a host that knows only the first function; what follows in memory is no part of
+    // it.
     CountingHost host;
     brindle_factory shorter = host.Factory();
     shorter.struct_size = offsetof(brindle_factory, GetNamespace);

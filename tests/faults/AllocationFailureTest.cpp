@@ -12,8 +12,8 @@ namespace {
 
 class AllocationFailureTest : public FaultTest {
 protected:
-    /// Reads the file with the allocations 1, `next`(1) and so on failing, to the first number that
-    /// the read doesn't reach.
+    /// Reads the file with the allocations 1, `next`(1) and so on failing, up to the first number
+    /// that the read doesn't reach.
     void FailAllocations(const std::string& path,
                          const std::function<std::size_t(std::size_t)>& next) {
         DataModel::Model undisturbed;
@@ -29,7 +29,7 @@ protected:
     }
 
 private:
-    /// @return true if the read came to this allocation
+    /// @return true if the read reached this allocation
     bool FailAllocation(const std::string& path, std::size_t number,
                         const DataModel::Model& undisturbed) {
         SCOPED_TRACE("allocation " + std::to_string(number));
@@ -54,7 +54,7 @@ private:
             EXPECT_FALSE(VElfOptions::mDumpProducerInfoFile.is_open());
             QueryAll(model);
         }
-        // The options are texts too, and keep what they grew to.
+        // The options are texts too, and keep the memory that they grew to.
         EXPECT_EQ(LiveAllocations(), before);
         return hasFailed;
     }

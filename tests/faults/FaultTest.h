@@ -1,5 +1,5 @@
-// What the tests of faults share: an image that takes every road of a read, and reads of it that
-// something goes wrong in.
+// Shared by the tests of faults: an image that takes every path of a read, and reads of it in which
+// something fails.
 #pragma once
 
 #include "model/DataModel.h"
@@ -21,7 +21,7 @@ namespace Tessel::Norn::Brindle::Tests {
 
 /// A small image with variables, types of every kind, a function, declarations that are resolved
 /// in another unit and in the symbol table, and symbols without debug information.
-/// @param padding bytes that the first unit is larger by, so that it isn't read at once with others
+/// @param padding bytes added to the first unit, so that it isn't read at once with others
 std::string ImageOfEverything(std::size_t padding = 0);
 /// The same debug information in a Windows image.
 std::string WindowsImageOfEverything(std::size_t padding = 0);
@@ -49,13 +49,13 @@ protected:
 
     /// One read into a model, with all types and every callback set. A file whose name ends in
     /// ".exe" is read as a Windows image, any other as ELF.
-    /// @param sink hears of each call after the model has answered it; may be empty
+    /// @param sink receives each call after the model has answered it; may be empty
     FaultOutcome Read(DataModel::Model& model, const std::string& path, const CallSink& sink = {});
 
     /// "name@address" of each variable.
     static std::vector<std::string> Variables(const DataModel::Model& model);
 
-    /// Asks every query of every object, so that a model that was left halfway shows it.
+    /// Runs every query for every object, so that an inconsistent model shows.
     static void QueryAll(const DataModel::Model& model);
 
     /// Called by every callback of the reader; a test may throw from it.

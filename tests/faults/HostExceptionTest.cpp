@@ -1,5 +1,5 @@
 // Exceptions of the host, thrown from its data model and from its callbacks: they pass through the
-// reader, which lets go of everything on the way.
+// reader, which releases everything on the way.
 #include "allocations/CountedAllocation.h"
 #include "core/VElfOptions.h"
 #include "faults/FaultTest.h"
@@ -24,8 +24,8 @@ protected:
         }
     }
 
-    /// Reads with the first, second and each following call throwing, to the first number that the
-    /// read doesn't reach.
+    /// Reads with the first, second and each following call throwing, up to the first number that
+    /// the read doesn't reach.
     /// @return the number of calls of an undisturbed read
     int ThrowAtEach(const std::string& path, const CallSink& sink) {
         LetOptionsGrow(path);
@@ -55,7 +55,7 @@ protected:
     std::size_t mOpenFiles = OpenFileCount();
 
 private:
-    /// Files that the process has open, where the system tells.
+    /// Number of files that the process has open, if the system says.
     static std::size_t OpenFileCount() {
         const std::filesystem::path folder = "/proc/self/fd";
         std::error_code error;
@@ -63,7 +63,7 @@ private:
             std::distance(std::filesystem::directory_iterator(folder, error), {}));
     }
 
-    /// The options are texts too, and keep what they grew to.
+    /// The options are texts too, and keep the memory that they grew to.
     void LetOptionsGrow(const std::string& path) {
         DataModel::Model model;
         Read(model, path);

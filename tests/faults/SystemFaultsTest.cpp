@@ -1,5 +1,5 @@
-// Files that can't be read, that end while they are read, and disks that are full: each gives the
-// error that was told, and no address that isn't in the file.
+// Files that can't be read or end while they are read, and full disks: each gives the documented
+// error, and no address that isn't in the file.
 #include "core/VElfOptions.h"
 #include "faults/FaultTest.h"
 #include "model/RecordedCall.h"
@@ -86,7 +86,7 @@ TEST_F(SystemFaultsTest, FilesThatGiveNoBytes) {
 }
 
 TEST_F(SystemFaultsTest, EveryTruncatedFileIsRefused) {
-    // The section table stands at the end, so that no part of the file is read without it.
+    // The section table is at the end, so that no part of the file is read without it.
     for (std::size_t length = 0; length < mImage.size(); ++length) {
         const FaultOutcome outcome = Read(mFolder.Write("cut.elf", mImage.substr(0, length)));
         EXPECT_FALSE(outcome.result) << length;

@@ -1,5 +1,5 @@
-// A host that tries what could fail at run time alone when the library is a shared one: options
-// that live in both, exceptions that pass through, and types that are told apart. Its only argument
+// A host that tries what could fail only at run time when the library is a shared one: options that
+// exist in both, exceptions that pass through, and types that must be recognized. Its only argument
 // is an ELF file with debug information; it prints what is wrong.
 
 #include <brindle/core/LibraryVersion.h>

@@ -30,7 +30,7 @@ TEST(A2lExport, MakesNamesThatA2lAccepts) {
     for (const auto& [name, expected] : cases) {
         EXPECT_EQ(MakeIdentifier(name), expected) << name;
     }
-    // Too long: cut, and told apart by a number.
+    // Too long: cut, and distinguished by a hash.
     const std::string part = MakeIdentifier(std::string(200, 'a'));
     EXPECT_EQ(part.size(), 128U);
     EXPECT_NE(part, MakeIdentifier(std::string(201, 'a')));
@@ -76,7 +76,7 @@ TEST(A2lExport, FindsAlignmentsInStructures) {
     const auto wide = image.Base(BasicTypes::UInt64, 8);
     const auto word = image.Base(BasicTypes::UInt32, 4);
     const auto real = image.Base(BasicTypes::Double, 8);
-    // A controller that aligns 64 bits to 4 bytes, with one structure that is packed.
+    // A controller that aligns 64 bits to 4 bytes, with one packed structure.
     const auto plain = image.Struct("plain", 220);
     for (std::uint32_t offset = 4; offset < 200; offset += 12) {
         image.Member("w" + std::to_string(offset), word, plain, offset);

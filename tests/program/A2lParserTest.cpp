@@ -13,7 +13,7 @@ using Tests::InModule;
 
 namespace {
 
-/// What is found of an object, in one line.
+/// What the parser finds about an object, in one line.
 std::string Summary(const Object& object) {
     std::string text = std::string(KeywordOf(object.kind)) + " " + std::string(object.name.Text());
     text.append(" @").append(object.address.span.Text());
@@ -91,7 +91,7 @@ TEST(A2lParser, FindsEveryKindOfObjectInEachVersion) {
         {R"(/begin INSTANCE motor "" motor_t 0x20000000 MATRIX_DIM 3
             /begin OVERWRITE gain 0 CONVERSION CM /end OVERWRITE /end INSTANCE)",
          "INSTANCE motor @0x20000000 elements 3"},
-        // A value may look like a keyword, and what vendors say is theirs.
+        // A value may look like a keyword, and vendors' blocks are their own.
         {R"(/begin MEASUREMENT v "ECU_ADDRESS 0x1" UBYTE CM 0 0 0 1 DISPLAY_IDENTIFIER ECU_ADDRESS
             /begin IF_DATA CANAPE_EXT LINK_MAP "v" 0x1 0 0 ECU_ADDRESS 0x2
               /begin MEASUREMENT x /end MEASUREMENT /end IF_DATA
@@ -221,7 +221,7 @@ TEST(A2lEncoding, GivesAnyTextBackAsItWas) {
         Encoding encoding;
         std::string text;
     };
-    // Beside whole characters, halves of them that stand alone or the wrong way round.
+    // Beside whole characters, lone surrogates and reversed pairs.
     const std::vector<Case> cases = {
         {"\xFF\xFE"
          "a\0\xE9\0\x3D\xD8\x00\xDE"s,

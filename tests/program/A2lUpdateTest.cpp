@@ -23,7 +23,7 @@ using ObjectId = DataModel::ObjectId;
 
 namespace {
 
-/// An image with one of everything that names come in.
+/// An image with one example of every form of name.
 class Image : public ModelBuilder {
 public:
     Image() {
@@ -274,17 +274,17 @@ TEST(A2lUpdate, PlacesBitFieldsForTheNumberThatTheMaskCountsIn) {
         {4, 13, 2, true, 1, {}, 2, 0x60},
         {4, 13, 2, false, 2, {}, 0, 0x6000},
         {4, 13, 2, true, 2, {}, 2, 0x6000},
-        // The mask of the file tells which of several numbers it counts in.
+        // The mask of the file decides to which of several numbers it applies.
         {4, 13, 2, false, 2, 0x60, 1, 0x60},
         // A larger number, which ends where a big-endian unit ends.
         {1, 3, 2, false, 4, {}, 0, 0x18},
         {1, 3, 2, true, 4, 0x18, -3, 0x18},
-        // No number of the size holds the field.
+        // No number of this size holds the field.
         {4, 6, 4, false, 1, {}, 0, 0},
         {4, 0xFFFFFFFF, 4, false, 4, {}, 0, 0},
         {4, 30, 4, true, 4, {}, 0, 0},
         {8, 62, 4, false, 8, {}, 1, 0x3C0000000000000},
-        // A packed field goes on in the byte behind its unit.
+        // A packed field extends into the byte after its unit.
         {4, 30, 4, false, 4, {}, 1, 0x3C00000},
         {4, 30, 4, false, 2, {}, 3, 0x3C0},
     };
@@ -312,7 +312,7 @@ TEST(A2lUpdate, ChangesBitMasksOnlyWhenAsked) {
     std::string expected = text;
     expected.replace(expected.find("0x00000FFF"), 10, "0x01FFE000");
     EXPECT_EQ(UpdateText(text, choices), expected);
-    // A mask of a whole number is the user's.
+    // The mask of a whole number is the user's choice.
     const std::string own =
         InModule(Measurement("speed", "UWORD", "BIT_MASK 0x1 ECU_ADDRESS 0x2000"));
     EXPECT_EQ(UpdateText(own, choices), own);
@@ -393,8 +393,7 @@ TEST(A2lUpdate, ChangesEachIncludedFileOnce) {
               Measurement("speed", "UWORD", "ECU_ADDRESS 0x2000"));
 }
 
-// Whatever stands between the tokens and wherever it stands, the update changes the addresses
-// alone.
+// Whatever is between the tokens and wherever it is, the update changes only the addresses.
 TEST(A2lUpdate, LeavesAllOtherBytesUnderRandomEdits) {
     // Addresses to change are marked with "@", a blank within a token is "^".
     std::istringstream tokens(R"(

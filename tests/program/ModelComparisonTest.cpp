@@ -16,7 +16,7 @@ using DataModel::ObjectId;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A build with a structure `motor` of the members that `fill` gives it.
+/// A build with a structure `motor` whose members `fill` adds.
 class Build : public Tests::ModelBuilder {
 public:
     Build(std::uint64_t address, const std::function<void(Build&)>& fill) {

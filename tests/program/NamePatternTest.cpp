@@ -1,4 +1,4 @@
-// What patterns on the command line fit.
+// What patterns on the command line match.
 #include "NamePattern.h"
 
 #include "RowOrder.h"

@@ -1,4 +1,4 @@
-// Which names count as near to a wrong one.
+// Which names count as similar to a wrong one.
 #include "NearNames.h"
 
 #include <gtest/gtest.h>

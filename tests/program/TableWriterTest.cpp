@@ -1,4 +1,4 @@
-// Tables beyond what is kept to align them.
+// Tables with more rows than are kept for alignment.
 #include "TableWriter.h"
 
 #include "ResultOutput.h"

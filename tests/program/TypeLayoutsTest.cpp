@@ -65,7 +65,7 @@ TEST_F(TypeLayoutsTest, NamelessTypesStandWhereTheyAreHeld) {
     UnionMember("pair", Array({2}, inner, 8), outer);
     UnionMember("whole", mUInt32, outer);
     Typedef("Choice", choice);
-    // Its members have gone to the structure around it.
+    // Its members have moved to the enclosing structure.
     AnonymousStruct("<unnamed-struct>", 4);
     EXPECT_EQ(Layouts(), R"(union Outer {                               /* size 8 */
     struct {                                /* size 4 */
@@ -147,7 +147,7 @@ TEST_F(TypeLayoutsTest, UnusedBitsAreThoseThatNothingCovers) {
     const ObjectId packed = Struct("Packed", 11);
     Member("stamp", mUInt32, packed, 0);
     const ObjectId uint16 = Base(BasicTypes::UInt16, 2);
-    // Packed fields may reach beyond their storage unit; what follows lies in it.
+    // Packed fields may extend beyond their storage unit; what follows lies in it.
     BitField("code", uint16, packed, 3, 8, 11);
     BitField("flags", uint16, packed, 5, 3, 5);
     Member("rest", Array({5}, mInt8, 5), packed, 6);

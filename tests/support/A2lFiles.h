@@ -11,7 +11,7 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
-/// A description and the files that it includes, which lie in no folder.
+/// A description and the files that it includes, which are in no folder.
 struct A2lFiles {
     explicit A2lFiles(std::string main, std::map<std::string, std::string> included = {})
         : mFiles(std::move(included))
@@ -30,7 +30,7 @@ struct A2lFiles {
     Program::A2l::SourceSet mSources;
 };
 
-/// A module with this content, complete but for it.
+/// A complete module with this content.
 inline std::string InModule(const std::string& content) {
     return "ASAP2_VERSION 1 60\n/begin PROJECT p \"\"\n/begin MODULE m \"\"\n" + content +
            "\n/end MODULE\n/end PROJECT\n";

@@ -1,4 +1,4 @@
-// Writes integers and texts of a target's byte order into a growing byte string: the ground of all
+// Writes integers and texts in a target's byte order into a growing byte string: the basis of all
 // builders of test inputs.
 #pragma once
 

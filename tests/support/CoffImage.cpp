@@ -85,7 +85,7 @@ std::string CoffImage::SymbolsAndStrings(std::vector<std::uint32_t>& nameOffsets
     }
     ByteWriter length;
     length.U32(mStringTableLength.value_or(static_cast<std::uint32_t>(strings.Size())));
-    // A count that no file can hold is a lie of the header alone.
+    // A count that no file can hold is only a wrong number in the header.
     const std::size_t entries = mSymbolCount < 1000 ? mSymbolCount : 0;
     return std::string(entries * sSymbolSize, '\0') + length.Content() +
            strings.Content().substr(length.Size());

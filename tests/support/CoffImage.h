@@ -15,11 +15,11 @@ namespace Tessel::Norn::Brindle::Tests {
 constexpr std::uint16_t sCoffTargetC6000 = 0x99;
 constexpr std::uint16_t sCoffTargetC2800 = 0x9D;
 
-/// What a test may say of a section beyond its contents. Unset fields are filled in rightly.
+/// What a test may set for a section beyond its contents. Unset fields get correct values.
 struct CoffSectionOverrides {
     std::optional<std::uint32_t> offset = {};
     std::optional<std::uint32_t> size = {};
-    /// Offset of the name in the string table, also for a name that fits the header.
+    /// Offset of the name in the string table, even for a name that fits the header.
     std::optional<std::uint32_t> nameOffset = {};
     std::uint32_t physicalAddress = 0;
 };
@@ -36,11 +36,11 @@ public:
     CoffImage& SymbolCount(std::uint32_t count);
     /// The length at the start of the string table.
     CoffImage& StringTableLength(std::uint32_t length);
-    /// Symbol entries and string table lie before the contents of the sections instead of behind.
+    /// Symbol entries and string table precede the contents of the sections instead of following.
     CoffImage& SymbolsFirst();
 
     [[nodiscard]] std::string Build() const;
-    /// Length of all that comes before contents, symbols and strings.
+    /// Length of everything before contents, symbols and strings.
     [[nodiscard]] std::size_t HeadersSize() const;
 
 private:

@@ -37,7 +37,7 @@ constexpr OperandEncoding sOperandEncodings[] = {
     {DW_OP_GNU_addr_index, DW_OP_GNU_const_index, OperandKind::Unsigned},
 };
 
-/// What the value of a form is written as.
+/// How the value of a form is encoded.
 enum class Layout { Unknown, Fixed, Address, Offset, Reference, Unsigned, Signed, Text, Block };
 
 struct FormEncoding {
@@ -78,7 +78,7 @@ FormEncoding EncodingOfForm(std::uint32_t form) {
     return found != std::end(sFormEncodings) ? *found : FormEncoding{form};
 }
 
-/// Numbers of more bytes consist of several alike.
+/// Larger numbers consist of several equal words.
 constexpr std::size_t sWord = 8;
 /// Bytes of a reference in LEB128, wide enough for every unit of a test.
 constexpr std::size_t sLebReferenceSize = 4;
@@ -107,10 +107,10 @@ void WriteOperand(ByteWriter& writer, std::uint8_t code, std::int64_t operand, i
     ADD_FAILURE() << "operation " << int{code} << " has no operands";
 }
 
-/// An attribute as an abbreviation has it: its code, its form, and the value of a constant.
+/// An attribute in an abbreviation: its code, its form, and the value of a constant.
 using AbbreviatedAttribute = std::tuple<std::uint32_t, std::uint32_t, std::optional<std::uint64_t>>;
 
-/// What an abbreviation consists of, code aside.
+/// The contents of an abbreviation, without its code.
 using Abbreviation =
     std::pair<std::pair<dwarf_tag, std::uint8_t>, std::vector<AbbreviatedAttribute>>;
 
@@ -216,7 +216,7 @@ struct DwarfSections::UnitState {
         return unit.referenceSize ? static_cast<std::size_t>(*unit.referenceSize) : usual;
     }
 
-    /// Bytes of a number of the layout.
+    /// Size of a number of this encoding in bytes.
     [[nodiscard]] std::size_t SizeOf(const FormEncoding& encoding) const {
         switch (encoding.layout) {
         case Layout::Address:
@@ -243,7 +243,7 @@ DwarfSections::DwarfSections(ByteOrder byteOrder)
     : mByteOrder(byteOrder) {}
 
 DwarfSections& DwarfSections::Unit(const DwarfUnit& unit) {
-    // The bytes behind the length come first, since the length counts them.
+    // The bytes after the length come first, since the length counts them.
     const bool isInTypes = unit.type && unit.version < 5;
     std::string& section = isInTypes ? mTypes : mInfo;
     UnitState state(unit, mByteOrder, isInTypes, section.size());

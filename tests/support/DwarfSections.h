@@ -1,5 +1,5 @@
-// Builds the debug sections from declarations of debug entries (DIEs), so that a test reads as the
-// tree that it is about. Damaged contents come in as raw bytes.
+// Builds the debug sections from declarations of debug entries (DIEs), so that a test reads like
+// the tree that it is about. Damaged contents are added as raw bytes.
 #pragma once
 
 #include "dwarf/codes/DwarfConstants.h"
@@ -54,7 +54,7 @@ enum : std::uint8_t {
 
 /// @}
 
-/// Names a debug entry. Copies name the same entry; each new one names another.
+/// Identifies a debug entry. Copies identify the same entry; each new label another.
 class DieLabel {
 public:
     DieLabel();
@@ -78,7 +78,7 @@ struct DieAttribute {
     std::uint32_t form;
     /// A number; a text or the bytes of a block; the entry referred to; an expression.
     Value value;
-    /// How often the value is preceded by a form, `DW_FORM_indirect` standing in the abbreviation.
+    /// How many forms precede the value; the abbreviation then has `DW_FORM_indirect`.
     int indirections = 0;
     /// The value is given as its bytes, whatever the form.
     bool isBytes = false;
@@ -87,11 +87,11 @@ struct DieAttribute {
 /// @name Any attribute in any form
 /// @{
 
-/// A number in a form for numbers or references; in one for blocks the block is empty.
+/// A number in a form for numbers or references; in a form for blocks, an empty block.
 DieAttribute Number(std::uint32_t attribute, std::uint32_t form, std::uint64_t value);
 /// A text in a form for texts; `DW_FORM_strp` puts it into `.debug_str`.
 DieAttribute Text(std::uint32_t attribute, std::uint32_t form, std::string text);
-/// Bytes in a form for blocks; in any other form they are the value as it stands in the unit.
+/// Bytes in a form for blocks; in any other form they are the encoded value itself.
 DieAttribute Block(std::uint32_t attribute, std::uint32_t form, std::string bytes);
 DieAttribute Reference(std::uint32_t attribute, std::uint32_t form, DieLabel target);
 DieAttribute Expression(std::uint32_t attribute, std::uint32_t form,
@@ -155,15 +155,15 @@ public:
     /// An entry has children in the sense of its abbreviation if some are given.
     explicit Die(dwarf_tag tag, std::vector<DieAttribute> attributes = {},
                  std::vector<Die> children = {});
-    /// An entry to which others refer.
+    /// An entry that others refer to.
     Die(DieLabel label, dwarf_tag tag, std::vector<DieAttribute> attributes = {},
         std::vector<Die> children = {});
-    /// Bytes in the place of an entry.
+    /// Bytes in place of an entry.
     static Die Raw(std::string bytes);
 
-    /// Sets the children byte of the abbreviation. Only with 1 a list of children is written.
+    /// Sets the children byte of the abbreviation. Only 1 makes a list of children.
     Die& ChildrenByte(std::uint8_t value);
-    /// Leaves out the null entry behind the children.
+    /// Omits the null entry after the children.
     Die& WithoutTerminator();
 
 private:
@@ -178,7 +178,7 @@ private:
     std::optional<std::string> mRawBytes;
 };
 
-/// One unit. The last fields, where set, replace what is filled in rightly.
+/// One unit. The last fields, if set, replace correct values.
 struct DwarfUnit {
     std::vector<Die> entries = {};
     int version = 4;
@@ -188,15 +188,15 @@ struct DwarfUnit {
     std::uint8_t unitType = Reader::DWARF::DW_UT_compile;
     /// Signature of a type unit, or identifier of a split one.
     std::uint64_t signature = 0;
-    /// The type of a type unit. In versions before 5, the unit stands in `.debug_types`.
+    /// The type of a type unit. In versions before 5, the unit goes to `.debug_types`.
     std::optional<DieLabel> type = {};
-    /// Width of `DW_FORM_ref_addr`: by default the address size in version 2, from version 3 on
-    /// that of an offset.
+    /// Width of `DW_FORM_ref_addr`: by default the address size in version 2, the size of an offset
+    /// from version 3 on.
     std::optional<int> referenceSize = {};
     /// The unit length as written.
     std::optional<std::uint64_t> length = {};
-    /// Place of a table in `.debug_abbrev`; the unit then adds no table of its own, and its entries
-    /// have to be raw.
+    /// Offset of a table in `.debug_abbrev`; the unit then adds no table of its own, and its
+    /// entries must be raw.
     std::optional<std::uint64_t> abbreviationOffset = {};
 };
 
@@ -208,28 +208,28 @@ public:
     DwarfSections& Unit(const DwarfUnit& unit);
     /// A unit of version 4 for 32-bit targets.
     DwarfSections& Unit(std::vector<Die> entries) { return Unit(DwarfUnit{std::move(entries)}); }
-    /// The same unit as a compiler of DWARF 5 writes it: texts and addresses by index, numbers in
-    /// abbreviations, bases behind the attributes that need them.
+    /// The same unit as a compiler writes it for DWARF 5: texts and addresses by index, numbers in
+    /// abbreviations, bases after the attributes that need them.
     DwarfSections& ModernUnit(DwarfUnit unit);
     /// Bytes between units.
     DwarfSections& RawInfo(std::string_view bytes);
-    /// Adds bytes to `.debug_abbrev`. Gives their offset.
+    /// Adds bytes to `.debug_abbrev`. Returns their offset.
     std::uint64_t RawAbbreviations(std::string_view bytes);
-    /// Adds a text to `.debug_str`, unless it is there. Gives its offset.
+    /// Adds a text to `.debug_str`, unless it is there. Returns its offset.
     std::uint64_t String(const std::string& text);
-    /// Adds an entry of a location list, with 4-byte addresses. Gives its offset.
+    /// Adds an entry of a location list, with 4-byte addresses. Returns its offset.
     std::uint64_t LocationListEntry(std::uint64_t begin, std::uint64_t end,
                                     const std::vector<Operation>& operations,
                                     std::optional<std::uint16_t> length = {});
     std::uint64_t RawLocations(std::string_view bytes);
-    /// Adds bytes to `.debug_loclists`. Gives their offset.
+    /// Adds bytes to `.debug_loclists`. Returns their offset.
     std::uint64_t RawLocationLists(std::string_view bytes);
-    /// Index of a text in `.debug_str_offsets`, whose one part has the base `kTableBase`.
+    /// Index of a text in `.debug_str_offsets`, whose only table has the base `kTableBase`.
     std::uint64_t TextIndex(const std::string& text);
-    /// Index of an address in `.debug_addr`, whose one part has the base `kTableBase`.
+    /// Index of an address in `.debug_addr`, whose only table has the base `kTableBase`.
     std::uint64_t AddressIndex(std::uint64_t address, int addressSize = 4);
     static constexpr std::uint64_t kTableBase = 8;
-    /// Adds a text to `.debug_line_str`. Gives its offset.
+    /// Adds a text to `.debug_line_str`. Returns its offset.
     std::uint64_t LineString(const std::string& text);
 
     [[nodiscard]] const std::string& Info() const { return mInfo; }
@@ -237,8 +237,8 @@ public:
     /// Empty unless a text uses it.
     [[nodiscard]] const std::string& Strings() const { return mStrings; }
     [[nodiscard]] const std::string& Locations() const { return mLocations; }
-    /// Names and contents of the sections; those that are empty are left out, except `.debug_info`
-    /// and `.debug_abbrev`.
+    /// Names and contents of the sections; empty ones are omitted, except `.debug_info` and
+    /// `.debug_abbrev`.
     [[nodiscard]] std::vector<std::pair<std::string, std::string>> Sections() const;
 
     /// Section offset of an entry that was added.
@@ -250,13 +250,13 @@ private:
     void Modernize(Die& die, int addressSize);
     void Modernize(DieAttribute& attribute, int addressSize);
     void WriteHeader(UnitState& state);
-    /// A reference to an entry whose place isn't known yet.
+    /// A reference to an entry whose offset isn't known yet.
     struct OpenReference {
         std::size_t position = 0;
         std::size_t size = 0;
         std::uint64_t base = 0;
         bool isLeb128 = false;
-        /// Stands in `.debug_types`.
+        /// It is in `.debug_types`.
         bool isInTypes = false;
         DieLabel target;
     };
@@ -265,7 +265,7 @@ private:
     void WriteAttribute(UnitState& state, const DieAttribute& attribute);
     void WriteValue(UnitState& state, const DieAttribute& attribute);
     [[nodiscard]] std::string BytesOf(const UnitState& state, const DieAttribute& attribute) const;
-    /// What a form that names a text holds; nothing for other forms.
+    /// The value for a form that refers to a text; nothing for other forms.
     std::optional<std::uint64_t> PlaceOfText(std::uint32_t form, const std::string& text);
     void WriteReference(UnitState& state, std::uint32_t form, DieLabel target);
     void WriteAbbreviations(const UnitState& state);

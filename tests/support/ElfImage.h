@@ -21,7 +21,7 @@ constexpr std::uint8_t sSourceFile = 4;
 constexpr std::uint8_t sLocalObject = sObject;
 constexpr std::uint8_t sGlobalObject = 0x10 | sObject;
 constexpr std::uint8_t sGlobalNoType = 0x10 | sNoType;
-/// Visibility of a symbol that the files of its link share.
+/// Visibility of a symbol that the files of one link share.
 constexpr std::uint8_t sHidden = 2;
 
 struct ElfSymbol {
@@ -33,7 +33,7 @@ struct ElfSymbol {
     std::uint16_t section = 1;
 };
 
-/// What a test may say of a section beyond its contents. Unset fields are filled in rightly.
+/// What a test may set for a section beyond its contents. Unset fields get correct values.
 struct ElfSectionOverrides {
     std::optional<std::uint64_t> offset = {};
     std::optional<std::uint64_t> size = {};
@@ -63,7 +63,7 @@ public:
     ElfImage& WithoutStringTable();
     /// Section names and symbol names share one table, itself called ".strtab".
     ElfImage& SharedStringTable();
-    /// The number of sections stands in the first section header.
+    /// The first section header holds the number of sections.
     ElfImage& ExtendedNumbering();
     ElfImage& SectionNamesIndex(std::uint16_t index);
     /// Replaces bytes of the finished file.

@@ -1,5 +1,5 @@
-// Short words for filling a data model by hand, as a reader would. Tests of the model and of what
-// the program prints build their inputs with it.
+// Short names for filling a data model by hand, as a reader would. Tests of the model and of the
+// program's output build their inputs with it.
 #pragma once
 
 #include "model/DataModel.h"

@@ -11,7 +11,7 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
-/// A tree as decoding leaves it. A test holds a `ScopedReaderState`.
+/// A tree as decoding leaves it. The test must hold a `ScopedReaderState`.
 class NodeTree {
 public:
     explicit NodeTree(DwarfSections sections, const ElfImage& image = ElfImage());

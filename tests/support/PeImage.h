@@ -12,12 +12,12 @@ namespace Tessel::Norn::Brindle::Tests {
 
 enum class PeMachine : std::uint16_t { I386 = 0x14C, X86_64 = 0x8664 };
 
-/// What a test may say of a section beyond its contents. Unset fields are filled in rightly.
+/// What a test may set for a section beyond its contents. Unset fields get correct values.
 struct PeSectionOverrides {
     std::optional<std::uint32_t> offset = {};
     std::optional<std::uint32_t> virtualSize = {};
     std::optional<std::uint32_t> virtualAddress = {};
-    /// The eight bytes of the name field; the string table holds the name all the same.
+    /// The eight bytes of the name field; the string table still holds the name.
     std::optional<std::string> nameField = {};
 };
 
@@ -40,13 +40,13 @@ public:
     /// Without an address of its own, section number n lies at n * 0x1000.
     PeImage& Section(std::string name, std::string content, PeSectionOverrides overrides = {});
     PeImage& Symbol(PeSymbol symbol);
-    /// Header fields that lie about the symbol table.
+    /// Wrong header fields about the symbol table.
     PeImage& SymbolTable(std::optional<std::uint32_t> offset, std::optional<std::uint32_t> count);
-    /// Symbols and strings lie before the contents of the sections instead of behind.
+    /// Symbols and strings precede the contents of the sections instead of following.
     PeImage& SymbolsFirst();
 
     [[nodiscard]] std::string Build() const;
-    /// Length of all that comes before contents, symbols and strings.
+    /// Length of everything before contents, symbols and strings.
     [[nodiscard]] std::size_t HeadersSize() const;
     /// File position of the PE signature, from which the fields of the headers count.
     static constexpr std::size_t sSignature = 0x80;

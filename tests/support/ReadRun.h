@@ -23,7 +23,7 @@ struct ReadRun {
     std::string standardOutput;
     /// The calls in order, as `RecordingDataModel` words them.
     std::vector<std::string> calls;
-    /// What was told of the progress: an interval as "0-99", a value, a text.
+    /// The reported progress: an interval as "0-99", a value, a text.
     std::vector<std::string> progress;
     /// Texts of the reader's remarks.
     std::vector<std::string> remarks;
@@ -39,8 +39,8 @@ ReadRun ReadFile(
     Reader::DWARF::DWARFContainerType container = Reader::DWARF::DWARFContainerType::Container_ELF,
     bool allTypes = false);
 
-/// The same, but what the reader writes to standard output goes there: for very many reads, since
-/// a file is made for each output that is kept.
+/// The same, but the reader's standard output isn't captured: for very many reads, since each
+/// captured output needs a file.
 ReadRun ReadFileUncaptured(const std::string& path, Reader::DWARF::DWARFContainerType container,
                            bool allTypes = false);
 

@@ -11,13 +11,13 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
-/// Keeps options, run state, error state and language of the process as they are and gives them
-/// back with its end. Tests that change any of them, or read a file, hold one. The error state
-/// begins as in a fresh process, the language as English.
+/// Saves options, run state, error state and language of the process and restores them at its end.
+/// Tests that change any of them, or read a file, hold one. The error state begins as in a fresh
+/// process, the language as English.
 class ScopedReaderState {
 public:
     ScopedReaderState();
-    // NOLINTNEXTLINE(bugprone-exception-escape): tests that can't give a text back may end here
+    // NOLINTNEXTLINE(bugprone-exception-escape): tests that can't restore a text may end here
     ~ScopedReaderState();
     ScopedReaderState(const ScopedReaderState&) = delete;
     ScopedReaderState& operator=(const ScopedReaderState&) = delete;

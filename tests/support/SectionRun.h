@@ -15,8 +15,8 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
-/// One file, opened up to its section records. Target properties may be changed before `Init`. A
-/// test holds a `ScopedReaderState`; with a log, it sets `mIsLogFile` before the run is made.
+/// One file, opened up to its section records. Target properties may be changed before `Init`. The
+/// test must hold a `ScopedReaderState`; with a log, it sets `mIsLogFile` before the run is made.
 class SectionRun {
 public:
     explicit SectionRun(const ElfImage& image);
@@ -27,10 +27,10 @@ public:
     SectionRun& operator=(SectionRun&&) = delete;
 
     bool Init() { return mSection.Init(mFile, nullptr); }
-    /// `Init`, mapping and reading of all units. Every entry gets its node. What goes to standard
-    /// output is dropped.
+    /// `Init`, mapping and reading of all units. Every entry gets its node. Standard output is
+    /// discarded.
     bool Read();
-    /// The same without nodes for entries that nothing asks for, as hosts read.
+    /// The same without nodes for entries that nothing asks for, as for a host.
     bool ReadWithoutCode();
 
     [[nodiscard]] Reader::DWARF::VElfFile& File() { return mFile; }
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] std::vector<std::string> Outline() const;
     /// Start and length of each unit that was mapped, relative to the section's start.
     [[nodiscard]] std::vector<std::string> Units() const;
-    /// What the log holds so far, time stamps replaced by "@".
+    /// The log so far, with time stamps replaced by "@".
     [[nodiscard]] std::string Log() const;
 
 private:

@@ -7,7 +7,7 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
-/// A folder of its own that vanishes with the object and everything in it.
+/// A folder of its own that is removed with the object, with everything in it.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -18,8 +18,8 @@ public:
     TemporaryFolder& operator=(TemporaryFolder&&) = delete;
 
     [[nodiscard]] std::string Path(std::string_view name) const;
-    /// Writes a file of this name and gives its path.
-    // NOLINTNEXTLINE(modernize-use-nodiscard): some tests want the file alone
+    /// Writes a file of this name and returns its path.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): some tests want only the file
     std::string Write(std::string_view name, std::string_view content) const;
     [[nodiscard]] std::string Read(std::string_view name) const;
 

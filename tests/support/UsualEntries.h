@@ -1,4 +1,4 @@
-// The entries that most trees of tests are made of.
+// The entries that most test trees consist of.
 #pragma once
 
 #include "support/DwarfSections.h"
