@@ -39,6 +39,12 @@ class DocumentationTest(unittest.TestCase):
                     self.assertTrue(any(contains(lines, part) for lines in examples[language]))
         self.assertGreater(count, 5)
 
+    def test_all_packages_have_one_version(self):
+        wanted = re.search(r"project\(brindle VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text()).group(1)
+        for file, pattern in (("managed/Brindle/Brindle.csproj", r"<Version>(.*)</Version>"),
+                              ("python/brindle/_version.py", r'__version__ = "(.*)"')):
+            self.assertEqual(re.findall(pattern, (SOURCE / file).read_text()), [wanted], file)
+
     def test_links_lead_to_files(self):
         pages = ["CONTRIBUTING.md", "SECURITY.md", *(str(path.relative_to(SOURCE)) for path in SOURCE.glob("docs/*.md"))]
         for page in dict.fromkeys([*PAGES, *pages]):
