@@ -3,8 +3,17 @@
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME brindle)
 set(CPACK_PACKAGE_VENDOR "Brindle maintainers")
-set(CPACK_PACKAGE_CONTACT "Brindle maintainers <brindle@example.org>" CACHE STRING
-    "Maintainer of the packages")
+# Debian's tools name the maintainer of a package by these variables. An address that belongs to nobody says
+# that none was named.
+set(maintainer "Brindle maintainers")
+set(maintainer_address "maintainers@brindle.invalid")
+if(DEFINED ENV{DEBFULLNAME})
+    set(maintainer "$ENV{DEBFULLNAME}")
+endif()
+if(DEFINED ENV{DEBEMAIL})
+    set(maintainer_address "$ENV{DEBEMAIL}")
+endif()
+set(CPACK_PACKAGE_CONTACT "${maintainer} <${maintainer_address}>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/packages")
 set(CPACK_STRIP_FILES ON)

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes the Debian packages of program and library and holds them against Debian's rules:
-# build/packages/packages/*.deb.
+# build/packages/packages/*.deb. DEBFULLNAME and DEBEMAIL name their maintainer.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
