@@ -13,7 +13,7 @@ class Error(Exception):
 
 
 class ReadError(Error):
-    """A file could not be read to its end; the text is the reader's.
+    """A file could not be read to its end; the text names it, and says why.
 
     `image` holds what was delivered before the failure. It is sound, but not complete.
     """

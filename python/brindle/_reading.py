@@ -11,6 +11,7 @@ from . import _native
 from ._errors import BusyError, Error, OptionError, ReadError
 from ._image import Image
 from ._model import Model
+from ._problems import reason
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview]
 # Receives what the reader is doing and how far it has come with that, from 0 to 1.
@@ -46,14 +47,18 @@ def read(source: Source, *, full: bool = False, all_types: bool = False, contain
     wanted = _native.Input(container=_CONTAINERS[container], waits=int(wait))
     kept = _take_source(wanted, source, name)
     _take_settings(wanted, settings)
-    with _Reader(progress) as reader:
-        _native.library.brindle_reader_set_read_all_types(reader.handle, int(all_types))
-        image = reader.read(wanted)
-    del kept
-    return image
+    try:
+        with _Reader(progress) as reader:
+            _native.library.brindle_reader_set_read_all_types(reader.handle, int(all_types))
+            return reader.read(wanted)
+    except ReadError as error:
+        file = os.fsdecode(wanted.path)
+        why = reason(kept, str(error), container)
+        error.args = ((f"{file}: " if file else "") + str(error) + (f" ({why})" if why else ""),)
+        raise
 
 
-def _take_source(wanted: Any, source: Source, name: Optional[str]) -> object:
+def _take_source(wanted: Any, source: Source, name: Optional[str]) -> Union[bytes, str]:
     """Returns what must live as long as the input."""
     if isinstance(source, (bytes, bytearray, memoryview)):
         content = bytes(source)
@@ -65,7 +70,7 @@ def _take_source(wanted: Any, source: Source, name: Optional[str]) -> object:
     if b"\0" in path:
         raise ValueError("a path has no null character")
     wanted.path = path
-    return path
+    return os.fsdecode(path)
 
 
 def _take_settings(wanted: Any, settings: Mapping[str, object]) -> None:

@@ -1,6 +1,7 @@
 """Reading: what may be given, how it fails, what a running read means for another."""
 
 import gc
+import os
 import threading
 import weakref
 
@@ -31,6 +32,24 @@ def test_a_failed_read_has_the_readers_text_and_what_came_before(images, tmp_pat
     with pytest.raises(brindle.ReadError, match="strtab") as failure:
         brindle.read(broken)
     assert len(failure.value.image.variables) > 10
+
+
+def test_the_error_names_file_and_reason(images, tmp_path):
+    content = (images / NAME).read_bytes()
+    file = tmp_path / "Zünd.elf"
+    for wrong, why in ((b"", "The file is empty"), (b"some text", "neither ELF nor"),
+                       (content[:1000], "truncated"), (content[:20], "truncated")):
+        file.write_bytes(wrong)
+        for source, name in ((file, str(file)), (wrong, "")):
+            with pytest.raises(brindle.ReadError) as failure:
+                brindle.read(source)
+            text = str(failure.value)
+            assert text.startswith(f"{name}: " if name else "") and why in text, text
+    with pytest.raises(brindle.ReadError, match="Is a directory"):
+        brindle.read(tmp_path)
+    os.mkfifo(tmp_path / "pipe")
+    with pytest.raises(brindle.ReadError, match="pipe"):
+        brindle.read(tmp_path / "pipe")
 
 
 def test_options_hold_for_one_read(images):
