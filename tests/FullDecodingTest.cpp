@@ -482,7 +482,7 @@ TEST_F(FullDecodingTest, ListsByIndex) {
     const std::string list = Pair(0, 8, At(0x1000)) + '\0';
     for (const std::uint64_t index : {0U, 1U, 2U}) {
         DwarfSections sections;
-        // Two places: one after both of which the list follows, one far away.
+        // Two offsets: one to the list, which follows both of them, and one far away.
         sections.RawLocationLists(AddressBytes(8) + AddressBytes(0xFFFFFF00) + list);
         const DieLabel number;
         sections.Unit({.entries = {UnitDie(
