@@ -1,5 +1,5 @@
 /*
- * The smallest host: tells where a variable or a part of it lies.
+ * The smallest host: prints where a variable or a part of it lies.
  *
  *     find_variable firmware.elf 'motor.pid[2].gain'
  */

@@ -20,7 +20,7 @@ static void print_field(const char* text, size_t size, char behind) {
     putchar(behind);
 }
 
-/* A function that gives a text of an object. */
+/* A function that returns a text of an object. */
 typedef brindle_status (*text_function)(brindle_model model, brindle_id id, char* buffer,
                                         size_t capacity, size_t* length);
 

@@ -1,5 +1,5 @@
-// A host with a data model of its own. It prints address, size and name of every variable of a
-// file, so it keeps what these three depend on and lets the rest go.
+// A host with its own data model. It prints address, size and name of every variable of a file, so
+// it keeps only what these three depend on.
 
 #include <brindle/host/ContainerDetection.h>
 #include <brindle/host/CurrentDataModel.h>
@@ -22,7 +22,7 @@ using Id = DataModel::ObjectId;
 using Ids = std::vector<Id>;
 using Text = std::string;
 
-/// What this host keeps of an object: the name with its scopes in front, and the size.
+/// What this host keeps of an object: the name after its scopes, and the size.
 struct Object {
     Text name;
     std::uint64_t size = 0;
@@ -50,7 +50,7 @@ public:
         return Add(name, scope);
     }
 
-    // Types. A typedef and an enum have the size of the type behind them, which comes first.
+    // Types. A typedef and an enum have the size of their type, which is delivered first.
     Id GetBaseEntryType(BasicTypes type, Id scope) override { return Find('b', Key(type), scope); }
     Id CreateBaseEntryType(BasicTypes type, std::uint64_t size, Id scope) override {
         return Keep('b', Key(type), scope, Add({}, scope, size));
@@ -81,7 +81,7 @@ public:
     }
     Id CreateFunctionType(Id, const Ids&, Id) override { return Add(); }
 
-    // Parts of types. This host needs none, but says that they are kept.
+    // Parts of types. This host needs none, but reports that they were kept.
     Id CreateMemberData(const Text&, Id, Id, std::uint32_t, std::int16_t, bool) override {
         return Add();
     }

@@ -1,4 +1,4 @@
-// The smallest host in C#, on the managed library: tells where a variable or a part of it lies.
+// The smallest host in C#, on the managed library: prints where a variable or a part of it lies.
 //
 //     mono FindVariable.exe firmware.elf 'motor.pid[2].gain'
 using System;

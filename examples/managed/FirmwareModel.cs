@@ -39,7 +39,7 @@ sealed class FirmwareObject
 class FirmwareModel : IHostDataModel
 {
     const ulong GlobalNamespace = 1;
-    // Scopes and types of a broken file may lead back into themselves.
+    // Scopes and types of a damaged file may lead back to themselves.
     const int LongestChain = 1000;
 
     readonly List<FirmwareObject> objects = new List<FirmwareObject>();
@@ -69,7 +69,7 @@ class FirmwareModel : IHostDataModel
         }
     }
 
-    // Null for an identifier that was never given out.
+    // Null for an unknown identifier.
     public FirmwareObject Find(ulong id)
     {
         return id >= 1 && id <= (ulong)objects.Count ? objects[(int)(id - 1)] : null;
@@ -134,7 +134,7 @@ class FirmwareModel : IHostDataModel
         return id;
     }
 
-    // Of several objects of one key the first is found.
+    // Of several objects with one key, the first is found.
     static void AddFirst<Key>(Dictionary<Key, ulong> index, Key key, ulong id)
     {
         if (!index.ContainsKey(key))

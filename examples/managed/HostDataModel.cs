@@ -1,5 +1,5 @@
-// A data model as the reader sees it: what a host in C# implements to receive a delivery. The
-// operations are those of brindle_factory that the reader calls.
+// A data model as the reader sees it: what a host in C# implements to receive a delivery. It has the
+// operations of brindle_factory that the reader calls.
 interface IHostDataModel
 {
     ulong GetGlobalNamespace();

@@ -1,5 +1,5 @@
-// What this host uses of the C interface, as brindle.h declares it. Functions that the header calls
-// spare are left empty.
+// The parts of the C interface that this host uses, as brindle.h declares it. Functions that the header
+// marks as spare are left empty.
 using System;
 using System.Runtime.InteropServices;
 
@@ -92,7 +92,7 @@ delegate ulong CreateFunctionFunction(IntPtr user,
 delegate ulong CreateFunctionTypeFunction(IntPtr user, ulong returnType, IntPtr parameters,
                                           UIntPtr parameterCount, ulong scope);
 
-// brindle_factory. While the library holds a copy, someone has to keep the delegates alive.
+// brindle_factory. While the library holds a copy, the delegates must be kept alive.
 [StructLayout(LayoutKind.Sequential)]
 struct FactoryTable
 {

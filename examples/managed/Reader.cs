@@ -14,7 +14,7 @@ sealed class ReadException : Exception
 sealed class Reader : IDisposable
 {
     IntPtr handle;
-    // What a model threw during a read. It must not leave the callback, so that it waits here.
+    // An exception of a model during a read. It must not leave the callback, so it is kept here.
     Exception failure;
 
     public Reader()
@@ -31,8 +31,8 @@ sealed class Reader : IDisposable
         handle = IntPtr.Zero;
     }
 
-    // Reads a file and delivers it. What the model throws comes out here; a file that can't be read
-    // to its end gives a ReadException, with what was delivered before in the model.
+    // Reads a file and delivers it. Exceptions of the model are thrown here; a file that can't be read
+    // to its end gives a ReadException, and the model contains what was delivered before.
     public void Read(string path, IHostDataModel model)
     {
         FactoryTable table = TableOf(model);
@@ -60,7 +60,7 @@ sealed class Reader : IDisposable
         return Encoding.UTF8.GetString(buffer, 0, (int)length);
     }
 
-    // The answer of a model to one call. An exception ends the read instead.
+    // Returns the answer of a model to one call. An exception ends the read instead.
     ulong Answer(Func<ulong> operation)
     {
         try

@@ -7,7 +7,7 @@ static class TypeText
     const int LongestChain = 1000;
     const int DeepestParameters = 32;
 
-    // By the number of the basic type.
+    // Indexed by the number of the basic type.
     static readonly string[] BaseNames = {
         null, "void", "char", "wchar", "int32", "uint32", "float", "bool", "long", "unsigned long",
         null, "int8", "uint8", "int16", "uint16", "int64", "uint64", "special", "float16" };
@@ -15,7 +15,7 @@ static class TypeText
 
     public static string Of(FirmwareModel model, ulong type, int depth = 0)
     {
-        // What stands before and behind the place of the name, from there outwards.
+        // The text before and after the place of the name, from there outwards.
         string before = "";
         string behind = "";
         FirmwareObject current = model.Find(type);

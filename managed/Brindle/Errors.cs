@@ -1,4 +1,4 @@
-// What can go wrong.
+// The exceptions of the library.
 using System;
 
 namespace Brindle
@@ -20,12 +20,13 @@ namespace Brindle
             Image = image;
         }
 
-        /// <summary>What was delivered before; it is sound as far as it goes. May be null.</summary>
+        /// <summary>What was delivered before the failure: sound, but not complete. May be
+        /// null.</summary>
         public Image Image { get; }
     }
 
-    /// <summary>Another read runs in this process. With <see cref="ReadOptions.Wait"/> a read waits for
-    /// its end.</summary>
+    /// <summary>Another read is running in this process. With <see cref="ReadOptions.Wait"/> a read
+    /// waits for its end.</summary>
     public sealed class BusyException : BrindleException
     {
         internal BusyException(string message) : base(message)
@@ -33,7 +34,7 @@ namespace Brindle
         }
     }
 
-    /// <summary>There is no such option of the reader, or it takes no such value.</summary>
+    /// <summary>The reader has no such option, or the option doesn't take the value.</summary>
     public sealed class OptionException : BrindleException
     {
         internal OptionException(string message) : base(message)
@@ -41,8 +42,8 @@ namespace Brindle
         }
     }
 
-    /// <summary>A path leads nowhere, or there is nothing of this name; the text tells how far it
-    /// leads.</summary>
+    /// <summary>A path doesn't resolve, or nothing has this name; the text says how far the path
+    /// resolved.</summary>
     public sealed class PathException : BrindleException
     {
         internal PathException(string message) : base(message)
@@ -50,10 +51,10 @@ namespace Brindle
         }
     }
 
-    /// <summary>The bytes of an address are not known.</summary>
+    /// <summary>The bytes at an address are not known.</summary>
     public sealed class MemoryGapException : BrindleException
     {
-        /// <summary>Makes one for a stretch of memory.</summary>
+        /// <summary>Makes one for a range of memory.</summary>
         public MemoryGapException(ulong address, ulong size)
             : base(string.Format("the memory has no {0} bytes at 0x{1:x}", size, address))
         {

@@ -1,11 +1,11 @@
-// What was read of one file.
+// The result of reading one file.
 using System;
 using System.Collections.Generic;
 using System.Linq;
 
 namespace Brindle
 {
-    /// <summary>A section that lies in the target's memory.</summary>
+    /// <summary>A section in the target's memory.</summary>
     public sealed class Section
     {
         static readonly string[] kinds = { "code", "read-only data", "data", "zero" };
@@ -21,19 +21,19 @@ namespace Brindle
         /// <summary>Its name.</summary>
         public string Name { get; }
 
-        /// <summary>Of the first byte.</summary>
+        /// <summary>Address of the first byte.</summary>
         public ulong Address { get; }
 
-        /// <summary>In bytes.</summary>
+        /// <summary>Size in bytes.</summary>
         public ulong Size { get; }
 
-        /// <summary>"code", "read-only data", "data", or "zero" for one of which the file has no
-        /// bytes.</summary>
+        /// <summary>"code", "read-only data", "data", or "zero" for a section without bytes in the
+        /// file.</summary>
         public string Kind { get; }
     }
 
-    /// <summary>An image: its target, sections, variables and types. Everything is looked up when it is
-    /// asked for, on any thread.</summary>
+    /// <summary>An image: its target, sections, variables and types. Everything is looked up on access,
+    /// on any thread.</summary>
     public sealed class Image : IDisposable, IMemory
     {
         static readonly string[] containers = { "elf", "coff", "pe" };
@@ -46,8 +46,8 @@ namespace Brindle
             Remarks = remarks;
         }
 
-        /// <summary>What the read passed over and what to do about it, a line each; only the full manner
-        /// makes any.</summary>
+        /// <summary>What the read skipped and what to do about it, one line each; only the full manner
+        /// of reading makes remarks.</summary>
         public IReadOnlyList<string> Remarks { get; }
 
         /// <summary>Reads an ELF, TI-COFF or PE file.</summary>
@@ -65,7 +65,7 @@ namespace Brindle
             return new ReadRun(options).Read(options.Name ?? "", content);
         }
 
-        /// <summary>As it was given.</summary>
+        /// <summary>The path as it was given.</summary>
         public string Path
         {
             get { return model.Path; }
@@ -89,7 +89,7 @@ namespace Brindle
             get { return model.Image.AddressSize; }
         }
 
-        /// <summary>Size of a pointer in bytes: that of the first one in the file, or else the
+        /// <summary>Size of a pointer in bytes: of the first pointer type in the file, or else
         /// AddressSize.</summary>
         public int PointerSize
         {
@@ -103,7 +103,7 @@ namespace Brindle
             get { return model.Image.Machine; }
         }
 
-        /// <summary>Those that lie in the target's memory, by ascending address.</summary>
+        /// <summary>The sections in the target's memory, by ascending address.</summary>
         public IReadOnlyList<Section> Sections
         {
             get
@@ -141,17 +141,18 @@ namespace Brindle
             }
         }
 
-        /// <summary>The place that a path such as "motor.pid[2].gain" names: a variable by its qualified
-        /// name, or else by its name alone, then members and elements. Pointers are not
+        /// <summary>The place that a path such as "motor.pid[2].gain" names: a variable by its
+        /// qualified name, or else by its name only, then members and elements. Pointers are not
         /// followed.</summary>
-        /// <exception cref="PathException">It leads nowhere; the text tells how far it leads.</exception>
+        /// <exception cref="PathException">It doesn't resolve; the text says how far it
+        /// did.</exception>
         public PathPlace this[string path]
         {
             get { return new PathPlace(model, path, model.Resolve(path)); }
         }
 
-        /// <summary>The places of a path for each variable of its name, since those of static variables
-        /// may recur; none if it leads nowhere.</summary>
+        /// <summary>The places of a path for each variable of its name, since static variables may
+        /// share a name; none if it doesn't resolve.</summary>
         public IReadOnlyList<PathPlace> Places(string path)
         {
             var places = new List<PathPlace>();
@@ -163,9 +164,9 @@ namespace Brindle
             return places;
         }
 
-        /// <summary>All that holds the byte at an address: a leaf, or the innermost structure or array
-        /// where the byte lies in a gap; several where variables overlap or members of a union
-        /// do.</summary>
+        /// <summary>Everything that holds the byte at an address: a leaf, or the innermost structure or
+        /// array if the byte lies in a gap; several places if variables or members of a union
+        /// overlap.</summary>
         public IReadOnlyList<PathPlace> At(ulong address)
         {
             var places = new List<PathPlace>();
@@ -177,9 +178,9 @@ namespace Brindle
         }
 
         /// <summary>The variables taken apart into what has no parts.</summary>
-        /// <param name="pattern">which paths are wanted, with * for any characters and ? for one; it may
-        /// also fit what follows a "::". One that fits the name of a variable takes all of its leaves. Null
-        /// for all.</param>
+        /// <param name="pattern">which paths are wanted, with * for any characters and ? for one; it
+        /// may also match what follows a "::". A pattern that matches the name of a variable selects
+        /// all of its leaves. Null for all.</param>
         /// <param name="arrayElements">how many elements of each array are visited</param>
         /// <param name="limit">how many leaves are visited in all</param>
         public IEnumerable<Leaf> Leaves(string pattern = null, ulong arrayElements = 1000,
@@ -194,8 +195,8 @@ namespace Brindle
                             (block, index) => new Leaf(block, index));
         }
 
-        /// <summary>The bytes that a stretch of the target's memory has when the program starts; null
-        /// where the image doesn't say.</summary>
+        /// <summary>The bytes of a range of the target's memory when the program starts; null if the
+        /// image doesn't have them.</summary>
         public byte[] InitialBytes(ulong address, ulong size)
         {
             return model.InitialBytes(address, size);
@@ -212,8 +213,8 @@ namespace Brindle
             return bytes;
         }
 
-        /// <summary>Gives the memory back. What was made of the image throws ObjectDisposedException from
-        /// then on.</summary>
+        /// <summary>Frees the memory of the image. Objects made from it throw ObjectDisposedException
+        /// from then on.</summary>
         public void Dispose()
         {
             model.Close();

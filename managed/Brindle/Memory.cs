@@ -1,26 +1,27 @@
-// Bytes of the target's memory, from wherever they come.
+// Bytes of the target's memory, from any source.
 using System;
 using System.Collections.Generic;
 
 namespace Brindle
 {
-    /// <summary>Whatever knows the target's memory: a Memory, an Image with its initial values, or a class
-    /// of yours that asks a debugger.</summary>
+    /// <summary>Anything that knows the target's memory: a Memory, an Image with its initial values, or
+    /// a class of yours that asks a debugger.</summary>
     public interface IMemory
     {
-        /// <summary>The bytes of a stretch.</summary>
+        /// <summary>The bytes of a range.</summary>
         /// <exception cref="MemoryGapException">They aren't known.</exception>
         byte[] ReadMemory(ulong address, ulong size);
     }
 
-    /// <summary>Stretches of memory by their address, such as the regions of a dump. One that is added
-    /// later hides an earlier one where it covers the whole of what is read.</summary>
+    /// <summary>Ranges of memory by address, such as the regions of a dump. A range that is added later
+    /// hides an earlier one if it covers everything that is read.</summary>
     public sealed class Memory : IMemory
     {
         readonly List<KeyValuePair<ulong, byte[]>> stretches =
             new List<KeyValuePair<ulong, byte[]>>();
 
-        /// <summary>Adds a stretch that begins at an address. It is kept, not copied.</summary>
+        /// <summary>Adds the bytes of a range that begins at an address. They are kept, not
+        /// copied.</summary>
         public void Add(ulong address, byte[] content)
         {
             stretches.Add(new KeyValuePair<ulong, byte[]>(address, content));

@@ -1,12 +1,11 @@
-// One finished model of the library: the questions that it answers, in plain values. Images, types and
-// places share it.
+// One finished model of the library: its queries, in plain values. Images, types and places share it.
 using System;
 using System.Collections.Concurrent;
 using System.Collections.Generic;
 
 namespace Brindle
 {
-    // The numbers of brindle_kind that are asked for here.
+    // The values of brindle_kind that are used here.
     static class Kind
     {
         public const int Any = 0;
@@ -184,7 +183,7 @@ namespace Brindle
             }
         }
 
-        // False where the path doesn't resolve.
+        // False if the path doesn't resolve.
         public bool TryResolve(string path, int index, out NativePlace place)
         {
             place = new NativePlace { StructSize = Native.SizeOf<NativePlace>() };
@@ -194,7 +193,7 @@ namespace Brindle
             return status == Native.Ok;
         }
 
-        // Null where there are no more places that hold the byte.
+        // Null after the last place that holds the byte.
         public PathPlace PlaceAt(ulong address, int index)
         {
             var place = new NativePlace { StructSize = Native.SizeOf<NativePlace>() };
@@ -244,10 +243,10 @@ namespace Brindle
             return section;
         }
 
-        // Null where the image doesn't say.
+        // Null if the image doesn't have the bytes.
         public byte[] InitialBytes(ulong address, ulong size)
         {
-            // No memory for bytes that can't be there; the library answers no longer stretch of zeros.
+            // Don't allocate for bytes that can't be there; the library gives no longer run of zeros.
             const ulong longestZeros = 256 * 1024 * 1024;
             if (size > Image.FileSize + longestZeros || size > int.MaxValue)
             {

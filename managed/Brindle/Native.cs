@@ -1,12 +1,12 @@
-// The C interface of the library, as brindle.h declares it. Nothing else here knows of it but Model and
-// the callbacks of a read.
+// The C interface of the library, as brindle.h declares it. Only Model and the callbacks of a read use
+// it.
 using System;
 using System.Runtime.InteropServices;
 using System.Text;
 
 namespace Brindle
 {
-    // A model of the library. It is destroyed when nothing uses it any more.
+    // A model of the library, destroyed when nothing uses it any more.
     sealed class ModelHandle : SafeHandle
     {
         public ModelHandle() : base(IntPtr.Zero, true)
@@ -305,7 +305,7 @@ namespace Brindle
             return (UIntPtr)Marshal.SizeOf(typeof(Structure));
         }
 
-        // Text as the library takes it.
+        // Text in the form that the library takes.
         public static byte[] Utf8(string text)
         {
             return Encoding.UTF8.GetBytes(text + "\0");

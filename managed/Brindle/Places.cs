@@ -9,7 +9,7 @@ using System.Text.RegularExpressions;
 
 namespace Brindle
 {
-    /// <summary>What has an address, a type and a size.</summary>
+    /// <summary>Anything with an address, a type and a size.</summary>
     public abstract class Place
     {
         internal readonly Model Model;
@@ -24,10 +24,10 @@ namespace Brindle
         /// <summary>Such as "motors[1].loops[0].gain".</summary>
         public abstract string Path { get; }
 
-        /// <summary>Of the first byte.</summary>
+        /// <summary>Address of the first byte.</summary>
         public abstract ulong Address { get; }
 
-        /// <summary>In bytes; of a bit field that of its storage unit.</summary>
+        /// <summary>Size in bytes; for a bit field, the size of its storage unit.</summary>
         public abstract ulong Size { get; }
 
         /// <summary>Position of a bit field in its storage unit, from the least significant bit; null
@@ -37,15 +37,15 @@ namespace Brindle
         /// <summary>Width of a bit field in bits; null for anything else.</summary>
         public abstract ulong? BitSize { get; }
 
-        /// <summary>Of a bit field that of its storage unit. May be null.</summary>
+        /// <summary>For a bit field, the type of its storage unit. May be null.</summary>
         public DataType Type
         {
             get { return DataType.Of(Model, TypeId); }
         }
 
-        /// <summary>The value that the bytes of the place hold: a number, a bool, an EnumValue, a list for
-        /// an array, a dictionary for a structure, or the bytes themselves where nothing is known of their
-        /// meaning.</summary>
+        /// <summary>The value in the bytes of the place: a number, a bool, an EnumValue, a list for an
+        /// array, a dictionary for a structure, or the bytes themselves if their meaning is
+        /// unknown.</summary>
         public object Decode(byte[] content)
         {
             if ((ulong)content.Length != Size)
@@ -56,8 +56,8 @@ namespace Brindle
             return Decoder()(content, 0, content.Length);
         }
 
-        /// <summary>The value in a memory; an Image holds the initial one.</summary>
-        /// <exception cref="MemoryGapException">The memory doesn't know the bytes.</exception>
+        /// <summary>The value in a memory; an Image has the initial value.</summary>
+        /// <exception cref="MemoryGapException">The memory doesn't have the bytes.</exception>
         public object ValueOf(IMemory memory)
         {
             return Decode(memory.ReadMemory(Address, Size));
@@ -147,13 +147,13 @@ namespace Brindle
             this.row = row;
         }
 
-        /// <summary>Without its scopes.</summary>
+        /// <summary>The name without its scopes.</summary>
         public string Name
         {
             get { return row.Name.ToString(); }
         }
 
-        /// <summary>With its namespaces, classes and functions in front, joined by "::".</summary>
+        /// <summary>The name after its namespaces, classes and functions, joined by "::".</summary>
         public override string Path
         {
             get { return Model.QualifiedName(row.Id); }
@@ -183,7 +183,7 @@ namespace Brindle
             get { return null; }
         }
 
-        /// <summary>The name of its compile unit; null for one that is global to the whole
+        /// <summary>The name of its compile unit; null for a variable that is global to the whole
         /// image.</summary>
         public string Unit
         {
@@ -200,7 +200,7 @@ namespace Brindle
         }
     }
 
-    /// <summary>A part of a variable that has no parts: a number, a pointer, an enum, a bit
+    /// <summary>A piece of a variable that has no parts itself: a number, a pointer, an enum, a bit
     /// field.</summary>
     public sealed class Leaf : Place
     {
@@ -250,7 +250,7 @@ namespace Brindle
         }
     }
 
-    // Rows of variables or leaves, a column each.
+    // Rows of variables or leaves, column by column.
     sealed class RowBlock
     {
         readonly byte[] paths;
@@ -288,7 +288,7 @@ namespace Brindle
             return Encoding.UTF8.GetString(paths, (int)starts[index], (int)(end - starts[index]) - 1);
         }
 
-        // The blocks of one walk: over the variables, or over the leaves of those that are wanted.
+        // The blocks of one walk: over the variables, or over the leaves of the wanted ones.
         public static IEnumerable<RowBlock> Walk(Model model, bool variables, ulong[] wanted,
                                                  ulong arrayElements, ulong limit)
         {
@@ -349,7 +349,7 @@ namespace Brindle
             this.model = model;
         }
 
-        /// <summary>The first variable of a qualified name, or else of the name alone.</summary>
+        /// <summary>The first variable with a qualified name, or else with the name only.</summary>
         /// <exception cref="PathException">There is none.</exception>
         public Variable this[string name]
         {
@@ -382,8 +382,9 @@ namespace Brindle
         }
     }
 
-    // A pattern of paths, in which * stands for any characters and ? for one. It fits a path, or what
-    // follows a "::" in it; one that fits the name of a variable takes all of its leaves.
+    // A pattern of paths, in which * stands for any characters and ? for one. It matches a path, or
+    // what follows a "::" in it; a pattern that matches the name of a variable selects all of its
+    // leaves.
     sealed class PathFilter
     {
         readonly Regex matches;

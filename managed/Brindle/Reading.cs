@@ -9,29 +9,29 @@ namespace Brindle
     /// <summary>How a file is read.</summary>
     public sealed class ReadOptions
     {
-        /// <summary>Read in the full manner, which knows DWARF 5 and addresses of 64 bits. Otherwise the
-        /// manner is that of the library.</summary>
+        /// <summary>Read in the full manner, which knows DWARF 5 and addresses of 64 bits. If false,
+        /// the library's option decides.</summary>
         public bool Full { get; set; }
 
-        /// <summary>Read types that no variable uses too.</summary>
+        /// <summary>Also read types that no variable uses.</summary>
         public bool AllTypes { get; set; }
 
-        /// <summary>If another thread reads, wait for its end, rather than throw
+        /// <summary>If another thread is reading, wait for its end instead of throwing
         /// BusyException.</summary>
         public bool Wait { get; set; }
 
-        /// <summary>Of a content, for messages.</summary>
+        /// <summary>Names a content in messages.</summary>
         public string Name { get; set; }
 
-        /// <summary>Options of the reader by their names, for this read alone.</summary>
+        /// <summary>Options of the reader by name, for only this read.</summary>
         public IDictionary<string, string> Settings { get; } = new Dictionary<string, string>();
 
-        /// <summary>Takes what the reader does at present and how far it has come with it, from 0 to 1.
-        /// What it throws ends the read and is thrown there.</summary>
+        /// <summary>Receives what the reader is doing and how far it has come with that, from 0 to 1.
+        /// An exception in it ends the read and is thrown there.</summary>
         public Action<string, double> Progress { get; set; }
     }
 
-    // One read, with a reader of the library of its own.
+    // One read, with its own reader of the library.
     sealed class ReadRun
     {
         const int AnyContainer = -1;
@@ -80,7 +80,7 @@ namespace Brindle
         Image Read(ref NativeInput input)
         {
             Native.Check(Native.brindle_reader_create(out reader));
-            // The delegates have to live as long as the library may call them.
+            // The delegates must live as long as the library may call them.
             var callbacks = new NativeCallbacks {
                 StructSize = Native.SizeOf<NativeCallbacks>(), SetProgressText = OnText,
                 SetProgressInterval = OnInterval, SetProgressValue = OnValue
@@ -154,7 +154,7 @@ namespace Brindle
             return copy;
         }
 
-        // Of pinned bytes, none of which may be read if there are none.
+        // Address of pinned bytes; without any, an address that must not be read.
         IntPtr Address(GCHandle pinned, int count)
         {
             return count != 0 ? pinned.AddrOfPinnedObject() : Text("");
@@ -180,7 +180,7 @@ namespace Brindle
             }
         }
 
-        // No exception may leave a function that the library calls: it is kept, and the read ended.
+        // No exception may leave a function that the library calls: keep it, and end the read.
         void Tell(int value)
         {
             try

@@ -1,4 +1,4 @@
-// The types of an image. Each is an object of the class of its kind, made when it is asked for.
+// The types of an image. Each is an object of the class of its kind, made on access.
 using System;
 using System.Collections.Generic;
 using System.Linq;
@@ -17,7 +17,7 @@ namespace Brindle
             Row = row;
         }
 
-        // Null where the identifier names no type.
+        // Null if the identifier names no type.
         internal static DataType Of(Model model, ulong id)
         {
             if (id == 0)
@@ -47,7 +47,7 @@ namespace Brindle
             }
         }
 
-        /// <summary>Its own name, without scopes; of a type without one its C declaration, such as
+        /// <summary>Its own name, without scopes; for a type without a name its C declaration, such as
         /// "uint32" or "limits[2]".</summary>
         public string Name
         {
@@ -58,14 +58,14 @@ namespace Brindle
             }
         }
 
-        /// <summary>As a C declaration without a name, such as "uint16[4][2]".</summary>
+        /// <summary>The type as a C declaration without a name, such as "uint16[4][2]".</summary>
         public string Text
         {
             get { return Model.TypeText(Row.Id); }
         }
 
-        /// <summary>What it is in a word: "base", "struct", "class", "union", "array", "pointer",
-        /// "enum", "typedef", "function" or "unknown".</summary>
+        /// <summary>The kind as a word: "base", "struct", "class", "union", "array", "pointer", "enum",
+        /// "typedef", "function" or "unknown".</summary>
         public string Kind
         {
             get
@@ -96,19 +96,20 @@ namespace Brindle
             }
         }
 
-        /// <summary>In bytes, 0 where nothing tells it.</summary>
+        /// <summary>Size in bytes, 0 if unknown.</summary>
         public ulong Size
         {
             get { return Model.SizeOf(Row.Id); }
         }
 
-        /// <summary>The type behind all typedefs; the type itself if it is none.</summary>
+        /// <summary>The type that a chain of typedefs leads to; the type itself if it is no
+        /// typedef.</summary>
         public DataType Resolved
         {
             get { return Of(Model, Model.WithoutTypedefs(Row.Id)) ?? this; }
         }
 
-        /// <summary>The same type of the same image.</summary>
+        /// <summary>True for the same type of the same image.</summary>
         public bool Equals(DataType other)
         {
             return other != null && other.Model == Model && other.Row.Id == Row.Id;
@@ -140,7 +141,7 @@ namespace Brindle
         {
         }
 
-        /// <summary>What it points to or names, or the result of the function; null where there is
+        /// <summary>What it points to or names, or the result of the function; null if there is
         /// none.</summary>
         public DataType Target
         {
@@ -155,13 +156,13 @@ namespace Brindle
         {
         }
 
-        /// <summary>The type of one element, all dimensions taken.</summary>
+        /// <summary>The type of one element, after all dimensions.</summary>
         public DataType Element
         {
             get { return Of(Model, Row.Type); }
         }
 
-        /// <summary>Numbers of elements, outermost first.</summary>
+        /// <summary>Element counts, outermost first.</summary>
         public IReadOnlyList<int> Dimensions
         {
             get { return Model.Dimensions(Row); }
@@ -209,8 +210,7 @@ namespace Brindle
         }
     }
 
-    /// <summary>A base class, and its offset in bytes from the start of the class that is derived from
-    /// it.</summary>
+    /// <summary>A base class, and its offset in bytes from the start of the derived class.</summary>
     public sealed class BaseClass
     {
         internal BaseClass(DataType type, uint offset)
@@ -222,7 +222,7 @@ namespace Brindle
         /// <summary>The class.</summary>
         public DataType Type { get; }
 
-        /// <summary>In bytes.</summary>
+        /// <summary>Offset in bytes.</summary>
         public uint Offset { get; }
     }
 
@@ -238,21 +238,21 @@ namespace Brindle
             this.row = row;
         }
 
-        /// <summary>Empty for an anonymous member, whose own members count as those of the type around
-        /// it.</summary>
+        /// <summary>Empty for an anonymous member, whose own members count as members of the enclosing
+        /// type.</summary>
         public string Name
         {
             get { return row.Name.ToString(); }
         }
 
-        /// <summary>Of a bit field that of its storage unit.</summary>
+        /// <summary>For a bit field, the type of its storage unit.</summary>
         public DataType Type
         {
             get { return DataType.Of(model, row.Type); }
         }
 
-        /// <summary>In bytes from the start of the type around it; of a bit field that of its storage
-        /// unit.</summary>
+        /// <summary>Offset in bytes from the start of the enclosing type; for a bit field, the offset
+        /// of its storage unit.</summary>
         public uint Offset
         {
             get { return row.Offset; }

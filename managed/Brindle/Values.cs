@@ -1,5 +1,5 @@
-// Bytes of memory to values. A decoder is made once for each type of an image and called once for each
-// value.
+// From bytes of memory to values. A decoder is made once for each type of an image and called once for
+// each value.
 using System;
 using System.Collections.Generic;
 using System.Linq;
@@ -9,7 +9,7 @@ namespace Brindle
     // Turns the bytes of a place, which begin at an index, into its value.
     delegate object Decoder(byte[] content, int start, int size);
 
-    /// <summary>A number that an enum holds, with the name that it has there.</summary>
+    /// <summary>A number in a variable of an enum type, with its name there.</summary>
     public sealed class EnumValue
     {
         internal EnumValue(long number, string name)
@@ -35,7 +35,7 @@ namespace Brindle
     {
         const int DeepestNesting = 100;
 
-        // By the number of the scalar type.
+        // Indexed by the number of the scalar type.
         static readonly HashSet<int> signed = new HashSet<int> { 2, 4, 8, 11, 13, 15 };
         static readonly HashSet<int> unsigned = new HashSet<int> { 3, 5, 9, 12, 14, 16 };
         const int FloatType = 6;
@@ -53,7 +53,7 @@ namespace Brindle
             return known;
         }
 
-        // Of a bit field in its storage unit.
+        // For a bit field in its storage unit.
         public static Decoder BitsDecoderOf(Model model, ulong type, int bitOffset, int bitSize)
         {
             NativeObject row = model.Object(model.WithoutTypedefs(type));
@@ -82,7 +82,7 @@ namespace Brindle
             };
         }
 
-        // Of a part of an array of which some dimensions have their index.
+        // For a part of an array, after some of its indices.
         public static Decoder RestDecoderOf(Model model, ulong type, int indexedDimensions)
         {
             return Array(model, model.Object(model.WithoutTypedefs(type)), 0, indexedDimensions);
@@ -113,7 +113,7 @@ namespace Brindle
             return content.Skip(start).Take(size).ToArray();
         }
 
-        // Up to eight bytes; of more, the least significant ones.
+        // Up to eight bytes; of more, only the least significant ones count.
         static ulong Number(byte[] content, int start, int size, bool isBigEndian)
         {
             ulong number = 0;
@@ -169,8 +169,7 @@ namespace Brindle
             foreach (NativeEnumerator enumerator in model.Enumerators(row))
             {
                 string name = enumerator.Name.ToString();
-                // The table has 32 bits with sign: what a larger unsigned enum holds stands there as
-                // negative.
+                // The table has signed 32 bits: a large value of an unsigned enum is negative there.
                 foreach (long number in new[] { enumerator.Value, (long)(uint)enumerator.Value })
                 {
                     if (!names.ContainsKey(number))
