@@ -1,4 +1,4 @@
-// What differs between two images: grouped by cause, filtered, opened to the leaves that changed.
+// The differences of two images: grouped by cause, filtered, opened down to the leaves that changed.
 
 import type { Context, View } from "./context.ts";
 import { csvCell, saveText } from "./csv.ts";
@@ -268,7 +268,7 @@ export class ChangesView implements View {
   }
 }
 
-/** A variable that moved by a distance of its own is no group. */
+/** A variable that moved by its own distance is not a group. */
 function itemOf(block: MovedBlock): Item {
   const [variable] = block.variables;
   return block.variables.length === 1 && block.reason === "" && variable !== undefined
@@ -290,7 +290,7 @@ function leafText(change: Change): string {
   return words.filter((word) => word !== false).join(", ");
 }
 
-/** What both have once, otherwise the old and the new text. */
+/** The text once if both are equal, otherwise the old and the new one. */
 function beforeAfter(before: string, after: string): Node | string {
   if (before === after || before === "" || after === "") {
     return before || after;

@@ -30,7 +30,7 @@ function smallNumbers(bytes: Uint8Array, width: number, count: number): NumberCo
     : Uint32Array.from({ length: count }, (_, index) => view.getUint32(index * 4, true));
 }
 
-/** A column of numbers. What takes more than 53 bits, which only broken input has, is rounded. */
+/** A column of numbers. Numbers above 53 bits, which only broken input has, are rounded. */
 export function unpackNumbers(packed: string, count: number): NumberColumn {
   const { width, bytes } = split(packed);
   if (width === 0) {
@@ -52,7 +52,7 @@ export function unpackAddresses(packed: string, count: number): BigUint64Array {
     : BigUint64Array.from(smallNumbers(bytes, width, count) as Uint32Array, BigInt);
 }
 
-/** For groups that stand one after the other: where each begins, and at the end where the last ends. */
+/** For groups in a row: where each begins, and at the end where the last one ends. */
 export function startsOf(counts: NumberColumn): Uint32Array {
   const starts = new Uint32Array(counts.length + 1);
   for (let index = 0; index < counts.length; ++index) {

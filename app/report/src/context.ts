@@ -1,4 +1,4 @@
-// What the views of the page share: the images, where the user is, and how to go elsewhere.
+// Shared by the views of the page: the images, where the user is, and how to go elsewhere.
 
 import type { Differences } from "./differences.ts";
 import type { Image, Place } from "./image.ts";
@@ -7,12 +7,12 @@ import type { Search } from "./search.ts";
 export interface Context {
   images: Image[];
   differences: Differences | undefined;
-  /** Number of the image that tables and types show: the later of two. */
+  /** Index of the image that tables and types show: the later of two. */
   current: number;
   search(image: number): Search;
   /** Shows a part of the page; see `route.ts` for the texts. */
   go(hash: string): void;
-  /** Says something in a line that goes away again. */
+  /** Shows a message in a line that disappears again. */
   say(message: string): void;
 }
 
@@ -20,7 +20,7 @@ export interface View {
   id: string;
   title: string;
   element: HTMLElement;
-  /** Called whenever the view comes into sight, with what the address says behind its name. */
+  /** Called whenever the view becomes visible, with the part of the address after its name. */
   show(argument: string): void;
 }
 

@@ -1,4 +1,4 @@
-// CSV in the columns of the command `leaves`, and what the page does with texts that leave it.
+// CSV with the columns of the command `leaves`, and texts that leave the page in other ways.
 
 import type { Image, Place } from "./image.ts";
 import { make } from "./dom.ts";
@@ -23,7 +23,7 @@ export function csvRow(image: Image, place: Place, value: string): string {
   ].map(csvCell).join(",");
 }
 
-/** Copies a text, also where the browser keeps the clipboard from pages of the disk. */
+/** Copies a text, even if the browser denies the clipboard to local pages. */
 export async function copyText(text: string): Promise<boolean> {
   try {
     await navigator.clipboard.writeText(text);

@@ -1,4 +1,4 @@
-// The pane that tells all of one place, with its links and what can be copied of it.
+// The pane with everything about one place, with its links and what can be copied.
 
 import type { Context } from "./context.ts";
 import { copyText, csvHeader, csvRow } from "./csv.ts";
@@ -15,7 +15,7 @@ export class DetailPane {
   private place: Place | undefined;
   private image: Image | undefined;
 
-  /** @param emptyText what the pane says while nothing is selected */
+  /** @param emptyText shown while nothing is selected */
   constructor(private readonly context: Context, private readonly emptyText: string) {
     this.clear();
   }
@@ -96,14 +96,14 @@ export class DetailPane {
   }
 }
 
-/** A type as a link to its layout, where it has one. */
+/** A type as a link to its layout, if it has one. */
 export function typeLink(image: Image, type: number): Node | string {
   const text = image.types.text(type);
   const shown = layoutOf(image, type);
   return shown === 0 ? text : make("a", { href: viewHash("types", `${shown}`), class: "type" }, text);
 }
 
-/** The type with a page of its own that a type leads to: through arrays and pointers too. */
+/** The type with a page of its own that a type leads to, even through arrays and pointers. */
 function layoutOf(image: Image, type: number): number {
   const types = image.types;
   let end = type;

@@ -1,4 +1,4 @@
-// What differs between two images, grouped by cause.
+// The differences of two images, grouped by cause.
 
 import { type NumberColumn, unpackAddresses, unpackNumbers } from "./columns.ts";
 import type { Image } from "./image.ts";
@@ -8,7 +8,7 @@ export const causes = ["appeared", "vanished", "grew", "shrank", "retyped", "cha
 export type Cause = (typeof causes)[number];
 
 export interface Change {
-  /** Numbers of the variable in the old and the new image; -1 where it isn't. */
+  /** Numbers of the variable in the old and the new image; -1 if the image lacks it. */
   oldVariable: number;
   newVariable: number;
   name: string;
@@ -17,7 +17,7 @@ export interface Change {
   isMoved: boolean;
   isResized: boolean;
   isRetyped: boolean;
-  /** Elements of arrays that changed alike. */
+  /** Number of array elements that changed in the same way. */
   count: number;
   oldAddress: bigint;
   newAddress: bigint;
@@ -31,20 +31,20 @@ export interface Change {
 
 export interface ChangedVariable {
   cause: Cause;
-  /** The variable; of one that changed inside alone it is made up of what both images say. */
+  /** The variable; if only its inside changed, it is composed from both images. */
   change: Change;
   leaves: Change[];
 }
 
-/** Variables that moved by the same distance, one after the other. */
+/** Adjacent variables that moved by the same distance. */
 export interface MovedBlock {
   distance: bigint;
   variables: ChangedVariable[];
-  /** What lies in front and made the room, if it is plain. */
+  /** The change before them that made the room, if it is obvious. */
   reason: string;
 }
 
-/** With so much to compare no reason is plain anyway. */
+/** With more comparisons than this no reason is obvious anyway. */
 const mostComparisons = 1_000_000;
 
 const moved = 1;
@@ -62,7 +62,7 @@ export class Differences {
     return this.variables.filter((variable) => variable.cause === cause);
   }
 
-  /** Those that moved alone, in blocks that moved together. */
+  /** The variables that only moved, in blocks that moved together. */
   movedBlocks(variables: ChangedVariable[]): MovedBlock[] {
     const byAddress = [...variables].sort((first, second) =>
       first.change.oldAddress < second.change.oldAddress ? -1 : 1);
@@ -80,7 +80,7 @@ export class Differences {
     return blocks;
   }
 
-  /** Cause of a variable of one of the images; undefined if nothing changed. */
+  /** Cause of the change of a variable in one of the images; undefined if nothing changed. */
   causeOf(side: "old" | "new", variable: number): Cause | undefined {
     return this.causeMap(side).get(variable);
   }
@@ -92,7 +92,7 @@ export class Differences {
       side === "old" ? change.oldVariable : change.newVariable, cause])));
   }
 
-  /** Names what grew, shrank, came or went right in front of a block by just its distance. */
+  /** Names what grew, shrank, appeared or vanished right before a block by exactly its distance. */
   private explain(blocks: MovedBlock[]): void {
     const resized = this.variables.filter(({ change }) => growthOf(change) !== 0n);
     if (resized.length * blocks.length > mostComparisons) {
@@ -164,7 +164,7 @@ function readChanges(packed: PackedDifferences, oldImage: Image, newImage: Image
   });
 }
 
-/** Leaves come behind their variable, or alone if that did not change itself. */
+/** Leaves follow their variable, or stand alone if the variable itself did not change. */
 function groupByVariable(
   changes: RawChange[], oldImage: Image, newImage: Image,
 ): ChangedVariable[] {
@@ -191,7 +191,7 @@ function groupByVariable(
   return variables;
 }
 
-/** A leaf that stands in one build only knows its variable there alone. */
+/** A leaf that exists in only one build has its variable only there. */
 function pairs(changes: RawChange[]): { toNew: Map<number, number>; toOld: Map<number, number> } {
   const toNew = new Map<number, number>();
   const toOld = new Map<number, number>();

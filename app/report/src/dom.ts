@@ -1,4 +1,4 @@
-// The page is built of elements and text nodes alone: no text of an image is ever read as markup.
+// The page consists only of elements and text nodes: no text of an image is ever parsed as markup.
 
 type Child = Node | string | number | undefined | false;
 type Attributes = Record<string, string | number | boolean | undefined | ((event: any) => void)>;
@@ -23,7 +23,7 @@ function append(node: Element, children: Child[]): void {
   }
 }
 
-/** Makes an element. Attributes that are functions listen to the event of their name. */
+/** Makes an element. Attributes that are functions become listeners of the event of their name. */
 export function make<Name extends keyof HTMLElementTagNameMap>(
   name: Name, attributes: Attributes = {}, ...children: Child[]
 ): HTMLElementTagNameMap[Name] {
@@ -58,7 +58,7 @@ export function marked(text: string, ranges: [number, number][]): Node {
   return fragment;
 }
 
-/** Calls a function once before the next frame, however often it was asked for. */
+/** Calls a function once before the next frame, however often it was requested. */
 export function onceAFrame(work: () => void): () => void {
   let isPending = false;
   return () => {

@@ -1,5 +1,5 @@
-// A table whose rows open in place, of which only those in view exist. Rows are equally high, so that
-// the place of each is plain arithmetic, whatever their number.
+// A table whose rows open in place; only the visible rows exist as elements. All rows have the same
+// height, so that the position of each is simple arithmetic, whatever their number.
 
 import { make, onceAFrame } from "./dom.ts";
 import type { Outline, Row } from "./outline.ts";
@@ -11,7 +11,7 @@ export interface Column<Item> {
   width: string;
   isNumber?: boolean;
   isSortable?: boolean;
-  /** Hidden where the table is narrower than so many pixels. */
+  /** Hidden if the table is narrower than this, in pixels. */
   neededWidth?: number;
   cell(item: Item, row: Row<Item>): Node | string;
 }
@@ -24,9 +24,9 @@ export interface Sorting {
 export interface GridOptions<Item> {
   label: string;
   columns: Column<Item>[];
-  /** Whether a row has a mark to open it. */
+  /** Whether a row gets a mark for opening it. */
   canOpen(item: Item): boolean;
-  /** No row ever opens, so that none has room for a mark. */
+  /** Rows never open, so that they need no space for a mark. */
   isFlat?: boolean;
   rowClass?(item: Item): string;
   onSelect?(item: Item, row: number): void;
@@ -36,7 +36,7 @@ export interface GridOptions<Item> {
 }
 
 const rowHeight = 30;
-/** Browsers draw no taller element; above that, scrolling is scaled. */
+/** Largest height of an element that browsers draw, in pixels; above, scrolling is scaled. */
 const tallest = 8_000_000;
 const mostPrintedRows = 3000;
 let gridCount = 0;
@@ -55,7 +55,7 @@ export class Grid<Item> {
   private selected = -1;
   private sorting: Sorting | undefined;
   private isPrinting = false;
-  /** Measures of the last layout: asking the browser for them while rows change would cost one. */
+  /** Sizes from the last layout: asking the browser while rows change would force a layout each time. */
   private width = 0;
   private viewHeight = rowHeight;
   private scrollTop = 0;
@@ -97,7 +97,7 @@ export class Grid<Item> {
     this.refresh();
   }
 
-  /** Draws all rows anew, with the same items. */
+  /** Draws all rows again, with the same items. */
   refresh(): void {
     if (!this.isPrinting) {
       this.clear();
@@ -113,7 +113,7 @@ export class Grid<Item> {
     this.scroller.focus();
   }
 
-  /** @param isCentred a row out of sight comes to the middle */
+  /** @param isCentred a row that isn't visible is scrolled to the middle */
   select(row: number, isAnnounced = true, isCentred = false): void {
     const found = this.outline?.row(row);
     if (found === undefined) {
@@ -121,7 +121,7 @@ export class Grid<Item> {
     }
     this.selected = row;
     if (isCentred) {
-      // The table may have come into sight just now.
+      // The table may have become visible just now.
       this.measure();
     }
     this.reveal(row, isCentred);
@@ -214,7 +214,7 @@ export class Grid<Item> {
     return (this.outline?.rowCount ?? 0) * rowHeight;
   }
 
-  /** Pixels of the rows that a pixel of the scroll bar stands for. */
+  /** Pixels of rows for each pixel of the scroll bar. */
   private get scale(): number {
     return this.totalHeight <= tallest
       ? 1 : (this.totalHeight - this.viewHeight) / (tallest - this.viewHeight);
@@ -396,7 +396,7 @@ export class Grid<Item> {
     }
   }
 
-  /** On paper all rows stand one after the other, as many as make sense there. */
+  /** For printing, all rows exist one after the other, up to a sensible number. */
   private print(isPrinting: boolean): void {
     const outline = this.outline;
     if (outline === undefined || this.element.offsetParent === null) {

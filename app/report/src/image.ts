@@ -1,4 +1,4 @@
-// One image: its variables, and the places within them that their types give.
+// One image: its variables, and the places within them according to their types.
 
 import { type NumberColumn, bytesOfBase64, unpackAddresses, unpackNumbers } from "./columns.ts";
 import type { PackedImage, PackedTable } from "./pack.ts";
@@ -11,7 +11,7 @@ export interface Place {
   variable: number;
   /** Name of the variable with the steps to the part. */
   path: string;
-  /** The last step of the path, for a row that stands below its parent. */
+  /** The last step of the path, for a row below its parent. */
   label: string;
   type: number;
   /** Bytes from the start of the variable. */
@@ -39,7 +39,7 @@ const deepestNesting = 100;
 interface Chunk {
   address: bigint;
   length: number;
-  /** Position in the bytes; -1 for zeros. */
+  /** Offset in the bytes; -1 for zeros. */
   position: number;
 }
 
@@ -80,7 +80,7 @@ export class Image {
     this.addressDigits = this.countAddressDigits();
   }
 
-  /** Name with all scopes in front. */
+  /** Name after all its scopes. */
   name(variable: number): string {
     return (this.names[variable] ??= this.qualifiedName(variable));
   }
@@ -151,7 +151,7 @@ export class Image {
       : this.member(place, type, index);
   }
 
-  /** Position of a place among the children of its parent. */
+  /** Index of a place among the children of its parent. */
   positionOf(place: Place): number {
     const parent = place.parent!;
     const type = this.types.withoutTypedefs(parent.type);
@@ -176,7 +176,7 @@ export class Image {
 
   /**
    * The place that a path names, as "motors[1].loops[0].gain".
-   * @param address that of the variable, where several have the name
+   * @param address address of the variable, if several have the name
    */
   resolve(path: string, address?: bigint): Place | undefined {
     for (const variable of this.headsOf(path)) {
@@ -222,7 +222,7 @@ export class Image {
     return scope === "" || name === "" ? name : scope + "::" + name;
   }
 
-  /** As many as the largest address has, at least 8, and an even number. */
+  /** As many as the largest address needs, at least 8, and an even number. */
   private countAddressDigits(): number {
     let largest = 0n;
     for (let variable = 0; variable < this.variableCount; ++variable) {
@@ -278,7 +278,7 @@ export class Image {
     };
   }
 
-  /** Variables whose name begins the path, longest name first. */
+  /** Variables whose name is a prefix of the path, longest name first. */
   private headsOf(path: string): number[] {
     const heads = [...(this.variablesOf(path) ?? [])];
     for (let end = path.length - 1; end > 0; --end) {
@@ -358,7 +358,7 @@ export function depthOf(place: Place): number {
   return depth;
 }
 
-/** The indices of an element that is counted over all dimensions: "[1][3]". */
+/** The indices of an element from its number over all dimensions: "[1][3]". */
 export function indexText(index: number, dimensions: number[]): string {
   let text = "";
   let rest = index;
@@ -370,7 +370,7 @@ export function indexText(index: number, dimensions: number[]): string {
   return text;
 }
 
-/** The element that indices at the start of a text name; undefined if one is missing or too large. */
+/** The element of the indices at the start of a text; undefined if one is missing or too large. */
 function indexAt(text: string, dimensions: number[]): number | undefined {
   const indices = /^(\[\d+\])+/.exec(text)?.[0].match(/\d+/g)?.map(Number) ?? [];
   if (indices.length < dimensions.length) {

@@ -1,12 +1,12 @@
-// The layout of a structure drawn to scale: a row of cells for so many bytes, with holes and padding
-// hatched and bit fields by bit. Long members are cut in the middle.
+// The layout of a structure drawn to scale: rows of cells, one cell a byte, with holes and padding
+// hatched and bit fields bit by bit. Long members are cut in the middle.
 
 import { makeSvg } from "./dom.ts";
 import { bytes, count, familyOf, number } from "./format.ts";
 import type { Image } from "./image.ts";
 import { Entry, Kind, type LayoutEntry } from "./types.ts";
 
-/** What is drawn: a stretch of bits in the order of the drawing. */
+/** A range of bits in the order of the drawing. */
 interface Stretch {
   entry: LayoutEntry;
   index: number;
@@ -14,7 +14,7 @@ interface Stretch {
   end: number;
 }
 
-/** A row of the picture: bytes from a first on, or a number of bytes that are left out. */
+/** A row of the picture: bytes from a first one on, or a number of omitted bytes. */
 type PictureRow = { first: number } | { skipped: number; entry: LayoutEntry };
 
 const cellWidth = 76;
@@ -57,7 +57,7 @@ function bytesPerRow(size: number, width: number): number {
   return size < wanted ? Math.max(1, size <= 4 ? 4 : wanted) : wanted;
 }
 
-/** Members in front of what lies between them. Bit 0 of a byte stands where its field begins. */
+/** Members before the gaps between them. Bit 0 of a byte is where its field begins. */
 function stretchesOf(image: Image, type: number): Stretch[] {
   return image.types.layout(type).flatMap((entry, index): Stretch[] => {
     if (entry.kind === Entry.UnplacedBaseClass || entry.kind === Entry.UnusedBits) {
@@ -74,7 +74,7 @@ function stretchesOf(image: Image, type: number): Stretch[] {
   });
 }
 
-/** The rows, with those left out that lie wholly in the middle of one long member. */
+/** The rows, without those that lie completely in the middle of one long member. */
 function rowsOf(stretches: Stretch[], size: number, perRow: number): PictureRow[] {
   const rows: PictureRow[] = [];
   const sorted = stretches.filter((stretch) => stretch.end - stretch.start > perRow * 8 * 4);
@@ -200,7 +200,7 @@ function classOf(image: Image, entry: LayoutEntry): string {
   }
 }
 
-/** What an entry is, for a person. */
+/** The text of an entry, for a person. */
 export function titleOf(image: Image, entry: LayoutEntry): string {
   const type = image.types.text(entry.type);
   const size = entry.kind === Entry.BitField
@@ -209,7 +209,7 @@ export function titleOf(image: Image, entry: LayoutEntry): string {
   return `${name}${type === "" ? "" : `: ${type}`}, ${size} at ${number(entry.offset)}`;
 }
 
-/** Members of a union, one strip each, to the scale of the union. */
+/** Members of a union, one strip each, on the scale of the union. */
 export function unionPicture(image: Image, type: number, width: number): SVGSVGElement {
   const size = Math.max(1, image.types.size(type));
   const entries = image.types.layout(type).filter(({ kind }) => kind !== Entry.UnplacedBaseClass);

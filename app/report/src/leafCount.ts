@@ -1,4 +1,4 @@
-// How many leaves an image has, without unrolling anything.
+// The number of leaves of an image, computed without expanding anything.
 
 import type { Image } from "./image.ts";
 import { Kind } from "./types.ts";

@@ -1,4 +1,4 @@
-// Builds the page of a report from the data that stands in it.
+// Builds the page of a report from the data within it.
 
 import { ChangesView } from "./changesView.ts";
 import type { Context, View } from "./context.ts";

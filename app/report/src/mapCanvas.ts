@@ -12,7 +12,7 @@ export interface MapCanvasOptions {
   label: string;
   onSelect(place: Place): void;
   onOpen(place: Place): void;
-  /** Colour variable of a variable, where it is not that of its type. */
+  /** Colour variable of a variable, if it isn't the one of its type. */
   colourOf?(variable: number): string | undefined;
   /** Called after the user moved the map. */
   onMove?(): void;
@@ -44,7 +44,7 @@ export class MapCanvas {
   private context!: CanvasRenderingContext2D;
   private boxes: Box[] = [];
   private width = 0;
-  /** Where the last label of the ruler ends. */
+  /** Position where the last label of the ruler ends. */
   private rulerEnd = 0;
   private from = 0;
   private to: number;
@@ -310,7 +310,7 @@ export class MapCanvas {
     this.drawSelected();
   }
 
-  /** Says what the empty room below the variables is for. */
+  /** Says what the empty space below the variables is for. */
   private drawHint(): void {
     const top = this.variablesTop + this.model.lineCount * (variableHeight + gap);
     if (!this.boxes.some((box) => box.top >= top)) {
@@ -323,7 +323,7 @@ export class MapCanvas {
   private drawRegions(): void {
     const { context } = this;
     const top = this.variablesTop;
-    // Further lines hold what overlaps: nothing is missing beside it.
+    // Further lines hold overlapping variables: beside those nothing is missing.
     const bottom = top + variableHeight + gap;
     for (const region of this.model.regions) {
       const left = Math.max(0, this.px(region.x));
@@ -339,7 +339,7 @@ export class MapCanvas {
     this.clearCode(top, bottom - top - gap);
   }
 
-  /** Where code lies, no variable is missing. */
+  /** Where there is code, no variable is missing. */
   private clearCode(top: number, height: number): void {
     const { context, model } = this;
     for (const { kind, address, size } of model.image.sections) {
@@ -436,7 +436,7 @@ export class MapCanvas {
       const line = model.lines[at]!;
       const left = this.px(start);
       const right = Math.max(this.px(model.ends[at]!), left + 1);
-      // What would be drawn over the same pixel shows nothing more.
+      // Something drawn over the same pixel would show nothing more.
       if (right <= drawn[line]! + 0.5) {
         continue;
       }
@@ -458,7 +458,7 @@ export class MapCanvas {
     }
   }
 
-  /** The parts of a place, drawn below it; those without a pixel are left out. */
+  /** Draws the parts of a place below it; parts smaller than a pixel are omitted. */
   private drawParts(place: Place, left: number, right: number, top: number, levels: number): void {
     const { image } = this.model;
     const children = levels === 0 || place.size === 0 ? 0 : image.childCount(place);

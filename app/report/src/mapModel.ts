@@ -1,8 +1,8 @@
-// Where everything lies: regions of used addresses on one scale, holes and overlaps. It draws nothing.
+// Where everything lies: ranges of used addresses on one scale, holes and overlaps. It draws nothing.
 
 import type { Image, Section } from "./image.ts";
 
-/** A stretch of addresses without large holes. */
+/** A range of addresses without large holes. */
 export interface Region {
   start: bigint;
   size: number;
@@ -29,10 +29,10 @@ interface Span {
   end: bigint;
 }
 
-/** Holes of at least this and of this share of all that is used break the scale. */
+/** Holes of at least this many bytes, and of this share of all used bytes, break the scale. */
 const smallestBreak = 16 * 1024;
 const breakShare = 0.25;
-/** Share of the scale that a region has at least, and that a break has. */
+/** Smallest share of the scale for a region, and for a break. */
 const leastShare = 0.03;
 const gapShare = 0.012;
 const mostOverlaps = 500;
@@ -41,12 +41,12 @@ export class MapModel {
   readonly regions: Region[];
   /** Length of the scale. */
   readonly length: number;
-  /** Variables of a size, by address. */
+  /** Variables with a size, by address. */
   readonly order: Uint32Array;
   /** Places of the ordered variables on the scale. */
   readonly starts: Float64Array;
   readonly ends: Float64Array;
-  /** How far the variables up to each reach. */
+  /** The largest end among the variables up to each. */
   private readonly reached: Float64Array;
   /** Line of each ordered variable: 0, or more below one that it overlaps. */
   readonly lines: Uint8Array;
@@ -92,7 +92,7 @@ export class MapModel {
     return this.order.indexOf(variable);
   }
 
-  /** First position in `order` of which something may lie behind a place of the scale. */
+  /** First index in `order` of a variable that may lie at or after a place of the scale. */
   firstAt(x: number): number {
     let low = 0;
     let high = this.order.length;
@@ -117,7 +117,7 @@ export class MapModel {
     return found ?? this.regions[0];
   }
 
-  /** Gives each variable its place and line, and finds what overlaps. */
+  /** Gives each variable its place and line, and finds overlaps. */
   private place(): number {
     const { image, order } = this;
     const lineEnds: bigint[] = [];
@@ -147,7 +147,7 @@ export class MapModel {
     return Math.max(1, lineEnds.length);
   }
 
-  /** What no variable takes between the first and the last one of a section of data. */
+  /** The bytes between the first and the last variable of a data section that no variable uses. */
   private findHoles(): Hole[] {
     const holes: Hole[] = [];
     for (const section of this.image.sections) {

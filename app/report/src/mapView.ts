@@ -1,4 +1,4 @@
-// The memory map of an image, with the lists of what the picture shows: regions, sections, holes and
+// The memory map of an image, with lists of what the picture shows: regions, sections, holes and
 // overlaps.
 
 import type { Context, View } from "./context.ts";

@@ -1,5 +1,5 @@
-// A list whose items open in place, told by row numbers. Items that are closed take no memory, so that
-// an array of a million elements opens at once.
+// A list whose items open in place, addressed by row numbers. Closed items take no memory, so that an
+// array of a million elements opens at once.
 
 export interface Source<Item> {
   count: number;
@@ -10,7 +10,7 @@ export interface Row<Item> {
   item: Item;
   level: number;
   isOpen: boolean;
-  /** Position among its siblings, from 0, and their number. */
+  /** Index among its siblings, from 0, and their number. */
   position: number;
   siblings: number;
 }
@@ -35,14 +35,14 @@ interface Found<Item> {
   branch: Branch<Item>;
   position: number;
   level: number;
-  /** Index in `branch.opened`, or -1 - the index at which it would stand. */
+  /** Index in `branch.opened`, or -1 - the index at which it would be inserted. */
   opened: number;
 }
 
 export class Outline<Item> {
   private readonly root: Branch<Item>;
 
-  /** @param childrenOf what an item opens to; undefined or empty if it doesn't */
+  /** @param childrenOf the items below an item; undefined or empty if it doesn't open */
   constructor(
     source: Source<Item>, private readonly childrenOf: (item: Item) => Source<Item> | undefined,
   ) {
@@ -94,7 +94,7 @@ export class Outline<Item> {
     return true;
   }
 
-  /** Row of the item that a row lies in; -1 at the top. */
+  /** Row of the item that contains a row; -1 at the top. */
   parentOf(number: number): number {
     const level = this.find(number)?.level ?? 0;
     if (level === 0) {
@@ -104,7 +104,7 @@ export class Outline<Item> {
     return number - rowInBranch(found.branch, found.position) - 1;
   }
 
-  /** Row of an item of an open row by its position there. */
+  /** Row of an item within an open row, by its index there. */
   childRow(number: number, position: number): number {
     const found = this.find(number);
     if (found === undefined || found.opened < 0) {
@@ -113,7 +113,7 @@ export class Outline<Item> {
     return number + 1 + rowInBranch(found.branch.opened[found.opened]!.branch, position);
   }
 
-  /** Row of an item at the top by its position. */
+  /** Row of a top-level item by its index. */
   topRow(position: number): number {
     return rowInBranch(this.root, position);
   }
@@ -143,7 +143,7 @@ function rowInBranch<Item>(branch: Branch<Item>, position: number): number {
   return row;
 }
 
-/** Where a row of a branch lies: an item of it (rest -1), or a row within an open item. */
+/** What a row of a branch is: one of its items (rest -1), or a row within an open item. */
 function stepInto<Item>(
   branch: Branch<Item>, number: number,
 ): { position: number; opened: number; rest: number } {

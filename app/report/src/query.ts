@@ -11,18 +11,18 @@ export interface TextTerm {
   raw: string;
 }
 
-/** Whatever takes room from `first` to `last`, both included. */
+/** Everything that occupies an address from `first` to `last`, both included. */
 export interface AddressTerm {
   kind: "address";
   first: bigint;
   last: bigint;
-  /** An address that may still be typed on, in lower case; empty for a range. */
+  /** An address that the user may still be typing, in lower case; empty for a range. */
   prefix: string;
 }
 
 export type Term = TextTerm | AddressTerm;
 
-/** So many terms count; each has a bit in the masks of a search. */
+/** At most this many terms count; each has a bit in the masks of a search. */
 export const mostTerms = 8;
 
 const range = /^(0x[0-9a-f]+)(?:\.\.|-|…|:)(0x[0-9a-f]+)$/;

@@ -1,4 +1,4 @@
-// What takes the room: a treemap of all variables by unit, namespace, section or type.
+// What occupies the memory: a treemap of all variables by unit, namespace, section or type.
 
 import { type HierarchyRectangularNode, hierarchy, treemap, treemapSquarify } from "d3-hierarchy";
 import type { Context, View } from "./context.ts";
@@ -40,7 +40,7 @@ export class RoomView implements View {
   private root: Tile | undefined;
   private shown: Tile | undefined;
   private tiles: Tile[] = [];
-  /** Groups at the top by their numbers. */
+  /** Top-level groups by their numbers. */
   private tops = new Map<Tile, number>();
   private originals = new Map<Tile, Tile>();
   private active = -1;
@@ -119,7 +119,7 @@ export class RoomView implements View {
     this.goTo(this.root);
   }
 
-  /** Names of the groups that a variable lies in, outermost first. */
+  /** Names of the groups that contain a variable, outermost first. */
   private groupsOf(variable: number): string[] {
     const { image } = this;
     switch (this.grouping) {
@@ -196,7 +196,7 @@ export class RoomView implements View {
       .paddingInner(1)
       .paddingTop((node) => (node.children && node.depth > 0 && node.y1 - node.y0 > 44 ? headHeight : 1))
       (copy);
-    // The copies lead to the nodes of the whole tree, which know where they lie in it.
+    // The copies lead to the nodes of the whole tree, which know their place in it.
     const originals = shown.descendants();
     this.tiles = copy.descendants();
     this.originals = new Map(this.tiles.map((tile, index) => [tile, originals[index]!]));
@@ -251,7 +251,7 @@ export class RoomView implements View {
     }
   }
 
-  /** Each group at the top has a hue of its own, far from those of its neighbours. */
+  /** Each top-level group has a hue of its own, different from its neighbours. */
   private hueOf(tile: Tile): number {
     const original = this.originals.get(tile) ?? tile;
     const [, top] = original.ancestors().reverse();

@@ -1,6 +1,6 @@
-// The part of the address behind "#". Views are "#/map" or "#/types/Motor"; anything else is the path
-// of a variable or of a part of it, "#motors[1].loops[0].gain", with "@0x20000000" at the end where
-// several have the name.
+// The part of the address after "#". Views are "#/map" or "#/types/Motor"; anything else is the path of
+// a variable or of a part of it, "#motors[1].loops[0].gain", with "@0x20000000" at the end if several
+// variables have the name.
 
 import type { Image, Place } from "./image.ts";
 
@@ -31,7 +31,7 @@ export function placeHash(image: Image, place: Place): string {
   return "#" + encode(isUnique ? place.path : `${place.path}@${address}`);
 }
 
-/** The place that a route of the view "place" names. */
+/** The place in a route of the view "place". */
 export function placeOfRoute(image: Image, argument: string): Place | undefined {
   const place = image.resolve(argument);
   if (place !== undefined) {

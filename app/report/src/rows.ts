@@ -8,14 +8,14 @@ import { type Indices, type ShapeSet, placeCount, placeOfShape } from "./shapes.
 
 export interface VariableRow {
   place: Place;
-  /** Path of the row; of a shape with empty brackets. */
+  /** Path of the row; for a shape, with empty brackets. */
   path: string;
-  /** Places that the row stands for; more than one for a shape. */
+  /** Number of places that the row stands for; more than one for a shape. */
   count: number;
   isFuzzy: boolean;
-  /** The row stands by itself, so that it shows its whole path. */
+  /** The row is at the top level, so that it shows its whole path. */
   isTop: boolean;
-  /** What a shape opens to. */
+  /** What a shape opens into. */
   shape?: { hit: Hit; fixed: Indices };
 }
 
@@ -40,7 +40,7 @@ export class Rows {
     return { place, path, count, isFuzzy, isTop: true, shape: { hit, fixed } };
   }
 
-  /** What a row opens to. */
+  /** What a row opens into. */
   childrenOf(row: VariableRow): Source<VariableRow> | undefined {
     const { shape } = row;
     if (row.count > 1 && shape !== undefined) {
@@ -53,7 +53,7 @@ export class Rows {
     return { count, at: (index) => this.ofPlace(this.image.child(row.place, index)) };
   }
 
-  /** Rows of hits; where the query gives indices, those of their elements alone. */
+  /** Rows of hits; if the query has indices, only rows of these elements. */
   source(hits: Hit[], query: string): Source<VariableRow> {
     const direct = this.directRows(query);
     const indexed = parseQuery(query).filter((term): term is TextTerm =>
@@ -115,7 +115,7 @@ export class Rows {
     return (ofSet[hit.shape] ??= fixedIndices("", path, set.lengths[hit.shape]!, indexed));
   }
 
-  /** The places that a query names: a whole path, or an address within a variable. */
+  /** The places that a query names directly: by a whole path, or an address within a variable. */
   private directRows(query: string): VariableRow[] {
     const terms = parseQuery(query);
     const [term] = terms;
@@ -147,7 +147,7 @@ function fixedIndices(
   const fixed: Indices = [];
   for (const { text, raw } of indexed) {
     const start = (name + path).lastIndexOf(text);
-    // Brackets of the name itself are no indices.
+    // Brackets within the name itself are no indices.
     let level = path.slice(0, Math.max(0, start - name.length)).split("[").length - 1;
     for (const [, digits] of raw.matchAll(/\[(\d*)\]?/g)) {
       if (digits !== "" && start >= 0) {
@@ -160,7 +160,7 @@ function fixedIndices(
   return fits ? fixed : null;
 }
 
-/** The innermost part of a variable that holds an address; undefined if it lies elsewhere. */
+/** The innermost part of a variable that holds an address; undefined if the variable doesn't. */
 export function placeAt(image: Image, variable: number, address: bigint): Place | undefined {
   const start = image.addresses[variable]!;
   if (address < start || address - start >= BigInt(Math.trunc(image.sizes[variable]!))) {

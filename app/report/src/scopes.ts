@@ -1,6 +1,6 @@
-// Names of scopes, taken apart.
+// Splits names into scopes.
 
-/** Scopes at each "::" that stands outside of brackets: those within are of template arguments. */
+/** Splits at each "::" outside brackets: those within belong to template arguments. */
 export function splitScopes(scope: string): string[] {
   const scopes: string[] = [];
   let depth = 0;

@@ -1,6 +1,6 @@
-// The search over all variables and their parts. Each term of a query has a bit: names, steps, types
-// and units are looked at once each, and a part has the bits of all that leads to it. The topmost
-// parts that have all bits are found; what lies below opens in place.
+// The search over all variables and their parts. Each term of a query has a bit. Names, steps, types
+// and units are each compared once, and a part has the bits of everything that leads to it. The hits
+// are the topmost parts with all bits; what lies below opens in place.
 
 import uFuzzy from "@leeoniya/ufuzzy";
 import type { Image } from "./image.ts";
@@ -9,27 +9,27 @@ import { type ShapeSet, Shapes } from "./shapes.ts";
 
 export interface Hit {
   variable: number;
-  /** Position among the shapes of the variable's type; -1 for the variable itself. */
+  /** Index among the shapes of the variable's type; -1 for the variable itself. */
   shape: number;
-  /** Similar to the query only. */
+  /** Only similar to the query. */
   isFuzzy: boolean;
   /** Higher is better. */
   score: number;
 }
 
-/** Of each text the terms that fit it, a bit each, and how well the best one does. */
+/** For each text, the terms that match it, one bit each, and the score of the best match. */
 interface Fits {
   masks: Uint8Array;
   scores: Uint8Array;
 }
 
-/** The same of the shapes of a type, with the terms that any of them fits. */
+/** The same for the shapes of a type, with the terms that any of them matches. */
 interface ShapeFits extends Fits {
   union: number;
 }
 
 const shortestFuzzyWord = 3;
-/** With more exact hits than this, nobody looks at similar ones. */
+/** With more exact hits than this, similar ones aren't searched for. */
 const enoughHits = 100;
 const mostFuzzyHits = 200;
 
@@ -68,7 +68,7 @@ export class Search {
     });
   }
 
-  /** All variables for an empty query; otherwise what fits, best first. */
+  /** All variables for an empty query; otherwise the matches, best first. */
   find(query: string): Hit[] {
     const terms = parseQuery(query);
     if (terms.length === 0) {
@@ -105,7 +105,7 @@ class Run {
   private readonly sections: Fits;
   private readonly addressTerms: [number, AddressTerm][];
   private readonly shapeFits = new Map<ShapeSet, ShapeFits>();
-  /** Terms that may lie across steps: each with the places where a step may begin. */
+  /** Terms that may span several steps: each with the places where a step may begin. */
   private readonly paths: { bit: number; text: string; splits: number[] }[];
   private readonly hits: Hit[] = [];
 
@@ -137,7 +137,7 @@ class Run {
     return byScore(this.hits);
   }
 
-  /** The text terms that look at names, types, units or sections, each with its bit. */
+  /** The text terms for names, types, units or sections, each with its bit. */
   private textTerms(field: "name" | "type" | "unit" | "section"): [number, TextTerm][] {
     return this.terms.flatMap((term, index): [number, TextTerm][] =>
       term.kind === "text" && (term.field === "any" || term.field === field)
@@ -221,7 +221,7 @@ class Run {
     return fits;
   }
 
-  /** A shape has the bits of all that leads to it. */
+  /** A shape has the bits of everything that leads to it. */
   private makeShapeFits(set: ShapeSet): ShapeFits {
     const count = set.parents.length;
     const masks = new Uint8Array(count);
@@ -243,7 +243,7 @@ class Run {
     return { masks, scores, union };
   }
 
-  /** Rests of terms whose beginning ends the name of a variable. */
+  /** The rests of terms whose beginning matches the end of a variable's name. */
   private acrossName(variable: number): { bit: number; rest: string }[] {
     const name = this.search.names[variable]!;
     return this.paths.flatMap(({ bit, text, splits }) =>
@@ -300,7 +300,7 @@ function fitsOf(texts: string[], terms: [number, TextTerm][], isLoose: boolean):
   return { masks, scores };
 }
 
-/** A word that is or begins a name or step counts more than one within. */
+/** A match at the start of a name or step scores higher than one within. */
 function scoreOf(text: string, start: number, length: number): number {
   return start < 0 || !isBorder(text, start) ? 1 : isBorder(text, start + length) ? 3 : 2;
 }
@@ -317,7 +317,7 @@ function similarTo(texts: string[], word: string): number[] {
   return isWord(word) ? (fuzzy.filter(texts, word) ?? []) : [];
 }
 
-/** The parts of a text that the words of a query fit, as pairs of positions in ascending order. */
+/** The ranges of a text that match words of a query, as pairs of positions in ascending order. */
 export function matchedRanges(text: string, query: string): [number, number][] {
   const lower = text.toLowerCase();
   const ranges: [number, number][] = [];

@@ -1,19 +1,19 @@
 // The places of a type without their indices: ".loops[].gain" stands for the gains of all loops. A
-// search looks at shapes, so that its time doesn't grow with the lengths of arrays.
+// search visits shapes instead of places, so that its time doesn't grow with the lengths of arrays.
 
 import type { Image, Place } from "./image.ts";
 import { Kind, type Member, type Types } from "./types.ts";
 
-/** All shapes below one type, parents in front of their children. */
+/** All shapes below one type, parents before their children. */
 export interface ShapeSet {
-  /** Position of the parent among the shapes; -1 for a direct member. */
+  /** Index of the parent among the shapes; -1 for a direct member. */
   parents: Int32Array;
   /** Number of the last step, a member or the brackets of an element, see `Shapes.steps`. */
   steps: Uint32Array;
   types: Uint32Array;
   paths: string[];
   lowerPaths: string[];
-  /** Of each shape the dimensions of all arrays on its way, one for each pair of brackets. */
+  /** For each shape, the dimensions of all arrays on its way, one for each pair of brackets. */
   lengths: number[][];
 }
 
@@ -30,9 +30,9 @@ const noShapes: ShapeSet = {
 };
 
 export class Shapes {
-  /** Steps that occur anywhere, in lower case: ".loops". */
+  /** All steps that occur, in lower case: ".loops". */
   readonly steps: string[] = [];
-  /** A type has more shapes than are searched. */
+  /** A type has more shapes than the search covers. */
   isCut = false;
   private readonly stepNumbers = new Map<string, number>();
   private readonly sets = new Map<number, ShapeSet>();
@@ -109,10 +109,10 @@ export class Shapes {
   }
 }
 
-/** An index of each pair of brackets of a shape; undefined for any. */
+/** An index for each pair of brackets of a shape; undefined for any. */
 export type Indices = (number | undefined)[];
 
-/** How many places a shape stands for. */
+/** The number of places that a shape stands for. */
 export function placeCount(lengths: number[], fixed: Indices): number {
   return lengths.reduce(
     (product, length, level) => product * (fixed[level] === undefined ? length : 1), 1);
@@ -132,7 +132,7 @@ export function placeOfShape(
   return walk(image, variable, path, indices);
 }
 
-/** Goes along a shape with an index for each pair of brackets. */
+/** Follows a shape with an index for each pair of brackets. */
 function walk(
   image: Image, variable: number, path: string, indices: number[],
 ): Place | undefined {

@@ -45,7 +45,7 @@ function numberOrText(value: string): Key {
   return Number.isNaN(number) ? value : number;
 }
 
-/** Numbers stand in front of texts, empty texts at the end. */
+/** Numbers come before texts, empty texts at the end. */
 function compare(first: Key, second: Key): number {
   if (typeof first === "string" && typeof second === "string") {
     if (first === "" || second === "") {

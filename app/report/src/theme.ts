@@ -1,11 +1,11 @@
-// Dark and light: as the system has it, or as the user chose for this page.
+// Dark and light: as in the system, or as the user chose for this page.
 
 import { make } from "./dom.ts";
 
 const key = "brindle-report-theme";
 const themes = [["auto", "System"], ["light", "Light"], ["dark", "Dark"]] as const;
 
-/** Pages of the disk may have no storage; then the choice lasts as long as the page. */
+/** Local pages may have no storage; then the choice lasts as long as the page. */
 function stored(): string {
   try {
     return localStorage.getItem(key) ?? "auto";

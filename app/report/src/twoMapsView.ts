@@ -1,5 +1,5 @@
-// The memory maps of two images side by side, one above the other where there is little room, on one
-// scale, coloured by what changed.
+// The memory maps of two images side by side, or one above the other if there is little space, on one
+// scale and coloured by what changed.
 
 import type { Context, View } from "./context.ts";
 import { type Differences, causes } from "./differences.ts";

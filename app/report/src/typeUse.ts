@@ -1,11 +1,11 @@
-// Types that read alike in several units are one here, with all that is of them.
+// Types with equal texts in several units are one entry here, with everything that uses them.
 
 import type { Image, Place } from "./image.ts";
 import type { Search } from "./search.ts";
 import { Entry, Kind } from "./types.ts";
 
 export interface TypeEntry {
-  /** The first of the types that read alike. */
+  /** The first of the types with equal texts. */
   type: number;
   text: string;
   kind: number;
@@ -13,7 +13,7 @@ export interface TypeEntry {
   /** Bytes of holes and padding. */
   lost: number;
   units: string[];
-  /** Variables that are of the type, or arrays of it. */
+  /** Variables of this type, or arrays of it. */
   variables: number;
 }
 
@@ -37,13 +37,13 @@ export class TypeIndex {
     }
   }
 
-  /** The entry that a type is one of, through arrays. */
+  /** The entry of a type, even through arrays. */
   entryOf(type: number): TypeEntry | undefined {
     const index = this.entryOfType.get(this.elementOf(type));
     return index === undefined ? undefined : this.entries[index];
   }
 
-  /** Where the variables have something of an entry. */
+  /** Where variables contain something of an entry. */
   usesOf(entry: TypeEntry): TypeUse[] {
     const uses: TypeUse[] = [];
     const isOfEntry = (type: number) => type !== 0 && this.leadsTo(type, entry);
@@ -63,7 +63,7 @@ export class TypeIndex {
       }
       const set = this.search.shapes.of(type);
       for (let shape = 0; shape < set.paths.length; ++shape) {
-        // An array counts as it stands, without its elements.
+        // An array counts as it is, without its elements.
         if (!set.paths[shape]!.endsWith("]") && isUse(set.types[shape]!)) {
           uses.push({ variable, shape: set.paths[shape]! });
         }
@@ -72,7 +72,7 @@ export class TypeIndex {
     return uses;
   }
 
-  /** Types that have members or elements of an entry. */
+  /** Types with members or elements of an entry. */
   holdersOf(entry: TypeEntry): TypeEntry[] {
     return this.entries.filter(
       (holder) => holder !== entry &&
@@ -80,7 +80,7 @@ export class TypeIndex {
     );
   }
 
-  /** Through typedefs and arrays, one step at a time. */
+  /** Follows typedefs and arrays, one step at a time. */
   private leadsTo(start: number, entry: TypeEntry): boolean {
     const types = this.image.types;
     let type = start;

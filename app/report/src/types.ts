@@ -1,4 +1,4 @@
-// The types of an image: what they are called, how large they are and what they consist of.
+// The types of an image: their names, their sizes and their contents.
 
 import { type NumberColumn, startsOf, unpackNumbers } from "./columns.ts";
 import type { PackedImage } from "./pack.ts";
@@ -22,7 +22,7 @@ export const kindNames = [
   "function",
 ];
 
-/** What a layout consists of; the numbers are those of the pack. */
+/** The kinds of layout entries; the numbers are those of the pack. */
 export const Entry = {
   BaseClass: 0,
   UnplacedBaseClass: 1,
@@ -38,14 +38,14 @@ export interface LayoutEntry {
   name: string;
   type: number;
   offset: number;
-  /** In bytes; in bits for unused bits. */
+  /** Size in bytes; in bits for unused bits. */
   size: number;
   /** Position of a bit field in its storage unit from the least significant bit; -1 for none. */
   bit: number;
   bits: number;
 }
 
-/** A member as paths name it, inherited and anonymous ones among them. */
+/** A member under the name that paths use, including inherited and anonymous ones. */
 export interface Member {
   step: string;
   type: number;
@@ -182,7 +182,7 @@ export class Types {
     return entries;
   }
 
-  /** Members of a class in the order of their offsets, as the leaves of a variable have them. */
+  /** Members of a class in the order of their offsets, as in the leaves of a variable. */
   membersOf(type: number): Member[] {
     let members = this.members.get(type);
     if (members === undefined) {
@@ -241,7 +241,7 @@ export class Types {
     return members;
   }
 
-  /** Where nothing is inherited or anonymous, the layout says all. */
+  /** If nothing is inherited or anonymous, the layout contains all members. */
   private plainMembers(type: number): Member[] {
     return this.layout(type)
       .filter((entry) => entry.kind === Entry.Member || entry.kind === Entry.BitField)

@@ -1,4 +1,4 @@
-// The types of an image: a list to search, and beside it the layout of the one that is selected.
+// The types of an image: a searchable list, and beside it the layout of the selected type.
 
 import type { Context, View } from "./context.ts";
 import { typeLink } from "./detailPane.ts";
@@ -271,7 +271,7 @@ export class TypesView implements View {
   }
 }
 
-/** What is pointed at in the picture or the table shows in both. */
+/** Highlights what the mouse points at in the picture or the table in both. */
 function linkHighlights(picture: Element, table: Element): void {
   const mark = (event: Event, isOn: boolean) => {
     const entry = (event.target as Element).closest("[data-entry]")?.getAttribute("data-entry");

@@ -1,15 +1,15 @@
-// Initial values: what the bytes of the image say a place holds when the program starts.
+// Initial values: the value of a place in the bytes of the image, when the program starts.
 
 import type { Image, Place } from "./image.ts";
 import { Kind } from "./types.ts";
 
-/** The base types of the data model that are read as something else than a plain integer. */
+/** The base types of the data model that are not read as plain integers. */
 const Basic = { Void: 1, Char: 2, WideChar: 3, Float: 6, Bool: 7, Double: 10, Special: 17 } as const;
 const signedBasics = new Set([4, 8, 11, 13, 15]);
 const longestText = 64;
 const float16 = 18;
 
-/** The value of a leaf or of an array of characters; empty where none is known. */
+/** The value of a leaf or of an array of characters; empty if unknown. */
 export function valueText(image: Image, place: Place): string {
   if (place.size <= 0 || place.size > 65536) {
     return "";
@@ -27,13 +27,13 @@ export function valueText(image: Image, place: Place): string {
   return bytes === undefined ? clearedText(image, place) : scalarText(image, place, type, bytes);
 }
 
-/** Memory without bytes in the file is cleared when the program starts, unless it says otherwise. */
+/** Memory without bytes in the file is cleared when the program starts, unless its name says otherwise. */
 function clearedText(image: Image, place: Place): string {
   const section = image.sectionAt(image.addressOf(place));
   return section?.kind === "zero" && !/no_?init/i.test(section.name) ? "cleared" : "";
 }
 
-/** Bytes to read: a packed bit field may reach beyond its storage unit. */
+/** Bytes to read: a packed bit field may exceed its storage unit. */
 function extentOf(place: Place): number {
   return place.isBitField && place.bit >= 0
     ? Math.max(place.size, Math.ceil((place.bit + place.bits) / 8))
@@ -113,7 +113,7 @@ function characterText(value: bigint): string {
   return code >= 0x20 && code < 0x7f ? `${code} '${String.fromCharCode(code)}'` : String(code);
 }
 
-/** The shortest decimal number that is the same float. */
+/** The shortest decimal number that reads back as the same float. */
 function shortest(value: number): string {
   for (let digits = 1; digits < 9; ++digits) {
     const text = Number(value.toPrecision(digits));

@@ -1,4 +1,4 @@
-// The table of all variables: searched while one types, sorted by any column, opened in place.
+// The table of all variables: searched while typing, sorted by any column, opened in place.
 
 import type { Context, View } from "./context.ts";
 import { csvHeader, csvRow, saveText } from "./csv.ts";
@@ -27,7 +27,7 @@ export class VariablesView implements View {
   private sorting: Sorting | undefined;
   private outline: Outline<VariableRow> | undefined;
   private hits: Hit[] = [];
-  /** Rows in front of those of the hits. */
+  /** Number of rows before those of the hits. */
   private directCount = 0;
   private shownImage = -1;
   private rows!: Rows;
@@ -73,7 +73,7 @@ export class VariablesView implements View {
     if (isOther) {
       this.shownImage = this.context.current;
       this.rows = new Rows(this.image, this.searchOf());
-      // The first key is not the one that waits for the browser to compile the search.
+      // Compiles the search in the browser before the first key needs it.
       setTimeout(() => this.searchOf().find("ab"), 200);
       this.element.style.setProperty(
         "--address-width", `${2.6 + this.image.addressDigits * 0.58}rem`);
@@ -162,7 +162,7 @@ export class VariablesView implements View {
       this.hits = sortHits(this.image, this.searchOf(), this.hits, this.sorting);
     }
     const source = this.rows.source(this.hits, this.input.value);
-    // With indices in the query not every hit has a row.
+    // If the query has indices, not every hit has a row.
     this.directCount = /\[\d+\]/.test(this.input.value) ? -1 : source.count - this.hits.length;
     this.outline = new Outline(source, (row) => this.rows.childrenOf(row));
     this.grid.show(this.outline, this.sorting);
