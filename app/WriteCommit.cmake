@@ -1,5 +1,5 @@
-# Writes the commit of the sources as a header, anew only when it is another one, so that a build compiles
-# nothing for it otherwise. Empty outside of a repository, unless COMMIT names one.
+# Writes the commit of the sources as a header, but only if it has changed, so that a build compiles nothing
+# otherwise. Empty outside a repository, unless COMMIT gives one.
 #     cmake -DSOURCE=FOLDER -DOUTPUT=FILE [-DCOMMIT=TEXT] -P WriteCommit.cmake
 cmake_minimum_required(VERSION 3.25)
 if(NOT COMMIT)

@@ -24,7 +24,7 @@ PROGRAMS = ROOT / "build" / "release"
 
 @dataclasses.dataclass
 class Tool:
-    """A program and its arguments before and behind the image; `package` has it on Debian."""
+    """A program and its arguments before and after the image; `package` has it on Debian."""
     name: str
     command: list
     package: str
@@ -90,9 +90,9 @@ class Measurement:
 
 
 def run_once(tool, image, limit):
-    """One run of a tool, killed after `limit` seconds. Its output goes to a file that is thrown away."""
-    # A process begins with the peak memory of the one that started it, so a small one does it: time,
-    # which writes what its child took.
+    """One run of a tool, killed after `limit` seconds. Its output goes to a file that is discarded."""
+    # A process begins with the peak memory of the one that started it, so a small one starts it: time,
+    # which reports its child's usage.
     with tempfile.TemporaryFile() as output, tempfile.NamedTemporaryFile("r") as peak:
         start = time.monotonic()
         process = subprocess.Popen(["time", "--quiet", "--format=%M", f"--output={peak.name}",
@@ -114,7 +114,7 @@ def run_once(tool, image, limit):
 
 
 def measure(tool, image, arguments):
-    """The best of the runs. A tool that takes long is run once: what disturbs it counts for little."""
+    """The best of the runs. A slow tool is run only once: disturbances matter little for it."""
     best = run_once(tool, image, arguments.limit)
     for _ in range(arguments.runs - 1):
         if best.failure or best.wall > arguments.repeat_below:
@@ -176,7 +176,7 @@ def print_table(tools, image, arguments):
 
 
 def print_growth(folder, whole, arguments):
-    """Brindle on the image of half the units, as a part of the whole."""
+    """Brindle on the image of half the units, relative to the whole."""
     for name, title, tools in IMAGES:
         image = folder / name
         full = whole.get(name.replace("-half", ""))
@@ -227,7 +227,7 @@ def main():
                         help="a tool that takes longer is run once (15)")
     arguments = parser.parse_args()
 
-    # One processor for all: a tool that works on several threads shall not look faster than it is.
+    # One processor for all: a tool with several threads must not look faster than it is.
     os.sched_setaffinity(0, {max(os.sched_getaffinity(0))})
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     print_machine()

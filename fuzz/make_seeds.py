@@ -17,8 +17,8 @@ SECTIONS = [".debug_info", ".debug_abbrev", ".debug_str", ".debug_loc", ".symtab
 TABLES = SECTIONS[7:]
 ENTRY_BYTES = 14
 
-# Choices that matter, by what they are good for: all types with a search for damaged units; demangled
-# symbol names; symbols of no type; log and dumps; the full manner of reading.
+# Choices that matter, with their purpose: all types with a search for damaged units; demangled symbol
+# names; symbols of no type; log and dumps; the full manner of reading.
 CHOICES = [
     bytes([0, 1, 0, 0, 0, 0, 0, 0]),
     bytes([0, 1, 1, 0, 0x40, 0, 0, 0]),
@@ -64,7 +64,7 @@ LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "11
 
 
 class Elf:
-    """As much of an ELF image as the sections above need."""
+    """The parts of an ELF image that the sections above need."""
 
     def __init__(self, data):
         self.is64 = data[4] == 2
@@ -113,7 +113,7 @@ def version(elf, unit):
 
 
 def place_of_abbreviations(elf, unit):
-    """Unit offset of the field that tells where the unit's abbreviations are."""
+    """Unit offset of the field that says where the unit's abbreviations are."""
     return 8 if version(elf, unit) >= 5 else 6
 
 
@@ -122,7 +122,7 @@ def abbreviations_of(elf, unit):
 
 
 def one_unit(elf, unit, strings):
-    """The sections of one unit, its abbreviation table alone and at the start of the section."""
+    """The sections of one unit, with only its abbreviation table, at the start of the section."""
     offset = abbreviations_of(elf, unit)
     abbreviations = elf.sections[".debug_abbrev"][offset:]
     following = [abbreviations_of(elf, other) for other in elf.units()]

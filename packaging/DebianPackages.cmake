@@ -1,5 +1,5 @@
-# The Debian packages that cpack makes of the installed components: the program, the shared library, and
-# what building a host takes. scripts/build-packages.sh builds and checks them.
+# The Debian packages that cpack makes of the installed components: the program, the shared library, and the
+# files for building a host. scripts/build-packages.sh builds and checks them.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME brindle)
 set(CPACK_PACKAGE_VENDOR "Brindle maintainers")

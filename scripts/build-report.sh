@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Rebuilds the page of `brindle report`, app/report/bundle/report.html, from its sources and from the npm
-# packages that app/report/package-lock.json pins; its types are checked and its tests run first. Needs
-# Node 20 or later. With --check nothing is written: it fails if the committed bundle is not that of the
-# sources.
+# packages that app/report/package-lock.json pins, after checking its types and running its tests. Needs Node
+# 20 or later. With --check nothing is written: it fails if the committed bundle differs from what the sources
+# give.
 set -euo pipefail
 cd "$(dirname "$0")/../app/report"
 

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Makes a wheel of the Python package with the shared library in it. Needs no network.
 #     scripts/build-wheel.sh [LIBRARY [FOLDER]]
-# It takes the library that is named, otherwise it builds one; the wheel goes to build/wheel unless another
-# folder is named, which is emptied first.
+# It takes the named library, otherwise it builds one; the wheel goes to build/wheel or to the named folder,
+# which is emptied first.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,7 +21,7 @@ trap 'rm -rf "$stage"' EXIT
 cp -r python/brindle python/pyproject.toml python/README.md "$stage"
 cp --dereference "$library" "$stage/brindle/libbrindle.so"
 strip --strip-unneeded "$stage/brindle/libbrindle.so"
-# Not pure, since it holds a library; for any Python 3, since it is reached over ctypes.
+# Not pure, since it contains a library; for any Python 3, since ctypes loads the library.
 cat >"$stage/setup.cfg" <<END
 [bdist_wheel]
 plat_name = linux_$(uname -m)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the program and the library for Windows with MinGW-w64, tests them where there is Wine, and packs
+# Builds the program and the library for Windows with MinGW-w64, tests them if Wine is installed, and packs
 # them: build/windows/brindle-VERSION-windows-ARCHITECTURE.zip.
 #     scripts/build-windows.sh [--unit-tests] [x86_64 | i686]
 # The architecture is x86_64 unless named. --unit-tests builds and runs the unit tests for Windows as well,
@@ -28,7 +28,7 @@ i686) scripts/install-packages.sh windows-i686 ;;
 esac
 
 cmake --preset "$preset" -DBRINDLE_BUILD_UNIT_TESTS=$unit_tests
-# What runs the programs, and the program of this machine that they are held against.
+# The command that runs the programs, and the program of this machine with which they are compared.
 wine=$(sed -n 's/^BRINDLE_WINE:FILEPATH=\(.*\)/\1/p' "$build/CMakeCache.txt")
 if [ -x "$wine" ]; then
     for native in release debug program; do
@@ -41,7 +41,7 @@ fi
 cmake --build --preset "$preset"
 
 if [ -x "$wine" ]; then
-    # An installation of its own, without the parts that would be downloaded, served by one process.
+    # A Wine installation of its own, without the parts that would be downloaded, served by one process.
     export WINEPREFIX=$PWD/build/wine WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml='
     mkdir -p "$WINEPREFIX"
     # One server for all runs, for as long as this script lasts.
@@ -53,8 +53,8 @@ else
     echo "build-windows.sh: no Wine for $architecture here: what was built has not been run" >&2
 fi
 
-# The zip: bin, lib and include as an installation has them, the documentation, and the licences of all that
-# is in the files.
+# The zip: bin, lib and include as in an installation, the documentation, and the licences of everything in
+# the files.
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 output=$PWD/build/windows
 name=brindle-$version-windows-$architecture

@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh checks
-# Style is the business of clang-tidy.
+# clang-tidy checks the style.
 cppcheck --quiet --std=c++20 --language=c++ --error-exitcode=1 --inline-suppr -j 2 \
     --enable=warning,performance,portability --suppressions-list=.cppcheck-suppressions \
     -I src -I app src app

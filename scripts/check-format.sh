@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fails if a source differs from what clang-format makes of it. With --fix the sources are changed.
+# Fails if clang-format would change a source. With --fix the sources are changed.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

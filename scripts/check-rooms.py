@@ -15,13 +15,13 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 TABLE = ROOT / "docs" / "architecture.md"
 INCLUDE = re.compile(r'\s*#\s*include\s+"([^"]+)"')
 
-# Files that still include a room above their own, and why. An entry that no include needs fails, so that the
-# list only gets shorter.
+# Files that still include a room above their own, and why. An unneeded entry fails, so that the list only
+# gets shorter.
 EXCEPTIONS: dict[tuple[str, str], str] = {}
 
 
 def read_table():
-    """Gives each room of the table, top first, with the rooms that it may know."""
+    """Returns each room of the table, top first, with the rooms that it may know."""
     rooms = {}
     for line in TABLE.read_text(encoding="utf-8").splitlines():
         row = re.fullmatch(r"\| `([a-z0-9/]+)/` \|.*\|([^|]*)\|", line)
@@ -42,12 +42,12 @@ def faults_of_table(rooms):
 
 
 def room_of(path, rooms):
-    """The innermost room that a file lies in, None for a file in no room."""
+    """The innermost room of a file, None for a file in no room."""
     return next((str(folder) for folder in path.parents if str(folder) in rooms), None)
 
 
 def files_of(folder):
-    """The C++ files in a folder, by the path that names their room."""
+    """The C++ files in a folder, by the path that determines their room."""
     base = folder.parent if folder.name != "src" else folder
     return {path.relative_to(base): path for path in sorted(folder.rglob("*")) if path.suffix in (".h", ".cpp")}
 
@@ -68,7 +68,7 @@ def includes_of(files):
 
 
 def faults_of_rooms(includes, rooms):
-    """Includes that the table doesn't allow, and exceptions that nothing needs."""
+    """Includes that the table doesn't allow, and unneeded exceptions."""
     unused = set(EXCEPTIONS)
     for source, target in includes:
         from_room, to_room = room_of(source, rooms), room_of(target, rooms)
@@ -84,7 +84,7 @@ def faults_of_rooms(includes, rooms):
 
 
 def faults_of_circles(includes):
-    """Each circle of files that is found, once."""
+    """Each circle of files, once."""
     graph = collections.defaultdict(set)
     for source, target in includes:
         if source.with_suffix("") != target.with_suffix(""):

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Fuzzes one target for a time: fuzz.sh TARGET SECONDS [JOBS]. TARGET is read, sections, entries,
-# locations, demangler, datatype, paths or a2l. The search goes on from the inputs of earlier runs in
-# build/fuzz-corpus/TARGET. One input may take 10 seconds and 1 GB; an input that crashes, hangs or
-# breaks a promise ends the run and is kept in build/fuzz-findings/TARGET.
+# Fuzzes one target for some time: fuzz.sh TARGET SECONDS [JOBS]. TARGET is read, sections, entries,
+# locations, demangler, datatype, paths or a2l. The search continues from the inputs of earlier runs in
+# build/fuzz-corpus/TARGET. One input may take 10 seconds and 1 GB; an input that crashes, hangs or breaks a
+# promise ends the run and is kept in build/fuzz-findings/TARGET.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 target=$1 seconds=$2 jobs=${3:-1}
@@ -14,7 +14,7 @@ cmake --build --preset fuzz --target "fuzz_$target" >&2
 corpus=build/fuzz-corpus/$target findings=build/fuzz-findings/$target
 mkdir -p "$corpus" "$findings"
 seeds=$(mktemp -d)
-# Inputs are files for a moment: kept in memory where the system has room for that.
+# Inputs are short-lived files: kept in memory if the system has a place for that.
 [ ! -d /dev/shm ] || TMPDIR=$(mktemp -d /dev/shm/brindle-fuzz-XXXXXX)
 export TMPDIR
 trap 'rm -rf "$seeds" ${TMPDIR:+"$TMPDIR"}' EXIT

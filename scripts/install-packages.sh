@@ -12,7 +12,7 @@ packages=(
     cmake g++ ninja-build
     libcli11-dev libutf8proc-dev rapidjson-dev
 )
-# What every build needs that has tests in it.
+# Needed by every build with tests.
 tests=(
     libbenchmark-dev libgmock-dev libgtest-dev
     binutils gdb-multiarch pkgconf python3 python3-jsonschema
@@ -33,7 +33,7 @@ get_utf8proc() {
     else
         sed -n 's/^deb /deb-src /p' /etc/apt/sources.list >"$folder/sources.list"
     fi
-    # With lists of its own, the system's are left as they are.
+    # With lists of its own, so that the system's lists stay as they are.
     local apt=(apt-get -qq -o "Dir::Etc::SourceList=$folder/sources.list" -o "Dir::Etc::SourceParts=$folder/parts"
         -o "Dir::State::Lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
         -o APT::Sandbox::User=root)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the program and prints the variables of each FILE; without one, those of a sample firmware,
+# Builds the program and prints the variables of each FILE; without one, the variables of a sample firmware,
 # and how to see more of it.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)

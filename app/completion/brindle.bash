@@ -29,9 +29,9 @@ _brindle_files() {
     mapfile -t COMPREPLY < <(compgen -f -- "$1")
 }
 
-# Splits the words up to the cursor as the shell does, but for "=", at which the line editor splits
-# too. Sets `current`, the word at the cursor, `previous`, the value of an option standing for itself
-# whatever joins the two, and `command`.
+# Splits the words up to the cursor as the shell does, but not at "=", where the line editor splits too. Sets
+# `current`, the word at the cursor, `previous`, the word before it ("--option=value" counts as two words), and
+# `command`.
 _brindle_words() {
     local word i
     local -a words=()

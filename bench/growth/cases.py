@@ -1,4 +1,4 @@
-"""The worst cases: each function makes an image of about n entries, symbols or bytes of one shape."""
+"""The worst cases: each function makes an image of about n entries, symbols or bytes of one kind."""
 import inspect
 import random
 import struct
@@ -18,17 +18,17 @@ def unit_of(fill):
 
 
 def letters(n):
-    """A text of which no part comes again."""
+    """A text without repeated parts."""
     return "".join(random.Random(1).choices("abcdefghijklmnopqrstuvwxyz", k=n))
 
 
 def qualifiers(n):
-    """The same, of parts such as a mangled name is made of."""
+    """The same, but made of parts as in a mangled name."""
     return "".join("1" + letter for letter in letters(n // 2))
 
 
 def add_symbols(image, n, text, *, ends=False, step=4):
-    """n symbols that have one text as their name or, each one character further, its ends."""
+    """n symbols whose names are one text or, each one character further, its suffixes."""
     name = image.symbol_name(text)
     for index in range(n):
         image.symbol(name + (index if ends else 0), 0x1000 + step * index)
@@ -36,7 +36,7 @@ def add_symbols(image, n, text, *, ends=False, step=4):
 
 
 def structures_of_suffixes(n, text, step=1, **unit):
-    """n structures whose names are the ends of one text, each some characters further."""
+    """n structures whose names are suffixes of one text, each some characters further."""
     image = Image()
     name = image.string(text)
     image.begin_unit(**unit)
@@ -92,7 +92,7 @@ def deep_structures(n):
 
 
 def deep_anonymous_structures(n):
-    """Each structure has an int and an anonymous member of the structure inside it."""
+    """Each structure has an int and an anonymous member of the next inner structure."""
     def fill(image, integer):
         for index in range(n):
             inner = Image.Later()
@@ -107,7 +107,7 @@ def deep_anonymous_structures(n):
 
 
 def chain(tag, n, *, attributes=lambda index: {}, closed=False):
-    """A type chain of one tag; closed, its end leads back to its start."""
+    """A type chain of one tag; if closed, its end leads back to its start."""
     def fill(image, integer):
         last = Image.Later()
         target = last if closed else integer
@@ -224,7 +224,7 @@ def parameters_fan(n):
 
 
 def function_types_of_many_parameters(n):
-    """sqrt(n) function types of sqrt(n) parameters each, all alike."""
+    """sqrt(n) function types of sqrt(n) parameters each, all equal."""
     side = int(n ** 0.5)
 
     def fill(image, integer):
@@ -245,7 +245,7 @@ def dimensions_fan(n):
 
 
 def huge_arrays(n):
-    """Arrays of arrays of arrays, each dimension as large as it gets."""
+    """Arrays of arrays of arrays, each dimension as large as possible."""
     def fill(image, integer):
         element = integer
         for index in range(n):
@@ -257,7 +257,7 @@ def huge_arrays(n):
 
 
 def many(n, make, units=1, image=None):
-    """n times what `make` writes, spread over units."""
+    """n times the output of `make`, spread over units."""
     image = image or Image()
     for unit in range(units):
         image.begin_unit()
@@ -468,7 +468,7 @@ def templates_of_many_arguments(n):
 
 
 def least_entries(n, tag, parent=None, **attributes):
-    """Entries of one byte each. What they tell takes no bytes; or they tell nothing."""
+    """Entries of one byte each. Their attributes take no bytes, or they have none."""
     def fill(image, integer):
         around = None
         if parent is not None:
@@ -503,7 +503,7 @@ def least_variables(n):
 
 
 def empty_units(n):
-    """Units of a header and the few bytes that make it a plausible one."""
+    """Units of a header and just enough bytes to be plausible."""
     image = Image()
     for _ in range(n):
         image.begin_unit(open_root=False)
@@ -536,7 +536,7 @@ def one_long_text(n):
 
 
 def one_location_list(n):
-    """n variables that share one list of an expression that is as long as one may be."""
+    """n variables that share one list with an expression of the maximum length."""
     image = Image()
     expression = b"\x08\x01\x22" * 30
     image.locations += bytes(4) + b"\1\0\0\0" + len(expression).to_bytes(2, "little") + expression
@@ -565,16 +565,16 @@ def symbols_of_one_long_name(n):
 
 
 def symbols_of_suffixes(n):
-    """n symbols whose names are the ends of one text of n characters."""
+    """n symbols whose names are the suffixes of one text of n characters."""
     return add_symbols(Image(), n, letters(n), ends=True)
 
 
-# Table sizes of a standard library whose hash of a number is the number.
+# Table sizes of a standard library that hashes a number to itself.
 BUCKET_COUNTS = (10273, 20753, 42043, 85229)
 
 
 def numbers_of_one_bucket(n):
-    """Different 32-bit numbers, at most about n, that a table of as many keeps in one bucket."""
+    """Different 32-bit numbers, at most about n, that a table of this many keeps in one bucket."""
     buckets = next(count for count in BUCKET_COUNTS if count >= n)
     return range(buckets, min((n + 1) * buckets, 1 << 32), buckets)
 
@@ -610,17 +610,17 @@ def addresses_of_one_bucket(n):
 
 
 def mangled_symbols_of_suffixes(n):
-    """n symbols whose names are the ends of one mangled name."""
+    """n symbols whose names are the suffixes of one mangled name."""
     return add_symbols(Image(), n, "__Q2" + qualifiers(n), ends=True)
 
 
 def names_of_suffixes(n):
-    """n structures whose names are the ends of one text of n characters."""
+    """n structures whose names are the suffixes of one text of n characters."""
     return structures_of_suffixes(n, letters(n))
 
 
 def linkage_names_of_suffixes(n):
-    """n variables without a name of their own, the linkage names being the ends of one text."""
+    """n variables without a name of their own, with linkage names that are the suffixes of one text."""
     image = Image()
     text = image.string(letters(n))
     image.begin_unit()
@@ -632,7 +632,7 @@ def linkage_names_of_suffixes(n):
 
 
 def mangled_names_of_suffixes(n):
-    """Names that are the ends of one list of many short qualifiers."""
+    """Names that are the suffixes of one list of many short qualifiers."""
     return structures_of_suffixes(n, "__Q9" + qualifiers(n))
 
 
@@ -646,8 +646,8 @@ def deeply_mangled_names(n):
 
 
 def itanium_names_of_suffixes(n):
-    """The second family of names, for units of the compiler that has it: each of the n / 7 names is an end of one
-    text, and takes 1001 characters of it."""
+    """The second family of names, for units of the compiler that uses it: each of the n / 7 names is a
+    suffix of one text, and takes 1001 characters of it."""
     return structures_of_suffixes(n // 7, "_ZN1001" * (n // 7 + 200), step=7, producer="TASKING")
 
 
@@ -696,7 +696,7 @@ def structures_that_hold_the_next_twice(n):
 
 
 def extern_variable_among_symbols_of_suffixes(n):
-    """One variable that is looked for among n symbols, whose names are the ends of one mangled name."""
+    """One variable that is searched for among n symbols, whose names are the suffixes of one mangled name."""
     image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, declaration=True,
                                                               external=True))
     return add_symbols(image, n, "__Q2" + qualifiers(n), ends=True)
@@ -723,7 +723,7 @@ def coff_symbols_of_one_name(n):
 
 
 def coff_sections_of_one_long_name(n):
-    """As many sections as there may be, all of one name of n characters."""
+    """As many sections as possible, all with one name of n characters."""
     return sections_of_one_long_name(CoffImage(), n)
 
 
@@ -734,7 +734,7 @@ def pe_symbols_of_one_name(n):
 
 
 def pe_symbols_of_suffixes(n):
-    """Symbols of a Windows image are looked for by name where an extern variable asks."""
+    """Symbols of a Windows image are searched by name for an extern variable."""
     def make(image, index, integer):
         image.entry("variable", name=f"v{index}", type=integer, declaration=True, external=True)
     return add_symbols(many(n // 10, make, image=PeImage()), n, "__Q2" + qualifiers(n), ends=True, step=0)
@@ -754,7 +754,7 @@ def sections_of_one_long_name(image, n):
 
 
 def damaged_units(n):
-    """Short sound units with damage between them, which the search has to step over."""
+    """Short sound units with damage between them, which the search must step over."""
     image = Image()
     for _ in range(n):
         image.begin_unit()
@@ -791,7 +791,7 @@ def circle_of_signatures(n):
 
 
 def indices_of_one_long_text(n):
-    """Names by index that are the ends of one text."""
+    """Names by index that are the suffixes of one text."""
     image = Image()
     name = image.string(letters(n))
     image.begin_modern_unit(text_offsets_base=8)
@@ -832,7 +832,7 @@ def signatures_of_one_bucket(n):
 
 
 def origins(n, is_closed):
-    """n variables, each an instance of the one before it; the first one of the last or of none."""
+    """n variables, each an instance of the one before it; the first is an instance of the last or of none."""
     def fill(image, integer):
         last = Image.Later()
         target = last if is_closed else image.entry("variable", name="v", type=integer)
@@ -911,7 +911,7 @@ def all_cases():
             yield name, function, SIZES.get(name, USUAL_SIZE), OPTIONS.get(name, [])
 
 
-# Commands of the program, each with the case that it works on and its n.
+# Commands of the program, each with the case that it reads and its n.
 COMMANDS = [(command, case, n) for case, n, commands in [
     (dimensions_fan, USUAL_SIZE, "leaves find"),
     (huge_arrays, USUAL_SIZE, "leaves find types"),

@@ -24,18 +24,19 @@ BUILD = pathlib.Path(__file__).resolve().parents[2] / "build" / "release"
 READ_ONCE = BUILD / "bench" / "read_once"
 PROGRAM = BUILD / "app" / "brindle"
 
-# The bounds: a fixed part, and one for each byte of input; of commands, for each byte of input and output.
+# The limits: a fixed part, and one for each byte of input; for commands, for each byte of input and
+# output.
 FIXED_SECONDS = 1
 FIXED_BYTES = 64 << 20
 NANOSECONDS = 1000
 BYTES = 256
-# A command may look at 1000 scopes for each object.
+# A command may visit 1000 scopes for each object.
 COMMAND_NANOSECONDS = 10_000
 # Times are noisy, and memory comes in steps of doubled tables.
 TIME_EXPONENT = 1.35
 MEMORY_EXPONENT = 1.5
 TIME_LIMIT = 120
-# What costs less than this is not told from the cost of starting the program.
+# Smaller costs can't be distinguished from the start of the program.
 LEAST_SECONDS = 0.2
 LEAST_BYTES = 32 << 20
 
@@ -61,7 +62,7 @@ class Run:
 
 
 def write(function, n, path):
-    """Writes an image from a process of its own: what this one holds counts as memory of those it starts."""
+    """Writes an image in a process of its own: the memory of this process would count for those it starts."""
     child = os.fork()
     if child == 0:
         path.write_bytes(function(n).content())
@@ -82,7 +83,7 @@ def measure(function, n, command, repeats, path):
 
 
 def exponent(small, large, least, sizes):
-    """Growth of a cost, against that of the input."""
+    """Growth of a cost relative to the growth of the input."""
     if large < least:
         return 0.0
     return math.log(large / max(small, least / 4)) / math.log(sizes[1] / sizes[0])
@@ -98,11 +99,11 @@ def problems(seconds, memory, size, growths, nanoseconds):
 
 
 def show(name, rows, is_command=False):
-    """One row of the table; gives what is wrong with it."""
+    """Prints one row of the table; returns what is wrong with it."""
     sizes = [size + (run.written if is_command else 0) for size, _, _, run in rows]
     seconds = [row[1] for row in rows]
     memories = [row[2] for row in rows]
-    # Where the output has come to a limit, the input still grows.
+    # Once the output reaches a limit, the input still grows.
     ends = (1, max(sizes[-1] / sizes[0], rows[-1][0] / rows[0][0]))
     growths = (exponent(seconds[0], seconds[-1], LEAST_SECONDS, ends),
                exponent(memories[0], memories[-1], LEAST_BYTES, ends))

@@ -7,7 +7,7 @@ TAGS = dict(array=0x01, class_=0x02, enumeration=0x04, parameter=0x05, block=0x0
             base=0x24, const=0x26, enumerator=0x28, subprogram=0x2E, template_parameter=0x2F, variable=0x34,
             namespace=0x39, type_unit=0x41)
 
-# Those that end with "nothing" take no byte: their form says that there is a value, which is 1 then.
+# Those that end with "nothing" take no byte: the form itself means a value, which is 1 then.
 ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), size=(0x0B, 0x0F),
                   encoding=(0x3E, 0x0B), address=(0x02, 0x0A), location_list=(0x02, 0x17),
                   offset=(0x38, 0x0F), upper=(0x2F, 0x0F), value=(0x1C, 0x0D), declaration=(0x3C, 0x19),
@@ -29,7 +29,7 @@ def uleb(value):
 
 
 class Image:
-    """Sections of one file. `entry` gives the section offset of what it wrote; a reference may be such
+    """Sections of one file. `entry` returns the section offset of what it wrote; a reference may be such
     an offset or a `Later`, which is filled in when the image is done."""
 
     class Later:
@@ -157,7 +157,7 @@ class Image:
 
 
 class CoffImage(Image):
-    """A TI COFF file. Symbols and the texts that sections are named by stand behind the sections."""
+    """A TI COFF file. Symbols and the names of sections follow the sections."""
 
     def __init__(self):
         super().__init__()

@@ -50,8 +50,8 @@ class Kind:
     precompiled: str = ""
 
 
-# Types of a C++ header count although the unit uses none of them: so a unit holds what its headers
-# hold, without the functions that would make a user of them.
+# With this, types of a C++ header are kept although the unit uses none of them: so a unit has what its
+# headers have, without functions that would use the types.
 CPP_COMPILE = "g++ -std=c++20 -w -O0 -g -gdwarf-{} -fno-eliminate-unused-debug-types"
 CPP_LINK = "g++ -no-pie -Wl,--no-gc-sections,--unresolved-symbols=ignore-all"
 KINDS = {

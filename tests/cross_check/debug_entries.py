@@ -21,7 +21,7 @@ SIGNATURE_LINE = re.compile(r"\s*Signature:\s+0x([0-9a-f]+)")
 TYPE_OFFSET_LINE = re.compile(r"\s*Type Offset:\s+0x([0-9a-f]+)")
 ADDRESS = re.compile(r"\(DW_OP_addr: ([0-9a-f]+)\)$")
 ADDRESS_INDEX = re.compile(r"\(DW_OP_addrx <(?:0x)?([0-9a-f]+)>\)$")
-# In 64-bit DWARF there are no brackets.
+# 64-bit DWARF has no brackets.
 REFERENCE = re.compile(r"<(?:alt )?0x([0-9a-f]+)>|^0x([0-9a-f]+)$")
 SIGNATURE = re.compile(r"signature: 0x([0-9a-f]+)$")
 STRING_NOTE = re.compile(r"^\((?:alt )?(?:indirect|indexed)(?: line)? string[^)]*\): ")
@@ -29,7 +29,8 @@ STRING_NOTE = re.compile(r"^\((?:alt )?(?:indirect|indexed)(?: line)? string[^)]
 
 @dataclasses.dataclass
 class DebugEntry:
-    """One entry: `offset` and `unit` count from the start of the section, `attributes` hold readelf's texts."""
+    """One entry: `offset` and `unit` count from the start of the section, `attributes` has readelf's
+    texts."""
 
     offset: int
     tag: str
@@ -40,7 +41,7 @@ class DebugEntry:
     children: list = dataclasses.field(default_factory=list)
 
     def name(self):
-        """The name without readelf's note on where the string lies; None if there is none."""
+        """The name without readelf's note on where the string is; None if there is none."""
         text = self.attributes.get("DW_AT_name")
         return None if text is None else STRING_NOTE.sub("", text).strip()
 
@@ -54,8 +55,8 @@ class DebugEntry:
         return None if text is None else int(text.split()[0], 0)
 
     def address(self, image=None):
-        """The address of a location that is nothing but an address; else None. The image tells the
-        addresses that are given by their index."""
+        """The address of a location that is only an address; else None. The image has the addresses that
+        are given by index."""
         location = self.attributes.get("DW_AT_location", "")
         if image and (found := ADDRESS_INDEX.search(location)):
             return self._address_of_index(image, int(found.group(1), 16))
@@ -63,8 +64,8 @@ class DebugEntry:
         return int(found.group(1), 16) if found else None
 
     def _address_of_index(self, image, index):
-        # readelf shows this section only where all its headers are to its liking; those of link-time
-        # optimisation by clang aren't.
+        # readelf shows this section only if it accepts all its headers; it doesn't accept those of
+        # link-time optimisation by clang.
         unit = self
         while unit.parent is not None:
             unit = unit.parent
@@ -73,13 +74,13 @@ class DebugEntry:
         return int.from_bytes(contents[start:start + size], order)
 
     def reference(self, attribute):
-        """The offset that the attribute refers to; None without one."""
+        """The offset that the attribute refers to; None if there is no such attribute."""
         found = REFERENCE.search(self.attributes.get(attribute, ""))
         return int(found[1] or found[2], 16) if found else None
 
 
 class EntryTree:
-    """The entries of an image with what they refer to."""
+    """The entries of an image and their references."""
 
     def __init__(self, image):
         self.entries = debug_entries(image)
@@ -89,14 +90,14 @@ class EntryTree:
             for section, unit, signature, offset in type_units(image)}
 
     def target(self, entry, attribute):
-        """The entry that an attribute refers to; None without one."""
+        """The entry that an attribute refers to; None if there is no such attribute."""
         text = entry.attributes.get(attribute, "")
         if found := SIGNATURE.search(text):
             return self._by_signature.get(int(found[1], 16))
         return self._by_place.get((entry.section, entry.reference(attribute)))
 
     def origin(self, entry):
-        """The entry that an entry completes or is a copy of, if there is one; else the entry itself."""
+        """The entry that an entry completes or is a copy of; else the entry itself."""
         for attribute in ("DW_AT_abstract_origin", "DW_AT_specification"):
             if (target := self.target(entry, attribute)) is not None:
                 return self.origin(target)
@@ -123,7 +124,7 @@ def address_section(image):
 
 
 def _section(image, name):
-    """File position and size of a section; of one that isn't there 0."""
+    """File position and size of a section; 0 if it doesn't exist."""
     done = subprocess.run(["readelf", "--sections", "--wide", str(image)], capture_output=True, text=True,
                           check=True, timeout=60)
     found = re.search(rf"\] {re.escape(name)} +PROGBITS +[0-9a-f]+ ([0-9a-f]+) ([0-9a-f]+)", done.stdout)
@@ -149,7 +150,7 @@ def type_units(image):
 
 
 def debug_entries(image):
-    """All entries of the image in file order; null entries are none."""
+    """All entries of the image in file order, without null entries."""
     entries = []
     open_entries = []
     section, unit = ".debug_info", 0
@@ -176,7 +177,7 @@ def debug_entries(image):
 
 
 def count_entries(image):
-    """How many debug entries the image has, null entries apart."""
+    """The number of debug entries in the image, without null entries."""
     return len(debug_entries(image))
 
 
@@ -190,7 +191,7 @@ def rule(function):
 
 
 def components(name):
-    """The parts of a qualified name; colons within brackets don't part."""
+    """The parts of a qualified name; colons within brackets don't separate."""
     parts, depth, start = [], 0, 0
     for place, character in enumerate(name):
         if character in "<({":
@@ -210,13 +211,13 @@ def is_big_endian(image):
 
 @rule
 def is_discarded(address):
-    """gdb takes the address at which a linker puts what it discards, all ones (spare_words of spare.c, by lld),
-    for one like any other."""
+    """gdb takes the address to which a linker moves discarded variables, all ones (spare_words of spare.c,
+    by lld), for an ordinary address."""
     return address in (0xFFFFFFFF, 0xFFFFFFFFFFFFFFFF)
 
 
 class VariableFacts:
-    """What gdb doesn't tell of the variables of an image: how the compiler wrote their entries."""
+    """What gdb doesn't report about the variables of an image: how the compiler wrote their entries."""
 
     def __init__(self, image, tree, delivered_address):
         self.tree = tree
@@ -250,11 +251,12 @@ class VariableFacts:
 
     @rule
     def is_unspecified(self, name, address):
-        """A type that the compiler doesn't specify (that of nullptr) is void; gdb makes an integer of it."""
+        """A type that the compiler leaves unspecified (that of nullptr) is void; gdb makes an integer of
+        it."""
         return any(self._has_unspecified_type(entry) for entry in self.entries_of(name, address))
 
     def function_without_code(self, name, address):
-        """The function of a static variable, if it exists as inlined copies only; else None."""
+        """The function of a static variable, if the function exists only as inlined copies; else None."""
         for entry in self.entries_of(name, address):
             owner = entry.parent
             while owner is not None and owner.tag != "DW_TAG_subprogram":
@@ -270,7 +272,7 @@ class VariableFacts:
         return entry.linkage_name() is not None and self._linkage_names[entry.linkage_name()] > 1
 
     def plain_type(self, entry):
-        """The type of a variable behind typedefs and qualifiers; None without one."""
+        """The type of a variable without typedefs and qualifiers; None if there is none."""
         kind = self.tree.target(self.tree.origin(entry), "DW_AT_type")
         while kind is not None and kind.tag in ("DW_TAG_typedef", "DW_TAG_const_type", "DW_TAG_volatile_type"):
             kind = self.tree.target(kind, "DW_AT_type")

@@ -1,4 +1,4 @@
-"""Runs a script of this folder inside gdb, with the questions that lead gdb to all units of an image."""
+"""Runs a script of this folder inside gdb, with the queries that make gdb read all units of an image."""
 
 import collections
 import json
@@ -14,7 +14,7 @@ LOW_ADDRESS = re.compile(r"(?:\(index: \S+\): )?(?:0x)?([0-9a-f]+)$")
 
 
 def ask(image, tree, script):
-    """The document that a script writes of an image, whose entries are given."""
+    """The document that a script writes for an image, whose entries are given."""
     with tempfile.TemporaryDirectory(prefix="brindle-oracle-") as folder:
         questions, answers = pathlib.Path(folder, "questions"), pathlib.Path(folder, "answers")
         questions.write_text(json.dumps(_questions(tree)), encoding="utf-8", errors="surrogateescape")
@@ -44,7 +44,7 @@ def _questions(tree):
 
 
 def _qualified_name(entry):
-    """The name of a variable as gdb looks it up; None for those of functions, which it doesn't."""
+    """The name under which gdb finds a variable; None for variables of functions, which it doesn't find."""
     scopes, owner = [entry.name()], entry.parent
     while owner is not None and owner.tag in SCOPES:
         scopes.append(owner.name() or "(anonymous namespace)")

@@ -36,8 +36,8 @@ REFERRING_CODES = {
 
 
 class TypeTable:
-    """Types by key. Structures that were met and not yet told wait in a list, so that no chain of
-    pointers is followed in depth."""
+    """Types by key. Structures that were met but not yet described wait in a list, so that chains of
+    pointers need no recursion."""
 
     def __init__(self):
         self.types = {}
@@ -93,7 +93,7 @@ class TypeTable:
             return {"code": REFERRING_CODES[kind.code], "name": kind.name, "size": kind.sizeof,
                     "target": self.key_of(target), "targetIsQualifiedVoid": is_const_void}
         if kind.code == gdb.TYPE_CODE_ARRAY:
-            # Without an upper bound the range is of no use, and the size is 0.
+            # Without an upper bound the range is useless, and the size is 0.
             low, high = kind.range()
             count = int(high) - int(low) + 1 if kind.sizeof else 0
             return {"code": "array", "size": kind.sizeof, "count": count,

@@ -59,7 +59,7 @@ def _variables_of_unit(symtab, seen_functions):
 
 
 def _variables_of_function(outermost):
-    # gdb hands out a block for an address only, so every address of the function is asked for.
+    # gdb returns a block only for an address, so every address of the function is tried.
     blocks = {}
     for address in range(outermost.start, outermost.end):
         block = gdb.block_for_pc(address)
@@ -81,7 +81,7 @@ def _placed(symbol, is_global, function):
         try:
             address = _address_of(symbol)
         except gdb.error:
-            # No symbol tells where it lies.
+            # No symbol says where it lies.
             return
         if address is not None:
             yield symbol, address, is_global, function
@@ -96,6 +96,6 @@ def _address_of(symbol):
     except gdb.error:
         # It needs a frame or a thread, or its type has no values.
         pass
-    # The value of a reference is what it refers to; only this command tells of the variable itself.
+    # The value of a reference is its target; only this command shows the variable itself.
     found = re.search(r"at address (0x[0-9a-f]+)", gdb.execute(f"info address {symbol.name}", to_string=True))
     return int(found[1], 16) if found else None

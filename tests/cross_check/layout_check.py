@@ -49,13 +49,13 @@ BOOLEAN = 7
 @rule
 def without_template_arguments(name):
     """gdb respells template arguments in its own canonical way, the reader keeps those of the file. The
-    layout behind the names is compared all the same."""
+    layouts of the types are still compared."""
     return name if name.startswith("<") else name.split("<", 1)[0]
 
 
 @rule
 def reader_scope_name(name):
-    """A namespace without a name is spoken of by a placeholder, each tool having its own."""
+    """Each tool has its own placeholder for a namespace without a name."""
     return "<unnamed-namespace>" if name == "(anonymous namespace)" else without_template_arguments(name)
 
 
@@ -67,8 +67,8 @@ def is_folded_typedef(typedef, target):
 
 @rule
 def is_unknown_instead_of_void(owner):
-    """No type is void for a plain pointer alone; a function without result, and a void with qualifiers,
-    are of the unknown type of size 0."""
+    """No type means void only for a plain pointer; for a function without result, and for a void with
+    qualifiers, it is the unknown type of size 0."""
     return owner["code"] == "function" or owner["targetIsQualifiedVoid"]
 
 
@@ -80,7 +80,7 @@ def delivered_dimensions(counts):
 
 @rule
 def base_offset(member):
-    """The place of a virtual base is known at run time only; it is delivered at 0."""
+    """The place of a virtual base is known only at run time; it is delivered at 0."""
     return 0 if member["bits"] is None else member["bits"] // 8
 
 
@@ -92,22 +92,22 @@ def is_static_member(member):
 
 @rule
 def is_declared_only(variable, types):
-    """Of an array that one unit declares without bounds (_ctype_ of newlib), gdb is asked for that declaration if
-    the unit that defines it has no code."""
+    """For an array that one unit declares without bounds (_ctype_ of newlib), gdb is asked for that
+    declaration if the unit that defines it has no code."""
     return variable["isDeclaration"] and types[variable["type"]].get("size") == 0
 
 
 @rule
 def owning_functions(variable, variables, facts):
-    """The static variables of an inlined function belong to that function, whatever it was inlined to."""
+    """The static variables of an inlined function belong to that function, wherever it was inlined."""
     inlined = facts.function_without_code(variable["name"], variable["address"])
     return {inlined} if inlined else {function_name(known["function"]) for known in variables}
 
 
 @rule
 def owning_units(variable, owners, facts):
-    """After link-time optimisation variables lie in a unit that the compiler makes up; they belong to the one that
-    they were written in."""
+    """After link-time optimisation variables are in a unit that the compiler invents; they belong to the
+    unit in which they were written."""
     return owners | facts.units_of_origin(variable["name"], variable["address"])
 
 
@@ -139,7 +139,7 @@ def has_no_data_symbol(variable, symbol_names, facts):
 
 @rule
 def is_numbered_name(name, scope, dump):
-    """Of variables of one name in one scope, those behind the first are numbered from 2 on."""
+    """Of variables with one name in one scope, the second and later ones get numbers from 2 on."""
     plain, point, number = name.rpartition(".")
     if not (point and number.isdigit() and int(number) >= 2):
         return False
@@ -147,7 +147,7 @@ def is_numbered_name(name, scope, dump):
 
 
 class ClassicManner:
-    """The rules of the classic reading alone."""
+    """The rules of only the classic reading."""
 
     option = "mIsFullReading=0"
 
@@ -158,7 +158,7 @@ class ClassicManner:
     @staticmethod
     @rule
     def is_transparent(kind):
-        """Pointers to members and rvalue references aren't delivered; what they lead to stands for them."""
+        """Pointers to members and rvalue references aren't delivered; their target replaces them."""
         return kind["code"] in ("memberPointer", "methodPointer", "rvalueReference")
 
     @staticmethod
@@ -173,8 +173,8 @@ class ClassicManner:
     @staticmethod
     @rule
     def unconverted_bit_position(found, unit):
-        """A bit field that reaches over the end of its storage unit keeps the compiler's count, which runs
-        from the highest bit of the unit on."""
+        """A bit field that exceeds its storage unit keeps the compiler's count, which starts at the
+        highest bit of the unit."""
         start = found["offset"] * 8
         return start + found["bitOffset"] if unit - found["bitOffset"] - found["bitSize"] < 0 else None
 
@@ -204,7 +204,7 @@ class ClassicManner:
 
 
 class FullManner:
-    """The rules of the full reading alone."""
+    """The rules of only the full reading."""
 
     option = "mIsFullReading=1"
 
@@ -235,20 +235,20 @@ class FullManner:
     @staticmethod
     @rule
     def storage_size(size, offset, width):
-        """A packed field may need a byte more than its type has (mixed_fields.third of timers.c). No type is made
-        up for it: it ends with the last byte that it needs."""
+        """A packed field may need one byte more than its type has (mixed_fields.third of timers.c). No
+        type is invented for it: it ends with the last byte that it needs."""
         return max(size, (offset + width + 7) // 8)
 
     @staticmethod
     @rule
     def is_number(kind):
-        """Booleans of other sizes than a byte (is_ready of plant.f90) are numbers to hosts."""
+        """Booleans of other sizes than one byte (is_ready of plant.f90) are numbers for hosts."""
         return kind["code"] == "boolean" and kind["size"] != 1
 
     @staticmethod
     @rule
     def is_unknown_type(kind):
-        """Of pointers to members, complex numbers and texts of Fortran, hosts know the size alone."""
+        """For pointers to members, complex numbers and texts of Fortran, hosts only know the size."""
         return kind["code"] in ("memberPointer", "methodPointer", "complex", "string")
 
 
@@ -265,7 +265,7 @@ def unit_scope_name(path):
 
 
 def function_name(name):
-    """The plain name of a function that gdb gives with scope and parameters."""
+    """The plain name of a function for which gdb gives scope and parameters."""
     end = name.rfind(")")
     if end < 1:
         return last_component(name)
@@ -293,7 +293,7 @@ class Dump:
         return self._members[identifier]
 
     def scopes(self, item):
-        """The scopes of an object from the innermost on, without the global namespace."""
+        """The scopes of an object from the innermost outwards, without the global namespace."""
         found = []
         while (item := self.objects.get(item["scope"])) is not None:
             if item["kind"] != "namespace" or item["name"]:
@@ -301,7 +301,7 @@ class Dump:
         return found
 
     def variables(self):
-        """The variables with debug information, and those of the symbol table alone."""
+        """The variables with debug information, and those that only the symbol table has."""
         described, symbols = [], []
         for item in self.of_kind("global"):
             names = [scope.get("name") for scope in self.scopes(item)]
@@ -309,7 +309,7 @@ class Dump:
         return described, symbols
 
     def array_shape(self, item):
-        """The dimensions of an array, those of arrays of arrays together, and the id of its element."""
+        """The dimensions of an array, including arrays of arrays, and the id of its element."""
         dimensions, arrays = [], set()
         while item["kind"] == "array":
             assert item["id"] not in arrays, f"array {item['id']} contains itself"
@@ -329,7 +329,7 @@ class Dump:
 
 
 class Oracle:
-    """What gdb says of an image, at the addresses that the reader is to tell."""
+    """What gdb says about an image, for the addresses that the reader should report."""
 
     def __init__(self, image, tree, manner):
         document = gdb_answers.ask(image, tree, ORACLE_SCRIPT)
@@ -339,7 +339,7 @@ class Oracle:
 
 
 class EntryFacts(debug_entries.VariableFacts):
-    """What the rules need to know and gdb doesn't tell: how the compiler wrote the entries."""
+    """What the rules need and gdb doesn't report: how the compiler wrote the entries."""
 
     def __init__(self, image, tree, manner):
         super().__init__(image, tree, manner.delivered_address)
@@ -349,13 +349,13 @@ class EntryFacts(debug_entries.VariableFacts):
         self._completed_without_name = self._find_completions_without_name(entries)
 
     def is_hoisted(self, kind):
-        """Whether the anonymous members of a type of gdb's are hoisted."""
+        """Whether the anonymous members of a gdb type are hoisted."""
         answers = self._hoisting()[shape_of_type(kind)]
         assert len(answers) == 1, f"{kind['name']}: no single answer for its anonymous members"
         return next(iter(answers))
 
     def units_of_origin(self, name, address):
-        """The names of the units in which the entry of a variable first stands."""
+        """The names of the units in which the entry of a variable comes first."""
         found = set()
         for entry in self.entries_of(name, address):
             owner = self.tree.origin(entry)
@@ -365,7 +365,7 @@ class EntryFacts(debug_entries.VariableFacts):
         return found
 
     def finds_symbol_of(self, name):
-        """Whether a declared variable is looked for in the symbol table."""
+        """Whether a declared variable is searched for in the symbol table."""
         return name in self._found_by_name
 
     def _find_variables_looked_up(self, entries):
@@ -382,7 +382,7 @@ class EntryFacts(debug_entries.VariableFacts):
         return found
 
     def is_completed_without_name(self, name):
-        """Whether a class is completed by an entry that has no name."""
+        """Whether an entry without a name completes a class."""
         return name in self._completed_without_name
 
     def _find_completions_without_name(self, entries):
@@ -477,7 +477,7 @@ class Comparison:
     # Variables
 
     def _compare_variable(self, item, variables):
-        # An incomplete declaration of an array tells less than the definition.
+        # An incomplete declaration of an array says less than its definition.
         best = max(variables, key=lambda variable: self._oracle.types[variable["type"]].get("size", 0))
         self._compare_variable_scope(item, variables)
         if is_declared_only(best, self._oracle.types):
@@ -630,7 +630,7 @@ class Comparison:
             self._compare_later(member["type"], base["type"], f"{where}:{member['name']}")
 
     def _delivered_members(self, kind, bits=0):
-        """The members in the order of delivery, those of anonymous members behind all others."""
+        """The members in the order of delivery: members of anonymous members after all others."""
         hoisted = []
         for member in kind["members"]:
             if member["isBase"] or is_static_member(member):
@@ -696,12 +696,12 @@ def expected_basic_type(kind, manner):
 
 
 def dump(image, manner):
-    """The document of an image, and what is wrong with the read."""
+    """The document of an image, and the faults of the read."""
     done = subprocess.run([PROGRAM, "dump", "--set", manner.option, str(image)], capture_output=True, text=True,
                           timeout=60)
     document = json.loads(done.stdout)
     told = done.returncode, document["ok"], document["error"]
-    # The debug information is delivered before a missing symbol table ends the read.
+    # The debug information is delivered before the read fails on a missing symbol table.
     is_cut = image.name == symbols_check.WITHOUT_SYMBOLS
     expected = (1, False, "The ELF file is missing .strtab section.") if is_cut else (0, True, None)
     return Dump(document), [] if told == expected else [f"read ended with {told}"]
@@ -727,8 +727,8 @@ class LayoutCheck(unittest.TestCase):
             raise unittest.SkipTest("gdb-multiarch isn't there")
 
     def images(self):
-        """The linked images with debug information. In a relocatable object the addresses aren't
-        settled, so that it says nothing here."""
+        """The linked images with debug information. In a relocatable object the addresses aren't settled,
+        so it proves nothing here."""
         found = sorted(image for image in SAMPLE_IMAGES.glob("*-dwarf*.*") if image.suffix != ".o")
         self.assertGreater(len(found), 20, f"images are missing in {SAMPLE_IMAGES}")
         return found

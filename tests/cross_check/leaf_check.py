@@ -31,7 +31,7 @@ SAMPLES = pathlib.Path(os.environ["BRINDLE_SOURCE"], "tests", "samples")
 SAMPLE_IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
 ORACLE_SCRIPT = pathlib.Path(__file__).with_name("leaf_oracle.py")
 
-# Images for which a compiler must be there, and that compiler.
+# Images that are made with a compiler that must be installed, and that compiler.
 BIG_IMAGES = {"full/x86_64-hosted-c.exe": "x86_64-w64-mingw32-gcc",
               "full/x86_64-hosted-cpp.exe": "x86_64-w64-mingw32-g++"}
 ELEMENTS = "100000"
@@ -44,7 +44,7 @@ Leaf = collections.namedtuple("Leaf", "address size bit width")
 
 @rule
 def lies_in_virtual_base(variable, path):
-    """gdb tells the place of a virtual base for a living object only: plant::sensor.mNumber."""
+    """gdb knows the place of a virtual base only for a living object: plant::sensor.mNumber."""
     return any(leaf[4] == "virtual base" for leaf in variable["leaves"]) and path not in variable["paths"]
 
 
@@ -59,8 +59,8 @@ def lies_in_split_class(path, variable, facts):
 
 @rule
 def is_declared_only(variable):
-    """Of an array that one unit declares without bounds (_ctype_ of newlib), gdb is asked for that declaration if
-    the unit that defines it has no code."""
+    """For an array that one unit declares without bounds (_ctype_ of newlib), gdb is asked for that
+    declaration if the unit that defines it has no code."""
     return variable["isDeclaration"] and [leaf[2] for leaf in variable["leaves"]] == [0]
 
 
@@ -74,7 +74,7 @@ def is_symbol_of_linker(name):
 
 @rule
 def comparable_name(name, facts):
-    """gdb respells names of Ada: the entry of plant.weight is named plant__weight."""
+    """gdb respells Ada names: the entry of plant.weight is named plant__weight."""
     last = last_component(name)
     return last.replace(".", "__").rpartition("__")[2] if facts.language.startswith("Ada") else last
 
@@ -114,7 +114,7 @@ def last_component(name):
 
 
 class Facts(debug_entries.VariableFacts):
-    """What gdb doesn't tell."""
+    """What gdb doesn't report."""
 
     def __init__(self, image, tree):
         languages = [entry.attributes["DW_AT_language"] for entry in tree.entries
@@ -152,7 +152,7 @@ def run_brindle(command, image):
 
 
 class Delivered:
-    """A variable of the reader with its leaves by path."""
+    """A variable of the reader, with its leaves by path."""
 
     def __init__(self, row, big_endian):
         self.qualified_name, self.address = row["name"], int(row["address"], 16)
@@ -179,7 +179,7 @@ class Delivered:
 
 
 def read_brindle(image):
-    """Exit status and message of a read, and its variables; those of the symbol table alone are left out."""
+    """Exit status and message of a read, and its variables; without those that only the symbol table has."""
     status, message, rows = run_brindle("vars", image)
     _, _, leaves = run_brindle("leaves", image)
     big_endian = is_big_endian(image)
@@ -211,7 +211,7 @@ def compare(image):
     facts = Facts(image, tree)
     known = ask_gdb(image, tree, facts)
     status, message, variables = read_brindle(image)
-    # Without a symbol table a read fails, after its delivery.
+    # Without a symbol table a read fails, but only after its delivery.
     is_failure_expected = image.name == symbols_check.WITHOUT_SYMBOLS
     differences = [] if (status != 0) == is_failure_expected else [f"read ended with {status}: {message}"]
     compared, delivered = 0, collections.Counter()
@@ -231,7 +231,7 @@ def compare(image):
 
 
 def compare_leaves(variable, candidates, key, facts, differences):
-    # An incomplete declaration tells less than the definition.
+    # An incomplete declaration says less than the definition.
     best = max(candidates, key=lambda candidate: sum(leaf[2] for leaf in candidate["leaves"]))
     expected, found = collections.defaultdict(list), collections.defaultdict(list)
     if is_declared_only(best):
@@ -271,7 +271,7 @@ class LeafCheck(unittest.TestCase):
             for image, (differences, compared) in zip(images, pool.map(compare, images)):
                 with self.subTest(image=image.name):
                     self.assertEqual(differences, [])
-                    # The units of split images have their variables elsewhere.
+                    # The variables of split units are elsewhere.
                     if "split" not in image.name:
                         self.assertGreater(compared, 5)
 

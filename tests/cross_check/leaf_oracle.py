@@ -35,7 +35,7 @@ class LeafTable:
         kind = kind.strip_typedefs().unqualified()
         key = str(kind), kind.sizeof, kind.code
         if kind.code in AGGREGATES:
-            # Types of one name differ from unit to unit.
+            # Types of one name differ between units.
             key += tuple((field.name, getattr(field, "bitpos", None), field.bitsize, str(field.type),
                           field.type.sizeof) for field in kind.fields())
         if kind.code == gdb.TYPE_CODE_ARRAY or key not in self._known:
@@ -44,7 +44,7 @@ class LeafTable:
 
     def _expand(self, kind):
         if kind.dynamic:
-            # Its members, or how many elements it has, are known at run time only.
+            # Its members, or the number of its elements, are known only at run time.
             leaves = [["", 0, kind.sizeof if kind.code in AGGREGATES else 0, 0, "dynamic", False]]
         elif kind.code in AGGREGATES:
             leaves = list(self._members(kind))
@@ -59,7 +59,7 @@ class LeafTable:
         for field in kind.fields():
             if getattr(field, "bitpos", None) is None:
                 if field.is_base_class:
-                    # Its place is known at run time only.
+                    # Its place is known only at run time.
                     yield [f".<{field.name}>", None, 0, 0, "virtual base", False]
                 continue
             step = "" if field.is_base_class or not field.name else f".{field.name}"
@@ -68,7 +68,7 @@ class LeafTable:
                 yield [step, field.bitpos, size, field.bitsize, "bits", False]
                 continue
             for path, bits, *rest in self.leaves_of(field.type):
-                # A base class without members is no place.
+                # A base class without members is not a place.
                 if step + path:
                     yield [step + path, None if bits is None else field.bitpos + bits, *rest]
 

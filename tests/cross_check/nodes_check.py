@@ -30,7 +30,7 @@ TYPE_LINE = re.compile(r"\t*  Type-Reference\.+: 0x([0-9a-f]+) ->")
 SIZE_LINE = re.compile(r"\t*  Byte-size\.+: (-?\d+)")
 
 
-# Classes without a name of their own keep none, whatever the entry says; names of units are shortened.
+# Classes without a name of their own have none, whatever the entry says; names of units are shortened.
 NAMELESS_TAGS = {"DW_TAG_array_type", "DW_TAG_lexical_block", "DW_TAG_pointer_type", "DW_TAG_reference_type",
                  "DW_TAG_subroutine_type", "DW_TAG_inheritance", "DW_TAG_subrange_type", "DW_TAG_compile_unit"}
 
@@ -66,12 +66,12 @@ def read_nodes(image, is_full):
     return nodes
 
 
-# Kinds of unit that the full manner takes for compile units.
+# Kinds of unit that are compile units in the full manner.
 UNIT_TAGS = {"DW_TAG_partial_unit", "DW_TAG_skeleton_unit"}
 
 
 class ClassicManner:
-    """What the nodes of the classic manner say, entry by entry."""
+    """What the nodes of the classic manner should contain, entry by entry."""
 
     is_full = False
 
@@ -82,14 +82,14 @@ class ClassicManner:
         return entry.offset
 
     def tag(self, entry):
-        """The tag of an entry; None for those that the reader gives another meaning."""
+        """The tag of an entry; None for entries to which the reader gives another meaning."""
         if entry.tag == "DW_TAG_enumeration_type" and entry.number("DW_AT_byte_size") is None:
             return None
         is_unknown = entry.tag.startswith("DW_TAG_GNU_") or entry.tag in LATER_TAGS
         return UNKNOWN_TAG if is_unknown else entry.tag
 
     def tells_type(self, entry):
-        """Whether the type of a node is that of its entry alone."""
+        """Whether the type of a node is only that of its entry."""
         return True
 
     def type(self, entry):
@@ -113,7 +113,8 @@ class FullManner(ClassicManner):
         return "DW_TAG_compile_unit" if entry.tag in UNIT_TAGS else super().tag(entry)
 
     def tells_type(self, entry):
-        """Variables take the types of their origins; an enumeration by signature has the type of that."""
+        """Variables take the types of their origins; an enumeration by signature has the type of its
+        definition."""
         is_completed = {"DW_AT_abstract_origin", "DW_AT_specification"} & set(entry.attributes)
         return "DW_AT_signature" not in entry.attributes and ("DW_AT_type" in entry.attributes or not is_completed)
 
@@ -122,7 +123,7 @@ class FullManner(ClassicManner):
         return target and self.offset(target)
 
     def size(self, entry):
-        """That of a bit field is where its bits lie, which leaf_check.py compares."""
+        """A bit field is where its bits lie, which leaf_check.py compares."""
         return None if "DW_AT_bit_size" in entry.attributes else super().size(entry)
 
 
