@@ -55,8 +55,8 @@ struct UnsizedEntry {
     BasicTypes value;
 };
 
-/// Codes whose value doesn't depend on the size. Those of the sized types stand for all other
-/// sizes.
+/// Codes whose value doesn't depend on the size. The codes of the sized types also cover all sizes
+/// that have no entry.
 constexpr UnsizedEntry sUnsizedTypes[] = {
     {BasicType::NoType, BasicTypes::NoType},   {BasicType::Void, BasicTypes::Void},
     {BasicType::Char, BasicTypes::Char},       {BasicType::WideChar, BasicTypes::WideChar},
@@ -74,7 +74,7 @@ struct FullEncodingEntry {
     std::optional<BasicType> code;
 };
 
-/// What the full reading takes in another sense.
+/// Encodings that the full reading interprets differently.
 constexpr FullEncodingEntry sFullEncodings[] = {
     {DW_ATE_complex_float, {}},
     {DW_ATE_imaginary_float, {}},
@@ -90,7 +90,7 @@ constexpr FullEncodingEntry sFullEncodings[] = {
     {DW_ATE_lo_user, {}}, // complex integers of GNU compilers
 };
 
-/// Floats of 2 bytes that are no halves of IEEE 754.
+/// Floats of 2 bytes that are not binary16 of IEEE 754.
 constexpr std::string_view sBrainFloats[] = {"__bf16", "bfloat16_t", "std::bfloat16_t"};
 
 void ReportUnsupportedEncoding(std::uint32_t encoding, std::uint32_t byteSize) {

@@ -1,4 +1,4 @@
-// The road of a base type from its DWARF encoding to the host's value, in two steps: encoding to
+// From the DWARF encoding of a base type to the host's value, in two steps: encoding to
 // `BasicType`, then `BasicType` and size to `BasicTypes`.
 #pragma once
 
@@ -37,16 +37,16 @@ enum class BasicType : std::int32_t {
 /// @param byteSize size of the base type in bytes, for the log
 BasicType BasicTypeOfEncoding(std::uint32_t encoding, std::uint32_t byteSize);
 
-/// The code of a DWARF encoding whose host value holds for the size, too: an integer of a width
-/// that has no value of its own is `Long` or `UnsignedLong`. Nothing for what the host has no kind
-/// for: complex and decimal numbers, fixed points, texts.
+/// The code of a DWARF encoding whose host value also fits the size: an integer of a width without
+/// a value of its own is `Long` or `UnsignedLong`. Nothing for kinds that the host lacks: complex
+/// and decimal numbers, fixed points, texts.
 /// @param byteSize size of the base type in bytes
-/// @param name that of the base type, since the encoding doesn't tell all floats apart
+/// @param name name of the base type, since the encoding doesn't distinguish all floats
 std::optional<BasicType> BasicTypeOfItsSize(std::uint32_t encoding, std::uint32_t byteSize,
                                             std::string_view name);
 
-/// The host's value of a code and a size in bytes. Widths that the host has no integer or float of
-/// give its `Double`.
+/// The host's value for a code and a size in bytes. A width for which the host has no integer or
+/// float gives its `Double`.
 DataModel::BasicTypes GetManagedBasicType(BasicType code, std::uint64_t byteSize);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -12,8 +12,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// When so many variables share a name in a scope, their numbers aren't tried one by one any more:
-/// with a million of them that would take forever.
+/// From this many variables of one name in a scope on, their numbers are no longer tried one by
+/// one: of a million variables, each would take up to a million host calls.
 constexpr std::uint32_t sManyVariables = 100;
 
 } // namespace

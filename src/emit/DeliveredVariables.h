@@ -7,8 +7,8 @@
 //     int* FN(void) { return &calls; }
 //
 // Both units have one name and one directory, hence one object, which is the scope of both
-// variables. A variable of the same name at the same address is the same one, and isn't delivered
-// again.
+// variables. Another variable of the same name at the same address is the same variable, and isn't
+// delivered again.
 #pragma once
 
 #include "core/KeyMixing.h"
@@ -39,15 +39,15 @@ public:
     /// @return false if the variable was delivered already, at this address
     bool MakeUniqueName(ObjectId scope, const std::string& name, std::string& newName,
                         std::uint64_t address);
-    /// Takes note of a delivered variable, for `MakeUniqueName` and for the symbols.
+    /// Records a delivered variable, for `MakeUniqueName` and for the symbols.
     void Register(ObjectId object, VDebugInfoNode& variable);
 
 private:
-    /// What is known of the variables of one name in one scope.
+    /// What is known about the variables of one name in one scope.
     struct TakenNames {
         /// All numbers before this one are taken.
         std::uint32_t nextNumber = 1;
-        /// Addresses of the variables that have them.
+        /// Addresses of the variables with these numbers.
         std::unordered_set<std::uint64_t, SeededHash> addresses;
     };
 

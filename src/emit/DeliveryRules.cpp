@@ -11,7 +11,7 @@ bool IsDeliveredVariable(const VDebugInfoNode& variable) {
            !variable.IsRedundantDeclaration();
 }
 
-/// A member that is declared only is a static one: the variable that defines it is delivered.
+/// A member that is only declared is static: the variable that defines it is delivered.
 bool IsDeliveredMember(const VDebugInfoNode& member) {
     return !member.IsDeclaration() || member.HasMemberOffset() || member.HasLocation();
 }

@@ -1,5 +1,5 @@
-// What a delivery asks of which node before it makes its object, and what it makes of it. The
-// tables themselves stand in EntryObjects.cpp.
+// What the delivery of a node needs before it makes the object, and which object it makes. The
+// tables themselves are in EntryObjects.cpp.
 #pragma once
 
 #include "core/ReadingManner.h"
@@ -11,26 +11,26 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// What a node needs of others before its own object can be made.
+/// What a node needs from other nodes before its own object can be made.
 enum class EntryNeed : std::uint8_t {
     Scope,
-    /// The object of the type, or what stands for it where the type delivers none.
+    /// The object of the type, or its substitute if the type delivers none.
     Type,
-    /// The object of the base type behind an enumeration.
+    /// The object of the base type of an enumeration.
     BaseType,
     CompileUnit,
-    /// The unit that this one shares its object with, if it isn't the first of its kind.
+    /// The unit that shares its object with this one, if this isn't the first of its kind.
     FirstUnit,
     /// The types of the formal parameters.
     Parameters,
-    /// The delivery ends here if a nested one has made the object already.
+    /// Ends the delivery here if a nested one has made the object already.
     Guard,
     /// Scope and return type of a subprogram's function type.
     FunctionScope,
     ReturnType,
 };
 
-/// The objects that the needs of a node came to; 0 where there is none.
+/// The objects for the needs of a node; 0 where there is none.
 struct EmissionInputs {
     ObjectId scope = 0;
     /// The node that is the scope, null for the global namespace.
@@ -43,7 +43,7 @@ struct EmissionInputs {
 
 class VNodeEmission;
 
-/// What a manner of reading delivers of which node.
+/// What a manner of reading delivers for which node.
 struct DeliveryRules {
     static const DeliveryRules& Of(ReadingManner manner);
 
@@ -53,13 +53,13 @@ struct DeliveryRules {
     /// Makes the object of a node that has none yet, see `VDebugInfoNode::CreateEntryObject`.
     bool (*createObject)(VDebugInfoNode& node, VNodeEmission& emission,
                          const EmissionInputs& inputs, ObjectId& id, bool& alreadyRegistered);
-    /// The name of a type that has none, and completes an entry that has none. May mark it as
+    /// The name for a type that has none and completes no named entry. May mark it as
     /// anonymous.
     std::string_view (*nameOfNameless)(VDebugInfoNode& type);
 
-    /// False for a node that delivers no object, whatever its needs come to.
+    /// False for a node that delivers no object, whatever its needs deliver.
     [[nodiscard]] bool PassesFilter(const VDebugInfoNode& node) const;
-    /// True for a node of which it is known that it has no object and that asking for one has no
+    /// True for a node that is known to have no object, so that asking for it has no
     /// effect.
     [[nodiscard]] bool IsUndelivered(const VDebugInfoNode& node) const;
 };

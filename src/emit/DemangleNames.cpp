@@ -2,8 +2,8 @@
 //
 //     speed__5Motor       becomes     Motor::speed
 //
-// Later passes compare names, and a host shows them, so that they become readable first. Many
-// entries share one text of `.debug_str`: each text is looked at once.
+// Later passes compare names, and a host shows them, so they must become readable first. Many
+// entries share one text of `.debug_str`: each text is demangled once.
 #include "demangle/Demangler.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
@@ -32,8 +32,8 @@ bool IsTaskingProducer(const VAttributeString& producer) {
     return producer.mDefined && text.find("TASKING") != std::string::npos;
 }
 
-/// Demangles names of nodes. Many entries share one text of `.debug_str`; what came of it is
-/// remembered by its offset, but for the names of the one compiler that has a scheme of its own.
+/// Demangles names of nodes. Many entries share one text of `.debug_str`: its result is cached by
+/// its offset, except for names of the one compiler that has a scheme of its own.
 class NameDemangler {
 public:
     explicit NameDemangler(VDwarf2Section& section)
@@ -70,7 +70,7 @@ private:
         return demangled;
     }
 
-    /// The new name, none if the name stays.
+    /// The new name; none if the name doesn't change.
     std::optional<VNodeText> DemangleName(const VDebugInfoNode& node) {
         const std::string_view name = node.GetName();
         if (!MayBeMangled(name, mOptions)) {

@@ -1,11 +1,11 @@
 // The walk that delivers a finished tree: which nodes are roots of delivery, and the objects that
-// the section keeps for all of them. Of
+// the section keeps for all of them. For
 //
 //     struct Gain { float p; };
 //     enum Mode { Off, On };
 //     struct Gain gain;
 //
-// `gain` is a root, and `Gain` and `float` are delivered because it needs them. `Mode` is delivered
+// `gain` is a root; `Gain` and `float` are delivered because it needs them. `Mode` is delivered
 // only if the host wants all types: then named types are roots as well.
 #include "container/VElfFile.h"
 #include "dwarf/VDwarf2Section.h"
@@ -23,7 +23,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// From this number of entries on, progress is told a hundred times.
+/// From this number of entries on, progress is reported a hundred times.
 constexpr std::size_t sManyEntries = 200;
 
 bool IsRootVariable(const VDebugInfoNode& variable) {
@@ -38,7 +38,7 @@ bool IsRootType(const VDebugInfoNode& type) {
            (canonical == nullptr || canonical == &type);
 }
 
-/// Where nodes stand that may be roots, ascending.
+/// Places of nodes that may be roots, ascending.
 std::vector<std::uint32_t> PlacesOfRoots(const VDieNodeMap& nodes, bool hasAddresses,
                                          bool allTypes) {
     std::vector<std::uint32_t> places;

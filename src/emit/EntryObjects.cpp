@@ -1,5 +1,5 @@
-// What the factory receives for each kind of node, once scope and type are at hand: the versions of
-// `CreateEntryObject`, and the needs that they rely on.
+// What the factory receives for each kind of node, once its scope and type are delivered: the
+// versions of `CreateEntryObject`, and the needs that they rely on.
 #include "core/ModuleInfo.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/BaseTypes.h"
@@ -68,8 +68,8 @@ public:
                                             Widened(mNode.GetByteSize()), mInputs.scope);
     }
 
-    /// A base type whose value fits its size; of a kind that the contract lacks, or of a byte order
-    /// that it can't tell, an unknown type.
+    /// A base type whose value fits its size; an unknown type if the contract lacks its kind or
+    /// can't express its byte order.
     ObjectId CreateBaseTypeOfItsSize(std::uint32_t encoding) {
         const std::optional<BasicType> code =
             BasicTypeOfItsSize(encoding, UnsignedSize(), mNode.GetName());
@@ -79,8 +79,8 @@ public:
                                       : GetOrCreateUnknownType();
     }
 
-    /// A range of a type that is a type of its own. Where it takes other bytes than that type, its
-    /// values are numbers of its size, without sign if none of them is negative.
+    /// A range that is a type of its own. If it occupies other bytes than its base type, its values
+    /// are numbers of its size, unsigned if none of them is negative.
     ObjectId GetOrCreateRange(bool& alreadyRegistered) {
         const VDebugInfoNode* type = mNode.GetTypeNode();
         if (type == nullptr || type->GetByteSize() == mNode.GetByteSize()) {
@@ -152,8 +152,8 @@ public:
                                          sNoExtension, false);
     }
 
-    /// The type of a member without bits. What was a bit field before it turned out that no bits
-    /// can be told of it is as many bytes as hold it.
+    /// The type of a member without bits. A bit field whose bits can't be expressed becomes as many
+    /// bytes as hold it.
     ObjectId TypeOfMember() {
         const bool wasBitField = mNode.GetBitNumbering() != BitNumbering::Unsaid;
         const VDebugInfoNode* type = wasBitField ? mNode.GetPlainTypeNode() : nullptr;
@@ -219,14 +219,14 @@ public:
     }
 
 private:
-    /// The name for the host. Tells also whether it is an anonymous one, so it comes first.
+    /// The name for the host. Comes first, since it also decides whether the name is anonymous.
     std::string_view Name() {
         std::string_view name;
         mNode.GetEntryName(name, mEmission.Section());
         return name;
     }
 
-    /// The name of a type, where the entry that it completes may have none either.
+    /// The name of a type, even if the entry that it completes has none.
     std::string_view TypeName() {
         const std::string_view name = Name();
         return !name.empty() ? name : mEmission.Rules().nameOfNameless(mNode);
@@ -236,8 +236,8 @@ private:
         return static_cast<std::uint32_t>(mNode.GetByteSize());
     }
 
-    /// A unit that overlaps another one may begin with an entry whose place is taken. The passes
-    /// don't see its node, which then is the first of its kind itself.
+    /// The first unit of this unit's kind. If units overlap, one may begin with an entry whose
+    /// place is taken. The passes don't see its node, which then is the first of its kind itself.
     VDebugInfoNode* FirstUnitOfKind() {
         VDebugInfoNode* first = mNode.GetFirstKindOfCompileUnit();
         return first != nullptr ? first : &mNode;

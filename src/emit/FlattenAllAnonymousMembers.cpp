@@ -1,12 +1,12 @@
-// Members of anonymous structures and unions stand in the type around them. Register definitions of
-// C are built on that, and C compilers declare an anonymous type beside the type that uses it:
+// Members of anonymous structures and unions belong to the enclosing type. Register definitions in
+// C rely on that, and C compilers declare an anonymous type beside the type that uses it:
 //
 //     structure A   members "a" at 0, "b" at 1            becomes
 //     union B       members of type A, "w"                B: "w" at 0, "a" at 0, "b" at 1
 //     structure C   member of type B at 4, "x" at 0       C: "x" at 0, "w" at 4, "a" at 4, "b" at 5
 //
-// Inner types come first, wherever their entries stand. A type that nothing else refers to gives
-// its members away; any other keeps them, and the type around it gets copies.
+// Inner types come first, wherever their entries are. A type that nothing else refers to gives its
+// members away; any other type keeps them, and the enclosing type gets copies.
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
@@ -22,8 +22,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Members that may move for each node of the tree, and copies for each node and beside them. A
-/// member moves once for each level of anonymous types around it, of which compilers write a few.
+/// Limits of the work: members that may move for each node of the tree, and copies for each node
+/// and beside them. A member moves once for each level of anonymous types around it; compilers
+/// write at most a few levels.
 constexpr std::size_t sMovesOfMembersPerNode = 64;
 constexpr std::size_t sCopiesPerNode = 2;
 constexpr std::size_t sFreeCopies = 0x10000;
@@ -32,8 +33,8 @@ bool HasName(const VDebugInfoNode& node) {
     return node.GetNameOrNull() != nullptr;
 }
 
-/// The structure or union that a nameless member is of, behind qualifiers and typedefs; null for
-/// any other node.
+/// The structure or union of a nameless member, through qualifiers and typedefs; null for any other
+/// node.
 VDebugInfoNode* AggregateOf(const VDebugInfoNode& member) {
     const VDebugInfoNode* parent = member.GetParent();
     if (member.GetTag() != DW_TAG_member || HasName(member) || parent == nullptr ||
@@ -44,7 +45,7 @@ VDebugInfoNode* AggregateOf(const VDebugInfoNode& member) {
     return type != nullptr && IsAggregate(type->GetTag()) ? type : nullptr;
 }
 
-/// The types that have anonymous members, and the work on them.
+/// The types with anonymous members, and the work on them.
 class AnonymousMembers {
 public:
     explicit AnonymousMembers(VDwarf2Section& section)
@@ -84,7 +85,7 @@ private:
         VDebugInfoNode* type = nullptr;
         std::vector<AnonymousMember> members;
         Progress progress = Progress::Untouched;
-        /// Members whose types were looked at.
+        /// Number of members whose types were visited.
         std::size_t visited = 0;
     };
 
@@ -126,7 +127,7 @@ private:
     }
 
     void TakeMembers(const AnonymousMember& anonymous, VDebugInfoNode& holder) {
-        // A type within itself has no size, and would never come to an end.
+        // A type within itself has no size, and flattening it would never end.
         const auto place = mPlaces.find(anonymous.type);
         if (place != mPlaces.end() && mHolders[place->second].progress != Progress::Done) {
             return;
@@ -138,7 +139,7 @@ private:
         }
     }
 
-    /// True if nothing but the anonymous member leads to its type.
+    /// True if only the anonymous member refers to its type.
     [[nodiscard]] bool IsOnlyFor(const AnonymousMember& anonymous) const {
         const VDebugInfoNode* type = anonymous.member->GetTypeNode();
         while (type != anonymous.type && mSection.mDieNodes.IsReferredOnce(*type)) {
@@ -192,7 +193,7 @@ private:
     std::size_t mCopiesLeft;
     bool mHasLeftOut = false;
     std::vector<Holder> mHolders;
-    /// Places of types in the list of holders.
+    /// Indices of types in the list of holders.
     std::unordered_map<const VDebugInfoNode*, std::size_t> mPlaces;
 };
 

@@ -1,13 +1,13 @@
-// Members of an anonymous member are used as if they stood in the type around it:
+// Members of an anonymous member are used like members of the enclosing type:
 //
 //     struct Frame {
 //         int head;
 //         struct { int low; int high; };       frame.low, not frame.something.low
 //     } frame;
 //
-// So they move there, and their offsets grow by the one of the anonymous member: `head` at 0, `low`
-// at 4, `high` at 8. The classic reading does so if the anonymous type is declared inside the type
-// that uses it, as C++ compilers write it. FlattenAllAnonymousMembers does it for all.
+// So they move there, and their offsets grow by that of the anonymous member: `head` at 0, `low` at
+// 4, `high` at 8. The classic reading does so only if the anonymous type is declared inside the
+// type that uses it, as C++ compilers write it. FlattenAllAnonymousMembers does it for all.
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
@@ -20,15 +20,14 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 /// Moves that the members of a tree may take together, for each of its nodes. A member moves once
-/// for each level of anonymous types around it, of which compilers write a few.
+/// for each level of anonymous types around it; compilers write at most a few levels.
 constexpr std::size_t sMovesPerNode = 64;
 
 bool IsNameless(const VDebugInfoNode& node) {
     return node.GetNameOrNull() == nullptr;
 }
 
-/// The nameless type of a nameless member, declared where the member stands; null for any other
-/// node.
+/// The nameless type of a nameless member, declared beside the member; null for any other node.
 VDebugInfoNode* AnonymousTypeOf(const VDebugInfoNode& member) {
     const VDebugInfoNode* parent = member.GetParent();
     if (member.GetTag() != DW_TAG_member || !IsNameless(member) || parent == nullptr ||
@@ -39,8 +38,8 @@ VDebugInfoNode* AnonymousTypeOf(const VDebugInfoNode& member) {
     return type != nullptr && IsNameless(*type) && type->GetParent() == parent ? type : nullptr;
 }
 
-/// Moves members out of anonymous types. A type that has no member left is not walked again,
-/// however many members name it; types that nest beyond all measure keep their members.
+/// Moves members out of anonymous types. A type without members left is not walked again, however
+/// many members have it; once the moves are used up, types keep their members.
 class MemberMover {
 public:
     explicit MemberMover(std::size_t nodeCount)

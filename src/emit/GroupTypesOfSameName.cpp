@@ -1,6 +1,5 @@
 // Every unit that includes a header describes the types of that header again, and C++ lets a unit
-// declare a type that another one defines. This pass finds the nodes that are one and the same
-// type:
+// declare a type that another one defines. This pass finds the nodes that describe the same type:
 //
 //     // motor.h                  // a.cpp                 // b.cpp
 //     namespace motor {           #include "motor.h"       namespace motor { struct Gain; }
@@ -14,7 +13,7 @@
 // header.
 //
 // A large image has millions of such nodes. The ways to find the group of a node, each tried before
-// the next, dearer one:
+// the next, more expensive one:
 //   1. Names and scopes prove that it is the group after the latest one.
 //   2. The text is built and is the one that the group after the latest one keeps.
 //   3. The hash of the text finds the group. Most groups keep no text; that of their latest node is

@@ -4,8 +4,8 @@
 //   GNU ld, gold      0
 //   lld               all ones in the width of an address, or one less
 //
-// All of them are addresses as well: the vector table of a controller lies at 0, a port may. So a
-// variable at such a place is believed if something is known to be there.
+// All of them are valid addresses as well: the vector table of a controller lies at 0, and a port
+// may. So a variable at such an address is kept if something is known to be there.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
@@ -64,7 +64,7 @@ private:
             [&](std::uint64_t tombstone) { return address == AsDecoded(tombstone); });
     }
 
-    /// What decoding makes of an address in the file.
+    /// The decoded form of an address in the file.
     [[nodiscard]] std::uint64_t AsDecoded(std::uint64_t address) const {
         const std::uint64_t inBytes = mFile.mIsWordAddressedTarget ? address * 2 : address;
         return mFile.mImageBase != 0 && inBytes > mFile.mImageBase ? inBytes - mFile.mImageBase
@@ -109,7 +109,7 @@ private:
 
     VElfFile& mFile;
     LongTextAllowance mLongNames;
-    /// Of the few addresses that occur.
+    /// Results for the addresses so far; only a few occur.
     std::unordered_map<std::uint64_t, bool> mIsInSection;
     std::unordered_map<std::uint64_t, NameSet> mDataNames;
 };

@@ -1,11 +1,11 @@
-// What units say of each other. A unit that others import is no scope; a declaration that has the
+// What units say about each other. A unit that others import is no scope; a declaration with the
 // signature of a type stands for that type:
 //
 //   unit:       structure_type (declaration, signature 17)
 //               variable motor, type: the structure above
 //   type unit:  signature 17, structure_type Motor { speed; current }
 //
-// Here the declaration gets Motor as its definition, whatever either is called.
+// Here the declaration gets Motor as its definition, whatever their names are.
 #include "core/KeyMixing.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
@@ -23,7 +23,7 @@ constexpr int sMaximumDeclarationChain = 16;
 
 using TypeOfDeclaration = std::unordered_map<std::uint32_t, std::uint32_t, SeededHash>;
 
-/// The entry at the end of a chain of declarations; 0 if the chain is far too long or closed.
+/// The entry at the end of a chain of declarations; 0 if the chain is too long or circular.
 std::uint32_t EndOfChain(const TypeOfDeclaration& types, std::uint32_t offset) {
     for (int link = 0; link < sMaximumDeclarationChain; ++link) {
         const auto next = types.find(offset);
@@ -35,7 +35,7 @@ std::uint32_t EndOfChain(const TypeOfDeclaration& types, std::uint32_t offset) {
     return 0;
 }
 
-/// What a declaration holds, its static members above all, has its scope in the definition.
+/// Contents of a declaration, such as its static members, get their scope from the definition.
 void MoveScope(VDebugInfoNode& declaration, VDebugInfoNode& definition) {
     for (VDebugInfoNode* child : declaration.Children()) {
         if (child->GetParent() == &definition) {

@@ -1,4 +1,4 @@
-// A variable stands in the debug information of each unit that uses it, and a host wants it once.
+// Each unit that uses a variable describes it, and a host wants it once.
 //
 //     // a.c                      // b.c
 //     extern int table[];         int table[8];
@@ -24,7 +24,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Rates how detailed a variable's type is: the most detailed variable stands for all of its name
+/// Rates how detailed a variable's type is: the most detailed variable represents all of its name
 /// and address. A type that many variables share is rated once.
 class RichnessMeter {
 public:
@@ -83,7 +83,7 @@ private:
     std::unordered_map<const VDebugInfoNode*, std::uint32_t> mKnown;
 };
 
-/// A variable under the address and name by which others may stand for it.
+/// A variable with the address and name by which others may replace it.
 struct PlacedVariable {
     std::uint64_t address;
     std::string_view name;
@@ -111,15 +111,15 @@ std::vector<PlacedVariable> CollectVariables(const VDwarf2Section& section) {
     return variables;
 }
 
-/// The greater, the better a variable stands for the others of its place.
+/// The greater, the better a variable represents all at its place.
 using Precedence = std::int64_t (*)(const VDebugInfoNode& variable, RichnessMeter& meter);
 
 std::int64_t ByRichness(const VDebugInfoNode& variable, RichnessMeter& meter) {
     return meter.RichnessOf(variable);
 }
 
-/// A definition, which has its own location, comes before a declaration, whose place came from
-/// the symbol table: the declaration may stand in a function.
+/// A definition, which has its own location, takes precedence over a declaration, whose place came
+/// from the symbol table: the declaration may be in a function.
 std::int64_t ByDefinition(const VDebugInfoNode& variable, RichnessMeter& meter) {
     const std::int64_t definition = variable.IsAddressFromSymbolTable() ? 0 : 1;
     return (definition << 32U) + meter.RichnessOf(variable);

@@ -1,11 +1,11 @@
-// Every way of saying where a bit field lies becomes one: an offset of the storage in bytes, and
+// Converts every way of describing a bit field into one: an offset of the storage in bytes, and
 // bits that lie inside the storage. Compilers count bits in two ways:
 //
-//     from the high-order bit of a storage that they name, which a packed field may pass;
+//     from the high-order bit of a storage that they name, which a packed field may exceed;
 //     from the start of the structure, in the order of the target's memory, with no storage named.
 //
-// A field that its type's natural unit holds lies in that one, as C compilers have it: bits 37 to
-// 39 of a structure, of a type of 4 bytes, are bits 5 to 7 of the unit at offset 4. Any other
+// A field that fits into its type's natural unit lies in that unit, as in C compilers: bits 37 to
+// 39 of a structure, of a type of 4 bytes, are bits 5 to 7 of the unit at offset 4. Any other field
 // begins in the byte that holds its first bit.
 #include "container/VElfFile.h"
 #include "dwarf/VDwarf2Section.h"
@@ -22,7 +22,7 @@ namespace {
 constexpr std::int64_t sBitsPerByte = 8;
 
 /// From this version on, a field without any bit offset begins where its member does (DWARF 4,
-/// 5.5.6); before, offsets counted from the high-order bit, and 0 was one.
+/// 5.5.6); before, offsets counted from the high-order bit, and a missing one was 0.
 constexpr std::int32_t sVersionOfStructureOffsets = 4;
 
 /// The bits of a field in its structure, counted in the order of the target's memory: from the
@@ -74,7 +74,7 @@ private:
     [[nodiscard]] BitRange BitsOf(const VDebugInfoNode& member, std::int64_t namedSize) const {
         const std::int64_t start = member.GetMemberOffset() * sBitsPerByte;
         const std::int64_t count = member.GetBitSize();
-        // Of fields that begin before their storage the offset is negative.
+        // A field that begins before its storage has a negative offset.
         const std::int64_t offset = static_cast<std::int32_t>(member.GetBitOffset());
         switch (NumberingOf(member)) {
         case BitNumbering::Structure:
@@ -94,9 +94,9 @@ private:
         return numbering == BitNumbering::Unsaid && isOldStyle ? BitNumbering::Storage : numbering;
     }
 
-    /// A field of the other byte order counts its bits from the other end of each byte. Where it
-    /// crosses bytes, its bits don't lie side by side in the order of the target: then it becomes a
-    /// member of as many bytes as hold it.
+    /// A field of the other byte order counts its bits from the other end of each byte. If it
+    /// crosses bytes, its bits aren't adjacent in the order of the target: then it becomes a member
+    /// of as many bytes as hold it.
     void PlaceInOtherOrder(VDebugInfoNode& member, const BitRange& bits,
                            std::int64_t storageSize) const {
         const std::int64_t firstByte = bits.first / sBitsPerByte;
@@ -121,7 +121,8 @@ private:
         } else if (bits.IsWithin(natural, storageSize)) {
             offset = natural;
         }
-        // A field may need a byte more than its type has; it then ends with the last byte it needs.
+        // A field may need one more byte than its type has; it then ends with the last byte that it
+        // needs.
         const std::int64_t end = bits.first + bits.count - offset * sBitsPerByte;
         const std::int64_t heldSize =
             std::max(storageSize, (end + sBitsPerByte - 1) / sBitsPerByte);
@@ -129,7 +130,7 @@ private:
             mIsBigEndian ? heldSize * sBitsPerByte - end : bits.first - offset * sBitsPerByte;
         member.SetMemberOffset(static_cast<std::uint32_t>(offset));
         member.SetByteSize(static_cast<std::int32_t>(storageSize));
-        // As it is before sizes are settled, counted from the high-order bit of the storage.
+        // As before sizes are settled: counted from the high-order bit of the storage.
         member.SetBitOffset(
             static_cast<std::uint32_t>(storageSize * sBitsPerByte - fromLowOrderBit - bits.count));
     }

@@ -1,14 +1,14 @@
-// Finds the cycles that links of types and specifications form, each link looked at once for all
+// Finds the cycles that links of types and specifications form; each link is visited once for all
 // nodes of a tree. The pass that cuts cycles asks it node by node. No compiler writes such a file,
-// a damaged one may hold
+// but a damaged one may hold
 //
 //     typedef A  type: B
 //     typedef B  type: A
 //     variable v type: A
 //
-// The type of A is cut, the first one that the pass comes to. B then is a typedef of A, which is
-// one of nothing, and `v` has a chain that ends. Without the cut, whoever follows types would not
-// stop.
+// The type of A, the first node that the pass comes to, is cut. B then is a typedef of A, which is
+// a typedef of nothing, and the chain of `v` ends. Without the cut, following the types would never
+// end.
 #pragma once
 
 #include "nodes/VDebugInfoNode.h"
@@ -19,12 +19,12 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// What is known of the cycles of one tree.
+/// The cycles of one tree.
 ///
-/// Two kinds of chain are looked at: the type chain, which goes on with the specification where
-/// there is no type, and the chain of specifications alone. From a node on, a chain is either safe,
-/// which means that it doesn't come back to the node, or the node is part of a cycle. Cutting a
-/// link never makes a safe chain unsafe, so that each node is walked over once for each kind.
+/// There are two kinds of chain: the type chain, which continues with the specification where there
+/// is no type, and the chain of specifications only. A chain from a node is either safe, which
+/// means that it doesn't lead back to the node, or the node is part of a cycle. Cutting a link
+/// never makes a safe chain unsafe, so that each node is visited once for each kind.
 class ReferenceCycles {
 public:
     /// True if the type chain of the node leads back to it.
@@ -37,7 +37,7 @@ public:
     void CutSpecification(VDebugInfoNode& node);
 
 private:
-    /// Nodes of the cycles of one kind; a cycle that was cut stands for no node any more.
+    /// Nodes of the cycles of one kind; once a cycle is cut, its nodes count no more.
     struct CycleSet {
         std::unordered_map<const VDebugInfoNode*, std::size_t> numbers;
         std::vector<bool> isWhole;

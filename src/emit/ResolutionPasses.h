@@ -1,7 +1,7 @@
 // The passes that finish the tree of nodes, in their fixed order; a later one relies on the earlier
-// ones. `ResolveNodes` runs them, each once per tree: none is repeatable, so that `ForgetEntries`
-// comes before a second run. None of them fails: what can't be resolved stays as it is, and later
-// stages take it as absent.
+// ones. `ResolveNodes` runs them once per tree: none can be repeated, so that `ForgetEntries` must
+// precede a second run. None of them fails: what can't be resolved stays as it is, and later stages
+// treat it as absent.
 #pragma once
 
 #include <span>
@@ -14,18 +14,18 @@ class VDwarf2Section;
 /// 1. Turns the references of all nodes into links. Passed entries that are referred to get nodes.
 void ResolveAllReferences(VDwarf2Section& section);
 
-/// 2. Replaces mangled names by readable ones. A unit of a TASKING compiler has names of the second
-/// family.
+/// 2. Replaces mangled names by readable ones. Units of a TASKING compiler use the second family of
+/// names.
 void DemangleNames(VDwarf2Section& section);
 
 /// The same for nodes that aren't in the tree yet, in ascending order of their offsets.
 void DemangleNamesOf(VDwarf2Section& section, std::span<VDebugInfoNode* const> nodes);
 
-/// 3. Groups types by their type texts: declarations get their definition, and of several equal
-/// definitions the largest represents all.
+/// 3. Groups types by their type texts: declarations get their definition, and of equal definitions
+/// the largest represents all.
 void GroupTypesOfSameName(VDwarf2Section& section);
 
-/// Between 3 and 4, in the full manner: what units say of each other, see `VUnitLinks`.
+/// Between 3 and 4, full manner: what units say about each other, see `VUnitLinks`.
 void LinkUnits(VDwarf2Section& section);
 
 /// 4. Cuts each cycle of type or specification links once.
@@ -47,14 +47,14 @@ void ReadReachedBodies(VDwarf2Section& section);
 /// 7. Settles byte sizes, bit offsets and encodings.
 void ResolveAllSizes(VDwarf2Section& section);
 
-/// 8. Of variables of one name and address all but the richest become redundant.
+/// 8. Of variables with one name and address, all except the richest become redundant.
 void MarkRedundantVariables(VDwarf2Section& section);
 
-/// 9. Moves the members of anonymous members into the enclosing type, where that declares their
-/// type.
+/// 9. Moves the members of anonymous members into the enclosing type if that type declares the
+/// anonymous one.
 void FlattenAnonymousMembers(VDwarf2Section& section);
 
-/// @name Passes of the full reading alone
+/// @name Passes of the full reading only
 /// @{
 
 /// Before 6: variables that the linker discarded lose their location.
@@ -63,19 +63,19 @@ void LeaveOutDiscardedVariables(VDwarf2Section& section);
 /// Instead of 6: looks for the addresses of declarations, not for those of locals.
 void ResolveDeclaredVariables(VDwarf2Section& section);
 
-/// Instead of 8: a definition comes before the richest declaration.
+/// Instead of 8: a definition takes precedence over the richest declaration.
 void MarkRedundantDeclarations(VDwarf2Section& section);
 
-/// After 6: variables that are instances take type, scope and external flag from their origins.
+/// After 6: variables that are instances get type, scope and external flag from their origins.
 void TakeOverFromOrigins(VDwarf2Section& section);
 
 /// Before 7: bit fields lie inside the storage that their type names.
 void PlaceBitFields(VDwarf2Section& section);
 
-/// Before 7: references to rvalues and pointers to members have sizes of their own.
+/// Before 7: rvalue references and pointers to members have sizes of their own.
 void SettlePointerSizes(VDwarf2Section& section);
 
-/// Instead of 9: the same, wherever the types are declared.
+/// Instead of 9: moves such members wherever their types are declared.
 void FlattenAllAnonymousMembers(VDwarf2Section& section);
 
 /// @}

@@ -1,4 +1,4 @@
-// Which variables without location have an address in the symbol table, in the full manner:
+// Which variables without location get an address from the symbol table, in the full manner:
 //
 //   extern int total;          declared external: the symbol `total` that all files know
 //   int f(void) { int n; }     a local without location, optimized away: no static variable
@@ -7,7 +7,7 @@
 //                              has a place
 //
 // A wrong address is worse than none. So a name without linkage name counts with its scope, and a
-// symbol that only its own file knows serves no declaration of another one.
+// symbol that only its own file knows never serves a declaration in another one.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
@@ -43,11 +43,11 @@ bool StandsInFunction(const VDebugInfoNode& variable) {
     return parent != nullptr;
 }
 
-/// Scopes that a name may have; more occur in damaged files only.
+/// Scopes that a name may have; only damaged files have more.
 constexpr int sMaximumScopes = 100;
 
-/// The name as C++ writes it; of a variable in a function or in no scope its name alone. Empty if
-/// it is longer than the names of symbols are.
+/// The name as C++ writes it; only the plain name for a variable in a function or in no scope.
+/// Empty if it is longer than names of symbols may be.
 std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name) {
     std::string qualifiedName(name);
     const VDebugInfoNode* completed = variable.GetSpecificationNode();
@@ -83,7 +83,7 @@ std::string_view UnitNameOf(const VDebugInfoNode& variable) {
     return {};
 }
 
-/// True if the variable may be the one that the symbol names.
+/// True if the symbol may name the variable.
 bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
                const VariableNames& names) {
     if (names.isExternal) {
@@ -152,9 +152,9 @@ private:
     }
 
     VElfFile& mFile;
-    /// Variables that another one names as its specification.
+    /// Variables that another one refers to as its specification.
     std::unordered_set<const VDebugInfoNode*> mCompleted;
-    /// Names of all variables whose place the debug information tells.
+    /// Names of all variables whose place is in the debug information.
     std::unordered_set<std::string_view, SeededHash> mPlacedNames;
     int mLineNumber = 0;
 };

@@ -1,12 +1,12 @@
-// A unit may declare a variable whose definition has no debug information: it lies in a library, or
-// in a file of assembly language.
+// A unit may declare a variable whose definition has no debug information, because it is in a
+// library or in a file of assembly language.
 //
 //     // a.cpp, with -g                           // b.cpp, without
 //     namespace motor { extern int total; }       namespace motor { int total = 1; }
 //     int* first = &motor::total;
 //
-// The declaration tells name and type, and the linker's symbol `_ZN5motor5totalE` tells the
-// address. Here the two come together; without this the variable would be one of unknown type. A
+// The declaration has name and type, and the linker's symbol `_ZN5motor5totalE` has the address.
+// This pass brings the two together; without it the variable would have an unknown type. A
 // declaration that another entry completes is left alone: that entry has the address.
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
@@ -59,7 +59,7 @@ private:
                 return symbol;
             }
         }
-        // A symbol without a name is nobody's.
+        // A symbol without a name can't be assigned.
         const char* name = variable.GetNameOrNull();
         return name != nullptr
                    ? mFile.mSymbolNamesMap.FindByName(std::string(variable.GetName()).c_str())
@@ -84,7 +84,7 @@ private:
     }
 
     VElfFile& mFile;
-    /// Variables that another one names as its specification.
+    /// Variables that another one refers to as its specification.
     std::unordered_set<const VDebugInfoNode*> mCompleted;
     int mLineNumber = 0;
 };

@@ -1,4 +1,4 @@
-// The sequence of the passes over a complete tree, and the passes that are one call for each node.
+// The order of the passes over a complete tree, and the passes that are one call for each node.
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
 #include "core/VElfOptions.h"
@@ -22,15 +22,15 @@ constexpr ResolutionPass sClassicPasses[] = {
     ResolveAllReferences,
     // Types are grouped by their names.
     DemangleNames,
-    // Whoever follows a type from here on comes to definitions.
+    // From here on, following a type leads to definitions.
     GroupTypesOfSameName,
     // A declaration may have got a definition that leads back to it; walks over types must end.
     BreakAllReferenceCycles,
     ReadEntriesForSizes,
     UnifyCompileUnits,
-    // Variables are compared by their addresses, so that all must have theirs.
+    // Variables are compared by their addresses, so all addresses must be known.
     ResolveExternVariables,
-    // Which variables are delivered is known now.
+    // It is known now which variables are delivered.
     ReadReachedBodies,
     ResolveAllSizes,
     MarkRedundantVariables,
@@ -49,7 +49,7 @@ constexpr ResolutionPass sFullPasses[] = {
     LeaveOutDiscardedVariables,
     ResolveDeclaredVariables,
     TakeOverFromOrigins,
-    // Which variables are delivered is known now.
+    // It is known now which variables are delivered.
     ReadReachedBodies,
     PlaceBitFields,
     SettlePointerSizes,
@@ -58,7 +58,7 @@ constexpr ResolutionPass sFullPasses[] = {
     FlattenAllAnonymousMembers,
 };
 
-/// Such a pointer is a pair of a function and the displacement of its object.
+/// Such a pointer is a pair of a function address and the displacement of its object.
 bool IsPointerToMemberFunction(const VDebugInfoNode& pointer) {
     if (pointer.GetTag() != DW_TAG_ptr_to_member_type) {
         return false;

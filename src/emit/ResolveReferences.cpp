@@ -1,14 +1,14 @@
-// References become links. Entries of code have no nodes, see dwarf/CodeEntries.h; one that is
-// referred to all the same gets its node here, with all others of its unit:
+// References become links. Entries of code have no nodes, see dwarf/CodeEntries.h; if one is
+// referred to after all, it gets its node here, with all others of its unit:
 //
 //     subprogram "f"                              passed: formal_parameter "p"
 //     typedef "T"  type: "p" (a damaged file)     now "p" is read, and the typedef gets its link
 //
-// What is read then may refer to passed entries of other units.
+// The entries that are read then may refer to passed entries of other units.
 //
-// Where bodies are left for later, see dwarf/BodyEntries.h, the one reference into a body that
-// files are full of waits for it: that of a function to its declaration in a class. Any other, and
-// any to code, has the section read anew with all bodies.
+// If bodies are left for later, see dwarf/BodyEntries.h, one kind of reference into bodies, of
+// which files are full, waits for them: that of a function to its declaration in a class. Any
+// other, and any to code, makes the section be read anew with all bodies.
 #include "dwarf/BodyEntries.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
@@ -22,8 +22,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Rounds in which only the units that are referred to are read again. Only files that are made
-/// for it need more, and these could ask for one unit after the other.
+/// Rounds in which only the units that are referred to are read again. Only crafted files need
+/// more, and they could ask for one unit after the other.
 constexpr int sRoundsByUnit = 8;
 
 class ReferenceResolver {
@@ -62,8 +62,8 @@ private:
         }
     }
 
-    /// True for a function that lacks its declaration, but not its type. What stands in an instance
-    /// takes its scope from the declaration, before bodies are read.
+    /// True for a function that lacks its declaration, but not its type. Contents of an instance
+    /// get their scope from the declaration, before bodies are read.
     [[nodiscard]] bool WaitsForBody(const VDebugInfoNode& node) const {
         return mSection.LeavesBodies() && node.GetTag() == DW_TAG_subprogram &&
                node.LacksSpecification() && (!node.IsInstance() || node.FirstChild() == nullptr) &&
@@ -80,7 +80,7 @@ private:
         for (VDebugInfoNode* node : unresolved) {
             node->ResolveReferences(mNodes);
         }
-        // What led nowhere just now leads nowhere at all.
+        // References that led nowhere just now will never lead anywhere.
         mNodes.ForgetMissing();
         for (VDebugInfoNode* node : made) {
             Resolve(*node);
@@ -89,7 +89,7 @@ private:
 
     VDwarf2Section& mSection;
     VDieNodeMap& mNodes;
-    /// Nodes with references that led to none.
+    /// Nodes with references that were not found.
     std::vector<VDebugInfoNode*> mUnresolved;
 };
 

@@ -1,5 +1,5 @@
-// The text of one type after the other, as the grouping of types asks for them. Siblings have the
-// same scopes in front, and stand next to each other: their scopes are built and hashed once.
+// Builds the text of one type after the other, as the grouping of types asks for them. Siblings
+// have the same scopes in front and follow each other: their scopes are built and hashed once.
 #pragma once
 
 #include "core/KeyMixing.h"
@@ -14,8 +14,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// The latest text that was built. For `struct Gain` in namespace `motor` that is "motor::" of the
-/// scopes, which stays for the next child of `motor`, and "Gain" of the type itself.
+/// The latest text that was built. For `struct Gain` in namespace `motor` it is "motor::" from the
+/// scopes, which stays for the next child of `motor`, and "Gain" from the type itself.
 class ScopedTypeText {
 public:
     /// Borrows the builder.
@@ -23,7 +23,7 @@ public:
         : mBuilder(builder) {}
 
     /// Builds the text of a grouped type.
-    /// @param limit length in characters from which on nothing is added
+    /// @param limit length in characters after which nothing is added
     void Build(VDebugInfoNode& node, std::size_t limit);
 
     /// Valid until the next `Build`.
@@ -37,7 +37,7 @@ private:
 
     TypeNameBuilder& mBuilder;
     std::string mText;
-    /// Whose children the scopes in front belong to, and the limit that they were built with.
+    /// The parent whose scopes are in front, and the limit with which they were built.
     const VDebugInfoNode* mParent = nullptr;
     std::size_t mLimit = 0;
     std::size_t mLengthOfScopes = 0;

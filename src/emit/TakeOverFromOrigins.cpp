@@ -1,11 +1,11 @@
-// What an instance of an entry leaves to its origin. Link-time optimisation writes all types, names
-// and scopes in the units of the sources, and in a unit of its own no more than addresses:
+// What an instance of an entry inherits from its origin. Link-time optimisation writes all types,
+// names and scopes in the units of the sources, and only addresses in a unit of its own:
 //
 //     unit "a.c"     variable "speed"  type int, external  <----+
 //     unit of link   variable          origin -----------------+   address 0x2000
 //
-// So do functions that are inlined: their static variables stand once in the abstract function, and
-// once more, with the address, in an instance of it.
+// The same holds for inlined functions: their static variables are in the abstract function, and
+// again, with the address, in an instance of it.
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
@@ -14,13 +14,13 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Entries that complete each other: an instance, what it is an instance of, its declaration.
-/// Longer chains occur in damaged files only.
+/// Entries that complete each other: an instance, its origin, the declaration of the origin. Only
+/// damaged files have longer chains.
 constexpr int sMaximumOrigins = 16;
 
-/// Takes type and external flag from the nearest origin that says them, and the scope, which is
-/// that of the node at the end, from the last one. A variable that no origin names, as an anonymous
-/// union of C++ in a namespace is, stays without name and so without delivery.
+/// Takes type and external flag from the nearest origin that has them, and the scope from the last
+/// origin, whose parent is the scope. A variable without a named origin, such as an anonymous union
+/// of C++ in a namespace, keeps no name and so is not delivered.
 void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
     VDebugInfoNode* origin = &nearest;
     bool hasName = variable.HasNameAttribute();
@@ -46,7 +46,7 @@ void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
     }
 }
 
-/// The function that the instance around a variable is an instance of, null if it lies in none.
+/// The function whose instance contains the variable; null if no instance does.
 VDebugInfoNode* OriginOfScope(const VDebugInfoNode& variable) {
     const VDebugInfoNode* scope = variable.GetParent();
     for (int link = 0; link < sMaximumChainLength && scope != nullptr; ++link) {

@@ -1,5 +1,5 @@
-// How many characters the type texts of one tree may still take. Template arguments can name a
-// template many times over, so that a small damaged file could ask for texts without end.
+// Limits the total length of the type texts of one tree. Template arguments can name a template
+// many times, so that a small damaged file could ask for endless texts.
 #pragma once
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// The budget of one tree, in proportion to its section. Texts that are kept count in full, texts
-/// that are only built count as far as they are long. When nothing is left, texts go on in a scarce
-/// length: types with short texts are still told apart.
+/// that are only built count up to their length. When the budget is used up, texts get a short
+/// limit: types with short texts are still distinguished.
 class TextBudget {
 public:
     static constexpr std::size_t kLongestText = std::size_t{64} * 1024;

@@ -9,7 +9,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Links that are followed one by one before shortcuts are looked for and left.
+/// Links between two shortcuts of a chain: a walk looks for one only after this many links.
 constexpr int sShortcutDistance = 64;
 
 } // namespace

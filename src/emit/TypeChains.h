@@ -1,9 +1,9 @@
-// Chains of types that deliver no object: qualifiers, and whatever else has none. For
+// Chains of types that deliver no object, such as qualifiers. For
 //
 //     const volatile Gain* const table;
 //
-// the delivery of `table` looks past `const` to the pointer, and that of the pointer past `const`
-// and `volatile` to `Gain`.
+// the delivery of `table` looks past `const` to the pointer, and the delivery of the pointer past
+// `const` and `volatile` to `Gain`.
 #pragma once
 
 #include <unordered_map>
@@ -20,9 +20,9 @@ public:
     explicit TypeChains(const DeliveryRules& rules)
         : mRules(rules) {}
 
-    /// Goes along the chain to the node whose type delivers an object, or to the chain's end. Nodes
-    /// without object on the way would answer 0 and pass the question on. A chain of any length
-    /// costs a few steps when it is asked for again, from any of its nodes.
+    /// Follows the chain to the node whose type delivers an object, or to the chain's end. The
+    /// nodes before it deliver none and would only pass the request on. Asking again, from any node
+    /// of a chain of any length, costs at most 128 steps.
     VDebugInfoNode* SkipUndelivered(VDebugInfoNode* node);
 
 private:

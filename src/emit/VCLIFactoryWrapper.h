@@ -1,6 +1,6 @@
-// The one door from the reader to the data model of its host. The reader works in narrow texts,
-// plain integers and standard containers; the wrapper converts, and otherwise forwards one call to
-// one call. It holds no state of the read.
+// The only door from the reader to the data model of its host. The reader works with narrow texts,
+// plain integers and standard containers; the wrapper converts them and forwards each call to one
+// host call. It holds no state of the read.
 #pragma once
 
 #include "emit/BaseTypes.h"
@@ -30,11 +30,11 @@ class VCLIFactoryWrapperPrivate;
 
 /// Owner of the host factory of one file.
 ///
-/// Names are narrow text: bytes as the file has them. Every operation answers 0 or false, without a
-/// look at its arguments, when there is no data model; an exception of the host goes through. Lists
-/// come by value and are released on every path. What the operations mean stands with
-/// `HostDataModel`; here stands only what differs. The operations marked spare are called by no one
-/// in the reader.
+/// Names are narrow text: bytes as the file has them. Without a data model every operation
+/// answers 0 or false and ignores its arguments; an exception of the host passes through.
+/// Lists come by value and are released on every path. `HostDataModel` says what the
+/// operations mean; the comments here only say what differs. The reader never calls the
+/// operations marked spare.
 class VCLIFactoryWrapper {
 public:
     /// Makes a factory for the data model that is current now.
@@ -119,7 +119,7 @@ public:
     /// @name Derived types
     /// @{
 
-    /// Without dimensions there is no host call, and the answer is 0.
+    /// Without dimensions the host isn't called, and the answer is 0.
     ObjectId CreateArrayEntryType(std::vector<std::uint32_t> dimensions,
                                   ObjectId objIdOfArrayElementsType, std::uint64_t arraySize,
                                   ObjectId objIdParentScope);
@@ -142,7 +142,7 @@ public:
     ObjectId GetGlobalData(std::string_view symName, ObjectId objIdOfScopeParent);
     ObjectId GetGlobalData(std::string_view symName);
     ObjectId GetGlobalDataByAddress(std::uint64_t address);
-    /// For the host, scope and address change places.
+    /// The host's operation takes scope and address in the opposite order.
     ObjectId CreateGlobalData(std::string_view symName, ObjectId objIdOfSymType,
                               ObjectId objIdOfScopeParent, std::uint64_t address,
                               bool addressIsValid, std::int16_t addressExtension,
@@ -186,15 +186,15 @@ public:
     /// @}
 
 private:
-    /// The answer of the host's operation to the arguments, its texts as host texts. Without a data
-    /// model 0, false or nothing.
+    /// Calls the host's operation with the arguments, texts converted to host texts. Without a data
+    /// model the result is 0, false or nothing.
     template <typename Result, typename... Parameters, typename... Arguments>
     Result Forward(Result (HostDataModel::*operation)(Parameters...),
                    const Arguments&... arguments);
-    /// Host text of a narrow text, in the one place for it: calls come one after the other, and
-    /// making a new string for each name takes longer than many a call.
+    /// Converts a narrow text into the one string that all calls use: making a new string for each
+    /// name takes longer than many a host call.
     const std::string& AsHostTakes(std::string_view narrowText);
-    /// All else goes to the host as it is.
+    /// Any other argument goes to the host unchanged.
     template <typename Argument>
     static const Argument& AsHostTakes(const Argument& argument) {
         return argument;
@@ -208,7 +208,7 @@ private:
 ObjectId sGetSymbolTableBaseEntryTypeObjId(VCLIFactoryWrapper& factory, ObjectId objIdGlobalScope,
                                            std::uint64_t byteSize);
 
-/// The text that the operations take for a standard string: it ends at the first NUL. A view into
+/// The text that an operation takes for a standard string: it ends at the first NUL. A view into
 /// `text`.
 void __sToManagedFactoryString(std::string_view& out, const std::string& text);
 

@@ -1,5 +1,5 @@
-// What a file delivers by itself: it makes the factory that all of its delivery goes through, and
-// hands over the data symbols that no debug information describes.
+// What a file delivers itself: it makes the factory through which everything is delivered, and
+// delivers the data symbols that no debug information describes.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/LongTextAllowance.h"

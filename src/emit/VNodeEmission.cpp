@@ -45,7 +45,7 @@ bool VNodeEmission::Open(VDebugInfoNode& node) {
     mIsInVain =
         !hasAnswer && outerFrame != 0 && mInnerRequests.IsInVain(mFrames[outerFrame - 1].note);
     if (mIsInVain && IsFindingReturnType(mFrames[outerFrame - 1])) {
-        // The return type lies in the function itself: it has to do without.
+        // The return type lies in the function itself, which therefore gets none.
         CreateObject(mFrames[outerFrame - 1]);
     }
     if (hasAnswer || mIsInVain) {
@@ -91,7 +91,7 @@ void VNodeEmission::Advance() {
     }
 }
 
-/// @return false if a frame was opened whose result has to come first
+/// @return false if a frame was opened whose result must come first
 bool VNodeEmission::Await(VDebugInfoNode& node, ObjectId& object) {
     if (!mHasResult && Open(node)) {
         return false;
@@ -107,7 +107,7 @@ bool VNodeEmission::IsFindingReturnType(const Frame& frame) const {
            needs[frame.metNeeds] == EntryNeed::ReturnType;
 }
 
-/// @return false if a frame was opened whose result has to come first
+/// @return false if a frame was opened whose result must come first
 bool VNodeEmission::MeetNeeds() {
     const std::size_t index = mFrames.size() - 1;
     if (!mFrames[index].hasStarted) {
@@ -297,7 +297,7 @@ void VNodeEmission::AddBaseClasses(Frame& frame) {
     frame.stage = Stage::Children;
 }
 
-/// The name is what the next child is asked for first, and lies anywhere in a large section.
+/// The next child's name is needed first, and it may lie anywhere in a large section.
 BRINDLE_FETCHES void VNodeEmission::PrefetchNextChild(const Frame& frame) {
     if (const VDebugInfoNode* next = frame.child->NextSiblingIn(*frame.node)) {
         Prefetch(next->GetNameStart());

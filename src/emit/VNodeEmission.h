@@ -1,14 +1,14 @@
-// Delivery of nodes to the host, on demand and depth first: a node asks for the objects of its
+// Delivery of nodes to the host, on demand and depth first: a node requests the objects of its
 // scope and its type, which do the same, before its own object is made; a class then links its base
-// classes and delivers its named children. What the factory receives for each tag stands in
-// EntryObjects.cpp. For
+// classes and delivers its named children. EntryObjects.cpp says what the factory receives for each
+// tag. For
 //
 //     namespace motor {
 //     struct Gain { float p; };
 //     Gain gain;
 //     }
 //
-// the request for `gain` comes to these calls of the host:
+// the request for `gain` leads to these calls of the host:
 //
 //     CreateCompileUnit a_cpp             the scope of `motor`
 //     GetNamespace, CreateNamespace motor the scope of `gain`
@@ -32,10 +32,10 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// The delivery of one tree.
 ///
-/// The calls that a recursive delivery would nest stand in a list of frames, so that chains of any
-/// length need no stack. A node may be asked for while its own delivery is in progress, since its
-/// scope delivers it as a child: it is then delivered by the inner request, and the guard ends the
-/// outer one. An inner request in vain, see `InnerRequests`, is answered with 0.
+/// The calls that a recursive delivery would nest are in a list of frames, so that chains of any
+/// length need no stack. A node may be requested while its own delivery is in progress, since its
+/// scope delivers it as a child: the inner request then delivers it, and the guard ends the outer
+/// one. An inner request in vain, see `InnerRequests`, is answered with 0.
 class VNodeEmission {
 public:
     VNodeEmission(VDwarf2Section& section, VCLIFactoryWrapper& factory);
@@ -55,18 +55,18 @@ private:
     struct Frame {
         VDebugInfoNode* node = nullptr;
         Stage stage = Stage::Needs;
-        /// Needs that are met already.
+        /// Number of needs that are already met.
         std::uint8_t metNeeds = 0;
         bool hasStarted = false;
-        /// Frame of the same node that was in progress before, 0 if there is none.
+        /// Frame of the same node that was already in progress, 0 if there is none.
         std::uint32_t outerFrame = 0;
         InnerRequests::Note note;
         ObjectId object = 0;
         EmissionInputs inputs;
         std::size_t firstParameter = 0;
-        /// Where a walk over children or base classes stands.
+        /// Current position of a walk over children or base classes.
         VDebugInfoNode* child = nullptr;
-        /// Where a walk along a chain of types stands.
+        /// Current position of a walk along a chain of types.
         VDebugInfoNode* chain = nullptr;
     };
 
@@ -100,7 +100,7 @@ private:
     std::vector<ObjectId> mParameters;
     /// Answer to the last request.
     ObjectId mResult = 0;
-    /// True when the innermost frame has an answer to take.
+    /// True if the innermost frame has a result to take.
     bool mHasResult = false;
     /// True if the last request was in vain.
     bool mIsInVain = false;

@@ -7,8 +7,8 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Name, linkage name and external flag of a variable; what it doesn't say itself it has from the
-/// entries that it completes. Names are views of the tree, and empty where there is none.
+/// Name, linkage name and external flag of a variable; what the variable lacks comes from the
+/// entries that it completes. Names are views of the tree, and empty if there is none.
 struct VariableNames {
     explicit VariableNames(const VDebugInfoNode& variable) {
         const VDebugInfoNode* entry = &variable;
@@ -26,7 +26,7 @@ struct VariableNames {
     bool isExternal = false;
 
 private:
-    /// An instance, its origin and the declaration of that are three; more occur in damaged files.
+    /// An instance, its origin and that one's declaration are three; damaged files have more.
     static constexpr int sMaximumLinks = 16;
 };
 
