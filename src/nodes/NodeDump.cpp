@@ -1,4 +1,4 @@
-// What each kind of node writes of itself into the dump of the tree, for a person who looks into a
+// What each kind of node writes about itself into the dump of the tree, for a person who examines a
 // file that was read wrongly. dwarf/NodeDumpFiles makes the files.
 #include "core/FormatText.h"
 #include "dwarf/codes/DwarfNames.h"
@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t sMaximumIndent = 28;
 
-/// A list of members ends at about this length.
+/// A list of members ends at about this many characters.
 constexpr std::size_t sMaximumListLength = std::size_t{1} << 20U;
 
 BRINDLE_PRINTF_LIKE(2, 3) void Print(std::ostream& stream, const char* format, ...) {
@@ -33,7 +33,7 @@ std::string NameOf(const VDebugInfoNode* node, const char* otherwise) {
     return node != nullptr ? std::string(node->GetName()) : otherwise;
 }
 
-/// Parents up to the root, as far as they matter for an indent.
+/// Number of parents up to the root, as far as it matters for an indent.
 std::size_t IndentOf(const VDebugInfoNode& node) {
     std::size_t depth = 0;
     const VDebugInfoNode* parent = node.GetParent();

@@ -12,17 +12,17 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Calls that may nest before a chain is followed by a list.
+/// Calls that may nest before a chain is followed in a list instead.
 constexpr int sMaximumNesting = 100;
 
-/// Typedefs and qualifiers of one type that are looked through at once.
+/// Typedefs and qualifiers of one type that are looked through in one step.
 constexpr int sMaximumOtherNames = 32;
 
 bool IsPointerOrReference(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_pointer_type || node.GetTag() == DW_TAG_reference_type;
 }
 
-/// Entries that never have a size of their own.
+/// True for entries that never have a size of their own.
 bool IsWithoutSize(dwarf_tag tag) {
     switch (tag) {
     case 0:
@@ -57,14 +57,14 @@ bool IsWithoutSize(dwarf_tag tag) {
     }
 }
 
-/// The node that a reference names, null for other values.
+/// The node that a reference leads to, null for other values.
 VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& nodes) {
     return value.IsDefined() && value.IsReference() && value.mValue != 0
                ? nodes.Find(static_cast<std::uint32_t>(value.mValue))
                : nullptr;
 }
 
-/// The same for a bound, which has no use for passed entries: none of them has a static place.
+/// The same for a bound, which ignores passed entries: none of them has a static place.
 VDebugInfoNode* FindBound(const VAttributeValue& value, const VDieNodeMap& nodes) {
     return value.IsDefined() && value.IsReference() && value.mValue != 0
                ? nodes.FindUnpassed(static_cast<std::uint32_t>(value.mValue))
@@ -266,7 +266,7 @@ VDebugInfoNode* VDebugInfoNode::GetBaseTypeNode() {
         if (node->mTag == DW_TAG_base_type) {
             return node;
         }
-        // The type is looked at first, hence pushed last.
+        // The type is visited first, hence pushed last.
         for (VDebugInfoNode* next : {node->GetSpecificationNode(), node->GetTypeNode()}) {
             if (next != nullptr && !IsPointerOrReference(*next)) {
                 open.push_back(next);

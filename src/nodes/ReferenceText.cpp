@@ -72,8 +72,8 @@ void AppendScopeOfParent(const VDebugInfoNode& parent, std::string& text) {
     text.append(parent.HasNameAttribute() ? parent.GetName() : "<anonymous>").append("::");
 }
 
-/// Walks the references of a node. A pointer or array writes its own mark behind the text of what
-/// it refers to, so the marks are gathered and come last, innermost first.
+/// Walks the references of a node. A pointer or array puts its own mark after the text of its
+/// target, so the marks are collected and appended last, innermost first.
 class ReferenceWalk {
 public:
     explicit ReferenceWalk(const VDebugInfoNode& node)
@@ -117,7 +117,7 @@ private:
         return {};
     }
 
-    /// True for a node whose text stands behind that of its own type.
+    /// True for a node whose text follows that of its own type.
     bool AddMark(const VDebugInfoNode& node) {
         switch (node.GetTag()) {
         case DW_TAG_array_type:
@@ -165,7 +165,8 @@ std::string GetReferenceText(const VDebugInfoNode& node, int which) {
 }
 
 std::string GetScopeText(const VDebugInfoNode& node) {
-    // Every second node on the way up is a level: the scope of a parent is that of its own parent.
+    // Every second node on the way up is a level: the scope of a parent is that parent's own
+    // parent.
     std::vector<const VDebugInfoNode*> levels;
     const VDebugInfoNode* parent = node.GetParent();
     while (parent != nullptr && levels.size() < sMaximumChainLength) {

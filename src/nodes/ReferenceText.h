@@ -1,5 +1,5 @@
-// The readable text of what a node refers to and of the scope it stands in, for the dump of the
-// tree. For use when cycles of references are cut.
+// The readable text of a node's references and of its scope, for the dump of the tree. For use
+// after cycles of references are cut.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// What the node's type (`which` 0) or specification (`which` 1) is, pointers and arrays included.
-/// At most 1000 links are followed.
+/// The text of the node's type (`which` 0) or specification (`which` 1), pointers and arrays
+/// included. At most 1000 links are followed.
 std::string GetReferenceText(const VDebugInfoNode& node, int which);
 
 /// The scope part of a dump line, empty without a parent.

@@ -12,16 +12,16 @@ namespace {
 constexpr int sMaximumChainDepth = 32;
 constexpr int sMaximumScopeDepth = 10;
 
-/// What a scope adds on each level.
+/// What each scope adds to the depth.
 constexpr int sScopeDepthStep = 2;
 
-/// Children that are looked at anew for each text.
+/// Up to this many children are walked anew for each text.
 constexpr int sFewChildren = 64;
 
 constexpr std::string_view sClassSeparator = "::";
 constexpr std::string_view sFunctionSeparator = "$";
 
-/// Text of a tag that qualifies the type behind it, empty for all other tags.
+/// Text of a tag that qualifies the type it refers to, empty for all other tags.
 std::string_view ModifierOf(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_pointer_type:
@@ -49,13 +49,13 @@ std::string_view ModifierOf(dwarf_tag tag) {
     }
 }
 
-/// How a scope that is no class stands in a type text.
+/// The form of a scope that is no class in a type text.
 struct ScopeText {
     std::string_view placeholder;
     std::string_view separator;
 };
 
-/// Empty separator for tags that are no scope in a type text.
+/// The separator is empty for tags that are no scope in a type text.
 ScopeText ScopeTextOf(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_enumeration_type:
@@ -83,14 +83,14 @@ bool HasFewChildren(const VDebugInfoNode& node) {
     return child == nullptr;
 }
 
-/// Names in `.debug_str` are shared, so that the texts are seldom looked at.
+/// Names in `.debug_str` are shared, so that the texts rarely have to be compared.
 bool HaveSameName(const VDebugInfoNode& one, const VDebugInfoNode& other) {
     const char* name = one.GetNameStart();
     const char* otherName = other.GetNameStart();
     return name == otherName || std::strcmp(name, otherName) == 0;
 }
 
-/// In names that have one it stands near the start, so that the name isn't measured first.
+/// A bracket is near the start of names that have one, so the name isn't measured first.
 bool HoldsBracket(const VDebugInfoNode& node) {
     return std::strchr(node.GetNameStart(), '<') != nullptr;
 }
@@ -101,7 +101,7 @@ bool IsStructural(dwarf_tag tag) {
 
 } // namespace
 
-// The operations call each other down to the limits of depth above.
+// The operations call each other, up to the limits of depth above.
 // NOLINTBEGIN(misc-no-recursion)
 
 void TypeNameBuilder::AppendTypeName(VDebugInfoNode* node, int depth, std::string& out,
@@ -120,7 +120,7 @@ void TypeNameBuilder::AppendTypeName(VDebugInfoNode* node, int depth, std::strin
     }
 }
 
-/// The text of a type that is no modifier, without its scopes.
+/// The text of a type that is not a modifier, without its scopes.
 void TypeNameBuilder::AppendUnscoped(VDebugInfoNode& node, int depth, std::string& out,
                                      bool withRecordNumbers) {
     switch (node.GetTag()) {
@@ -261,8 +261,7 @@ void TypeNameBuilder::AppendFunctionType(VDebugInfoNode& node, int depth, std::s
 
 // NOLINTEND(misc-no-recursion)
 
-/// True if template arguments stand behind the name. Those that the name holds already are
-/// forgotten.
+/// True if template arguments follow the name. If the name has them already, they are forgotten.
 bool TypeNameBuilder::HasTemplatePart(VDebugInfoNode& node) {
     if (node.HasTemplateParameters() && HoldsBracket(node)) {
         node.SetHasTemplateParameters(false);
@@ -276,7 +275,7 @@ bool TypeNameBuilder::AreCertainlySame(VDebugInfoNode& one, VDebugInfoNode& othe
            AreScopesCertainlySame(one.GetParent(), other.GetParent());
 }
 
-/// Looks at no more scopes than enter a text.
+/// Compares no more scopes than a text contains.
 bool TypeNameBuilder::AreScopesCertainlySame(VDebugInfoNode* parent, VDebugInfoNode* otherParent) {
     VDebugInfoNode* one = parent;
     VDebugInfoNode* other = otherParent;

@@ -1,6 +1,6 @@
 // The canonical text of a type, by which the same type is recognised in different units. It also
-// becomes the name of a class template's instance. Builds the text and nothing else; called by the
-// grouping of types.
+// becomes the name of a class template's instance. Only builds the text; called by the grouping of
+// types.
 #pragma once
 
 #include "dwarf/codes/DwarfConstants.h"
@@ -17,25 +17,25 @@ class VDebugInfoNode;
 
 /// Builder of the type texts of one tree, one after the other.
 ///
-/// Modifiers read from left to right from the outermost, scopes stand in front, template arguments
-/// and parameters behind. Chains are followed 33 nodes deep, scopes to a depth of 10; what lies
-/// beyond is left out. Each operation adds to `out` and stops adding when `out` has reached the
-/// limit of the builder, so that template arguments that name their own template many times over
-/// can't make the text grow without bound.
+/// Modifiers read from left to right from the outermost; scopes precede, template arguments and
+/// parameters follow. Chains are followed 33 nodes deep, scopes to a depth of 10; the rest is left
+/// out. Each operation appends to `out` and stops when `out` has reached the builder's limit:
+/// otherwise template arguments that name their own template many times could make the text grow
+/// without bound.
 class TypeNameBuilder {
 public:
-    /// @param limit length in characters from which on nothing is added
+    /// @param limit length in characters after which nothing is added
     explicit TypeNameBuilder(std::size_t limit)
         : mLimit(limit) {}
 
-    /// Another limit for the texts to come.
+    /// Sets the limit for the next texts.
     void SetLimit(std::size_t limit) { mLimit = limit; }
 
-    /// The text of the type that the node is. The node may be null.
+    /// Appends the text of the type that the node is. The node may be null.
     /// @param withRecordNumbers add record numbers and the names of template parameters
     void AppendTypeName(VDebugInfoNode* node, int depth, std::string& out, bool withRecordNumbers);
-    /// The two parts of the text of a type that is no modifier; the first is the same for all
-    /// children of one node.
+    /// Append the two parts of the text of a type that is not a modifier; the first is the same for
+    /// all children of one node.
     void AppendScopes(const VDebugInfoNode& node, std::string& out) {
         AppendScopePrefix(&node, 1, out, false);
     }
@@ -45,21 +45,21 @@ public:
     /// Number of template argument lists that were added so far. A text without any doesn't depend
     /// on the limit.
     [[nodiscard]] std::size_t GetArgumentListCount() const { return mArgumentListCount; }
-    /// A fast proof that two grouped types have the same text, by their names and scopes alone.
+    /// A fast proof that two grouped types have the same text, by their names and scopes only.
     /// False proves nothing.
     bool AreCertainlySame(VDebugInfoNode& one, VDebugInfoNode& other);
-    /// The scopes of a node, each with its separator.
+    /// Appends the scopes of a node, each with its separator.
     void AppendScopePrefix(const VDebugInfoNode* node, int depth, std::string& out,
                            bool withRecordNumbers);
-    /// The template arguments of a node in angle brackets.
+    /// Appends the template arguments of a node in angle brackets.
     void AppendTemplateParameters(const VDebugInfoNode& node, int depth, std::string& out,
                                   bool withRecordNumbers);
-    /// The parameter types of a function type in parentheses, and a blank.
+    /// Appends the parameter types of a function type in parentheses, and a blank.
     void AppendParameterList(const VDebugInfoNode& node, int depth, std::string& out,
                              bool withRecordNumbers);
 
 private:
-    /// What a walk over the children of a node looks for.
+    /// What a walk over the children of a node collects.
     enum class Parameters { OfTemplate, OfFunction };
 
     static bool IsParameter(dwarf_tag tag, Parameters kind);
@@ -81,9 +81,9 @@ private:
 
     std::size_t mLimit;
     std::size_t mArgumentListCount = 0;
-    /// The latest nodes whose children have the same scopes.
+    /// The latest pair of nodes whose children have the same scopes.
     std::pair<const VDebugInfoNode*, const VDebugInfoNode*> mSameScopes;
-    /// Parameters of nodes with very many children, found once however many texts name the node.
+    /// Parameters of nodes with very many children, collected once for all texts with the node.
     std::map<std::pair<const VDebugInfoNode*, Parameters>, std::vector<VDebugInfoNode*>>
         mKnownParameters;
 };

@@ -13,12 +13,12 @@ class VDebugInfoNode;
 struct VCompileUnitHeader {
     /// File position of the unit's first byte.
     std::uint32_t mFilePos = 0;
-    /// Section offset of the unit's first byte, in 32 bits. Units of `.debug_types` have theirs
-    /// behind all of `.debug_info`.
+    /// Section offset of the unit's first byte, in 32 bits. Units of `.debug_types` count on after
+    /// all of `.debug_info`.
     std::uint32_t mSectionOffset = 0;
-    /// Whole unit in bytes, its length field included.
+    /// Size of the whole unit in bytes, its length field included.
     std::uint32_t mLength = 0;
-    /// Bytes in front of the first entry, the length field included.
+    /// Bytes before the first entry, the length field included.
     std::uint32_t mHeaderSize = 0;
     /// Set while the unit is being read, else null. Borrowed.
     VCompileUnitReader* mUnitReader = nullptr;
@@ -27,11 +27,11 @@ struct VCompileUnitHeader {
     std::int32_t mDwarfVersion = 0;
     /// Offset of the unit's abbreviations in `.debug_abbrev`, low 32 bits.
     std::uint32_t mAbbrevOffset = 0;
-    /// Of type units: the signature of the type.
+    /// For type units: the signature of the type.
     std::uint64_t mTypeSignature = 0;
-    /// Of type units: unit offset of the type, else 0.
+    /// For type units: unit offset of the type, else 0.
     std::uint32_t mTypeOffset = 0;
-    /// Place in the list of units, from 0.
+    /// Index in the list of units, from 0.
     std::uint32_t mIndex = 0;
     /// Some entries of the unit have no nodes, see `CodeEntry` and `BodyEntry`.
     bool mHasPassedEntries = false;

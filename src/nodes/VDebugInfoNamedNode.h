@@ -1,11 +1,11 @@
-// The nodes that keep the name of their debug entry, and those of them that add nothing else.
+// The nodes that keep the name of their debug entry, and those that add nothing else.
 #pragma once
 
 #include "nodes/VDebugInfoNode.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// A node with the name of its debug entry. Nodes of other classes ignore it.
+/// A node with the name of its debug entry. Nodes of other classes ignore the name.
 class VDebugInfoNamedNode : public VDebugInfoNode {
 public:
     VDebugInfoNamedNode(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,
@@ -65,8 +65,8 @@ public:
                            bool& alreadyRegistered) override;
 };
 
-/// An entry of any tag that has no class of its own: const, volatile, formal parameters, vendor
-/// tags. Stages tell them apart by the tag.
+/// An entry of a tag that has no class of its own: const, volatile, formal parameters, vendor tags.
+/// Stages distinguish them by the tag.
 class VDebugInfoNodeGeneral : public VDebugInfoNamedNode {
 public:
     using VDebugInfoNamedNode::VDebugInfoNamedNode;
@@ -75,7 +75,7 @@ public:
     static bool IsWideTag(dwarf_tag tag) { return tag >= kWideTag; }
 };
 
-/// An entry of a tag that doesn't fit the 16 bits that all standard and vendor tags fit.
+/// An entry whose tag doesn't fit in 16 bits; all standard and vendor tags do.
 class VDebugInfoNodeOfWideTag final : public VDebugInfoNodeGeneral {
 public:
     VDebugInfoNodeOfWideTag(dwarf_tag tag, std::uint32_t sectionOffset, VCompileUnitHeader* header,

@@ -92,7 +92,7 @@ void VDebugInfoNode::ConvertBitOffset() {
     const std::int32_t resolvedSize = GetResolvedByteSize(isAddressSize);
     const auto storageSize =
         static_cast<std::uint32_t>(resolvedSize > 0 ? resolvedSize : mByteSize);
-    // In 32 bits, since a field that begins before its storage has a negative offset as read.
+    // In 32 bits: a field that begins before its storage was read with a negative offset.
     const std::uint32_t bitOffset = storageSize * 8 - GetBitOffset() - GetBitSize();
     if (static_cast<std::int32_t>(bitOffset) >= 0) {
         SetBitOffset(bitOffset);

@@ -1,6 +1,6 @@
-// The in-memory form of one debug entry (DIE): the base class of all nodes. Every stage behind the
-// decoding of entries works through its operations; it carries each field that any entry can fill,
-// so that nobody has to ask a node for its class. Nodes live in the arena of their tree and own
+// The in-memory form of one debug entry (DIE): the base class of all nodes. Every stage after the
+// decoding of entries works through its operations. It has each field that any entry can fill, so
+// that nobody needs to know the class of a node. Nodes live in the arena of their tree and own
 // nothing.
 #pragma once
 
@@ -36,16 +36,16 @@ struct EmissionInputs;
 
 using DataModel::ObjectId;
 
-/// Numbers the scopes that lexical blocks outside of any subprogram make. Runs on over all reads.
+/// Numbers the scopes of lexical blocks outside any subprogram. Continues over all reads.
 extern std::uint32_t nGlobalLexicalBlockCounter;
 
-/// Links that a chain of types, specifications or scopes is followed for by questions that need no
-/// exact end; longer ones occur in damaged files only.
+/// Most links of a chain of types, specifications or scopes that queries without an exact end
+/// follow; only damaged files have longer chains.
 constexpr int sMaximumChainLength = 1000;
 
-/// What a bit offset counts from, as the entry says it.
+/// The origin of a bit offset, as the entry gives it.
 enum class BitNumbering : std::uint8_t {
-    /// There is none.
+    /// There is no bit offset.
     Unsaid,
     /// The high-order bit of the storage.
     Storage,
@@ -53,7 +53,7 @@ enum class BitNumbering : std::uint8_t {
     Structure,
 };
 
-/// How the value of a node lies in its storage, of bit fields and scalar types alone.
+/// How the value of a node lies in its storage; only for bit fields and scalar types.
 struct VNodeStorage {
     std::uint32_t mBitOffset = 0;
     std::uint32_t mBitSize = 0;
@@ -63,7 +63,7 @@ struct VNodeStorage {
     BitNumbering mBitNumbering = BitNumbering::Unsaid;
 };
 
-/// The delivery of a node, of nodes that were asked for their object.
+/// The delivery of a node; only nodes whose object was requested have it.
 struct VNodeDelivery {
     ObjectId mEntryObject = 0;
     std::uint32_t mFrame : 30 = 0;
@@ -73,7 +73,7 @@ struct VNodeDelivery {
 
 /// Attributes that few nodes have, and the delivery of such a node.
 struct VNodeExtras : VNodeDelivery {
-    // NOLINTNEXTLINE(modernize-use-equals-default): of the union, a default would build neither
+    // NOLINTNEXTLINE(modernize-use-equals-default): a default would build no member of the union
     VNodeExtras() {}
 
     bool mHasLinkageName = false;
@@ -82,7 +82,7 @@ struct VNodeExtras : VNodeDelivery {
     VAttributeKind mSpecificationKind = VAttributeKind::Undefined;
     VAttributeKind mAccessibilityKind = VAttributeKind::Undefined;
     VNodeText mLinkageName;
-    /// Value of the specification attribute, once its entry is found that entry itself.
+    /// Value of the specification attribute; once its entry is found, the entry itself.
     union {
         std::uint32_t mSpecification = 0;
         VNodeLink<class VDebugInfoNode> mSpecificationNode;
@@ -100,8 +100,8 @@ struct VTypeGroupLinks {
 /// One debug entry.
 ///
 /// A node is a child of its parent from construction on. Links to other nodes are non-owning, and
-/// null where the reference did not resolve. An operation that a class of the family replaces is
-/// virtual; the base version of such a query answers 0, false, null or an empty value.
+/// null if the reference did not resolve. An operation that a class of the family replaces is
+/// virtual; the base version of such a query returns 0, false, null or an empty value.
 class VDebugInfoNode {
 public:
     /// Appends the node to the children of the parent, if there is one.
@@ -120,26 +120,26 @@ public:
     /// Section offset of the entry.
     [[nodiscard]] std::uint32_t GetOffset() const { return mOffset; }
     [[nodiscard]] VCompileUnitHeader* GetCompileUnitHeader() const { return mCompileUnitHeader; }
-    /// True for a bit field that doesn't tell the size of its storage, but counts from its
+    /// True for a bit field that doesn't give the size of its storage, but counts from its
     /// high-order bit.
     [[nodiscard]] bool IsBitFieldWithoutSize() const {
         return mHasExtras && mByteSize <= 0 && GetBitSize() != 0 &&
                GetBitNumbering() != BitNumbering::Structure;
     }
-    /// True for a bit field whose own type doesn't settle its size for certain. Where it lies
-    /// depends on whether entries before it, passed ones too, have settled the sizes of the types
-    /// behind that one. To be asked before any size is settled.
+    /// True for a bit field whose own type may not settle its size. Its place then depends on
+    /// whether entries before it, even passed ones, have settled the sizes of the types that this
+    /// type leads to. Call it before any size is settled.
     [[nodiscard]] bool DependsOnSizesBefore() const;
-    /// What the passes have to do at the node, as far as its attributes tell.
+    /// What the passes have to do at the node, as far as its attributes show.
     [[nodiscard]] NodeTask GetTasks() const;
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
     [[nodiscard]] std::int32_t GetTagRecord() const { return mTagRecord; }
-    /// Running number of the entry in the process, among those that have nodes or were passed.
+    /// Running number of the entry in the process, counting entries with nodes and passed ones.
     [[nodiscard]] std::int32_t GetNodeRecord() const { return mNodeRecord; }
     /// Takes the number of an entry that gets no node now.
     static std::uint32_t TakeNodeRecord() { return sNextNodeRecord++; }
     [[nodiscard]] static std::uint32_t NextNodeRecord() { return sNextNodeRecord; }
-    /// Gives the next node this number.
+    /// Sets the number of the next node.
     /// @return the number that it would have had
     static std::uint32_t SetNextNodeRecord(std::uint32_t number) {
         return std::exchange(sNextNodeRecord, number);
@@ -158,11 +158,11 @@ public:
     class ChildRange;
     [[nodiscard]] ChildRange Children() const;
     [[nodiscard]] VDebugInfoNode* FirstChild() const;
-    /// The child behind this one among the children of `parent`, null behind the last.
+    /// The next child of `parent` after this one, null after the last.
     [[nodiscard]] VDebugInfoNode* NextSiblingIn(const VDebugInfoNode& parent) const;
     /// Appends a node that is in no list of children, without touching its parent.
     void AddChild(VDebugInfoNode* child);
-    /// Takes out all children and gives them as a chain to `TakeNext`.
+    /// Takes out all children and returns them as a chain for `TakeNext`.
     VDebugInfoNode* DetachChildren();
     /// Cuts the first node off a detached chain; `chain` becomes the rest, null at its end.
     static VDebugInfoNode* TakeNext(VDebugInfoNode*& chain);
@@ -176,17 +176,17 @@ public:
     virtual void InitFromDie(const VDie2& die, VDwarf2Section& section);
     /// Turns offsets into links. A reference to the node itself is cut.
     virtual void ResolveReferences(const VDieNodeMap& nodes);
-    /// Finds the byte size of a node without one, from its type where it has one. Always true.
+    /// Finds the byte size of a node without one, from its type if it has one. Always true.
     bool ResolveByteSize(const VDieNodeMap& nodes);
-    /// Cuts the links of the node if a chain of types or specifications leads from it back to it.
+    /// Cuts the links of the node if a chain of types or specifications leads back to it.
     /// @return true if a link was cut
     bool BreakReferenceCycles(ReferenceCycles& cycles);
-    /// Address encodings become signed ones. Always true.
+    /// Turns address encodings into signed ones. Always true.
     bool NormalizeEncoding();
-    /// Byte size, bit offset and encoding in their final form. Always true.
+    /// Brings byte size, bit offset and encoding to their final form. Always true.
     virtual bool ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section);
-    /// Turns the bit offset, which counts from the most significant bit of the storage, into one
-    /// that counts from the least significant bit.
+    /// Converts the bit offset, which counts from the most significant bit of the storage, to count
+    /// from the least significant bit.
     void ConvertBitOffset();
 
     /// @}
@@ -205,15 +205,15 @@ public:
     /// True if the name given to the host was made by the reader.
     [[nodiscard]] bool HasAnonymousName() const { return mHasAnonymousName; }
     void SetAnonymousName(bool isAnonymous) { mHasAnonymousName = isAnonymous; }
-    /// The name for the host. `out` stays as it is where the specification should tell the name and
-    /// can't.
+    /// The name for the host. `out` doesn't change if the specification should have the name and
+    /// doesn't.
     void GetEntryName(std::string_view& out, VDwarf2Section& section);
     [[nodiscard]] virtual const char* GetDefaultName() const { return "<unnamed-entry>"; }
-    /// The name, or "<anonymous>" where there is none.
+    /// The name, or "<anonymous>" if there is none.
     [[nodiscard]] std::string_view GetNameOrAnonymous() const;
-    /// The name's text, or null where there is none.
+    /// The name's text, or null if there is none.
     [[nodiscard]] const char* GetNameOrNull() const;
-    /// Takes the next number of a lexical block's owner as name.
+    /// Makes a name with the next number of a lexical block's owner.
     void GetLexicalBlockName(std::string& out);
     virtual std::uint32_t GetNextLexicalBlockNumber() { return 0; }
     [[nodiscard]] VAttributeString GetLinkageNameAttribute() const;
@@ -222,55 +222,55 @@ public:
     /// @name Links
     /// @{
 
-    /// Section offset that the type attribute names, 0 if there is none.
+    /// Section offset in the type attribute, 0 if there is none.
     [[nodiscard]] std::uint32_t GetTypeReferenceOffset() const {
         return mIsTypeResolved ? mTypeNode->GetOffset() : mTypeReferenceOffset;
     }
-    /// The type; the definition in place of a declaration that was resolved to one.
+    /// The type; instead of a resolved declaration, its definition.
     [[nodiscard]] VDebugInfoNode* GetTypeNode() const;
-    /// The reference becomes one to this node.
+    /// Makes the type reference lead to this node.
     void SetTypeNode(VDebugInfoNode& node) {
         std::construct_at(&mTypeNode, &node);
         mIsTypeResolved = true;
     }
     [[nodiscard]] VAttributeValue GetSpecificationAttribute() const;
-    /// The entry that this one completes; a definition in place of a resolved declaration.
+    /// The entry that this one completes; instead of a resolved declaration, its definition.
     [[nodiscard]] VDebugInfoNode* GetSpecificationNode() const;
-    /// The type, or the specification of a node without type; null if it has neither.
+    /// The type, or the specification of a node without a type; null if it has neither.
     [[nodiscard]] VDebugInfoNode* GetTypeOrSpecificationNode() const;
-    /// The reference becomes one to this node. For nodes that have a specification attribute; no
-    /// others keep the link.
+    /// Makes the specification reference lead to this node. Only for nodes with a specification
+    /// attribute; others don't keep the link.
     void SetSpecificationNode(VDebugInfoNode& node);
     /// Cuts the link to the specification, and the reference with it.
     void ClearSpecification();
-    /// True for an entry that has no link to the one that it completes, though it names one.
+    /// True for an entry that refers to one that it completes, but has no link to it.
     [[nodiscard]] bool LacksSpecification() const;
-    /// True if the specification came as abstract origin, whether or not it is found.
+    /// True if the specification is an abstract origin, whether or not it is found.
     [[nodiscard]] bool IsInstance() const;
-    /// The entry that this one is an instance of: the specification, if it came as abstract origin.
+    /// The entry that this one is an instance of: the specification, if it is an abstract origin.
     [[nodiscard]] VDebugInfoNode* GetAbstractOriginNode() const;
     /// Cuts the link to the type, and the reference with it.
     void ClearType();
     /// For a declaration: the definition that stands in for it.
     [[nodiscard]] VDebugInfoNode* GetDeclarationResolved() const;
-    /// For class, structure, union and typedef nodes; no others keep the link.
+    /// Only for class, structure, union and typedef nodes; others don't keep the link.
     void SetDeclarationResolved(VDebugInfoNode* definition);
     /// The node that represents all types of this name.
     [[nodiscard]] VDebugInfoNode* GetCanonicalTypeNode() const;
-    /// For class, structure, union and typedef nodes; no others keep the link.
+    /// Only for class, structure, union and typedef nodes; others don't keep the link.
     void SetCanonicalTypeNode(VDebugInfoNode* node);
     /// The base type at the end of the type chain, or null. Pointers and references end the chain.
     [[nodiscard]] VDebugInfoNode* GetBaseTypeNode();
     /// The class, structure or union at the end of the type chain, or the chain's last node.
     [[nodiscard]] VDebugInfoNode* FindStructuredTypeNode();
-    /// The type behind typedefs and qualifiers, null if there are none or far too many.
+    /// The type without typedefs and qualifiers, null if there is none or the chain is too long.
     [[nodiscard]] VDebugInfoNode* GetPlainTypeNode() const;
-    /// True if the type has a name attribute and the name of this node.
+    /// True if the type has a name attribute with the name of this node.
     [[nodiscard]] bool IsTypedefOfSameName() const;
     virtual VDebugInfoNodeArray* AsArrayNode() { return nullptr; }
     [[nodiscard]] virtual VDebugInfoNode* GetFirstKindOfCompileUnit() const { return nullptr; }
     virtual void SetFirstKindOfCompileUnit(VDebugInfoNode* /*node*/) {}
-    /// Takes note that another unit imports this one.
+    /// Records that another unit imports this one.
     virtual void SetImported() {}
     virtual void AddInheritance(VDebugInfoNode* /*node*/) {}
 
@@ -283,8 +283,8 @@ public:
     void SetByteSize(std::int32_t byteSize);
     [[nodiscard]] virtual bool HasByteSize() const { return mHasByteSize; }
     [[nodiscard]] bool IsByteSizeFromTypeReference() const { return mByteSizeFromTypeReference; }
-    /// The own size if it is positive, else that of the type.
-    /// @param isAddressSize set if the size is that of an address; else left alone
+    /// The own size if it is positive, else the size of the type.
+    /// @param isAddressSize set if the size is that of an address; else unchanged
     [[nodiscard]] std::int32_t GetResolvedByteSize(bool& isAddressSize) const;
     [[nodiscard]] std::uint32_t GetEncoding() const;
     [[nodiscard]] bool HasEncoding() const;
@@ -293,13 +293,13 @@ public:
     [[nodiscard]] std::uint32_t GetBitOffset() const;
     [[nodiscard]] std::uint32_t GetBitSize() const;
     [[nodiscard]] BitNumbering GetBitNumbering() const;
-    /// True for a type whose bytes lie in the order that the target doesn't have.
+    /// True for a type whose bytes are in the order opposite to the target's.
     [[nodiscard]] bool HasOtherByteOrder() const;
-    /// For nodes that have extras; no others keep the value.
+    /// Only for nodes with extras; others don't keep the value.
     void SetBitOffset(std::uint32_t bitOffset);
     void SetBitSize(std::uint32_t bitSize);
     [[nodiscard]] bool IsBitFieldFromLocation() const { return mBitFieldFromLocation; }
-    /// The dimensions as text; one blank for what is no array.
+    /// The dimensions as text; one blank for a node that is no array.
     [[nodiscard]] virtual std::string GetArrayDimensionText() const { return " "; }
 
     /// @}
@@ -312,7 +312,7 @@ public:
     [[nodiscard]] bool HasTemplateParameters() const { return mHasTemplateParameters; }
     void SetHasTemplateParameters(bool hasThem) { mHasTemplateParameters = hasThem; }
     [[nodiscard]] VAttributeValue GetAccessibilityAttribute() const;
-    /// The value of nodes that have no such attribute.
+    /// The value for nodes without such an attribute.
     static constexpr VAttributeValue sEmptyAttributeValue{};
     [[nodiscard]] virtual VAttributeValue GetConstValueAttribute() const {
         return sEmptyAttributeValue;
@@ -331,7 +331,7 @@ public:
     [[nodiscard]] virtual bool HasLocation() const { return false; }
     [[nodiscard]] virtual bool IsRegisterOrStackLocation() const { return false; }
     [[nodiscard]] virtual bool IsAddressFromSymbolTable() const { return false; }
-    /// True if an address of 0 is known to be right.
+    /// True if an address of 0 is known to be correct.
     [[nodiscard]] virtual bool IsAddressConfirmed() const { return false; }
     virtual void ConfirmAddress() {}
     /// The variable has no place in the image.
@@ -352,28 +352,28 @@ public:
         const VNodeDelivery* delivery = mAside;
         return delivery != nullptr ? delivery->mEntryObject : 0;
     }
-    /// For nodes whose delivery has begun, as the other setters of the delivery are.
+    /// Like all setters of the delivery, only for nodes whose delivery has begun.
     void SetEntryObject(ObjectId object) { mAside->mEntryObject = object; }
-    /// Makes room for what is known of the delivery.
+    /// Makes room for the state of the delivery.
     void BeginDelivery(VNodeArena& arena) {
         if (mAside == nullptr) {
             mAside = arena.Create<VNodeDelivery>();
         }
     }
-    /// True if the children look up to this node for their scope.
+    /// True if this node is the scope of its children's objects.
     [[nodiscard]] virtual bool IsEntryScope() const { return false; }
     /// The node that is the scope of this one's object, null for the global namespace.
     [[nodiscard]] VDebugInfoNode* FindScopeNode() const;
     /// The node's object, delivered now if it wasn't yet; 0 if the node delivers none.
     ObjectId GetOrCreateEntryObject(VDwarf2Section& section, VCLIFactoryWrapper& factory,
                                     const char* label);
-    /// Makes the object from what the delivery has at hand: the guard against re-entry, the name
-    /// and the factory call.
+    /// Makes the object from the delivery's inputs: the guard against re-entry, the name and the
+    /// factory call.
     /// @param id the object, if the result is true
     /// @param alreadyRegistered true if the object belongs to another node
     virtual bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
                                    ObjectId& id, bool& alreadyRegistered);
-    /// Place of the node's innermost delivery in progress, 0 if there is none.
+    /// Index of the node's innermost delivery in progress, 0 if there is none.
     [[nodiscard]] std::uint32_t GetEmissionFrame() const {
         const VNodeDelivery* delivery = mAside;
         return delivery != nullptr ? delivery->mFrame : 0;
@@ -381,13 +381,13 @@ public:
     void SetEmissionFrame(std::uint32_t frame) { mAside->mFrame = frame & kLargestFrame; }
     static constexpr std::uint32_t kLargestFrame = (1U << 30U) - 1;
 
-    /// True if the host gave no object when it was asked for one; it isn't asked again.
+    /// True if the host returned no object on request; it isn't asked again.
     [[nodiscard]] bool IsDeliveryRefused() const {
         const VNodeDelivery* delivery = mAside;
         return delivery != nullptr && delivery->mIsRefused;
     }
     void SetDeliveryRefused() { mAside->mIsRefused = true; }
-    /// True for a variable that the host has already from another node.
+    /// True for a variable that the host already has from another node.
     [[nodiscard]] bool IsDropped() const {
         const VNodeDelivery* delivery = mAside;
         return delivery != nullptr && delivery->mIsDropped;
@@ -399,10 +399,10 @@ public:
     /// Implemented in nodes/NodeDump.
     /// @{
 
-    /// Writes all about the node, as the dump of a tree has it.
-    /// @param count place in the dump, from 1
+    /// Writes everything about the node, in the form of the dump of a tree.
+    /// @param count position in the dump, from 1
     void DumpWithHead(std::ostream& stream, int count) const;
-    /// Writes the lines that tell what the node knows, each behind the indent.
+    /// Writes the lines with what is known about the node, each after the indent.
     virtual void Dump(std::ostream& stream, const std::string& indent) const;
     /// Writes the node in one line without line end.
     virtual void DumpSummary(std::ostream& stream) const;
@@ -412,7 +412,7 @@ public:
     /// The search itself is in emit/ReferenceCycles.
     /// @{
 
-    /// How far the search has come with the chain that begins here.
+    /// How far the search has followed the chain that begins here.
     enum class WalkState : std::uint8_t { Unseen, Walking, Safe, OnCycle };
 
     [[nodiscard]] WalkState GetTypeWalkState() const { return mTypeWalkState; }
@@ -423,25 +423,25 @@ public:
     /// @}
 
 protected:
-    /// Takes over what another node of the same class says, its delivery apart.
+    /// Copies the contents of another node of the same class, except its delivery.
     void CopyFrom(const VDebugInfoNode& other, VNodeArena& arena);
 
-    /// What a node starts with when it has no size: asks for the size of its type.
+    /// Initial state of a node without a size: asks for the size of its type.
     enum class SizeSource { Known, Type, None };
 
-    /// Where `ResolveByteSize` takes a missing size from; a source other than the type is used at
-    /// once.
+    /// Where `ResolveByteSize` takes a missing size from; a source other than the type is used
+    /// immediately.
     virtual SizeSource PrepareByteSize(const VDieNodeMap& nodes);
-    /// Takes the size of the type, which is settled by now.
+    /// Takes the size of the type, which is settled already.
     virtual void TakeByteSizeOfType(const VDebugInfoNode& type);
 
-    /// Tags from this one on are kept by nodes of `VDebugInfoNodeOfWideTag`.
+    /// From this tag on, tags are kept by nodes of `VDebugInfoNodeOfWideTag`.
     static constexpr std::uint16_t kWideTag = 0xFFFF;
     [[nodiscard]] virtual dwarf_tag GetWideTag() const { return kWideTag; }
-    /// Null for nodes of tags that aren't grouped.
+    /// Null for nodes whose tags aren't grouped.
     virtual VTypeGroupLinks* GetTypeGroupLinks() { return nullptr; }
     [[nodiscard]] virtual const VTypeGroupLinks* GetTypeGroupLinks() const { return nullptr; }
-    /// Takes note of a base class.
+    /// Records a base class.
     void SetHasInheritances() { mHasInheritances = true; }
     [[nodiscard]] bool HasInheritances() const { return mHasInheritances; }
 
@@ -464,9 +464,9 @@ private:
 
     static inline std::uint32_t sNextNodeRecord = 0;
 
-    // There are millions of nodes: what not all of them need lies elsewhere, and no byte is left
-    // unused. Links take 4 bytes, since they name a place in the arena. What the passes look at
-    // comes first, so that it mostly lies in one cache line:
+    // There are millions of nodes: what not all of them need is stored elsewhere, and no byte is
+    // unused. Links take 4 bytes, since they are offsets in the arena. The fields that passes read
+    // come first, so that they mostly lie in one cache line:
     //
     //      0  virtual table            28  unit header
     //      8  name                     32  parent
@@ -476,9 +476,9 @@ private:
     //     20  aside                    48  record of the entry
     //     24  byte size                52  record of the node
     //
-    // `mAside` leads to what few nodes have. A variable without specification has none until its
-    // delivery begins, and then a `VNodeDelivery`; a bit field has `VNodeExtras` from the start,
-    // which hold its storage and the room for its delivery.
+    // `mAside` leads to what few nodes have. A variable without specification has nothing there
+    // until its delivery begins, and then a `VNodeDelivery`; a bit field has `VNodeExtras` from the
+    // start, with its storage and room for its delivery.
     VNodeText mName;
     std::uint16_t mTag;
     bool mIsTypeResolved : 1 = false;
@@ -495,17 +495,17 @@ private:
     bool mHasInheritances : 1 = false;
     WalkState mTypeWalkState : 2 = WalkState::Unseen;
     WalkState mSpecificationWalkState : 2 = WalkState::Unseen;
-    /// Section offset of the type, once it is found the type itself.
+    /// Section offset of the type; once it is found, the type itself.
     union {
         std::uint32_t mTypeReferenceOffset = 0;
         VNodeLink<VDebugInfoNode> mTypeNode;
     };
-    /// The extras of the node, if it has any; else its delivery, once it begins.
+    /// The extras of the node, if it has any; else its delivery, once that begins.
     VNodeLink<VNodeDelivery> mAside;
     std::int32_t mByteSize = 0;
     VNodeLink<VCompileUnitHeader> mCompileUnitHeader;
     VNodeLink<VDebugInfoNode> mParent;
-    /// The next child of the parent; of the last child the first.
+    /// The next child of the parent; for the last child, the first.
     VNodeLink<VDebugInfoNode> mNextSibling;
     VNodeLink<VDebugInfoNode> mLastChild;
     std::uint32_t mOffset;
@@ -514,7 +514,7 @@ private:
 };
 static_assert(sizeof(void*) != 8 || sizeof(VDebugInfoNode) == 56);
 
-/// A view of the children of a node that ends with the next change of the list.
+/// A view of the children of a node, valid until the list changes.
 class VDebugInfoNode::ChildRange {
 public:
     class Iterator {

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::uint32_t sBitsPerByte = 8;
 
-/// The number that a bound gives, in 32 bits; none if it can't be used. A reference has to lead to
-/// a variable in memory, whose address then is the number.
+/// The number of a bound, in 32 bits; none if it can't be used. A reference must lead to a variable
+/// in memory, whose address then is the number.
 std::optional<std::uint32_t> BoundOf(const VAttributeValue& value, const VDieNodeMap& nodes) {
     if (!value.IsDefined()) {
         return std::nullopt;
@@ -111,7 +111,7 @@ VDebugInfoNodeArray::Extent VDebugInfoNodeArray::ExtentOf(std::int32_t elementSi
         }
         extent.bits *= subrange->GetDimension();
         extent.isDense = extent.isDense && !subrange->HasComputedPlace();
-        // That of the array is the one between its elements, in its innermost dimension.
+        // The stride of the array is the distance of its elements, in its innermost dimension.
         stride = 0;
     }
     return extent;

@@ -25,13 +25,13 @@ public:
     [[nodiscard]] VDebugInfoNode* GetUpperBoundNode() const { return mUpperBoundNode; }
     [[nodiscard]] VDebugInfoNode* GetCountNode() const { return mCountNode; }
 
-    /// Works out the number of elements from the bounds, which may be variables in memory.
+    /// Computes the number of elements from the bounds, which may be variables in memory.
     void ResolveDimension(const VDieNodeMap& nodes);
     /// Number of elements; 0 if the bounds give none.
     [[nodiscard]] std::uint32_t GetDimension() const { return mDimension; }
-    /// From one element of the dimension to the next, in bits; 0 if that isn't told.
+    /// Distance between elements of the dimension in bits; 0 if the entry doesn't give it.
     [[nodiscard]] std::uint64_t GetStrideInBits() const { return mStrideInBits; }
-    /// True if that is known at run time only.
+    /// True if that is known only at run time.
     [[nodiscard]] bool HasComputedPlace() const { return mHasComputedPlace; }
 
 private:
@@ -62,17 +62,17 @@ public:
     /// Each dimension as "[n]".
     [[nodiscard]] std::string GetArrayDimensionText() const override;
 
-    /// Takes note of a dimension that tells where its elements lie.
+    /// Records that a dimension says where its elements lie.
     void SetHasStrides() { mHasStrides = true; }
     /// Settles the dimensions, once.
     void ResolveArrayDimensions(const VDieNodeMap& nodes);
-    /// The dimensions; none before they are settled, and never none afterwards: an array without
+    /// The dimensions; empty before they are settled, never empty afterwards: an array without
     /// usable bounds has the single dimension 0.
     [[nodiscard]] std::vector<std::uint32_t> GetDimensions() const;
     /// Product of the dimensions in 32 bits; 0 before they are settled.
     [[nodiscard]] std::uint32_t GetTotalElementCount() const;
-    /// True if elements don't follow one another, each in bytes of its own: packed arrays, parts of
-    /// other arrays, and arrays that lie elsewhere. For arrays whose sizes are settled.
+    /// True if elements aren't adjacent, each in bytes of its own: packed arrays, parts of other
+    /// arrays, and arrays that lie elsewhere. For arrays whose sizes are settled.
     [[nodiscard]] bool HasScatteredElements() const;
 
 protected:
@@ -80,7 +80,7 @@ protected:
     void TakeByteSizeOfType(const VDebugInfoNode& type) override;
 
 private:
-    /// How much an array takes, and whether all of its elements follow one another.
+    /// The size of an array, and whether all its elements are adjacent.
     struct Extent {
         std::uint64_t bits;
         bool isDense;
@@ -90,15 +90,15 @@ private:
     void ForEachSubrange(Visitor&& visit) const;
     template <typename Visitor>
     void ForEachDimension(Visitor&& visit) const;
-    /// For arrays with strides; others need no more than the number of elements.
+    /// For arrays with strides; others only need the number of elements.
     [[nodiscard]] Extent ExtentOf(std::int32_t elementSize) const;
 
-    /// From one element to the next, in bits; 0 if that isn't told.
+    /// Distance between elements in bits; 0 if the entry doesn't give it.
     std::uint64_t mStrideInBits = 0;
     bool mHasDimensions = false;
     bool mIsColumnMajor = false;
     bool mHasComputedPlace = false;
-    /// The array or one of its dimensions tells a stride.
+    /// The array or one of its dimensions gives a stride.
     bool mHasStrides = false;
 };
 

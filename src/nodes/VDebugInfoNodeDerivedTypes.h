@@ -5,7 +5,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// A pointer. Without a size of its own it has that of an address.
+/// A pointer. Without a size of its own it has the size of an address.
 class VDebugInfoNodePointerType final : public VDebugInfoNode {
 public:
     VDebugInfoNodePointerType(std::uint32_t sectionOffset, VCompileUnitHeader* header,
@@ -17,7 +17,7 @@ protected:
     SizeSource PrepareByteSize(const VDieNodeMap& nodes) override;
 };
 
-/// A reference. Without a size of its own it has that of an address.
+/// A reference. Without a size of its own it has the size of an address.
 class VDebugInfoNodeReferenceType final : public VDebugInfoNode {
 public:
     VDebugInfoNodeReferenceType(std::uint32_t sectionOffset, VCompileUnitHeader* header,

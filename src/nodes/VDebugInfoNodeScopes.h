@@ -7,7 +7,7 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// The root of one unit. It has no parent. A partial unit is a scope unless another unit imports
-/// it: then what it holds belongs to several.
+/// it: then its contents belong to several units.
 class VDebugInfoNodeCompileUnit final : public VDebugInfoNamedNode {
 public:
     /// @param producer lives as long as the tree
@@ -52,7 +52,7 @@ public:
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-namespace>"; }
 };
 
-/// A function, defined or declared. It numbers the blocks in it.
+/// A function, defined or declared. It numbers the blocks within.
 class VDebugInfoNodeSubprogram final : public VDebugInfoNamedNode {
 public:
     VDebugInfoNodeSubprogram(std::uint32_t sectionOffset, VCompileUnitHeader* header,
@@ -67,8 +67,8 @@ private:
     std::uint32_t mLexicalBlockCounter = 0;
 };
 
-/// A lexical block. Only one directly in another block is a scope: what the outermost block of a
-/// function holds belongs to the function.
+/// A lexical block. Only a block directly in another block is a scope: the contents of a function's
+/// outermost block belong to the function.
 class VDebugInfoNodeBlock final : public VDebugInfoNode {
 public:
     VDebugInfoNodeBlock(std::uint32_t sectionOffset, VCompileUnitHeader* header,

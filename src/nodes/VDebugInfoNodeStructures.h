@@ -1,4 +1,4 @@
-// Classes, structures, unions, and what stands in them: members and base classes.
+// Classes, structures and unions, and their contents: members and base classes.
 #pragma once
 
 #include "nodes/VDebugInfoNamedNode.h"
@@ -13,11 +13,11 @@ public:
 
     [[nodiscard]] bool IsEntryScope() const override { return true; }
     [[nodiscard]] bool HasByteSize() const override { return true; }
-    /// Takes note of a base class; the node is a child already.
+    /// Records a base class; the node is a child already.
     void AddInheritance(VDebugInfoNode* /*node*/) override { SetHasInheritances(); }
     /// The first inheritance node among the children, null if there is none.
     [[nodiscard]] VDebugInfoNode* FirstInheritance() const;
-    /// The inheritance node behind this one, null behind the last.
+    /// The next inheritance node after this one, null after the last.
     [[nodiscard]] VDebugInfoNode* NextInheritance(const VDebugInfoNode& inheritance) const;
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-struct-base>"; }
     void DumpSummary(std::ostream& stream) const override;
@@ -63,12 +63,12 @@ public:
         : VDebugInfoNamedNode(DW_TAG_member, sectionOffset, header, parent, name) {}
 
     void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
-    /// Makes a member of another structure that says the same.
+    /// Makes an equal member of another structure.
     VDebugInfoNodeMember& CopyTo(VDebugInfoNode& parent, VNodeArena& arena) const;
     /// Offset in the enclosing object in bytes.
     [[nodiscard]] std::uint32_t GetMemberOffset() const override { return mMemberOffset; }
     void SetMemberOffset(std::uint32_t offset) override { mMemberOffset = offset; }
-    /// True if the entry told an offset.
+    /// True if the entry has an offset.
     [[nodiscard]] bool HasMemberOffset() const override { return mHasMemberOffset; }
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-member>"; }
 

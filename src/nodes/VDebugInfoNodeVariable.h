@@ -33,7 +33,7 @@ public:
         mIsRegisterOrStackLocation = true;
         mIsDiscarded = true;
     }
-    /// True if another variable of the same name and address stands for this one.
+    /// True if another variable of the same name and address represents this one.
     [[nodiscard]] bool IsRedundantDeclaration() const override { return mIsRedundantDeclaration; }
     void SetRedundantDeclaration(bool isRedundant) override {
         mIsRedundantDeclaration = isRedundant;

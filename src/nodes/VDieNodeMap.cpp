@@ -179,7 +179,7 @@ bool VDieNodeMap::IsReferredOnce(const VDebugInfoNode& node) const {
 }
 
 std::size_t VDieNodeMap::EntriesBefore(std::size_t place) const {
-    // Where entries are passed, they come in the order of their offsets.
+    // If entries are passed, they come in the order of their offsets.
     return mPassedCount == 0 ? place
                              : static_cast<std::uint32_t>(mNodes[place]->GetNodeRecord()) -
                                    static_cast<std::uint32_t>(mNodes.front()->GetNodeRecord());
@@ -215,7 +215,7 @@ void VDieNodeMap::MergeOutOfOrder() const {
     Merge(late);
 }
 
-/// Moves what is there in pieces, and looks at none of it: the nodes lie far apart.
+/// Moves the nodes in pieces, without reading any of them: the nodes lie far apart.
 void VDieNodeMap::Merge(std::span<VDebugInfoNode* const> late) const {
     std::vector<VDebugInfoNode*> added;
     std::vector<std::size_t> countsBefore;

@@ -1,8 +1,8 @@
-// The nodes of a section by the section offsets of their debug entries. All references are resolved
-// through it, and the passes walk it, whole or by the kind of node that they are for, in ascending
-// offset order.
+// The nodes of a section by the section offsets of their debug entries. It resolves all references,
+// and the passes walk it in ascending offset order, either whole or by the kind of node that
+// concerns them.
 //
-// Nodes are filed in a flat list, and a node is named by its place in it. For entries at the
+// Nodes are in a flat list, and a node is identified by its place in the list. For entries at the
 // section offsets 0x0b, 0x2d, 0x34, 0x52 and 0x59:
 //
 //     place         0      1      2      3      4
@@ -14,8 +14,8 @@
 //                 bytes 0x40 to 0x7f: bits 0x12, 0x19 set, first place 3
 //
 // The node at 0x59 is found without a search: stretch 0x59 / 64 = 1 has bit 0x59 % 64 = 0x19 set,
-// and one set bit (0x12) stands before it, so that its place is 3 + 1 = 4. A hash table would take
-// more memory, and miss the cache at each question.
+// and one set bit (0x12) precedes it, so its place is 3 + 1 = 4. A hash table would take more
+// memory, and every lookup would miss the cache.
 #pragma once
 
 #include "core/Prefetch.h"
@@ -33,20 +33,20 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// Nodes that are looked for among all others. A node is in one group or in none.
+/// Nodes that passes pick out from all others. A node is in at most one group.
 enum class NodeGroup : std::uint8_t {
     CompileUnits,
     Variables,
     /// See `IsGroupedType`.
     GroupedTypes,
     MembersAndEnumerations,
-    /// References to rvalues and pointers to members.
+    /// Rvalue references and pointers to members.
     OtherPointers,
     None
 };
 
-/// What the passes have to do at a node, told when it is filed: so a pass needs not look at nodes
-/// that it has nothing to do at. A set of bits.
+/// What the passes have to do at a node, known when it is added: a pass then skips all nodes that
+/// don't concern it. A set of bits.
 enum class NodeTask : std::uint8_t {
     None = 0,
     Name = 1,
@@ -62,8 +62,8 @@ constexpr NodeTask operator|(NodeTask left, NodeTask right) {
 /// Section offset of a debug entry to its node.
 ///
 /// Entries come in the order of reading, which is nearly always the order of offsets: the map is a
-/// flat table with an index over it, and only what comes out of order, as overlapping units do, is
-/// kept aside until the first question. Nodes are borrowed; they lie in an arena.
+/// flat table with an index over it. Only entries out of order, as in overlapping units, are kept
+/// aside until the first lookup. Nodes are borrowed; they lie in an arena.
 class VDieNodeMap {
 public:
     using Link = VNodeLink<VDebugInfoNode>;
@@ -83,18 +83,18 @@ public:
 
     /// Forgets all nodes, and the entries that have none.
     void Clear();
-    /// Adds a node under its offset. An offset that is there already keeps its first node.
+    /// Adds a node under its offset. If the offset is taken, its first node stays.
     void Insert(std::uint32_t sectionOffset, VDebugInfoNode* node);
-    /// Adds many nodes in ascending order of their offsets, of which none is there.
+    /// Adds many nodes in ascending order of their offsets, all of them new.
     void InsertAll(std::span<VDebugInfoNode* const> nodes);
 
-    /// Takes note of an entry that gets no node for now.
+    /// Counts an entry that gets no node for now.
     void Pass() { ++mPassedCount; }
-    /// An entry that was passed gets its node now.
+    /// Counts that a passed entry gets its node after all.
     void TakeBack() { --mPassedCount; }
     [[nodiscard]] std::size_t PassedCount() const { return mPassedCount; }
 
-    /// The node of exactly this offset, or null. Takes note that it is referred to.
+    /// The node of exactly this offset, or null. Records that it is referred to.
     [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const {
         VDebugInfoNode* node = FindUnpassed(sectionOffset);
         if (node == nullptr) {
@@ -104,54 +104,54 @@ public:
     }
     /// As `Find`, for callers that ignore passed entries.
     [[nodiscard]] VDebugInfoNode* FindUnpassed(std::uint32_t sectionOffset) const;
-    /// As `Find`, without taking note of anything.
+    /// As `Find`, but records nothing.
     [[nodiscard]] VDebugInfoNode* Peek(std::uint32_t sectionOffset) const;
 
-    /// The last node in front of an offset, null if there is none.
+    /// The last node before an offset, null if there is none.
     [[nodiscard]] VDebugInfoNode* LastBefore(std::uint32_t sectionOffset) const;
 
-    /// Counts an offset as asked for, without counting a reference to it.
+    /// Records an offset as asked for, without counting a reference to it.
     void Announce(std::uint32_t sectionOffset) const {
         if (Peek(sectionOffset) == nullptr) {
             mMissing.push_back(sectionOffset);
         }
     }
     [[nodiscard]] std::size_t MissingCount() const { return mMissing.size(); }
-    /// Offsets that `Find` was asked for and has no node of, since they were taken last.
+    /// Offsets that `Find` was asked for without having their node, since the last call.
     [[nodiscard]] std::vector<std::uint32_t> TakeMissing() const {
         return std::exchange(mMissing, {});
     }
     void ForgetMissing() const { mMissing.clear(); }
 
-    /// Takes note that a node of the map is referred to by a link that `Find` did not give.
+    /// Records that a node of the map is referred to by a link that `Find` did not resolve.
     void NoteReferred(const VDebugInfoNode& node) const;
     void NoteReferred(std::uint32_t sectionOffset) const {
         static_cast<void>(FindUnpassed(sectionOffset));
     }
 
-    /// Takes note of what is referred to by links that `Find` did not give.
-    /// @param stretch place of the 64 bytes of the section where the bits say what is referred to
+    /// Records references by links that `Find` did not resolve, for 64 bytes of the section.
+    /// @param stretch index of these bytes; the bits say which are referred to, once or again
     /// @return true if there is a node for each bit
     bool NoteReferred(std::size_t stretch, std::uint64_t once, std::uint64_t again) const;
-    /// While it is off, `Find` doesn't count what it finds as referred to.
+    /// While this is off, `Find` doesn't count what it finds as referred to.
     void CountReferences(bool isOn) { mCountsReferences = isOn; }
 
     /// Marks a node of the map as reached.
-    /// @return false if it was before, or is in no map
+    /// @return false if it was marked before, or is in no map
     bool Reach(const VDebugInfoNode& node) const;
 
-    /// True if one link at most is known to lead to a node of the map.
+    /// True if at most one link is known to lead to a node of the map.
     [[nodiscard]] bool IsReferredOnce(const VDebugInfoNode& node) const;
 
-    /// All nodes in ascending order of their offsets. The view ends with the next `Insert`.
+    /// All nodes in ascending order of their offsets. The view is valid until the next `Insert`.
     [[nodiscard]] std::span<const Link> InOffsetOrder() const;
 
-    /// Where the nodes of a group stand in `InOffsetOrder`, ascending. The view ends with the next
-    /// `Insert`.
+    /// Places in `InOffsetOrder` of the nodes of a group, ascending. The view is valid until the
+    /// next `Insert`.
     [[nodiscard]] std::span<const std::uint32_t> PlacesOf(NodeGroup group) const;
 
-    /// Calls `visit` with each of these places of `InOffsetOrder`, whose nodes it is going to look
-    /// at.
+    /// Calls `visit` with each of these places of `InOffsetOrder`, and prefetches the nodes, which
+    /// it is going to read.
     template <typename Visitor>
     void ForEachPlace(std::span<const std::uint32_t> places, Visitor&& visit) const {
         for (std::size_t index = 0; index < places.size(); ++index) {
@@ -168,7 +168,7 @@ public:
         ForEachPlace(PlacesOf(group), [&](std::uint32_t place) { visit(*mNodes[place]); });
     }
 
-    /// Calls `visit` with each node that a pass has this to do at, in ascending order of their
+    /// Calls `visit` with each node at which a pass has this task, in ascending order of their
     /// offsets.
     template <typename Visitor>
     void ForEachWith(NodeTask task, Visitor&& visit) const {
@@ -176,7 +176,7 @@ public:
         ForEachIf([task](NodeMarks marks) { return Has(marks, task); }, visit);
     }
 
-    /// Calls `visit` with each node that is known to be referred to and refers to others itself, in
+    /// Calls `visit` with each node that is known to be referred to and has references itself, in
     /// ascending order of their offsets.
     template <typename Visitor>
     void ForEachReferredAndReferring(Visitor&& visit) const {
@@ -188,11 +188,11 @@ public:
             visit);
     }
 
-    /// Number of entries, the passed ones too.
+    /// Number of entries, including passed ones.
     [[nodiscard]] std::size_t Size() const {
         return mNodes.size() + mOutOfOrder.size() + mPassedCount;
     }
-    /// Number of entries before the node at a place of `InOffsetOrder`, the passed ones too.
+    /// Number of entries before the node at a place of `InOffsetOrder`, including passed ones.
     [[nodiscard]] std::size_t EntriesBefore(std::size_t place) const;
     /// See `VDebugInfoNode::IsBitFieldWithoutSize`.
     [[nodiscard]] bool HasBitFieldsWithoutSize() const { return mHasBitFieldsWithoutSize; }
@@ -201,7 +201,7 @@ public:
     static constexpr std::uint32_t kStretchSize = 64;
 
 private:
-    /// What is to be done at a node, and the marks below.
+    /// The tasks of a node, and the marks below.
     using NodeMarks = std::uint8_t;
     static constexpr NodeMarks kIsReached = 0x10;
     static constexpr NodeMarks kIsReferredAgain = 0x20;
@@ -211,7 +211,7 @@ private:
         return (marks & static_cast<NodeMarks>(task)) != 0;
     }
 
-    /// Nodes that walks ask for ahead.
+    /// How many nodes ahead walks prefetch.
     static constexpr std::size_t kNodesAhead = 16;
 
     BRINDLE_FETCHES void Prefetch(std::size_t place) const {
@@ -230,8 +230,8 @@ private:
         }
     }
 
-    /// 64 bytes of the section: a bit for each byte where an entry begins, in two halves, and the
-    /// place of the first entry in or behind them.
+    /// 64 bytes of the section: a bit for each byte at which an entry begins, in two halves, and
+    /// the place of the first entry in these bytes or after them.
     struct Stretch {
         std::array<std::uint32_t, 2> entryStarts{};
         std::uint32_t firstPlace = 0;
@@ -243,7 +243,7 @@ private:
 
     static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
     [[nodiscard]] std::size_t PlaceOf(std::uint32_t sectionOffset) const;
-    /// Of nodes in the flat table.
+    /// Counts nodes in the flat table.
     [[nodiscard]] std::size_t CountBefore(std::uint32_t sectionOffset) const;
     [[nodiscard]] bool HasEntryAt(std::uint32_t sectionOffset) const;
     void Append(VDebugInfoNode* node) const;
@@ -253,7 +253,7 @@ private:
     /// Merges nodes into the flat table.
     void Merge(std::span<VDebugInfoNode* const> late) const;
 
-    // Questions settle what insertions left open, hence mutable.
+    // Lookups complete what insertions left open, hence mutable.
     mutable std::vector<Link> mNodes;
     mutable std::map<std::uint32_t, VDebugInfoNode*> mOutOfOrder;
     mutable std::vector<Stretch> mStretches;

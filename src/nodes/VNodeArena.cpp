@@ -40,7 +40,7 @@ void VNodeArena::AddSlab(std::size_t size) {
     mSlabs.push_back(std::move(slab));
 }
 
-/// For what doesn't fit a chunk: one of its own, of which the start is known by its number.
+/// For an object that doesn't fit a chunk: its own chunk, whose start is known by its number.
 void* VNodeArena::AllocateAlone(std::size_t size) {
     AddSlab(sizeof(ChunkHeader) + size);
     return Register(mSlabs.back().get(), sizeof(ChunkHeader) + size).next;

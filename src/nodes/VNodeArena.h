@@ -1,5 +1,5 @@
 // The memory of one node tree. Objects and texts are carved from large chunks and released all at
-// once; nothing in it is ever released alone, and no destructor runs.
+// once; no object is released on its own, and no destructor runs.
 #pragma once
 
 #include <array>
@@ -15,9 +15,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// Bump allocator of a node tree.
 ///
-/// Objects live in chunks that are known to the whole process by number, so that an object can be
-/// named by 32 bits, see `VNodeLink`. At most 32 GiB of objects exist at a time. Not for several
-/// threads.
+/// Objects live in chunks that are known to the whole process by number, so that 32 bits
+/// identify an object, see `VNodeLink`. At most 32 GiB of objects exist at a time. Not
+/// thread-safe.
 class VNodeArena {
 public:
     static constexpr std::size_t kChunkSize = std::size_t{1} << 20U;
@@ -48,18 +48,18 @@ private:
     friend class VNodeLink;
     friend class VNodeText;
 
-    /// Chunks come from the system this many at a time; memory that isn't used yet costs nothing.
+    /// The system provides this many chunks at a time; memory that isn't used yet costs nothing.
     static constexpr std::size_t kChunksPerSlab = 8;
     static constexpr std::size_t kMaximumChunkCount = std::size_t{1} << 15U;
     static constexpr unsigned kUnitBits = 17;
     static constexpr std::size_t kLargestObject = kChunkSize / 2;
 
-    /// Stands at the start of each chunk of objects.
+    /// Precedes the objects of each chunk.
     struct alignas(kAlignment) ChunkHeader {
         std::uint32_t number;
     };
 
-    /// What is left of a chunk.
+    /// The unused rest of a chunk.
     struct Space {
         std::byte* next = nullptr;
         std::byte* end = nullptr;
@@ -78,7 +78,7 @@ private:
     Space Register(std::byte* chunk, std::size_t size);
     void AddSlab(std::size_t size);
 
-    /// The number by which an object is known to the whole process; not 0.
+    /// The number that identifies an object in the whole process; not 0.
     static std::uint32_t NumberOf(const void* object) {
         const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(object) & (kChunkSize - 1);
         const std::byte* chunk = static_cast<const std::byte*>(object) - offset;
@@ -95,7 +95,7 @@ private:
     static inline std::array<std::byte*, kMaximumChunkCount> sChunks{};
 
     Space mObjects;
-    /// Texts lie apart, so that walks over objects don't pass them.
+    /// Texts are kept apart, so that walks over objects don't pass them.
     Space mTexts;
     struct SlabDeleter {
         void operator()(std::byte* slab) const {
@@ -109,8 +109,8 @@ private:
     std::vector<std::uint32_t> mChunkNumbers;
 };
 
-/// A pointer of 32 bits to an object that lies in an arena, or null. It halves the size of a tree
-/// whose nodes are mostly links.
+/// A 32-bit pointer to an object in an arena, or null. It halves the size of a tree whose nodes are
+/// mostly links.
 template <typename T>
 class VNodeLink {
 public:

@@ -1,5 +1,5 @@
-// The texts of nodes: names and linkage names. Nearly all lie in `.debug_str`, where they are left;
-// the rest lies in the arena of the tree.
+// The texts of nodes: names and linkage names. Nearly all are in `.debug_str` and stay there; the
+// rest is in the arena of the tree.
 #pragma once
 
 #include "nodes/VNodeArena.h"
@@ -19,7 +19,7 @@ public:
     static VNodeText AtOffset(std::uint32_t offsetInDebugStr) {
         return VNodeText(offsetInDebugStr + 1);
     }
-    /// A text that `VNodeArena::KeepText` gave.
+    /// A text from `VNodeArena::KeepText`.
     /// @throws std::bad_alloc if the arenas of the process have grown too large for it
     static VNodeText InArena(const char* text) {
         const std::uint32_t number = VNodeArena::NumberOf(text);
@@ -29,7 +29,7 @@ public:
         return VNodeText(number | kIsInArena);
     }
 
-    /// @param debugStr start of `.debug_str`, which must be that of the tree
+    /// @param debugStr start of the `.debug_str` of the tree
     [[nodiscard]] const char* Get(const char* debugStr) const {
         if ((mNumber & kIsInArena) != 0) {
             return reinterpret_cast<const char*>(VNodeArena::ObjectOf(mNumber & ~kIsInArena));
