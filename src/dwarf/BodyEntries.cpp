@@ -25,8 +25,8 @@ BodyEntry EntryOf(dwarf_tag tag, bool hasChildren) {
     }
 }
 
-/// True if the attribute leads to no other entry but the type, and nobody outside of the body asks
-/// for it.
+/// True if the attribute refers to no entry except the type, and nobody outside the body asks for
+/// it.
 bool IsOfBodyAlone(AttributeTarget target) {
     switch (target) {
     case AttributeTarget::None:
@@ -53,7 +53,7 @@ BodyEntryRule::BodyEntryRule(dwarf_tag tag, bool hasChildren)
 
 void BodyEntryRule::Take(AttributeTarget target, FormReading reading) {
     const bool tellsItsLength = reading != FormReading::Unknown && reading != FormReading::Indirect;
-    // Of members these make static ones, whose definition refers to them.
+    // They make members static ones, whose definition refers to them.
     const bool isDeclared =
         target == AttributeTarget::Declaration || target == AttributeTarget::External;
     const bool isAllowed = isDeclared ? mEntry == BodyEntry::Function : IsOfBodyAlone(target);
@@ -68,8 +68,8 @@ void BodyEntryRule::Take(AttributeTarget target, FormReading reading) {
 }
 
 BodyEntry BodyEntryRule::Result() const {
-    // A function that is more than declared may be what instances refer to. A bit field without
-    // storage depends on sizes that other entries settle.
+    // A function that is more than declared may have instances that refer to it. A bit field
+    // without storage depends on sizes that other entries settle.
     const bool isKept =
         (mEntry == BodyEntry::Function && !mIsDeclaration) || (mIsBitField && !mHasStorage);
     return isKept ? BodyEntry::Kept : mEntry;

@@ -1,6 +1,6 @@
 // Entries in the bodies of types: members, base classes, enumerators and functions that are only
-// declared there. In C++ they are most of what lies outside of functions, and a read without all
-// types delivers few of them. So the walk over a unit passes them at first:
+// declared there. In C++ they are most of what lies outside functions, and a read without all types
+// delivers few of them. So the walk over a unit first passes them, that is, makes no nodes:
 //
 //     variable "motor"  type Motor          a node
 //     structure_type "Motor"                a node, as every type
@@ -10,7 +10,7 @@
 //       subprogram "Start"  declaration     waits: a node only if something below gets one
 //         formal_parameter                  passed, see CodeEntries.h
 //
-// When the places of all variables are known, the bodies that they lead to are read, see
+// Once the places of all variables are known, the bodies to which they lead are read, see
 // `ReadReachedBodies`.
 #pragma once
 
@@ -28,11 +28,11 @@ class VDieNodeMap;
 enum class BodyEntry : std::uint8_t {
     /// They get nodes.
     Kept,
-    /// Passed by their length.
+    /// Skipped by their length.
     Passed,
-    /// A declared function. Passed by its length; gets a node as soon as a child does.
+    /// A declared function. Skipped by its length; gets a node as soon as a child does.
     Function,
-    /// Passed by their length where they stand in such a function: its template arguments.
+    /// Skipped by their length if they are in such a function: its template arguments.
     Argument,
 };
 
@@ -41,8 +41,8 @@ constexpr bool HasBody(dwarf_tag tag) {
     return IsAggregate(tag) || tag == DW_TAG_enumeration_type;
 }
 
-/// Finds out what an abbreviation is, attribute by attribute. An entry that others may have to know
-/// of is kept, and so is one whose length its abbreviation doesn't tell.
+/// Classifies an abbreviation, attribute by attribute. An entry that others may need is kept, and
+/// so is one whose length its abbreviation doesn't fix.
 class BodyEntryRule {
 public:
     BodyEntryRule(dwarf_tag tag, bool hasChildren);
@@ -50,7 +50,7 @@ public:
     void Take(AttributeTarget target, FormReading reading);
     /// False as soon as it is certain that entries are kept.
     [[nodiscard]] bool MayPass() const { return mEntry != BodyEntry::Kept; }
-    /// After the last attribute.
+    /// To be called after the last attribute.
     [[nodiscard]] BodyEntry Result() const;
 
 private:
@@ -61,7 +61,7 @@ private:
     bool mHasStorage = false;
 };
 
-/// The outermost type whose body may hold an offset at which there is no node; null if none does.
+/// The outermost type whose body may contain an offset without a node; null if none does.
 VDebugInfoNode* FindTypeAround(const VDieNodeMap& nodes, std::uint32_t offset);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

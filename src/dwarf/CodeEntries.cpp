@@ -67,7 +67,7 @@ CodeEntry WithAttribute(CodeEntry entry, dwarf_tag tag, AttributeTarget target,
     if (!TellsItsLength(reading)) {
         return CodeEntry::Kept;
     }
-    // A type counts how often it is referred to, and parameters of functions don't.
+    // References to a type are counted, except those of parameters of functions.
     if (target == AttributeTarget::Type && tag == DW_TAG_formal_parameter) {
         return CodeEntry::Parameter;
     }

@@ -1,19 +1,19 @@
 // The first walk over `.debug_info` and `.debug_types`: from unit header to unit header, with the
-// search for the next sound header where one makes no sense; and the loading of one unit.
+// search for the next sound header where one is implausible; and the loading of one unit.
 //
-// Each header tells the length of its unit, and the next unit begins behind it:
+// Each header has the length of its unit, and the next unit follows:
 //
 //     0x00  length 0x6b, version 4, abbreviations 0x00, address size 4     unit 0
 //     0x6f  length 0x52, version 4, abbreviations 0x3a, address size 4     unit 1
 //     0xc5  three bytes of 0, since the linker aligns units
 //     0xc8  length 0x40, version 4, abbreviations 0x71, address size 4     unit 2
 //
-// What stands at 0xc5 makes no sense as a header. So the candidate slides on byte by byte, as far
-// as the section's alignment allows. If that finds nothing, the section is damaged, and the option
-// `mTryReadCorruptedCompileUnits` decides: the read fails, or the search goes back from 0xc5 by up
-// to 39 bytes, in case unit 1 has too great a length, and then as far forward. What the search
-// accepts must be sound in every field. If it finds nothing either, the units so far are read and
-// the rest is given up.
+// The bytes at 0xc5 are implausible as a header. So the candidate slides on byte by byte, as far as
+// the section's alignment allows. If that finds nothing, the section is damaged, and the option
+// `mTryReadCorruptedCompileUnits` decides: either the read fails, or the search goes back from 0xc5
+// by up to 39 bytes, in case the length of unit 1 is too large, and then as far forward. A header
+// that the search accepts must be sound in every field. If it finds none, the units so far are read
+// and the rest is given up.
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"
@@ -37,7 +37,7 @@ constexpr std::int32_t HighestReadVersion(ReadingManner manner) {
     return manner == ReadingManner::Full ? 5 : 4;
 }
 
-/// Steps of the search: backwards up to the first number, then forwards up to the second.
+/// Steps of the search: backwards before the first number, then forwards up to the second.
 constexpr int sFirstForwardRetry = 40;
 constexpr int sLastRetry = 80;
 
@@ -158,7 +158,7 @@ private:
             return Step::Failed;
         }
         const HeaderVerdict verdict = mFormat.Read(mBuffer, mRange.section, unit);
-        // What a search comes across has to be sound in every respect.
+        // A header that a search finds must be sound in every field.
         if (verdict == HeaderVerdict::Implausible ||
             (verdict == HeaderVerdict::NotRead && mRetry != 0)) {
             return Step::NextCandidate;
@@ -191,7 +191,7 @@ private:
 
     /// @param total whole unit in bytes
     void MoveBehind(VCompileUnitHeader& unit, std::uint64_t total) {
-        // A length beyond 32 bits stays one that no buffer can load.
+        // A length beyond 32 bits becomes one that no buffer can load.
         unit.mLength = static_cast<std::uint32_t>(
             std::min<std::uint64_t>(total, std::numeric_limits<std::uint32_t>::max()));
         mPreviousStart = unit.mFilePos;
@@ -238,13 +238,13 @@ private:
     std::int64_t mPreviousStart;
     /// Distance of the candidate from the position.
     std::int64_t mPad = -1;
-    /// 0 while the candidate slides; else a count of the search.
+    /// 0 while the candidate slides; else the number of the search step.
     int mRetry = 0;
     std::int64_t mRetryBase = 0;
 };
 
-/// True if type units stand in a section of their own, as in DWARF 4. Targets whose `.debug_info`
-/// is compressed have none.
+/// True if type units are in a section of their own, as in DWARF 4. Targets whose `.debug_info` is
+/// compressed have none.
 bool HasTypeSection(const VElfFile& file) {
     return file.mManner == ReadingManner::Full && file.mSecDebugTypes.IsPresent() &&
            !file.mIsDsPicTarget;
@@ -295,7 +295,7 @@ bool VDwarf2Section::MapCompileUnits() {
                              BytesInFile(*mElfFile, mElfFile->mSecDebugInfo));
     }
     if (mLinkage == Linkage::NothingInPlace && mCompileUnits.size() > 1) {
-        // Only of the first unit it's sure where its abbreviations lie: at the section's start.
+        // Only the first unit's abbreviations certainly lie where it says: at the section's start.
         mCompileUnits.erase(mCompileUnits.begin() + 1, mCompileUnits.end());
     }
     if (outcome == MappingOutcome::Mapped) {

@@ -5,13 +5,13 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// What a value of a form says.
+/// What a value of a form is.
 enum class FormValue : std::uint8_t {
     /// A number, a text or a block.
     Plain,
     /// It refers to a debug entry.
     Reference,
-    /// Nothing that is at hand: it lies in another file, or is of no use.
+    /// Not available: it is in another file, or of no use.
     Absent,
 };
 
@@ -113,7 +113,7 @@ constexpr std::uint32_t sOffsetForms[] = {
     DW_FORM_strx4, DW_FORM_loclistx, DW_FORM_rnglistx,   DW_FORM_GNU_str_index,
 };
 
-/// The forms with the values of some absent.
+/// The table of forms with the values of some made absent.
 /// @param first code of the first of them
 template <std::size_t Count>
 constexpr auto Without(std::array<FormProperties, Count> forms,
@@ -183,7 +183,7 @@ constexpr auto sFullVendorTargets = std::to_array<VendorTarget>({
     {DW_AT_GNU_addr_base, AttributeTarget::AddressesBase},
 });
 
-/// What counts to lay out an array, and may be computed at run time.
+/// Attributes that determine the layout of an array, and may be computed at run time.
 constexpr bool IsOfArrayLayout(AttributeTarget target) {
     switch (target) {
     case AttributeTarget::LowerBound:
@@ -197,8 +197,8 @@ constexpr bool IsOfArrayLayout(AttributeTarget target) {
     }
 }
 
-/// True if the value is none in the file: an expression, a list of them, or, where a number is
-/// wanted for an array, a variable that has it.
+/// True if the file has no value: an expression, a list of them or, where an array needs a number,
+/// the variable that holds it.
 constexpr bool IsComputed(AttributeTarget target, FormProperties properties) {
     return IsBlock(properties.reading) ||
            (IsOfArrayLayout(target) && (properties.value == FormValue::Reference ||
@@ -206,7 +206,7 @@ constexpr bool IsComputed(AttributeTarget target, FormProperties properties) {
                                         properties.reading == FormReading::LocationListIndex));
 }
 
-/// What a computed value says to a target: mostly nothing.
+/// What a computed value means for a target: mostly nothing.
 constexpr AttributeTarget IfComputed(AttributeTarget target) {
     switch (target) {
     case AttributeTarget::LowerBound:

@@ -1,4 +1,4 @@
-// What the reader knows of attribute forms and attributes: how the value of a form is read, and
+// What the reader knows about attribute forms and attributes: how the value of a form is read, and
 // where the value of an attribute goes. Abbreviation tables are prepared with it; it reads nothing
 // itself.
 #pragma once
@@ -12,9 +12,9 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// How the value of a form is read (DWARF 5, 7.5.6). Forms that are read alike share one.
+/// How the value of a form is read (DWARF 5, 7.5.6). Forms that are read alike share one reading.
 enum class FormReading : std::uint8_t {
-    /// No form that the reader knows; consumes nothing.
+    /// A form that the reader doesn't know; consumes nothing.
     Unknown,
     /// A value that takes no bytes.
     Present,
@@ -29,7 +29,7 @@ enum class FormReading : std::uint8_t {
     Offset,
     /// A reference to an entry of any unit, as wide as an address.
     ReferenceAddress,
-    /// The same, as wide as an offset from DWARF 3 on.
+    /// A reference to an entry of any unit, as wide as an offset from DWARF 3 on.
     ReferenceAddressByVersion,
     UnsignedLeb128,
     SignedLeb128,
@@ -41,25 +41,25 @@ enum class FormReading : std::uint8_t {
     Block2,
     Block4,
     BlockLeb128,
-    /// The real form stands in front of the value.
+    /// The real form precedes the value.
     Indirect,
-    /// The value stands in the abbreviation.
+    /// The abbreviation holds the value.
     Constant,
     /// An offset into `.debug_line_str`.
     LineTextOffset,
-    /// Places in the unit's part of `.debug_str_offsets`, by the width of the index.
+    /// Indices in the unit's part of `.debug_str_offsets`, by the width of the index.
     TextIndex1,
     TextIndex2,
     TextIndex3,
     TextIndex4,
     TextIndexLeb128,
-    /// Places in the unit's part of `.debug_addr`, by the width of the index.
+    /// Indices in the unit's part of `.debug_addr`, by the width of the index.
     AddressIndex1,
     AddressIndex2,
     AddressIndex3,
     AddressIndex4,
     AddressIndexLeb128,
-    /// A place in the unit's part of `.debug_loclists`.
+    /// An index in the unit's part of `.debug_loclists`.
     LocationListIndex,
     /// The signature of a type, which leads to an entry of any unit.
     TypeSignature,
@@ -85,7 +85,7 @@ constexpr bool TakesNoBytes(FormReading reading) {
     return reading == FormReading::Present || reading == FormReading::Constant;
 }
 
-/// The bytes that a reading always takes; 0 where that depends on unit or value.
+/// The bytes that a reading always takes; 0 if that depends on unit or value.
 constexpr std::uint32_t FixedWidth(FormReading reading) {
     switch (reading) {
     case FormReading::OneByte:
@@ -114,7 +114,7 @@ constexpr std::uint32_t FixedWidth(FormReading reading) {
     }
 }
 
-/// Where the value of an attribute goes. Attributes that the reader has no use for are only passed.
+/// Where the value of an attribute goes. Attributes without use are skipped.
 enum class AttributeTarget : std::uint8_t {
     None,
     Location,
@@ -141,7 +141,7 @@ enum class AttributeTarget : std::uint8_t {
     Import,
     Signature,
     Endianity,
-    // Of arrays and their dimensions.
+    // For arrays and their dimensions.
     Ordering,
     BitStride,
     ByteStride,
@@ -149,7 +149,7 @@ enum class AttributeTarget : std::uint8_t {
     ComputedPlace,
     /// There is a lower bound, but it's computed at run time.
     ComputedLowerBound,
-    // Of units, see `VUnitFacts`.
+    // For units, see `VUnitFacts`.
     Language,
     SplitFile,
     TextOffsetsBase,
@@ -160,8 +160,8 @@ enum class AttributeTarget : std::uint8_t {
 /// True if values of the form refer to debug entries.
 bool IsReferenceForm(std::uint32_t form);
 
-/// How far the values of forms are those of the finished file. Linkers fill in offsets of sections
-/// and addresses; before, some formats have the offsets in place and others keep all aside.
+/// How complete the values of forms are. Linkers fill in offsets of sections and addresses; before
+/// that, some formats have the offsets in place, and others keep all values elsewhere.
 enum class Linkage : std::uint8_t { Linked, OffsetsInPlace, NothingInPlace };
 
 struct FormProperties;
@@ -171,14 +171,14 @@ struct VendorTarget;
 /// The forms and attributes of one manner of reading.
 class DieForms {
 public:
-    /// @param linkage doesn't matter in the classic manner
+    /// @param linkage ignored in the classic manner
     static const DieForms& Of(ReadingManner manner, Linkage linkage = Linkage::Linked);
 
     /// The tag under which entries of a tag are read.
     [[nodiscard]] dwarf_tag TagOf(dwarf_tag tag) const;
     [[nodiscard]] FormReading ReadingOf(std::uint32_t form) const;
     [[nodiscard]] AttributeTarget TargetOf(std::uint32_t attribute) const;
-    /// The target of an attribute that comes in this form; `None` if the value says nothing to it.
+    /// The target of an attribute with this form; `None` if the value is of no use for it.
     [[nodiscard]] AttributeTarget TargetOf(AttributeTarget target, std::uint32_t form) const;
 
 private:
@@ -196,15 +196,15 @@ private:
 
     [[nodiscard]] FormProperties PropertiesOf(std::uint32_t form) const;
 
-    /// By code.
+    /// Indexed by code.
     std::span<const FormProperties> mForms;
-    /// By code, from `sFirstVendorForm` on.
+    /// Indexed by code, from `sFirstVendorForm` on.
     std::span<const FormProperties> mVendorForms;
-    /// By code.
+    /// Indexed by code.
     std::span<const AttributeTarget> mTargets;
     std::span<const VendorTarget> mVendorTargets;
     std::span<const TagAlias> mTagAliases;
-    /// Where a number is wanted, blocks and references count as one.
+    /// Where a number is needed, blocks and references are taken as numbers.
     bool mTakesAllAsNumbers;
 };
 

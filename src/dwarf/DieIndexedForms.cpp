@@ -1,4 +1,4 @@
-// The forms whose values lie in tables that units share, and the attributes of a unit that tell
+// The forms whose values are in tables that units share, and the attributes of a unit that say
 // where its parts of them begin (DWARF 5, 7.5.6, 7.26 to 7.29).
 #include "container/VElfFile.h"
 #include "dwarf/UnitLanguage.h"
@@ -21,7 +21,7 @@ void VDie2::ReadUnitFacts() {
                                              : attribute;
             VDieFormValue value;
             const bool hasValue = ReadFormValue(direct, value);
-            // That there is a name says enough.
+            // That the attribute is present is enough.
             if (hasValue || direct.mAttribute == AttributeTarget::SplitFile) {
                 StoreUnitFact(direct.mAttribute, value);
             }
@@ -115,7 +115,7 @@ bool VDie2::ReadIndexedValue(FormReading reading, VDieFormValue& value) {
         value.mNumber = static_cast<std::uint32_t>(address.value_or(0));
         return address.has_value();
     }
-    // The list is a matter of locations.
+    // The list is resolved with the locations.
     case FormReading::LocationListIndex:
         value.mNumber = mBuffer->GetULEB128();
         return true;

@@ -1,5 +1,5 @@
-// How the walk over a unit passes the entries in the bodies of types, and how it reads a body after
-// all. Which entries these are is in BodyEntries.h.
+// How the walk over a unit passes the entries in the bodies of types, and how it reads a body
+// later. BodyEntries.h defines these entries.
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"

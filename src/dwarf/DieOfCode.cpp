@@ -1,5 +1,5 @@
 // How the walk over a unit passes the entries of code, and how it reads them after all when one of
-// them is referred to. Which entries these are is in CodeEntries.h.
+// them is referred to. CodeEntries.h defines these entries.
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
@@ -99,7 +99,7 @@ bool VDie2::MakeWaitingNodes() {
         return false;
     }
     VCompileUnitHeader* header = &mUnitReader->mHeader;
-    // Code stands in a function, which has a node. Searched from the inside: entries nest deeply.
+    // Code is in a function, which has a node. Searched from the inside, since entries nest deeply.
     auto waiting = mOpenEntries.end();
     while ((waiting - 1)->node == nullptr) {
         --waiting;

@@ -32,7 +32,7 @@ enum class Action : std::uint8_t { Invalid, Push, Subtract, Add, AddConstant, Bi
 struct LocationOperator {
     Action action = Action::Invalid;
     OperandKind operand = OperandKind::None;
-    /// Least index of the stack's top that the operator works with.
+    /// Lowest index of the stack's top with which the operator works.
     std::uint8_t leastTopInEntry = 0;
     std::uint8_t leastTopInList = 0;
 };
@@ -68,11 +68,11 @@ constexpr LocationOperators sFullOperators = [] {
     return operators;
 }();
 
-/// Bytes behind its expression that an operand may have in the classic manner. Only LEB128 could
-/// take more, and many expressions may name the same bytes.
+/// Bytes after its expression that an operand may take in the classic manner. Only LEB128 could
+/// take more, and many expressions may share the same bytes.
 constexpr std::int32_t sMaximumOverhang = 128;
 
-/// What an evaluation of the classic manner computes with.
+/// The arithmetic of an evaluation in the classic manner.
 struct ClassicNumbers {
     using Value = std::uint32_t;
     using SignedValue = std::int32_t;
@@ -81,13 +81,13 @@ struct ClassicNumbers {
     static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128(); }
     static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128(); }
     static Value CutToAddress(Value value, const VElfBuffer& /*buffer*/) { return value; }
-    /// Where operands end at the latest. The last one may pass the end of its expression.
+    /// The limit of operands. The last one may exceed the end of its expression.
     static std::int32_t EndOfOperands(std::int32_t end, const VElfBuffer& buffer) {
         return end + std::min(sMaximumOverhang, buffer.GetBufferLength() - end);
     }
 };
 
-/// The same in the full manner.
+/// The arithmetic of an evaluation in the full manner.
 struct FullNumbers {
     using Value = std::uint64_t;
     using SignedValue = std::int64_t;
@@ -95,8 +95,8 @@ struct FullNumbers {
 
     static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128In64Bits(); }
     static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128In64Bits(); }
-    /// A number below 0 wraps where the addresses of the target do. Those of 16 bits don't: such
-    /// targets page their memory, and compilers tell the page in higher bits.
+    /// A negative number wraps at the width of the target's addresses. Targets with 16 bits don't
+    /// wrap: they page their memory, and compilers put the page into higher bits.
     static Value CutToAddress(Value value, const VElfBuffer& buffer) {
         return buffer.GetADDRESSsize() == sizeof value ? value : value & 0xFFFFFFFFU;
     }
@@ -226,7 +226,7 @@ private:
         return static_cast<Value>(number);
     }
 
-    /// Many expressions may name the same bytes: none of them may read on for long behind its own.
+    /// Many expressions may share the same bytes: none of them may read far beyond its own.
     [[nodiscard]] bool HoldsLeb128() const {
         std::int32_t offset = mBuffer.GetOffset();
         while (offset < mEndOfOperands && mBuffer[offset] < 0) {
@@ -240,7 +240,7 @@ private:
     std::int32_t mEnd;
     std::int32_t mEndOfOperands;
     ExpressionPlace mPlace;
-    /// Element 0 stands for the address of the enclosing object.
+    /// Element 0 is the address of the enclosing object.
     std::array<Value, 128> mStack{};
     std::size_t mTop = 0;
     VLocationResult mResult;

@@ -12,26 +12,26 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class UnitAddresses;
 class VElfBuffer;
 
-/// Where an expression stands. The two places differ in a few operators.
+/// Where an expression comes from. Some operators differ between the two.
 enum class ExpressionPlace { Entry, LocationList };
 
-/// What an expression gave.
+/// The result of an expression.
 struct VLocationResult {
     /// False if the expression is not static.
     bool mIsValid = false;
     /// 0 unless valid. In the classic manner, and for targets with addresses of 32 bits, numbers
     /// have 32 bits.
     std::uint64_t mValue = 0;
-    /// A bit field was named, whether the rest is valid or not. In entries only.
+    /// A bit field was named, even if the rest is not valid. Only for `Entry`.
     bool mHasBitField = false;
     std::uint32_t mBitSize = 0;
     std::uint32_t mBitOffset = 0;
 };
 
 /// Evaluates the expression from the cursor to `end`, a buffer offset. In the classic manner the
-/// operand of the last operator may pass `end`; nothing may pass the end of the buffer. The cursor
-/// stands anywhere afterwards. An empty expression gives 0.
-/// @param addresses those that the expression may name by index; null if there are none
+/// operand of the last operator may exceed `end`; nothing may exceed the end of the buffer.
+/// Afterwards the cursor is undefined. An empty expression gives 0.
+/// @param addresses the addresses that the expression may name by index; null if none
 VLocationResult EvaluateLocation(VElfBuffer& buffer, std::int32_t end, ExpressionPlace place,
                                  ReadingManner manner, const UnitAddresses* addresses = nullptr);
 

@@ -1,5 +1,5 @@
-// From the decoded entry to its node: which class a tag gets, and what is done at once when a node
-// is made. What has no class of its own becomes a general one.
+// From the decoded entry to its node: which class a tag gets, and what happens immediately when a
+// node is made. A tag without a class of its own becomes a general node.
 #include "container/VElfFile.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
@@ -16,7 +16,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Units report progress when their root entry lies before this unit offset, as it does behind a
+/// Units report progress if their root entry lies before this unit offset, as it does after a
 /// header of normal size.
 constexpr std::uint32_t sProgressOffset = 16;
 

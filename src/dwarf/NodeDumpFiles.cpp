@@ -1,5 +1,5 @@
-// The dump of the node tree to text files beside the input, for a person who looks into a file that
-// was read wrongly. Nothing reads it back. What is written of a node stands in nodes/NodeDump.
+// The dump of the node tree to text files beside the input, for a person who examines a file that
+// was read wrongly. Nothing reads it back. nodes/NodeDump writes the text of a node.
 #include "container/VElfFile.h"
 #include "core/FilePath.h"
 #include "dwarf/VDwarf2Section.h"
@@ -14,12 +14,12 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// A file that has grown longer than this, looked at every so many nodes, is followed by another.
+/// If a file has more bytes than this, checked after every so many nodes, another one follows.
 constexpr std::streamoff sMaximumFileSize = 184320000;
 constexpr std::size_t sFileSizeCheckInterval = 200;
 
-/// Bytes that all files together may take. Summaries repeat what they tell of a structure for each
-/// node that refers to it, so that a small damaged file could else fill a disk.
+/// Bytes that all files together may take. Summaries repeat the contents of a structure for each
+/// node that refers to it: without a limit a small damaged file could fill a disk.
 constexpr std::uint64_t sAlwaysDumped = std::uint64_t{1} << 30U;
 constexpr std::uint64_t sDumpedPerSectionByte = 1024;
 

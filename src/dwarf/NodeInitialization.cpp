@@ -1,4 +1,4 @@
-// How nodes take the attributes of their decoded entry. Texts that don't outlive the entry are
+// How nodes take over the attributes of their decoded entry. Texts that don't outlive the entry are
 // copied into the tree's arena.
 #include "container/VElfFile.h"
 #include "dwarf/VDie2.h"
@@ -22,15 +22,15 @@ BitNumbering NumberingOf(const VDie2& die) {
                                                             : BitNumbering::Unsaid;
 }
 
-/// True if somebody may ask for the linkage name: of variables and of members that declare them it
-/// leads to a symbol, and of entries without name it stands for that.
+/// True if somebody may ask for the linkage name: for variables and the members that declare them
+/// it leads to a symbol, and for entries without a name it replaces the name.
 bool IsLinkageNameWanted(const VDie2& die) {
     return die.mHasLinkageName &&
            (die.mTag == DW_TAG_variable || die.mTag == DW_TAG_member || !die.mHasName ||
             *die.mName.mStart == '\0' || VElfOptions::mDumpDebugInfoNodes != 0);
 }
 
-/// Only the dump of nodes tells it.
+/// Only the dump of nodes shows it.
 bool IsAccessibilityWanted(const VDie2& die) {
     return die.mAccessibility.IsDefined() && VElfOptions::mDumpDebugInfoNodes != 0;
 }

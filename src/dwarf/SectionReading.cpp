@@ -1,5 +1,5 @@
-// The run of the section reader: what it does first and last, and the reading of each unit. The
-// steps themselves are elsewhere.
+// The run of the section reader: its first and last steps, and the reading of each unit. The other
+// steps are elsewhere.
 #include "container/VElfFile.h"
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VCompileUnitReader.h"
@@ -16,16 +16,16 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Time of the log's clock when the section was begun.
+/// Time of the log's clock at the start of the section.
 double gLogBeginSectionTimer = 0;
 
-/// The part of a section that tells whether bodies are worth passing: one of so many, not small
-/// itself, and not so large that reading it again matters.
+/// The sample that decides whether passing bodies pays: one part of so many, large enough to
+/// predict the rest and small enough that reading it again costs little.
 constexpr std::uint64_t sShareOfSample = 32;
 constexpr std::uint64_t sLargestShareOfSample = 8;
 constexpr std::uint64_t sSmallestSample = std::uint64_t{64} * 1024;
 
-/// Where variables lead to so many of ten entries in bodies, all bodies are read at once.
+/// If variables lead to this many of ten entries in bodies, all bodies are read at once.
 constexpr std::size_t sMostOfTen = 6;
 
 void TellPhase(VDWARFReaderWrapper* reader, ReadPhase phase) {
@@ -80,15 +80,15 @@ bool VDwarf2Section::ProcessDebugSection() {
 }
 
 bool VDwarf2Section::CanLeaveBodies() const {
-    // Type units link bodies before it is known which of them are asked for. The log tells what
-    // happens in which order.
+    // Type units link bodies before it is known which of them are needed. The log shows the order
+    // of events.
     return !KeepsAllEntries() && VElfOptions::mIsLogFile == 0 &&
            std::ranges::none_of(mCompileUnits,
                                 [](const auto* unit) { return unit->mTypeOffset != 0; });
 }
 
 bool VDwarf2Section::KeepsAllEntries() const {
-    // Where units overlap, the first of several entries at one place counts, whatever it is.
+    // If units overlap, the first of several entries at one place counts, whatever it is.
     return mKeepsAllEntries || VElfOptions::mDumpDebugInfoNodes != 0 || !AreUnitsApart();
 }
 
@@ -117,7 +117,7 @@ void VDwarf2Section::ForgetEntries() {
     mUnitLinks = {};
     mLongTexts = LongTextAllowance(mElfFile->mFileSize);
     if (mElfFile->mManner == ReadingManner::Classic) {
-        // What it finds there depends on whether a linkage name was looked up before.
+        // The result there depends on whether a linkage name was looked up before.
         mElfFile->mSymbolNamesMap.Restart();
     }
     VDebugInfoNode::SetNextNodeRecord(mFirstNodeRecord);

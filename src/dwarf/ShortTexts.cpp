@@ -8,10 +8,10 @@ ShortTexts::ShortTexts(std::string_view texts)
     while (end != std::string_view::npos) {
         const std::size_t block = end / sBlockSize;
         NoteTerminator(block);
-        // A block needs no second look.
+        // Once a block has a terminator, the search continues in the next one.
         end = texts.find('\0', (block + 1) * sBlockSize);
     }
-    // The section ends with one even where the file has none.
+    // A terminator follows the section, even if the file has none.
     NoteTerminator(texts.size() / sBlockSize + 1);
 }
 

@@ -1,5 +1,5 @@
-// Tells of the texts of `.debug_str` that they are short without looking at them: almost all are,
-// and entries name them by the million.
+// Knows which texts of `.debug_str` are short, without reading them: almost all are, and entries
+// refer to them by the million.
 #pragma once
 
 #include "core/LongTextAllowance.h"
@@ -15,11 +15,11 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class ShortTexts {
 public:
     ShortTexts() = default;
-    /// Keeps nothing of the texts.
+    /// Keeps no reference to the texts.
     explicit ShortTexts(std::string_view texts);
 
-    /// True only if the text at an offset of the section has at most
-    /// `LongTextAllowance::kShortTextLength` characters; not for all that have nearly as many.
+    /// True only if the text at an offset of the section has at most `kShortTextLength` characters,
+    /// see `LongTextAllowance`. May be false for a text of nearly that length.
     [[nodiscard]] bool Contains(std::size_t offset) const {
         const std::size_t block = offset / sBlockSize + 1;
         const std::size_t word = block / sWordBits;
@@ -32,14 +32,14 @@ public:
 private:
     static constexpr std::size_t sBlockSize = 16;
     static constexpr std::size_t sWordBits = 64;
-    /// The blocks behind the one where a text begins that end within the short length.
+    /// The blocks after the one where a text begins that end within the short length.
     static constexpr std::size_t sBlockCount =
         (LongTextAllowance::kShortTextLength + 1) / sBlockSize - 1;
     static constexpr std::uint64_t sBlocksOfShortText = (std::uint64_t{1} << sBlockCount) - 1;
 
     void NoteTerminator(std::size_t block);
 
-    /// A bit for each block. One word more than there are, for the blocks behind the last.
+    /// One bit for each block. One word more than needed, for the blocks after the last.
     std::vector<std::uint64_t> mHasTerminator;
 };
 

@@ -1,4 +1,4 @@
-// Where the expressions of a unit find the addresses that they name by index.
+// Finds the addresses that the expressions of a unit name by index.
 #pragma once
 
 #include "dwarf/VUnitTables.h"

@@ -24,7 +24,7 @@ bool IsPlausibleAddressSize(std::uint8_t size) {
     return true;
 }
 
-/// DWARF 2 to 4 (DWARF 4, 7.5.1.1). Later versions count as sound here and fail when the unit is
+/// DWARF 2 to 4 (DWARF 4, 7.5.1.1). Later versions are plausible here and fail when the unit is
 /// loaded.
 class ClassicHeaderFormat final : public UnitHeaderFormat {
 public:
@@ -57,7 +57,7 @@ private:
     static constexpr std::uint32_t sFirstEscapeValue = 0xFFFFFFF0;
     static constexpr std::int32_t sLowestMappedVersion = 2;
     static constexpr std::int32_t sHighestMappedVersion = 6;
-    /// Behind the header there has to be room for an entry.
+    /// There must be room for an entry after the header.
     static constexpr std::uint64_t sMoreThanHeader = 5;
 
     static std::uint64_t Size(bool is64BitDwarf) { return is64BitDwarf ? 11 : 7; }
@@ -109,8 +109,8 @@ private:
 
     static bool IsReadVersion(std::int32_t version) { return version >= 2 && version <= 5; }
 
-    /// Reads what only units of this kind have.
-    /// @return false for kinds that no standard knows
+    /// Reads the fields that only units of this kind have.
+    /// @return false for kinds that are in no standard
     static bool ReadKind(VElfBuffer& buffer, std::uint8_t type, VCompileUnitHeader& unit) {
         switch (type) {
         case DW_UT_compile:

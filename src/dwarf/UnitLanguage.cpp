@@ -7,7 +7,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Languages whose arrays begin at 1; those of all others begin at 0.
+/// Languages whose arrays begin at 1; in all others they begin at 0.
 constexpr auto sLanguagesFromOne = std::to_array<std::uint32_t>({
     0x03, // Ada 83
     0x05, // Cobol 74

@@ -1,11 +1,11 @@
-// What the source language of a unit decides.
+// Properties of the source language of a unit.
 #pragma once
 
 #include <cstdint>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The lower bound of arrays that tell none (DWARF 5, 7.12).
+/// The lower bound of arrays that don't have one (DWARF 5, 7.12).
 /// @param language value of the language attribute
 std::uint32_t DefaultLowerBound(std::uint32_t language);
 

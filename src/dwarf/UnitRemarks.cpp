@@ -1,4 +1,4 @@
-// What the section reader remarks on: units that it passed over, and what its units keep elsewhere.
+// Remarks of the section reader: units that it skipped, and debug information in other files.
 #include "container/VElfFile.h"
 #include "core/CutText.h"
 #include "core/HostText.h"
@@ -9,12 +9,12 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Bytes in front of the file's name in `.debug_sup` (DWARF 5, 7.3.6): a version and a flag, which
-/// is set in the supplementary file itself.
+/// Bytes before the file name in `.debug_sup` (DWARF 5, 7.3.6): a version and a flag, which is set
+/// in the supplementary file itself.
 constexpr std::uint32_t sSupplementHeaderSize = 3;
 constexpr std::int32_t sSupplementFlag = 2;
 
-/// Versions that are told apart. A sound file has one or two.
+/// Versions that are counted separately. A sound file has one or two.
 constexpr std::size_t sMostVersions = 8;
 
 constexpr std::size_t sLongestName = 1023;

@@ -9,8 +9,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Tables may be read for this multiple of the section's size and a little more. Tables of a sound
-/// file don't overlap.
+/// The bytes read for tables are limited to this multiple of the section's size and a little more.
+/// Tables of a sound file don't overlap.
 constexpr std::uint64_t sReadingsOfSection = 16;
 constexpr std::uint64_t sFreeBytes = 0x10000;
 

@@ -10,17 +10,17 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The section and its tables. A table is read once and serves all units that name its offset.
+/// The section and its tables. A table is read once and serves all units with its offset.
 class VAbrSectionBuffer : public VElfBuffer {
 public:
-    /// @param forms those of the manner of reading
+    /// @param forms the forms of the manner of reading
     VAbrSectionBuffer(VElfInput& input, const Elf64_Shdr& section, const DieForms& forms);
 
     /// Loads the section; one that is missing gives an empty buffer. Errors: those of loading.
     bool Load();
 
-    /// The table at an offset of the section, empty where there is none. Tables that overlap beyond
-    /// all measure count as empty, so that a damaged file costs no more than one of its size.
+    /// The table at an offset of the section, empty if there is none. Once overlapping tables have
+    /// used up the limit they count as empty, so that a damaged file costs no more than its size.
     VAbrTab& GetTable(std::uint32_t offset);
 
 private:
@@ -28,7 +28,7 @@ private:
     const DieForms& mForms;
     bool mIsDsPicTarget;
     std::unordered_map<std::uint32_t, VAbrTab, SeededHash> mTables;
-    /// Bytes that were read for tables, those of overlapping tables each time.
+    /// Bytes that were read for tables; overlapping parts count each time.
     std::uint64_t mBytesRead = 0;
 };
 

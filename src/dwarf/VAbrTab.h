@@ -1,5 +1,5 @@
-// The abbreviations of compile units (DWARF 5, 7.5.3), prepared for the reading of debug entries:
-// attributes that the reader has no use for are melted into distances to skip where their width is
+// The abbreviations of compile units (DWARF 5, 7.5.3), prepared for reading debug entries:
+// attributes that the reader doesn't use are merged into distances to skip, if their width is
 // known.
 #pragma once
 
@@ -19,29 +19,29 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VElfBuffer;
 
-/// One step of reading an entry: bytes to pass, then the value of an attribute.
+/// One step of reading an entry: bytes to skip, then the value of an attribute.
 struct TDieAttribute {
-    /// Bytes of attributes in front that are passed unread.
+    /// Bytes of unused attributes before this one.
     std::uint16_t mSkip = 0;
-    /// What the reader makes of the attribute; its code isn't kept.
+    /// How the reader uses the attribute; its code isn't kept.
     AttributeTarget mAttribute = AttributeTarget::None;
     FormReading mReading = FormReading::Present;
     std::uint32_t mForm = 0;
-    /// The value itself, where the abbreviation has it.
+    /// The value itself, if the abbreviation holds it.
     std::uint32_t mConstant = 0;
 };
 
-/// One abbreviation. Its attributes are those of `VAbrTab::AttributesOf`.
+/// One abbreviation. `VAbrTab::AttributesOf` returns its attributes.
 struct TAbrTabItem {
     std::uint32_t mCode = 0;
     dwarf_tag mTag = 0;
     /// As stored; only 1 means that entries have children.
     std::uint8_t mHasChildren = 0;
-    /// A unit that others may import, though its tag be that of a compile unit.
+    /// A unit that others may import, even if its tag is that of a compile unit.
     bool mIsPartialUnit = false;
-    /// What entries inside code are.
+    /// How entries inside code are treated.
     CodeEntry mCodeEntry = CodeEntry::Kept;
-    /// What entries in the body of a type are.
+    /// How entries in the body of a type are treated.
     BodyEntry mBodyEntry = BodyEntry::Kept;
     std::uint32_t mFirstAttribute = 0;
     std::uint32_t mAttributeCount = 0;
@@ -49,19 +49,19 @@ struct TAbrTabItem {
     std::uint32_t mPassingStepCount = 0;
 };
 
-/// The abbreviations of all units that name one offset of `.debug_abbrev`.
+/// The abbreviations of all units with one offset in `.debug_abbrev`.
 class VAbrTab {
 public:
     explicit VAbrTab(const DieForms& forms)
         : mForms(&forms) {}
 
     /// Reads the table at an offset of the loaded section. It ends with the code 0, at a code that
-    /// it has already, or with the section; an abbreviation that the section's end cuts off does
-    /// not count.
+    /// it already has, or with the section; an abbreviation that the end of the section truncates
+    /// is dropped.
     /// @return true if the table has any abbreviation
     bool Read(VElfBuffer& section, std::uint32_t offset);
 
-    /// The abbreviation of a code, null if there is none. Good as long as the table.
+    /// The abbreviation of a code, null if there is none. Valid as long as the table.
     [[nodiscard]] const TAbrTabItem* Find(std::uint32_t code) const {
         if (code < mIndexByCode.size() && mIndexByCode[code] != 0) {
             return &mItems[mIndexByCode[code] - 1];
@@ -74,8 +74,8 @@ public:
         return {mAttributes.data() + item.mFirstAttribute, item.mAttributeCount};
     }
 
-    /// The steps that pass an entry of an abbreviation whose length tells how, in order. Of entries
-    /// in bodies, the step of a type has its target.
+    /// The steps that skip an entry whose length follows from its abbreviation, in order. For
+    /// entries in bodies, the step of a type has its target.
     [[nodiscard]] std::span<const TDieAttribute> PassingStepsOf(const TAbrTabItem& item) const {
         return {mPassingSteps.data() + item.mFirstPassingStep, item.mPassingStepCount};
     }
@@ -84,7 +84,7 @@ private:
     /// Steps that are added one by one.
     struct StepList {
         std::vector<TDieAttribute>& steps;
-        /// Bytes to pass before the next step.
+        /// Bytes to skip before the next step.
         std::uint32_t skip = 0;
 
         void Add(const TDieAttribute& attribute);
@@ -100,7 +100,7 @@ private:
     std::vector<TAbrTabItem> mItems;
     std::vector<TDieAttribute> mAttributes;
     std::vector<TDieAttribute> mPassingSteps;
-    /// By code, place in `mItems` from 1, or 0. Reaches only so far as the number of items allows.
+    /// Indexed by code: position in `mItems` from 1, or 0. The number of items limits its length.
     std::vector<std::uint32_t> mIndexByCode;
     std::unordered_map<std::uint32_t, std::uint32_t, SeededHash> mIndexByLargeCode;
 };

@@ -1,4 +1,4 @@
-// The working state of the unit that is being read: its bytes, its abbreviations, its producer.
+// The state of the unit that is being read: its bytes, its abbreviations, its producer.
 #pragma once
 
 #include "container/VElfBuffer.h"
@@ -13,7 +13,7 @@ class VAbrTab;
 class VDwarf2Section;
 struct VCompileUnitHeader;
 
-/// Made for one unit and gone with it.
+/// Made for one unit and destroyed with it.
 class VCompileUnitReader {
 public:
     VCompileUnitReader(VDwarf2Section& section, VCompileUnitHeader& header)
@@ -26,7 +26,7 @@ public:
     std::unique_ptr<VElfBuffer> mBuffer;
     /// Borrowed from the section reader, which keeps each table for all units of its offset.
     VAbrTab* mAbbrevTable = nullptr;
-    /// Nothing in the classic manner of reading.
+    /// Empty in the classic manner of reading.
     VUnitFacts mFacts;
     /// The unit's producer text.
     std::string mProducer;

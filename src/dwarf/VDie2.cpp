@@ -26,8 +26,8 @@ constexpr std::size_t sMaximumProducerLength = 1024;
 constexpr std::int32_t sVersionOfOffsetReferences = 3;
 constexpr std::uint32_t sNoLimit = std::numeric_limits<std::uint32_t>::max();
 
-/// Attributes of a unit: this many a byte and a few more. Attributes that take no bytes could else
-/// make a small unit a long work.
+/// Attributes that a unit may have: this many for each byte, and a few more. Attributes that take
+/// no bytes could otherwise make a small unit take very long.
 constexpr std::int64_t sAttributesPerByte = 16;
 constexpr std::int64_t sFreeAttributes = 0x10000;
 
@@ -124,7 +124,7 @@ VDie2::Entry VDie2::ReadEntry() {
     return DecodeEntry(unitOffset, recCnt);
 }
 
-/// Finds the abbreviation of the entry at the cursor and moves behind its code.
+/// Finds the abbreviation of the entry at the cursor and moves past its code.
 VDie2::Entry VDie2::ReadAbbrevCode() {
     const std::uint32_t code = mBuffer->GetULEB128();
     if (code == 0) {
@@ -150,8 +150,8 @@ void VDie2::Reset() {
     if (mHasRareAttributes) {
         mRareAttributes = {};
     }
-    // From memory: a temporary is written in small pieces, and reading them back in large ones
-    // stalls the processor.
+    // Copied from memory: a temporary would be written in small pieces, and reading them back in
+    // large ones stalls the processor.
     static constexpr VDieAttributes sNothing;
     static_cast<VDieAttributes&>(*this) = sNothing;
 }
@@ -414,7 +414,7 @@ void VDie2::StoreLayoutAttribute(AttributeTarget target, std::uint32_t value) {
 }
 
 void VDie2::StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin) {
-    // Parameters and inlined calls have origins by the million, and nobody asks for them.
+    // Parameters and inlined calls have origins by the million, which nobody asks for.
     if (mTag == DW_TAG_variable || mTag == DW_TAG_subprogram) {
         SetAttributeValue(mSpecification, attribute, origin);
         mIsAbstractOrigin = true;
@@ -436,7 +436,7 @@ void VDie2::StoreSignature(const TDieAttribute& attribute, std::uint32_t value) 
     }
 }
 
-/// A forward declaration counts as namespace; one that stands for a type is as transparent as a
+/// A forward declaration counts as a namespace; one that stands for a type is transparent like a
 /// qualifier.
 void VDie2::RenameEnumerationWithoutSize() {
     const std::uint32_t type = mHasRareAttributes ? mRareAttributes.mSignatureType : 0;
@@ -466,7 +466,7 @@ void VDie2::StoreProducer(const char* producer) {
 }
 
 void VDie2::OnProducer() {
-    // A producer that the unit cuts off decides nothing.
+    // A producer that the unit truncates decides nothing.
     if (mTag != DW_TAG_compile_unit || mBuffer->HasPassedEnd()) {
         return;
     }

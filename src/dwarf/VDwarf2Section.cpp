@@ -31,7 +31,7 @@ constexpr std::uint64_t sSectionBytesPerBucket = 75;
 /// Room is reserved for this many entries per bucket. Unused room costs only address space.
 constexpr std::uint64_t sEntriesPerBucket = 10;
 
-/// Value of an option that is to be decided by the first producer text.
+/// Value of an option that the first producer text decides.
 constexpr std::int32_t sAutodetect = 2;
 
 Linkage LinkageOf(const VElfFile& file) {
@@ -78,7 +78,7 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     if (!mLocTabBuffer || !mAbrSectionBuffer) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_MEMORY);
     }
-    // A section that can't be read leaves its lists unresolved.
+    // If the section can't be read, its lists stay unresolved.
     if (!mLocTabBuffer->Load() && IsOutOfMemory()) {
         return false;
     }

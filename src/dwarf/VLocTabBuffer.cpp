@@ -7,7 +7,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// An expression of fewer bytes can't fill the evaluator's stack.
+/// A shorter expression, in bytes, can't fill the evaluator's stack.
 constexpr std::uint16_t sExpressionLimit = 128;
 
 } // namespace

@@ -1,5 +1,5 @@
-// Whole `.debug_loc` in memory. Of a location list (DWARF 4, 2.6.2) only the first entry counts,
-// and of that only the expression.
+// Whole `.debug_loc` in memory. Only the first entry of a location list counts (DWARF 4, 2.6.2),
+// and only the expression of that entry.
 #pragma once
 
 #include "container/ElfRecords.h"
@@ -14,12 +14,12 @@ class VLocTabBuffer : public VElfBuffer {
 public:
     VLocTabBuffer(VElfInput& input, const Elf64_Shdr& section);
 
-    /// Loads the section; one that is missing counts as loaded and holds no list. Errors: those of
+    /// Loads the section; a missing one counts as loaded and has no lists. Errors: those of
     /// loading.
     bool Load();
     [[nodiscard]] bool IsLoaded() const { return mLoaded; }
 
-    /// The static number that the first entry of a list gives.
+    /// The static number of the first entry of a list.
     /// @param offset section offset of the list in `.debug_loc`
     /// @param ok false if there is no list or it is not static; the result is then 0
     std::uint64_t EvaluateLocationList(std::uint32_t offset, bool& ok);

@@ -16,16 +16,16 @@ namespace {
 /// From this version on, lists have entries of several kinds and a section of their own.
 constexpr std::int32_t sVersionOfListKinds = 5;
 
-/// Lists may be read for this multiple of the sections' size and a little more.
+/// The bytes read for lists are limited to this multiple of the sections' size and a little more.
 constexpr std::int64_t sReadingsOfSections = 16;
 constexpr std::int64_t sFreeListBytes = 0x10000;
 
 enum class Operand : std::uint8_t { None, Leb128, Address };
 
-/// How the two operands of an entry tell that it covers nothing.
+/// How the two operands of an entry show that it covers nothing.
 enum class Emptiness : std::uint8_t { Never, IfEqual, IfSecondIsZero };
 
-/// One kind of entry: its operands, and what it is good for.
+/// One kind of entry: its operands and its use.
 struct EntryKind {
     Operand first = Operand::None;
     Operand second = Operand::None;
@@ -73,7 +73,7 @@ bool CoversNothing(Emptiness emptiness, std::uint64_t first, std::uint64_t secon
     }
 }
 
-/// All ones in the width of an address, which selects a base.
+/// All ones in the width of an address: as a begin address it selects a base.
 std::uint64_t HighestAddress(std::uint8_t addressSize) {
     const std::uint32_t bits = addressSize == 0 ? 32 : 8U * addressSize;
     return bits < 64 ? (std::uint64_t{1} << bits) - 1 : ~std::uint64_t{0};
@@ -81,7 +81,7 @@ std::uint64_t HighestAddress(std::uint8_t addressSize) {
 
 } // namespace
 
-/// One list while it is read.
+/// One list while it is being read.
 class VLocationLists::ListReading {
 public:
     ListReading(VElfBuffer& section, const UnitAddresses& addresses, std::uint8_t addressSize)
@@ -91,7 +91,7 @@ public:
         mSection.SetADDRESSsize(addressSize);
     }
 
-    /// A list of entries by their kind. It ends with the section if it has no end of its own.
+    /// Reads a list of entries by their kind. Without an end of its own it ends with the section.
     void ReadKinds() {
         while (!mSection.IsEOF()) {
             const std::uint8_t code = mSection.GetUByte();
@@ -115,7 +115,7 @@ public:
         mIsSound = false;
     }
 
-    /// A list of pairs of addresses.
+    /// Reads a list of pairs of addresses.
     void ReadPairs() {
         const std::uint64_t baseSelection = HighestAddress(mAddressSize);
         while (!mSection.IsEOF()) {
@@ -167,7 +167,7 @@ private:
         }
     }
 
-    /// Evaluates the expression of this length at the cursor and moves behind it.
+    /// Evaluates the expression of this length at the cursor and moves past it.
     VLocationResult Evaluate(std::uint32_t length) {
         const std::int64_t left = std::int64_t{mSection.GetBufferLength()} - mSection.GetOffset();
         if (mSection.IsEOF() || length == 0 || std::int64_t{length} > left) {
@@ -193,12 +193,12 @@ private:
     VElfBuffer& mSection;
     const UnitAddresses& mAddresses;
     std::uint8_t mAddressSize;
-    // No `std::optional`: compilers take its value for uninitialized where all is inlined.
+    // No `std::optional`: compilers report its value as uninitialized after inlining.
     VLocationResult mCommon;
     VLocationResult mDefault;
     bool mHasCommon = false;
     bool mHasDefault = false;
-    /// Entries tell different places, or one that isn't static.
+    /// Entries give different places, or one that isn't static.
     bool mIsManifold = false;
     bool mIsSound = true;
 };

@@ -1,5 +1,5 @@
-// Location lists in the full manner of reading: all entries of a list count, and only a list that
-// gives one and the same place throughout gives a static address.
+// Location lists in the full manner of reading: all entries of a list count, and only a list with
+// the same place throughout gives a static address.
 #pragma once
 
 #include "dwarf/VWholeSection.h"
@@ -14,10 +14,10 @@ class VElfFile;
 class VUnitTables;
 
 /// `.debug_loc` (DWARF 4, 2.6.2 and 7.7.3) and `.debug_loclists` (DWARF 5, 2.6.2 and 7.7.3) in
-/// memory. A unit's version tells which of them its lists are in.
+/// memory. The version of a unit decides in which of them its lists are.
 class VLocationLists {
 public:
-    /// Borrows the tables, where expressions find addresses that they name by index.
+    /// Borrows the tables, in which expressions find addresses by index.
     VLocationLists(VElfFile& file, VUnitTables& tables);
 
     /// Loads the sections. One that can't be read counts as missing.
@@ -26,13 +26,13 @@ public:
 
     /// The address that a list gives for its whole range, or as its default.
     ///
-    /// Of a variable within a function only the default counts. Its other entries hold for some
-    /// instructions each, and the place may be that of another variable: after `old = end;` a
+    /// For a variable within a function only the default counts. Each other entry holds for some
+    /// instructions only, and the place may be that of another variable: after `old = end;` a
     /// compiler says that `old` is where `end` is until `end` changes.
     /// @param offset section offset of the list
     std::optional<std::uint64_t> AddressOf(const VCompileUnitReader& unit, std::uint64_t offset,
                                            bool isInFunction);
-    /// The same for a list that the unit names by index.
+    /// The same for a list that the unit refers to by index.
     std::optional<std::uint64_t> AddressOfIndexed(const VCompileUnitReader& unit,
                                                   std::uint64_t index, bool isInFunction);
 
@@ -42,7 +42,7 @@ private:
     VUnitTables& mTables;
     VNumberTable mLists;
     VNumberTable mIndexedLists;
-    /// Lists of a sound file don't overlap: bytes that may still be read for lists.
+    /// Bytes that may still be read for lists. Lists of a sound file don't overlap.
     std::int64_t mBytesLeft = 0;
 };
 

@@ -1,5 +1,5 @@
-// What entries refer to that the walk over a unit passes, if it counts. The reading of anonymous
-// members depends on whether a type is referred to once or more often.
+// The references of passed entries that count: whether the members of an anonymous type may move
+// depends on whether the type is referred to once or more often.
 #pragma once
 
 #include <cstdint>
@@ -10,16 +10,16 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VDieNodeMap;
 struct VCompileUnitHeader;
 
-/// Counts the references of one unit after the other, and tells the map of nodes.
+/// Counts the references of one unit after the other, and reports them to the map of nodes.
 class VPassedReferences {
 public:
-    /// The unit whose references come now.
+    /// Begins the references of a unit.
     void EnterUnit(const VCompileUnitHeader& unit);
-    /// A passed entry refers to this section offset.
+    /// Records that a passed entry refers to this section offset.
     void Note(std::uint32_t offset);
-    /// Marks what the entries of the unit refer to within it. All its nodes are in the map.
+    /// Marks what the entries of the unit refer to within it. All its nodes must be in the map.
     void LeaveUnit(const VDieNodeMap& nodes);
-    /// Marks what entries refer to in other units. All nodes are in the map.
+    /// Marks what entries refer to in other units. All nodes must be in the map.
     /// @return true if each reference of all units led to a node
     bool Finish(const VDieNodeMap& nodes);
 
@@ -30,10 +30,10 @@ private:
         std::uint64_t again = 0;
     };
 
-    /// Of the unit; empty between units.
+    /// Those of the unit; empty between units.
     std::vector<Stretch> mStretches;
     std::uint32_t mFirstStretch = 0;
-    /// What entries refer to in other units.
+    /// Offsets in other units that entries refer to.
     std::vector<std::uint32_t> mElsewhere;
     bool mLeadToNodes = true;
 };

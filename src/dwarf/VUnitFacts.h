@@ -1,4 +1,4 @@
-// What the first entry of a unit says of all its entries.
+// What the first entry of a unit says about all its entries.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Facts of one unit that its entries are read with. A base that the unit doesn't tell is absent,
+/// Facts of one unit for reading its entries. If the unit doesn't give a base, the base is absent,
 /// and so are the values that count from it.
 struct VUnitFacts {
     /// Section offset in `.debug_str_offsets`.
@@ -15,13 +15,13 @@ struct VUnitFacts {
     std::optional<std::uint64_t> mAddressesBase;
     /// Section offset in `.debug_loclists`.
     std::optional<std::uint64_t> mLocationListsBase;
-    /// The entries of the unit lie in another file.
+    /// The entries of the unit are in another file.
     bool mIsSplit = false;
-    /// Source language (DWARF 5, 7.12); 0 if the unit doesn't tell it.
+    /// Source language (DWARF 5, 7.12); 0 if the unit has none.
     std::uint32_t mLanguage = 0;
-    /// Lower bound of arrays that tell none.
+    /// Lower bound of arrays that don't have one.
     std::uint32_t mDefaultLowerBound = 0;
-    /// Of arrays that don't say otherwise, the first index runs fastest in memory.
+    /// Unless an array says otherwise, its first index runs fastest in memory.
     bool mIsColumnMajor = false;
 };
 

@@ -1,4 +1,4 @@
-// What entries say of other units, which may not be read yet: kept by section offset until all are.
+// References of entries to units that may not be read yet, kept by section offset until all are.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 /// Filled while entries are read, in the order of reading.
 struct VUnitLinks {
-    /// A declaration that stands for the type of a signature.
+    /// A declaration that stands for the type with a signature.
     struct TypeDeclaration {
         std::uint32_t mDeclaration = 0;
         std::uint32_t mType = 0;

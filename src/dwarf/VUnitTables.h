@@ -1,5 +1,5 @@
-// The sections in which units keep values that their entries name by index or offset. Only the full
-// manner of reading has them.
+// The sections with values that entries refer to by index or offset. Only the full manner of
+// reading has them.
 #pragma once
 
 #include "dwarf/VWholeSection.h"
@@ -13,8 +13,8 @@ class VCompileUnitReader;
 class VElfFile;
 
 /// `.debug_line_str`, `.debug_str_offsets` and `.debug_addr` in memory (DWARF 5, 7.26 and 7.27). A
-/// unit tells where its part of them begins; what lies outside of a section, or counts from a base
-/// that the unit doesn't tell, is absent.
+/// unit says where its part of them begins; a value outside a section, or one that counts from a
+/// base that the unit doesn't give, is absent.
 class VUnitTables {
 public:
     explicit VUnitTables(VElfFile& file);
@@ -28,9 +28,9 @@ public:
     [[nodiscard]] const char* LineTextAt(std::uint32_t offset) const {
         return mLineTexts.GetTextAt(offset);
     }
-    /// Offset in `.debug_str` of the unit's text of an index.
+    /// Offset in `.debug_str` of the unit's text with an index.
     std::optional<std::uint64_t> TextOffsetAt(const VCompileUnitReader& unit, std::uint64_t index);
-    /// The unit's address of an index.
+    /// The unit's address with an index.
     std::optional<std::uint64_t> AddressAt(const VCompileUnitReader& unit, std::uint64_t index);
 
 private:

@@ -1,4 +1,4 @@
-// A debug section that stays in memory for the whole read, and the tables of numbers among them.
+// Debug sections that stay in memory for the whole read, and tables of numbers among them.
 #pragma once
 
 #include "container/ElfRecords.h"
@@ -24,14 +24,14 @@ private:
     bool mIsDsPicTarget;
 };
 
-/// `.debug_str_offsets`, `.debug_addr` and their like (DWARF 5, 7.26 and 7.27): each unit has its
-/// part, whose base is a section offset, and names numbers by their place in it.
+/// `.debug_str_offsets`, `.debug_addr` and similar sections (DWARF 5, 7.26 and 7.27): each unit has
+/// its part, whose base is a section offset, and refers to numbers by their index in it.
 class VNumberTable : public VWholeSection {
 public:
     using VWholeSection::VWholeSection;
 
-    /// The number at a place, none if it lies outside of the section.
-    /// @param width bytes of each number: 1, 2, 4 or 8; with another there are none
+    /// The number at an index, none if it lies outside the section.
+    /// @param width bytes of each number: 1, 2, 4 or 8; for any other width there are none
     std::optional<std::uint64_t> NumberAt(std::uint64_t base, std::uint64_t index,
                                           std::uint8_t width);
 };

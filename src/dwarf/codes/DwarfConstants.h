@@ -1,7 +1,7 @@
 // The codes of the DWARF standard that the reader knows by name: tags, attributes, forms, encodings
-// and operators (DWARF 5, section 7). Codes that it only passes on or passes over have no name
-// here. Tags and encodings stand in lists, from which their constants and their names in dumps
-// come.
+// and operators (DWARF 5, section 7). Codes that it only passes on or skips have no name here. Tags
+// and encodings are in lists (.def), from which both their constants and their names in dumps are
+// made.
 #pragma once
 
 #include <cstdint>
@@ -34,7 +34,7 @@ constexpr bool IsAggregate(dwarf_tag tag) {
     return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type;
 }
 
-/// Types that are another one in all but its name or its qualifiers.
+/// Types that differ from another one only in name or qualifiers.
 constexpr bool IsOtherNameOfType(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_typedef:
@@ -51,12 +51,12 @@ constexpr bool IsOtherNameOfType(dwarf_tag tag) {
     }
 }
 
-/// Types that are grouped by name, and so may get links to a definition or a representative.
+/// Types that are grouped by name, and so may have links to a definition or a representative.
 constexpr bool IsGroupedType(dwarf_tag tag) {
     return IsAggregate(tag) || tag == DW_TAG_typedef;
 }
 
-/// Attributes that are picked out of a debug entry.
+/// Attributes that are read from debug entries.
 enum : std::uint32_t {
     DW_AT_location = 0x02,
     DW_AT_name = 0x03,

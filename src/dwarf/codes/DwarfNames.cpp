@@ -24,7 +24,7 @@ constexpr CodeName sTagNames[] = {
 };
 static_assert(std::ranges::is_sorted(sTagNames, {}, &CodeName::code));
 
-/// By code.
+/// Indexed by code.
 constexpr const char* sEncodingNames[] = {
 #define DWARF_ENCODING(code, name, mark) "DW_ATE_" #name mark,
 #define DWARF_ENCODING_WITHOUT_NAME(code, name)

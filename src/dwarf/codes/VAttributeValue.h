@@ -49,7 +49,7 @@ private:
         , mFlags(flags) {}
 };
 
-/// What an attribute value of a debug entry is, to keep it with its 32 bits in little room.
+/// The kind of an attribute value of a debug entry, which is kept apart from its 32 bits.
 enum class VAttributeKind : std::uint8_t { Undefined, Integer, Reference };
 
 constexpr VAttributeKind KindOf(const VAttributeValue& value) {
@@ -71,7 +71,7 @@ constexpr VAttributeValue ValueOf(VAttributeKind kind, std::uint32_t value) {
     return {};
 }
 
-/// Characters of a name as read; what lies behind is cut.
+/// Most characters of a name; the rest is cut.
 constexpr std::uint32_t sMaximumNameLength = 2047;
 
 /// A text that may be absent. The bytes belong to whoever made the value: the unit, the string
@@ -81,8 +81,8 @@ struct VAttributeString {
     bool mDefined = false;
 };
 
-/// A text of the entry that is being read. It is measured only where it may be long: most are never
-/// looked at.
+/// A text of the entry that is being read. It is measured only if it may be long, since most texts
+/// are never read.
 struct VDieText {
     static constexpr std::uint32_t kWhole = UINT32_MAX;
 
@@ -90,8 +90,8 @@ struct VDieText {
         return mLength == kWhole ? std::string_view(mStart) : std::string_view(mStart, mLength);
     }
 
-    /// Terminated. Lives in the unit's bytes, in `.debug_str`, in the arena of the tree or for
-    /// ever.
+    /// Terminated. Lives in the unit's bytes, in `.debug_str`, in the arena of the tree or
+    /// forever.
     const char* mStart = "";
     /// Characters that count, `kWhole` for all of them.
     std::uint32_t mLength = kWhole;
