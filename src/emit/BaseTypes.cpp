@@ -1,3 +1,11 @@
+// Two tables make a host value of a base type. For `unsigned short`, which the file describes by
+// the encoding DW_ATE_unsigned and a size of 2 bytes:
+//
+//     DW_ATE_unsigned      BasicType::UInt        sEncodings
+//     UInt, 2 bytes        BasicTypes::UInt16     sSizedTypes
+//
+// An integer of 3 bytes has no value of its own. The classic reading delivers `Double`, and only
+// the length of 3 shows that it is no floating point number; the full one delivers `UnsignedLong`.
 #include "emit/BaseTypes.h"
 
 #include "core/VElfOptions.h"

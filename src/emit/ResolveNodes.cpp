@@ -93,12 +93,17 @@ void BreakAllReferenceCycles(VDwarf2Section& section) {
         [&](VDebugInfoNode& node) { node.BreakReferenceCycles(cycles); });
 }
 
+/// After `typedef struct Gain Gain_t; Gain_t gains[3];` only the structure has a size in the file.
+/// Here the typedef gets the same size, and the array three times that.
 void ResolveAllSizes(VDwarf2Section& section) {
     section.mDieNodes.ForEachWith(NodeTask::Size, [&](VDebugInfoNode& node) {
         node.ResolveSizes(section.mDieNodes, section);
     });
 }
 
+/// Compilers write no size for pointers to members: `int Motor::*` is an offset as wide as an
+/// address, `int (Motor::*)(void)` takes twice as much. Otherwise they would get the size of the
+/// type that they lead to.
 void SettlePointerSizes(VDwarf2Section& section) {
     section.mDieNodes.ForEachOf(NodeGroup::OtherPointers, [](VDebugInfoNode& pointer) {
         if (!pointer.HasByteSize()) {
@@ -108,6 +113,8 @@ void SettlePointerSizes(VDwarf2Section& section) {
     });
 }
 
+/// A source that is compiled twice, such as channel.c with -DFN=left and with -DFN=right, makes
+/// two units of one name and directory. A host sees them as one object, that of the first.
 void UnifyCompileUnits(VDwarf2Section& section) {
     std::unordered_map<std::string, VDebugInfoNode*, SeededHash> firstOfKind;
     section.mDieNodes.ForEachOf(NodeGroup::CompileUnits, [&](VDebugInfoNode& unit) {
