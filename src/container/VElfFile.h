@@ -141,8 +141,8 @@ public:
     /// The symbol at an address, null if there is none; see `VElfSymbolMap::FindByAddress`.
     Elf32_Sym* FindSymbolByAddress(std::uint64_t address, std::string_view name);
     /// The address of the symbol of a name or, unless it begins with "_", of "_" and the name; null
-    /// if there is none. The first query of a file loads the names; in the full manner those of a
-    /// Windows image too, and those of symbols without type.
+    /// if there is none. The first query of a file loads the names; in the full manner, a Windows
+    /// image has names too, and symbols without type count.
     /// @throws std::bad_alloc
     const VElfSymbolAddress* FindSymbolByName(const std::string& name);
 

@@ -25,9 +25,9 @@ bool IsDataByOption(const Elf32_Sym& symbol) {
 /// Which symbols of an ELF file a manner of reading uses, and for what.
 struct SymbolRules {
     bool (*read)(Elf32_Sym&, VElfBuffer&, bool is64Bit);
-    /// Symbols that may tell what lies at an address.
+    /// Symbols that may show what lies at an address.
     bool (*isWantedByAddress)(const Elf32_Sym&);
-    /// Symbols that may tell where a variable lies.
+    /// Symbols that may show where a variable lies.
     bool (*isWantedByName)(const Elf32_Sym&);
     /// Symbols that are delivered, if they have a name.
     bool (*isDeliverable)(const Elf32_Sym&);

@@ -1,4 +1,4 @@
-// The opened input file and what its headers tell of the target: all that a buffer needs to know of
+// The opened input file and what its headers say about the target: all that a buffer needs of
 // a `VElfFile`, which derives from this class.
 #pragma once
 

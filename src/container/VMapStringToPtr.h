@@ -51,8 +51,8 @@ public:
     ~VMapStringToPtr();
 
     /// Replaces the table by one of empty buckets, or by none, in which case the next new key makes
-    /// it. It is for an empty map: entries that exist aren't filed anew, can't be found any more,
-    /// and hold their memory until `RemoveAll`.
+    /// it. Call it on an empty map: existing entries aren't added to the new table, so they can't
+    /// be found again and hold their memory until `RemoveAll`.
     /// @param size bucket count; 0 counts as 1
     /// @throws std::bad_alloc if memory can't hold the table; the map is then unchanged
     void InitHashTable(std::uint32_t size, bool allocate = true);

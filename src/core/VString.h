@@ -9,7 +9,7 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// A byte string that can be made from null pointers and tells whether it holds a character.
+/// A byte string that accepts null pointers and can be searched for a character.
 class BRINDLE_EXPORT VString : public std::string {
 public:
     VString() = default;

@@ -42,7 +42,7 @@ public:
     [[nodiscard]] std::uint32_t InternalLength() const { return mTypAndLen >> 8U; }
     /// True for an integer of any width.
     [[nodiscard]] bool IsIntTyp() const { return (mTypAndLen & sIntegerBit) != 0; }
-    /// True for a signed integer; floats are none.
+    /// True for a signed integer; false for floats.
     [[nodiscard]] bool IsSigned() const {
         return (mTypAndLen & (sIntegerBit | sSignedBit)) == (sIntegerBit | sSignedBit);
     }

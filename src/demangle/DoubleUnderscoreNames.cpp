@@ -296,7 +296,7 @@ private:
         return Holds(position, "vtbl") ? CopyCharacter() : Fail();
     }
 
-    /// Remembers a qualified list that stands in the place of a name, without `__` before it.
+    /// Remembers a qualified list in the place of a name, without `__` before it.
     void NoteList(std::size_t position) {
         mIsListPending =
             Left(position) >= 3 && mName[position] == 'Q' && IsDigit(mName[position + 1]);

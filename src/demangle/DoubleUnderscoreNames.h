@@ -9,9 +9,9 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Writes the qualifiers of a name in the order in which they stand, and then the base name, with
-/// the scope separator between them. A name that can't be read is copied as it stands, with an
-/// underscore for each character that no name may hold.
+/// Writes the qualifiers of a name in their order, and then the base name, with the scope separator
+/// between them. A name that can't be read is copied unchanged, with an underscore for each
+/// character that no name may hold.
 /// @param out       receives the text, terminated; at least `outSize` + 1 bytes
 /// @param outSize   most characters that `out` takes before its terminator; not negative
 /// @param demangled set if the name was read as a mangled name; left as it is otherwise

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t sShortestName = 4;
 
-/// Start position that stands for a name of another form.
+/// Start position that marks a name of another form.
 constexpr std::size_t sNoStart = std::string_view::npos;
 
 struct Prefix {

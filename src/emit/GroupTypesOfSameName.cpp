@@ -77,7 +77,7 @@ public:
 private:
     /// What is known of the nodes of one text.
     struct Group {
-        /// Null where the text can be told from the latest node again, see `KeepTextIfWanted`.
+        /// Null if the latest node can give the text again, see `KeepTextIfWanted`.
         const char* text = nullptr;
         std::uint32_t textLength = 0;
         VNodeLink<VDebugInfoNode> latest;
@@ -168,7 +168,7 @@ private:
         return group;
     }
 
-    /// True if the text of the group is at hand and the one that was built.
+    /// True if the group's text is kept and equals the text that was just built.
     [[nodiscard]] bool HasKeptText(const Group& group) const {
         return group.text != nullptr &&
                mText.Get() == std::string_view(group.text, group.textLength);
@@ -230,7 +230,7 @@ private:
     std::vector<std::uint32_t> mGroupNumbers;
     /// The texts are wanted no longer than the groups.
     VNodeArena mTexts;
-    /// The first one is none.
+    /// The first one is a placeholder.
     std::vector<Group> mGroups{1};
     HashSlots mGroupSlots;
     std::uint32_t mLatestGroup = 0;

@@ -18,7 +18,7 @@ void ResolveAllReferences(VDwarf2Section& section);
 /// names.
 void DemangleNames(VDwarf2Section& section);
 
-/// The same for nodes that aren't in the tree yet, in ascending order of their offsets.
+/// Demangles names of nodes that aren't in the tree yet, in ascending order of offsets.
 void DemangleNamesOf(VDwarf2Section& section, std::span<VDebugInfoNode* const> nodes);
 
 /// 3. Groups types by their type texts: declarations get their definition, and of equal definitions

@@ -2,7 +2,7 @@
 //
 //   extern int total;          declared external: the symbol `total` that all files know
 //   int f(void) { int n; }     a local without location, optimized away: no static variable
-//   static int count;          optimized away, or of a compiler that tells no locations here: the
+//   static int count;          optimized away, or of a compiler that writes no locations here: the
 //                              symbol `count` of its own file, unless another variable of that name
 //                              has a place
 //

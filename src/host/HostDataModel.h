@@ -20,8 +20,8 @@ using ObjectId = Brindle::DataModel::ObjectId;
 /// A data model as the reader sees it.
 ///
 /// Create operations make an object and return its identifier, which is not 0 and stays valid for
-/// the whole read; 0 tells the reader that the object could not be made, and the read goes on
-/// without it. Get operations return the identifier of an existing object of that key, or 0.
+/// the whole read; 0 means that the object could not be made, and the read goes on without it. Get
+/// operations return the identifier of an existing object of that key, or 0.
 ///
 /// Namespaces, unknown types and the void type of the global namespace are made once for each key:
 /// the reader asks with the Get operation and calls Create only if that gave 0. A variable is made

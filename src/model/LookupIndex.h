@@ -29,8 +29,8 @@ enum class LookupKind : std::uint32_t {
     OldBitField,     ///< combination of base type and scope, combination of position and width
     Section,         ///< size, scope
     Segment,         ///< name, 0
-    Pair,            ///< any two numbers; the value stands for the pair in another key
-    ListStep,        ///< what stands for a list so far, the next item; likewise
+    Pair,            ///< any two numbers; the value represents the pair in another key
+    ListStep,        ///< what represents a list so far, the next item; likewise
 };
 
 struct LookupKey {

@@ -48,7 +48,7 @@ public:
     /// The first object that `AddNamed` stored under this key; 0 if there is none.
     [[nodiscard]] ObjectId FindNamed(LookupKind kind, std::string_view name, ObjectId scope) const;
 
-    /// Stores a global, which `FindNamed` finds by name and scope, and by name alone.
+    /// Stores a global, which `FindNamed` finds by name and scope, and by name only.
     ObjectId AddGlobal(std::string_view name, Record record);
 
     [[nodiscard]] std::size_t Count() const { return mRecords.Size() - 1; }

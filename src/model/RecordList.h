@@ -75,7 +75,7 @@ private:
         /// The detail; for kinds without one, the value.
         std::uint32_t detail;
         /// Place of the rest, 0 if there is none. Where a function and its type share the record,
-        /// the rest of the type follows that of the function.
+        /// the type's rest follows the function's.
         std::uint32_t rest;
     };
     /// Upper halves, and fields that only some objects have.

@@ -64,7 +64,7 @@ VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& no
                : nullptr;
 }
 
-/// The same for a bound, which ignores passed entries: none of them has a static place.
+/// The node of a bound. Passed entries don't count: none of them has a static place.
 VDebugInfoNode* FindBound(const VAttributeValue& value, const VDieNodeMap& nodes) {
     return value.IsDefined() && value.IsReference() && value.mValue != 0
                ? nodes.FindUnpassed(static_cast<std::uint32_t>(value.mValue))

@@ -117,7 +117,7 @@ private:
         return {};
     }
 
-    /// True for a node whose text follows that of its own type.
+    /// True for a node whose text comes after the text of its own type.
     bool AddMark(const VDebugInfoNode& node) {
         switch (node.GetTag()) {
         case DW_TAG_array_type:

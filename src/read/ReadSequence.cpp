@@ -248,7 +248,7 @@ bool _ReadDWARF2Section(VElfFile& file, VDWARFReaderWrapper* wrapper) {
     if (!section.Init(file, wrapper)) {
         return false;
     }
-    // Decoding asks for symbols by address, so they have to be there before the first entry.
+    // Decoding asks for symbols by address, so they must be loaded before the first entry.
     const bool hasSymbols =
         file.mSecSymtab.IsPresent() && file.mSecStrtab.IsPresent() && !file.IsUnlinked();
     if (hasSymbols && !(file.LoadStrTabSection() && file.LoadSymbolMap(file.mSymbolMap))) {
