@@ -171,7 +171,7 @@ typedef struct brindle_option {
     brindle_option_type type;
 } brindle_option;
 
-/** An option by index, from 0, in the order of their documentation. */
+/** An option by index, from 0, in the order of their documentation; else BRINDLE_NOT_FOUND. */
 BRINDLE_C_API brindle_status brindle_option_at(size_t index, brindle_option* option);
 
 /**
@@ -544,8 +544,8 @@ BRINDLE_C_API brindle_status brindle_reader_deliver_input(brindle_reader reader,
 /**
  * @name Models
  * A model never changes. Its objects have the identifiers from 1 up to their number, in the order
- * of delivery; 1 is the global namespace. After a failed read it answers queries about what was
- * delivered.
+ * of delivery; 1 is the global namespace. After a failed read it has what was delivered. An
+ * identifier or index that doesn't exist gives BRINDLE_NOT_FOUND.
  */
 /** @{ */
 
@@ -994,7 +994,7 @@ typedef struct brindle_section {
 /** What the headers of the file say. All 0 and empty if they could not be read. */
 BRINDLE_C_API brindle_status brindle_model_image(brindle_model model, brindle_image* image);
 
-/** A section by index, from 0, in the order of their addresses. */
+/** A section by index, from 0, in the order of their addresses; else BRINDLE_NOT_FOUND. */
 BRINDLE_C_API brindle_status brindle_model_section(brindle_model model, size_t index,
                                                    brindle_section* section);
 
