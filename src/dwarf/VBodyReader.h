@@ -13,7 +13,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VDebugInfoNode;
 class VDwarf2Section;
 
-/// Has the bytes of the unit loaded as long as it lives.
+/// Keeps the bytes of the unit loaded as long as it lives.
 class VBodyReader {
 public:
     VBodyReader(VDwarf2Section& section, VCompileUnitHeader& header);
@@ -25,7 +25,7 @@ public:
 
     /// False if the unit can't be loaded, with an error set.
     [[nodiscard]] bool IsLoaded() const { return mDie.has_value(); }
-    /// Reads the body of a type of the unit, and those within it. To be asked for once.
+    /// Reads the body of a type of the unit, and those within it. Call it once for a type.
     /// @return section offset of its end
     std::uint32_t Read(VDebugInfoNode& type) { return mDie->ReadBody(type); }
     /// The nodes that were made since the last call, in the order of reading. They are in no map.
