@@ -53,7 +53,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VE
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "symbol reader for firmware images, development files
  ${about} This package has what building programs with the library takes.")
 
-# What a Debian package has and a plain installation hasn't.
+# Only for Debian packages, not for a plain installation.
 string(TIMESTAMP packaging_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(packaging/changelog.Debian.in "${PROJECT_BINARY_DIR}/packaging/changelog.Debian" @ONLY)
 configure_file(packaging/PrepareDebian.cmake.in

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Rebuilds the sample images: all, or those whose names are given. The compilers are Debian's, which
-# scripts/install-packages.sh samples installs; the same compilers give the same bytes anywhere, but for the
-# identifiers of split units.
+# Rebuilds the sample images: all, or only the named ones. The compilers are Debian's, which
+# scripts/install-packages.sh samples installs; the same compilers give the same bytes anywhere, except for
+# the identifiers of split units.
 #
 # usage: build.sh [--into FOLDER] [IMAGE...]
 #   --into FOLDER  where the images go, instead of the folder that is kept; big images need it
@@ -15,9 +15,9 @@ fi
 objects=$(mktemp -d)
 trap 'rm -rf "$objects"' EXIT
 
-# Projects: c, cpp, both of them in one image, device, or one file of hosted/ or languages/. An image that
-# ends in .o is the unit motor.c alone, not linked. Images for Windows end in .exe or .dll. What only the
-# full manner reads, or reads otherwise, is in the folder full.
+# Projects: c, cpp, both in one image, device, or one file of hosted/ or languages/. An image that ends in
+# .o is only the unit motor.c, not linked. Images for Windows end in .exe or .dll. Images that only the full
+# manner reads, or reads differently, are in the folder full.
 image_table='
 # image                           processor compiler project flags
 arm-symbols.elf                   arm       gcc      both    -O1 -g0
@@ -79,7 +79,7 @@ full/x86_64-fortran.elf           x86_64    fortran  languages/plant.f90 -O1 -g
 full/x86_64-ada.elf               x86_64    ada      languages/plant.adb -O1 -g
 full/x86_64-rust.elf              x86_64    rust     languages/plant.rs  -g -Wl,--gc-sections,--unresolved-symbols=ignore-all
 
-# Other ways to write it. The compiler for AVR writes no DWARF by default.
+# Other forms. The compiler for AVR writes no DWARF by default.
 full/powerpc-device-dwarf2.elf    powerpc   gcc      device  -O0 -gdwarf-2 -gstrict-dwarf
 full/powerpc-device-dwarf4.elf    powerpc   gcc      device  -O2 -gdwarf-4
 full/avr-device-dwarf2.elf        avr       gcc      device  -Os -gdwarf-2
@@ -105,7 +105,8 @@ full/arm-c-split.elf              arm       gcc      c       -O2 -gdwarf-5 -gspl
 full/x86_64-clang-cpp-split.elf   x86_64    clang    cpp     -O0 -gdwarf-5 -gsplit-dwarf
 '
 
-# Images that are too big to be kept. The tests build them, with --into, where the compiler is there.
+# Images that are too big for the repository. The tests build them, with --into, if the compiler is
+# installed.
 big_image_table='
 full/x86_64-hosted-c.exe          windows64 gcc      hosted/main.c    -g
 full/x86_64-hosted-cpp.exe        windows64 gcc      hosted/main.cpp  -g
@@ -193,7 +194,7 @@ compile() {
     [[ $project:$cc != device:clang* ]] || unit_flags+=(-Wno-microsoft-anon-tag)
     cd "$samples/$project"
     if [[ "${flags[*]}" = *-gsplit-dwarf* ]]; then
-        # The unit names the file with its other half as the compiler is told.
+        # The unit names the file with its other half as the compiler is told to.
         cd "$objects"
         source=$samples/$unit object=${object##*/}
     fi
@@ -220,7 +221,7 @@ link_elf() {
     local target=$1 script=$2 folder=$objects all_flags=("${linker_flags[@]}")
     shift 2
     if [[ "${flags[*]}" = *-flto* ]]; then
-        # The linker compiles. It names the sources as seen from the folder that it runs in.
+        # The linker compiles. It names the sources relative to the folder in which it runs.
         folder=$samples/$project
         all_flags+=("${flags[@]}" "${common[@]}")
     fi
