@@ -27,8 +27,8 @@ struct VLocationResult;
 struct TDieAttribute;
 struct VCompileUnitHeader;
 
-/// The attributes of one entry. Values are 32 bits wide, except for the address; wider forms are
-/// cut.
+/// What the attributes of one entry tell. Values are 32 bits wide, except for the address; wider
+/// forms are cut.
 struct VDieAttributes {
     dwarf_tag mTag = 0;
     /// Section offset of the entry.
@@ -50,7 +50,7 @@ struct VDieAttributes {
     bool mIsExternal = false;
     bool mHasMemberLocation = false;
     bool mHasLocation = false;
-    /// Only the bits that count in the manner of reading.
+    /// In those bits that count in the manner of reading.
     std::uint64_t mLocationAddress = 0;
     std::uint32_t mMemberOffset = 0;
     std::uint32_t mBitOffset = 0;
@@ -67,12 +67,12 @@ struct VDieAttributes {
     bool mHasBitOffset = false;
     /// The bit offset counts from the start of the structure.
     bool mHasDataBitOffset = false;
-    /// For a type whose bytes are in the order opposite to the target's.
+    /// Of a type whose bytes lie in the order that the target doesn't have.
     bool mHasOtherByteOrder = false;
     bool mHasRareAttributes = false;
 };
 
-/// Attributes that few entries have.
+/// What the attributes of few entries tell.
 struct VRareDieAttributes {
     VAttributeString mCompDir;
     /// At most 1024 characters.
@@ -83,7 +83,7 @@ struct VRareDieAttributes {
     VAttributeValue mConstValue;
     /// Value of the ordering attribute, if there is one.
     std::optional<std::uint32_t> mOrdering;
-    /// Distance between elements in bits; 0 if the entry doesn't give it.
+    /// From one element to the next, in bits; 0 if that isn't told.
     std::uint64_t mStrideInBits = 0;
     bool mHasComputedPlace = false;
     bool mHasComputedLowerBound = false;
@@ -91,21 +91,21 @@ struct VRareDieAttributes {
     std::uint32_t mSignatureType = 0;
 };
 
-/// The number or text of a form.
+/// The number or text that a form gave.
 struct VDieFormValue {
     std::uint32_t mNumber = 0;
-    /// Null for forms that are no texts and for texts that don't exist.
+    /// Null for forms that are no texts and for texts that aren't there.
     const char* mString = nullptr;
 };
 
 /// Which entries of a unit get nodes.
 enum class NodeChoice : std::uint8_t {
     All,
-    /// Every entry that may be needed, see `CodeEntry`.
+    /// All that anything can ask for, see `CodeEntry`.
     WithoutCode,
-    /// The same without entries in the bodies of types, see `BodyEntry`.
+    /// All of these but those in the bodies of types, see `BodyEntry`.
     WithoutBodies,
-    /// Entries without a node: the unit was read without code or bodies before.
+    /// Those that have none: the unit was read without code or bodies before.
     Missing,
 };
 
@@ -115,14 +115,14 @@ public:
     /// The reader has its bytes and abbreviations loaded.
     VDie2(VCompileUnitReader& reader, NodeChoice choice);
 
-    /// Reads the entry at the cursor with all its descendants and makes the chosen nodes (DWARF 4,
-    /// 2.3 and 7.5.2). Unknown abbreviation codes are skipped byte by byte; an entry that the end
-    /// of the unit truncates makes no node and ends the walk.
+    /// Reads the entry at the cursor with all its descendants and makes the nodes that are chosen
+    /// (DWARF 4, 2.3 and 7.5.2). Unknown abbreviation codes are passed over byte by byte; an entry
+    /// that is cut off by the end of the unit makes no node and ends the walk.
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
-    /// Makes the missing nodes of a type that was read without its body, and those of types within
-    /// it.
+    /// Makes the missing nodes of a type that was read without its body, those of types within it
+    /// too.
     /// @return section offset of the body's end
     std::uint32_t ReadBody(VDebugInfoNode& type);
 
@@ -132,11 +132,11 @@ public:
         return std::exchange(mMadeNodes, {});
     }
 
-    /// Reads the facts of the whole unit from the entry at the cursor, without moving: values of
-    /// this entry may depend on attributes after them.
+    /// Reads what the entry at the cursor says of the whole unit and stays there: values of that
+    /// very entry may depend on attributes behind them.
     void ReadUnitFacts();
 
-    /// Lower bound of arrays that don't have one, if it isn't 0.
+    /// Lower bound of arrays that tell none, where it isn't 0.
     [[nodiscard]] VAttributeValue DefaultLowerBoundOfUnit() const;
     /// True for an array whose first index runs fastest in memory.
     [[nodiscard]] bool IsColumnMajor() const;
@@ -145,7 +145,7 @@ public:
 private:
     enum class Entry { Null, Unknown, Decoded, Passed };
 
-    /// Where the children of an entry are.
+    /// Where the children of an entry stand.
     enum class Surroundings : std::uint8_t {
         Other,
         Function,
@@ -157,15 +157,15 @@ private:
 
     /// An entry whose children are being read.
     struct OpenEntry {
-        /// Null while the entry waits for a child that needs it.
+        /// Null as long as the entry waits for a child that needs it.
         VDebugInfoNode* node = nullptr;
         Surroundings surroundings = Surroundings::Other;
         bool isInFunction = false;
-        /// What the node will be made of, if it is needed.
+        /// What the node is made of, if it comes to that.
         std::int32_t unitOffset = 0;
         std::uint32_t recordNumber = 0;
         std::uint32_t nodeRecord = 0;
-        /// Section offset of the type that it refers to, while it has no node; 0 if the reference
+        /// Section offset of the type that it refers to as long as it has no node, 0 if that
         /// doesn't count.
         std::uint32_t type = 0;
     };
@@ -184,21 +184,21 @@ private:
 
     [[nodiscard]] CodeEntry CodeEntryHere() const;
     [[nodiscard]] BodyEntry BodyEntryHere() const;
-    /// Where the children of a passed entry are.
+    /// What surrounds the children of an entry that is passed.
     [[nodiscard]] Surroundings SurroundingsInPassed() const;
     [[nodiscard]] bool LeavesBodies() const;
-    /// Records that an entry without a node refers to a type.
+    /// Takes note that an entry without node refers to a type.
     void NotePassedType(std::uint32_t offset);
     Entry PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
     /// Passes a variable without place, makes the node of any other.
     Entry ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber);
     void PassVariable();
-    /// Makes the nodes of the open entries that wait for one. The current entry must then be read
-    /// again.
+    /// Makes the nodes of the open entries that wait for one. The entry that is being read has to
+    /// be read again.
     /// @return false if none waited
     bool MakeWaitingNodes();
     void OpenCurrentEntry();
-    /// Makes the node of the current entry if it has none, and restores its place among the
+    /// Makes the node of the current entry if it has none, and gives it back its place among the
     /// children of its parent.
     void MakeMissingNode(VCompileUnitHeader* header);
     /// Takes all children off, for `MakeMissingNode` to put them back one by one.
@@ -212,34 +212,34 @@ private:
     void ReadAttribute(const TDieAttribute& attribute);
     void ReadDirectAttribute(const TDieAttribute& attribute);
     TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
-    /// False if there is no value, or none in this file.
+    /// False if there is no value, or none that is at hand.
     bool ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value);
-    /// Section offset of the type in a type attribute, 0 if there is none.
+    /// Section offset of the type that the value of a type attribute names, 0 if there is none.
     [[nodiscard]] std::uint32_t TypeOffsetOf(const TDieAttribute& attribute,
                                              const VDieFormValue& value) const;
     bool ReadIndexedValue(FormReading reading, VDieFormValue& value);
     std::uint32_t ReadIndex(FormReading reading);
-    /// The text of an index, null if there is none.
+    /// Null if there is none.
     const char* FindIndexedText(std::uint32_t index);
     void StoreUnitFact(AttributeTarget target, const VDieFormValue& value);
     std::uint32_t ReadBlockLength(FormReading reading);
     std::uint32_t ReadOffset();
     [[nodiscard]] bool HasWideReferencesByOption() const;
     std::uint32_t ReadReferenceAddress(bool hasOffsetWidth);
-    /// Moves past a block; one that exceeds the end of the unit truncates the entry.
+    /// Moves behind a block; one that passes the end of the unit cuts the entry off.
     void MoveBehindBlock(std::uint32_t length);
 
-    /// Clears the previous entry.
+    /// Forgets the entry before this one.
     void Reset();
-    /// The rare attributes, for changing.
+    /// The rare attributes, to change them.
     VRareDieAttributes& Rare() {
         mHasRareAttributes = true;
         return mRareAttributes;
     }
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
-    /// Stores the layout attributes that few types and arrays have.
+    /// What few types and arrays say of their layout.
     void StoreLayoutAttribute(AttributeTarget target, std::uint32_t value);
-    /// Stores the origin of an instance like a specification.
+    /// The origin of an instance says what a specification says.
     void StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin);
     void StoreImport(const TDieAttribute& attribute, std::uint32_t value);
     void StoreSignature(const TDieAttribute& attribute, std::uint32_t value);
@@ -263,7 +263,7 @@ private:
     bool ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
     std::uint64_t ReadPlainLocation(const TDieAttribute& attribute);
 
-    /// Makes the node of the entry under a parent, which may be null, and maps it. Always true.
+    /// Makes the node of the entry under a parent, which may be null, and files it. Always true.
     bool MapCurrentDieToNode(VCompileUnitHeader* header, VDebugInfoNode* parent);
     VDebugInfoNode* CreateNode(VCompileUnitHeader* header, VDebugInfoNode* parent);
     VDebugInfoNode* CreateNodeByTag(VCompileUnitHeader* header, VDebugInfoNode* parent);
@@ -274,13 +274,13 @@ private:
     VLocTabBuffer* mLocTabBuffer;
     VDwarf2Section* mSection;
     VCompileUnitReader* mUnitReader;
-    /// The forms of the manner of reading.
+    /// Those of the manner of reading.
     const DieForms* mForms;
     ReadingManner mManner;
     bool (VDie2::*mReadLocationNumber)(const TDieAttribute& attribute, std::uint64_t& value);
-    /// Subtracted from the addresses of variables; 0 unless the container has set it.
+    /// Taken off the addresses of variables; 0 unless the container has set it.
     std::uint64_t mImageBase;
-    /// Cleared only after an entry that has any.
+    /// Cleared only behind an entry that has any.
     VRareDieAttributes mRareAttributes;
     const TAbrTabItem* mItem = nullptr;
     /// The node made of the current entry.
@@ -289,7 +289,7 @@ private:
     std::vector<OpenEntry> mOpenEntries;
     std::vector<VDebugInfoNode*> mMadeNodes;
     NodeChoice mChoice;
-    /// Number of attributes that the unit may still have.
+    /// Attributes that the unit may still have.
     std::int64_t mAttributesLeft;
 };
 

@@ -45,17 +45,17 @@ class VUnitTables;
 struct Elf64_Shdr;
 enum class NodeChoice : std::uint8_t;
 
-/// The number of debug entries visited in this read, null entries included.
+/// The count of debug entries visited in this read, null entries included.
 extern std::uint32_t recCnt;
 
-/// Non-zero if `.debug_info` is read in the extended sense, as set in
-/// `VElfOptions::mUseCppExtensionDWARF2` at the start of the section. No result depends on it.
+/// Non-zero if `.debug_info` is taken in the extended sense, as
+/// `VElfOptions::mUseCppExtensionDWARF2` says at the start of the section. No result depends on it.
 extern std::int32_t gOptExt;
 
 /// How the search for units ended.
 enum class MappingOutcome : std::uint8_t {
     Mapped,
-    /// The units after a damaged one were given up.
+    /// The units behind a damaged one were given up.
     GaveUp,
     /// With an error set.
     Failed,
@@ -63,11 +63,11 @@ enum class MappingOutcome : std::uint8_t {
 
 /// Section reader of one read.
 ///
-/// There are three kinds of offset, and names say which is meant: a file position; a unit offset,
+/// Three kinds of offset occur, and each name says which is meant: a file position; a unit offset,
 /// which counts from the first byte of its unit; a section offset, which counts from the start of
-/// `.debug_info` and is the key of all nodes. All of them are 32-bit numbers. `.debug_types` counts
-/// as if it followed `.debug_info`: the section offset of an entry in it is the size of
-/// `.debug_info` plus its own position.
+/// `.debug_info` and is the key of all nodes. All of it is 32-bit arithmetic. `.debug_types` counts
+/// as if it stood right behind `.debug_info`: an entry of it has the size of `.debug_info` and its
+/// own place for a section offset.
 class VDwarf2Section {
 public:
     VDwarf2Section();
@@ -82,40 +82,40 @@ public:
     bool Init(VElfFile& file, VDWARFReaderWrapper* reader);
 
     /// Reads, resolves and delivers. Errors: those of mapping and loading units. After a failure
-    /// only the unknown types are delivered.
+    /// nothing of the debug information is delivered but the unknown types.
     bool ProcessDebugSection();
 
     /// @name Reading
-    /// Units are found in dwarf/CompileUnitMapping and read in dwarf/SectionReading;
-    /// dwarf/UnitRemarks reports what was skipped.
+    /// Units are found in dwarf/CompileUnitMapping, read in dwarf/SectionReading; what was passed
+    /// over is told in dwarf/UnitRemarks.
     /// @{
 
     /// Finds every unit of the sections; see `VCompileUnitHeader`. True may come with error
     /// `ELFERR_COMPILE_UNIT_SIZE` set, when a search for damaged units was given up.
     bool MapCompileUnits();
-    /// Reads the entries of all units into nodes. Entries of code that nobody needs get no node,
-    /// nor, at first, do entries in bodies of types that may be left for later, unless nodes are
-    /// dumped or units overlap.
+    /// Reads the entries of all units into nodes. Those of code that nothing can ask for get none,
+    /// nor do, at first, those in bodies of types where these may be left for later, unless nodes
+    /// are to be dumped or units overlap.
     bool ProcessCompileUnits();
-    /// Makes every entry get its node. Call it before `ProcessCompileUnits`.
+    /// Lets every entry have its node. For the time before `ProcessCompileUnits`.
     void KeepAllEntries() { mKeepsAllEntries = true; }
-    /// Leaves the bodies of types for later if the result stays the same, see `BodyEntry`. Call it
-    /// before `ProcessCompileUnits`.
+    /// Leaves the bodies of types for later where that gives the same result, see `BodyEntry`. For
+    /// the time before `ProcessCompileUnits`.
     void LeaveBodies() { mLeavesBodies = CanLeaveBodies(); }
     [[nodiscard]] bool LeavesBodies() const { return mLeavesBodies; }
-    /// Records that the result may depend on bodies to which no variable leads. The section is then
+    /// Takes note that the result may depend on bodies that no variable leads to. The section is
     /// read anew with all of them.
     void RequireBodies() { mRequiresBodies = true; }
     [[nodiscard]] bool RequiresBodies() const { return mRequiresBodies; }
-    /// Reports how far the reading of entries has come.
+    /// Tells how far the reading of entries has come.
     void TellProgress(std::uint32_t sectionOffset);
-    /// Counts a passed entry of a body.
+    /// Takes note of a passed entry of a body.
     void CountPassedOfBody() { ++mPassedOfBodies; }
     /// The buffer of the latest unit, whose memory serves the next one; null if there is none.
     std::unique_ptr<VElfBuffer> LendUnitBuffer();
     void TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer);
-    /// Makes the nodes of passed entries in the units that contain the offsets.
-    /// @return these nodes; empty if the units have all their nodes already
+    /// Makes the nodes of passed entries in the units where the offsets lie.
+    /// @return these nodes; none if the units have theirs already
     std::vector<VDebugInfoNode*> ReadPassedEntries(std::span<const std::uint32_t> offsets);
     /// Makes the nodes of all passed entries.
     std::vector<VDebugInfoNode*> ReadAllPassedEntries();
@@ -139,7 +139,7 @@ public:
     [[nodiscard]] const char* GetDebugString(std::uint64_t offset) const {
         return offset < mDebugStr.size() ? mDebugStr.data() + offset : nullptr;
     }
-    /// Section offset of the type with a signature, 0 if no type unit has it.
+    /// Section offset of the type of a signature, 0 if no type unit has it.
     [[nodiscard]] std::uint32_t FindTypeOfSignature(std::uint64_t signature) const;
     /// True if a text lies in `.debug_str`. Such texts live as long as the tree.
     [[nodiscard]] bool IsInDebugStr(const char* text) const {
@@ -147,20 +147,20 @@ public:
                               reinterpret_cast<std::uintptr_t>(mDebugStr.data());
         return distance < mDebugStr.size();
     }
-    /// Makes a text of an entry live as long as the tree: the text itself if it lies in
-    /// `.debug_str` and isn't cut, else a copy.
+    /// A text of an entry so that it lives as long as the tree: the text itself where all of it
+    /// counts and it lies in `.debug_str`, else a copy.
     VNodeText KeepText(const VDieText& text);
-    /// The same for a text of known length. A copy is terminated.
+    /// The same for a text of known length. What is copied is terminated.
     std::string_view KeepText(std::string_view text);
     /// A copy of a text that lives as long as the tree.
     VNodeText CopyText(std::string_view text);
-    /// The first `limit` characters of a terminated text, or fewer of a long text once the file has
-    /// used up its allowance of long texts.
+    /// The first `limit` characters of a terminated text; less of long texts when a file has far
+    /// too many of them.
     VDieText AllowText(const char* text, std::uint32_t limit);
-    /// All of a terminated text, measured; long texts are cut as in `AllowText`.
+    /// All of a terminated text, measured; long texts are cut as those of `AllowText` are.
     std::string_view MeasureText(const char* text);
 
-    /// Calls `visit` with each node whose entry a variable without node completes.
+    /// Calls `visit` with each entry that has a node and is completed by a variable that has none.
     template <typename Visitor>
     void ForEachCompletedByPassed(Visitor&& visit) const {
         for (const VPassedVariable& variable : mPassedVariables) {
@@ -171,7 +171,7 @@ public:
             }
         }
     }
-    /// Counts the references of passed variables like those of nodes.
+    /// Counts the references of passed variables as those of nodes are counted.
     void NoteReferencesOfPassed() const;
 
     /// @}
@@ -184,7 +184,7 @@ public:
     bool ResolveNodes();
     /// Asks each root of delivery for its host object. Always true.
     bool EmitNodes();
-    /// True if the node is delivered on its own account.
+    /// True if the node is delivered for its own sake.
     /// @param allTypes types count as roots too
     static bool IsEmissionRoot(const VDebugInfoNode& node, bool allTypes);
     /// The host's unknown type of a size in the global namespace.
@@ -208,20 +208,20 @@ public:
     VElfFileCachePtr mDebugStrCache;
     /// Its bytes; a terminator follows the last one.
     std::string_view mDebugStr;
-    /// How far the file is linked, as decoding must know.
+    /// How far the file is linked, as far as decoding has to know.
     Linkage mLinkage = Linkage::Linked;
-    /// The forms of the manner of reading and the file.
+    /// Those of the manner of reading and the file.
     const DieForms* mForms = nullptr;
     /// Only in the full manner of reading.
     std::unique_ptr<VUnitTables> mUnitTables;
     /// Only in the full manner of reading.
     std::unique_ptr<VLocationLists> mLocationLists;
-    /// From the signature of a type to its section offset. The first unit of a signature counts.
+    /// Signature of a type to its section offset. The first unit of a signature counts.
     std::unordered_map<std::uint64_t, std::uint32_t, SeededHash> mTypeOffsets;
     VUnitLinks mUnitLinks;
-    /// Number of skipped units by version.
+    /// Units that are passed over, by their version.
     std::map<std::int32_t, std::uint32_t> mUnitsNotRead;
-    /// Number of units whose entries are in another file.
+    /// Units whose entries lie in another file.
     std::uint32_t mSplitUnitCount = 0;
     /// Every unit found that is read, in file order; they lie in the arena.
     std::vector<VCompileUnitHeader*> mCompileUnits;
@@ -232,9 +232,9 @@ public:
     std::vector<VPassedVariable> mPassedVariables;
     /// Only in the full manner of reading, where bodies are left for later.
     VPassedReferences mPassedReferences;
-    /// From a host object to the node that was first delivered as it.
+    /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
-    /// Sizes of the unknown types that are made in advance.
+    /// Sizes of the unknown types that are kept at hand.
     static constexpr std::array<std::uint32_t, 5> kUnknownEntryTypeSizes = {0, 1, 2, 4, 8};
     /// Host objects of the unknown types of these sizes.
     std::array<std::uint64_t, kUnknownEntryTypeSizes.size()> mUnknownEntryTypes{};
@@ -251,27 +251,27 @@ private:
     bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
                           std::int32_t record) const;
     void CreateUnknownEntryTypes();
-    /// Adds remarks on what was skipped to those of the file.
+    /// Tells the file's remarks what was passed over.
     void AddRemarks();
-    /// @param nameOffset offset of the supplementary file's name in the section
+    /// @param nameOffset place of the supplementary file's name in the section
     void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) const;
     bool ProcessCompileUnit(VCompileUnitHeader& header);
     /// Reads a unit with all its entries.
-    /// @param made receives the nodes of `NodeChoice::Missing`
+    /// @param made takes the nodes of `NodeChoice::Missing`
     bool ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
                   std::vector<VDebugInfoNode*>& made);
     std::vector<VDebugInfoNode*> ReadPassedEntriesOf(const std::vector<VCompileUnitHeader*>& units);
-    /// True if each unit begins after the end of the one before.
+    /// True if each unit begins behind the one before.
     [[nodiscard]] bool AreUnitsApart() const;
     /// True only for a text of `.debug_str` that is known to be short.
     [[nodiscard]] bool IsShortText(const char* text) const;
 
-    /// True if the choice of nodes affects only the cost of the read.
+    /// True if the choice of nodes shows in nothing but the cost of the read.
     [[nodiscard]] bool CanLeaveBodies() const;
-    /// True if a first part of the section was read that is large enough to predict the rest.
+    /// True if a first part of the section was read by now, large enough to predict the rest.
     [[nodiscard]] bool HasReadSample(std::size_t unitCount) const;
-    /// True if variables lead to so many bodies that passing them first costs more than it saves.
-    /// Works on what was read so far, which must be forgotten afterwards.
+    /// True if variables lead to so many of the bodies that passing them first costs more than it
+    /// saves. Works on what was read up to now, which has to be forgotten then.
     [[nodiscard]] bool DoVariablesLeadToMostBodies();
     /// Forgets all entries, to read them again.
     void ForgetEntries();
@@ -279,12 +279,12 @@ private:
     bool mKeepsAllEntries = false;
     bool mLeavesBodies = false;
     bool mRequiresBodies = false;
-    /// Number of units whose facts were counted.
+    /// Units whose facts were taken.
     std::uint32_t mCountedUnits = 0;
     bool mIsReadAgain = false;
-    /// The latest offset that was reported as progress.
+    /// The latest offset that was told as progress.
     std::int64_t mToldOffset = -1;
-    /// Number of passed entries in bodies.
+    /// Entries of bodies that were passed.
     std::size_t mPassedOfBodies = 0;
     /// Number of the first node of the section.
     std::uint32_t mFirstNodeRecord = 0;

@@ -1,6 +1,6 @@
 // A read without all types has passed the bodies of types, see dwarf/BodyEntries.h. Now that the
-// places of variables are known, this pass reads the bodies that delivery or a later pass asks for:
-// the bodies of types to which variables lead. Delivery goes from a variable to
+// places of variables are known, the bodies are read that delivery or a later pass asks for: those
+// of the types to which variables lead. Delivery goes from a variable to
 //
 //     its scope, its type, the entry that it completes, and on from each of these;
 //     the definition in place of a declaration;
@@ -9,8 +9,8 @@
 //
 // Units are read one after the other, each as long as its bodies lead to others of the same unit.
 // What is read gets its links, its names and its places in the tree as if it had been there from
-// the start. Only functions that complete a function of a body have waited: nobody asks for that
-// link until a variable within them does.
+// the start. Only functions that complete one of a body have waited for that: nobody asks them for
+// it until a variable within leads to them.
 #include "container/VElfFile.h"
 #include "dwarf/BodyEntries.h"
 #include "dwarf/VBodyReader.h"
@@ -38,7 +38,7 @@ public:
 
     void ReadAll() {
         mNodes.ForgetMissing();
-        // The references in bodies were counted when the bodies were passed.
+        // What bodies refer to was counted when they were passed.
         mNodes.CountReferences(false);
         mNodes.ForEachOf(NodeGroup::Variables, [this](VDebugInfoNode& variable) {
             if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
@@ -60,7 +60,7 @@ public:
     }
 
 private:
-    /// What is wanted from a unit.
+    /// What is wanted of a unit.
     struct WantedOfUnit {
         std::vector<VDebugInfoNode*> types;
         /// Functions that complete one of its bodies.
@@ -151,7 +151,7 @@ private:
         mUnits[type->GetCompileUnitHeader()->mIndex].functions.push_back(&function);
     }
 
-    /// Links a function to the one in a body that was read. In a damaged file it names another
+    /// The link of a function to the one in a body that was read. A damaged file names another
     /// entry.
     void Complete(VDebugInfoNode& function) {
         const auto offset = static_cast<std::uint32_t>(function.GetSpecificationAttribute().mValue);
@@ -182,7 +182,7 @@ private:
         }
     }
 
-    /// Types precede those within them, whose bodies are read with theirs.
+    /// Types come before those within them, whose bodies are read with theirs.
     void ReadBodies(VBodyReader& reader, std::vector<VDebugInfoNode*>& types) {
         std::ranges::sort(types, {}, &VDebugInfoNode::GetOffset);
         for (VDebugInfoNode* type : types) {
@@ -223,9 +223,9 @@ private:
 
     VDwarf2Section& mSection;
     VDieNodeMap& mNodes;
-    /// Nodes whose references are still to be followed.
+    /// Nodes to follow.
     std::vector<VDebugInfoNode*> mReached;
-    /// What is still wanted, by the index of the unit in the list of units.
+    /// What is still wanted, by the unit's place in the list of units.
     std::map<std::uint32_t, WantedOfUnit> mUnits;
     /// Section offsets of the bodies that were read; those within others not.
     std::map<std::uint32_t, std::uint32_t> mEndsOfBodies;
