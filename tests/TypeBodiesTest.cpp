@@ -283,7 +283,7 @@ TEST(TypeBodiesTest, OnlyBodiesThatVariablesLeadToHaveNodes) {
     EXPECT_EQ(section.mDieNodes.Size(), 11U);
 }
 
-TEST(TypeBodiesTest, AbbreviationsTellWhatIsPassed) {
+TEST(TypeBodiesTest, AbbreviationsTellWhatIsSkipped) {
     using Attributes = std::vector<std::pair<AttributeTarget, FormReading>>;
     constexpr FormReading number = FormReading::FourBytes;
     struct Case {
@@ -293,7 +293,7 @@ TEST(TypeBodiesTest, AbbreviationsTellWhatIsPassed) {
         BodyEntry expected;
     };
     const Case cases[] = {
-        {DW_TAG_member, false, {{AttributeTarget::Type, number}}, BodyEntry::Passed},
+        {DW_TAG_member, false, {{AttributeTarget::Type, number}}, BodyEntry::Skipped},
         {DW_TAG_member, true, {{AttributeTarget::Type, number}}, BodyEntry::Kept},
         {DW_TAG_member, false, {{AttributeTarget::External, number}}, BodyEntry::Kept},
         {DW_TAG_member, false, {{AttributeTarget::Specification, number}}, BodyEntry::Kept},
@@ -302,7 +302,7 @@ TEST(TypeBodiesTest, AbbreviationsTellWhatIsPassed) {
         {DW_TAG_member,
          false,
          {{AttributeTarget::BitSize, number}, {AttributeTarget::DataBitOffset, number}},
-         BodyEntry::Passed},
+         BodyEntry::Skipped},
         {DW_TAG_inheritance,
          false,
          {{AttributeTarget::Type, number}, {AttributeTarget::Type, number}},

@@ -19,7 +19,7 @@ BodyEntry EntryOf(dwarf_tag tag, bool hasChildren) {
     case DW_TAG_member:
     case DW_TAG_inheritance:
     case DW_TAG_enumerator:
-        return hasChildren ? BodyEntry::Kept : BodyEntry::Passed;
+        return hasChildren ? BodyEntry::Kept : BodyEntry::Skipped;
     default:
         return BodyEntry::Kept;
     }

@@ -1,14 +1,14 @@
 // Entries in the bodies of types: members, base classes, enumerators and functions that are only
 // declared there. In C++ they are most of what lies outside functions, and a read without all types
-// delivers few of them. So the walk over a unit first passes them, that is, makes no nodes:
+// delivers few of them. So the walk over a unit first skips them, that is, makes no nodes:
 //
 //     variable "motor"  type Motor          a node
 //     structure_type "Motor"                a node, as every type
-//       member "speed"                      passed
+//       member "speed"                      skipped
 //       enumeration_type "State"            a node
-//         enumerator "off"                  passed
+//         enumerator "off"                  skipped
 //       subprogram "Start"  declaration     waits: a node only if something below gets one
-//         formal_parameter                  passed, see CodeEntries.h
+//         formal_parameter                  skipped, see CodeEntries.h
 //
 // Once the places of all variables are known, the bodies to which they lead are read, see
 // `ReadReachedBodies`.
@@ -29,7 +29,7 @@ enum class BodyEntry : std::uint8_t {
     /// They get nodes.
     Kept,
     /// Skipped by their length.
-    Passed,
+    Skipped,
     /// A declared function. Skipped by its length; gets a node as soon as a child does.
     Function,
     /// Skipped by their length if they are in such a function: its template arguments.
@@ -49,7 +49,7 @@ public:
 
     void Take(AttributeTarget target, FormReading reading);
     /// False as soon as it is certain that entries are kept.
-    [[nodiscard]] bool MayPass() const { return mEntry != BodyEntry::Kept; }
+    [[nodiscard]] bool MaySkip() const { return mEntry != BodyEntry::Kept; }
     /// To be called after the last attribute.
     [[nodiscard]] BodyEntry Result() const;
 

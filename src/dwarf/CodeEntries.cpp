@@ -4,7 +4,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// True for attributes that nobody asks a passed entry for.
+/// True for attributes that nobody asks a skipped entry for.
 bool IsOfCodeAlone(AttributeTarget target) {
     switch (target) {
     case AttributeTarget::None:
@@ -40,7 +40,7 @@ bool IsCodeScope(dwarf_tag tag) {
 
 CodeEntry CodeEntryOf(dwarf_tag tag, bool hasChildren) {
     if (IsCodeScope(tag)) {
-        return hasChildren ? CodeEntry::Scope : CodeEntry::Passed;
+        return hasChildren ? CodeEntry::Scope : CodeEntry::Skipped;
     }
     if (hasChildren) {
         return CodeEntry::Kept;
@@ -51,7 +51,7 @@ CodeEntry CodeEntryOf(dwarf_tag tag, bool hasChildren) {
     case DW_TAG_label:
     case DW_TAG_call_site_parameter:
     case DW_TAG_GNU_call_site_parameter:
-        return CodeEntry::Passed;
+        return CodeEntry::Skipped;
     case DW_TAG_variable:
         return CodeEntry::Variable;
     default:

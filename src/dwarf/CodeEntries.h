@@ -1,15 +1,15 @@
 // Entries inside functions that describe running code and nothing that is delivered: parameters,
 // labels, calls, variables in registers or on the stack. In optimized C++ they are two thirds of
-// all entries. The walk over a unit passes them, that is, skips them without making nodes:
+// all entries. The walk over a unit skips them, that is, skips them without making nodes:
 //
 //     subprogram "step"                  a node, as every entry outside of code
-//       formal_parameter "motor"         passed
+//       formal_parameter "motor"         skipped
 //       lexical_block                    waits: a node only if something below gets one
-//         variable "error"  register     passed
+//         variable "error"  register     skipped
 //         structure_type "State"         a node, hence the block too
 //         variable "state"  at 0x2000    a node
 //
-// If another entry refers to a passed one, it is read after all, see `ReadPassedEntries`.
+// If another entry refers to a skipped one, it is read after all, see `ReadSkippedEntries`.
 #pragma once
 
 #include "dwarf/DieForms.h"
@@ -24,7 +24,7 @@ enum class CodeEntry : std::uint8_t {
     /// They get nodes, as all entries outside code do.
     Kept,
     /// Skipped by their length.
-    Passed,
+    Skipped,
     /// Skipped by their length if their parent is the function itself.
     Parameter,
     /// Skipped by their length; get a node as soon as a child does.
@@ -44,8 +44,8 @@ CodeEntry CodeEntryOf(dwarf_tag tag, bool hasChildren);
 CodeEntry WithAttribute(CodeEntry entry, dwarf_tag tag, AttributeTarget target,
                         FormReading reading);
 
-/// A passed variable, by section offset: the entries that it refers to must know about it.
-struct VPassedVariable {
+/// A skipped variable, by section offset: the entries that it refers to must know about it.
+struct VSkippedVariable {
     std::uint32_t mOffset = 0;
     /// The entry that it completes or is an instance of, 0 if there is none.
     std::uint32_t mSpecification = 0;

@@ -1,4 +1,4 @@
-// How the walk over a unit passes the entries in the bodies of types, and how it reads a body
+// How the walk over a unit skips the entries in the bodies of types, and how it reads a body
 // later. BodyEntries.h defines these entries.
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
@@ -36,7 +36,7 @@ BodyEntry VDie2::BodyEntryHere() const {
     }
 }
 
-VDie2::Surroundings VDie2::SurroundingsInPassed() const {
+VDie2::Surroundings VDie2::SurroundingsInSkipped() const {
     return mItem->mBodyEntry == BodyEntry::Kept ? Surroundings::CodeOfFunction
                                                 : Surroundings::FunctionOfBody;
 }
@@ -46,9 +46,9 @@ bool VDie2::LeavesBodies() const {
            (mChoice == NodeChoice::Missing && mSection->LeavesBodies());
 }
 
-void VDie2::NotePassedType(std::uint32_t offset) {
+void VDie2::NoteSkippedType(std::uint32_t offset) {
     if (mManner == ReadingManner::Full) {
-        mSection->mPassedReferences.Note(offset);
+        mSection->mSkippedReferences.Note(offset);
     }
 }
 

@@ -1,4 +1,4 @@
-// How the walk over a unit passes the entries of code, and how it reads them after all when one of
+// How the walk over a unit skips the entries of code, and how it reads them after all when one of
 // them is referred to. CodeEntries.h defines these entries.
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
@@ -25,13 +25,13 @@ CodeEntry VDie2::CodeEntryHere() const {
     }
 }
 
-VDie2::Entry VDie2::PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
-    VDieFormValue passed;
+VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
+    VDieFormValue skipped;
     std::uint32_t type = 0;
-    for (const TDieAttribute& step : mAbbrevTable->PassingStepsOf(*mItem)) {
+    for (const TDieAttribute& step : mAbbrevTable->SkippingStepsOf(*mItem)) {
         mBuffer->MoveOffset(step.mSkip);
-        if (ReadFormValue(step, passed) && step.mAttribute == AttributeTarget::Type) {
-            type = TypeOffsetOf(step, passed);
+        if (ReadFormValue(step, skipped) && step.mAttribute == AttributeTarget::Type) {
+            type = TypeOffsetOf(step, skipped);
         }
         if (mBuffer->HasPassedEnd()) {
             break;
@@ -40,22 +40,22 @@ VDie2::Entry VDie2::PassEntry(std::int32_t unitOffset, std::uint32_t recordNumbe
     if (mBuffer->HasPassedEnd()) {
         return Entry::Unknown;
     }
-    mSection->mDieNodes.Pass();
+    mSection->mDieNodes.Skip();
     if (mItem->mBodyEntry != BodyEntry::Kept) {
-        mSection->CountPassedOfBody();
+        mSection->CountSkippedOfBody();
     }
     const std::uint32_t nodeRecord = VDebugInfoNode::TakeNodeRecord();
     if (mItem->mHasChildren == 1) {
-        mOpenEntries.push_back({.surroundings = SurroundingsInPassed(),
+        mOpenEntries.push_back({.surroundings = SurroundingsInSkipped(),
                                 .isInFunction = true,
                                 .unitOffset = unitOffset,
                                 .recordNumber = recordNumber,
                                 .nodeRecord = nodeRecord,
                                 .type = type});
     } else if (type != 0) {
-        NotePassedType(type);
+        NoteSkippedType(type);
     }
-    return Entry::Passed;
+    return Entry::Skipped;
 }
 
 VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber) {
@@ -66,8 +66,8 @@ VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t re
         return entry;
     }
     if (mHasLocation && mIsRegisterOrStackLocation) {
-        PassVariable();
-        return Entry::Passed;
+        SkipVariable();
+        return Entry::Skipped;
     }
     if (!MakeWaitingNodes()) {
         return entry;
@@ -77,10 +77,10 @@ VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t re
     return DecodeEntry(unitOffset, recordNumber);
 }
 
-void VDie2::PassVariable() {
-    mSection->mDieNodes.Pass();
+void VDie2::SkipVariable() {
+    mSection->mDieNodes.Skip();
     static_cast<void>(VDebugInfoNode::TakeNodeRecord());
-    VPassedVariable variable{.mOffset = mOffset};
+    VSkippedVariable variable{.mOffset = mOffset};
     if (mSpecification.IsReference()) {
         variable.mSpecification = static_cast<std::uint32_t>(mSpecification.mValue);
     }
@@ -90,7 +90,7 @@ void VDie2::PassVariable() {
                              : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, mTypeRef);
     }
     if (variable.mSpecification != 0 || (variable.mType != 0 && mManner == ReadingManner::Full)) {
-        mSection->mPassedVariables.push_back(variable);
+        mSection->mSkippedVariables.push_back(variable);
     }
 }
 

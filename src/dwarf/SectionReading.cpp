@@ -19,7 +19,7 @@ namespace {
 /// Time of the log's clock at the start of the section.
 double gLogBeginSectionTimer = 0;
 
-/// The sample that decides whether passing bodies pays: one part of so many, large enough to
+/// The sample that decides whether skipping bodies pays: one part of so many, large enough to
 /// predict the rest and small enough that reading it again costs little.
 constexpr std::uint64_t sShareOfSample = 32;
 constexpr std::uint64_t sLargestShareOfSample = 8;
@@ -103,17 +103,17 @@ bool VDwarf2Section::HasReadSample(std::size_t unitCount) const {
 }
 
 bool VDwarf2Section::DoVariablesLeadToMostBodies() {
-    const std::size_t passed = mDieNodes.PassedCount();
+    const std::size_t skipped = mDieNodes.SkippedCount();
     ResolveNodes();
-    const std::size_t made = passed - mDieNodes.PassedCount();
-    return mRequiresBodies || made > mPassedOfBodies / 10 * sMostOfTen;
+    const std::size_t made = skipped - mDieNodes.SkippedCount();
+    return mRequiresBodies || made > mSkippedOfBodies / 10 * sMostOfTen;
 }
 
 void VDwarf2Section::ForgetEntries() {
-    mPassedOfBodies = 0;
+    mSkippedOfBodies = 0;
     mDieNodes.Clear();
-    mPassedVariables.clear();
-    mPassedReferences = {};
+    mSkippedVariables.clear();
+    mSkippedReferences = {};
     mUnitLinks = {};
     mLongTexts = LongTextAllowance(mElfFile->mFileSize);
     if (mElfFile->mManner == ReadingManner::Classic) {
@@ -163,25 +163,25 @@ bool VDwarf2Section::AreUnitsApart() const {
 }
 
 bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
-    const std::size_t passedBefore = mDieNodes.PassedCount();
+    const std::size_t skippedBefore = mDieNodes.SkippedCount();
     std::vector<VDebugInfoNode*> made;
     const NodeChoice choice = mKeepsAllEntries ? NodeChoice::All
                               : mLeavesBodies  ? NodeChoice::WithoutBodies
                                                : NodeChoice::WithoutCode;
     const bool countsReferences = mLeavesBodies && mElfFile->mManner == ReadingManner::Full;
     if (countsReferences) {
-        mPassedReferences.EnterUnit(header);
+        mSkippedReferences.EnterUnit(header);
     }
     const bool result = ReadUnit(header, choice, made);
-    header.mHasPassedEntries = mDieNodes.PassedCount() != passedBefore;
+    header.mHasSkippedEntries = mDieNodes.SkippedCount() != skippedBefore;
     if (countsReferences) {
-        mPassedReferences.LeaveUnit(mDieNodes);
+        mSkippedReferences.LeaveUnit(mDieNodes);
     }
     return result;
 }
 
-void VDwarf2Section::NoteReferencesOfPassed() const {
-    for (const VPassedVariable& variable : mPassedVariables) {
+void VDwarf2Section::NoteReferencesOfSkipped() const {
+    for (const VSkippedVariable& variable : mSkippedVariables) {
         if (mDieNodes.Peek(variable.mOffset) == nullptr) {
             mDieNodes.NoteReferred(variable.mSpecification);
             mDieNodes.NoteReferred(variable.mType);
@@ -227,7 +227,7 @@ void VDwarf2Section::TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer) {
 }
 
 std::vector<VDebugInfoNode*>
-VDwarf2Section::ReadPassedEntries(std::span<const std::uint32_t> offsets) {
+VDwarf2Section::ReadSkippedEntries(std::span<const std::uint32_t> offsets) {
     std::vector<VCompileUnitHeader*> units;
     for (const std::uint32_t offset : offsets) {
         const auto behind = std::ranges::upper_bound(mCompileUnits, offset, {},
@@ -236,21 +236,21 @@ VDwarf2Section::ReadPassedEntries(std::span<const std::uint32_t> offsets) {
             units.push_back(*std::prev(behind));
         }
     }
-    return ReadPassedEntriesOf(units);
+    return ReadSkippedEntriesOf(units);
 }
 
-std::vector<VDebugInfoNode*> VDwarf2Section::ReadAllPassedEntries() {
-    return ReadPassedEntriesOf(mCompileUnits);
+std::vector<VDebugInfoNode*> VDwarf2Section::ReadAllSkippedEntries() {
+    return ReadSkippedEntriesOf(mCompileUnits);
 }
 
 std::vector<VDebugInfoNode*>
-VDwarf2Section::ReadPassedEntriesOf(const std::vector<VCompileUnitHeader*>& units) {
+VDwarf2Section::ReadSkippedEntriesOf(const std::vector<VCompileUnitHeader*>& units) {
     const std::uint32_t recordsBefore = recCnt;
     const std::uint32_t nextNodeRecord = VDebugInfoNode::SetNextNodeRecord(0);
     std::vector<VDebugInfoNode*> made;
     for (VCompileUnitHeader* unit : units) {
-        if (unit->mHasPassedEntries) {
-            unit->mHasPassedEntries = false;
+        if (unit->mHasSkippedEntries) {
+            unit->mHasSkippedEntries = false;
             ReadUnit(*unit, NodeChoice::Missing, made);
         }
     }

@@ -30,7 +30,7 @@ bool VAbrTab::Read(VElfBuffer& section, std::uint32_t offset) {
     }
     mItems.shrink_to_fit();
     mAttributes.shrink_to_fit();
-    mPassingSteps.shrink_to_fit();
+    mSkippingSteps.shrink_to_fit();
     return !mItems.empty();
 }
 
@@ -42,17 +42,17 @@ bool VAbrTab::ReadItem(VElfBuffer& section, std::uint32_t code) {
     item.mIsPartialUnit = tag == DW_TAG_partial_unit && item.mTag != tag;
     item.mHasChildren = section.GetUByte();
     item.mFirstAttribute = static_cast<std::uint32_t>(mAttributes.size());
-    item.mFirstPassingStep = static_cast<std::uint32_t>(mPassingSteps.size());
+    item.mFirstPassingStep = static_cast<std::uint32_t>(mSkippingSteps.size());
     ReadAttributes(section, item);
     item.mAttributeCount = static_cast<std::uint32_t>(mAttributes.size()) - item.mFirstAttribute;
     if (!IsPassable(item.mCodeEntry) && item.mBodyEntry == BodyEntry::Kept) {
-        mPassingSteps.resize(item.mFirstPassingStep);
+        mSkippingSteps.resize(item.mFirstPassingStep);
     }
     item.mPassingStepCount =
-        static_cast<std::uint32_t>(mPassingSteps.size()) - item.mFirstPassingStep;
+        static_cast<std::uint32_t>(mSkippingSteps.size()) - item.mFirstPassingStep;
     if (section.HasPassedEnd()) {
         mAttributes.resize(item.mFirstAttribute);
-        mPassingSteps.resize(item.mFirstPassingStep);
+        mSkippingSteps.resize(item.mFirstPassingStep);
         return false;
     }
     mItems.push_back(item);
@@ -64,7 +64,7 @@ void VAbrTab::ReadAttributes(VElfBuffer& section, TAbrTabItem& item) {
     item.mCodeEntry = CodeEntryOf(item.mTag, item.mHasChildren == 1);
     BodyEntryRule bodyEntry(item.mTag, item.mHasChildren == 1);
     StepList reading{mAttributes};
-    StepList passing{mPassingSteps};
+    StepList skipping{mSkippingSteps};
     while (true) {
         const std::uint32_t code = section.GetULEB128();
         TDieAttribute attribute;
@@ -81,25 +81,25 @@ void VAbrTab::ReadAttributes(VElfBuffer& section, TAbrTabItem& item) {
         item.mCodeEntry =
             WithAttribute(item.mCodeEntry, item.mTag, attribute.mAttribute, attribute.mReading);
         bodyEntry.Take(attribute.mAttribute, attribute.mReading);
-        if (IsPassable(item.mCodeEntry) || bodyEntry.MayPass()) {
+        if (IsPassable(item.mCodeEntry) || bodyEntry.MaySkip()) {
             const bool countsType =
-                bodyEntry.MayPass() && attribute.mAttribute == AttributeTarget::Type;
+                bodyEntry.MaySkip() && attribute.mAttribute == AttributeTarget::Type;
             attribute.mAttribute = countsType ? AttributeTarget::Type : AttributeTarget::None;
-            passing.Add(attribute);
+            skipping.Add(attribute);
         }
     }
     item.mBodyEntry = bodyEntry.Result();
     reading.End();
-    passing.End();
+    skipping.End();
 }
 
 void VAbrTab::StepList::Add(const TDieAttribute& attribute) {
-    const bool isPassed = attribute.mAttribute == AttributeTarget::None;
-    if (isPassed && TakesNoBytes(attribute.mReading)) {
+    const bool isSkipped = attribute.mAttribute == AttributeTarget::None;
+    if (isSkipped && TakesNoBytes(attribute.mReading)) {
         return;
     }
     const std::uint32_t width = FixedWidth(attribute.mReading);
-    if (isPassed && width != 0 && skip + width <= sMaximumSkip) {
+    if (isSkipped && width != 0 && skip + width <= sMaximumSkip) {
         skip += width;
         return;
     }

@@ -76,8 +76,8 @@ public:
 
     /// The steps that skip an entry whose length follows from its abbreviation, in order. For
     /// entries in bodies, the step of a type has its target.
-    [[nodiscard]] std::span<const TDieAttribute> PassingStepsOf(const TAbrTabItem& item) const {
-        return {mPassingSteps.data() + item.mFirstPassingStep, item.mPassingStepCount};
+    [[nodiscard]] std::span<const TDieAttribute> SkippingStepsOf(const TAbrTabItem& item) const {
+        return {mSkippingSteps.data() + item.mFirstPassingStep, item.mPassingStepCount};
     }
 
 private:
@@ -99,7 +99,7 @@ private:
     const DieForms* mForms;
     std::vector<TAbrTabItem> mItems;
     std::vector<TDieAttribute> mAttributes;
-    std::vector<TDieAttribute> mPassingSteps;
+    std::vector<TDieAttribute> mSkippingSteps;
     /// Indexed by code: position in `mItems` from 1, or 0. The number of items limits its length.
     std::vector<std::uint32_t> mIndexByCode;
     std::unordered_map<std::uint32_t, std::uint32_t, SeededHash> mIndexByLargeCode;

@@ -70,7 +70,7 @@ void VDie2::ReadNextEntry(VCompileUnitHeader* header) {
     case Entry::Null:
         CloseEntry();
         break;
-    case Entry::Passed:
+    case Entry::Skipped:
     case Entry::Unknown:
         break;
     }
@@ -82,7 +82,7 @@ void VDie2::CloseEntry() {
     }
     const OpenEntry& entry = mOpenEntries.back();
     if (entry.node == nullptr && entry.type != 0) {
-        NotePassedType(entry.type);
+        NoteSkippedType(entry.type);
     }
     mOpenEntries.pop_back();
 }
@@ -103,13 +103,13 @@ VDie2::Entry VDie2::ReadEntry() {
         return Entry::Unknown;
     }
     if (BodyEntryHere() != BodyEntry::Kept) {
-        return PassEntry(unitOffset, recCnt);
+        return SkipEntry(unitOffset, recCnt);
     }
     switch (CodeEntryHere()) {
-    case CodeEntry::Passed:
+    case CodeEntry::Skipped:
     case CodeEntry::Parameter:
     case CodeEntry::Scope:
-        return PassEntry(unitOffset, recCnt);
+        return SkipEntry(unitOffset, recCnt);
     case CodeEntry::Variable:
         return ReadVariableOfCode(unitOffset, recCnt);
     case CodeEntry::Kept:

@@ -143,7 +143,7 @@ public:
     [[nodiscard]] const VRareDieAttributes& GetRareAttributes() const { return mRareAttributes; }
 
 private:
-    enum class Entry { Null, Unknown, Decoded, Passed };
+    enum class Entry { Null, Unknown, Decoded, Skipped };
 
     /// Where the children of an entry stand.
     enum class Surroundings : std::uint8_t {
@@ -184,15 +184,15 @@ private:
 
     [[nodiscard]] CodeEntry CodeEntryHere() const;
     [[nodiscard]] BodyEntry BodyEntryHere() const;
-    /// What surrounds the children of an entry that is passed.
-    [[nodiscard]] Surroundings SurroundingsInPassed() const;
+    /// What surrounds the children of an entry that is skipped.
+    [[nodiscard]] Surroundings SurroundingsInSkipped() const;
     [[nodiscard]] bool LeavesBodies() const;
     /// Takes note that an entry without node refers to a type.
-    void NotePassedType(std::uint32_t offset);
-    Entry PassEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
-    /// Passes a variable without place, makes the node of any other.
+    void NoteSkippedType(std::uint32_t offset);
+    Entry SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
+    /// Skips a variable without place, makes the node of any other.
     Entry ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber);
-    void PassVariable();
+    void SkipVariable();
     /// Makes the nodes of the open entries that wait for one. The entry that is being read has to
     /// be read again.
     /// @return false if none waited

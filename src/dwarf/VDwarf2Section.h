@@ -11,7 +11,7 @@
 #include "dwarf/DieForms.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
-#include "dwarf/VPassedReferences.h"
+#include "dwarf/VSkippedReferences.h"
 #include "dwarf/VUnitLinks.h"
 #include "dwarf/codes/VAttributeValue.h"
 #include "nodes/VCompileUnitHeader.h"
@@ -109,16 +109,16 @@ public:
     [[nodiscard]] bool RequiresBodies() const { return mRequiresBodies; }
     /// Tells how far the reading of entries has come.
     void TellProgress(std::uint32_t sectionOffset);
-    /// Takes note of a passed entry of a body.
-    void CountPassedOfBody() { ++mPassedOfBodies; }
+    /// Takes note of a skipped entry of a body.
+    void CountSkippedOfBody() { ++mSkippedOfBodies; }
     /// The buffer of the latest unit, whose memory serves the next one; null if there is none.
     std::unique_ptr<VElfBuffer> LendUnitBuffer();
     void TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer);
-    /// Makes the nodes of passed entries in the units where the offsets lie.
+    /// Makes the nodes of skipped entries in the units where the offsets lie.
     /// @return these nodes; none if the units have theirs already
-    std::vector<VDebugInfoNode*> ReadPassedEntries(std::span<const std::uint32_t> offsets);
-    /// Makes the nodes of all passed entries.
-    std::vector<VDebugInfoNode*> ReadAllPassedEntries();
+    std::vector<VDebugInfoNode*> ReadSkippedEntries(std::span<const std::uint32_t> offsets);
+    /// Makes the nodes of all skipped entries.
+    std::vector<VDebugInfoNode*> ReadAllSkippedEntries();
     /// Loads bytes and abbreviations of a unit. Errors: those of loading, `ELFERR_DWARF_VERSION`.
     bool LoadCompileUnit(VCompileUnitReader& reader) const;
     /// Decides the options whose value 2 means "by the compiler" from the first producer text.
@@ -162,8 +162,8 @@ public:
 
     /// Calls `visit` with each entry that has a node and is completed by a variable that has none.
     template <typename Visitor>
-    void ForEachCompletedByPassed(Visitor&& visit) const {
-        for (const VPassedVariable& variable : mPassedVariables) {
+    void ForEachCompletedBySkipped(Visitor&& visit) const {
+        for (const VSkippedVariable& variable : mSkippedVariables) {
             const VDebugInfoNode* completed =
                 variable.mSpecification != 0 ? mDieNodes.Peek(variable.mSpecification) : nullptr;
             if (completed != nullptr && mDieNodes.Peek(variable.mOffset) == nullptr) {
@@ -171,8 +171,8 @@ public:
             }
         }
     }
-    /// Counts the references of passed variables as those of nodes are counted.
-    void NoteReferencesOfPassed() const;
+    /// Counts the references of skipped variables as those of nodes are counted.
+    void NoteReferencesOfSkipped() const;
 
     /// @}
     /// @name Resolution and delivery
@@ -228,10 +228,10 @@ public:
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
     bool mAutodetectPending = true;
     VDieNodeMap mDieNodes;
-    /// Variables passed without a node that refer to other entries, in the order of reading.
-    std::vector<VPassedVariable> mPassedVariables;
+    /// Variables skipped without a node that refer to other entries, in the order of reading.
+    std::vector<VSkippedVariable> mSkippedVariables;
     /// Only in the full manner of reading, where bodies are left for later.
-    VPassedReferences mPassedReferences;
+    VSkippedReferences mSkippedReferences;
     /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
     /// Sizes of the unknown types that are kept at hand.
@@ -260,7 +260,8 @@ private:
     /// @param made takes the nodes of `NodeChoice::Missing`
     bool ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
                   std::vector<VDebugInfoNode*>& made);
-    std::vector<VDebugInfoNode*> ReadPassedEntriesOf(const std::vector<VCompileUnitHeader*>& units);
+    std::vector<VDebugInfoNode*>
+    ReadSkippedEntriesOf(const std::vector<VCompileUnitHeader*>& units);
     /// True if each unit begins behind the one before.
     [[nodiscard]] bool AreUnitsApart() const;
     /// True only for a text of `.debug_str` that is known to be short.
@@ -270,7 +271,7 @@ private:
     [[nodiscard]] bool CanLeaveBodies() const;
     /// True if a first part of the section was read by now, large enough to predict the rest.
     [[nodiscard]] bool HasReadSample(std::size_t unitCount) const;
-    /// True if variables lead to so many of the bodies that passing them first costs more than it
+    /// True if variables lead to so many of the bodies that skipping them first costs more than it
     /// saves. Works on what was read up to now, which has to be forgotten then.
     [[nodiscard]] bool DoVariablesLeadToMostBodies();
     /// Forgets all entries, to read them again.
@@ -284,8 +285,8 @@ private:
     bool mIsReadAgain = false;
     /// The latest offset that was told as progress.
     std::int64_t mToldOffset = -1;
-    /// Entries of bodies that were passed.
-    std::size_t mPassedOfBodies = 0;
+    /// Entries of bodies that were skipped.
+    std::size_t mSkippedOfBodies = 0;
     /// Number of the first node of the section.
     std::uint32_t mFirstNodeRecord = 0;
     std::unique_ptr<VElfBuffer> mUnitBuffer;

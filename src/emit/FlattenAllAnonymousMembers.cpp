@@ -59,7 +59,7 @@ public:
                                         }
                                     });
         if (!mHolders.empty()) {
-            section.NoteReferencesOfPassed();
+            section.NoteReferencesOfSkipped();
         }
     }
 

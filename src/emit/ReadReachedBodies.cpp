@@ -1,4 +1,4 @@
-// A read without all types has passed the bodies of types, see dwarf/BodyEntries.h. Now that the
+// A read without all types has skipped the bodies of types, see dwarf/BodyEntries.h. Now that the
 // places of variables are known, the bodies are read that delivery or a later pass asks for: those
 // of the types to which variables lead. Delivery goes from a variable to
 //
@@ -38,7 +38,7 @@ public:
 
     void ReadAll() {
         mNodes.ForgetMissing();
-        // What bodies refer to was counted when they were passed.
+        // What bodies refer to was counted when they were skipped.
         mNodes.CountReferences(false);
         mNodes.ForEachOf(NodeGroup::Variables, [this](VDebugInfoNode& variable) {
             if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {

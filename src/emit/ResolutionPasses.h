@@ -11,7 +11,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VDebugInfoNode;
 class VDwarf2Section;
 
-/// 1. Turns the references of all nodes into links. Passed entries that are referred to get nodes.
+/// 1. Turns the references of all nodes into links. Skipped entries that are referred to get nodes.
 void ResolveAllReferences(VDwarf2Section& section);
 
 /// 2. Replaces mangled names by readable ones. Units of a TASKING compiler use the second family of
@@ -31,7 +31,7 @@ void LinkUnits(VDwarf2Section& section);
 /// 4. Cuts each cycle of type or specification links once.
 void BreakAllReferenceCycles(VDwarf2Section& section);
 
-/// Between 4 and 5: makes the nodes of all passed entries if a bit field depends on the sizes that
+/// Between 4 and 5: makes the nodes of all skipped entries if a bit field depends on the sizes that
 /// they settle, see `VDebugInfoNode::DependsOnSizesBefore`.
 void ReadEntriesForSizes(VDwarf2Section& section);
 
@@ -41,7 +41,7 @@ void UnifyCompileUnits(VDwarf2Section& section);
 /// 6. Finds addresses of variables without location in the symbol table.
 void ResolveExternVariables(VDwarf2Section& section);
 
-/// Between 6 and 7: makes the nodes of bodies that were passed, as far as variables lead to them.
+/// Between 6 and 7: makes the nodes of bodies that were skipped, as far as variables lead to them.
 void ReadReachedBodies(VDwarf2Section& section);
 
 /// 7. Settles byte sizes, bit offsets and encodings.

@@ -108,7 +108,7 @@ public:
                 mPlacedNames.insert(VariableNames(variable).name);
             }
         });
-        section.ForEachCompletedByPassed(
+        section.ForEachCompletedBySkipped(
             [this](const VDebugInfoNode& specification) { mCompleted.insert(&specification); });
     }
 

@@ -33,7 +33,7 @@ public:
                 mCompleted.insert(specification);
             }
         });
-        section.ForEachCompletedByPassed(
+        section.ForEachCompletedBySkipped(
             [this](const VDebugInfoNode& specification) { mCompleted.insert(&specification); });
     }
 

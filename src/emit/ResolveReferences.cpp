@@ -1,10 +1,10 @@
 // References become links. Entries of code have no nodes, see dwarf/CodeEntries.h; if one is
 // referred to after all, it gets its node here, with all others of its unit:
 //
-//     subprogram "f"                              passed: formal_parameter "p"
+//     subprogram "f"                              skipped: formal_parameter "p"
 //     typedef "T"  type: "p" (a damaged file)     now "p" is read, and the typedef gets its link
 //
-// The entries that are read then may refer to passed entries of other units.
+// The entries that are read then may refer to skipped entries of other units.
 //
 // If bodies are left for later, see dwarf/BodyEntries.h, one kind of reference into bodies, of
 // which files are full, waits for them: that of a function to its declaration in a class. Any
@@ -40,15 +40,15 @@ public:
         }
         if (mSection.LeavesBodies()) {
             if (!mUnresolved.empty() || !mSection.mUnitLinks.mTypeDeclarations.empty() ||
-                !mSection.mPassedReferences.Finish(mNodes)) {
+                !mSection.mSkippedReferences.Finish(mNodes)) {
                 mSection.RequireBodies();
             }
             mNodes.ForgetMissing();
             return;
         }
-        for (int round = 0; mNodes.PassedCount() != 0 && mNodes.MissingCount() != 0; ++round) {
-            ResolveMissing(round < sRoundsByUnit ? mSection.ReadPassedEntries(mNodes.TakeMissing())
-                                                 : mSection.ReadAllPassedEntries());
+        for (int round = 0; mNodes.SkippedCount() != 0 && mNodes.MissingCount() != 0; ++round) {
+            ResolveMissing(round < sRoundsByUnit ? mSection.ReadSkippedEntries(mNodes.TakeMissing())
+                                                 : mSection.ReadAllSkippedEntries());
         }
     }
 
@@ -101,7 +101,7 @@ void ResolveAllReferences(VDwarf2Section& section) {
 
 void ReadEntriesForSizes(VDwarf2Section& section) {
     VDieNodeMap& nodes = section.mDieNodes;
-    if (nodes.PassedCount() == 0 || !nodes.HasBitFieldsWithoutSize()) {
+    if (nodes.SkippedCount() == 0 || !nodes.HasBitFieldsWithoutSize()) {
         return;
     }
     bool dependsOnThem = false;
@@ -111,7 +111,7 @@ void ReadEntriesForSizes(VDwarf2Section& section) {
     if (dependsOnThem && section.LeavesBodies()) {
         section.RequireBodies();
     } else if (dependsOnThem) {
-        for (VDebugInfoNode* node : section.ReadAllPassedEntries()) {
+        for (VDebugInfoNode* node : section.ReadAllSkippedEntries()) {
             node->ResolveReferences(nodes);
         }
     }

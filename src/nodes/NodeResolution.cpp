@@ -64,10 +64,10 @@ VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& no
                : nullptr;
 }
 
-/// The node of a bound. Passed entries don't count: none of them has a static place.
+/// The node of a bound. Skipped entries don't count: none of them has a static place.
 VDebugInfoNode* FindBound(const VAttributeValue& value, const VDieNodeMap& nodes) {
     return value.IsDefined() && value.IsReference() && value.mValue != 0
-               ? nodes.FindUnpassed(static_cast<std::uint32_t>(value.mValue))
+               ? nodes.FindUnskipped(static_cast<std::uint32_t>(value.mValue))
                : nullptr;
 }
 

@@ -34,7 +34,7 @@ struct VCompileUnitHeader {
     /// Index in the list of units, from 0.
     std::uint32_t mIndex = 0;
     /// Some entries of the unit have no nodes, see `CodeEntry` and `BodyEntry`.
-    bool mHasPassedEntries = false;
+    bool mHasSkippedEntries = false;
     /// Start of `.debug_str`, null if there is none.
     const char* mDebugStr = nullptr;
     /// The node whose host object stands for this unit; null until it is delivered.

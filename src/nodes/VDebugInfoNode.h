@@ -127,14 +127,14 @@ public:
                GetBitNumbering() != BitNumbering::Structure;
     }
     /// True for a bit field whose own type may not settle its size. Its place then depends on
-    /// whether entries before it, even passed ones, have settled the sizes of the types that this
+    /// whether entries before it, even skipped ones, have settled the sizes of the types that this
     /// type leads to. Call it before any size is settled.
     [[nodiscard]] bool DependsOnSizesBefore() const;
     /// What the passes have to do at the node, as far as its attributes show.
     [[nodiscard]] NodeTask GetTasks() const;
     /// Running number of the entry when it was decoded; -1 until `InitFromDie`.
     [[nodiscard]] std::int32_t GetTagRecord() const { return mTagRecord; }
-    /// Running number of the entry in the process, counting entries with nodes and passed ones.
+    /// Running number of the entry in the process, counting entries with nodes and skipped ones.
     [[nodiscard]] std::int32_t GetNodeRecord() const { return mNodeRecord; }
     /// Takes the number of an entry that gets no node now.
     static std::uint32_t TakeNodeRecord() { return sNextNodeRecord++; }

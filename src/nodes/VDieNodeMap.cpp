@@ -54,7 +54,7 @@ void VDieNodeMap::Clear() {
     mMissing.clear();
     mHasBitFieldsWithoutSize = false;
     mIsSettled = false;
-    mPassedCount = 0;
+    mSkippedCount = 0;
     mLastOffset = -1;
 }
 
@@ -102,7 +102,7 @@ std::size_t VDieNodeMap::PlaceOf(std::uint32_t sectionOffset) const {
     return stretch.firstPlace + before;
 }
 
-VDebugInfoNode* VDieNodeMap::FindUnpassed(std::uint32_t sectionOffset) const {
+VDebugInfoNode* VDieNodeMap::FindUnskipped(std::uint32_t sectionOffset) const {
     const std::size_t place = PlaceOf(sectionOffset);
     if (place == kNoPlace) {
         return nullptr;
@@ -179,10 +179,10 @@ bool VDieNodeMap::IsReferredOnce(const VDebugInfoNode& node) const {
 }
 
 std::size_t VDieNodeMap::EntriesBefore(std::size_t place) const {
-    // If entries are passed, they come in the order of their offsets.
-    return mPassedCount == 0 ? place
-                             : static_cast<std::uint32_t>(mNodes[place]->GetNodeRecord()) -
-                                   static_cast<std::uint32_t>(mNodes.front()->GetNodeRecord());
+    // If entries are skipped, they come in the order of their offsets.
+    return mSkippedCount == 0 ? place
+                              : static_cast<std::uint32_t>(mNodes[place]->GetNodeRecord()) -
+                                    static_cast<std::uint32_t>(mNodes.front()->GetNodeRecord());
 }
 
 std::span<const VDieNodeMap::Link> VDieNodeMap::InOffsetOrder() const {

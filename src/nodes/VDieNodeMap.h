@@ -89,21 +89,21 @@ public:
     void InsertAll(std::span<VDebugInfoNode* const> nodes);
 
     /// Counts an entry that gets no node for now.
-    void Pass() { ++mPassedCount; }
-    /// Counts that a passed entry gets its node after all.
-    void TakeBack() { --mPassedCount; }
-    [[nodiscard]] std::size_t PassedCount() const { return mPassedCount; }
+    void Skip() { ++mSkippedCount; }
+    /// Counts that a skipped entry gets its node after all.
+    void TakeBack() { --mSkippedCount; }
+    [[nodiscard]] std::size_t SkippedCount() const { return mSkippedCount; }
 
     /// The node of exactly this offset, or null. Records that it is referred to.
     [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const {
-        VDebugInfoNode* node = FindUnpassed(sectionOffset);
+        VDebugInfoNode* node = FindUnskipped(sectionOffset);
         if (node == nullptr) {
             mMissing.push_back(sectionOffset);
         }
         return node;
     }
-    /// As `Find`, for callers that ignore passed entries.
-    [[nodiscard]] VDebugInfoNode* FindUnpassed(std::uint32_t sectionOffset) const;
+    /// As `Find`, for callers that ignore skipped entries.
+    [[nodiscard]] VDebugInfoNode* FindUnskipped(std::uint32_t sectionOffset) const;
     /// As `Find`, but records nothing.
     [[nodiscard]] VDebugInfoNode* Peek(std::uint32_t sectionOffset) const;
 
@@ -126,7 +126,7 @@ public:
     /// Records that a node of the map is referred to by a link that `Find` did not resolve.
     void NoteReferred(const VDebugInfoNode& node) const;
     void NoteReferred(std::uint32_t sectionOffset) const {
-        static_cast<void>(FindUnpassed(sectionOffset));
+        static_cast<void>(FindUnskipped(sectionOffset));
     }
 
     /// Records references by links that `Find` did not resolve, for 64 bytes of the section.
@@ -188,11 +188,11 @@ public:
             visit);
     }
 
-    /// Number of entries, including passed ones.
+    /// Number of entries, including skipped ones.
     [[nodiscard]] std::size_t Size() const {
-        return mNodes.size() + mOutOfOrder.size() + mPassedCount;
+        return mNodes.size() + mOutOfOrder.size() + mSkippedCount;
     }
-    /// Number of entries before the node at a place of `InOffsetOrder`, including passed ones.
+    /// Number of entries before the node at a place of `InOffsetOrder`, including skipped ones.
     [[nodiscard]] std::size_t EntriesBefore(std::size_t place) const;
     /// See `VDebugInfoNode::IsBitFieldWithoutSize`.
     [[nodiscard]] bool HasBitFieldsWithoutSize() const { return mHasBitFieldsWithoutSize; }
@@ -264,7 +264,7 @@ private:
     mutable bool mHasBitFieldsWithoutSize = false;
     mutable bool mIsSettled = false;
     bool mCountsReferences = true;
-    std::size_t mPassedCount = 0;
+    std::size_t mSkippedCount = 0;
     std::int64_t mLastOffset = -1;
 };
 

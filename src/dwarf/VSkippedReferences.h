@@ -1,4 +1,4 @@
-// The references of passed entries that count: whether the members of an anonymous type may move
+// The references of skipped entries that count: whether the members of an anonymous type may move
 // depends on whether the type is referred to once or more often.
 #pragma once
 
@@ -11,11 +11,11 @@ class VDieNodeMap;
 struct VCompileUnitHeader;
 
 /// Counts the references of one unit after the other, and reports them to the map of nodes.
-class VPassedReferences {
+class VSkippedReferences {
 public:
     /// Begins the references of a unit.
     void EnterUnit(const VCompileUnitHeader& unit);
-    /// Records that a passed entry refers to this section offset.
+    /// Records that a skipped entry refers to this section offset.
     void Note(std::uint32_t offset);
     /// Marks what the entries of the unit refer to within it. All its nodes must be in the map.
     void LeaveUnit(const VDieNodeMap& nodes);

@@ -33,7 +33,7 @@ Die Structure(const std::string& name) {
 }
 
 /// A tree that was read without code.
-class PassedEntriesTest : public testing::Test {
+class SkippedEntriesTest : public testing::Test {
 protected:
     /// The image of one unit of these entries.
     SectionRun& Read(std::vector<Die> entries, const ElfImage& image = ElfImage()) {
@@ -57,7 +57,7 @@ protected:
     std::optional<SectionRun> mRun;
 };
 
-TEST_F(PassedEntriesTest, NodesAreWhatCanBeDeliveredAndWhatStandsAroundIt) {
+TEST_F(SkippedEntriesTest, NodesAreWhatCanBeDeliveredAndWhatStandsAroundIt) {
     SectionRun& run = Read({
         Function("f",
                  {
@@ -95,7 +95,7 @@ TEST_F(PassedEntriesTest, NodesAreWhatCanBeDeliveredAndWhatStandsAroundIt) {
     EXPECT_EQ(recCnt, 30U);
 }
 
-TEST_F(PassedEntriesTest, AnEntryIsReadAfterAllIfAnotherRefersToIt) {
+TEST_F(SkippedEntriesTest, AnEntryIsReadAfterAllIfAnotherRefersToIt) {
     const DieLabel base;
     const DieLabel block;
     const DieLabel parameter;
@@ -128,17 +128,17 @@ TEST_F(PassedEntriesTest, AnEntryIsReadAfterAllIfAnotherRefersToIt) {
     ASSERT_NE(At(stackVariable), nullptr);
     EXPECT_EQ(At(ofType)->GetTypeNode(), At(stackVariable));
     EXPECT_EQ(At(ofOrigin)->GetSpecificationNode(), At(parameter));
-    ASSERT_NE(At(far), nullptr) << "a passed entry refers to another unit";
+    ASSERT_NE(At(far), nullptr) << "a skipped entry refers to another unit";
     EXPECT_EQ(At(parameter)->GetTypeNode(), At(far));
     EXPECT_EQ(At(far)->GetTypeNode(), At(base));
     std::vector<VDebugInfoNode*> children(At(block)->Children().begin(),
                                           At(block)->Children().end());
     EXPECT_THAT(children, ElementsAre(At(kept), At(stackVariable))) << "in their order";
     EXPECT_EQ(run.Section().mDieNodes.Size(), entryCount);
-    EXPECT_EQ(run.Section().mDieNodes.PassedCount(), 0U);
+    EXPECT_EQ(run.Section().mDieNodes.SkippedCount(), 0U);
 }
 
-TEST_F(PassedEntriesTest, ABoundThatNamesOneIsUnknown) {
+TEST_F(SkippedEntriesTest, ABoundThatNamesOneIsUnknown) {
     const DieLabel length;
     const DieLabel array;
     SectionRun& run = Read({
@@ -156,7 +156,7 @@ TEST_F(PassedEntriesTest, ABoundThatNamesOneIsUnknown) {
 }
 
 // Symbols of the declaration's name belong to something else: a variable completes it.
-TEST_F(PassedEntriesTest, ADeclarationStaysCompletedByAPassedVariable) {
+TEST_F(SkippedEntriesTest, ADeclarationStaysCompletedByASkippedVariable) {
     for (const int isFull : {0, 1}) {
         VElfOptions::mIsFullReading = isFull;
         const DieLabel declaration;
@@ -179,7 +179,7 @@ TEST_F(PassedEntriesTest, ADeclarationStaysCompletedByAPassedVariable) {
 
 // A bit field whose own size is 0 lies in the first type of its chain whose size is already
 // settled. Here a parameter settles the size of the array.
-TEST_F(PassedEntriesTest, AParameterSettlesASizeThatABitFieldDependsOn) {
+TEST_F(SkippedEntriesTest, AParameterSettlesASizeThatABitFieldDependsOn) {
     const DieLabel base;
     const DieLabel array;
     const DieLabel field;
@@ -195,7 +195,7 @@ TEST_F(PassedEntriesTest, AParameterSettlesASizeThatABitFieldDependsOn) {
     EXPECT_EQ(At(field)->GetBitOffset(), 60U);
 }
 
-TEST_F(PassedEntriesTest, AbbreviationsTellWhatIsPassed) {
+TEST_F(SkippedEntriesTest, AbbreviationsTellWhatIsSkipped) {
     struct Case {
         dwarf_tag tag;
         bool hasChildren;
@@ -219,7 +219,7 @@ TEST_F(PassedEntriesTest, AbbreviationsTellWhatIsPassed) {
          CodeEntry::Kept},
         {DW_TAG_lexical_block, false, AttributeTarget::Signature, FormReading::TypeSignature,
          CodeEntry::Kept},
-        {DW_TAG_label, false, AttributeTarget::Name, FormReading::Text, CodeEntry::Passed},
+        {DW_TAG_label, false, AttributeTarget::Name, FormReading::Text, CodeEntry::Skipped},
         {DW_TAG_variable, false, AttributeTarget::Location, FormReading::BlockLeb128,
          CodeEntry::Variable},
         {DW_TAG_structure_type, false, AttributeTarget::Name, FormReading::Text, CodeEntry::Kept},

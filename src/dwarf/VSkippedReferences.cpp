@@ -1,17 +1,17 @@
-#include "dwarf/VPassedReferences.h"
+#include "dwarf/VSkippedReferences.h"
 
 #include "nodes/VCompileUnitHeader.h"
 #include "nodes/VDieNodeMap.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-void VPassedReferences::EnterUnit(const VCompileUnitHeader& unit) {
+void VSkippedReferences::EnterUnit(const VCompileUnitHeader& unit) {
     const std::uint64_t end = std::uint64_t{unit.mSectionOffset} + unit.mLength;
     mFirstStretch = unit.mSectionOffset / VDieNodeMap::kStretchSize;
     mStretches.assign(end / VDieNodeMap::kStretchSize + 1 - mFirstStretch, {});
 }
 
-void VPassedReferences::Note(std::uint32_t offset) {
+void VSkippedReferences::Note(std::uint32_t offset) {
     const std::size_t index = offset / VDieNodeMap::kStretchSize - mFirstStretch;
     if (offset / VDieNodeMap::kStretchSize < mFirstStretch || index >= mStretches.size()) {
         mElsewhere.push_back(offset);
@@ -23,7 +23,7 @@ void VPassedReferences::Note(std::uint32_t offset) {
     stretch.once |= bit;
 }
 
-void VPassedReferences::LeaveUnit(const VDieNodeMap& nodes) {
+void VSkippedReferences::LeaveUnit(const VDieNodeMap& nodes) {
     for (std::size_t index = 0; index < mStretches.size(); ++index) {
         if (const Stretch& stretch = mStretches[index]; stretch.once != 0) {
             mLeadToNodes = nodes.NoteReferred(mFirstStretch + index, stretch.once, stretch.again) &&
@@ -33,9 +33,9 @@ void VPassedReferences::LeaveUnit(const VDieNodeMap& nodes) {
     mStretches.clear();
 }
 
-bool VPassedReferences::Finish(const VDieNodeMap& nodes) {
+bool VSkippedReferences::Finish(const VDieNodeMap& nodes) {
     for (const std::uint32_t offset : mElsewhere) {
-        mLeadToNodes = nodes.FindUnpassed(offset) != nullptr && mLeadToNodes;
+        mLeadToNodes = nodes.FindUnskipped(offset) != nullptr && mLeadToNodes;
     }
     mElsewhere = {};
     return mLeadToNodes;
