@@ -56,7 +56,7 @@ public:
             Timed(Phase::Delivering, [&] { return section.EmitNodes(); }) &&
             Timed(Phase::Symbols,
                   [&] { return !file.mSecSymtab.IsPresent() || file.ProcessSymTabSection(false); });
-        mEntries = section.mDieNodes.Size();
+        mEntries = section.EntryCount();
         mBytes = file.mSecDebugInfo.sh_size;
         mPeakBytes = peak.Bytes();
         return isOk;

@@ -1,6 +1,6 @@
 // The table of nodes by offset, especially when entries come out of order, as in overlapping units.
 #include "nodes/VDebugInfoNamedNode.h"
-#include "nodes/VDieNodeMap.h"
+#include "nodes/VDieNodes.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,26 +20,26 @@ protected:
         if (type != nullptr) {
             node->SetTypeNode(*type);
         }
-        mMap.Insert(offset, node);
+        mNodes.Insert(*node);
         return node;
     }
 
     [[nodiscard]] std::vector<std::uint32_t> OffsetsOf(NodeGroup group) const {
         std::vector<std::uint32_t> offsets;
-        mMap.ForEachOf(group,
-                       [&](const VDebugInfoNode& node) { offsets.push_back(node.GetOffset()); });
+        mNodes.ForEachOf(group,
+                         [&](const VDebugInfoNode& node) { offsets.push_back(node.GetOffset()); });
         return offsets;
     }
 
     [[nodiscard]] std::vector<std::uint32_t> ReferredOffsets() const {
         std::vector<std::uint32_t> offsets;
-        mMap.ForEachReferredAndReferring(
+        mNodes.ForEachReferredAndReferring(
             [&](const VDebugInfoNode& node) { offsets.push_back(node.GetOffset()); });
         return offsets;
     }
 
     VNodeArena mArena;
-    VDieNodeMap mMap;
+    VDieNodes mNodes;
 };
 
 TEST_F(NodeMapTest, OffsetsAndGroupsHoldWhatCameOutOfOrder) {
@@ -49,20 +49,21 @@ TEST_F(NodeMapTest, OffsetsAndGroupsHoldWhatCameOutOfOrder) {
     VDebugInfoNode* late = Insert(DW_TAG_variable, 64);
     Insert(DW_TAG_typedef, 127);
     Insert(DW_TAG_variable, 128);
+    mNodes.Complete();
 
     EXPECT_THAT(OffsetsOf(NodeGroup::Variables), ElementsAre(64, 70, 4000));
     EXPECT_THAT(OffsetsOf(NodeGroup::GroupedTypes), ElementsAre(127));
     EXPECT_THAT(OffsetsOf(NodeGroup::MembersAndEnumerations), ElementsAre(128));
-    EXPECT_EQ(mMap.Find(64), late);
-    EXPECT_EQ(mMap.Find(128), member) << "an offset keeps its first node";
+    EXPECT_EQ(mNodes.Find(64), late);
+    EXPECT_EQ(mNodes.Find(128), member) << "an offset keeps its first node";
     for (const std::uint32_t nothing : {0U, 63U, 65U, 129U, 4001U, 5000U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(mMap.Find(nothing), nullptr) << nothing;
+        EXPECT_EQ(mNodes.Find(nothing), nullptr) << nothing;
     }
 
     // What comes after a lookup joins the rest.
     VDebugInfoNode* last = Insert(DW_TAG_variable, 4001);
-    EXPECT_EQ(mMap.Find(4001), last);
-    EXPECT_EQ(mMap.InOffsetOrder().size(), 6U);
+    EXPECT_EQ(mNodes.Find(4001), last);
+    EXPECT_EQ(mNodes.InOffsetOrder().size(), 6U);
 }
 
 TEST_F(NodeMapTest, ReferredNodesThatReferAreToldInOrder) {
@@ -70,11 +71,12 @@ TEST_F(NodeMapTest, ReferredNodesThatReferAreToldInOrder) {
     VDebugInfoNode* definition = Insert(DW_TAG_typedef, 2, base);
     Insert(DW_TAG_const_type, 3, base);
     Insert(DW_TAG_const_type, 4, base);
-    EXPECT_NE(mMap.Find(1), nullptr) << "it refers to nothing itself";
-    EXPECT_NE(mMap.Find(3), nullptr);
-    EXPECT_EQ(mMap.Find(5), nullptr);
+    EXPECT_NE(mNodes.Find(4), nullptr) << "a question is no reference";
+    EXPECT_NE(mNodes.FindReferred(1), nullptr) << "it refers to nothing itself";
+    EXPECT_NE(mNodes.FindReferred(3), nullptr);
+    EXPECT_EQ(mNodes.FindReferred(5), nullptr);
     EXPECT_THAT(ReferredOffsets(), ElementsAre(3));
-    mMap.NoteReferred(*definition);
+    mNodes.NoteReferred(definition->GetOffset());
     EXPECT_THAT(ReferredOffsets(), ElementsAre(2, 3));
 }
 

@@ -49,7 +49,7 @@ protected:
 
     /// Null if the entry has no node.
     [[nodiscard]] VDebugInfoNode* At(DieLabel label) {
-        return mRun->Section().mDieNodes.Peek(mSections.OffsetOf(label));
+        return mRun->Section().mDieNodes.Find(mSections.OffsetOf(label));
     }
 
     ScopedReaderState mState;
@@ -90,8 +90,8 @@ TEST_F(SkippedEntriesTest, NodesAreWhatCanBeDeliveredAndWhatStandsAroundIt) {
                             "3:variable nowhere", "2:structure_type Behind", "1:subroutine_type ",
                             "2:formal_parameter argument", "1:lexical_block ",
                             "2:variable outside"));
-    EXPECT_EQ(run.Section().mDieNodes.Size(), 22U) << "progress counts every entry";
-    EXPECT_EQ(run.Section().mDieNodes.EntriesBefore(5), 10U);
+    EXPECT_EQ(run.Section().EntryCount(), 22U) << "progress counts every entry";
+    EXPECT_EQ(run.Section().EntriesBefore(5), 10U);
     EXPECT_EQ(recCnt, 30U);
 }
 
@@ -123,7 +123,7 @@ TEST_F(SkippedEntriesTest, AnEntryIsReadAfterAllIfAnotherRefersToIt) {
         Die(ofOrigin, DW_TAG_variable, {Specification(parameter)}),
     });
     EXPECT_EQ(At(parameter), nullptr);
-    const std::size_t entryCount = run.Section().mDieNodes.Size();
+    const std::size_t entryCount = run.Section().EntryCount();
     run.Section().ResolveNodes();
     ASSERT_NE(At(stackVariable), nullptr);
     EXPECT_EQ(At(ofType)->GetTypeNode(), At(stackVariable));
@@ -134,8 +134,8 @@ TEST_F(SkippedEntriesTest, AnEntryIsReadAfterAllIfAnotherRefersToIt) {
     std::vector<VDebugInfoNode*> children(At(block)->Children().begin(),
                                           At(block)->Children().end());
     EXPECT_THAT(children, ElementsAre(At(kept), At(stackVariable))) << "in their order";
-    EXPECT_EQ(run.Section().mDieNodes.Size(), entryCount);
-    EXPECT_EQ(run.Section().mDieNodes.SkippedCount(), 0U);
+    EXPECT_EQ(run.Section().EntryCount(), entryCount);
+    EXPECT_EQ(run.Section().mSkipped.Count(), 0U);
 }
 
 TEST_F(SkippedEntriesTest, ABoundThatNamesOneIsUnknown) {

@@ -273,14 +273,14 @@ TEST(TypeBodiesTest, OnlyBodiesThatVariablesLeadToHaveNodes) {
     ASSERT_TRUE(run.Init() && section.MapCompileUnits());
     section.LeaveBodies();
     ASSERT_TRUE(section.ProcessCompileUnits());
-    EXPECT_EQ(section.mDieNodes.Size(), 11U) << "progress counts every entry";
+    EXPECT_EQ(section.EntryCount(), 11U) << "progress counts every entry";
     section.ResolveNodes();
     EXPECT_FALSE(section.RequiresBodies());
     EXPECT_THAT(run.Outline(),
                 ElementsAre("0:compile_unit a_cpp", "1:base_type int", "1:class_type Motor",
                             "2:member speed", "1:class_type Other", "2:subprogram g",
                             "3:structure_type Local", "1:variable motor"));
-    EXPECT_EQ(section.mDieNodes.Size(), 11U);
+    EXPECT_EQ(section.EntryCount(), 11U);
 }
 
 TEST(TypeBodiesTest, AbbreviationsTellWhatIsSkipped) {

@@ -1,6 +1,8 @@
 // A prefetch hint, for walks over memory that the processor can't predict.
 #pragma once
 
+#include <cstddef>
+
 /// Stands before functions that only prefetch. Compilers see no effect in such a function and would
 /// drop its calls; inlined, the hint stays.
 #if defined(__GNUC__)
@@ -16,6 +18,29 @@ BRINDLE_FETCHES void Prefetch([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
     __builtin_prefetch(address);
 #endif
+}
+
+/// Calls `visit` with each index up to a count, and prefetches what it is going to need.
+/// @param distance how many indices ahead. Too few, and `visit` waits; too many, and what was
+/// fetched is gone again
+/// @param addressOf gives the address to prefetch for an index; null for none
+template <typename AddressOf, typename Visitor>
+void ForEachIndexAhead(std::size_t count, std::size_t distance, AddressOf&& addressOf,
+                       Visitor&& visit) {
+    for (std::size_t index = 0; index < count; ++index) {
+        if (index + distance < count) {
+            Prefetch(addressOf(index + distance));
+        }
+        visit(index);
+    }
+}
+
+/// As `ForEachIndexAhead`, with the elements of a list in place of indices.
+template <typename List, typename AddressOf, typename Visitor>
+void ForEachAhead(const List& list, std::size_t distance, AddressOf&& addressOf, Visitor&& visit) {
+    ForEachIndexAhead(
+        list.size(), distance, [&](std::size_t index) { return addressOf(list[index]); },
+        [&](std::size_t index) { visit(list[index]); });
 }
 
 } // namespace Tessel::Norn::Brindle

@@ -1,7 +1,7 @@
 #include "dwarf/BodyEntries.h"
 
 #include "nodes/VDebugInfoNode.h"
-#include "nodes/VDieNodeMap.h"
+#include "nodes/VDieNodes.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -75,7 +75,7 @@ BodyEntry BodyEntryRule::Result() const {
     return isKept ? BodyEntry::Kept : mEntry;
 }
 
-VDebugInfoNode* FindTypeAround(const VDieNodeMap& nodes, std::uint32_t offset) {
+VDebugInfoNode* FindTypeAround(const VDieNodes& nodes, std::uint32_t offset) {
     VDebugInfoNode* outermost = nullptr;
     for (VDebugInfoNode* node = nodes.LastBefore(offset); node != nullptr;
          node = node->GetParent()) {

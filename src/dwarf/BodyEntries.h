@@ -22,7 +22,7 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
-class VDieNodeMap;
+class VDieNodes;
 
 /// What the walk does with entries of one abbreviation in the body of a type.
 enum class BodyEntry : std::uint8_t {
@@ -62,6 +62,6 @@ private:
 };
 
 /// The outermost type whose body may contain an offset without a node; null if none does.
-VDebugInfoNode* FindTypeAround(const VDieNodeMap& nodes, std::uint32_t offset);
+VDebugInfoNode* FindTypeAround(const VDieNodes& nodes, std::uint32_t offset);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -44,13 +44,4 @@ CodeEntry CodeEntryOf(dwarf_tag tag, bool hasChildren);
 CodeEntry WithAttribute(CodeEntry entry, dwarf_tag tag, AttributeTarget target,
                         FormReading reading);
 
-/// A skipped variable, by section offset: the entries that it refers to must know about it.
-struct VSkippedVariable {
-    std::uint32_t mOffset = 0;
-    /// The entry that it completes or is an instance of, 0 if there is none.
-    std::uint32_t mSpecification = 0;
-    /// 0 if there is none.
-    std::uint32_t mType = 0;
-};
-
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

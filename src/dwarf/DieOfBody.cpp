@@ -48,7 +48,7 @@ bool VDie2::LeavesBodies() const {
 
 void VDie2::NoteSkippedType(std::uint32_t offset) {
     if (mManner == ReadingManner::Full) {
-        mSection->mSkippedReferences.Note(offset);
+        mSection->mSkipped.References().Note(offset);
     }
 }
 

@@ -40,9 +40,9 @@ VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumbe
     if (mBuffer->HasPassedEnd()) {
         return Entry::Unknown;
     }
-    mSection->mDieNodes.Skip();
+    mSection->mSkipped.Add();
     if (mItem->mBodyEntry != BodyEntry::Kept) {
-        mSection->CountSkippedOfBody();
+        mSection->mSkipped.NoteInBody();
     }
     const std::uint32_t nodeRecord = VDebugInfoNode::TakeNodeRecord();
     if (mItem->mHasChildren == 1) {
@@ -78,7 +78,7 @@ VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t re
 }
 
 void VDie2::SkipVariable() {
-    mSection->mDieNodes.Skip();
+    mSection->mSkipped.Add();
     static_cast<void>(VDebugInfoNode::TakeNodeRecord());
     VSkippedVariable variable{.mOffset = mOffset};
     if (mSpecification.IsReference()) {
@@ -90,7 +90,7 @@ void VDie2::SkipVariable() {
                              : VDwarf2Section::UnitToSectionOffset(mUnitReader->mHeader, mTypeRef);
     }
     if (variable.mSpecification != 0 || (variable.mType != 0 && mManner == ReadingManner::Full)) {
-        mSection->mSkippedVariables.push_back(variable);
+        mSection->mSkipped.AddVariable(variable);
     }
 }
 
@@ -108,7 +108,7 @@ bool VDie2::MakeWaitingNodes() {
         mBuffer->SetOffset(waiting->unitOffset);
         ReadAbbrevCode();
         DecodeEntry(waiting->unitOffset, waiting->recordNumber);
-        mSection->mDieNodes.TakeBack();
+        mSection->mSkipped.Remove();
         const std::uint32_t next = VDebugInfoNode::SetNextNodeRecord(waiting->nodeRecord);
         MapCurrentDieToNode(header, (waiting - 1)->node);
         VDebugInfoNode::SetNextNodeRecord(next);
@@ -145,10 +145,10 @@ void VDie2::TakeOffChildren(VDebugInfoNode& node) {
 
 void VDie2::MakeMissingNode(VCompileUnitHeader* header) {
     VDebugInfoNode* parent = InnermostOpenNode();
-    mNode = mSection->mDieNodes.Peek(mOffset);
+    mNode = mSection->mDieNodes.Find(mOffset);
     if (mNode == nullptr) {
         mNode = CreateNode(header, parent);
-        mSection->mDieNodes.TakeBack();
+        mSection->mSkipped.Remove();
         mMadeNodes.push_back(mNode);
         return;
     }

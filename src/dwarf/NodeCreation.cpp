@@ -30,7 +30,7 @@ bool VDie2::MapCurrentDieToNode(VCompileUnitHeader* header, VDebugInfoNode* pare
         mSection->TellProgress(mOffset);
     }
     mNode = CreateNode(header, parent);
-    mSection->mDieNodes.Insert(mOffset, mNode);
+    mSection->mDieNodes.Insert(*mNode);
     return true;
 }
 

@@ -103,17 +103,16 @@ bool VDwarf2Section::HasReadSample(std::size_t unitCount) const {
 }
 
 bool VDwarf2Section::DoVariablesLeadToMostBodies() {
-    const std::size_t skipped = mDieNodes.SkippedCount();
+    mDieNodes.Complete();
+    const std::size_t skipped = mSkipped.Count();
     ResolveNodes();
-    const std::size_t made = skipped - mDieNodes.SkippedCount();
-    return mRequiresBodies || made > mSkippedOfBodies / 10 * sMostOfTen;
+    const std::size_t made = skipped - mSkipped.Count();
+    return mRequiresBodies || made > mSkipped.CountInBodies() / 10 * sMostOfTen;
 }
 
 void VDwarf2Section::ForgetEntries() {
-    mSkippedOfBodies = 0;
     mDieNodes.Clear();
-    mSkippedVariables.clear();
-    mSkippedReferences = {};
+    mSkipped = {};
     mUnitLinks = {};
     mLongTexts = LongTextAllowance(mElfFile->mFileSize);
     if (mElfFile->mManner == ReadingManner::Classic) {
@@ -140,6 +139,7 @@ bool VDwarf2Section::ProcessCompileUnits() {
     mKeepsAllEntries = KeepsAllEntries();
     for (std::size_t next = 0; next < mCompileUnits.size();) {
         if (!ProcessCompileUnit(*mCompileUnits[next++])) {
+            mDieNodes.Complete();
             if (VElfOptions::mIsLogFile != 0) {
                 elflog("%s: Failed to process debug section.", GetLogTimeStamp());
             }
@@ -153,6 +153,7 @@ bool VDwarf2Section::ProcessCompileUnits() {
         }
     }
     mUnitBuffer.reset();
+    mDieNodes.Complete();
     return true;
 }
 
@@ -163,30 +164,29 @@ bool VDwarf2Section::AreUnitsApart() const {
 }
 
 bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
-    const std::size_t skippedBefore = mDieNodes.SkippedCount();
+    const std::size_t skippedBefore = mSkipped.Count();
     std::vector<VDebugInfoNode*> made;
     const NodeChoice choice = mKeepsAllEntries ? NodeChoice::All
                               : mLeavesBodies  ? NodeChoice::WithoutBodies
                                                : NodeChoice::WithoutCode;
     const bool countsReferences = mLeavesBodies && mElfFile->mManner == ReadingManner::Full;
     if (countsReferences) {
-        mSkippedReferences.EnterUnit(header);
+        mSkipped.References().EnterUnit(header);
     }
     const bool result = ReadUnit(header, choice, made);
-    header.mHasSkippedEntries = mDieNodes.SkippedCount() != skippedBefore;
+    header.mHasSkippedEntries = mSkipped.Count() != skippedBefore;
     if (countsReferences) {
-        mSkippedReferences.LeaveUnit(mDieNodes);
+        mSkipped.References().LeaveUnit(mDieNodes);
     }
     return result;
 }
 
-void VDwarf2Section::NoteReferencesOfSkipped() const {
-    for (const VSkippedVariable& variable : mSkippedVariables) {
-        if (mDieNodes.Peek(variable.mOffset) == nullptr) {
-            mDieNodes.NoteReferred(variable.mSpecification);
-            mDieNodes.NoteReferred(variable.mType);
-        }
-    }
+std::size_t VDwarf2Section::EntriesBefore(std::size_t place) const {
+    // Where entries are skipped, they come in the order of their offsets.
+    const auto nodes = mDieNodes.InOffsetOrder();
+    return mSkipped.Count() == 0 ? place
+                                 : static_cast<std::uint32_t>(nodes[place]->GetNodeRecord()) -
+                                       static_cast<std::uint32_t>(nodes.front()->GetNodeRecord());
 }
 
 bool VDwarf2Section::ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
@@ -257,9 +257,9 @@ VDwarf2Section::ReadSkippedEntriesOf(const std::vector<VCompileUnitHeader*>& uni
     mUnitBuffer.reset();
     recCnt = recordsBefore;
     VDebugInfoNode::SetNextNodeRecord(nextNodeRecord);
-    for (VDebugInfoNode* node : made) {
-        mDieNodes.Insert(node->GetOffset(), node);
-    }
+    std::vector<VDebugInfoNode*> inOffsetOrder = made;
+    std::ranges::sort(inOffsetOrder, {}, &VDebugInfoNode::GetOffset);
+    mDieNodes.InsertAll(inOffsetOrder);
     return made;
 }
 

@@ -11,11 +11,11 @@
 #include "dwarf/DieForms.h"
 #include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
-#include "dwarf/VSkippedReferences.h"
+#include "dwarf/VSkippedEntries.h"
 #include "dwarf/VUnitLinks.h"
 #include "dwarf/codes/VAttributeValue.h"
 #include "nodes/VCompileUnitHeader.h"
-#include "nodes/VDieNodeMap.h"
+#include "nodes/VDieNodes.h"
 #include "nodes/VNodeArena.h"
 #include "nodes/VNodeText.h"
 
@@ -109,8 +109,6 @@ public:
     [[nodiscard]] bool RequiresBodies() const { return mRequiresBodies; }
     /// Tells how far the reading of entries has come.
     void TellProgress(std::uint32_t sectionOffset);
-    /// Takes note of a skipped entry of a body.
-    void CountSkippedOfBody() { ++mSkippedOfBodies; }
     /// The buffer of the latest unit, whose memory serves the next one; null if there is none.
     std::unique_ptr<VElfBuffer> LendUnitBuffer();
     void TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer);
@@ -160,19 +158,10 @@ public:
     /// All of a terminated text, measured; long texts are cut as those of `AllowText` are.
     std::string_view MeasureText(const char* text);
 
-    /// Calls `visit` with each entry that has a node and is completed by a variable that has none.
-    template <typename Visitor>
-    void ForEachCompletedBySkipped(Visitor&& visit) const {
-        for (const VSkippedVariable& variable : mSkippedVariables) {
-            const VDebugInfoNode* completed =
-                variable.mSpecification != 0 ? mDieNodes.Peek(variable.mSpecification) : nullptr;
-            if (completed != nullptr && mDieNodes.Peek(variable.mOffset) == nullptr) {
-                visit(*completed);
-            }
-        }
-    }
-    /// Counts the references of skipped variables as those of nodes are counted.
-    void NoteReferencesOfSkipped() const;
+    /// Number of entries, the skipped ones too.
+    [[nodiscard]] std::size_t EntryCount() const { return mDieNodes.Size() + mSkipped.Count(); }
+    /// Number of entries before the node at a place of all nodes, the skipped ones too.
+    [[nodiscard]] std::size_t EntriesBefore(std::size_t place) const;
 
     /// @}
     /// @name Resolution and delivery
@@ -227,11 +216,8 @@ public:
     std::vector<VCompileUnitHeader*> mCompileUnits;
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
     bool mAutodetectPending = true;
-    VDieNodeMap mDieNodes;
-    /// Variables skipped without a node that refer to other entries, in the order of reading.
-    std::vector<VSkippedVariable> mSkippedVariables;
-    /// Only in the full manner of reading, where bodies are left for later.
-    VSkippedReferences mSkippedReferences;
+    VDieNodes mDieNodes;
+    VSkippedEntries mSkipped;
     /// Host object to the node that was delivered as it first.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
     /// Sizes of the unknown types that are kept at hand.
@@ -285,8 +271,6 @@ private:
     bool mIsReadAgain = false;
     /// The latest offset that was told as progress.
     std::int64_t mToldOffset = -1;
-    /// Entries of bodies that were skipped.
-    std::size_t mSkippedOfBodies = 0;
     /// Number of the first node of the section.
     std::uint32_t mFirstNodeRecord = 0;
     std::unique_ptr<VElfBuffer> mUnitBuffer;

@@ -1,41 +1,53 @@
 #include "dwarf/VSkippedReferences.h"
 
 #include "nodes/VCompileUnitHeader.h"
-#include "nodes/VDieNodeMap.h"
+#include "nodes/VDieNodes.h"
+
+#include <bit>
+#include <cstddef>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
+namespace {
+
+constexpr std::uint32_t sBytesPerWord = 64;
+
+} // namespace
+
 void VSkippedReferences::EnterUnit(const VCompileUnitHeader& unit) {
     const std::uint64_t end = std::uint64_t{unit.mSectionOffset} + unit.mLength;
-    mFirstStretch = unit.mSectionOffset / VDieNodeMap::kStretchSize;
-    mStretches.assign(end / VDieNodeMap::kStretchSize + 1 - mFirstStretch, {});
+    mFirstOffset = unit.mSectionOffset / sBytesPerWord * sBytesPerWord;
+    mReferred.assign((end - mFirstOffset) / sBytesPerWord + 1, {});
 }
 
 void VSkippedReferences::Note(std::uint32_t offset) {
-    const std::size_t index = offset / VDieNodeMap::kStretchSize - mFirstStretch;
-    if (offset / VDieNodeMap::kStretchSize < mFirstStretch || index >= mStretches.size()) {
+    const std::size_t index = (offset - mFirstOffset) / sBytesPerWord;
+    if (offset < mFirstOffset || index >= mReferred.size()) {
         mElsewhere.push_back(offset);
         return;
     }
-    Stretch& stretch = mStretches[index];
-    const std::uint64_t bit = std::uint64_t{1} << (offset % VDieNodeMap::kStretchSize);
-    stretch.again |= stretch.once & bit;
-    stretch.once |= bit;
+    ReferredBytes& bytes = mReferred[index];
+    const std::uint64_t bit = std::uint64_t{1} << (offset % sBytesPerWord);
+    bytes.again |= bytes.once & bit;
+    bytes.once |= bit;
 }
 
-void VSkippedReferences::LeaveUnit(const VDieNodeMap& nodes) {
-    for (std::size_t index = 0; index < mStretches.size(); ++index) {
-        if (const Stretch& stretch = mStretches[index]; stretch.once != 0) {
-            mLeadToNodes = nodes.NoteReferred(mFirstStretch + index, stretch.once, stretch.again) &&
-                           mLeadToNodes;
+void VSkippedReferences::LeaveUnit(VDieNodes& nodes) {
+    std::uint32_t firstOffset = mFirstOffset;
+    for (const ReferredBytes& bytes : mReferred) {
+        for (std::uint64_t left = bytes.once; left != 0; left &= left - 1) {
+            const auto byte = static_cast<unsigned>(std::countr_zero(left));
+            const bool isAgain = (bytes.again >> byte & 1U) != 0;
+            mLeadToNodes = nodes.NoteReferred(firstOffset + byte, isAgain) && mLeadToNodes;
         }
+        firstOffset += sBytesPerWord;
     }
-    mStretches.clear();
+    mReferred.clear();
 }
 
-bool VSkippedReferences::Finish(const VDieNodeMap& nodes) {
+bool VSkippedReferences::Finish(VDieNodes& nodes) {
     for (const std::uint32_t offset : mElsewhere) {
-        mLeadToNodes = nodes.FindUnskipped(offset) != nullptr && mLeadToNodes;
+        mLeadToNodes = nodes.NoteReferred(offset) && mLeadToNodes;
     }
     mElsewhere = {};
     return mLeadToNodes;

@@ -7,10 +7,10 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-class VDieNodeMap;
+class VDieNodes;
 struct VCompileUnitHeader;
 
-/// Counts the references of one unit after the other, and reports them to the map of nodes.
+/// Counts the references of one unit after the other, and marks the nodes that they lead to.
 class VSkippedReferences {
 public:
     /// Begins the references of a unit.
@@ -18,21 +18,22 @@ public:
     /// Records that a skipped entry refers to this section offset.
     void Note(std::uint32_t offset);
     /// Marks what the entries of the unit refer to within it. All its nodes must be in the map.
-    void LeaveUnit(const VDieNodeMap& nodes);
+    void LeaveUnit(VDieNodes& nodes);
     /// Marks what entries refer to in other units. All nodes must be in the map.
     /// @return true if each reference of all units led to a node
-    bool Finish(const VDieNodeMap& nodes);
+    bool Finish(VDieNodes& nodes);
 
 private:
-    /// A bit for each byte of 64 bytes of the section.
-    struct Stretch {
+    /// A bit for each of 64 bytes of the section: is the byte referred to, and more than once?
+    struct ReferredBytes {
         std::uint64_t once = 0;
         std::uint64_t again = 0;
     };
 
     /// Those of the unit; empty between units.
-    std::vector<Stretch> mStretches;
-    std::uint32_t mFirstStretch = 0;
+    std::vector<ReferredBytes> mReferred;
+    /// Section offset of the first of these bytes.
+    std::uint32_t mFirstOffset = 0;
     /// Offsets in other units that entries refer to.
     std::vector<std::uint32_t> mElsewhere;
     bool mLeadToNodes = true;

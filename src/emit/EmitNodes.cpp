@@ -39,8 +39,7 @@ bool IsRootType(const VDebugInfoNode& type) {
 }
 
 /// Places of nodes that may be roots, ascending.
-std::vector<std::uint32_t> PlacesOfRoots(const VDieNodeMap& nodes, bool hasAddresses,
-                                         bool allTypes) {
+std::vector<std::uint32_t> PlacesOfRoots(const VDieNodes& nodes, bool hasAddresses, bool allTypes) {
     std::vector<std::uint32_t> places;
     if (hasAddresses) {
         const std::span<const std::uint32_t> variables = nodes.PlacesOf(NodeGroup::Variables);
@@ -76,8 +75,8 @@ bool VDwarf2Section::IsEmissionRoot(const VDebugInfoNode& node, bool allTypes) {
 }
 
 bool VDwarf2Section::EmitNodes() {
-    const std::span<const VDieNodeMap::Link> nodes = mDieNodes.InOffsetOrder();
-    const std::size_t entryCount = mDieNodes.Size();
+    const std::span<const VDieNodes::Link> nodes = mDieNodes.InOffsetOrder();
+    const std::size_t entryCount = EntryCount();
     const std::size_t step = entryCount >= sManyEntries ? entryCount / 100 : 1;
     const bool allTypes = mReader != nullptr && mReader->IsReadAllTypes();
     if (mReader != nullptr) {
@@ -97,7 +96,7 @@ bool VDwarf2Section::EmitNodes() {
     };
     mDieNodes.ForEachPlace(PlacesOfRoots(mDieNodes, !mElfFile->IsUnlinked(), allTypes),
                            [&](std::uint32_t place) {
-                               tellProgressBefore(mDieNodes.EntriesBefore(place));
+                               tellProgressBefore(EntriesBefore(place));
                                if (IsEmissionRoot(*nodes[place], allTypes)) {
                                    emission.Deliver(*nodes[place]);
                                }

@@ -50,8 +50,8 @@ class AnonymousMembers {
 public:
     explicit AnonymousMembers(VDwarf2Section& section)
         : mSection(section)
-        , mMovesLeft(sMovesOfMembersPerNode * section.mDieNodes.Size())
-        , mCopiesLeft(sCopiesPerNode * section.mDieNodes.Size() + sFreeCopies) {
+        , mMovesLeft(sMovesOfMembersPerNode * section.EntryCount())
+        , mCopiesLeft(sCopiesPerNode * section.EntryCount() + sFreeCopies) {
         section.mDieNodes.ForEachOf(NodeGroup::MembersAndEnumerations,
                                     [this](const VDebugInfoNode& node) {
                                         if (VDebugInfoNode* type = AggregateOf(node)) {
@@ -59,7 +59,7 @@ public:
                                         }
                                     });
         if (!mHolders.empty()) {
-            section.NoteReferencesOfSkipped();
+            section.mSkipped.NoteReferencesOfVariables(section.mDieNodes);
         }
     }
 

@@ -72,7 +72,7 @@ private:
 } // namespace
 
 void FlattenAnonymousMembers(VDwarf2Section& section) {
-    MemberMover mover(section.mDieNodes.Size());
+    MemberMover mover(section.EntryCount());
     section.mDieNodes.ForEachOf(NodeGroup::MembersAndEnumerations, [&](const VDebugInfoNode& node) {
         if (VDebugInfoNode* type = AnonymousTypeOf(node)) {
             mover.Move(*type, node);

@@ -53,7 +53,7 @@ public:
         , mBudget(section.mElfFile->mSecDebugInfo.sh_size) {}
 
     void Collect() {
-        const std::span<const VDieNodeMap::Link> nodes = mSection.mDieNodes.InOffsetOrder();
+        const std::span<const VDieNodes::Link> nodes = mSection.mDieNodes.InOffsetOrder();
         const std::span<const std::uint32_t> places =
             mSection.mDieNodes.PlacesOf(NodeGroup::GroupedTypes);
         mGroupNumbers.reserve(places.size());
@@ -91,7 +91,7 @@ private:
     };
 
     /// Prefetches what the next nodes need: waiting for it took a quarter of the time.
-    BRINDLE_FETCHES void FetchAhead(std::span<const VDieNodeMap::Link> nodes,
+    BRINDLE_FETCHES void FetchAhead(std::span<const VDieNodes::Link> nodes,
                                     std::span<const std::uint32_t> places) const {
         if (places.size() > sNodesAhead) {
             FetchNode(nodes[places[sNodesAhead]]);
@@ -217,7 +217,7 @@ private:
     void ResolveDeclaration(VDebugInfoNode& declaration, VDebugInfoNode& definition) const {
         if (definition.GetTypeOrSpecificationNode() != &declaration) {
             declaration.SetDeclarationResolved(&definition);
-            mSection.mDieNodes.NoteReferred(definition);
+            mSection.mDieNodes.NoteReferred(definition.GetOffset());
         }
     }
 

@@ -51,8 +51,8 @@ void LinkTypeDeclarations(VDwarf2Section& section) {
         types.try_emplace(declaration, type);
     }
     for (const auto& [offset, type] : section.mUnitLinks.mTypeDeclarations) {
-        VDebugInfoNode* declaration = section.mDieNodes.Find(offset);
-        VDebugInfoNode* definition = section.mDieNodes.Find(EndOfChain(types, type));
+        VDebugInfoNode* declaration = section.mDieNodes.FindReferred(offset);
+        VDebugInfoNode* definition = section.mDieNodes.FindReferred(EndOfChain(types, type));
         if (declaration == nullptr || definition == nullptr || definition == declaration) {
             continue;
         }

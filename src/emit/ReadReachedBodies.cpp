@@ -17,6 +17,7 @@
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
+#include "nodes/VReferenceFinder.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -37,9 +38,6 @@ public:
         , mNodes(section.mDieNodes) {}
 
     void ReadAll() {
-        mNodes.ForgetMissing();
-        // What bodies refer to was counted when they were skipped.
-        mNodes.CountReferences(false);
         mNodes.ForEachOf(NodeGroup::Variables, [this](VDebugInfoNode& variable) {
             if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
                 Reach(&variable);
@@ -50,8 +48,7 @@ public:
             VCompileUnitHeader& unit = *mSection.mCompileUnits[mUnits.begin()->first];
             ReadBodiesOf(unit);
         }
-        mNodes.CountReferences(true);
-        if (mNodes.MissingCount() != 0) {
+        if (mReferences.MissingCount() != 0) {
             mSection.RequireBodies();
         }
         if (!mSection.RequiresBodies()) {
@@ -192,7 +189,7 @@ private:
         }
         const std::vector<VDebugInfoNode*> made = reader.TakeNodes();
         for (VDebugInfoNode* node : made) {
-            node->ResolveReferences(mNodes);
+            node->ResolveReferences(mReferences);
             if (node->GetTag() == DW_TAG_subprogram) {
                 mFunctions.emplace(node->GetOffset(), node);
             }
@@ -222,7 +219,9 @@ private:
     }
 
     VDwarf2Section& mSection;
-    VDieNodeMap& mNodes;
+    VDieNodes& mNodes;
+    /// Counts nothing: what bodies refer to was counted when they were skipped.
+    VReferenceFinder mReferences{mNodes, ReferenceCounting::Off};
     /// Nodes to follow.
     std::vector<VDebugInfoNode*> mReached;
     /// What is still wanted, by the unit's place in the list of units.

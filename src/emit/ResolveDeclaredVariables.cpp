@@ -108,7 +108,8 @@ public:
                 mPlacedNames.insert(VariableNames(variable).name);
             }
         });
-        section.ForEachCompletedBySkipped(
+        section.mSkipped.ForEachCompleted(
+            section.mDieNodes,
             [this](const VDebugInfoNode& specification) { mCompleted.insert(&specification); });
     }
 

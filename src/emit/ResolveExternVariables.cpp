@@ -33,7 +33,8 @@ public:
                 mCompleted.insert(specification);
             }
         });
-        section.ForEachCompletedBySkipped(
+        section.mSkipped.ForEachCompleted(
+            section.mDieNodes,
             [this](const VDebugInfoNode& specification) { mCompleted.insert(&specification); });
     }
 

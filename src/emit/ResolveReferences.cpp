@@ -13,6 +13,7 @@
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
+#include "nodes/VReferenceFinder.h"
 
 #include <cstddef>
 #include <utility>
@@ -33,31 +34,31 @@ public:
         , mNodes(section.mDieNodes) {}
 
     void ResolveAll() {
-        mNodes.ForgetMissing();
         mNodes.ForEachWith(NodeTask::References, [this](VDebugInfoNode& node) { Resolve(node); });
         for (const auto& [declaration, type] : mSection.mUnitLinks.mTypeDeclarations) {
-            mNodes.Announce(type);
+            mReferences.Require(type);
         }
         if (mSection.LeavesBodies()) {
             if (!mUnresolved.empty() || !mSection.mUnitLinks.mTypeDeclarations.empty() ||
-                !mSection.mSkippedReferences.Finish(mNodes)) {
+                !mSection.mSkipped.References().Finish(mNodes)) {
                 mSection.RequireBodies();
             }
-            mNodes.ForgetMissing();
             return;
         }
-        for (int round = 0; mNodes.SkippedCount() != 0 && mNodes.MissingCount() != 0; ++round) {
-            ResolveMissing(round < sRoundsByUnit ? mSection.ReadSkippedEntries(mNodes.TakeMissing())
-                                                 : mSection.ReadAllSkippedEntries());
+        for (int round = 0; mSection.mSkipped.Count() != 0 && mReferences.MissingCount() != 0;
+             ++round) {
+            ResolveMissing(round < sRoundsByUnit
+                               ? mSection.ReadSkippedEntries(mReferences.TakeMissing())
+                               : mSection.ReadAllSkippedEntries());
         }
     }
 
 private:
     void Resolve(VDebugInfoNode& node) {
-        const std::size_t missing = mNodes.MissingCount();
-        node.ResolveReferences(mNodes);
-        if (mNodes.MissingCount() != missing &&
-            !(mNodes.MissingCount() == missing + 1 && WaitsForBody(node))) {
+        const std::size_t missing = mReferences.MissingCount();
+        node.ResolveReferences(mReferences);
+        if (mReferences.MissingCount() != missing &&
+            !(mReferences.MissingCount() == missing + 1 && WaitsForBody(node))) {
             mUnresolved.push_back(&node);
         }
     }
@@ -72,23 +73,24 @@ private:
     }
 
     void ResolveMissing(const std::vector<VDebugInfoNode*>& made) {
-        mNodes.ForgetMissing();
+        mReferences.ForgetMissing();
         if (made.empty()) {
             return;
         }
         const std::vector<VDebugInfoNode*> unresolved = std::exchange(mUnresolved, {});
         for (VDebugInfoNode* node : unresolved) {
-            node->ResolveReferences(mNodes);
+            node->ResolveReferences(mReferences);
         }
         // References that led nowhere just now will never lead anywhere.
-        mNodes.ForgetMissing();
+        mReferences.ForgetMissing();
         for (VDebugInfoNode* node : made) {
             Resolve(*node);
         }
     }
 
     VDwarf2Section& mSection;
-    VDieNodeMap& mNodes;
+    VDieNodes& mNodes;
+    VReferenceFinder mReferences{mNodes};
     /// Nodes with references that were not found.
     std::vector<VDebugInfoNode*> mUnresolved;
 };
@@ -100,8 +102,8 @@ void ResolveAllReferences(VDwarf2Section& section) {
 }
 
 void ReadEntriesForSizes(VDwarf2Section& section) {
-    VDieNodeMap& nodes = section.mDieNodes;
-    if (nodes.SkippedCount() == 0 || !nodes.HasBitFieldsWithoutSize()) {
+    VDieNodes& nodes = section.mDieNodes;
+    if (section.mSkipped.Count() == 0 || !nodes.HasBitFieldsWithoutSize()) {
         return;
     }
     bool dependsOnThem = false;
@@ -111,8 +113,9 @@ void ReadEntriesForSizes(VDwarf2Section& section) {
     if (dependsOnThem && section.LeavesBodies()) {
         section.RequireBodies();
     } else if (dependsOnThem) {
+        VReferenceFinder references(nodes);
         for (VDebugInfoNode* node : section.ReadAllSkippedEntries()) {
-            node->ResolveReferences(nodes);
+            node->ResolveReferences(references);
         }
     }
 }

@@ -4,7 +4,7 @@
 #include "nodes/VDebugInfoNode.h"
 #include "nodes/VDebugInfoNodeArray.h"
 #include "nodes/VDebugInfoNodeDerivedTypes.h"
-#include "nodes/VDieNodeMap.h"
+#include "nodes/VReferenceFinder.h"
 
 #include <vector>
 
@@ -58,16 +58,16 @@ bool IsWithoutSize(dwarf_tag tag) {
 }
 
 /// The node that a reference leads to, null for other values.
-VDebugInfoNode* FindReferred(const VAttributeValue& value, const VDieNodeMap& nodes) {
+VDebugInfoNode* FindReferred(const VAttributeValue& value, VReferenceFinder& references) {
     return value.IsDefined() && value.IsReference() && value.mValue != 0
-               ? nodes.Find(static_cast<std::uint32_t>(value.mValue))
+               ? references.Find(static_cast<std::uint32_t>(value.mValue))
                : nullptr;
 }
 
 /// The node of a bound. Skipped entries don't count: none of them has a static place.
-VDebugInfoNode* FindBound(const VAttributeValue& value, const VDieNodeMap& nodes) {
+VDebugInfoNode* FindBound(const VAttributeValue& value, VReferenceFinder& references) {
     return value.IsDefined() && value.IsReference() && value.mValue != 0
-               ? nodes.FindUnskipped(static_cast<std::uint32_t>(value.mValue))
+               ? references.FindIfThere(static_cast<std::uint32_t>(value.mValue))
                : nullptr;
 }
 
@@ -115,9 +115,9 @@ bool VDebugInfoNode::DependsOnSizesBefore() const {
     return true;
 }
 
-void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
+void VDebugInfoNode::ResolveReferences(VReferenceFinder& references) {
     if (!mIsTypeResolved && mTypeReferenceOffset != 0) {
-        if (VDebugInfoNode* type = nodes.Find(mTypeReferenceOffset)) {
+        if (VDebugInfoNode* type = references.Find(mTypeReferenceOffset)) {
             SetTypeNode(*type);
         }
         if (mIsTypeResolved && mTypeNode == this) {
@@ -125,7 +125,7 @@ void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
         }
     }
     if (mHasExtras) {
-        VDebugInfoNode* specification = FindReferred(GetSpecificationAttribute(), nodes);
+        VDebugInfoNode* specification = FindReferred(GetSpecificationAttribute(), references);
         if (specification == this) {
             ClearSpecification();
         } else if (specification != nullptr) {
@@ -134,31 +134,31 @@ void VDebugInfoNode::ResolveReferences(const VDieNodeMap& nodes) {
     }
 }
 
-void VDebugInfoNodeSubrange::ResolveReferences(const VDieNodeMap& nodes) {
-    VDebugInfoNode::ResolveReferences(nodes);
-    mLowerBoundNode = FindBound(mLowerBound, nodes);
-    mUpperBoundNode = FindBound(mUpperBound, nodes);
-    mCountNode = FindBound(mCount, nodes);
+void VDebugInfoNodeSubrange::ResolveReferences(VReferenceFinder& references) {
+    VDebugInfoNode::ResolveReferences(references);
+    mLowerBoundNode = FindBound(mLowerBound, references);
+    mUpperBoundNode = FindBound(mUpperBound, references);
+    mCountNode = FindBound(mCount, references);
 }
 
-bool VDebugInfoNode::ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& /*section*/) {
+bool VDebugInfoNode::ResolveSizes(const VDieNodes& nodes, VDwarf2Section& /*section*/) {
     ResolveByteSize(nodes);
     ConvertBitOffset();
     return NormalizeEncoding();
 }
 
-bool VDebugInfoNodeArray::ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section) {
+bool VDebugInfoNodeArray::ResolveSizes(const VDieNodes& nodes, VDwarf2Section& section) {
     VDebugInfoNode::ResolveSizes(nodes, section);
     ResolveArrayDimensions(nodes);
     return true;
 }
 
-bool VDebugInfoNode::ResolveByteSize(const VDieNodeMap& nodes) {
+bool VDebugInfoNode::ResolveByteSize(const VDieNodes& nodes) {
     SettleByteSize(nodes, 0);
     return true;
 }
 
-void VDebugInfoNode::SettleByteSize(const VDieNodeMap& nodes, int nesting) {
+void VDebugInfoNode::SettleByteSize(const VDieNodes& nodes, int nesting) {
     if (nesting == sMaximumNesting) {
         SettleByteSizeOfChain(nodes);
         return;
@@ -173,7 +173,7 @@ void VDebugInfoNode::SettleByteSize(const VDieNodeMap& nodes, int nesting) {
     TakeByteSizeOfType(*type);
 }
 
-void VDebugInfoNode::SettleByteSizeOfChain(const VDieNodeMap& nodes) {
+void VDebugInfoNode::SettleByteSizeOfChain(const VDieNodes& nodes) {
     std::vector<VDebugInfoNode*> chain;
     for (VDebugInfoNode* node = this;
          !node->HasByteSize() && node->PrepareByteSize(nodes) == SizeSource::Type;
@@ -188,7 +188,7 @@ void VDebugInfoNode::SettleByteSizeOfChain(const VDieNodeMap& nodes) {
     }
 }
 
-VDebugInfoNode::SizeSource VDebugInfoNode::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
+VDebugInfoNode::SizeSource VDebugInfoNode::PrepareByteSize(const VDieNodes& /*nodes*/) {
     if (HasByteSize()) {
         return SizeSource::Known;
     }
@@ -201,8 +201,7 @@ void VDebugInfoNode::TakeByteSizeOfType(const VDebugInfoNode& type) {
     SetByteSize(type.GetByteSize());
 }
 
-VDebugInfoNode::SizeSource
-VDebugInfoNodePointerType::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
+VDebugInfoNode::SizeSource VDebugInfoNodePointerType::PrepareByteSize(const VDieNodes& /*nodes*/) {
     if (!HasByteSize()) {
         SetByteSize(GetCompileUnitHeader()->mTargetAddressSize);
     }
@@ -210,14 +209,14 @@ VDebugInfoNodePointerType::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
 }
 
 VDebugInfoNode::SizeSource
-VDebugInfoNodeReferenceType::PrepareByteSize(const VDieNodeMap& /*nodes*/) {
+VDebugInfoNodeReferenceType::PrepareByteSize(const VDieNodes& /*nodes*/) {
     if (!HasByteSize()) {
         SetByteSize(GetCompileUnitHeader()->mTargetAddressSize);
     }
     return SizeSource::Known;
 }
 
-VDebugInfoNode::SizeSource VDebugInfoNodeArray::PrepareByteSize(const VDieNodeMap& nodes) {
+VDebugInfoNode::SizeSource VDebugInfoNodeArray::PrepareByteSize(const VDieNodes& nodes) {
     if (HasByteSize()) {
         return SizeSource::Known;
     }

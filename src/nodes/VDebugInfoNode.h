@@ -26,10 +26,11 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 class VCLIFactoryWrapper;
 class VDebugInfoNodeArray;
 class VDie2;
-class VDieNodeMap;
+class VDieNodes;
 class VDwarf2Section;
 class ReferenceCycles;
 class VNodeEmission;
+class VReferenceFinder;
 enum class BasicType : std::int32_t;
 enum class NodeTask : std::uint8_t;
 struct EmissionInputs;
@@ -175,16 +176,16 @@ public:
     /// Takes the attributes of the decoded entry. Runs once, right after construction.
     virtual void InitFromDie(const VDie2& die, VDwarf2Section& section);
     /// Turns offsets into links. A reference to the node itself is cut.
-    virtual void ResolveReferences(const VDieNodeMap& nodes);
+    virtual void ResolveReferences(VReferenceFinder& references);
     /// Finds the byte size of a node without one, from its type if it has one. Always true.
-    bool ResolveByteSize(const VDieNodeMap& nodes);
+    bool ResolveByteSize(const VDieNodes& nodes);
     /// Cuts the links of the node if a chain of types or specifications leads back to it.
     /// @return true if a link was cut
     bool BreakReferenceCycles(ReferenceCycles& cycles);
     /// Turns address encodings into signed ones. Always true.
     bool NormalizeEncoding();
     /// Brings byte size, bit offset and encoding to their final form. Always true.
-    virtual bool ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section);
+    virtual bool ResolveSizes(const VDieNodes& nodes, VDwarf2Section& section);
     /// Converts the bit offset, which counts from the most significant bit of the storage, to count
     /// from the least significant bit.
     void ConvertBitOffset();
@@ -431,7 +432,7 @@ protected:
 
     /// Where `ResolveByteSize` takes a missing size from; a source other than the type is used
     /// immediately.
-    virtual SizeSource PrepareByteSize(const VDieNodeMap& nodes);
+    virtual SizeSource PrepareByteSize(const VDieNodes& nodes);
     /// Takes the size of the type, which is settled already.
     virtual void TakeByteSizeOfType(const VDebugInfoNode& type);
 
@@ -457,8 +458,8 @@ private:
         const VNodeExtras* extras = GetExtras();
         return extras != nullptr ? extras->mStorage.Get() : nullptr;
     }
-    void SettleByteSize(const VDieNodeMap& nodes, int nesting);
-    void SettleByteSizeOfChain(const VDieNodeMap& nodes);
+    void SettleByteSize(const VDieNodes& nodes, int nesting);
+    void SettleByteSizeOfChain(const VDieNodes& nodes);
     [[nodiscard]] VDebugInfoNode* FindNumberingOwner() const;
     static VDebugInfoNode* WithDefinition(VDebugInfoNode* node);
 

@@ -1,6 +1,6 @@
 #include "nodes/VDebugInfoNodeArray.h"
 
-#include "nodes/VDieNodeMap.h"
+#include "nodes/VDieNodes.h"
 
 #include <algorithm>
 #include <optional>
@@ -13,7 +13,7 @@ constexpr std::uint32_t sBitsPerByte = 8;
 
 /// The number of a bound, in 32 bits; none if it can't be used. A reference must lead to a variable
 /// in memory, whose address then is the number.
-std::optional<std::uint32_t> BoundOf(const VAttributeValue& value, const VDieNodeMap& nodes) {
+std::optional<std::uint32_t> BoundOf(const VAttributeValue& value, const VDieNodes& nodes) {
     if (!value.IsDefined()) {
         return std::nullopt;
     }
@@ -29,7 +29,7 @@ std::optional<std::uint32_t> BoundOf(const VAttributeValue& value, const VDieNod
 
 } // namespace
 
-void VDebugInfoNodeSubrange::ResolveDimension(const VDieNodeMap& nodes) {
+void VDebugInfoNodeSubrange::ResolveDimension(const VDieNodes& nodes) {
     const std::optional<std::uint32_t> upperBound = BoundOf(mUpperBound, nodes);
     std::uint32_t dimension = 0;
     if (upperBound) {
@@ -40,7 +40,7 @@ void VDebugInfoNodeSubrange::ResolveDimension(const VDieNodeMap& nodes) {
     mDimension = static_cast<std::int32_t>(dimension) > 0 ? dimension : 0;
 }
 
-void VDebugInfoNodeArray::ResolveArrayDimensions(const VDieNodeMap& nodes) {
+void VDebugInfoNodeArray::ResolveArrayDimensions(const VDieNodes& nodes) {
     if (mHasDimensions) {
         return;
     }

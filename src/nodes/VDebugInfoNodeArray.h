@@ -16,7 +16,7 @@ public:
 
     void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
     void Dump(std::ostream& stream, const std::string& indent) const override;
-    void ResolveReferences(const VDieNodeMap& nodes) override;
+    void ResolveReferences(VReferenceFinder& references) override;
 
     [[nodiscard]] const VAttributeValue& GetLowerBound() const { return mLowerBound; }
     [[nodiscard]] const VAttributeValue& GetUpperBound() const { return mUpperBound; }
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] VDebugInfoNode* GetCountNode() const { return mCountNode; }
 
     /// Computes the number of elements from the bounds, which may be variables in memory.
-    void ResolveDimension(const VDieNodeMap& nodes);
+    void ResolveDimension(const VDieNodes& nodes);
     /// Number of elements; 0 if the bounds give none.
     [[nodiscard]] std::uint32_t GetDimension() const { return mDimension; }
     /// Distance between elements of the dimension in bits; 0 if the entry doesn't give it.
@@ -55,7 +55,7 @@ public:
         : VDebugInfoNode(DW_TAG_array_type, sectionOffset, header, parent) {}
 
     void InitFromDie(const VDie2& die, VDwarf2Section& section) override;
-    bool ResolveSizes(const VDieNodeMap& nodes, VDwarf2Section& section) override;
+    bool ResolveSizes(const VDieNodes& nodes, VDwarf2Section& section) override;
     VDebugInfoNodeArray* AsArrayNode() override { return this; }
     bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs, ObjectId& id,
                            bool& alreadyRegistered) override;
@@ -65,7 +65,7 @@ public:
     /// Records that a dimension says where its elements lie.
     void SetHasStrides() { mHasStrides = true; }
     /// Settles the dimensions, once.
-    void ResolveArrayDimensions(const VDieNodeMap& nodes);
+    void ResolveArrayDimensions(const VDieNodes& nodes);
     /// The dimensions; empty before they are settled, never empty afterwards: an array without
     /// usable bounds has the single dimension 0.
     [[nodiscard]] std::vector<std::uint32_t> GetDimensions() const;
@@ -76,7 +76,7 @@ public:
     [[nodiscard]] bool HasScatteredElements() const;
 
 protected:
-    SizeSource PrepareByteSize(const VDieNodeMap& nodes) override;
+    SizeSource PrepareByteSize(const VDieNodes& nodes) override;
     void TakeByteSizeOfType(const VDebugInfoNode& type) override;
 
 private:

@@ -14,7 +14,7 @@ public:
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-pointer-type>"; }
 
 protected:
-    SizeSource PrepareByteSize(const VDieNodeMap& nodes) override;
+    SizeSource PrepareByteSize(const VDieNodes& nodes) override;
 };
 
 /// A reference. Without a size of its own it has the size of an address.
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-reference-type>"; }
 
 protected:
-    SizeSource PrepareByteSize(const VDieNodeMap& nodes) override;
+    SizeSource PrepareByteSize(const VDieNodes& nodes) override;
 };
 
 /// A function type; its parameters are children.

@@ -39,7 +39,7 @@ Reading Read(const EntryMaker& makeEntry, std::size_t count) {
     EXPECT_TRUE(run.Section().MapCompileUnits());
     const std::size_t before = Allocations();
     EXPECT_TRUE(run.Section().ProcessCompileUnits());
-    return {Allocations() - before, run.Section().mDieNodes.Size()};
+    return {Allocations() - before, run.Section().EntryCount()};
 }
 
 TEST(DecodingAllocationTest, CommonEntriesAllocateNothingOfTheirOwn) {

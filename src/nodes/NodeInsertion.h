@@ -1,0 +1,40 @@
+// How nodes come late into a list that is in the order of offsets, and into all lists that run
+// beside it.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+class VDebugInfoNode;
+
+/// A node that is inserted. Of several, those with the lower offsets come first.
+struct VNodeInsertion {
+    /// Place of the first node behind it, before anything is inserted.
+    std::size_t mPlace = 0;
+    VDebugInfoNode* mNode = nullptr;
+};
+
+/// Inserts a value for each of these nodes into a list that has one for each node. What is there
+/// moves in pieces.
+/// @param valueOf gives the value of a node
+template <typename T, typename ValueOf>
+void InsertForEach(std::span<const VNodeInsertion> insertions, std::vector<T>& values,
+                   ValueOf&& valueOf) {
+    std::vector<T> merged;
+    merged.reserve(values.size() + insertions.size());
+    auto next = values.cbegin();
+    for (const VNodeInsertion& insertion : insertions) {
+        const auto end = values.cbegin() + static_cast<std::ptrdiff_t>(insertion.mPlace);
+        merged.insert(merged.end(), next, end);
+        merged.push_back(valueOf(*insertion.mNode));
+        next = end;
+    }
+    merged.insert(merged.end(), next, values.cend());
+    values = std::move(merged);
+}
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF

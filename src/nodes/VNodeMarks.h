@@ -1,0 +1,75 @@
+// What passes have to do at each node, and what they have found out about it.
+#pragma once
+
+#include "nodes/NodeInsertion.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+/// What the passes have to do at a node, told when it is filed: so a pass needs not look at nodes
+/// that it has nothing to do at. A set of bits.
+enum class NodeTask : std::uint8_t {
+    None = 0,
+    Name = 1,
+    References = 2,
+    Size = 4,
+};
+
+constexpr NodeTask operator|(NodeTask left, NodeTask right) {
+    return static_cast<NodeTask>(static_cast<std::uint8_t>(left) |
+                                 static_cast<std::uint8_t>(right));
+}
+
+/// A byte of marks for each node, by its place in `VDieNodeMap`.
+class VNodeMarks {
+public:
+    /// Makes room for about this many nodes.
+    void Reserve(std::size_t count) { mMarks.reserve(count); }
+    void Clear() { mMarks.clear(); }
+    /// Adds the marks of a node behind all others.
+    void Append(NodeTask tasks) { mMarks.push_back(static_cast<std::uint8_t>(tasks)); }
+    /// Inserts nodes as `VDieNodeMap::Insert` did.
+    void Insert(std::span<const VNodeInsertion> insertions);
+
+    [[nodiscard]] bool Has(std::size_t place, NodeTask task) const {
+        return (mMarks[place] & static_cast<std::uint8_t>(task)) != 0;
+    }
+
+    /// One more entry refers to the node, or several more.
+    void NoteReferred(std::size_t place, bool isBySeveral = false) {
+        const bool isAgain = isBySeveral || IsReferred(place);
+        Set(place, isAgain ? kIsReferred | kIsReferredAgain : kIsReferred);
+    }
+    [[nodiscard]] bool IsReferred(std::size_t place) const {
+        return (mMarks[place] & kIsReferred) != 0;
+    }
+    [[nodiscard]] bool IsReferredAgain(std::size_t place) const {
+        return (mMarks[place] & kIsReferredAgain) != 0;
+    }
+
+    /// Marks the node as reached.
+    /// @return false if it was before
+    bool Reach(std::size_t place) {
+        const bool isNew = (mMarks[place] & kIsReached) == 0;
+        Set(place, kIsReached);
+        return isNew;
+    }
+
+private:
+    // Beside the bits of the tasks.
+    static constexpr std::uint8_t kIsReached = 0x10;
+    static constexpr std::uint8_t kIsReferredAgain = 0x20;
+    static constexpr std::uint8_t kIsReferred = 0x40;
+
+    void Set(std::size_t place, std::uint8_t bits) {
+        mMarks[place] = static_cast<std::uint8_t>(mMarks[place] | bits);
+    }
+
+    std::vector<std::uint8_t> mMarks;
+};
+
+} // namespace Tessel::Norn::Brindle::Reader::DWARF
