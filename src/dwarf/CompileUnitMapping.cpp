@@ -203,7 +203,7 @@ private:
         unit.mIndex = static_cast<std::uint32_t>(mSection.mCompileUnits.size());
         unit.mSectionOffset =
             unit.mFilePos - static_cast<std::uint32_t>(mRange.start) + mRange.startOffset;
-        unit.mDebugStr = mSection.mDebugStr.data();
+        unit.mDebugStr = mSection.mTexts.Start();
         if (unit.mTypeOffset != 0 && unit.mTypeOffset < unit.mLength) {
             mSection.mTypeOffsets.try_emplace(unit.mTypeSignature,
                                               unit.mSectionOffset + unit.mTypeOffset);

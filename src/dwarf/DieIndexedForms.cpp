@@ -84,7 +84,7 @@ std::uint32_t VDie2::ReadIndex(FormReading reading) {
 const char* VDie2::FindIndexedText(std::uint32_t index) {
     const std::optional<std::uint64_t> offset =
         mSection->mUnitTables->TextOffsetAt(*mUnitReader, index);
-    return offset ? mSection->GetDebugString(*offset) : nullptr;
+    return offset ? mSection->mTexts.At(*offset) : nullptr;
 }
 
 bool VDie2::ReadIndexedValue(FormReading reading, VDieFormValue& value) {

@@ -47,8 +47,8 @@ VDebugInfoNode* VDie2::CreateNode(VCompileUnitHeader* header, VDebugInfoNode* pa
 
 VDebugInfoNode* VDie2::CreateUnitNode(VCompileUnitHeader* header) {
     auto* unit = mSection->mArena.Create<VDebugInfoNodeCompileUnit>(
-        mOffset, header, mSection->KeepText(mName),
-        VAttributeString{mSection->KeepText(mRareAttributes.mProducer.mValue),
+        mOffset, header, mSection->mTexts.Keep(mName),
+        VAttributeString{mSection->mTexts.Keep(mRareAttributes.mProducer.mValue),
                          mRareAttributes.mProducer.mDefined});
     if (mItem->mIsPartialUnit) {
         unit->SetPartial();
@@ -59,7 +59,7 @@ VDebugInfoNode* VDie2::CreateUnitNode(VCompileUnitHeader* header) {
 VDebugInfoNode* VDie2::CreateNodeByTag(VCompileUnitHeader* header, VDebugInfoNode* parent) {
     VNodeArena& arena = mSection->mArena;
     const auto plain = [&]<typename Node>() { return arena.Create<Node>(mOffset, header, parent); };
-    const auto name = [&] { return mSection->KeepText(mName); };
+    const auto name = [&] { return mSection->mTexts.Keep(mName); };
     const auto named = [&]<typename Node>() {
         return arena.Create<Node>(mOffset, header, parent, name());
     };

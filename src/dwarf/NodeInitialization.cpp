@@ -41,7 +41,7 @@ bool HasExtras(const VDie2& die) {
 }
 
 VAttributeString Keep(const VAttributeString& text, VDwarf2Section& section) {
-    return {text.mDefined ? section.KeepText(text.mValue) : std::string_view(), text.mDefined};
+    return {text.mDefined ? section.mTexts.Keep(text.mValue) : std::string_view(), text.mDefined};
 }
 
 } // namespace
@@ -67,7 +67,7 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
 VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& section) {
     auto* extras = section.mArena.Create<VNodeExtras>();
     extras->mHasLinkageName = die.mHasLinkageName;
-    extras->mLinkageName = section.KeepText(die.mLinkageName);
+    extras->mLinkageName = section.mTexts.Keep(die.mLinkageName);
     extras->mSpecification = static_cast<std::uint32_t>(die.mSpecification.mValue);
     extras->mSpecificationKind = KindOf(die.mSpecification);
     extras->mIsSpecificationOrigin = die.mIsAbstractOrigin;

@@ -114,7 +114,7 @@ void VDwarf2Section::ForgetEntries() {
     mDieNodes.Clear();
     mSkipped = {};
     mUnitLinks = {};
-    mLongTexts = LongTextAllowance(mElfFile->mFileSize);
+    mTexts.Restart();
     if (mElfFile->mManner == ReadingManner::Classic) {
         // The result there depends on whether a linkage name was looked up before.
         mElfFile->mSymbolNamesMap.Restart();

@@ -243,7 +243,7 @@ bool VDie2::ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value) 
         value.mString = mBuffer->GetNullTStr();
         return true;
     case FormReading::TextOffset:
-        value.mString = mSection->GetDebugString(ReadOffset());
+        value.mString = mSection->mTexts.At(ReadOffset());
         return true;
     case FormReading::Block1:
     case FormReading::Block2:
@@ -379,7 +379,7 @@ void VDie2::StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& 
     case AttributeTarget::LinkageName:
         mHasLinkageName = true;
         mLinkageName =
-            value.mString != nullptr ? mSection->AllowText(value.mString, sNoLimit) : VDieText{};
+            value.mString != nullptr ? mSection->mTexts.Allow(value.mString, sNoLimit) : VDieText{};
         break;
     default:
         StoreLayoutAttribute(attribute.mAttribute, value.mNumber);
@@ -449,7 +449,8 @@ void VDie2::RenameEnumerationWithoutSize() {
 
 void VDie2::StoreName(const char* name) {
     mHasName = true;
-    mName = name != nullptr ? mSection->AllowText(name, sMaximumNameLength) : VDieText{"unknown"};
+    mName =
+        name != nullptr ? mSection->mTexts.Allow(name, sMaximumNameLength) : VDieText{"unknown"};
     if (name != nullptr && mTag == DW_TAG_compile_unit) {
         ShortenUnitName();
     }
@@ -475,7 +476,7 @@ void VDie2::OnProducer() {
 }
 
 VAttributeString VDie2::MakeAttributeString(const char* text) const {
-    return {text != nullptr ? mSection->MeasureText(text) : std::string_view(), true};
+    return {text != nullptr ? mSection->mTexts.Measure(text) : std::string_view(), true};
 }
 
 void VDie2::SetAttributeValue(VAttributeValue& target, const TDieAttribute& attribute,

@@ -1,7 +1,6 @@
 #include "dwarf/VDwarf2Section.h"
 
 #include "container/VElfFile.h"
-#include "core/CutText.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"
 #include "dwarf/VAbrSectionBuffer.h"
@@ -14,6 +13,7 @@
 #include <iterator>
 #include <limits>
 #include <new>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -55,16 +55,12 @@ bool VDwarf2Section::Init(VElfFile& file, VDWARFReaderWrapper* reader) {
     gOptExt = VElfOptions::mUseCppExtensionDWARF2;
     mLinkage = LinkageOf(file);
     mForms = &DieForms::Of(file.mManner, mLinkage);
-    mLongTexts = LongTextAllowance(file.mFileSize);
     const Elf64_Shdr& debugStr = file.mSecDebugStr;
-    if (debugStr.sh_offset != 0 && debugStr.sh_size != 0 &&
-        !LoadWholeSection(mDebugStrCache, debugStr)) {
+    VElfFileCachePtr texts;
+    if (debugStr.sh_offset != 0 && debugStr.sh_size != 0 && !LoadWholeSection(texts, debugStr)) {
         return false;
     }
-    if (mDebugStrCache != nullptr) {
-        mDebugStr = mDebugStrCache->GetBytes();
-        mShortTexts = ShortTexts(mDebugStr);
-    }
+    mTexts.Take(std::move(texts), file.mFileSize);
     recCnt = 0;
     const std::uint64_t entriesAtMost =
         std::min(file.mSecDebugInfo.sh_size, static_cast<std::uint64_t>(file.mFileSize));
@@ -162,39 +158,6 @@ void VDwarf2Section::AutodetectReferenceWidth(const std::string& producer,
                "according DWARF3 specification : %s",
                producer.c_str());
     }
-}
-
-VNodeText VDwarf2Section::KeepText(const VDieText& text) {
-    if (text.mLength != VDieText::kWhole || !IsInDebugStr(text.mStart)) {
-        return CopyText(text.Get());
-    }
-    return VNodeText::AtOffset(static_cast<std::uint32_t>(text.mStart - mDebugStr.data()));
-}
-
-VNodeText VDwarf2Section::CopyText(std::string_view text) {
-    return text.empty() ? VNodeText() : VNodeText::InArena(mArena.KeepText(text));
-}
-
-std::string_view VDwarf2Section::KeepText(std::string_view text) {
-    return IsInDebugStr(text.data()) ? text : std::string_view(mArena.KeepText(text), text.size());
-}
-
-VDieText VDwarf2Section::AllowText(const char* text, std::uint32_t limit) {
-    if (IsShortText(text)) {
-        return {text};
-    }
-    const std::string_view allowed = mLongTexts.Cut(text, limit);
-    const bool isWhole = text[allowed.size()] == '\0';
-    return {text, isWhole ? VDieText::kWhole : static_cast<std::uint32_t>(allowed.size())};
-}
-
-std::string_view VDwarf2Section::MeasureText(const char* text) {
-    return mLongTexts.Cut(text, std::numeric_limits<std::uint32_t>::max());
-}
-
-bool VDwarf2Section::IsShortText(const char* text) const {
-    return IsInDebugStr(text) &&
-           mShortTexts.Contains(static_cast<std::size_t>(text - mDebugStr.data()));
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -6,18 +6,14 @@
 #include "container/VElfFileCache.h"
 #include "container/VValueRangeMap.h"
 #include "core/KeyMixing.h"
-#include "core/LongTextAllowance.h"
-#include "dwarf/CodeEntries.h"
+#include "dwarf/DebugTexts.h"
 #include "dwarf/DieForms.h"
-#include "dwarf/ShortTexts.h"
 #include "dwarf/UnitHeaderFormat.h"
 #include "dwarf/VSkippedEntries.h"
 #include "dwarf/VUnitLinks.h"
-#include "dwarf/codes/VAttributeValue.h"
 #include "nodes/VCompileUnitHeader.h"
 #include "nodes/VDieNodes.h"
 #include "nodes/VNodeArena.h"
-#include "nodes/VNodeText.h"
 
 #include <array>
 #include <cstddef>
@@ -133,30 +129,8 @@ public:
         return sectionOffset - unit.mSectionOffset;
     }
 
-    /// The terminated text at an offset of `.debug_str`, null if there is none.
-    [[nodiscard]] const char* GetDebugString(std::uint64_t offset) const {
-        return offset < mDebugStr.size() ? mDebugStr.data() + offset : nullptr;
-    }
     /// Section offset of the type of a signature, 0 if no type unit has it.
     [[nodiscard]] std::uint32_t FindTypeOfSignature(std::uint64_t signature) const;
-    /// True if a text lies in `.debug_str`. Such texts live as long as the tree.
-    [[nodiscard]] bool IsInDebugStr(const char* text) const {
-        const auto distance = reinterpret_cast<std::uintptr_t>(text) -
-                              reinterpret_cast<std::uintptr_t>(mDebugStr.data());
-        return distance < mDebugStr.size();
-    }
-    /// A text of an entry so that it lives as long as the tree: the text itself where all of it
-    /// counts and it lies in `.debug_str`, else a copy.
-    VNodeText KeepText(const VDieText& text);
-    /// The same for a text of known length. What is copied is terminated.
-    std::string_view KeepText(std::string_view text);
-    /// A copy of a text that lives as long as the tree.
-    VNodeText CopyText(std::string_view text);
-    /// The first `limit` characters of a terminated text; less of long texts when a file has far
-    /// too many of them.
-    VDieText AllowText(const char* text, std::uint32_t limit);
-    /// All of a terminated text, measured; long texts are cut as those of `AllowText` are.
-    std::string_view MeasureText(const char* text);
 
     /// Number of entries, the skipped ones too.
     [[nodiscard]] std::size_t EntryCount() const { return mDieNodes.Size() + mSkipped.Count(); }
@@ -189,14 +163,11 @@ public:
     VDWARFReaderWrapper* mReader = nullptr;
     /// The nodes, their texts and the unit headers live here.
     VNodeArena mArena;
+    DebugTexts mTexts{mArena};
     std::unique_ptr<VLocTabBuffer> mLocTabBuffer;
     std::unique_ptr<VAbrSectionBuffer> mAbrSectionBuffer;
     /// Whole `.debug_info`, compressed; only for dsPIC targets.
     VElfFileCachePtr mDebugInfoCache;
-    /// Whole `.debug_str`; none if the section is missing or empty.
-    VElfFileCachePtr mDebugStrCache;
-    /// Its bytes; a terminator follows the last one.
-    std::string_view mDebugStr;
     /// How far the file is linked, as far as decoding has to know.
     Linkage mLinkage = Linkage::Linked;
     /// Those of the manner of reading and the file.
@@ -250,8 +221,6 @@ private:
     ReadSkippedEntriesOf(const std::vector<VCompileUnitHeader*>& units);
     /// True if each unit begins behind the one before.
     [[nodiscard]] bool AreUnitsApart() const;
-    /// True only for a text of `.debug_str` that is known to be short.
-    [[nodiscard]] bool IsShortText(const char* text) const;
 
     /// True if the choice of nodes shows in nothing but the cost of the read.
     [[nodiscard]] bool CanLeaveBodies() const;
@@ -274,9 +243,6 @@ private:
     /// Number of the first node of the section.
     std::uint32_t mFirstNodeRecord = 0;
     std::unique_ptr<VElfBuffer> mUnitBuffer;
-    ShortTexts mShortTexts;
-    /// For texts of entries.
-    LongTextAllowance mLongTexts;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

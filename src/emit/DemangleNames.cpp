@@ -38,7 +38,7 @@ class NameDemangler {
 public:
     explicit NameDemangler(VDwarf2Section& section)
         : mSection(section)
-        , mStaysAsItIs(section.mDebugStr.size()) {}
+        , mStaysAsItIs(section.mTexts.Size()) {}
 
     void EnterUnit(const VDebugInfoNode& unit) {
         mOptions.mIsTaskingProducer = IsTaskingProducer(unit.GetProducer());
@@ -46,7 +46,7 @@ public:
 
     void Demangle(VDebugInfoNode& node) {
         const char* name = node.GetNameStart();
-        const bool isShared = !mOptions.mIsTaskingProducer && mSection.IsInDebugStr(name);
+        const bool isShared = !mOptions.mIsTaskingProducer && mSection.mTexts.Contains(name);
         if (const auto demangled = isShared ? DemangleShared(node, name) : DemangleName(node)) {
             node.SetName(*demangled);
         }
@@ -54,7 +54,7 @@ public:
 
 private:
     std::optional<VNodeText> DemangleShared(const VDebugInfoNode& node, const char* name) {
-        const auto offset = static_cast<std::size_t>(name - mSection.mDebugStr.data());
+        const auto offset = mSection.mTexts.OffsetOf(name);
         if (mStaysAsItIs[offset]) {
             return std::nullopt;
         }
@@ -80,7 +80,8 @@ private:
         const bool isWritten =
             DWARF::DemangleName(mBuffer, sMaximumNameLength, name.data(),
                                 static_cast<int>(name.size()), isDemangled, mOptions);
-        return isWritten && isDemangled ? std::optional(mSection.CopyText(mBuffer)) : std::nullopt;
+        return isWritten && isDemangled ? std::optional(mSection.mTexts.Copy(mBuffer))
+                                        : std::nullopt;
     }
 
     VDwarf2Section& mSection;

@@ -208,7 +208,7 @@ private:
     /// The text of a group as name of its nodes.
     VNodeText TextAsName(Group& group) {
         if (!group.name) {
-            group.name = mSection.CopyText({group.text, group.textLength});
+            group.name = mSection.mTexts.Copy({group.text, group.textLength});
         }
         return *group.name;
     }
