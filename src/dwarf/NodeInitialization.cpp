@@ -54,12 +54,12 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
     mIsExternal = die.mIsExternal;
     mHasNameAttribute = die.mHasName;
     mBitFieldFromLocation = die.mBitFieldFromLocation;
-    mTypeReferenceOffset =
-        die.mTypeRef != 0 && !die.mTypeRefIsSectionOffset
-            ? VDwarf2Section::UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
-            : die.mTypeRef;
+    mType =
+        VNodeReference(die.mTypeRef != 0 && !die.mTypeRefIsSectionOffset
+                           ? VDwarf2Section::UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
+                           : die.mTypeRef);
     if (HasExtras(die)) {
-        mAside = &MakeExtras(die, section);
+        mExtrasOrDelivery = &MakeExtras(die, section);
         mHasExtras = true;
     }
 }
@@ -68,7 +68,7 @@ VNodeExtras& VDebugInfoNode::MakeExtras(const VDie2& die, VDwarf2Section& sectio
     auto* extras = section.mArena.Create<VNodeExtras>();
     extras->mHasLinkageName = die.mHasLinkageName;
     extras->mLinkageName = section.mTexts.Keep(die.mLinkageName);
-    extras->mSpecification = static_cast<std::uint32_t>(die.mSpecification.mValue);
+    extras->mSpecification = VNodeReference(static_cast<std::uint32_t>(die.mSpecification.mValue));
     extras->mSpecificationKind = KindOf(die.mSpecification);
     extras->mIsSpecificationOrigin = die.mIsAbstractOrigin;
     extras->mAccessibility = static_cast<std::uint32_t>(die.mAccessibility.mValue);

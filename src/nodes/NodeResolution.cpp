@@ -75,7 +75,7 @@ VDebugInfoNode* FindBound(const VAttributeValue& value, VReferenceFinder& refere
 
 NodeTask VDebugInfoNode::GetTasks() const {
     const bool hasName = mHasNameAttribute || mTag == DW_TAG_compile_unit;
-    const bool hasReferences = mTypeReferenceOffset != 0 || mIsTypeResolved ||
+    const bool hasReferences = mIsTypeResolved || mType.Offset() != 0 ||
                                mTag == DW_TAG_subrange_type ||
                                GetSpecificationAttribute().IsReference();
     const bool hasSize = (!mHasByteSize && !IsWithoutSize(mTag)) || GetStorage() != nullptr ||
@@ -116,11 +116,11 @@ bool VDebugInfoNode::DependsOnSizesBefore() const {
 }
 
 void VDebugInfoNode::ResolveReferences(VReferenceFinder& references) {
-    if (!mIsTypeResolved && mTypeReferenceOffset != 0) {
-        if (VDebugInfoNode* type = references.Find(mTypeReferenceOffset)) {
+    if (!mIsTypeResolved && mType.Offset() != 0) {
+        if (VDebugInfoNode* type = references.Find(mType.Offset())) {
             SetTypeNode(*type);
         }
-        if (mIsTypeResolved && mTypeNode == this) {
+        if (mIsTypeResolved && mType.Node() == this) {
             ClearType();
         }
     }

@@ -61,15 +61,12 @@ void VDebugInfoNode::CopyFrom(const VDebugInfoNode& other, VNodeArena& arena) {
     mIsExternal = other.mIsExternal;
     mHasNameAttribute = other.mHasNameAttribute;
     mBitFieldFromLocation = other.mBitFieldFromLocation;
-    if (other.mIsTypeResolved) {
-        SetTypeNode(*other.mTypeNode);
-    } else {
-        mTypeReferenceOffset = other.mTypeReferenceOffset;
-    }
+    mType = other.mType;
+    mIsTypeResolved = other.mIsTypeResolved;
     if (const VNodeExtras* extras = other.GetExtras()) {
         auto* copy = arena.Create<VNodeExtras>(*extras);
         static_cast<VNodeDelivery&>(*copy) = {};
-        mAside = copy;
+        mExtrasOrDelivery = copy;
         mHasExtras = true;
     }
 }
@@ -166,8 +163,8 @@ VAttributeValue VDebugInfoNode::GetSpecificationAttribute() const {
         return {};
     }
     return extras->mIsSpecificationResolved
-               ? VAttributeValue::Reference(extras->mSpecificationNode->mOffset)
-               : ValueOf(extras->mSpecificationKind, extras->mSpecification);
+               ? VAttributeValue::Reference(extras->mSpecification.Node()->mOffset)
+               : ValueOf(extras->mSpecificationKind, extras->mSpecification.Offset());
 }
 
 VAttributeValue VDebugInfoNode::GetAccessibilityAttribute() const {
@@ -178,14 +175,14 @@ VAttributeValue VDebugInfoNode::GetAccessibilityAttribute() const {
 
 void VDebugInfoNode::SetSpecificationNode(VDebugInfoNode& node) {
     if (VNodeExtras* extras = GetExtras()) {
-        std::construct_at(&extras->mSpecificationNode, &node);
+        extras->mSpecification = VNodeReference(node);
         extras->mIsSpecificationResolved = true;
     }
 }
 
 void VDebugInfoNode::ClearSpecification() {
     if (VNodeExtras* extras = GetExtras()) {
-        extras->mSpecification = 0;
+        extras->mSpecification = {};
         extras->mSpecificationKind = VAttributeKind::Undefined;
         extras->mIsSpecificationResolved = false;
     }
@@ -194,7 +191,7 @@ void VDebugInfoNode::ClearSpecification() {
 bool VDebugInfoNode::LacksSpecification() const {
     const VNodeExtras* extras = GetExtras();
     return extras != nullptr && !extras->mIsSpecificationResolved &&
-           GetSpecificationAttribute().IsReference() && extras->mSpecification != 0;
+           GetSpecificationAttribute().IsReference() && extras->mSpecification.Offset() != 0;
 }
 
 bool VDebugInfoNode::IsInstance() const {
@@ -207,7 +204,7 @@ VDebugInfoNode* VDebugInfoNode::GetAbstractOriginNode() const {
 }
 
 void VDebugInfoNode::ClearType() {
-    mTypeReferenceOffset = 0;
+    mType = {};
     mIsTypeResolved = false;
 }
 

@@ -9,13 +9,13 @@
 #include "host/ObjectId.h"
 #include "nodes/VCompileUnitHeader.h"
 #include "nodes/VNodeArena.h"
+#include "nodes/VNodeReference.h"
 #include "nodes/VNodeText.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <iterator>
-#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -74,9 +74,6 @@ struct VNodeDelivery {
 
 /// Attributes that few nodes have, and the delivery of such a node.
 struct VNodeExtras : VNodeDelivery {
-    // NOLINTNEXTLINE(modernize-use-equals-default): a default would build no member of the union
-    VNodeExtras() {}
-
     bool mHasLinkageName = false;
     bool mIsSpecificationResolved = false;
     bool mIsSpecificationOrigin = false;
@@ -84,10 +81,7 @@ struct VNodeExtras : VNodeDelivery {
     VAttributeKind mAccessibilityKind = VAttributeKind::Undefined;
     VNodeText mLinkageName;
     /// Value of the specification attribute; once its entry is found, the entry itself.
-    union {
-        std::uint32_t mSpecification = 0;
-        VNodeLink<class VDebugInfoNode> mSpecificationNode;
-    };
+    VNodeReference mSpecification;
     std::uint32_t mAccessibility = 0;
     VNodeLink<VNodeStorage> mStorage;
 };
@@ -225,13 +219,13 @@ public:
 
     /// Section offset in the type attribute, 0 if there is none.
     [[nodiscard]] std::uint32_t GetTypeReferenceOffset() const {
-        return mIsTypeResolved ? mTypeNode->GetOffset() : mTypeReferenceOffset;
+        return mIsTypeResolved ? mType.Node()->GetOffset() : mType.Offset();
     }
     /// The type; instead of a resolved declaration, its definition.
     [[nodiscard]] VDebugInfoNode* GetTypeNode() const;
     /// Makes the type reference lead to this node.
     void SetTypeNode(VDebugInfoNode& node) {
-        std::construct_at(&mTypeNode, &node);
+        mType = VNodeReference(node);
         mIsTypeResolved = true;
     }
     [[nodiscard]] VAttributeValue GetSpecificationAttribute() const;
@@ -350,15 +344,15 @@ public:
 
     /// The host's object of this node, 0 until it is delivered.
     [[nodiscard]] ObjectId GetEntryObject() const {
-        const VNodeDelivery* delivery = mAside;
+        const VNodeDelivery* delivery = mExtrasOrDelivery;
         return delivery != nullptr ? delivery->mEntryObject : 0;
     }
     /// Like all setters of the delivery, only for nodes whose delivery has begun.
-    void SetEntryObject(ObjectId object) { mAside->mEntryObject = object; }
+    void SetEntryObject(ObjectId object) { mExtrasOrDelivery->mEntryObject = object; }
     /// Makes room for the state of the delivery.
     void BeginDelivery(VNodeArena& arena) {
-        if (mAside == nullptr) {
-            mAside = arena.Create<VNodeDelivery>();
+        if (mExtrasOrDelivery == nullptr) {
+            mExtrasOrDelivery = arena.Create<VNodeDelivery>();
         }
     }
     /// True if this node is the scope of its children's objects.
@@ -376,24 +370,26 @@ public:
                                    ObjectId& id, bool& alreadyRegistered);
     /// Index of the node's innermost delivery in progress, 0 if there is none.
     [[nodiscard]] std::uint32_t GetEmissionFrame() const {
-        const VNodeDelivery* delivery = mAside;
+        const VNodeDelivery* delivery = mExtrasOrDelivery;
         return delivery != nullptr ? delivery->mFrame : 0;
     }
-    void SetEmissionFrame(std::uint32_t frame) { mAside->mFrame = frame & kLargestFrame; }
+    void SetEmissionFrame(std::uint32_t frame) {
+        mExtrasOrDelivery->mFrame = frame & kLargestFrame;
+    }
     static constexpr std::uint32_t kLargestFrame = (1U << 30U) - 1;
 
     /// True if the host returned no object on request; it isn't asked again.
     [[nodiscard]] bool IsDeliveryRefused() const {
-        const VNodeDelivery* delivery = mAside;
+        const VNodeDelivery* delivery = mExtrasOrDelivery;
         return delivery != nullptr && delivery->mIsRefused;
     }
-    void SetDeliveryRefused() { mAside->mIsRefused = true; }
+    void SetDeliveryRefused() { mExtrasOrDelivery->mIsRefused = true; }
     /// True for a variable that the host already has from another node.
     [[nodiscard]] bool IsDropped() const {
-        const VNodeDelivery* delivery = mAside;
+        const VNodeDelivery* delivery = mExtrasOrDelivery;
         return delivery != nullptr && delivery->mIsDropped;
     }
-    void SetDropped() { mAside->mIsDropped = true; }
+    void SetDropped() { mExtrasOrDelivery->mIsDropped = true; }
 
     /// @}
     /// @name Dump for a person
@@ -449,10 +445,10 @@ protected:
 private:
     VNodeExtras& MakeExtras(const VDie2& die, VDwarf2Section& section);
     [[nodiscard]] const VNodeExtras* GetExtras() const {
-        return mHasExtras ? static_cast<const VNodeExtras*>(mAside.Get()) : nullptr;
+        return mHasExtras ? static_cast<const VNodeExtras*>(mExtrasOrDelivery.Get()) : nullptr;
     }
     [[nodiscard]] VNodeExtras* GetExtras() {
-        return mHasExtras ? static_cast<VNodeExtras*>(mAside.Get()) : nullptr;
+        return mHasExtras ? static_cast<VNodeExtras*>(mExtrasOrDelivery.Get()) : nullptr;
     }
     [[nodiscard]] VNodeStorage* GetStorage() const {
         const VNodeExtras* extras = GetExtras();
@@ -474,7 +470,7 @@ private:
     //     12  tag                      36  next sibling (of the last child: the first child)
     //     14  flags, walk states       40  last child, so that appending needs no walk
     //     16  type: offset, then link  44  section offset
-    //     20  aside                    48  record of the entry
+    //     20  extras or delivery       48  record of the entry
     //     24  byte size                52  record of the node
     //
     // `mAside` leads to what few nodes have. A variable without specification has nothing there
@@ -497,12 +493,9 @@ private:
     WalkState mTypeWalkState : 2 = WalkState::Unseen;
     WalkState mSpecificationWalkState : 2 = WalkState::Unseen;
     /// Section offset of the type; once it is found, the type itself.
-    union {
-        std::uint32_t mTypeReferenceOffset = 0;
-        VNodeLink<VDebugInfoNode> mTypeNode;
-    };
+    VNodeReference mType;
     /// The extras of the node, if it has any; else its delivery, once that begins.
-    VNodeLink<VNodeDelivery> mAside;
+    VNodeLink<VNodeDelivery> mExtrasOrDelivery;
     std::int32_t mByteSize = 0;
     VNodeLink<VCompileUnitHeader> mCompileUnitHeader;
     VNodeLink<VDebugInfoNode> mParent;
@@ -576,13 +569,13 @@ inline VDebugInfoNode* VDebugInfoNode::WithDefinition(VDebugInfoNode* node) {
 }
 
 inline VDebugInfoNode* VDebugInfoNode::GetTypeNode() const {
-    return mIsTypeResolved ? WithDefinition(mTypeNode) : nullptr;
+    return mIsTypeResolved ? WithDefinition(mType.Node()) : nullptr;
 }
 
 inline VDebugInfoNode* VDebugInfoNode::GetSpecificationNode() const {
     const VNodeExtras* extras = GetExtras();
     return extras != nullptr && extras->mIsSpecificationResolved
-               ? WithDefinition(extras->mSpecificationNode)
+               ? WithDefinition(extras->mSpecification.Node())
                : nullptr;
 }
 

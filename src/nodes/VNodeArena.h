@@ -127,6 +127,14 @@ public:
     operator T*() const { return Get(); }
     T* operator->() const { return Get(); }
 
+    /// The link as a number, 0 if it is null.
+    [[nodiscard]] std::uint32_t Number() const { return mNumber; }
+    static VNodeLink OfNumber(std::uint32_t number) {
+        VNodeLink link;
+        link.mNumber = number;
+        return link;
+    }
+
 private:
     std::uint32_t mNumber = 0;
 };
