@@ -32,158 +32,111 @@ struct TagAlias {
 
 namespace {
 
+/// What a value is in a linked file, and is not before a linker has filled it in.
+enum class LinkerValue : std::uint8_t {
+    Nothing,
+    Address,
+    /// An offset of a section, or what leads to one.
+    Offset
+};
+
+struct KnownForm {
+    std::uint32_t code;
+    FormReading classic;
+    FormReading full;
+    FormValue value;
+    LinkerValue filled;
+};
+
+constexpr KnownForm sKnownForms[] = {
+#define DWARF_FORM(code, name, classic, full, value, filled)                                       \
+    {DW_FORM_##name, FormReading::classic, FormReading::full, FormValue::value,                    \
+     LinkerValue::filled},
+#include "dwarf/codes/DwarfForms.def"
+#undef DWARF_FORM
+};
+
+struct KnownAttribute {
+    std::uint32_t code;
+    AttributeTarget classic;
+    AttributeTarget full;
+};
+
+constexpr KnownAttribute sKnownAttributes[] = {
+#define DWARF_ATTRIBUTE(code, name, classic, full)                                                 \
+    {DW_AT_##name, AttributeTarget::classic, AttributeTarget::full},
+#include "dwarf/codes/DwarfAttributes.def"
+#undef DWARF_ATTRIBUTE
+};
+
+// The codes of the standard follow each other closely, those of vendors lie far behind them: forms
+// of split units before DWARF 5, and of files that share a supplementary file.
+constexpr std::size_t sFormCount = DW_FORM_addrx4 + 1;
 constexpr std::uint32_t sFirstVendorForm = DW_FORM_GNU_addr_index;
+constexpr std::size_t sVendorFormCount = DW_FORM_GNU_strp_alt + 1 - sFirstVendorForm;
+constexpr std::size_t sTargetCount = DW_AT_loclists_base + 1;
 
-constexpr auto sClassicForms = [] {
-    std::array<FormProperties, DW_FORM_ref_sig8 + 1> forms{};
-    forms[DW_FORM_addr] = {FormReading::Address};
-    forms[DW_FORM_block2] = {FormReading::Block2};
-    forms[DW_FORM_block4] = {FormReading::Block4};
-    forms[DW_FORM_data2] = {FormReading::TwoBytes};
-    forms[DW_FORM_data4] = {FormReading::FourBytes};
-    forms[DW_FORM_data8] = {FormReading::EightBytes};
-    forms[DW_FORM_string] = {FormReading::Text};
-    forms[DW_FORM_block] = {FormReading::BlockLeb128};
-    forms[DW_FORM_block1] = {FormReading::Block1};
-    forms[DW_FORM_data1] = {FormReading::OneByte};
-    forms[DW_FORM_flag] = {FormReading::OneByte};
-    forms[DW_FORM_sdata] = {FormReading::SignedLeb128};
-    forms[DW_FORM_strp] = {FormReading::TextOffset};
-    forms[DW_FORM_udata] = {FormReading::UnsignedLeb128};
-    forms[DW_FORM_ref_addr] = {FormReading::ReferenceAddress, FormValue::Reference};
-    forms[DW_FORM_ref1] = {FormReading::OneByte, FormValue::Reference};
-    forms[DW_FORM_ref2] = {FormReading::TwoBytes, FormValue::Reference};
-    forms[DW_FORM_ref4] = {FormReading::FourBytes, FormValue::Reference};
-    forms[DW_FORM_ref8] = {FormReading::EightBytes, FormValue::Reference};
-    forms[DW_FORM_ref_udata] = {FormReading::UnsignedLeb128, FormValue::Reference};
-    forms[DW_FORM_indirect] = {FormReading::Indirect};
-    forms[DW_FORM_sec_offset] = {FormReading::Offset};
-    forms[DW_FORM_exprloc] = {FormReading::BlockLeb128};
-    forms[DW_FORM_flag_present] = {FormReading::Present};
-    forms[DW_FORM_ref_sig8] = {FormReading::EightBytes, FormValue::Reference};
-    return forms;
-}();
-
-constexpr auto sFullForms = [] {
-    std::array<FormProperties, DW_FORM_addrx4 + 1> forms{};
-    std::ranges::copy(sClassicForms, forms.begin());
-    forms[DW_FORM_ref_addr] = {FormReading::ReferenceAddressByVersion, FormValue::Reference};
-    forms[DW_FORM_ref_sig8] = {FormReading::TypeSignature, FormValue::Reference};
-    forms[DW_FORM_strx] = {FormReading::TextIndexLeb128};
-    forms[DW_FORM_addrx] = {FormReading::AddressIndexLeb128};
-    forms[DW_FORM_ref_sup4] = {FormReading::FourBytes, FormValue::Absent};
-    forms[DW_FORM_strp_sup] = {FormReading::Offset, FormValue::Absent};
-    forms[DW_FORM_data16] = {FormReading::SixteenBytes, FormValue::Absent};
-    forms[DW_FORM_line_strp] = {FormReading::LineTextOffset};
-    forms[DW_FORM_implicit_const] = {FormReading::Constant};
-    forms[DW_FORM_loclistx] = {FormReading::LocationListIndex};
-    forms[DW_FORM_rnglistx] = {FormReading::UnsignedLeb128, FormValue::Absent};
-    forms[DW_FORM_ref_sup8] = {FormReading::EightBytes, FormValue::Absent};
-    forms[DW_FORM_strx1] = {FormReading::TextIndex1};
-    forms[DW_FORM_strx2] = {FormReading::TextIndex2};
-    forms[DW_FORM_strx3] = {FormReading::TextIndex3};
-    forms[DW_FORM_strx4] = {FormReading::TextIndex4};
-    forms[DW_FORM_addrx1] = {FormReading::AddressIndex1};
-    forms[DW_FORM_addrx2] = {FormReading::AddressIndex2};
-    forms[DW_FORM_addrx3] = {FormReading::AddressIndex3};
-    forms[DW_FORM_addrx4] = {FormReading::AddressIndex4};
-    return forms;
-}();
-
-/// Forms of split units before DWARF 5, and of files that share a supplementary file.
-constexpr auto sFullVendorForms = [] {
-    std::array<FormProperties, DW_FORM_GNU_strp_alt + 1 - sFirstVendorForm> forms{};
-    forms[DW_FORM_GNU_addr_index - sFirstVendorForm] = {FormReading::AddressIndexLeb128};
-    forms[DW_FORM_GNU_str_index - sFirstVendorForm] = {FormReading::TextIndexLeb128};
-    forms[DW_FORM_GNU_ref_alt - sFirstVendorForm] = {FormReading::Offset, FormValue::Absent};
-    forms[DW_FORM_GNU_strp_alt - sFirstVendorForm] = {FormReading::Offset, FormValue::Absent};
-    return forms;
-}();
-
-/// Forms of addresses.
-constexpr std::uint32_t sAddressForms[] = {
-    DW_FORM_addr,   DW_FORM_addrx,  DW_FORM_addrx1,         DW_FORM_addrx2,
-    DW_FORM_addrx3, DW_FORM_addrx4, DW_FORM_GNU_addr_index,
-};
-
-/// Forms whose values are, or lead to, offsets of sections.
-constexpr std::uint32_t sOffsetForms[] = {
-    DW_FORM_strp,  DW_FORM_ref_addr, DW_FORM_sec_offset, DW_FORM_line_strp,
-    DW_FORM_strx,  DW_FORM_strx1,    DW_FORM_strx2,      DW_FORM_strx3,
-    DW_FORM_strx4, DW_FORM_loclistx, DW_FORM_rnglistx,   DW_FORM_GNU_str_index,
-};
-
-/// The table of forms with the values of some made absent.
-/// @param first code of the first of them
+/// The forms of the codes from the first one on.
 template <std::size_t Count>
-constexpr auto Without(std::array<FormProperties, Count> forms,
-                       std::span<const std::uint32_t> absent, std::uint32_t first) {
-    for (const std::uint32_t form : absent) {
-        if (form - first < Count) {
-            forms[form - first].value = FormValue::Absent;
+constexpr auto FormsFrom(std::uint32_t first, ReadingManner manner, Linkage linkage) {
+    std::array<FormProperties, Count> forms{};
+    for (const KnownForm& known : sKnownForms) {
+        const FormReading reading = manner == ReadingManner::Full ? known.full : known.classic;
+        if (known.code - first >= Count || reading == FormReading::Unknown) {
+            continue;
         }
+        const bool isMissing =
+            (known.filled == LinkerValue::Address && linkage != Linkage::Linked) ||
+            (known.filled == LinkerValue::Offset && linkage == Linkage::NothingInPlace);
+        forms[known.code - first] = {reading, isMissing ? FormValue::Absent : known.value};
     }
     return forms;
 }
 
-constexpr auto sFormsWithoutAddresses = Without(sFullForms, sAddressForms, 0);
-constexpr auto sVendorFormsWithoutAddresses =
-    Without(sFullVendorForms, sAddressForms, sFirstVendorForm);
-constexpr auto sUnlinkedForms = Without(sFormsWithoutAddresses, sOffsetForms, 0);
-constexpr auto sUnlinkedVendorForms =
-    Without(sVendorFormsWithoutAddresses, sOffsetForms, sFirstVendorForm);
+constexpr auto FormsOf(ReadingManner manner, Linkage linkage) {
+    return FormsFrom<sFormCount>(0, manner, linkage);
+}
 
-constexpr auto sClassicTargets = [] {
-    std::array<AttributeTarget, DW_AT_linkage_name + 1> targets{};
-    targets[DW_AT_location] = AttributeTarget::Location;
-    targets[DW_AT_name] = AttributeTarget::Name;
-    targets[DW_AT_byte_size] = AttributeTarget::ByteSize;
-    targets[DW_AT_bit_offset] = AttributeTarget::BitOffset;
-    targets[DW_AT_bit_size] = AttributeTarget::BitSize;
-    targets[DW_AT_comp_dir] = AttributeTarget::CompDir;
-    targets[DW_AT_const_value] = AttributeTarget::ConstValue;
-    targets[DW_AT_lower_bound] = AttributeTarget::LowerBound;
-    targets[DW_AT_producer] = AttributeTarget::Producer;
-    targets[DW_AT_upper_bound] = AttributeTarget::UpperBound;
-    targets[DW_AT_accessibility] = AttributeTarget::Accessibility;
-    targets[DW_AT_count] = AttributeTarget::Count;
-    targets[DW_AT_data_member_location] = AttributeTarget::MemberLocation;
-    targets[DW_AT_declaration] = AttributeTarget::Declaration;
-    targets[DW_AT_encoding] = AttributeTarget::Encoding;
-    targets[DW_AT_external] = AttributeTarget::External;
-    targets[DW_AT_specification] = AttributeTarget::Specification;
-    targets[DW_AT_type] = AttributeTarget::Type;
-    targets[DW_AT_linkage_name] = AttributeTarget::LinkageName;
+constexpr auto FullVendorFormsOf(Linkage linkage) {
+    return FormsFrom<sVendorFormCount>(sFirstVendorForm, ReadingManner::Full, linkage);
+}
+
+constexpr auto sClassicForms = FormsOf(ReadingManner::Classic, Linkage::Linked);
+constexpr auto sFullForms = FormsOf(ReadingManner::Full, Linkage::Linked);
+constexpr auto sFullVendorForms = FullVendorFormsOf(Linkage::Linked);
+constexpr auto sFormsWithoutAddresses = FormsOf(ReadingManner::Full, Linkage::OffsetsInPlace);
+constexpr auto sVendorFormsWithoutAddresses = FullVendorFormsOf(Linkage::OffsetsInPlace);
+constexpr auto sUnlinkedForms = FormsOf(ReadingManner::Full, Linkage::NothingInPlace);
+constexpr auto sUnlinkedVendorForms = FullVendorFormsOf(Linkage::NothingInPlace);
+
+constexpr auto TargetsOf(ReadingManner manner) {
+    std::array<AttributeTarget, sTargetCount> targets{};
+    for (const KnownAttribute& known : sKnownAttributes) {
+        if (known.code < sTargetCount) {
+            targets[known.code] = manner == ReadingManner::Full ? known.full : known.classic;
+        }
+    }
+    return targets;
+}
+
+constexpr auto sClassicTargets = TargetsOf(ReadingManner::Classic);
+constexpr auto sFullTargets = TargetsOf(ReadingManner::Full);
+
+constexpr std::size_t sVendorTargetCount = std::ranges::count_if(
+    sKnownAttributes, [](const KnownAttribute& known) { return known.code >= sTargetCount; });
+
+constexpr auto sFullVendorTargets = [] {
+    std::array<VendorTarget, sVendorTargetCount> targets{};
+    std::size_t count = 0;
+    for (const KnownAttribute& known : sKnownAttributes) {
+        if (known.code >= sTargetCount) {
+            targets[count++] = {known.code, known.full};
+        }
+    }
     return targets;
 }();
 
-constexpr auto sFullTargets = [] {
-    std::array<AttributeTarget, DW_AT_loclists_base + 1> targets{};
-    std::ranges::copy(sClassicTargets, targets.begin());
-    targets[DW_AT_import] = AttributeTarget::Import;
-    targets[DW_AT_signature] = AttributeTarget::Signature;
-    targets[DW_AT_language] = AttributeTarget::Language;
-    targets[DW_AT_abstract_origin] = AttributeTarget::AbstractOrigin;
-    targets[DW_AT_data_bit_offset] = AttributeTarget::DataBitOffset;
-    targets[DW_AT_endianity] = AttributeTarget::Endianity;
-    targets[DW_AT_ordering] = AttributeTarget::Ordering;
-    targets[DW_AT_bit_stride] = AttributeTarget::BitStride;
-    targets[DW_AT_byte_stride] = AttributeTarget::ByteStride;
-    targets[DW_AT_data_location] = AttributeTarget::ComputedPlace;
-    targets[DW_AT_dwo_name] = AttributeTarget::SplitFile;
-    targets[DW_AT_str_offsets_base] = AttributeTarget::TextOffsetsBase;
-    targets[DW_AT_addr_base] = AttributeTarget::AddressesBase;
-    targets[DW_AT_loclists_base] = AttributeTarget::LocationListsBase;
-    return targets;
-}();
-
-constexpr auto sFullVendorTargets = std::to_array<VendorTarget>({
-    {DW_AT_MIPS_linkage_name, AttributeTarget::LinkageName},
-    {DW_AT_GNU_dwo_name, AttributeTarget::SplitFile},
-    {DW_AT_GNU_addr_base, AttributeTarget::AddressesBase},
-});
-
-/// Attributes that determine the layout of an array, and may be computed at run time.
+/// What counts to lay out an array, and may be computed at run time.
 constexpr bool IsOfArrayLayout(AttributeTarget target) {
     switch (target) {
     case AttributeTarget::LowerBound:

@@ -39,34 +39,34 @@ struct LocationOperator {
 
 using LocationOperators = std::array<LocationOperator, 256>;
 
-constexpr LocationOperators sClassicOperators = [] {
-    LocationOperators operators{};
-    operators[DW_OP_addr] = {Action::Push, OperandKind::Address};
-    operators[DW_OP_const1u] = {Action::Push, OperandKind::Unsigned1};
-    operators[DW_OP_const1s] = {Action::Push, OperandKind::Signed1};
-    operators[DW_OP_const2u] = {Action::Push, OperandKind::Unsigned2};
-    operators[DW_OP_const2s] = {Action::Push, OperandKind::Signed2};
-    operators[DW_OP_const4u] = {Action::Push, OperandKind::Unsigned4};
-    operators[DW_OP_const4s] = {Action::Push, OperandKind::Signed4};
-    operators[DW_OP_constu] = {Action::Push, OperandKind::UnsignedLeb128};
-    operators[DW_OP_consts] = {Action::Push, OperandKind::SignedLeb128};
-    operators[DW_OP_minus] = {Action::Subtract, OperandKind::None, 1, 1};
-    operators[DW_OP_plus] = {Action::Add, OperandKind::None, 1, 1};
-    operators[DW_OP_plus_uconst] = {Action::AddConstant, OperandKind::UnsignedLeb128, 0, 1};
-    operators[DW_OP_bit_piece] = {Action::BitPiece, OperandKind::UnsignedLeb128};
-    return operators;
-}();
+/// An operator, and the first manner of reading that knows it.
+struct KnownOperator {
+    std::uint8_t code = 0;
+    ReadingManner since = ReadingManner::Classic;
+    LocationOperator properties;
+};
 
-constexpr LocationOperators sFullOperators = [] {
-    LocationOperators operators = sClassicOperators;
-    operators[DW_OP_const8u] = {Action::Push, OperandKind::EightBytes};
-    operators[DW_OP_const8s] = {Action::Push, OperandKind::EightBytes};
-    for (const std::uint8_t code :
-         {DW_OP_addrx, DW_OP_constx, DW_OP_GNU_addr_index, DW_OP_GNU_const_index}) {
-        operators[code] = {Action::Push, OperandKind::AddressIndex};
+constexpr KnownOperator sKnownOperators[] = {
+#define DWARF_OPERATOR(code, name, since, action, operand, leastTopInEntry, leastTopInList)        \
+    {DW_OP_##name,                                                                                 \
+     ReadingManner::since,                                                                         \
+     {Action::action, OperandKind::operand, leastTopInEntry, leastTopInList}},
+#include "dwarf/codes/DwarfOperators.def"
+#undef DWARF_OPERATOR
+};
+
+constexpr LocationOperators OperatorsOf(ReadingManner manner) {
+    LocationOperators operators{};
+    for (const KnownOperator& known : sKnownOperators) {
+        if (known.since == ReadingManner::Classic || manner == ReadingManner::Full) {
+            operators[known.code] = known.properties;
+        }
     }
     return operators;
-}();
+}
+
+constexpr LocationOperators sClassicOperators = OperatorsOf(ReadingManner::Classic);
+constexpr LocationOperators sFullOperators = OperatorsOf(ReadingManner::Full);
 
 /// Bytes after its expression that an operand may take in the classic manner. Only LEB128 could
 /// take more, and many expressions may share the same bytes.
