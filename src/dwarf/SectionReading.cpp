@@ -181,11 +181,11 @@ bool VDwarf2Section::ProcessCompileUnit(VCompileUnitHeader& header) {
     return result;
 }
 
-std::size_t VDwarf2Section::EntriesBefore(std::size_t place) const {
+std::size_t VDwarf2Section::EntriesBefore(std::size_t index) const {
     // Where entries are skipped, they come in the order of their offsets.
     const auto nodes = mDieNodes.InOffsetOrder();
-    return mSkipped.Count() == 0 ? place
-                                 : static_cast<std::uint32_t>(nodes[place]->GetNodeRecord()) -
+    return mSkipped.Count() == 0 ? index
+                                 : static_cast<std::uint32_t>(nodes[index]->GetNodeRecord()) -
                                        static_cast<std::uint32_t>(nodes.front()->GetNodeRecord());
 }
 

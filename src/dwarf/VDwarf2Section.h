@@ -134,8 +134,8 @@ public:
 
     /// Number of entries, the skipped ones too.
     [[nodiscard]] std::size_t EntryCount() const { return mDieNodes.Size() + mSkipped.Count(); }
-    /// Number of entries before the node at a place of all nodes, the skipped ones too.
-    [[nodiscard]] std::size_t EntriesBefore(std::size_t place) const;
+    /// Number of entries before the node at an index of all nodes, the skipped ones too.
+    [[nodiscard]] std::size_t EntriesBefore(std::size_t index) const;
 
     /// @}
     /// @name Resolution and delivery

@@ -102,7 +102,7 @@ void DemangleIfNamed(NameDemangler& demangler, VDebugInfoNode& node) {
 void DemangleNamesOf(VDwarf2Section& section, std::span<VDebugInfoNode* const> nodes) {
     NameDemangler demangler(section);
     const std::span<const VDieNodes::Link> inOrder = section.mDieNodes.InOffsetOrder();
-    std::span<const std::uint32_t> units = section.mDieNodes.PlacesOf(NodeGroup::CompileUnits);
+    std::span<const std::uint32_t> units = section.mDieNodes.IndicesOf(NodeGroup::CompileUnits);
     for (VDebugInfoNode* node : nodes) {
         for (; !units.empty() && inOrder[units.front()]->GetOffset() < node->GetOffset();
              units = units.subspan(1)) {

@@ -39,21 +39,22 @@ bool IsRootType(const VDebugInfoNode& type) {
 }
 
 /// Places of nodes that may be roots, ascending.
-std::vector<std::uint32_t> PlacesOfRoots(const VDieNodes& nodes, bool hasAddresses, bool allTypes) {
-    std::vector<std::uint32_t> places;
+std::vector<std::uint32_t> IndicesOfRoots(const VDieNodes& nodes, bool hasAddresses,
+                                          bool allTypes) {
+    std::vector<std::uint32_t> indices;
     if (hasAddresses) {
-        const std::span<const std::uint32_t> variables = nodes.PlacesOf(NodeGroup::Variables);
-        places.assign(variables.begin(), variables.end());
+        const std::span<const std::uint32_t> variables = nodes.IndicesOf(NodeGroup::Variables);
+        indices.assign(variables.begin(), variables.end());
     }
     if (allTypes) {
         for (const NodeGroup group : {NodeGroup::GroupedTypes, NodeGroup::MembersAndEnumerations}) {
             std::vector<std::uint32_t> merged;
-            merged.reserve(places.size() + nodes.PlacesOf(group).size());
-            std::ranges::merge(places, nodes.PlacesOf(group), std::back_inserter(merged));
-            places = std::move(merged);
+            merged.reserve(indices.size() + nodes.IndicesOf(group).size());
+            std::ranges::merge(indices, nodes.IndicesOf(group), std::back_inserter(merged));
+            indices = std::move(merged);
         }
     }
-    return places;
+    return indices;
 }
 
 } // namespace
@@ -94,11 +95,11 @@ bool VDwarf2Section::EmitNodes() {
             }
         }
     };
-    mDieNodes.ForEachPlace(PlacesOfRoots(mDieNodes, !mElfFile->IsUnlinked(), allTypes),
-                           [&](std::uint32_t place) {
-                               tellProgressBefore(EntriesBefore(place));
-                               if (IsEmissionRoot(*nodes[place], allTypes)) {
-                                   emission.Deliver(*nodes[place]);
+    mDieNodes.ForEachIndex(IndicesOfRoots(mDieNodes, !mElfFile->IsUnlinked(), allTypes),
+                           [&](std::uint32_t index) {
+                               tellProgressBefore(EntriesBefore(index));
+                               if (IsEmissionRoot(*nodes[index], allTypes)) {
+                                   emission.Deliver(*nodes[index]);
                                }
                            });
     tellProgressBefore(entryCount);

@@ -13,8 +13,8 @@ class VDebugInfoNode;
 
 /// A node that is inserted. Of several, those with the lower offsets come first.
 struct VNodeInsertion {
-    /// Place of the first node behind it, before anything is inserted.
-    std::size_t mPlace = 0;
+    /// Index of the first node behind it, before anything is inserted.
+    std::size_t mIndex = 0;
     VDebugInfoNode* mNode = nullptr;
 };
 
@@ -28,7 +28,7 @@ void InsertForEach(std::span<const VNodeInsertion> insertions, std::vector<T>& v
     merged.reserve(values.size() + insertions.size());
     auto next = values.cbegin();
     for (const VNodeInsertion& insertion : insertions) {
-        const auto end = values.cbegin() + static_cast<std::ptrdiff_t>(insertion.mPlace);
+        const auto end = values.cbegin() + static_cast<std::ptrdiff_t>(insertion.mIndex);
         merged.insert(merged.end(), next, end);
         merged.push_back(valueOf(*insertion.mNode));
         next = end;

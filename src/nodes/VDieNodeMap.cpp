@@ -14,10 +14,10 @@ void VDieNodeMap::Append(VDebugInfoNode& node) {
     mNodes.emplace_back(&node);
 }
 
-void VDieNodeMap::AddToStretch(std::uint32_t sectionOffset, std::size_t place) {
+void VDieNodeMap::AddToStretch(std::uint32_t sectionOffset, std::size_t index) {
     const std::size_t stretch = sectionOffset / kStretchSize;
     if (stretch >= mStretches.size()) {
-        mStretches.resize(stretch + 1, {.firstPlace = static_cast<std::uint32_t>(place)});
+        mStretches.resize(stretch + 1, {.firstIndex = static_cast<std::uint32_t>(index)});
     }
     mStretches[stretch].Add(sectionOffset);
 }
@@ -25,7 +25,7 @@ void VDieNodeMap::AddToStretch(std::uint32_t sectionOffset, std::size_t place) {
 std::vector<VNodeInsertion> VDieNodeMap::Insert(std::span<VDebugInfoNode* const> nodes) {
     std::vector<VNodeInsertion> insertions;
     for (VDebugInfoNode* node : nodes) {
-        if (PlaceOf(node->GetOffset()) == kNoPlace) {
+        if (IndexOf(node->GetOffset()) == kNoIndex) {
             insertions.push_back({CountBefore(node->GetOffset()), node});
         }
     }
@@ -33,10 +33,10 @@ std::vector<VNodeInsertion> VDieNodeMap::Insert(std::span<VDebugInfoNode* const>
     for (const VNodeInsertion& insertion : insertions) {
         AddToStretch(insertion.mNode->GetOffset(), 0);
     }
-    std::uint32_t place = 0;
+    std::uint32_t index = 0;
     for (Stretch& stretch : mStretches) {
-        stretch.firstPlace = place;
-        place += static_cast<std::uint32_t>(std::popcount(stretch.Starts()));
+        stretch.firstIndex = index;
+        index += static_cast<std::uint32_t>(std::popcount(stretch.Starts()));
     }
     return insertions;
 }

@@ -1,17 +1,17 @@
 // The nodes of a section by the section offsets of their debug entries.
 //
-// Nodes are in a flat list, and a node is identified by its place in the list. For entries at the
+// Nodes are filed in a flat list, and a node is named by its index in it. For entries at the
 // section offsets 0x0b, 0x2d, 0x34, 0x52 and 0x59:
 //
-//     place         0      1      2      3      4
+//     index         0      1      2      3      4
 //     mNodes      unit   base  struct member    var
 //
-//     mStretches  bytes 0x00 to 0x3f: bits 0x0b, 0x2d, 0x34 set, first place 0
-//                 bytes 0x40 to 0x7f: bits 0x12, 0x19 set, first place 3
+//     mStretches  bytes 0x00 to 0x3f: bits 0x0b, 0x2d, 0x34 set, first index 0
+//                 bytes 0x40 to 0x7f: bits 0x12, 0x19 set, first index 3
 //
 // The node at 0x59 is found without a search: stretch 0x59 / 64 = 1 has bit 0x59 % 64 = 0x19 set,
-// and one set bit (0x12) precedes it, so its place is 3 + 1 = 4. A hash table would take more
-// memory, and every lookup would miss the cache.
+// and one set bit (0x12) stands before it, so that its index is 3 + 1 = 4. A hash table would take
+// more memory, and miss the cache at each question.
 #pragma once
 
 #include "nodes/NodeInsertion.h"
@@ -28,12 +28,12 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// Section offset of a debug entry to its node, and to the place of the node among all. Nodes are
+/// Section offset of a debug entry to its node, and to the index of the node among all. Nodes are
 /// borrowed; they lie in an arena.
 class VDieNodeMap {
 public:
     using Link = VNodeLink<VDebugInfoNode>;
-    static constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
+    static constexpr std::size_t kNoIndex = static_cast<std::size_t>(-1);
 
     /// Makes room for about this many nodes.
     void Reserve(std::size_t count) { mNodes.reserve(count); }
@@ -46,14 +46,14 @@ public:
 
     /// The node of exactly this offset, or null.
     [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const {
-        const std::size_t place = PlaceOf(sectionOffset);
-        return place != kNoPlace ? mNodes[place].Get() : nullptr;
+        const std::size_t index = IndexOf(sectionOffset);
+        return index != kNoIndex ? mNodes[index].Get() : nullptr;
     }
-    /// The place of the node of exactly this offset, or `kNoPlace`.
-    [[nodiscard]] std::size_t PlaceOf(std::uint32_t sectionOffset) const {
+    /// The index of the node of exactly this offset, or `kNoIndex`.
+    [[nodiscard]] std::size_t IndexOf(std::uint32_t sectionOffset) const {
         const Stretch* stretch = StretchOf(sectionOffset);
-        return stretch != nullptr && stretch->Has(sectionOffset) ? stretch->PlaceOf(sectionOffset)
-                                                                 : kNoPlace;
+        return stretch != nullptr && stretch->Has(sectionOffset) ? stretch->IndexOf(sectionOffset)
+                                                                 : kNoIndex;
     }
     /// The last node in front of an offset, null if there is none.
     [[nodiscard]] VDebugInfoNode* LastBefore(std::uint32_t sectionOffset) const {
@@ -68,11 +68,11 @@ private:
     static constexpr std::uint32_t kStretchSize = 64;
     static constexpr std::uint32_t kHalfSize = kStretchSize / 2;
 
-    /// 64 bytes of the section: a bit for each byte at which an entry begins, in two halves, and
-    /// the place of the first entry in these bytes or after them.
+    /// 64 bytes of the section: a bit for each byte where an entry begins, in two halves, and the
+    /// index of the first entry in or behind them.
     struct Stretch {
         std::array<std::uint32_t, 2> entryStarts{};
-        std::uint32_t firstPlace = 0;
+        std::uint32_t firstIndex = 0;
 
         void Add(std::uint32_t sectionOffset) {
             entryStarts[sectionOffset / kHalfSize % 2] |= 1U << (sectionOffset % kHalfSize);
@@ -83,9 +83,9 @@ private:
         [[nodiscard]] bool Has(std::uint32_t sectionOffset) const {
             return (Starts() & BitOf(sectionOffset)) != 0;
         }
-        /// The place of the first entry at the offset or behind it.
-        [[nodiscard]] std::size_t PlaceOf(std::uint32_t sectionOffset) const {
-            return firstPlace +
+        /// The index of the first entry at the offset or behind it.
+        [[nodiscard]] std::size_t IndexOf(std::uint32_t sectionOffset) const {
+            return firstIndex +
                    static_cast<std::size_t>(std::popcount(Starts() & (BitOf(sectionOffset) - 1)));
         }
         static std::uint64_t BitOf(std::uint32_t sectionOffset) {
@@ -100,9 +100,9 @@ private:
     }
     [[nodiscard]] std::size_t CountBefore(std::uint32_t sectionOffset) const {
         const Stretch* stretch = StretchOf(sectionOffset);
-        return stretch != nullptr ? stretch->PlaceOf(sectionOffset) : mNodes.size();
+        return stretch != nullptr ? stretch->IndexOf(sectionOffset) : mNodes.size();
     }
-    void AddToStretch(std::uint32_t sectionOffset, std::size_t place);
+    void AddToStretch(std::uint32_t sectionOffset, std::size_t index);
 
     std::vector<Link> mNodes;
     std::vector<Stretch> mStretches;

@@ -61,13 +61,13 @@ void VDieNodes::InsertAll(std::span<VDebugInfoNode* const> nodes) {
 }
 
 bool VDieNodes::IsReferredOnce(const VDebugInfoNode& node) const {
-    const std::size_t place = mMap.PlaceOf(node.GetOffset());
-    return place != VDieNodeMap::kNoPlace && !mMarks.IsReferredAgain(place);
+    const std::size_t index = mMap.IndexOf(node.GetOffset());
+    return index != VDieNodeMap::kNoIndex && !mMarks.IsReferredAgain(index);
 }
 
 bool VDieNodes::Reach(const VDebugInfoNode& node) {
-    const std::size_t place = mMap.PlaceOf(node.GetOffset());
-    return place != VDieNodeMap::kNoPlace && mMarks.Reach(place);
+    const std::size_t index = mMap.IndexOf(node.GetOffset());
+    return index != VDieNodeMap::kNoIndex && mMarks.Reach(index);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -1,7 +1,7 @@
 // All nodes of a section, in the order of their offsets: three tables that run beside each other.
 // For five entries:
 //
-//     place            0      1      2      3      4
+//     index            0      1      2      3      4
 //     VDieNodeMap    unit   base  struct member    var     which node has an offset
 //     VNodeGroups    CompileUnits: 0   GroupedTypes: 2   MembersAndEnumerations: 3   Variables: 4
 //     VNodeMarks      ...    ...    ...    ...    ...      what passes have to do there
@@ -68,8 +68,8 @@ public:
     [[nodiscard]] std::span<const Link> InOffsetOrder() const { return mMap.InOffsetOrder(); }
     /// Where the nodes of a group stand in `InOffsetOrder`, ascending. The view ends with the next
     /// node that is filed.
-    [[nodiscard]] std::span<const std::uint32_t> PlacesOf(NodeGroup group) const {
-        return mGroups.PlacesOf(group);
+    [[nodiscard]] std::span<const std::uint32_t> IndicesOf(NodeGroup group) const {
+        return mGroups.IndicesOf(group);
     }
     /// Number of nodes, without those that came late since the last `Complete`.
     [[nodiscard]] std::size_t Size() const { return mMap.Size(); }
@@ -81,32 +81,32 @@ public:
     /// In ascending order of the offsets.
     /// @{
 
-    /// Calls `visit` with each of these places of `InOffsetOrder`, whose nodes it is going to look
+    /// Calls `visit` with each of these indices of `InOffsetOrder`, whose nodes it is going to look
     /// at.
     template <typename Visitor>
-    void ForEachPlace(std::span<const std::uint32_t> places, Visitor&& visit) const {
+    void ForEachIndex(std::span<const std::uint32_t> indices, Visitor&& visit) const {
         ForEachAhead(
-            places, kNodesAhead, [this](std::uint32_t place) { return NodeAt(place); }, visit);
+            indices, kNodesAhead, [this](std::uint32_t index) { return NodeAt(index); }, visit);
     }
 
     /// Calls `visit` with each node of a group.
     template <typename Visitor>
     void ForEachOf(NodeGroup group, Visitor&& visit) const {
-        ForEachPlace(PlacesOf(group), [&](std::uint32_t place) { visit(*NodeAt(place)); });
+        ForEachIndex(IndicesOf(group), [&](std::uint32_t index) { visit(*NodeAt(index)); });
     }
 
     /// Calls `visit` with each node that a pass has this to do at.
     template <typename Visitor>
     void ForEachWith(NodeTask task, Visitor&& visit) const {
-        ForEachIf([&](std::size_t place) { return mMarks.Has(place, task); }, visit);
+        ForEachIf([&](std::size_t index) { return mMarks.Has(index, task); }, visit);
     }
 
     /// Calls `visit` with each node that is known to be referred to and refers to others itself.
     template <typename Visitor>
     void ForEachReferredAndReferring(Visitor&& visit) const {
         ForEachIf(
-            [&](std::size_t place) {
-                return mMarks.IsReferred(place) && mMarks.Has(place, NodeTask::References);
+            [&](std::size_t index) {
+                return mMarks.IsReferred(index) && mMarks.Has(index, NodeTask::References);
             },
             visit);
     }
@@ -118,21 +118,21 @@ public:
     /// One more entry refers to the one at an offset, or several more.
     /// @return false if it has no node
     bool NoteReferred(std::uint32_t sectionOffset, bool isBySeveral = false) {
-        const std::size_t place = mMap.PlaceOf(sectionOffset);
-        if (place == VDieNodeMap::kNoPlace) {
+        const std::size_t index = mMap.IndexOf(sectionOffset);
+        if (index == VDieNodeMap::kNoIndex) {
             return false;
         }
-        mMarks.NoteReferred(place, isBySeveral);
+        mMarks.NoteReferred(index, isBySeveral);
         return true;
     }
     /// As `Find`, for an entry that refers to the one at the offset.
     VDebugInfoNode* FindReferred(std::uint32_t sectionOffset) {
-        const std::size_t place = mMap.PlaceOf(sectionOffset);
-        if (place == VDieNodeMap::kNoPlace) {
+        const std::size_t index = mMap.IndexOf(sectionOffset);
+        if (index == VDieNodeMap::kNoIndex) {
             return nullptr;
         }
-        mMarks.NoteReferred(place);
-        return NodeAt(place);
+        mMarks.NoteReferred(index);
+        return NodeAt(index);
     }
     /// True if one entry at most is known to refer to a filed node.
     [[nodiscard]] bool IsReferredOnce(const VDebugInfoNode& node) const;
@@ -146,18 +146,18 @@ private:
     /// Nodes that walks prefetch.
     static constexpr std::size_t kNodesAhead = 16;
 
-    [[nodiscard]] VDebugInfoNode* NodeAt(std::size_t place) const {
-        return mMap.InOffsetOrder()[place];
+    [[nodiscard]] VDebugInfoNode* NodeAt(std::size_t index) const {
+        return mMap.InOffsetOrder()[index];
     }
 
     template <typename Condition, typename Visitor>
     void ForEachIf(Condition&& condition, Visitor&& visit) const {
         ForEachIndexAhead(
             mMap.Size(), kNodesAhead,
-            [&](std::size_t place) { return condition(place) ? NodeAt(place) : nullptr; },
-            [&](std::size_t place) {
-                if (condition(place)) {
-                    visit(*NodeAt(place));
+            [&](std::size_t index) { return condition(index) ? NodeAt(index) : nullptr; },
+            [&](std::size_t index) {
+                if (condition(index)) {
+                    visit(*NodeAt(index));
                 }
             });
     }

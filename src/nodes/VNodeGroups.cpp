@@ -26,25 +26,25 @@ NodeGroup GroupOf(dwarf_tag tag) {
 }
 
 /// Places that were inserted, by group.
-using InsertedPlaces =
+using InsertedIndices =
     std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)>;
 
-/// The places of a group after insertions.
-std::vector<std::uint32_t> MergePlaces(std::span<const std::uint32_t> places,
-                                       std::span<const VNodeInsertion> insertions,
-                                       std::span<const std::uint32_t> inserted) {
+/// The indices of a group after insertions.
+std::vector<std::uint32_t> MergeIndices(std::span<const std::uint32_t> indices,
+                                        std::span<const VNodeInsertion> insertions,
+                                        std::span<const std::uint32_t> inserted) {
     std::vector<std::uint32_t> merged;
-    merged.reserve(places.size() + inserted.size());
+    merged.reserve(indices.size() + inserted.size());
     std::uint32_t shift = 0;
-    for (const std::uint32_t place : places) {
-        while (shift < insertions.size() && insertions[shift].mPlace <= place) {
+    for (const std::uint32_t index : indices) {
+        while (shift < insertions.size() && insertions[shift].mIndex <= index) {
             ++shift;
         }
-        for (; !inserted.empty() && inserted.front() < place + shift;
+        for (; !inserted.empty() && inserted.front() < index + shift;
              inserted = inserted.subspan(1)) {
             merged.push_back(inserted.front());
         }
-        merged.push_back(place + shift);
+        merged.push_back(index + shift);
     }
     merged.insert(merged.end(), inserted.begin(), inserted.end());
     return merged;
@@ -52,23 +52,23 @@ std::vector<std::uint32_t> MergePlaces(std::span<const std::uint32_t> places,
 
 } // namespace
 
-void VNodeGroups::Append(dwarf_tag tag, std::size_t place) {
+void VNodeGroups::Append(dwarf_tag tag, std::size_t index) {
     if (const NodeGroup group = GroupOf(tag); group != NodeGroup::None) {
-        mPlaces[static_cast<std::size_t>(group)].push_back(static_cast<std::uint32_t>(place));
+        mIndices[static_cast<std::size_t>(group)].push_back(static_cast<std::uint32_t>(index));
     }
 }
 
 void VNodeGroups::Insert(std::span<const VNodeInsertion> insertions) {
-    InsertedPlaces inserted;
-    for (std::size_t index = 0; index < insertions.size(); ++index) {
-        const NodeGroup group = GroupOf(insertions[index].mNode->GetTag());
+    InsertedIndices inserted;
+    for (std::size_t shift = 0; shift < insertions.size(); ++shift) {
+        const NodeGroup group = GroupOf(insertions[shift].mNode->GetTag());
         if (group != NodeGroup::None) {
             inserted[static_cast<std::size_t>(group)].push_back(
-                static_cast<std::uint32_t>(insertions[index].mPlace + index));
+                static_cast<std::uint32_t>(insertions[shift].mIndex + shift));
         }
     }
-    for (std::size_t group = 0; group < mPlaces.size(); ++group) {
-        mPlaces[group] = MergePlaces(mPlaces[group], insertions, inserted[group]);
+    for (std::size_t group = 0; group < mIndices.size(); ++group) {
+        mIndices[group] = MergeIndices(mIndices[group], insertions, inserted[group]);
     }
 }
 

@@ -1,4 +1,4 @@
-// The places of the nodes that passes look for among all others.
+// The indices of the nodes that passes look for among all others.
 #pragma once
 
 #include "dwarf/codes/DwarfConstants.h"
@@ -24,22 +24,22 @@ enum class NodeGroup : std::uint8_t {
     None
 };
 
-/// For each group the places of its nodes, as `VDieNodeMap` counts them, ascending.
+/// For each group the indices of its nodes, as `VDieNodeMap` counts them, ascending.
 class VNodeGroups {
 public:
-    void Clear() { mPlaces = {}; }
-    /// Adds a node at a place behind all others.
-    void Append(dwarf_tag tag, std::size_t place);
+    void Clear() { mIndices = {}; }
+    /// Adds a node at an index behind all others.
+    void Append(dwarf_tag tag, std::size_t index);
     /// Inserts nodes as `VDieNodeMap::Insert` did.
     void Insert(std::span<const VNodeInsertion> insertions);
 
     /// The view ends with the next change.
-    [[nodiscard]] std::span<const std::uint32_t> PlacesOf(NodeGroup group) const {
-        return mPlaces[static_cast<std::size_t>(group)];
+    [[nodiscard]] std::span<const std::uint32_t> IndicesOf(NodeGroup group) const {
+        return mIndices[static_cast<std::size_t>(group)];
     }
 
 private:
-    std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)> mPlaces;
+    std::array<std::vector<std::uint32_t>, static_cast<std::size_t>(NodeGroup::None)> mIndices;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

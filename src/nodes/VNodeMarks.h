@@ -24,7 +24,7 @@ constexpr NodeTask operator|(NodeTask left, NodeTask right) {
                                  static_cast<std::uint8_t>(right));
 }
 
-/// A byte of marks for each node, by its place in `VDieNodeMap`.
+/// A byte of marks for each node, by its index in `VDieNodeMap`.
 class VNodeMarks {
 public:
     /// Makes room for about this many nodes.
@@ -35,27 +35,29 @@ public:
     /// Inserts nodes as `VDieNodeMap::Insert` did.
     void Insert(std::span<const VNodeInsertion> insertions);
 
-    [[nodiscard]] bool Has(std::size_t place, NodeTask task) const {
-        return (mMarks[place] & static_cast<std::uint8_t>(task)) != 0;
+    [[nodiscard]] bool Has(std::size_t index, NodeTask task) const {
+        return (mMarks[index] & static_cast<std::uint8_t>(task)) != 0;
     }
 
     /// One more entry refers to the node, or several more.
-    void NoteReferred(std::size_t place, bool isBySeveral = false) {
-        const bool isAgain = isBySeveral || IsReferred(place);
-        Set(place, isAgain ? kIsReferred | kIsReferredAgain : kIsReferred);
+    void NoteReferred(std::size_t index, bool isBySeveral = false) {
+        if (isBySeveral || IsReferred(index)) {
+            Set(index, kIsReferredAgain);
+        }
+        Set(index, kIsReferred);
     }
-    [[nodiscard]] bool IsReferred(std::size_t place) const {
-        return (mMarks[place] & kIsReferred) != 0;
+    [[nodiscard]] bool IsReferred(std::size_t index) const {
+        return (mMarks[index] & kIsReferred) != 0;
     }
-    [[nodiscard]] bool IsReferredAgain(std::size_t place) const {
-        return (mMarks[place] & kIsReferredAgain) != 0;
+    [[nodiscard]] bool IsReferredAgain(std::size_t index) const {
+        return (mMarks[index] & kIsReferredAgain) != 0;
     }
 
     /// Marks the node as reached.
     /// @return false if it was before
-    bool Reach(std::size_t place) {
-        const bool isNew = (mMarks[place] & kIsReached) == 0;
-        Set(place, kIsReached);
+    bool Reach(std::size_t index) {
+        const bool isNew = (mMarks[index] & kIsReached) == 0;
+        Set(index, kIsReached);
         return isNew;
     }
 
@@ -65,8 +67,8 @@ private:
     static constexpr std::uint8_t kIsReferredAgain = 0x20;
     static constexpr std::uint8_t kIsReferred = 0x40;
 
-    void Set(std::size_t place, std::uint8_t bits) {
-        mMarks[place] = static_cast<std::uint8_t>(mMarks[place] | bits);
+    void Set(std::size_t index, std::uint8_t bits) {
+        mMarks[index] = static_cast<std::uint8_t>(mMarks[index] | bits);
     }
 
     std::vector<std::uint8_t> mMarks;
