@@ -41,9 +41,9 @@ VDie2::Surroundings VDie2::SurroundingsInSkipped() const {
                                                 : Surroundings::FunctionOfBody;
 }
 
-bool VDie2::LeavesBodies() const {
+bool VDie2::TellsBodiesApart() const {
     return mChoice == NodeChoice::WithoutBodies ||
-           (mChoice == NodeChoice::Missing && mSection->LeavesBodies());
+           (mChoice == NodeChoice::Skipped && mSection->LeavesBodies());
 }
 
 void VDie2::NoteSkippedType(std::uint32_t offset) {

@@ -59,7 +59,7 @@ VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumbe
 }
 
 VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber) {
-    const std::int32_t behindCode = mBuffer->GetOffset();
+    const std::int32_t attributesStart = mBuffer->GetOffset();
     const TAbrTabItem* item = mItem;
     const Entry entry = DecodeEntry(unitOffset, recordNumber);
     if (entry != Entry::Decoded) {
@@ -73,7 +73,7 @@ VDie2::Entry VDie2::ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t re
         return entry;
     }
     mItem = item;
-    mBuffer->SetOffset(behindCode);
+    mBuffer->SetOffset(attributesStart);
     return DecodeEntry(unitOffset, recordNumber);
 }
 
@@ -128,10 +128,10 @@ void VDie2::OpenCurrentEntry() {
         entry.isInFunction = true;
     } else if (isOuterCode && IsCodeScope(mTag)) {
         entry.surroundings = Surroundings::CodeOfFunction;
-    } else if (LeavesBodies() && HasBody(mTag)) {
+    } else if (TellsBodiesApart() && HasBody(mTag)) {
         entry.surroundings = Surroundings::Body;
     }
-    if (mChoice == NodeChoice::Missing && entry.surroundings != Surroundings::Other) {
+    if (mChoice == NodeChoice::Skipped && entry.surroundings != Surroundings::Other) {
         TakeOffChildren(*mNode);
     }
     mOpenEntries.push_back(entry);
@@ -143,7 +143,7 @@ void VDie2::TakeOffChildren(VDebugInfoNode& node) {
     }
 }
 
-void VDie2::MakeMissingNode(VCompileUnitHeader* header) {
+void VDie2::MakeSkippedNode(VCompileUnitHeader* header) {
     VDebugInfoNode* parent = InnermostOpenNode();
     mNode = mSection->mDieNodes.Find(mOffset);
     if (mNode == nullptr) {

@@ -191,7 +191,7 @@ std::size_t VDwarf2Section::EntriesBefore(std::size_t index) const {
 
 bool VDwarf2Section::ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
                               std::vector<VDebugInfoNode*>& made) {
-    const bool isFirstTime = choice != NodeChoice::Missing && header.mIndex >= mCountedUnits;
+    const bool isFirstTime = choice != NodeChoice::Skipped && header.mIndex >= mCountedUnits;
     mCountedUnits = std::max(mCountedUnits, header.mIndex + 1);
     VCompileUnitReader reader(*this, header);
     reader.mBuffer = std::move(mUnitBuffer);
@@ -251,7 +251,7 @@ VDwarf2Section::ReadSkippedEntriesOf(const std::vector<VCompileUnitHeader*>& uni
     for (VCompileUnitHeader* unit : units) {
         if (unit->mHasSkippedEntries) {
             unit->mHasSkippedEntries = false;
-            ReadUnit(*unit, NodeChoice::Missing, made);
+            ReadUnit(*unit, NodeChoice::Skipped, made);
         }
     }
     mUnitBuffer.reset();

@@ -58,8 +58,8 @@ void VDie2::ReadNextEntry(VCompileUnitHeader* header) {
     ++recCnt;
     switch (mBuffer->IsEOF() ? Entry::Null : ReadEntry()) {
     case Entry::Decoded:
-        if (mChoice == NodeChoice::Missing) {
-            MakeMissingNode(header);
+        if (mChoice == NodeChoice::Skipped) {
+            MakeSkippedNode(header);
         } else {
             MapCurrentDieToNode(header, InnermostOpenNode());
         }
@@ -115,11 +115,11 @@ VDie2::Entry VDie2::ReadEntry() {
     case CodeEntry::Kept:
         break;
     }
-    const std::int32_t behindCode = mBuffer->GetOffset();
+    const std::int32_t attributesStart = mBuffer->GetOffset();
     const TAbrTabItem* item = mItem;
     if (MakeWaitingNodes()) {
         mItem = item;
-        mBuffer->SetOffset(behindCode);
+        mBuffer->SetOffset(attributesStart);
     }
     return DecodeEntry(unitOffset, recCnt);
 }

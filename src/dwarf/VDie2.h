@@ -105,8 +105,8 @@ enum class NodeChoice : std::uint8_t {
     WithoutCode,
     /// All of these but those in the bodies of types, see `BodyEntry`.
     WithoutBodies,
-    /// Those that have none: the unit was read without code or bodies before.
-    Missing,
+    /// Those that were skipped: the unit was read without code or bodies before.
+    Skipped,
 };
 
 /// The current debug entry of one unit.
@@ -121,12 +121,12 @@ public:
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
-    /// Makes the missing nodes of a type that was read without its body, those of types within it
-    /// too.
+    /// Makes the nodes of the skipped entries in the body of a type, and in those of types within
+    /// it.
     /// @return section offset of the body's end
     std::uint32_t ReadBody(VDebugInfoNode& type);
 
-    /// The nodes that `NodeChoice::Missing` made. They are in no map yet.
+    /// The nodes that `NodeChoice::Skipped` made. They are in no map yet.
     [[nodiscard]] const std::vector<VDebugInfoNode*>& GetMadeNodes() const { return mMadeNodes; }
     [[nodiscard]] std::vector<VDebugInfoNode*> TakeMadeNodes() {
         return std::exchange(mMadeNodes, {});
@@ -186,7 +186,8 @@ private:
     [[nodiscard]] BodyEntry BodyEntryHere() const;
     /// What surrounds the children of an entry that is skipped.
     [[nodiscard]] Surroundings SurroundingsInSkipped() const;
-    [[nodiscard]] bool LeavesBodies() const;
+    /// True if it counts which entries stand in bodies.
+    [[nodiscard]] bool TellsBodiesApart() const;
     /// Takes note that an entry without node refers to a type.
     void NoteSkippedType(std::uint32_t offset);
     Entry SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
@@ -200,8 +201,8 @@ private:
     void OpenCurrentEntry();
     /// Makes the node of the current entry if it has none, and gives it back its place among the
     /// children of its parent.
-    void MakeMissingNode(VCompileUnitHeader* header);
-    /// Takes all children off, for `MakeMissingNode` to put them back one by one.
+    void MakeSkippedNode(VCompileUnitHeader* header);
+    /// Takes all children off, for `MakeSkippedNode` to put them back one by one.
     static void TakeOffChildren(VDebugInfoNode& node);
     [[nodiscard]] VDebugInfoNode* InnermostOpenNode() const {
         return mOpenEntries.empty() ? nullptr : mOpenEntries.back().node;

@@ -19,7 +19,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-constexpr std::int32_t primes[] = {
+constexpr std::int32_t sPrimes[] = {
     12347,    15511,    55001,    110017,   210019,   310081,   400051,   500041,
     800011,   1200007,  1400017,  1600033,  1800017,  2000003,  2500009,  3000017,
     4000037,  5000011,  6000011,  7000003,  8000009,  9000011,  10000019, 11000027,
@@ -116,8 +116,8 @@ bool VDwarf2Section::LoadWholeSection(VElfFileCachePtr& cache, const Elf64_Shdr&
 std::int32_t VDwarf2Section::EstimateBestHashMapBucketsCountFromDebugSectionSize() const {
     const auto wanted =
         static_cast<std::int32_t>(mElfFile->mSecDebugInfo.sh_size / sSectionBytesPerBucket);
-    const auto* const prime = std::ranges::upper_bound(primes, wanted);
-    return prime != std::end(primes) ? *prime : *std::prev(std::end(primes));
+    const auto* const prime = std::ranges::upper_bound(sPrimes, wanted);
+    return prime != std::end(sPrimes) ? *prime : *std::prev(std::end(sPrimes));
 }
 
 void VDwarf2Section::AutodetectProducerOptions(std::string_view producer,

@@ -214,7 +214,7 @@ private:
     void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) const;
     bool ProcessCompileUnit(VCompileUnitHeader& header);
     /// Reads a unit with all its entries.
-    /// @param made takes the nodes of `NodeChoice::Missing`
+    /// @param made takes the nodes of `NodeChoice::Skipped`
     bool ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
                   std::vector<VDebugInfoNode*>& made);
     std::vector<VDebugInfoNode*>

@@ -125,8 +125,8 @@ std::int64_t ByDefinition(const VDebugInfoNode& variable, RichnessMeter& meter) 
     return (definition << 32U) + meter.RichnessOf(variable);
 }
 
-void KeepFirst(std::span<const PlacedVariable> variables, RichnessMeter& meter,
-               Precedence precedenceOf) {
+void KeepBest(std::span<const PlacedVariable> variables, RichnessMeter& meter,
+              Precedence precedenceOf) {
     if (variables.size() < 2) {
         return;
     }
@@ -179,7 +179,7 @@ void MarkAllButFirst(VDwarf2Section& section, Precedence precedenceOf) {
             [](const PlacedVariable& left, const PlacedVariable& right) {
                 return left.IsSamePlace(right);
             },
-            [&](std::span<PlacedVariable> sameName) { KeepFirst(sameName, meter, precedenceOf); });
+            [&](std::span<PlacedVariable> sameName) { KeepBest(sameName, meter, precedenceOf); });
     });
 }
 

@@ -176,7 +176,7 @@ bool VDWARFReader::ReadInput(const std::string& path, const FileContent& content
     char errorText[sErrorTextSize] = {};
     mRemarks = {};
     mFacts = {};
-    if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, true, container, content)) {
+    if (DWARF2StdImpl(&wrapper, path, errorText, sErrorTextSize, container, content)) {
         return true;
     }
     SignalError(sErrorSeverity, sReadFailedCode, "", errorText);
@@ -184,7 +184,7 @@ bool VDWARFReader::ReadInput(const std::string& path, const FileContent& content
 }
 
 bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* errorText,
-                   std::int32_t errorTextSize, bool /*isHostCall*/, DWARFContainerType container,
+                   std::int32_t errorTextSize, DWARFContainerType container,
                    const FileContent& content) {
     VElfOptions::mGlobalVarInfoSource = 0;
     const DiagnosticsCloser diagnosticsCloser;

@@ -18,10 +18,9 @@ class VElfFile;
 /// @param errorText receives the message of a failed read, terminated and cut to `errorTextSize`
 ///        bytes; untouched by a successful one
 /// @param errorTextSize size of the buffer in bytes
-/// @param isHostCall has no effect on the result
 /// @param content the file in memory, which the path then only names; null to open the path
 bool DWARF2StdImpl(VDWARFReaderWrapper* wrapper, const std::string& path, char* errorText,
-                   std::int32_t errorTextSize, bool isHostCall, DWARFContainerType container,
+                   std::int32_t errorTextSize, DWARFContainerType container,
                    const FileContent& content = nullptr);
 
 /// Opens the file and fills the section records from its container.
