@@ -1,6 +1,6 @@
-// The texts that entries have: names, linkage names, producers. Nearly all stand in `.debug_str`,
-// where linkers keep each text once, and stay there; the few that stand in the bytes of their unit
-// are copied before these go.
+// The texts of entries: names, linkage names, producers. Nearly all are in `.debug_str`, where
+// linkers keep each text once, and stay there; the few that are in the bytes of their unit are
+// copied before the bytes are released.
 #pragma once
 
 #include "container/VElfFileCache.h"
@@ -17,18 +17,18 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VNodeArena;
 
-/// `.debug_str`, and what may be taken of it and added to it. On its way from the file to its node
-/// a text is found (`At`), allowed (`Allow`) and kept (`Keep`).
+/// `.debug_str`, and the limits on its texts. On its way from the file to its node a text is found
+/// (`At`), allowed (`Allow`) and kept (`Keep`).
 class DebugTexts {
 public:
     /// Copies lie in the arena, which is borrowed.
     explicit DebugTexts(VNodeArena& arena)
         : mArena(arena) {}
 
-    /// Takes over the bytes of `.debug_str`, null if the file has none. Which long texts are
-    /// allowed depends on the size of the file, in bytes.
+    /// Takes over the bytes of `.debug_str`, null if the file has none. The allowance for long
+    /// texts depends on the size of the file, in bytes.
     void Take(VElfFileCachePtr debugStr, std::int64_t fileSize);
-    /// Forgets which long texts were allowed: the entries are going to be read again.
+    /// Forgets which long texts were allowed: the entries will be read again.
     void Restart() { mLongTexts = LongTextAllowance(mFileSize); }
 
     /// @name Finding
@@ -52,13 +52,13 @@ public:
 
     /// @}
     /// @name Allowing
-    /// Few texts are long. A file may name one by the million, which would cost memory without end.
+    /// Few texts are long. Without a limit, a million references to one would fill the memory.
     /// @{
 
-    /// The first `limit` characters of a terminated text; less of long texts when a file has far
-    /// too many of them.
+    /// The first `limit` characters of a terminated text, or fewer of a long text once the file has
+    /// used up its allowance of long texts.
     VDieText Allow(const char* text, std::uint32_t limit);
-    /// All of a terminated text, measured; long texts are cut as those of `Allow` are.
+    /// All of a terminated text, measured; long texts are cut as in `Allow`.
     std::string_view Measure(const char* text);
 
     /// @}
@@ -66,9 +66,9 @@ public:
     /// As long as the tree lives.
     /// @{
 
-    /// The text itself where all of it counts and it lies in `.debug_str`, otherwise a copy.
+    /// The text itself if it lies in `.debug_str` and isn't cut, otherwise a copy.
     VNodeText Keep(const VDieText& text);
-    /// As above, for a text of known length. What is copied is terminated.
+    /// The same for a text of known length. A copy is terminated.
     std::string_view Keep(std::string_view text);
     VNodeText Copy(std::string_view text);
 

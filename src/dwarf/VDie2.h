@@ -27,8 +27,8 @@ struct VLocationResult;
 struct TDieAttribute;
 struct VCompileUnitHeader;
 
-/// What the attributes of one entry tell. Values are 32 bits wide, except for the address; wider
-/// forms are cut.
+/// The attributes of one entry. Values are 32 bits wide, except for the address; wider forms are
+/// cut.
 struct VDieAttributes {
     dwarf_tag mTag = 0;
     /// Section offset of the entry.
@@ -50,7 +50,7 @@ struct VDieAttributes {
     bool mIsExternal = false;
     bool mHasMemberLocation = false;
     bool mHasLocation = false;
-    /// In those bits that count in the manner of reading.
+    /// Only the bits that count in the manner of reading.
     std::uint64_t mLocationAddress = 0;
     std::uint32_t mMemberOffset = 0;
     std::uint32_t mBitOffset = 0;
@@ -67,12 +67,12 @@ struct VDieAttributes {
     bool mHasBitOffset = false;
     /// The bit offset counts from the start of the structure.
     bool mHasDataBitOffset = false;
-    /// Of a type whose bytes lie in the order that the target doesn't have.
+    /// For a type whose bytes are in the order opposite to the target's.
     bool mHasOtherByteOrder = false;
     bool mHasRareAttributes = false;
 };
 
-/// What the attributes of few entries tell.
+/// Attributes that few entries have.
 struct VRareDieAttributes {
     VAttributeString mCompDir;
     /// At most 1024 characters.
@@ -83,7 +83,7 @@ struct VRareDieAttributes {
     VAttributeValue mConstValue;
     /// Value of the ordering attribute, if there is one.
     std::optional<std::uint32_t> mOrdering;
-    /// From one element to the next, in bits; 0 if that isn't told.
+    /// Distance between elements in bits; 0 if the entry doesn't give it.
     std::uint64_t mStrideInBits = 0;
     bool mHasComputedPlace = false;
     bool mHasComputedLowerBound = false;
@@ -91,21 +91,21 @@ struct VRareDieAttributes {
     std::uint32_t mSignatureType = 0;
 };
 
-/// The number or text that a form gave.
+/// The number or text of a form.
 struct VDieFormValue {
     std::uint32_t mNumber = 0;
-    /// Null for forms that are no texts and for texts that aren't there.
+    /// Null for forms that are no texts and for texts that don't exist.
     const char* mString = nullptr;
 };
 
 /// Which entries of a unit get nodes.
 enum class NodeChoice : std::uint8_t {
     All,
-    /// All that anything can ask for, see `CodeEntry`.
+    /// Every entry that may be needed, see `CodeEntry`.
     WithoutCode,
-    /// All of these but those in the bodies of types, see `BodyEntry`.
+    /// The same without entries in the bodies of types, see `BodyEntry`.
     WithoutBodies,
-    /// Those that were skipped: the unit was read without code or bodies before.
+    /// Entries that were skipped: the unit was read without code or bodies before.
     Skipped,
 };
 
@@ -115,14 +115,14 @@ public:
     /// The reader has its bytes and abbreviations loaded.
     VDie2(VCompileUnitReader& reader, NodeChoice choice);
 
-    /// Reads the entry at the cursor with all its descendants and makes the nodes that are chosen
-    /// (DWARF 4, 2.3 and 7.5.2). Unknown abbreviation codes are passed over byte by byte; an entry
-    /// that is cut off by the end of the unit makes no node and ends the walk.
+    /// Reads the entry at the cursor with all its descendants and makes the chosen nodes (DWARF 4,
+    /// 2.3 and 7.5.2). Unknown abbreviation codes are skipped byte by byte; an entry that the end
+    /// of the unit truncates makes no node and ends the walk.
     /// @return false only on a failure that ends the unit
     bool ReadDieTree(VCompileUnitHeader* header);
 
-    /// Makes the nodes of the skipped entries in the body of a type, and in those of types within
-    /// it.
+    /// Makes the nodes of the skipped entries in the body of a type, and in the bodies of types
+    /// within it.
     /// @return section offset of the body's end
     std::uint32_t ReadBody(VDebugInfoNode& type);
 
@@ -132,11 +132,11 @@ public:
         return std::exchange(mMadeNodes, {});
     }
 
-    /// Reads what the entry at the cursor says of the whole unit and stays there: values of that
-    /// very entry may depend on attributes behind them.
+    /// Reads the facts of the whole unit from the entry at the cursor, without moving: values of
+    /// this entry may depend on attributes after them.
     void ReadUnitFacts();
 
-    /// Lower bound of arrays that tell none, where it isn't 0.
+    /// Lower bound of arrays that don't have one, if it isn't 0.
     [[nodiscard]] VAttributeValue DefaultLowerBoundOfUnit() const;
     /// True for an array whose first index runs fastest in memory.
     [[nodiscard]] bool IsColumnMajor() const;
@@ -145,7 +145,7 @@ public:
 private:
     enum class Entry { Null, Unknown, Decoded, Skipped };
 
-    /// Where the children of an entry stand.
+    /// Where the children of an entry are.
     enum class Surroundings : std::uint8_t {
         Other,
         Function,
@@ -157,15 +157,15 @@ private:
 
     /// An entry whose children are being read.
     struct OpenEntry {
-        /// Null as long as the entry waits for a child that needs it.
+        /// Null while the entry waits for a child that needs it.
         VDebugInfoNode* node = nullptr;
         Surroundings surroundings = Surroundings::Other;
         bool isInFunction = false;
-        /// What the node is made of, if it comes to that.
+        /// What the node will be made of, if it is needed.
         std::int32_t unitOffset = 0;
         std::uint32_t recordNumber = 0;
         std::uint32_t nodeRecord = 0;
-        /// Section offset of the type that it refers to as long as it has no node, 0 if that
+        /// Section offset of the type that it refers to, while it has no node; 0 if the reference
         /// doesn't count.
         std::uint32_t type = 0;
     };
@@ -184,25 +184,25 @@ private:
 
     [[nodiscard]] CodeEntry CodeEntryHere() const;
     [[nodiscard]] BodyEntry BodyEntryHere() const;
-    /// What surrounds the children of an entry that is skipped.
+    /// Where the children of a skipped entry are.
     [[nodiscard]] Surroundings SurroundingsInSkipped() const;
-    /// True if it counts which entries stand in bodies.
+    /// True if it counts which entries are in bodies.
     [[nodiscard]] bool TellsBodiesApart() const;
-    /// Takes note that an entry without node refers to a type.
+    /// Records that an entry without a node refers to a type.
     void NoteSkippedType(std::uint32_t offset);
     Entry SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
-    /// Skips a variable without place, makes the node of any other.
+    /// Skips a variable without a place, makes the node of any other.
     Entry ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber);
     void SkipVariable();
-    /// Makes the nodes of the open entries that wait for one. The entry that is being read has to
-    /// be read again.
+    /// Makes the nodes of the open entries that wait for one. The current entry must then be read
+    /// again.
     /// @return false if none waited
     bool MakeWaitingNodes();
     void OpenCurrentEntry();
-    /// Makes the node of the current entry if it has none, and gives it back its place among the
+    /// Makes the node of the current entry if it has none, and restores its place among the
     /// children of its parent.
     void MakeSkippedNode(VCompileUnitHeader* header);
-    /// Takes all children off, for `MakeSkippedNode` to put them back one by one.
+    /// Takes all children off; `MakeSkippedNode` puts them back one by one.
     static void TakeOffChildren(VDebugInfoNode& node);
     [[nodiscard]] VDebugInfoNode* InnermostOpenNode() const {
         return mOpenEntries.empty() ? nullptr : mOpenEntries.back().node;
@@ -213,34 +213,34 @@ private:
     void ReadAttribute(const TDieAttribute& attribute);
     void ReadDirectAttribute(const TDieAttribute& attribute);
     TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
-    /// False if there is no value, or none that is at hand.
+    /// False if there is no value, or none in this file.
     bool ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value);
-    /// Section offset of the type that the value of a type attribute names, 0 if there is none.
+    /// Section offset of the type in a type attribute, 0 if there is none.
     [[nodiscard]] std::uint32_t TypeOffsetOf(const TDieAttribute& attribute,
                                              const VDieFormValue& value) const;
     bool ReadIndexedValue(FormReading reading, VDieFormValue& value);
     std::uint32_t ReadIndex(FormReading reading);
-    /// Null if there is none.
+    /// The text of an index, null if there is none.
     const char* FindIndexedText(std::uint32_t index);
     void StoreUnitFact(AttributeTarget target, const VDieFormValue& value);
     std::uint32_t ReadBlockLength(FormReading reading);
     std::uint32_t ReadOffset();
     [[nodiscard]] bool HasWideReferencesByOption() const;
     std::uint32_t ReadReferenceAddress(bool hasOffsetWidth);
-    /// Moves behind a block; one that passes the end of the unit cuts the entry off.
+    /// Moves past a block; one that exceeds the end of the unit truncates the entry.
     void MoveBehindBlock(std::uint32_t length);
 
-    /// Forgets the entry before this one.
+    /// Clears the previous entry.
     void Reset();
-    /// The rare attributes, to change them.
+    /// The rare attributes, for changing.
     VRareDieAttributes& Rare() {
         mHasRareAttributes = true;
         return mRareAttributes;
     }
     void StoreAttribute(const TDieAttribute& attribute, const VDieFormValue& value);
-    /// What few types and arrays say of their layout.
+    /// Stores the layout attributes that few types and arrays have.
     void StoreLayoutAttribute(AttributeTarget target, std::uint32_t value);
-    /// The origin of an instance says what a specification says.
+    /// Stores the origin of an instance like a specification.
     void StoreOrigin(const TDieAttribute& attribute, std::uint32_t origin);
     void StoreImport(const TDieAttribute& attribute, std::uint32_t value);
     void StoreSignature(const TDieAttribute& attribute, std::uint32_t value);
@@ -264,7 +264,7 @@ private:
     bool ReadFullLocationNumber(const TDieAttribute& attribute, std::uint64_t& value);
     std::uint64_t ReadPlainLocation(const TDieAttribute& attribute);
 
-    /// Makes the node of the entry under a parent, which may be null, and files it. Always true.
+    /// Makes the node of the entry under a parent, which may be null, and maps it. Always true.
     bool MapCurrentDieToNode(VCompileUnitHeader* header, VDebugInfoNode* parent);
     VDebugInfoNode* CreateNode(VCompileUnitHeader* header, VDebugInfoNode* parent);
     VDebugInfoNode* CreateNodeByTag(VCompileUnitHeader* header, VDebugInfoNode* parent);
@@ -275,13 +275,13 @@ private:
     VLocTabBuffer* mLocTabBuffer;
     VDwarf2Section* mSection;
     VCompileUnitReader* mUnitReader;
-    /// Those of the manner of reading.
+    /// The forms of the manner of reading.
     const DieForms* mForms;
     ReadingManner mManner;
     bool (VDie2::*mReadLocationNumber)(const TDieAttribute& attribute, std::uint64_t& value);
-    /// Taken off the addresses of variables; 0 unless the container has set it.
+    /// Subtracted from the addresses of variables; 0 unless the container has set it.
     std::uint64_t mImageBase;
-    /// Cleared only behind an entry that has any.
+    /// Cleared only after an entry that has any.
     VRareDieAttributes mRareAttributes;
     const TAbrTabItem* mItem = nullptr;
     /// The node made of the current entry.
@@ -290,7 +290,7 @@ private:
     std::vector<OpenEntry> mOpenEntries;
     std::vector<VDebugInfoNode*> mMadeNodes;
     NodeChoice mChoice;
-    /// Attributes that the unit may still have.
+    /// Number of attributes that the unit may still have.
     std::int64_t mAttributesLeft;
 };
 

@@ -41,11 +41,11 @@ class VUnitTables;
 struct Elf64_Shdr;
 enum class NodeChoice : std::uint8_t;
 
-/// The count of debug entries visited in this read, null entries included.
+/// The number of debug entries visited in this read, null entries included.
 extern std::uint32_t recCnt;
 
-/// Non-zero if `.debug_info` is taken in the extended sense, as
-/// `VElfOptions::mUseCppExtensionDWARF2` says at the start of the section. No result depends on it.
+/// Non-zero if `.debug_info` is read in the extended sense, as set in
+/// `VElfOptions::mUseCppExtensionDWARF2` at the start of the section. No result depends on it.
 extern std::int32_t gOptExt;
 
 /// How the search for units ended.
@@ -59,11 +59,11 @@ enum class MappingOutcome : std::uint8_t {
 
 /// Section reader of one read.
 ///
-/// Three kinds of offset occur, and each name says which is meant: a file position; a unit offset,
+/// There are three kinds of offset, and names say which is meant: a file position; a unit offset,
 /// which counts from the first byte of its unit; a section offset, which counts from the start of
-/// `.debug_info` and is the key of all nodes. All of it is 32-bit arithmetic. `.debug_types` counts
-/// as if it stood right behind `.debug_info`: an entry of it has the size of `.debug_info` and its
-/// own place for a section offset.
+/// `.debug_info` and is the key of all nodes. All of them are 32-bit numbers. `.debug_types` counts
+/// as if it followed `.debug_info`: the section offset of an entry in it is the size of
+/// `.debug_info` plus its own position.
 class VDwarf2Section {
 public:
     VDwarf2Section();
@@ -78,38 +78,38 @@ public:
     bool Init(VElfFile& file, VDWARFReaderWrapper* reader);
 
     /// Reads, resolves and delivers. Errors: those of mapping and loading units. After a failure
-    /// nothing of the debug information is delivered but the unknown types.
+    /// only the unknown types are delivered.
     bool ProcessDebugSection();
 
     /// @name Reading
-    /// Units are found in dwarf/CompileUnitMapping, read in dwarf/SectionReading; what was passed
-    /// over is told in dwarf/UnitRemarks.
+    /// Units are found in dwarf/CompileUnitMapping and read in dwarf/SectionReading;
+    /// dwarf/UnitRemarks reports what was not read.
     /// @{
 
     /// Finds every unit of the sections; see `VCompileUnitHeader`. True may come with error
     /// `ELFERR_COMPILE_UNIT_SIZE` set, when a search for damaged units was given up.
     bool MapCompileUnits();
-    /// Reads the entries of all units into nodes. Those of code that nothing can ask for get none,
-    /// nor do, at first, those in bodies of types where these may be left for later, unless nodes
-    /// are to be dumped or units overlap.
+    /// Reads the entries of all units into nodes. Entries of code that nobody needs get no node,
+    /// nor, at first, do entries in bodies of types that may be left for later, unless nodes are
+    /// dumped or units overlap.
     bool ProcessCompileUnits();
-    /// Lets every entry have its node. For the time before `ProcessCompileUnits`.
+    /// Makes every entry get its node. Call it before `ProcessCompileUnits`.
     void KeepAllEntries() { mKeepsAllEntries = true; }
-    /// Leaves the bodies of types for later where that gives the same result, see `BodyEntry`. For
-    /// the time before `ProcessCompileUnits`.
+    /// Leaves the bodies of types for later if the result stays the same, see `BodyEntry`. Call it
+    /// before `ProcessCompileUnits`.
     void LeaveBodies() { mLeavesBodies = CanLeaveBodies(); }
     [[nodiscard]] bool LeavesBodies() const { return mLeavesBodies; }
-    /// Takes note that the result may depend on bodies that no variable leads to. The section is
+    /// Records that the result may depend on bodies to which no variable leads. The section is then
     /// read anew with all of them.
     void RequireBodies() { mRequiresBodies = true; }
     [[nodiscard]] bool RequiresBodies() const { return mRequiresBodies; }
-    /// Tells how far the reading of entries has come.
+    /// Reports how far the reading of entries has come.
     void TellProgress(std::uint32_t sectionOffset);
     /// The buffer of the latest unit, whose memory serves the next one; null if there is none.
     std::unique_ptr<VElfBuffer> LendUnitBuffer();
     void TakeUnitBuffer(std::unique_ptr<VElfBuffer> buffer);
-    /// Makes the nodes of skipped entries in the units where the offsets lie.
-    /// @return these nodes; none if the units have theirs already
+    /// Makes the nodes of skipped entries in the units that contain the offsets.
+    /// @return these nodes; empty if the units have all their nodes already
     std::vector<VDebugInfoNode*> ReadSkippedEntries(std::span<const std::uint32_t> offsets);
     /// Makes the nodes of all skipped entries.
     std::vector<VDebugInfoNode*> ReadAllSkippedEntries();
@@ -129,12 +129,12 @@ public:
         return sectionOffset - unit.mSectionOffset;
     }
 
-    /// Section offset of the type of a signature, 0 if no type unit has it.
+    /// Section offset of the type with a signature, 0 if no type unit has it.
     [[nodiscard]] std::uint32_t FindTypeOfSignature(std::uint64_t signature) const;
 
-    /// Number of entries, the skipped ones too.
+    /// Number of entries, including skipped ones.
     [[nodiscard]] std::size_t EntryCount() const { return mDieNodes.Size() + mSkipped.Count(); }
-    /// Number of entries before the node at an index of all nodes, the skipped ones too.
+    /// Number of entries before the node at an index of all nodes, including skipped ones.
     [[nodiscard]] std::size_t EntriesBefore(std::size_t index) const;
 
     /// @}
@@ -147,7 +147,7 @@ public:
     bool ResolveNodes();
     /// Asks each root of delivery for its host object. Always true.
     bool EmitNodes();
-    /// True if the node is delivered for its own sake.
+    /// True if the node is delivered on its own account.
     /// @param allTypes types count as roots too
     static bool IsEmissionRoot(const VDebugInfoNode& node, bool allTypes);
     /// The host's unknown type of a size in the global namespace.
@@ -168,20 +168,20 @@ public:
     std::unique_ptr<VAbrSectionBuffer> mAbrSectionBuffer;
     /// Whole `.debug_info`, compressed; only for dsPIC targets.
     VElfFileCachePtr mDebugInfoCache;
-    /// How far the file is linked, as far as decoding has to know.
+    /// How far the file is linked, as decoding must know.
     Linkage mLinkage = Linkage::Linked;
-    /// Those of the manner of reading and the file.
+    /// The forms of the manner of reading and the file.
     const DieForms* mForms = nullptr;
     /// Only in the full manner of reading.
     std::unique_ptr<VUnitTables> mUnitTables;
     /// Only in the full manner of reading.
     std::unique_ptr<VLocationLists> mLocationLists;
-    /// Signature of a type to its section offset. The first unit of a signature counts.
+    /// From the signature of a type to its section offset. The first unit of a signature counts.
     std::unordered_map<std::uint64_t, std::uint32_t, SeededHash> mTypeOffsets;
     VUnitLinks mUnitLinks;
-    /// Units that are passed over, by their version.
+    /// Number of units that are not read, by version.
     std::map<std::int32_t, std::uint32_t> mUnitsNotRead;
-    /// Units whose entries lie in another file.
+    /// Number of units whose entries are in another file.
     std::uint32_t mSplitUnitCount = 0;
     /// Every unit found that is read, in file order; they lie in the arena.
     std::vector<VCompileUnitHeader*> mCompileUnits;
@@ -189,9 +189,9 @@ public:
     bool mAutodetectPending = true;
     VDieNodes mDieNodes;
     VSkippedEntries mSkipped;
-    /// Host object to the node that was delivered as it first.
+    /// From a host object to the node that was first delivered as it.
     std::unordered_map<std::uint64_t, VDebugInfoNode*> mObjectNodes;
-    /// Sizes of the unknown types that are kept at hand.
+    /// Sizes of the unknown types that are made in advance.
     static constexpr std::array<std::uint32_t, 5> kUnknownEntryTypeSizes = {0, 1, 2, 4, 8};
     /// Host objects of the unknown types of these sizes.
     std::array<std::uint64_t, kUnknownEntryTypeSizes.size()> mUnknownEntryTypes{};
@@ -208,26 +208,26 @@ private:
     bool OpenNextDumpFile(std::ofstream& file, const std::string& inputName, int& part,
                           std::int32_t record) const;
     void CreateUnknownEntryTypes();
-    /// Tells the file's remarks what was passed over.
+    /// Adds remarks on what was not read to those of the file.
     void AddRemarks();
-    /// @param nameOffset place of the supplementary file's name in the section
+    /// @param nameOffset offset of the supplementary file's name in the section
     void RemarkOnSupplement(const Elf64_Shdr& section, std::uint32_t nameOffset) const;
     bool ProcessCompileUnit(VCompileUnitHeader& header);
     /// Reads a unit with all its entries.
-    /// @param made takes the nodes of `NodeChoice::Skipped`
+    /// @param made receives the nodes of `NodeChoice::Skipped`
     bool ReadUnit(VCompileUnitHeader& header, NodeChoice choice,
                   std::vector<VDebugInfoNode*>& made);
     std::vector<VDebugInfoNode*>
     ReadSkippedEntriesOf(const std::vector<VCompileUnitHeader*>& units);
-    /// True if each unit begins behind the one before.
+    /// True if each unit begins after the end of the one before.
     [[nodiscard]] bool AreUnitsApart() const;
 
-    /// True if the choice of nodes shows in nothing but the cost of the read.
+    /// True if the choice of nodes affects only the cost of the read.
     [[nodiscard]] bool CanLeaveBodies() const;
-    /// True if a first part of the section was read by now, large enough to predict the rest.
+    /// True if a first part of the section was read that is large enough to predict the rest.
     [[nodiscard]] bool HasReadSample(std::size_t unitCount) const;
-    /// True if variables lead to so many of the bodies that skipping them first costs more than it
-    /// saves. Works on what was read up to now, which has to be forgotten then.
+    /// True if variables lead to so many bodies that skipping them first costs more than it saves.
+    /// Works on what was read so far, which must be forgotten afterwards.
     [[nodiscard]] bool DoVariablesLeadToMostBodies();
     /// Forgets all entries, to read them again.
     void ForgetEntries();
@@ -235,10 +235,10 @@ private:
     bool mKeepsAllEntries = false;
     bool mLeavesBodies = false;
     bool mRequiresBodies = false;
-    /// Units whose facts were taken.
+    /// Number of units whose facts were counted.
     std::uint32_t mCountedUnits = 0;
     bool mIsReadAgain = false;
-    /// The latest offset that was told as progress.
+    /// The latest offset that was reported as progress.
     std::int64_t mToldOffset = -1;
     /// Number of the first node of the section.
     std::uint32_t mFirstNodeRecord = 0;

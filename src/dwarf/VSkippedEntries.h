@@ -1,7 +1,7 @@
-// The entries that have no nodes. Most entries tell how code runs, or describe types that no
-// variable leads to, see CodeEntries.h and BodyEntries.h: the walk over a unit skips them by their
-// length. What the rest of the read has to know of them is here: how many there are, and what they
-// refer to.
+// The entries without nodes. Most entries describe running code, or types that no variable
+// leads to, see CodeEntries.h and BodyEntries.h: the walk over a unit skips them by their
+// length. Here is what the rest of the read must know about them: how many there are, and what
+// they refer to.
 #pragma once
 
 #include "dwarf/VSkippedReferences.h"
@@ -15,7 +15,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// A variable that was skipped, by section offset. What it refers to has to know.
+/// A skipped variable, by section offset: the entries that it refers to must know about it.
 struct VSkippedVariable {
     std::uint32_t mOffset = 0;
     /// The entry that it completes or is an instance of, 0 if there is none.
@@ -24,17 +24,17 @@ struct VSkippedVariable {
     std::uint32_t mType = 0;
 };
 
-/// The skipped entries of a section. An entry that is referred to after all gets its node later,
-/// and is none of them any longer.
+/// The skipped entries of a section. If an entry is referred to after all, it gets its node later
+/// and no longer counts as skipped.
 class VSkippedEntries {
 public:
     void Add() { ++mCount; }
-    /// Says that the entry that was added last stands in the body of a type.
+    /// Records that the entry that was added last is in the body of a type.
     void NoteInBody() { ++mCountInBodies; }
-    /// One of the entries gets its node now.
+    /// Counts that one of the entries gets its node after all.
     void Remove() { --mCount; }
     [[nodiscard]] std::size_t Count() const { return mCount; }
-    /// Those in bodies of types, the removed ones too.
+    /// Number of entries in bodies of types, including the removed ones.
     [[nodiscard]] std::size_t CountInBodies() const { return mCountInBodies; }
 
     /// For variables that refer to other entries, in the order of reading.
@@ -50,7 +50,7 @@ public:
             }
         }
     }
-    /// Counts the references of variables as those of nodes are counted.
+    /// Counts the references of variables like those of nodes.
     void NoteReferencesOfVariables(VDieNodes& nodes) const {
         for (const VSkippedVariable& variable : mVariables) {
             if (nodes.Find(variable.mOffset) == nullptr) {
@@ -60,8 +60,8 @@ public:
         }
     }
 
-    /// References of other entries to types. Only in the full manner of reading, where bodies are
-    /// left for later.
+    /// References of other entries to types. Only in the full manner of reading, if bodies are left
+    /// for later.
     [[nodiscard]] VSkippedReferences& References() { return mReferences; }
 
 private:

@@ -1,6 +1,6 @@
 // A read without all types has skipped the bodies of types, see dwarf/BodyEntries.h. Now that the
-// places of variables are known, the bodies are read that delivery or a later pass asks for: those
-// of the types to which variables lead. Delivery goes from a variable to
+// places of variables are known, this pass reads the bodies that delivery or a later pass asks for:
+// the bodies of types to which variables lead. Delivery goes from a variable to
 //
 //     its scope, its type, the entry that it completes, and on from each of these;
 //     the definition in place of a declaration;
@@ -9,8 +9,8 @@
 //
 // Units are read one after the other, each as long as its bodies lead to others of the same unit.
 // What is read gets its links, its names and its places in the tree as if it had been there from
-// the start. Only functions that complete one of a body have waited for that: nobody asks them for
-// it until a variable within leads to them.
+// the start. Only functions that complete a function of a body have waited: nobody asks for that
+// link until a variable within them does.
 #include "container/VElfFile.h"
 #include "dwarf/BodyEntries.h"
 #include "dwarf/VBodyReader.h"
@@ -57,7 +57,7 @@ public:
     }
 
 private:
-    /// What is wanted of a unit.
+    /// What is wanted from a unit.
     struct WantedOfUnit {
         std::vector<VDebugInfoNode*> types;
         /// Functions that complete one of its bodies.
@@ -148,7 +148,7 @@ private:
         mUnits[type->GetCompileUnitHeader()->mIndex].functions.push_back(&function);
     }
 
-    /// The link of a function to the one in a body that was read. A damaged file names another
+    /// Links a function to the one in a body that was read. In a damaged file it names another
     /// entry.
     void Complete(VDebugInfoNode& function) {
         const auto offset = static_cast<std::uint32_t>(function.GetSpecificationAttribute().mValue);
@@ -179,7 +179,7 @@ private:
         }
     }
 
-    /// Types come before those within them, whose bodies are read with theirs.
+    /// Types precede those within them, whose bodies are read with theirs.
     void ReadBodies(VBodyReader& reader, std::vector<VDebugInfoNode*>& types) {
         std::ranges::sort(types, {}, &VDebugInfoNode::GetOffset);
         for (VDebugInfoNode* type : types) {
@@ -220,11 +220,11 @@ private:
 
     VDwarf2Section& mSection;
     VDieNodes& mNodes;
-    /// Counts nothing: what bodies refer to was counted when they were skipped.
+    /// Counts nothing: references in bodies were counted when the bodies were skipped.
     VReferenceFinder mReferences{mNodes, ReferenceCounting::Off};
-    /// Nodes to follow.
+    /// Nodes whose references are still to be followed.
     std::vector<VDebugInfoNode*> mReached;
-    /// What is still wanted, by the unit's place in the list of units.
+    /// What is still wanted, by the index of the unit in the list of units.
     std::map<std::uint32_t, WantedOfUnit> mUnits;
     /// Section offsets of the bodies that were read; those within others not.
     std::map<std::uint32_t, std::uint32_t> mEndsOfBodies;

@@ -1,5 +1,5 @@
-// How nodes come late into a list that is in the order of offsets, and into all lists that run
-// beside it.
+// Inserts late nodes into a list in the order of offsets, and into all lists that run in parallel
+// with it.
 #pragma once
 
 #include <cstddef>
@@ -11,16 +11,16 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// A node that is inserted. Of several, those with the lower offsets come first.
+/// A node that is inserted. At equal indices, nodes with lower offsets come first.
 struct VNodeInsertion {
-    /// Index of the first node behind it, before anything is inserted.
+    /// Index of the first node after it, before anything is inserted.
     std::size_t mIndex = 0;
     VDebugInfoNode* mNode = nullptr;
 };
 
-/// Inserts a value for each of these nodes into a list that has one for each node. What is there
-/// moves in pieces.
-/// @param valueOf gives the value of a node
+/// Inserts a value for each of these nodes into a list with one value for each node. The existing
+/// values are moved in pieces.
+/// @param valueOf returns the value of a node
 template <typename T, typename ValueOf>
 void InsertForEach(std::span<const VNodeInsertion> insertions, std::vector<T>& values,
                    ValueOf&& valueOf) {

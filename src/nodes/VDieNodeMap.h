@@ -1,6 +1,6 @@
 // The nodes of a section by the section offsets of their debug entries.
 //
-// Nodes are filed in a flat list, and a node is named by its index in it. For entries at the
+// Nodes are in a flat list, and a node is identified by its index in the list. For entries at the
 // section offsets 0x0b, 0x2d, 0x34, 0x52 and 0x59:
 //
 //     index         0      1      2      3      4
@@ -10,8 +10,8 @@
 //                 bytes 0x40 to 0x7f: bits 0x12, 0x19 set, first index 3
 //
 // The node at 0x59 is found without a search: stretch 0x59 / 64 = 1 has bit 0x59 % 64 = 0x19 set,
-// and one set bit (0x12) stands before it, so that its index is 3 + 1 = 4. A hash table would take
-// more memory, and miss the cache at each question.
+// and one set bit (0x12) precedes it, so its index is 3 + 1 = 4. A hash table would take more
+// memory, and every lookup would miss the cache.
 #pragma once
 
 #include "nodes/NodeInsertion.h"
@@ -28,7 +28,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// Section offset of a debug entry to its node, and to the index of the node among all. Nodes are
+/// From the section offset of a debug entry to its node, and to the node's index. Nodes are
 /// borrowed; they lie in an arena.
 class VDieNodeMap {
 public:
@@ -38,9 +38,9 @@ public:
     /// Makes room for about this many nodes.
     void Reserve(std::size_t count) { mNodes.reserve(count); }
     void Clear();
-    /// Adds a node behind all others.
+    /// Adds a node after all others.
     void Append(VDebugInfoNode& node);
-    /// Inserts nodes in ascending order of their offsets. An offset that is there keeps its node.
+    /// Inserts nodes in ascending order of their offsets. If an offset is taken, its node stays.
     /// @return what was inserted, and where
     std::vector<VNodeInsertion> Insert(std::span<VDebugInfoNode* const> nodes);
 
@@ -55,12 +55,12 @@ public:
         return stretch != nullptr && stretch->Has(sectionOffset) ? stretch->IndexOf(sectionOffset)
                                                                  : kNoIndex;
     }
-    /// The last node in front of an offset, null if there is none.
+    /// The last node before an offset, null if there is none.
     [[nodiscard]] VDebugInfoNode* LastBefore(std::uint32_t sectionOffset) const {
         const std::size_t count = CountBefore(sectionOffset);
         return count != 0 ? mNodes[count - 1].Get() : nullptr;
     }
-    /// All nodes in ascending order of their offsets. The view ends with the next change.
+    /// All nodes in ascending order of their offsets. The view is valid until the next change.
     [[nodiscard]] std::span<const Link> InOffsetOrder() const { return mNodes; }
     [[nodiscard]] std::size_t Size() const { return mNodes.size(); }
 
@@ -68,8 +68,8 @@ private:
     static constexpr std::uint32_t kStretchSize = 64;
     static constexpr std::uint32_t kHalfSize = kStretchSize / 2;
 
-    /// 64 bytes of the section: a bit for each byte where an entry begins, in two halves, and the
-    /// index of the first entry in or behind them.
+    /// 64 bytes of the section: a bit for each byte at which an entry begins, in two halves, and
+    /// the index of the first entry in these bytes or after them.
     struct Stretch {
         std::array<std::uint32_t, 2> entryStarts{};
         std::uint32_t firstIndex = 0;
@@ -83,7 +83,7 @@ private:
         [[nodiscard]] bool Has(std::uint32_t sectionOffset) const {
             return (Starts() & BitOf(sectionOffset)) != 0;
         }
-        /// The index of the first entry at the offset or behind it.
+        /// The index of the first entry at or after the offset.
         [[nodiscard]] std::size_t IndexOf(std::uint32_t sectionOffset) const {
             return firstIndex +
                    static_cast<std::size_t>(std::popcount(Starts() & (BitOf(sectionOffset) - 1)));
@@ -93,7 +93,7 @@ private:
         }
     };
 
-    /// Null behind the last node.
+    /// Null after the last node.
     [[nodiscard]] const Stretch* StretchOf(std::uint32_t sectionOffset) const {
         const std::size_t index = sectionOffset / kStretchSize;
         return index < mStretches.size() ? &mStretches[index] : nullptr;

@@ -1,12 +1,12 @@
-// All nodes of a section, in the order of their offsets: three tables that run beside each other.
-// For five entries:
+// All nodes of a section, in the order of their offsets: three tables that run in parallel. For
+// five entries:
 //
 //     index            0      1      2      3      4
 //     VDieNodeMap    unit   base  struct member    var     which node has an offset
 //     VNodeGroups    CompileUnits: 0   GroupedTypes: 2   MembersAndEnumerations: 3   Variables: 4
 //     VNodeMarks      ...    ...    ...    ...    ...      what passes have to do there
 //
-// Passes walk the nodes, whole or by the kind of node that they are for.
+// Passes walk the nodes, either all or only the kind of node that concerns them.
 #pragma once
 
 #include "core/Prefetch.h"
@@ -21,8 +21,8 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// The nodes of a section. Reading files them one after the other, `Complete` ends it, and then
-/// passes ask. Nodes are borrowed; they lie in an arena.
+/// The nodes of a section. Reading adds them one after the other, `Complete` ends that, and then
+/// passes use them. Nodes are borrowed; they lie in an arena.
 class VDieNodes {
 public:
     using Link = VDieNodeMap::Link;
@@ -34,21 +34,21 @@ public:
     VDieNodes(VDieNodes&&) = delete;
     VDieNodes& operator=(VDieNodes&&) = delete;
 
-    /// @name Filing
+    /// @name Adding
     /// @{
 
     /// Makes room for about this many nodes.
     void Reserve(std::size_t count);
     /// Forgets all nodes.
     void Clear();
-    /// Files a node. An offset that is there already keeps its first node. Entries come in the
-    /// order of their offsets, except where units overlap: what is late is found from the next
-    /// `Complete` on.
+    /// Adds a node. If its offset is taken, the first node stays. Entries come in the order of
+    /// their offsets, except where units overlap: late nodes can be found only after the next
+    /// `Complete`.
     void Insert(VDebugInfoNode& node);
-    /// Files what came late. To be called when a section is read.
+    /// Adds the late nodes. Call it when a section is read.
     void Complete();
-    /// Files many nodes in ascending order of their offsets. An offset that is there keeps its
-    /// node.
+    /// Adds many nodes in ascending order of their offsets. If an offset is taken, its node
+    /// stays.
     void InsertAll(std::span<VDebugInfoNode* const> nodes);
 
     /// @}
@@ -59,15 +59,15 @@ public:
     [[nodiscard]] VDebugInfoNode* Find(std::uint32_t sectionOffset) const {
         return mMap.Find(sectionOffset);
     }
-    /// The last node in front of an offset, null if there is none.
+    /// The last node before an offset, null if there is none.
     [[nodiscard]] VDebugInfoNode* LastBefore(std::uint32_t sectionOffset) const {
         return mMap.LastBefore(sectionOffset);
     }
-    /// All nodes in ascending order of their offsets. The view ends with the next node that is
-    /// filed.
+    /// All nodes in ascending order of their offsets. The view is valid until the next node is
+    /// added.
     [[nodiscard]] std::span<const Link> InOffsetOrder() const { return mMap.InOffsetOrder(); }
-    /// Where the nodes of a group stand in `InOffsetOrder`, ascending. The view ends with the next
-    /// node that is filed.
+    /// Indices in `InOffsetOrder` of the nodes of a group, ascending. The view is valid until the
+    /// next node is added.
     [[nodiscard]] std::span<const std::uint32_t> IndicesOf(NodeGroup group) const {
         return mGroups.IndicesOf(group);
     }
@@ -81,8 +81,8 @@ public:
     /// In ascending order of the offsets.
     /// @{
 
-    /// Calls `visit` with each of these indices of `InOffsetOrder`, whose nodes it is going to look
-    /// at.
+    /// Calls `visit` with each of these indices of `InOffsetOrder`, and prefetches the nodes, which
+    /// it is going to read.
     template <typename Visitor>
     void ForEachIndex(std::span<const std::uint32_t> indices, Visitor&& visit) const {
         ForEachAhead(
@@ -95,13 +95,13 @@ public:
         ForEachIndex(IndicesOf(group), [&](std::uint32_t index) { visit(*NodeAt(index)); });
     }
 
-    /// Calls `visit` with each node that a pass has this to do at.
+    /// Calls `visit` with each node at which a pass has this task.
     template <typename Visitor>
     void ForEachWith(NodeTask task, Visitor&& visit) const {
         ForEachIf([&](std::size_t index) { return mMarks.Has(index, task); }, visit);
     }
 
-    /// Calls `visit` with each node that is known to be referred to and refers to others itself.
+    /// Calls `visit` with each node that is known to be referred to and has references itself.
     template <typename Visitor>
     void ForEachReferredAndReferring(Visitor&& visit) const {
         ForEachIf(
@@ -115,7 +115,7 @@ public:
     /// @name Marks
     /// @{
 
-    /// One more entry refers to the one at an offset, or several more.
+    /// Records that one more entry, or several more, refer to the entry at an offset.
     /// @return false if it has no node
     bool NoteReferred(std::uint32_t sectionOffset, bool isBySeveral = false) {
         const std::size_t index = mMap.IndexOf(sectionOffset);
@@ -125,7 +125,7 @@ public:
         mMarks.NoteReferred(index, isBySeveral);
         return true;
     }
-    /// As `Find`, for an entry that refers to the one at the offset.
+    /// As `Find`, and records a reference to the node.
     VDebugInfoNode* FindReferred(std::uint32_t sectionOffset) {
         const std::size_t index = mMap.IndexOf(sectionOffset);
         if (index == VDieNodeMap::kNoIndex) {
@@ -134,16 +134,16 @@ public:
         mMarks.NoteReferred(index);
         return NodeAt(index);
     }
-    /// True if one entry at most is known to refer to a filed node.
+    /// True if at most one entry is known to refer to a node.
     [[nodiscard]] bool IsReferredOnce(const VDebugInfoNode& node) const;
     /// Marks a node as reached.
-    /// @return false if it was before, or is not filed
+    /// @return false if it was marked before, or is not in the map
     bool Reach(const VDebugInfoNode& node);
 
     /// @}
 
 private:
-    /// Nodes that walks prefetch.
+    /// How many nodes ahead walks prefetch.
     static constexpr std::size_t kNodesAhead = 16;
 
     [[nodiscard]] VDebugInfoNode* NodeAt(std::size_t index) const {
@@ -165,7 +165,7 @@ private:
     VDieNodeMap mMap;
     VNodeGroups mGroups;
     VNodeMarks mMarks;
-    /// What came late since the last `Complete`, by offset.
+    /// Nodes that came late since the last `Complete`, by offset.
     std::map<std::uint32_t, VDebugInfoNode*> mLate;
     std::int64_t mLastOffset = -1;
     bool mHasBitFieldsWithoutSize = false;

@@ -1,4 +1,4 @@
-// The indices of the nodes that passes look for among all others.
+// The indices of the nodes that passes pick out from all others.
 #pragma once
 
 #include "dwarf/codes/DwarfConstants.h"
@@ -12,28 +12,28 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Nodes that are looked for among all others. A node is in one group or in none.
+/// Nodes that passes pick out from all others. A node is in at most one group.
 enum class NodeGroup : std::uint8_t {
     CompileUnits,
     Variables,
     /// See `IsGroupedType`.
     GroupedTypes,
     MembersAndEnumerations,
-    /// References to rvalues and pointers to members.
+    /// Rvalue references and pointers to members.
     OtherPointers,
     None
 };
 
-/// For each group the indices of its nodes, as `VDieNodeMap` counts them, ascending.
+/// For each group the indices of its nodes in `VDieNodeMap`, ascending.
 class VNodeGroups {
 public:
     void Clear() { mIndices = {}; }
-    /// Adds a node at an index behind all others.
+    /// Adds a node with an index after all others.
     void Append(dwarf_tag tag, std::size_t index);
     /// Inserts nodes as `VDieNodeMap::Insert` did.
     void Insert(std::span<const VNodeInsertion> insertions);
 
-    /// The view ends with the next change.
+    /// The view is valid until the next change.
     [[nodiscard]] std::span<const std::uint32_t> IndicesOf(NodeGroup group) const {
         return mIndices[static_cast<std::size_t>(group)];
     }

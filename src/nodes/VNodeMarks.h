@@ -1,4 +1,4 @@
-// What passes have to do at each node, and what they have found out about it.
+// The tasks of the passes at each node, and what they have found out about it.
 #pragma once
 
 #include "nodes/NodeInsertion.h"
@@ -10,8 +10,8 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// What the passes have to do at a node, told when it is filed: so a pass needs not look at nodes
-/// that it has nothing to do at. A set of bits.
+/// What the passes have to do at a node, known when it is added: a pass then skips all nodes that
+/// don't concern it. A set of bits.
 enum class NodeTask : std::uint8_t {
     None = 0,
     Name = 1,
@@ -30,7 +30,7 @@ public:
     /// Makes room for about this many nodes.
     void Reserve(std::size_t count) { mMarks.reserve(count); }
     void Clear() { mMarks.clear(); }
-    /// Adds the marks of a node behind all others.
+    /// Adds the marks of a node after all others.
     void Append(NodeTask tasks) { mMarks.push_back(static_cast<std::uint8_t>(tasks)); }
     /// Inserts nodes as `VDieNodeMap::Insert` did.
     void Insert(std::span<const VNodeInsertion> insertions);
@@ -39,7 +39,7 @@ public:
         return (mMarks[index] & static_cast<std::uint8_t>(task)) != 0;
     }
 
-    /// One more entry refers to the node, or several more.
+    /// Records that one more entry, or several more, refer to the node.
     void NoteReferred(std::size_t index, bool isBySeveral = false) {
         if (isBySeveral || IsReferred(index)) {
             Set(index, kIsReferredAgain);
@@ -54,7 +54,7 @@ public:
     }
 
     /// Marks the node as reached.
-    /// @return false if it was before
+    /// @return false if it was marked before
     bool Reach(std::size_t index) {
         const bool isNew = (mMarks[index] & kIsReached) == 0;
         Set(index, kIsReached);

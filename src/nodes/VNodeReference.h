@@ -9,11 +9,11 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 class VDebugInfoNode;
 
-/// The section offset of an entry, or its node, in 32 bits. There is no bit left that tells which:
-/// the owner keeps that, and asks for what it stored.
+/// The section offset of an entry, or its node, in 32 bits. No bit is left to say which: the owner
+/// keeps that, and reads back what it stored.
 class VNodeReference {
 public:
-    /// Offset 0, where no entry stands.
+    /// Offset 0, at which there is no entry.
     VNodeReference() = default;
     explicit VNodeReference(std::uint32_t sectionOffset)
         : mBits(sectionOffset) {}

@@ -10,18 +10,18 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Whether references that are looked up are counted at the nodes that they lead to.
+/// Whether a lookup counts as a reference to the node that it finds.
 enum class ReferenceCounting : bool { Off, On };
 
-/// Finds what entries refer to, marks it as referred to, and takes note of what is missing. Lives
-/// as long as one pass.
+/// Finds what entries refer to, marks it as referred to, and records missing nodes. Lives as long
+/// as one pass.
 class VReferenceFinder {
 public:
     explicit VReferenceFinder(VDieNodes& nodes, ReferenceCounting counting = ReferenceCounting::On)
         : mNodes(nodes)
         , mCounting(counting) {}
 
-    /// The node at a section offset. One that has none is missing.
+    /// The node at a section offset. If there is none, the offset is recorded as missing.
     VDebugInfoNode* Find(std::uint32_t sectionOffset) {
         VDebugInfoNode* node = FindIfThere(sectionOffset);
         if (node == nullptr) {
@@ -29,12 +29,12 @@ public:
         }
         return node;
     }
-    /// As `Find`, for callers that can do without the node.
+    /// As `Find`, for callers that don't need the node: nothing is recorded as missing.
     VDebugInfoNode* FindIfThere(std::uint32_t sectionOffset) {
         return mCounting == ReferenceCounting::On ? mNodes.FindReferred(sectionOffset)
                                                   : mNodes.Find(sectionOffset);
     }
-    /// Takes note if there is no node at an offset, without counting a reference to it.
+    /// Records the offset as missing if it has no node, without counting a reference.
     void Require(std::uint32_t sectionOffset) {
         if (mNodes.Find(sectionOffset) == nullptr) {
             mMissing.push_back(sectionOffset);
@@ -42,7 +42,7 @@ public:
     }
 
     [[nodiscard]] std::size_t MissingCount() const { return mMissing.size(); }
-    /// The offsets that have no node, since they were taken or forgotten last.
+    /// The offsets without a node, since the last call.
     std::vector<std::uint32_t> TakeMissing() { return std::exchange(mMissing, {}); }
     void ForgetMissing() { mMissing.clear(); }
 
