@@ -21,9 +21,9 @@ BRINDLE_FETCHES void Prefetch([[maybe_unused]] const void* address) {
 }
 
 /// Calls `visit` with each index up to a count, and prefetches what it is going to need.
-/// @param distance how many indices ahead. Too few, and `visit` waits; too many, and what was
-/// fetched is gone again
-/// @param addressOf gives the address to prefetch for an index; null for none
+/// @param distance how many indices ahead: too few, and `visit` waits; too many, and the memory has
+///     left the cache again
+/// @param addressOf returns the address to prefetch for an index; null for none
 template <typename AddressOf, typename Visitor>
 void ForEachIndexAhead(std::size_t count, std::size_t distance, AddressOf&& addressOf,
                        Visitor&& visit) {

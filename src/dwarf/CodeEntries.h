@@ -1,6 +1,6 @@
 // Entries inside functions that describe running code and nothing that is delivered: parameters,
 // labels, calls, variables in registers or on the stack. In optimized C++ they are two thirds of
-// all entries. The walk over a unit skips them, that is, skips them without making nodes:
+// all entries. The walk over a unit skips them by their length, without nodes:
 //
 //     subprogram "step"                  a node, as every entry outside of code
 //       formal_parameter "motor"         skipped

@@ -32,11 +32,11 @@ struct TagAlias {
 
 namespace {
 
-/// What a value is in a linked file, and is not before a linker has filled it in.
+/// What linkers fill in: before that, a value means nothing.
 enum class LinkerValue : std::uint8_t {
     Nothing,
     Address,
-    /// An offset of a section, or what leads to one.
+    /// An offset of a section, or a value that leads to one.
     Offset
 };
 
@@ -69,14 +69,14 @@ constexpr KnownAttribute sKnownAttributes[] = {
 #undef DWARF_ATTRIBUTE
 };
 
-// The codes of the standard follow each other closely, those of vendors lie far behind them: forms
-// of split units before DWARF 5, and of files that share a supplementary file.
+// The codes of the standard are dense, those of vendors follow far away: forms of split units
+// before DWARF 5, and of files that share a supplementary file.
 constexpr std::size_t sFormCount = DW_FORM_addrx4 + 1;
 constexpr std::uint32_t sFirstVendorForm = DW_FORM_GNU_addr_index;
 constexpr std::size_t sVendorFormCount = DW_FORM_GNU_strp_alt + 1 - sFirstVendorForm;
 constexpr std::size_t sTargetCount = DW_AT_loclists_base + 1;
 
-/// The forms of the codes from the first one on.
+/// The forms with codes from `first` on.
 template <std::size_t Count>
 constexpr auto FormsFrom(std::uint32_t first, ReadingManner manner, Linkage linkage) {
     std::array<FormProperties, Count> forms{};
@@ -136,7 +136,7 @@ constexpr auto sFullVendorTargets = [] {
     return targets;
 }();
 
-/// What counts to lay out an array, and may be computed at run time.
+/// Attributes that determine the layout of an array, and may be computed at run time.
 constexpr bool IsOfArrayLayout(AttributeTarget target) {
     switch (target) {
     case AttributeTarget::LowerBound:

@@ -51,7 +51,7 @@ extern std::int32_t gOptExt;
 /// How the search for units ended.
 enum class MappingOutcome : std::uint8_t {
     Mapped,
-    /// The units behind a damaged one were given up.
+    /// The units after a damaged one were given up.
     GaveUp,
     /// With an error set.
     Failed,
