@@ -1,0 +1,212 @@
+#!/usr/bin/env python3
+"""Runs the commands of the program over files of any kind, in both manners of reading, and looks for findings:
+
+- the program crashes, a sanitizer reports an error, or the exit status is none that the program documents;
+- a run fails without a message;
+- a run takes more time or memory than its bounds (docs/reliability.md), with the given factors.
+
+Standard output has a row for each file and one for all of them. What a finding wrote is kept in a folder, in a
+file named after the input, the command and the manner. Exit status 1 if there are findings.
+"""
+import argparse
+import collections
+import os
+import pathlib
+import re
+import resource
+import selectors
+import subprocess
+import sys
+import time
+
+COMMANDS = ["vars", "leaves", "types", "dump", "info", "report"]
+MANNERS = {"full": [], "classic": ["--set", "mIsFullReading=0"]}
+
+# The bounds of a command, for a release build: a fixed part, and one for each byte read and written.
+FIXED_SECONDS = 1
+SECONDS = 10e-6
+FIXED_BYTES = 64 << 20
+BYTES = 256
+
+SANITIZER_REPORT = re.compile(rb"(AddressSanitizer|LeakSanitizer|ThreadSanitizer|runtime error|Assertion)\b.*")
+POLL_SECONDS = 0.05
+KEPT_BYTES = 1 << 20
+PAGE = os.sysconf("SC_PAGE_SIZE")
+TICKS = os.sysconf("SC_CLK_TCK")
+
+
+class Run:
+    """One run of the program: its status, what it took, and what is wrong with it, if anything."""
+
+    def __init__(self, words, size, factors):
+        self.words = words
+        self.written = 0
+        self.messages = b""
+        self.output = b""
+        self.finding = ""
+        self.seconds = 0.0
+        self.memory = 0
+        child = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                 stderr=subprocess.PIPE)
+        self.follow(child, size, factors)
+        _, status, usage = os.wait4(child.pid, 0)
+        child.returncode = self.status = os.waitstatus_to_exitcode(status)
+        self.seconds = usage.ru_utime + usage.ru_stime
+        self.memory = usage.ru_maxrss * 1024
+        self.judge(size, factors)
+
+    def bounds(self, size, factors):
+        count = size + self.written
+        return (factors[0] * (FIXED_SECONDS + SECONDS * count), factors[1] * (FIXED_BYTES + BYTES * count))
+
+    def follow(self, child, size, factors):
+        """Reads what the program writes until it ends, and ends it where it passes its bounds."""
+        with selectors.DefaultSelector() as pipes:
+            for pipe in (child.stdout, child.stderr):
+                pipes.register(pipe, selectors.EVENT_READ)
+            checked = time.monotonic()
+            while pipes.get_map():
+                for key, _ in pipes.select(POLL_SECONDS):
+                    self.take(child, pipes, key.fileobj)
+                if time.monotonic() - checked > POLL_SECONDS:
+                    self.check(child, size, factors)
+                    checked = time.monotonic()
+
+    def take(self, child, pipes, pipe):
+        block = pipe.read1(1 << 16)
+        if not block:
+            pipes.unregister(pipe)
+        elif pipe is child.stdout:
+            self.written += len(block)
+            self.output = (self.output + block)[:KEPT_BYTES]
+        else:
+            self.messages = (self.messages + block)[:KEPT_BYTES]
+
+    def check(self, child, size, factors):
+        try:
+            process = pathlib.Path("/proc", str(child.pid))
+            times = process.joinpath("stat").read_text().rpartition(")")[2].split()[11:13]
+            memory = int(process.joinpath("statm").read_text().split()[1]) * PAGE
+        except (OSError, IndexError):
+            return  # it has just ended
+        seconds = sum(map(int, times)) / TICKS
+        limits = self.bounds(size, factors)
+        if not self.finding and (seconds > limits[0] or memory > limits[1]):
+            self.finding = f"ended after {seconds:.1f} s with {memory / 1e6:.0f} MB: above its bounds"
+            child.kill()
+
+    def judge(self, size, factors):
+        limits = self.bounds(size, factors)
+        report = SANITIZER_REPORT.search(self.messages)
+        if self.finding:
+            return
+        if report:
+            self.finding = report.group().decode(errors="replace")[:100]
+        elif self.status not in (0, 1):
+            self.finding = f"ended with {self.status}"
+        elif self.status == 1 and not self.messages.strip():
+            self.finding = "failed without a message"
+        elif self.seconds > limits[0]:
+            self.finding = f"took {self.seconds:.1f} s: above its bound"
+        elif self.memory > limits[1]:
+            self.finding = f"took {self.memory / 1e6:.0f} MB: above its bound"
+
+
+class Result:
+    """What the runs over one file, or over all of them, gave."""
+
+    def __init__(self):
+        self.files = 0
+        self.bytes = 0
+        self.read = collections.Counter()
+        self.milliseconds = 0.0
+        self.memory = 0
+        self.findings = 0
+
+    def add(self, other):
+        self.files += other.files
+        self.bytes += other.bytes
+        self.read += other.read
+        self.milliseconds = max(self.milliseconds, other.milliseconds)
+        self.memory = max(self.memory, other.memory)
+        self.findings += other.findings
+
+    def row(self, name):
+        cells = [name, self.files, f"{self.bytes / 1e6:.2f}"]
+        for manner in MANNERS:
+            cells += [self.read[manner], self.files - self.read[manner]]
+        cells += [f"{self.milliseconds:.0f}", f"{self.memory / 1e6:.0f}", self.findings]
+        return "| " + " | ".join(map(str, cells)) + " |"
+
+
+HEAD = ["File", "Files", "MB", *(f"{what}, {manner}" for manner in MANNERS for what in ("Read", "Refused")),
+        "Worst ms/MB", "Most MB", "Findings"]
+
+
+def keep(folder, path, command, manner, run):
+    folder.mkdir(parents=True, exist_ok=True)
+    kept = folder / f"{path.name}.{command}.{manner}.txt"
+    text = f"{' '.join(map(str, run.words))}\nstatus {run.status}: {run.finding}\n".encode()
+    kept.write_bytes(text + run.messages + run.output[:1000])
+    print(f"corpus: {path.name}: {command}, {manner} reading: {run.finding}; see {kept}", file=sys.stderr,
+          flush=True)
+
+
+def read(path, arguments):
+    """Runs every command over one file in both manners. The file counts as read if `dump` succeeds: other
+    commands fail too if they find nothing to list."""
+    result = Result()
+    result.files = 1
+    result.bytes = path.stat().st_size
+    for manner, options in MANNERS.items():
+        for command in COMMANDS:
+            words = [arguments.program, command, "--no-progress", *options, path]
+            if command == "report":
+                words += ["--output", "-"]
+            run = Run(words, result.bytes, (arguments.time_factor, arguments.memory_factor))
+            # The start of the program doesn't count for a small file.
+            megabytes = max((result.bytes + run.written) / 1e6, 1.0)
+            result.milliseconds = max(result.milliseconds, run.seconds * 1e3 / megabytes)
+            result.memory = max(result.memory, run.memory)
+            if command == "dump":
+                result.read[manner] = int(run.status == 0)
+            if run.finding:
+                result.findings += 1
+                keep(arguments.keep, path, command, manner, run)
+    return result
+
+
+def files_of(paths):
+    for path in paths:
+        if path.is_dir():
+            yield from sorted(each for each in path.rglob("*") if each.is_file())
+        else:
+            yield path
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="corpus.sh", description=__doc__.split("\n\n")[0],
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("paths", nargs="+", type=pathlib.Path, metavar="FILE_OR_FOLDER")
+    parser.add_argument("--program", required=True, help="the program to run (corpus.sh builds one)")
+    parser.add_argument("--time-factor", type=float, default=20,
+                        help="times the bound that a run may take (default: 20, for a build with sanitizers)")
+    parser.add_argument("--memory-factor", type=float, default=8,
+                        help="times the bound of memory (default: 8)")
+    parser.add_argument("--keep", type=pathlib.Path, default=pathlib.Path("corpus-findings"),
+                        help="folder for what findings wrote (default: corpus-findings)")
+    arguments = parser.parse_args()
+    total = Result()
+    print("| " + " | ".join(HEAD) + " |\n|" + "---|" * len(HEAD))
+    for path in files_of(arguments.paths):
+        result = read(path, arguments)
+        print(result.row(path.name), flush=True)
+        total.add(result)
+    print(total.row("all"))
+    return 1 if total.findings or not total.files else 0
+
+
+if __name__ == "__main__":
+    # A finding may be a crash: no core file for each.
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    sys.exit(main())
