@@ -12,6 +12,7 @@ import json
 import os
 import pathlib
 import re
+import resource
 import shutil
 import stat
 import subprocess
@@ -224,6 +225,27 @@ class UpdateTest(A2lTest):
                 self.run_program("update", "in.a2l", IMAGE, *arguments, status=1)
                 self.assertEqual(self.files(), before)
         self.assertEqual(self.input.read_text(), self.old)
+
+    def test_a_disk_that_fills_up_leaves_every_file_as_it_was(self):
+        """No file may grow beyond a limit, which is where the disk would be full."""
+        self.file("main.a2l", description('/include "part.a2l" /include "long.a2l"'))
+        self.file("part.a2l", measurement("machine_word", 0))
+        self.file("long.a2l", measurement("machine_word", 0) + "/* " + "x" * 9000 + " */")
+        self.file("old.html", "older")
+        before = {path.name: path.read_bytes() for path in self.folder.iterdir()}
+        for arguments in (["a2l", "update", "--in-place", "main.a2l", IMAGE],
+                          ["a2l", "update", "-o", "new.a2l", "long.a2l", IMAGE],
+                          ["a2l", "update", "-o", "part.a2l", "long.a2l", IMAGE],
+                          ["a2l", "export", "-o", "new.a2l", IMAGE],
+                          ["report", "-o", "old.html", IMAGE], ["report", "-o", "new.html", IMAGE]):
+            with self.subTest(arguments=arguments):
+                done = subprocess.run(
+                    [PROGRAM, *arguments], capture_output=True, timeout=60, cwd=self.folder,
+                    restore_signals=False,  # Python ignores the signal of the limit, and so does the program
+                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096)))
+                self.assertEqual((done.returncode, done.stdout), (1, b""), done.stderr)
+                self.assertIn("File too large", done.stderr.decode())
+                self.assertEqual({path.name: path.read_bytes() for path in self.folder.iterdir()}, before)
 
     def test_wrong_usage_is_told(self):
         for arguments, message in [
