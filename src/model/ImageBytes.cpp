@@ -28,12 +28,16 @@ std::vector<std::uint8_t> ImageBytes::At(std::uint64_t address, std::uint64_t si
     }
     const std::uint64_t inFile =
         offset < section->fileSize ? std::min(size, section->fileSize - offset) : 0;
-    // A header may claim any size: don't allocate for bytes that can't be there.
-    if (inFile > mDescription.fileSize || size - inFile > kLongestZeroRun) {
+    // A header may claim any size: don't allocate for bytes that can't be there, nor, on a system
+    // of 32 bits, for more than memory can have.
+    std::vector<std::uint8_t> bytes;
+    if (inFile > mDescription.fileSize || size - inFile > kLongestZeroRun ||
+        size > bytes.max_size()) {
         return {};
     }
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-    if (inFile > 0 && !ReadFile(section->filePosition + offset, bytes, inFile)) {
+    bytes.resize(static_cast<std::size_t>(size));
+    if (inFile > 0 &&
+        !ReadFile(section->filePosition + offset, bytes, static_cast<std::size_t>(inFile))) {
         return {};
     }
     return bytes;
@@ -59,7 +63,8 @@ bool ImageBytes::ReadFile(std::uint64_t filePosition, std::vector<std::uint8_t>&
         filePosition >= mWindowStart && filePosition - mWindowStart + count <= mWindow.size();
     if (!isInWindow) {
         mWindowStart = filePosition;
-        mWindow.resize(std::min<std::uint64_t>(sWindowSize, mDescription.fileSize - filePosition));
+        mWindow.resize(static_cast<std::size_t>(
+            std::min<std::uint64_t>(sWindowSize, mDescription.fileSize - filePosition)));
         if (!ReadDirectly(filePosition, mWindow.data(), mWindow.size())) {
             mWindow.clear();
             return false;
