@@ -6,7 +6,6 @@ namespace Tessel::Norn::Brindle::Program {
 
 namespace {
 
-constexpr std::uint64_t sBitsOfByte = 8;
 /// No compiler lays out this many overlapping members in one place.
 constexpr std::size_t sMostLanes = 256;
 

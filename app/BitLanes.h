@@ -8,6 +8,8 @@
 
 namespace Tessel::Norn::Brindle::Program {
 
+inline constexpr std::uint64_t sBitsOfByte = 8;
+
 /// One thing in a structure.
 struct BitSpan {
     /// In bits from the start of the structure, in the order in which a compiler fills its bytes.

@@ -27,7 +27,6 @@ using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
 
-constexpr std::uint64_t sBitsOfByte = 8;
 /// Structures within structures; deeper ones are written as bytes.
 constexpr std::size_t sDeepestNesting = 100;
 constexpr std::string_view sPacked = " __attribute__((packed));\n";
@@ -37,10 +36,6 @@ constexpr std::string_view sStart =
 #include <stddef.h>
 #include <stdint.h>
 )";
-
-bool IsClass(ObjectKind kind) {
-    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
-}
 
 /// The parts of a type before and after a name.
 struct CType {

@@ -28,7 +28,7 @@ namespace {
 using Reader::DWARF::VDemanglingOptions;
 
 /// The longest text that the reader takes for a symbol.
-constexpr int sLongestName = 2047;
+constexpr int sLongestPlainName = 2047;
 
 struct DemangleArguments {
     std::vector<std::string> names;
@@ -43,16 +43,16 @@ struct PlainName {
 };
 
 PlainName PlainNameOf(const std::string& name, const VDemanglingOptions& options) {
-    std::array<char, sLongestName + 1> text{};
+    std::array<char, sLongestPlainName + 1> text{};
     const auto length =
         static_cast<int>(std::min<std::size_t>(name.size(), std::numeric_limits<int>::max()));
     bool isDemangled = false;
-    if (!Reader::DWARF::DemangleName(text.data(), sLongestName, name.c_str(), length, isDemangled,
-                                     options)) {
+    if (!Reader::DWARF::DemangleName(text.data(), sLongestPlainName, name.c_str(), length,
+                                     isDemangled, options)) {
         return {name};
     }
     PlainName plain{text.data()};
-    plain.isCut = plain.text.size() >= sLongestName ||
+    plain.isCut = plain.text.size() >= sLongestPlainName ||
                   (isDemangled && options.mIsTaskingProducer &&
                    LacksParts(plain.text, name, options.mScopeSeparator));
     return plain;

@@ -27,15 +27,15 @@ using DataModel::ImageSection;
 using DataModel::ModelObject;
 using Model = DataModel::Model;
 
-constexpr std::array sColumns = {Column{"query", false, true},
-                                 Column{"address", true},
-                                 Column{"size", true},
-                                 Column{"type"},
-                                 Column{"name", false, false, sLeastNameWidth},
-                                 Column{"offset", true, true},
-                                 Column{"bitOffset", true, true},
-                                 Column{"bitSize", true, true},
-                                 Column{.name = "compileUnit", .isSideNote = true}};
+constexpr std::array sFindColumns = {Column{"query", false, true},
+                                     Column{"address", true},
+                                     Column{"size", true},
+                                     Column{"type"},
+                                     Column{"name", false, false, sLeastNameWidth},
+                                     Column{"offset", true, true},
+                                     Column{"bitOffset", true, true},
+                                     Column{"bitSize", true, true},
+                                     Column{.name = "compileUnit", .isSideNote = true}};
 
 bool IsAddress(std::string_view query) {
     return !query.empty() && query.front() >= '0' && query.front() <= '9';
@@ -185,7 +185,7 @@ private:
 } // namespace
 
 std::vector<Column> FindColumns(const ChosenColumns& chosen) {
-    std::vector<Column> columns(sColumns.begin(), sColumns.end());
+    std::vector<Column> columns(sFindColumns.begin(), sFindColumns.end());
     AddChosenColumns(chosen, columns);
     return columns;
 }

@@ -68,7 +68,7 @@ std::uint64_t PackedBit(std::uint32_t bitOffset) {
     return std::uint64_t{bitOffset} + 1;
 }
 
-std::string_view ContainerName(Reader::DWARF::DWARFContainerType container) {
+std::string_view ContainerWord(Reader::DWARF::DWARFContainerType container) {
     using Container = Reader::DWARF::DWARFContainerType;
     if (container == Container::Container_COFF) {
         return "COFF";
@@ -261,7 +261,7 @@ std::uint32_t ImagePack::UnitText(ObjectId id) {
 void ImagePack::Write(PackWriter& json) const {
     json.StartObject();
     WriteText(json, "file", mFile);
-    WriteText(json, "container", ContainerName(mResult.container));
+    WriteText(json, "container", ContainerWord(mResult.container));
     json.Key("isComplete");
     json.Bool(mResult.isOk);
     WriteText(json, "error", mResult.error);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t sCount = 3;
 constexpr std::size_t sLongestWanted = 100;
-constexpr std::size_t sLongestName = 300;
+constexpr std::size_t sLongestNearName = 300;
 
 void AssignLowerCase(std::string& result, std::string_view text) {
     result.assign(text);
@@ -47,7 +47,7 @@ NearNames::NearNames(std::string_view wanted) {
 }
 
 void NearNames::Offer(std::string_view name) {
-    if (mWanted.empty() || name.empty() || name.size() > sLongestName) {
+    if (mWanted.empty() || name.empty() || name.size() > sLongestNearName) {
         return;
     }
     const std::size_t distance = DistanceTo(name);

@@ -60,11 +60,11 @@ struct ReportedImage {
     ExitStatus status = ExitStatus::Failed;
 };
 
-using WritePage = std::function<void(ResultOutput& output)>;
+using PageWriting = std::function<void(ResultOutput& output)>;
 
 /// Writes a page to the file that the user named; "-" is standard output.
 ExitStatus WritePageTo(const std::string& report, ResultOutput& standardOutput,
-                       const WritePage& write) {
+                       const PageWriting& write) {
     if (report == "-") {
         write(standardOutput);
         return ExitStatus::Success;

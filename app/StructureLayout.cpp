@@ -1,5 +1,7 @@
 #include "StructureLayout.h"
 
+#include "BitLanes.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -12,8 +14,6 @@ using DataModel::ModelObject;
 using DataModel::ObjectId;
 using DataModel::ObjectKind;
 using Kind = LayoutEntry::Kind;
-
-constexpr std::uint64_t sBitsOfByte = 8;
 
 /// Larger positions come only from broken input: negative numbers cut to 32 bits.
 constexpr std::uint32_t sLargestBitOffset = 0x7FFFFFFF;
@@ -125,6 +125,10 @@ private:
 };
 
 } // namespace
+
+bool IsClass(ObjectKind kind) {
+    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
+}
 
 bool IsMember(ObjectKind kind) {
     return kind == ObjectKind::Member || kind == ObjectKind::UnionMember ||

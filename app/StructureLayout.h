@@ -32,6 +32,9 @@ struct LayoutEntry {
     std::uint64_t size = 0;
 };
 
+/// True for a class, structure or union.
+bool IsClass(DataModel::ObjectKind kind);
+
 /// True for an object with a place in a class, structure or union.
 bool IsMember(DataModel::ObjectKind kind);
 

@@ -27,15 +27,11 @@ using DataModel::ObjectKind;
 /// Where comments begin, in characters; longer declarations push theirs to the right.
 constexpr std::size_t sCommentColumn = 44;
 /// Types without a name are written within each other to this depth.
-constexpr std::size_t sDeepestNesting = 32;
+constexpr std::size_t sDeepestUnnamedType = 32;
 constexpr std::size_t sLongestArrayChain = 1000;
 constexpr std::string_view sCommentEnd = " */";
 constexpr std::string_view sCommentCode = "\x1B[36m";
-constexpr std::string_view sEndCode = "\x1B[0m";
-
-bool IsClass(ObjectKind kind) {
-    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
-}
+constexpr std::string_view sCommentEndCode = "\x1B[0m";
 
 bool IsListed(ObjectKind kind) {
     return IsClass(kind) || kind == ObjectKind::Enum || kind == ObjectKind::Typedef;
@@ -151,7 +147,7 @@ public:
         : mModel(model)
         , mFilter(names)
         , mCommentCode(isColoured ? sCommentCode : std::string_view())
-        , mEndCode(isColoured ? sEndCode : std::string_view())
+        , mEndCode(isColoured ? sCommentEndCode : std::string_view())
         , mList(model)
         , mIsWritten(model.ObjectCount() + 1) {}
 
@@ -253,11 +249,11 @@ private:
         const ObjectId held = WithoutArrays(holder.type);
         const auto known = mHolders.find(held);
         return known != mHolders.end() && known->second == holder.id && !mIsWritten[held] &&
-               depth < sDeepestNesting;
+               depth < sDeepestUnnamedType;
     }
 
     /// Writes a typedef or a member, with the whole type if it is the holder of one.
-    // Calls itself through nameless types, no deeper than sDeepestNesting.
+    // Calls itself through nameless types, no deeper than sDeepestUnnamedType.
     // NOLINTNEXTLINE(misc-no-recursion)
     void WriteHeld(std::string_view lead, const ModelObject& holder, std::string_view name,
                    const std::string& comment, std::size_t depth) {

@@ -37,7 +37,7 @@ private:
 };
 
 /// The error of a read that must fail; output of the loading is discarded.
-ELFReadErrorEnum ErrorOf(const std::string& image) {
+ELFReadErrorEnum ErrorOfCoff(const std::string& image) {
     gElfReaderErrorFlag = ELFERR_UNKNOWN;
     testing::internal::CaptureStdout();
     const bool isGood = OpenedCoffFile(image).IsGood();
@@ -46,11 +46,11 @@ ELFReadErrorEnum ErrorOf(const std::string& image) {
     return gElfReaderErrorFlag;
 }
 
-ELFReadErrorEnum ErrorOf(const CoffImage& image) {
-    return ErrorOf(image.Build());
+ELFReadErrorEnum ErrorOfCoff(const CoffImage& image) {
+    return ErrorOfCoff(image.Build());
 }
 
-CoffImage SmallImage(ByteOrder byteOrder = ByteOrder::Little) {
+CoffImage SmallCoff(ByteOrder byteOrder = ByteOrder::Little) {
     return CoffImage(byteOrder).Section(".debug_info", "abcdef");
 }
 
@@ -91,7 +91,7 @@ TEST_F(CoffFileTest, HeadersAreLittleEndianWhateverTheTarget) {
 TEST_F(CoffFileTest, OneFlagAloneTellsTheByteOrder) {
     constexpr std::size_t sFlagsField = 18;
     const auto isBigEndian = [](const std::string& flags) {
-        return OpenedCoffFile(SmallImage().Build().replace(sFlagsField, 2, flags))->mIsMSBData;
+        return OpenedCoffFile(SmallCoff().Build().replace(sFlagsField, 2, flags))->mIsMSBData;
     };
     EXPECT_TRUE(isBigEndian("\0\x02"s));
     EXPECT_TRUE(isBigEndian("\xFF\xFF"));
@@ -109,7 +109,7 @@ TEST_F(CoffFileTest, TargetIdAndOptionDecideOnWordAddressing) {
                              Case{1, 0x9D, false}, Case{-16, 0x9D, false}}) {
         VElfOptions::mCoffDwarfAddressMode = each.mode;
         VElfOptions::mIncrementBitFieldAddress = 1;
-        OpenedCoffFile file(SmallImage().Target(each.targetId));
+        OpenedCoffFile file(SmallCoff().Target(each.targetId));
         EXPECT_EQ(file->mIsWordAddressedTarget, each.isWordAddressed) << each.targetId;
         EXPECT_EQ(VElfOptions::mIncrementBitFieldAddress, each.isWordAddressed ? 0 : 1);
     }
@@ -135,16 +135,16 @@ TEST_F(CoffFileTest, NamesAreTakenExactly) {
 }
 
 TEST_F(CoffFileTest, FaultsAreFoundInOrder) {
-    const std::string image = SmallImage().Build();
-    EXPECT_EQ(ErrorOf(""), ELFERR_SEEK_FAILED);
-    EXPECT_EQ(ErrorOf(image.substr(0, 23)), ELFERR_READ_FAILED);
-    EXPECT_EQ(ErrorOf(ElfImage().Section(".debug_info", "x").Build()), ELFERR_FILE_IS_ELF);
-    EXPECT_EQ(ErrorOf(std::string(24, '\x7F')), ELFERR_CORRUPTED);
+    const std::string image = SmallCoff().Build();
+    EXPECT_EQ(ErrorOfCoff(""), ELFERR_SEEK_FAILED);
+    EXPECT_EQ(ErrorOfCoff(image.substr(0, 23)), ELFERR_READ_FAILED);
+    EXPECT_EQ(ErrorOfCoff(ElfImage().Section(".debug_info", "x").Build()), ELFERR_FILE_IS_ELF);
+    EXPECT_EQ(ErrorOfCoff(std::string(24, '\x7F')), ELFERR_CORRUPTED);
 
     const CoffImage badName = CoffImage().Section(".text", "x", {.nameOffset = 0});
-    EXPECT_EQ(ErrorOf(badName), ELFERR_WRONG_READER);
-    EXPECT_EQ(ErrorOf(CoffImage(badName).StringTableLength(1000)), ELFERR_READ_FAILED);
-    EXPECT_EQ(ErrorOf(CoffImage(badName).StringTableLength(1000).SymbolCount(1000000)),
+    EXPECT_EQ(ErrorOfCoff(badName), ELFERR_WRONG_READER);
+    EXPECT_EQ(ErrorOfCoff(CoffImage(badName).StringTableLength(1000)), ELFERR_READ_FAILED);
+    EXPECT_EQ(ErrorOfCoff(CoffImage(badName).StringTableLength(1000).SymbolCount(1000000)),
               ELFERR_CORRUPTED);
 }
 
@@ -154,17 +154,17 @@ TEST_F(CoffFileTest, CountsAreHeldAgainstTheFileSizeIn32Bits) {
     std::string image = CoffImage().Section(".text", "").SymbolCount(0).Build();
     image.resize(18 * 5, '\0');
     image.replace(12, 1, "\x04");
-    EXPECT_NE(ErrorOf(image), ELFERR_CORRUPTED);
+    EXPECT_NE(ErrorOfCoff(image), ELFERR_CORRUPTED);
     image.replace(12, 1, "\x05");
-    EXPECT_EQ(ErrorOf(image), ELFERR_CORRUPTED);
+    EXPECT_EQ(ErrorOfCoff(image), ELFERR_CORRUPTED);
     image.replace(12, 1, "\x00"s);
     image.resize(96, '\0');
     image.replace(2, 1, "\x02");
-    EXPECT_EQ(ErrorOf(image), ELFERR_CORRUPTED);
+    EXPECT_EQ(ErrorOfCoff(image), ELFERR_CORRUPTED);
     image.push_back('\0');
-    EXPECT_EQ(ErrorOf(image), ELFERR_READ_FAILED);
+    EXPECT_EQ(ErrorOfCoff(image), ELFERR_READ_FAILED);
     // Times 18 it is 14 in 32 bits; the table that it promises begins beyond the file.
-    EXPECT_EQ(ErrorOf(CoffImage().Section(".text", "").SymbolCount(0x0E38E38F)),
+    EXPECT_EQ(ErrorOfCoff(CoffImage().Section(".text", "").SymbolCount(0x0E38E38F)),
               ELFERR_SEEK_FAILED);
 }
 
@@ -173,15 +173,15 @@ TEST_F(CoffFileTest, LongNamesLieInTheStringTableOrFail) {
         return CoffImage().Section(".debug_info", "x").Section("", "y", {.nameOffset = offset});
     };
     // The table has 4 bytes of length and 12 of the name.
-    EXPECT_EQ(ErrorOf(named(0)), ELFERR_WRONG_READER);
+    EXPECT_EQ(ErrorOfCoff(named(0)), ELFERR_WRONG_READER);
     EXPECT_TRUE(OpenedCoffFile(named(1)).IsGood());
     EXPECT_TRUE(OpenedCoffFile(named(16)).IsGood());
-    EXPECT_EQ(ErrorOf(named(17)), ELFERR_WRONG_READER);
-    EXPECT_EQ(ErrorOf(named(0x80000000)), ELFERR_WRONG_READER);
+    EXPECT_EQ(ErrorOfCoff(named(17)), ELFERR_WRONG_READER);
+    EXPECT_EQ(ErrorOfCoff(named(0x80000000)), ELFERR_WRONG_READER);
     OpenedCoffFile again(named(4));
     EXPECT_EQ(again->mSecDebugInfo.sh_offset, 22U + 2 * 48 + 1);
     // A truncated table cuts the name at its end.
-    OpenedCoffFile cut(SmallImage().StringTableLength(10));
+    OpenedCoffFile cut(SmallCoff().StringTableLength(10));
     EXPECT_TRUE(cut.IsGood());
     EXPECT_TRUE(cut->mSecDebug.IsPresent());
     EXPECT_FALSE(cut->mSecDebugInfo.IsPresent());

@@ -8,6 +8,7 @@
 #include "support/NodeTree.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
+#include "support/UsualEntries.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,10 +26,6 @@ class DwarfDecodingTest : public testing::Test {
 protected:
     ScopedReaderState mState;
 };
-
-Die UnitDie(std::vector<Die> children, std::vector<DieAttribute> attributes = {Name("unit")}) {
-    return Die(DW_TAG_compile_unit, std::move(attributes), std::move(children));
-}
 
 /// The outline of the entries of one unit.
 std::vector<std::string> OutlineOf(const DwarfSections& sections) {

@@ -34,13 +34,12 @@ private:
     bool mResult;
 };
 
-ElfImage SmallImage(ElfClass elfClass = ElfClass::Class32,
-                    ByteOrder byteOrder = ByteOrder::Little) {
+ElfImage SmallElf(ElfClass elfClass = ElfClass::Class32, ByteOrder byteOrder = ByteOrder::Little) {
     return ElfImage(elfClass, byteOrder).Symbol({"gSpeed", 0x1000, 4});
 }
 
 /// The error of a read that must fail; standard output is thrown away.
-ELFReadErrorEnum ErrorOf(const std::string& image) {
+ELFReadErrorEnum ErrorOfElf(const std::string& image) {
     gElfReaderErrorFlag = ELFERR_UNKNOWN;
     testing::internal::CaptureStdout();
     const bool isGood = OpenedFile(image).IsGood();
@@ -49,8 +48,8 @@ ELFReadErrorEnum ErrorOf(const std::string& image) {
     return gElfReaderErrorFlag;
 }
 
-ELFReadErrorEnum ErrorOf(const ElfImage& image) {
-    return ErrorOf(image.Build());
+ELFReadErrorEnum ErrorOfElf(const ElfImage& image) {
+    return ErrorOfElf(image.Build());
 }
 
 class ElfFileTest : public testing::Test {
@@ -60,7 +59,7 @@ class ElfFileTest : public testing::Test {
 TEST_F(ElfFileTest, ReadsHeadersOfEachClassAndByteOrder) {
     for (const ElfClass elfClass : {ElfClass::Class32, ElfClass::Class64}) {
         for (const ByteOrder byteOrder : {ByteOrder::Little, ByteOrder::Big}) {
-            OpenedFile file(SmallImage(elfClass, byteOrder)
+            OpenedFile file(SmallElf(elfClass, byteOrder)
                                 .Machine(8)
                                 .Section(".debug_info", "abcdef", {.entrySize = 7}));
             ASSERT_TRUE(file.IsGood());
@@ -86,7 +85,7 @@ TEST_F(ElfFileTest, MachineDecidesTargetProperties) {
     };
     for (const Case& each :
          {Case{141, true, false}, Case{118, false, true}, Case{40, false, false}}) {
-        OpenedFile file(SmallImage().Machine(each.machine));
+        OpenedFile file(SmallElf().Machine(each.machine));
         EXPECT_EQ(file->mIsWordAddressedTarget, each.isWordAddressed) << each.machine;
         EXPECT_EQ(file->mIsDsPicTarget, each.isDsPic) << each.machine;
     }
@@ -94,50 +93,48 @@ TEST_F(ElfFileTest, MachineDecidesTargetProperties) {
 
 TEST_F(ElfFileTest, FirstWrongByteOfTheIdentificationDecidesTheError) {
     for (std::size_t index = 0; index < 4; ++index) {
-        EXPECT_EQ(ErrorOf(SmallImage().Patch(index, "x")), ELFERR_NOT_ELF) << index;
+        EXPECT_EQ(ErrorOfElf(SmallElf().Patch(index, "x")), ELFERR_NOT_ELF) << index;
     }
     // Class, encoding and version.
-    const auto identification = [](const std::string& bytes) {
-        return SmallImage().Patch(4, bytes);
-    };
-    EXPECT_EQ(ErrorOf(identification("\0\0\5"s)), ELFERR_ELF_CLASS);
-    EXPECT_EQ(ErrorOf(identification("\3")), ELFERR_ELF_CLASS);
-    EXPECT_EQ(ErrorOf(identification("\1\0\5"s)), ELFERR_BYTE_ENCODING);
-    EXPECT_EQ(ErrorOf(identification("\1\1\2")), ELFERR_ELF_VERSION);
-    EXPECT_EQ(ErrorOf(identification("\1\1\xFF")), ELFERR_ELF_VERSION);
+    const auto identification = [](const std::string& bytes) { return SmallElf().Patch(4, bytes); };
+    EXPECT_EQ(ErrorOfElf(identification("\0\0\5"s)), ELFERR_ELF_CLASS);
+    EXPECT_EQ(ErrorOfElf(identification("\3")), ELFERR_ELF_CLASS);
+    EXPECT_EQ(ErrorOfElf(identification("\1\0\5"s)), ELFERR_BYTE_ENCODING);
+    EXPECT_EQ(ErrorOfElf(identification("\1\1\2")), ELFERR_ELF_VERSION);
+    EXPECT_EQ(ErrorOfElf(identification("\1\1\xFF")), ELFERR_ELF_VERSION);
     // Version 0 passes, and every encoding but 2 is little-endian.
     EXPECT_TRUE(OpenedFile(identification("\1\7\0"s)).IsGood());
 }
 
 TEST_F(ElfFileTest, TooShortFilesFailInReading) {
-    const std::string image = SmallImage().Build();
-    EXPECT_EQ(ErrorOf(""), ELFERR_SEEK_FAILED);
-    EXPECT_EQ(ErrorOf(image.substr(0, 40)), ELFERR_READ_FAILED);
-    EXPECT_EQ(ErrorOf(image.substr(0, 51)), ELFERR_READ_FAILED);
-    EXPECT_EQ(ErrorOf(SmallImage(ElfClass::Class64).Build().substr(0, 60)), ELFERR_READ_FAILED);
+    const std::string image = SmallElf().Build();
+    EXPECT_EQ(ErrorOfElf(""), ELFERR_SEEK_FAILED);
+    EXPECT_EQ(ErrorOfElf(image.substr(0, 40)), ELFERR_READ_FAILED);
+    EXPECT_EQ(ErrorOfElf(image.substr(0, 51)), ELFERR_READ_FAILED);
+    EXPECT_EQ(ErrorOfElf(SmallElf(ElfClass::Class64).Build().substr(0, 60)), ELFERR_READ_FAILED);
     // The section table is the last thing in the file.
-    EXPECT_EQ(ErrorOf(image.substr(0, image.size() - 1)), ELFERR_READ_FAILED);
-    EXPECT_EQ(ErrorOf(SmallImage().Patch(sSectionOffsetField32, "\xFF\xFF\xFF\x7F"s)),
+    EXPECT_EQ(ErrorOfElf(image.substr(0, image.size() - 1)), ELFERR_READ_FAILED);
+    EXPECT_EQ(ErrorOfElf(SmallElf().Patch(sSectionOffsetField32, "\xFF\xFF\xFF\x7F"s)),
               ELFERR_SEEK_FAILED);
 }
 
 TEST_F(ElfFileTest, MissingSectionsAreToldApart) {
-    EXPECT_EQ(ErrorOf(ElfImage().Section(".text", "code")), ELFERR_NO_SYMTAB);
-    EXPECT_EQ(ErrorOf(SmallImage().WithoutStringTable()), ELFERR_NO_STRTAB);
-    EXPECT_EQ(ErrorOf(SmallImage().SectionNamesIndex(65535)), ELFERR_NO_SYMTAB);
+    EXPECT_EQ(ErrorOfElf(ElfImage().Section(".text", "code")), ELFERR_NO_SYMTAB);
+    EXPECT_EQ(ErrorOfElf(SmallElf().WithoutStringTable()), ELFERR_NO_STRTAB);
+    EXPECT_EQ(ErrorOfElf(SmallElf().SectionNamesIndex(65535)), ELFERR_NO_SYMTAB);
     for (const char* debugSection : {".debug_info", ".debug", ".vdebug"}) {
         EXPECT_TRUE(OpenedFile(ElfImage().Section(debugSection, "x")).IsGood()) << debugSection;
     }
-    EXPECT_EQ(ErrorOf(ElfImage().Section(".debug_infox", "x")), ELFERR_NO_SYMTAB);
+    EXPECT_EQ(ErrorOfElf(ElfImage().Section(".debug_infox", "x")), ELFERR_NO_SYMTAB);
 }
 
 TEST_F(ElfFileTest, LastSectionOfANameWins) {
-    OpenedFile file(SmallImage().Section(".debug_info", "first").Section(".debug_info", "2nd"));
+    OpenedFile file(SmallElf().Section(".debug_info", "first").Section(".debug_info", "2nd"));
     EXPECT_EQ(file->mSecDebugInfo.sh_size, 3U);
 }
 
 TEST_F(ElfFileTest, OneTableMayHoldSectionNamesAndSymbolNames) {
-    OpenedFile file(SmallImage().SharedStringTable());
+    OpenedFile file(SmallElf().SharedStringTable());
     ASSERT_TRUE(file.IsGood());
     EXPECT_EQ(file->mSecStrtab.sh_offset, file->mSecShstrtab.sh_offset);
     ASSERT_TRUE(file->LoadStrTabSection());
@@ -156,16 +153,16 @@ TEST_F(ElfFileTest, ExtendedNumberingReachesEverySection) {
 }
 
 TEST_F(ElfFileTest, WrongOffsetsOfSectionNamesAreSurvived) {
-    EXPECT_EQ(ErrorOf(ElfImage().Section(".debug_info", "x", {.nameOffset = 0xFFFFFFFF})),
+    EXPECT_EQ(ErrorOfElf(ElfImage().Section(".debug_info", "x", {.nameOffset = 0xFFFFFFFF})),
               ELFERR_NO_SYMTAB);
-    OpenedFile file(SmallImage().Section(".debug_info", "x", {.nameOffset = 0x7FFFFFFF}));
+    OpenedFile file(SmallElf().Section(".debug_info", "x", {.nameOffset = 0x7FFFFFFF}));
     EXPECT_TRUE(file.IsGood());
     EXPECT_FALSE(file->mSecDebugInfo.IsPresent());
 }
 
 TEST_F(ElfFileTest, LongPathsAreCutInTheNameAlone) {
     const TemporaryFolder folder;
-    folder.Write("image.elf", SmallImage().Build());
+    folder.Write("image.elf", SmallElf().Build());
     std::string name;
     for (int repetition = 0; repetition < 150; ++repetition) {
         name += "./";

@@ -66,7 +66,7 @@ TEST_F(FullDecodingTest, OneTreeIsDeliveredAlikeFromBothVersions) {
     EXPECT_THAT(refused.message, HasSubstr("Not supported DWARF version"));
 }
 
-struct FormCase {
+struct TextFormCase {
     std::uint32_t form;
     /// A number or the text.
     DieAttribute::Value value;
@@ -105,7 +105,7 @@ private:
 
 /// The name in a form; "-" if there is none. The size shows that exactly the form's bytes were
 /// consumed.
-std::string NameInForm(const FormCase& example, bool is64BitDwarf = false) {
+std::string NameInForm(const TextFormCase& example, bool is64BitDwarf = false) {
     const ModernEntry node(DW_TAG_base_type,
                            {{DW_AT_name, example.form, example.value}, ByteSize(0x55)},
                            is64BitDwarf);
@@ -114,7 +114,7 @@ std::string NameInForm(const FormCase& example, bool is64BitDwarf = false) {
 }
 
 TEST_F(FullDecodingTest, TextsOfAllForms) {
-    const std::vector<FormCase> cases = {
+    const std::vector<TextFormCase> cases = {
         {DW_FORM_strx, "second", "second"},
         {DW_FORM_strx1, "first", "first"},
         {DW_FORM_strx2, "second", "second"},
@@ -130,7 +130,7 @@ TEST_F(FullDecodingTest, TextsOfAllForms) {
         {DW_FORM_strp_sup, std::uint64_t{0}, "-"},
         {DW_FORM_GNU_strp_alt, std::uint64_t{0}, "-"},
     };
-    for (const FormCase& example : cases) {
+    for (const TextFormCase& example : cases) {
         EXPECT_EQ(NameInForm(example), example.name) << "form " << example.form;
     }
     EXPECT_EQ(NameInForm({DW_FORM_line_strp, "wide", "wide"}, true), "wide");

@@ -16,7 +16,6 @@ using testing::IsEmpty;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-using DataModel::ByteOrder;
 using DataModel::SectionKind;
 using enum DWARFContainerType;
 using Bytes = std::vector<std::uint8_t>;
@@ -50,21 +49,46 @@ TEST_F(ImageDescriptionTest, EachContainerTellsTargetSectionsAndBytes) {
         DWARFContainerType container;
         std::uint16_t machine;
         bool is64Bit;
-        ByteOrder byteOrder;
+        DataModel::ByteOrder byteOrder;
         Bytes machineWord;
     };
     const std::vector<Sample> samples = {
-        {"arm-c-dwarf4-O0.elf", Container_ELF, 40, false, ByteOrder::Little, {6, 0, 0, 0}},
-        {"powerpc-c-dwarf2-O0.elf", Container_ELF, 20, false, ByteOrder::Big, {0, 0, 0, 6}},
+        {"arm-c-dwarf4-O0.elf",
+         Container_ELF,
+         40,
+         false,
+         DataModel::ByteOrder::Little,
+         {6, 0, 0, 0}},
+        {"powerpc-c-dwarf2-O0.elf",
+         Container_ELF,
+         20,
+         false,
+         DataModel::ByteOrder::Big,
+         {0, 0, 0, 6}},
         {"x86_64-c-dwarf4-O0.elf",
          Container_ELF,
          62,
          true,
-         ByteOrder::Little,
+         DataModel::ByteOrder::Little,
          {6, 0, 0, 0, 0, 0, 0, 0}},
-        {"i686-c-dwarf2-O0.exe", Container_PE, 0x14C, false, ByteOrder::Little, {6, 0, 0, 0}},
-        {"i686-c-dwarf4-O2.dll", Container_PE, 0x14C, false, ByteOrder::Little, {6, 0, 0, 0}},
-        {"x86_64-c-dwarf2-O2.dll", Container_PE, 0x8664, true, ByteOrder::Little, {6, 0, 0, 0}},
+        {"i686-c-dwarf2-O0.exe",
+         Container_PE,
+         0x14C,
+         false,
+         DataModel::ByteOrder::Little,
+         {6, 0, 0, 0}},
+        {"i686-c-dwarf4-O2.dll",
+         Container_PE,
+         0x14C,
+         false,
+         DataModel::ByteOrder::Little,
+         {6, 0, 0, 0}},
+        {"x86_64-c-dwarf2-O2.dll",
+         Container_PE,
+         0x8664,
+         true,
+         DataModel::ByteOrder::Little,
+         {6, 0, 0, 0}},
     };
     for (const Sample& sample : samples) {
         SCOPED_TRACE(sample.name);

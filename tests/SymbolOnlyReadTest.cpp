@@ -23,15 +23,15 @@ protected:
     ScopedReaderState mState;
 };
 
-ReadRun ReadImage(const ElfImage& image) {
-    return Tests::ReadImage(image.Build());
+ReadRun ReadElf(const ElfImage& image) {
+    return ReadImage(image.Build());
 }
 
 TEST_F(SymbolOnlyReadTest, EveryCallReachesTheHostInOrder) {
-    const ReadRun run = ReadImage(ElfImage(ElfClass::Class64, ByteOrder::Big)
-                                      .Symbol({"gSpeed", 0x1'0000'1000, 4})
-                                      .Symbol({"gTable", 0x2000, 4})
-                                      .Symbol({"gMarker", 0x3000, 0, sLocalObject}));
+    const ReadRun run = ReadElf(ElfImage(ElfClass::Class64, ByteOrder::Big)
+                                    .Symbol({"gSpeed", 0x1'0000'1000, 4})
+                                    .Symbol({"gTable", 0x2000, 4})
+                                    .Symbol({"gMarker", 0x3000, 0, sLocalObject}));
     EXPECT_TRUE(run.result);
     EXPECT_THAT(run.signals, testing::IsEmpty());
     EXPECT_EQ(run.standardOutput, "");
@@ -61,19 +61,19 @@ TEST_F(SymbolOnlyReadTest, EveryCallReachesTheHostInOrder) {
 }
 
 TEST_F(SymbolOnlyReadTest, OnlyNamedDataWithAnAddressOfItsOwnIsDelivered) {
-    const ReadRun run = ReadImage(ElfImage()
-                                      .Symbol({"kept", 0x10, 1})
-                                      .Symbol({"atNull", 0, 4})
-                                      .Symbol({"label", 0x20, 4, sNoType})
-                                      .Symbol({"function", 0x24, 4, sFunction})
-                                      .Symbol({"", 0x28, 4})
-                                      .Symbol({"_ZTV3Foo", 0x2C, 4})
-                                      .Symbol({"__vtbl__3Foo", 0x30, 4})
-                                      .Symbol({"_ZTI3Foo", 0x34, 4})
-                                      .Symbol({"vtbl_ZTV", 0x38, 4})
-                                      .Symbol({"kept", 0x3C, 4})
-                                      .Symbol({"alias", 0x10, 4})
-                                      .Symbol({"_last", 0x40, 8}));
+    const ReadRun run = ReadElf(ElfImage()
+                                    .Symbol({"kept", 0x10, 1})
+                                    .Symbol({"atNull", 0, 4})
+                                    .Symbol({"label", 0x20, 4, sNoType})
+                                    .Symbol({"function", 0x24, 4, sFunction})
+                                    .Symbol({"", 0x28, 4})
+                                    .Symbol({"_ZTV3Foo", 0x2C, 4})
+                                    .Symbol({"__vtbl__3Foo", 0x30, 4})
+                                    .Symbol({"_ZTI3Foo", 0x34, 4})
+                                    .Symbol({"vtbl_ZTV", 0x38, 4})
+                                    .Symbol({"kept", 0x3C, 4})
+                                    .Symbol({"alias", 0x10, 4})
+                                    .Symbol({"_last", 0x40, 8}));
     EXPECT_TRUE(run.result);
     EXPECT_THAT(run.Variables(),
                 ElementsAre("kept@10:1", "_ZTI3Foo@34:4", "vtbl_ZTV@38:4", "_last@40:8"));
@@ -88,7 +88,7 @@ TEST_F(SymbolOnlyReadTest, OptionsChangeTheDeliveredNames) {
                                // Virtual tables are recognized by the delivered name.
                                .Symbol({"__ZTVx", 0x50, 4})
                                .Symbol({"_ZTVx", 0x60, 4});
-    const auto names = [&] { return ReadImage(image).Variables(); };
+    const auto names = [&] { return ReadElf(image).Variables(); };
     for (const std::int32_t isOn : {1, 2, -1}) {
         VElfOptions::mRemoveLeadingUnderscore = isOn;
         EXPECT_THAT(names(),
@@ -122,9 +122,9 @@ TEST_F(SymbolOnlyReadTest, ReadsIntoOneModelShareTheScopeOfTheSymbols) {
 }
 
 TEST_F(SymbolOnlyReadTest, LongNamesAreCut) {
-    const ReadRun run = ReadImage(ElfImage()
-                                      .Symbol({std::string(3000, 'n'), 0x10, 4})
-                                      .Symbol({std::string(2047, 'n'), 0x20, 4}));
+    const ReadRun run = ReadElf(ElfImage()
+                                    .Symbol({std::string(3000, 'n'), 0x10, 4})
+                                    .Symbol({std::string(2047, 'n'), 0x20, 4}));
     EXPECT_THAT(run.Variables(), ElementsAre(std::string(2047, 'n') + "@10:4"));
 }
 
@@ -171,20 +171,20 @@ TEST_F(SymbolOnlyReadTest, FailuresReachTheHostInItsLanguage) {
          "this reader. Please use base version of ELF/DWARF reader to read this file."},
     };
     for (const Case& each : cases) {
-        const ReadRun run = ReadImage(each.image);
+        const ReadRun run = ReadElf(each.image);
         EXPECT_FALSE(run.result);
         EXPECT_THAT(run.signals, ElementsAre("2 4112 '' '" + each.message + "'"));
     }
     VElfResourceManager::Instance().SetLanguage(49);
-    EXPECT_EQ(ReadImage(ElfImage().Section(".text", "x")).message,
+    EXPECT_EQ(ReadElf(ElfImage().Section(".text", "x")).message,
               "Die ELF-Datei enthält keine .symtab Section.");
 }
 
 TEST_F(SymbolOnlyReadTest, WhatWasDeliveredBeforeAFailureStays) {
-    const ReadRun run = ReadImage(ElfImage(ElfClass::Class64)
-                                      .Symbol({"good", 0x10, 4})
-                                      .Symbol({"huge", 0x20, 0x100000000})
-                                      .Symbol({"unread", 0x30, 4}));
+    const ReadRun run = ReadElf(ElfImage(ElfClass::Class64)
+                                    .Symbol({"good", 0x10, 4})
+                                    .Symbol({"huge", 0x20, 0x100000000})
+                                    .Symbol({"unread", 0x30, 4}));
     EXPECT_FALSE(run.result);
     EXPECT_EQ(run.message,
               "Input ELF-File contains 64 bit offset or size attribute overriding 32-bit "
@@ -195,9 +195,9 @@ TEST_F(SymbolOnlyReadTest, WhatWasDeliveredBeforeAFailureStays) {
 TEST_F(SymbolOnlyReadTest, NamesBeyondTheStringTableAreSkipped) {
     ElfImage image;
     image.Symbol({"first", 0x10, 4}).Symbol({"second", 0x20, 4}).StringTable({.size = 7});
-    EXPECT_THAT(ReadImage(image).Variables(), ElementsAre("first@10:4"));
+    EXPECT_THAT(ReadElf(image).Variables(), ElementsAre("first@10:4"));
     image.StringTable({.size = 4});
-    EXPECT_THAT(ReadImage(image).Variables(), ElementsAre("fir@10:4"));
+    EXPECT_THAT(ReadElf(image).Variables(), ElementsAre("fir@10:4"));
 }
 
 TEST_F(SymbolOnlyReadTest, RecordThatIsCutOffEndsTheTableQuietly) {
@@ -205,7 +205,7 @@ TEST_F(SymbolOnlyReadTest, RecordThatIsCutOffEndsTheTableQuietly) {
                                .Symbol({"first", 0x10, 4})
                                .Symbol({"second", 0x20, 4})
                                .SymbolTable({.size = 47, .entrySize = 1});
-    const ReadRun run = ReadImage(image);
+    const ReadRun run = ReadElf(image);
     EXPECT_TRUE(run.result);
     EXPECT_THAT(run.Variables(), ElementsAre("first@10:4"));
 }
@@ -213,7 +213,7 @@ TEST_F(SymbolOnlyReadTest, RecordThatIsCutOffEndsTheTableQuietly) {
 TEST_F(SymbolOnlyReadTest, SymbolTableOutsideTheFileCountsAsEmpty) {
     for (const ElfSectionOverrides& outside :
          {ElfSectionOverrides{.offset = 0x100000}, ElfSectionOverrides{.size = 0x100000}}) {
-        const ReadRun run = ReadImage(ElfImage().Symbol({"a", 0x10, 4}).SymbolTable(outside));
+        const ReadRun run = ReadElf(ElfImage().Symbol({"a", 0x10, 4}).SymbolTable(outside));
         EXPECT_TRUE(run.result);
         EXPECT_THAT(run.signals, testing::IsEmpty());
         EXPECT_THAT(run.Variables(), testing::IsEmpty());

@@ -6,6 +6,7 @@
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/SectionRun.h"
+#include "support/UsualEntries.h"
 
 #include <cstddef>
 #include <gmock/gmock.h>
@@ -20,19 +21,11 @@ using testing::ElementsAre;
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-Die Unit(std::vector<Die> entries) {
-    return Die(DW_TAG_compile_unit, {Name("a.cpp")}, std::move(entries));
-}
-
-Die Int(DieLabel label) {
-    return Die(label, DW_TAG_base_type, {Name("int"), ByteSize(4), Encoding(DW_ATE_signed)});
-}
-
 Die Member(const std::string& name, DieLabel type) {
     return Die(DW_TAG_member, {Name(name), Type(type), MemberOffset(0)});
 }
 
-Die Variable(const std::string& name, DieLabel type, std::uint32_t address = 0x1000) {
+Die StaticVariable(const std::string& name, DieLabel type, std::uint32_t address = 0x1000) {
     return Die(DW_TAG_variable, {Name(name), Type(type), Address(address)});
 }
 
@@ -53,7 +46,7 @@ Tree EverythingOfABody() {
     const DieLabel state;
     const DieLabel motor;
     return {"members, base classes, enumerators and functions",
-            DwarfSections().Unit({Unit({
+            DwarfSections().Unit({UnitDie({
                 Int(number),
                 Die(base, DW_TAG_class_type, {Name("Base"), ByteSize(4)}, {Member("id", number)}),
                 Die(motor, DW_TAG_class_type, {Name("Motor"), ByteSize(12)},
@@ -71,7 +64,7 @@ Tree EverythingOfABody() {
                         Die(state, DW_TAG_enumeration_type, {Name("State"), ByteSize(4)},
                             {Die(DW_TAG_enumerator, {Name("on"), ConstValue(1)})}),
                     }),
-                Variable("motor", motor),
+                StaticVariable("motor", motor),
             })}),
             "AddEnumDescriptionToEnumTable"};
 }
@@ -82,10 +75,10 @@ Tree DefinitionOfADeclaration() {
     return {
         "a definition in another unit",
         DwarfSections()
-            .Unit({Unit({Die(declaration, DW_TAG_structure_type, {Name("Motor"), Declaration()}),
-                         Variable("motor", declaration)})})
-            .Unit({Unit({Int(number), Die(DW_TAG_structure_type, {Name("Motor"), ByteSize(4)},
-                                          {Member("speed", number)})})}),
+            .Unit({UnitDie({Die(declaration, DW_TAG_structure_type, {Name("Motor"), Declaration()}),
+                            StaticVariable("motor", declaration)})})
+            .Unit({UnitDie({Int(number), Die(DW_TAG_structure_type, {Name("Motor"), ByteSize(4)},
+                                             {Member("speed", number)})})}),
         "speed"};
 }
 
@@ -93,7 +86,7 @@ Tree FunctionOfABody(std::uint32_t attribute) {
     const DieLabel number;
     const DieLabel declared;
     return {"a static variable in a function that a class declares",
-            DwarfSections().Unit({Unit({
+            DwarfSections().Unit({UnitDie({
                 Int(number),
                 Die(DW_TAG_class_type, {Name("Motor"), ByteSize(4)},
                     {
@@ -101,7 +94,7 @@ Tree FunctionOfABody(std::uint32_t attribute) {
                         Die(declared, DW_TAG_subprogram, {Name("Start"), Declaration()}),
                     }),
                 Die(DW_TAG_subprogram, {Reference(attribute, DW_FORM_ref4, declared)},
-                    {Variable("count", number)}),
+                    {StaticVariable("count", number)}),
             })}),
             "count"};
 }
@@ -110,7 +103,7 @@ Tree StaticMember() {
     const DieLabel number;
     const DieLabel declared;
     return {"the definition of a static member",
-            DwarfSections().Unit({Unit({
+            DwarfSections().Unit({UnitDie({
                 Int(number),
                 Die(DW_TAG_class_type, {Name("Motor"), ByteSize(4)},
                     {
@@ -130,7 +123,7 @@ Tree AnonymousTypeOfTwo() {
     const DieLabel nested;
     const DieLabel motor;
     return {"an anonymous type that a body refers to which isn't read",
-            DwarfSections().Unit({Unit({
+            DwarfSections().Unit({UnitDie({
                 Int(number),
                 Die(anonymous, DW_TAG_structure_type, {ByteSize(4)},
                     {Member("x", number),
@@ -139,8 +132,8 @@ Tree AnonymousTypeOfTwo() {
                     {Die(DW_TAG_member, {Type(anonymous), MemberOffset(0)})}),
                 Die(DW_TAG_structure_type, {Name("Other"), ByteSize(4)},
                     {Die(DW_TAG_member, {Type(anonymous), MemberOffset(0)})}),
-                Variable("motor", motor),
-                Variable("state", nested, 0x2000),
+                StaticVariable("motor", motor),
+                StaticVariable("state", nested, 0x2000),
             })}),
             "state"};
 }
@@ -153,7 +146,7 @@ Tree AnonymousTypeOfAHolderWithoutVariable() {
     const DieLabel declared;
     return {
         "an anonymous type that is a scope, and whose holder no variable leads to",
-        DwarfSections().Unit({Unit({
+        DwarfSections().Unit({UnitDie({
             Int(number),
             Die(anonymous, DW_TAG_structure_type, {ByteSize(4)},
                 {Member("x", number),
@@ -173,7 +166,7 @@ Tree TypeAroundACompletedFunction() {
     const DieLabel declared;
     return {
         "a typedef beside a function of a local type",
-        DwarfSections().Unit({Unit({
+        DwarfSections().Unit({UnitDie({
             Int(number),
             Die(other, DW_TAG_structure_type, {Name("Other"), ByteSize(4)}, {Member("x", number)}),
             Die(DW_TAG_class_type, {Name("Motor"), ByteSize(4)},
@@ -181,7 +174,7 @@ Tree TypeAroundACompletedFunction() {
                      {Die(DW_TAG_structure_type, {Name("Local"), ByteSize(4)},
                           {Die(DW_TAG_typedef, {Name("Alias"), Type(other)}),
                            Die(declared, DW_TAG_subprogram, {Name("Start"), Declaration()})})})}),
-            Die(DW_TAG_subprogram, {Specification(declared)}, {Variable("count", number)}),
+            Die(DW_TAG_subprogram, {Specification(declared)}, {StaticVariable("count", number)}),
         })}),
         "Other"};
 }
@@ -191,12 +184,12 @@ Tree ReferenceIntoABody() {
     const DieLabel member;
     const DieLabel alias;
     return {"a typedef of a member, as damaged files have it",
-            DwarfSections().Unit({Unit({
+            DwarfSections().Unit({UnitDie({
                 Int(number),
                 Die(DW_TAG_structure_type, {Name("Motor"), ByteSize(4)},
                     {Die(member, DW_TAG_member, {Name("speed"), Type(number)})}),
                 Die(alias, DW_TAG_typedef, {Name("Alias"), Type(member)}),
-                Variable("motor", alias),
+                StaticVariable("motor", alias),
             })}),
             "Alias"};
 }
@@ -207,14 +200,14 @@ Tree BitFieldThatDependsOnOthers() {
     const DieLabel motor;
     return {
         "a bit field whose place depends on another body",
-        DwarfSections().Unit({Unit({
+        DwarfSections().Unit({UnitDie({
             Die(DW_TAG_structure_type, {Name("Other"), ByteSize(8)}, {Member("all", array)}),
             Die(motor, DW_TAG_structure_type, {Name("Motor"), ByteSize(8)},
                 {Die(DW_TAG_member,
                      {Name("bits"), Type(array), ByteSize(0), BitSize(4), BitOffset(0)})}),
             Die(array, DW_TAG_array_type, {Type(base)}, {Die(DW_TAG_subrange_type, {Count(2)})}),
             Int(base),
-            Variable("motor", motor),
+            StaticVariable("motor", motor),
         })}),
         "bits"};
 }
@@ -256,7 +249,7 @@ TEST(TypeBodiesTest, OnlyBodiesThatVariablesLeadToHaveNodes) {
     const DieLabel motor;
     SectionRun run(
         ElfImage() +
-        DwarfSections().Unit({Unit({
+        DwarfSections().Unit({UnitDie({
             Int(number),
             Die(motor, DW_TAG_class_type, {Name("Motor"), ByteSize(4)}, {Member("speed", number)}),
             Die(DW_TAG_class_type, {Name("Other"), ByteSize(4)},
@@ -267,7 +260,7 @@ TEST(TypeBodiesTest, OnlyBodiesThatVariablesLeadToHaveNodes) {
                     Die(DW_TAG_subprogram, {Name("g"), Declaration()},
                         {Die(DW_TAG_structure_type, {Name("Local")})}),
                 }),
-            Variable("motor", motor),
+            StaticVariable("motor", motor),
         })}));
     VDwarf2Section& section = run.Section();
     ASSERT_TRUE(run.Init() && section.MapCompileUnits());

@@ -10,7 +10,6 @@
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
 
-using DataModel::ByteOrder;
 using DataModel::ObjectId;
 using DataModel::ValueDecoder;
 using DataModel::ValueOrigin;
@@ -19,7 +18,7 @@ using Place = DataModel::Model::Place;
 
 class ValueDecoderTest : public testing::Test, public ModelBuilder {
 protected:
-    void SetByteOrder(ByteOrder byteOrder) {
+    void SetByteOrder(DataModel::ByteOrder byteOrder) {
         DataModel::ImageDescription image;
         image.byteOrder = byteOrder;
         mModel.DescribeImage(image);
@@ -84,9 +83,9 @@ TEST_F(ValueDecoderTest, NumbersAsTheirTypesTakeThem) {
         const std::string name = "v" + std::to_string(++number);
         Global(name, type, 0x1000);
         EXPECT_EQ(Decoded(name, bytes), value) << name;
-        SetByteOrder(ByteOrder::Big);
+        SetByteOrder(DataModel::ByteOrder::Big);
         EXPECT_EQ(Decoded(name, Bytes(bytes.rbegin(), bytes.rend())), value) << name;
-        SetByteOrder(ByteOrder::Little);
+        SetByteOrder(DataModel::ByteOrder::Little);
     }
 }
 
@@ -103,7 +102,7 @@ TEST_F(ValueDecoderTest, BitFieldsFromTheBytesThatHoldThem) {
     EXPECT_EQ(Decoded("fields.sign", {0x06}), "-2");
     EXPECT_EQ(Decoded("fields.spread", {0x20, 0, 0, 0, 0, 0, 0, 0, 0x10}), "9223372036854775809");
     EXPECT_EQ(Decoded("fields.broken", {1, 2, 3, 4}), "unknown");
-    SetByteOrder(ByteOrder::Big);
+    SetByteOrder(DataModel::ByteOrder::Big);
     EXPECT_EQ(Decoded("fields.wide", {0xC3, 0x5A}), "3125");
     EXPECT_EQ(Decoded("fields.spread", {0x10, 0, 0, 0, 0, 0, 0, 0, 0x20}), "9223372036854775809");
 }

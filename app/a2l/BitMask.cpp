@@ -8,8 +8,7 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
 
-constexpr std::int64_t sBitsOfByte = 8;
-constexpr std::uint64_t sLargestNumber = 8;
+constexpr std::int64_t sBitsPerByte = 8;
 /// No storage unit is larger, in bytes.
 constexpr std::uint64_t sLargestUnit = 64;
 
@@ -19,7 +18,7 @@ std::uint64_t Ones(std::uint64_t count) {
 
 /// The byte of the unit, little-endian, that holds the last bit of a field.
 std::int64_t LastByte(const DataModel::Model::Place& place) {
-    return (place.bitOffset + static_cast<std::int64_t>(place.bitSize) - 1) / sBitsOfByte;
+    return (place.bitOffset + static_cast<std::int64_t>(place.bitSize) - 1) / sBitsPerByte;
 }
 
 } // namespace
@@ -30,10 +29,10 @@ std::int64_t LastByte(const DataModel::Model::Place& place) {
 std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place, std::uint64_t size,
                                            bool isBigEndian,
                                            std::optional<std::uint64_t> wantedMask) {
-    const bool isSane = size >= 1 && size <= sLargestNumber && place.size >= 1 &&
+    const bool isSane = size >= 1 && size <= sLargestMaskedNumber && place.size >= 1 &&
                         place.size <= sLargestUnit &&
-                        place.bitOffset < sLargestUnit * sBitsOfByte && place.bitSize >= 1 &&
-                        place.bitSize <= sLargestNumber * sBitsOfByte;
+                        place.bitOffset < sLargestUnit * sBitsPerByte && place.bitSize >= 1 &&
+                        place.bitSize <= sLargestMaskedNumber * sBitsPerByte;
     if (!isSane) {
         return std::nullopt;
     }
@@ -47,9 +46,9 @@ std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place,
     for (std::int64_t start = std::min<std::int64_t>(spare, 0);
          start <= std::max<std::int64_t>({spare, 0, end}); ++start) {
         const std::int64_t behind = isBigEndian ? spare - start : start;
-        const std::int64_t shift = place.bitOffset - sBitsOfByte * behind;
+        const std::int64_t shift = place.bitOffset - sBitsPerByte * behind;
         const bool isInside =
-            shift >= 0 && static_cast<std::uint64_t>(shift) + place.bitSize <= size * sBitsOfByte;
+            shift >= 0 && static_cast<std::uint64_t>(shift) + place.bitSize <= size * sBitsPerByte;
         if (!isInside) {
             continue;
         }

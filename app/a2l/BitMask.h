@@ -8,6 +8,9 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
+/// Bytes of the largest number that a mask is applied to.
+inline constexpr std::uint64_t sLargestMaskedNumber = 8;
+
 /// An address and the bits that count in the number that is read there.
 struct MaskedPlace {
     std::uint64_t address = 0;

@@ -55,9 +55,6 @@ constexpr std::optional<Kind> KindOf(BasicTypes type) {
     }
 }
 
-/// No real type is made of more arrays of arrays.
-constexpr int sMostArrays = 64;
-
 } // namespace
 
 std::optional<Scalar> ScalarOfDatatype(std::string_view datatype) {

@@ -10,6 +10,9 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
+/// No real type is made of more arrays of arrays.
+inline constexpr int sMostArrays = 64;
+
 /// A scalar as far as A2L can describe it.
 struct Scalar {
     enum class Kind : std::uint8_t {

@@ -11,6 +11,7 @@
 #include "a2l/ExportText.h"
 #include "a2l/ExportTypes.h"
 #include "a2l/Identifiers.h"
+#include "a2l/Numbers.h"
 #include "a2l/SymbolIndex.h"
 #include "a2l/VariableNames.h"
 #include "core/FilePath.h"
@@ -18,7 +19,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <limits>
 #include <set>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -32,7 +32,6 @@ using DataModel::ObjectKind;
 using DataModel::SectionKind;
 
 constexpr std::size_t sDeepestNesting = 100;
-constexpr std::uint64_t sLargestAddress = std::numeric_limits<std::uint32_t>::max();
 
 /// Patterns of which at least one must match.
 class AnyFilter {

@@ -1,5 +1,6 @@
 #include "a2l/ExportTypes.h"
 
+#include "a2l/BitMask.h"
 #include "a2l/Datatypes.h"
 
 #include <algorithm>
@@ -14,8 +15,6 @@ using DataModel::ObjectId;
 using DataModel::ObjectKind;
 
 constexpr std::uint64_t sLargestShortMask = std::numeric_limits<std::uint32_t>::max();
-constexpr std::uint64_t sLargestNumber = 8;
-constexpr int sMostArrays = 64;
 
 /// True if a version knows a datatype.
 bool HasDatatype(Version version, std::string_view datatype) {
@@ -37,7 +36,7 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
     place.bitSize = member.bitSize;
     // First the storage unit as the program has it, then smaller parts of it.
     std::vector<std::uint64_t> sizes{size};
-    for (std::uint64_t other = sLargestNumber; other > 0; other /= 2) {
+    for (std::uint64_t other = sLargestMaskedNumber; other > 0; other /= 2) {
         sizes.push_back(other);
     }
     for (const std::uint64_t one : sizes) {
@@ -45,7 +44,7 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
         const auto found = FindMaskedPlace(place, one, isBigEndian, std::nullopt);
         // A number larger than the unit would be read beyond its end.
         if (found && one <= size && !datatype.empty() &&
-            (hasLongMasks || (found->mask <= sLargestShortMask && one < sLargestNumber))) {
+            (hasLongMasks || (found->mask <= sLargestShortMask && one < sLargestMaskedNumber))) {
             return ExportedBits{datatype, *found};
         }
     }

@@ -1,5 +1,7 @@
 #include "a2l/Identifiers.h"
 
+#include "a2l/Numbers.h"
+
 #include <array>
 #include <charconv>
 
@@ -10,10 +12,6 @@ namespace {
 /// Characters that A2L allows in a whole name and in a part of it.
 constexpr std::size_t sLongestName = 1024;
 constexpr std::size_t sLongestPart = 128;
-
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 bool IsNameCharacter(char character) {
     return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||

@@ -15,11 +15,11 @@ using DataModel::ObjectKind;
 /// Stops at this many parts: a class that contains itself would have no end of them.
 constexpr std::size_t sMostParts = 1000;
 
+} // namespace
+
 bool HasMembers(ObjectKind kind) {
     return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
 }
-
-} // namespace
 
 /// A class or union whose members count as those of the class.
 struct MemberTable::Part {

@@ -8,6 +8,14 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
+/// Addresses of A2L have 32 bits.
+inline constexpr std::uint64_t sLargestAddress = 0xFFFFFFFF;
+
+/// True for a decimal digit, whatever the locale.
+constexpr bool IsDigit(char character) {
+    return character >= '0' && character <= '9';
+}
+
 /// The value of an unsigned number of up to 64 bits; nothing for any other text.
 std::optional<std::uint64_t> ParseUnsigned(std::string_view text);
 

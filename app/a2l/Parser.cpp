@@ -19,7 +19,7 @@ namespace {
 constexpr std::string_view sProject = "PROJECT";
 constexpr std::string_view sModule = "MODULE";
 
-std::string Quoted(std::string_view text) {
+std::string Excerpt(std::string_view text) {
     constexpr std::size_t longest = 60;
     return "'" + std::string(text.substr(0, longest)) + (text.size() > longest ? "...'" : "'");
 }
@@ -73,7 +73,7 @@ private:
 
     static std::string Describe(const PlacedToken& token) {
         return token.kind == TokenKind::EndOfFile ? Phrased("the end of the file")
-                                                  : Quoted(token.span.Text());
+                                                  : Excerpt(token.span.Text());
     }
 
     static std::string Describe(const Block& block) {

@@ -4,6 +4,7 @@
 #include "Phrases.h"
 
 #include "a2l/Identifiers.h"
+#include "a2l/Numbers.h"
 #include "demangle/Demangler.h"
 #include "model/ElementIndices.h"
 
@@ -24,16 +25,12 @@ using DataModel::ObjectKind;
 
 constexpr std::string_view sSeparator = "::";
 constexpr std::string_view sSymbolScope = "_Symbol_Table_BKR_::";
-constexpr auto sNone = std::numeric_limits<std::uint32_t>::max();
+constexpr auto sNoUnit = std::numeric_limits<std::uint32_t>::max();
 /// How many prefixes of a symbol are tried as names of variables.
 constexpr std::size_t sMostHeads = 64;
 constexpr std::size_t sMostSteps = 1000;
 constexpr std::size_t sMostTypes = 256;
 constexpr std::size_t sLongestSymbol = 16 * 1024;
-
-bool IsDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 /// Length of an index such as "_2_" at the start of a text; 0 if there is none.
 std::size_t UnderscoreIndexLength(std::string_view text) {
@@ -80,10 +77,6 @@ std::optional<std::uint64_t> ParseIndex(std::string_view digits) {
     const auto [end, error] = std::from_chars(digits.data(), limit, index, isHexadecimal ? 16 : 10);
     const bool isNumber = error == std::errc() && end == limit;
     return isNumber ? std::optional(index) : std::nullopt;
-}
-
-bool HasMembers(ObjectKind kind) {
-    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
 }
 
 /// Key of a unit's name: without folders, and with "_" for the point, as the reader names units.
@@ -281,7 +274,7 @@ SymbolIndex::SymbolIndex(const Model& model, UnderscoreHabit habit)
     , mHabit(habit) {
     model.ForEach(ObjectKind::Global,
                   [this](const ModelObject& global) { mGlobals.push_back(global.id); });
-    mNextOfName.assign(mGlobals.size(), sNone);
+    mNextOfName.assign(mGlobals.size(), sNoUnit);
     mFirstOfName.reserve(mGlobals.size());
     // In reverse, so that each list is in the order of delivery.
     for (std::size_t position = mGlobals.size(); position-- > 0;) {
@@ -443,8 +436,8 @@ std::vector<DataModel::ObjectId> SymbolIndex::Heads(std::string_view head, std::
 std::vector<DataModel::ObjectId> SymbolIndex::OfName(std::string_view ownName) const {
     std::vector<ObjectId> found;
     const auto first = mFirstOfName.find(ownName);
-    std::uint32_t position = first == mFirstOfName.end() ? sNone : first->second;
-    for (; position != sNone; position = mNextOfName[position]) {
+    std::uint32_t position = first == mFirstOfName.end() ? sNoUnit : first->second;
+    for (; position != sNoUnit; position = mNextOfName[position]) {
         found.push_back(mGlobals[position]);
     }
     return found;

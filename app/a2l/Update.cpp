@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <set>
 #include <utility>
 
@@ -16,7 +15,6 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 namespace {
 
 /// The largest address of A2L, whose addresses have 32 bits.
-constexpr std::uint64_t sLargestAddress = std::numeric_limits<std::uint32_t>::max();
 
 bool IsBlank(char character) {
     return character == ' ' || character == '\t';
@@ -57,7 +55,7 @@ bool HasCapitals(const Document& document) {
     return capital >= small;
 }
 
-std::string Hexadecimal(std::uint64_t number) {
+std::string UpperHexadecimal(std::uint64_t number) {
     return Notation("0x0", true).Write(number);
 }
 
@@ -137,9 +135,9 @@ private:
         // A file that already has larger addresses is for a tool that takes them.
         if (isWrapped || (target > sLargestAddress && object.address.value <= sLargestAddress)) {
             result.status = Status::OutOfRange;
-            result.problem =
-                isWrapped ? Phrased("the offset of the link leads out of the memory")
-                          : Phrased("the address {} has more than 32 bits", Hexadecimal(target));
+            result.problem = isWrapped ? Phrased("the offset of the link leads out of the memory")
+                                       : Phrased("the address {} has more than 32 bits",
+                                                 UpperHexadecimal(target));
             return;
         }
         result.newAddress = target;
@@ -157,7 +155,8 @@ private:
     MaskedPlace PlaceOfBits(const Object& object, const SymbolIndex::Place& place,
                             ObjectResult& result) {
         const bool hasMask = object.bitMask.span.IsSet();
-        const std::string inFile = hasMask ? Hexadecimal(object.bitMask.value) : Phrased("none");
+        const std::string inFile =
+            hasMask ? UpperHexadecimal(object.bitMask.value) : Phrased("none");
         const std::optional<MaskedPlace> masked =
             FindMaskedPlace(place, mComparison.NumberSize(object).value_or(place.size),
                             object.isBigEndian.value_or(mChoices.isBigEndian),
@@ -170,7 +169,7 @@ private:
         }
         const bool isRight = hasMask && object.bitMask.value == masked->mask;
         if (!isRight && !(hasMask && mChoices.hasBitMasks)) {
-            result.differences.push_back({"bitMask", inFile, Hexadecimal(masked->mask)});
+            result.differences.push_back({"bitMask", inFile, UpperHexadecimal(masked->mask)});
         }
         return *masked;
     }

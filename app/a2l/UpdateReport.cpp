@@ -37,7 +37,7 @@ constexpr std::array sColumns = {Column{"object"},
 /// At most this many lines of one kind are written for a person.
 constexpr std::size_t sMostLines = 50;
 
-std::string Hexadecimal(std::uint64_t number) {
+std::string PaddedHexadecimal(std::uint64_t number) {
     return Notation("0x00000000", false).Write(number);
 }
 
@@ -74,7 +74,7 @@ Cell NumberCell(bool isThere, std::uint64_t number) {
 }
 
 std::string FateOf(const ObjectResult& result, const Object& object, MissingChoice missing) {
-    const std::string old = Hexadecimal(object.address.value);
+    const std::string old = PaddedHexadecimal(object.address.value);
     if (result.isRemoved) {
         return Phrased("removed");
     }
@@ -86,13 +86,13 @@ std::string FateOf(const ObjectResult& result, const Object& object, MissingChoi
 std::string MoveOf(const ObjectResult& result, const Object& object) {
     std::string text;
     if (result.newAddress != object.address.value) {
-        text = Phrased("moved from {} to {}", Hexadecimal(object.address.value),
-                       Hexadecimal(result.newAddress));
+        text = Phrased("moved from {} to {}", PaddedHexadecimal(object.address.value),
+                       PaddedHexadecimal(result.newAddress));
     }
     if (result.newMask != object.bitMask.value) {
         text.append(text.empty() ? "" : ", ")
-            .append(Phrased("bit mask {} is now {}", Hexadecimal(object.bitMask.value),
-                            Hexadecimal(result.newMask)));
+            .append(Phrased("bit mask {} is now {}", PaddedHexadecimal(object.bitMask.value),
+                            PaddedHexadecimal(result.newMask)));
     }
     return text;
 }

@@ -15,7 +15,7 @@ std::uint64_t KeyOf(std::uint64_t address, std::string_view name) {
     return HashOfText(name, Mix(address ^ ProcessSeed()));
 }
 
-bool IsDigit(char character) {
+bool IsDecimalDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
@@ -65,7 +65,7 @@ bool DeliveredSymbols::HasVariableInMangledName(std::uint64_t address,
     }
     // Names of the Itanium ABI and of Rust write the length of each identifier before it.
     while (!name.empty()) {
-        if (!IsDigit(name.front())) {
+        if (!IsDecimalDigit(name.front())) {
             name.remove_prefix(1);
             continue;
         }

@@ -13,7 +13,7 @@ using DataModel::SectionKind;
 namespace {
 
 constexpr std::size_t sMostSections = 65536;
-constexpr std::size_t sMaximumNameLength = 255;
+constexpr std::size_t sLongestSectionName = 255;
 
 /// ELF section types and flags.
 constexpr std::uint32_t sTypeNoBits = 8;
@@ -93,7 +93,7 @@ void VImageSections::Add(std::string_view name, ImageSection section, SectionKin
     if (section.size == 0 || mSections.size() == sMostSections) {
         return;
     }
-    section.name = ToHostText(name.substr(0, sMaximumNameLength));
+    section.name = ToHostText(name.substr(0, sLongestSectionName));
     section.fileSize = kind == SectionKind::Zero ? 0 : std::min(section.fileSize, section.size);
     section.kind = kind;
     mSections.push_back(std::move(section));

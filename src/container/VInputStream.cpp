@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t sWindowSize = 8192;
 
 /// Kept in front of a wanted position, since the search for unit headers steps back.
-constexpr std::uint64_t sLeadingBytes = 128;
+constexpr std::uint64_t sBytesOfReadAhead = 128;
 
 } // namespace
 
@@ -72,8 +72,8 @@ std::size_t VInputStream::Read(void* destination, std::size_t size) {
         return count;
     }
     if (!WindowHolds(size)) {
-        mWindowStart = mPosition - std::min(mPosition, sLeadingBytes);
-        mWindow.resize(sWindowSize + sLeadingBytes);
+        mWindowStart = mPosition - std::min(mPosition, sBytesOfReadAhead);
+        mWindow.resize(sWindowSize + sBytesOfReadAhead);
         mWindow.resize(ReadFile(mWindowStart, mWindow.data(), mWindow.size()));
     }
     const std::uint64_t start = std::min(mPosition - mWindowStart, std::uint64_t{mWindow.size()});

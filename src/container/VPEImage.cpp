@@ -51,8 +51,8 @@ constexpr std::uint64_t AuxiliaryCount = 17;
 
 } // namespace Field
 
-constexpr std::uint64_t sSectionHeaderSize = 40;
-constexpr std::uint64_t sSymbolSize = 18;
+constexpr std::uint64_t sPESectionHeaderSize = 40;
+constexpr std::uint64_t sPESymbolSize = 18;
 
 constexpr std::uint16_t sMachineX86_64 = 0x8664;
 constexpr std::uint16_t sDllFlag = 0x2000;
@@ -63,7 +63,7 @@ constexpr std::uint8_t sClassStatic = 3;
 constexpr std::uint16_t sFunctionType = 0x20;
 constexpr std::uint8_t sGlobalObject = 0x10 | sSymbolTypeObject;
 
-constexpr std::size_t sShortNameSize = 8;
+constexpr std::size_t sPEShortNameSize = 8;
 
 /// Value of `sh_name` that marks a record as present.
 constexpr std::uint32_t sPresentName = 0xFFFFFFFF;
@@ -92,12 +92,12 @@ bool VPEImage::MapPEImage(const std::string& path, const FileContent& content) {
     const std::uint64_t sectionTable = mSignature + Field::OptionalHeader +
                                        Get<std::uint16_t>(mSignature + Field::SizeOfOptionalHeader);
     if (!Holds(0, sDosHeaderSize) || !Holds(mSignature, Field::ImageBaseEnd) ||
-        !Holds(sectionTable, sectionCount * sSectionHeaderSize)) {
+        !Holds(sectionTable, sectionCount * sPESectionHeaderSize)) {
         return Fail(ELFReadErrorEnum::ELFERR_CORRUPTED);
     }
     ReadFileHeader();
     for (std::uint64_t index = 0; index < sectionCount; ++index) {
-        if (!ReadSectionHeader(sectionTable + index * sSectionHeaderSize)) {
+        if (!ReadSectionHeader(sectionTable + index * sPESectionHeaderSize)) {
             return Fail(ELFReadErrorEnum::ELFERR_CORRUPTED);
         }
     }
@@ -134,7 +134,7 @@ DataModel::ImageSection VPEImage::PlacedSection(std::size_t index) const {
 }
 
 bool VPEImage::ReadSectionHeader(std::uint64_t filePosition) {
-    std::string_view name = CutText(CharactersAt(filePosition), sShortNameSize);
+    std::string_view name = CutText(CharactersAt(filePosition), sPEShortNameSize);
     std::uint32_t nameOffset = 0;
     if (mSymbolTable != 0 && IsNameOffset(name, nameOffset)) {
         const char* longName = GetStringTableText(nameOffset);
@@ -166,7 +166,7 @@ bool VPEImage::ReadImageSymbols(IElfSymbolMap& map) {
     const std::uint64_t count = CountSymbolsInFile();
     for (std::uint64_t index = 0; index < count; ++index) {
         Elf32_Sym symbol;
-        if (ReadSymbol(mSymbolTable + index * sSymbolSize, symbol)) {
+        if (ReadSymbol(mSymbolTable + index * sPESymbolSize, symbol)) {
             map.AddSymbol(symbol);
         }
     }
@@ -178,7 +178,7 @@ bool VPEImage::ReadSymbolNames(IElfSymbolMap& map) {
     const std::uint64_t count = CountSymbolsInFile();
     std::uint64_t entriesOfSymbol = 1;
     for (std::uint64_t index = 0; index < count; index += entriesOfSymbol) {
-        const std::uint64_t entry = mSymbolTable + index * sSymbolSize;
+        const std::uint64_t entry = mSymbolTable + index * sPESymbolSize;
         entriesOfSymbol = 1 + std::uint64_t{Get<std::uint8_t>(entry + Field::AuxiliaryCount)};
         const auto storageClass = Get<std::uint8_t>(entry + Field::StorageClass);
         const bool isFunction = (Get<std::uint16_t>(entry + Field::Type) & sFunctionType) != 0;
@@ -196,8 +196,9 @@ bool VPEImage::ReadSymbolNames(IElfSymbolMap& map) {
 
 std::uint64_t VPEImage::CountSymbolsInFile() const {
     const std::uint64_t fileSize = mFile.Bytes().size();
-    const std::uint64_t symbolsInFile =
-        mSymbolTable != 0 && mSymbolTable < fileSize ? (fileSize - mSymbolTable) / sSymbolSize : 0;
+    const std::uint64_t symbolsInFile = mSymbolTable != 0 && mSymbolTable < fileSize
+                                            ? (fileSize - mSymbolTable) / sPESymbolSize
+                                            : 0;
     return std::min<std::uint64_t>(mSymbolCount, symbolsInFile);
 }
 
@@ -221,8 +222,8 @@ const char* VPEImage::KeepSymbolName(std::uint64_t entryPosition) {
         const auto nameOffset = Get<std::uint32_t>(entryPosition + Field::NameOffset);
         return nameOffset != 0 ? GetStringTableText(nameOffset) : nullptr;
     }
-    const std::string_view name = CutText(CharactersAt(entryPosition), sShortNameSize);
-    if (name.size() < sShortNameSize) {
+    const std::string_view name = CutText(CharactersAt(entryPosition), sPEShortNameSize);
+    if (name.size() < sPEShortNameSize) {
         return name.data();
     }
     // A name that fills its field has no terminator in the file.
@@ -248,7 +249,7 @@ const char* VPEImage::CharactersAt(std::uint64_t filePosition) const {
 }
 
 const char* VPEImage::GetStringTableText(std::uint32_t offset) const {
-    const std::uint64_t stringTable = mSymbolTable + mSymbolCount * sSymbolSize;
+    const std::uint64_t stringTable = mSymbolTable + mSymbolCount * sPESymbolSize;
     const std::uint64_t filePosition = stringTable + offset;
     return filePosition < mTextsEnd ? CharactersAt(filePosition) : nullptr;
 }

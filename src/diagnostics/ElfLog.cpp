@@ -23,7 +23,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t sMaximumComponentLength = 255;
-constexpr std::size_t sMaximumNameLength = 259;
+constexpr std::size_t sLongestLogFileName = 259;
 
 Clock::time_point sProgStart;
 
@@ -92,7 +92,7 @@ std::string tag_alignment;
 bool CreateLogFile(const std::string& inputPath) {
     VElfOptions::mIsLoggingPaused = false;
     const std::string& name = VElfOptions::mLogFileName = LogFileName(inputPath);
-    if (name.size() > sMaximumNameLength) {
+    if (name.size() > sLongestLogFileName) {
         return ReportFailedCreation(name, std::errc::filename_too_long);
     }
     return OpenDiagnosticFile(VElfOptions::mLogFile, name, inputPath, std::ios::trunc);

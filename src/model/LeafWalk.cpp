@@ -30,7 +30,7 @@ namespace {
 using Place = Model::Place;
 
 /// Beyond these limits, which no real variable reaches, a place is delivered whole.
-constexpr std::size_t sDeepestNesting = 100;
+constexpr std::size_t sDeepestLeaf = 100;
 constexpr std::size_t sLongestSteps = 4096;
 constexpr std::size_t sMostParts = 1000;
 /// Places that hold one byte.
@@ -177,7 +177,7 @@ void LeafWalk::Begin(ObjectId global, const Visitor& visit) {
     Expand(place, 0);
 }
 
-// Calls itself through members and elements, no deeper than sDeepestNesting.
+// Calls itself through members and elements, no deeper than sDeepestLeaf.
 void LeafWalk::Expand(const Place& place, std::size_t depth) { // NOLINT(misc-no-recursion)
     const ObjectId type = mModel.WithoutTypedefs(place.type);
     const ObjectKind kind = mModel.Object(type).kind;
@@ -224,7 +224,7 @@ bool LeafWalk::ExpandElements(ObjectId array, const Place& place, std::size_t de
     if (count == 0) {
         return false;
     }
-    if (depth == sDeepestNesting ||
+    if (depth == sDeepestLeaf ||
         length - mHeadLength + sShortestIndex * dimensions.size() > sLongestSteps) {
         NoteWhole();
         return false;
@@ -271,7 +271,7 @@ bool LeafWalk::IsAtEnd() const {
 
 bool LeafWalk::EnterClass(ObjectId type, std::size_t depth) {
     const bool containsItself = std::ranges::find(mClasses, type) != mClasses.end();
-    if (containsItself || depth == sDeepestNesting || mPath.size() - mHeadLength > sLongestSteps) {
+    if (containsItself || depth == sDeepestLeaf || mPath.size() - mHeadLength > sLongestSteps) {
         NoteWhole();
         return false;
     }

@@ -23,7 +23,7 @@ using PathResult = Model::PathResult;
 /// as names of variables: up to this many, and for each this many ends of its scopes.
 constexpr std::size_t sMostHeads = 64;
 constexpr std::size_t sMostScopeEnds = 256;
-constexpr std::string_view sSeparator = "::";
+constexpr std::string_view sPathSeparator = "::";
 
 constexpr bool BeginsStep(char character) {
     return character == '.' || character == '[';
@@ -46,11 +46,11 @@ public:
         AppendInScopes(text, {}, found);
         std::size_t end = text.size();
         for (std::size_t tries = 0; tries < sMostScopeEnds && end > 0; ++tries) {
-            end = text.rfind(sSeparator, end - 1);
+            end = text.rfind(sPathSeparator, end - 1);
             if (end == std::string_view::npos) {
                 break;
             }
-            AppendInScopes(text.substr(end + sSeparator.size()), text.substr(0, end), found);
+            AppendInScopes(text.substr(end + sPathSeparator.size()), text.substr(0, end), found);
         }
         if (found.empty()) {
             ForEachOfName(text, [&found](ObjectId id) { found.push_back(id); });
@@ -115,7 +115,7 @@ public:
             }
             type = match.part.type;
             found.offset += match.part.offset;
-            found.length += mStore.NameOf(type).size() + sSeparator.size();
+            found.length += mStore.NameOf(type).size() + sPathSeparator.size();
         }
         return found;
     }
@@ -159,7 +159,7 @@ private:
     [[nodiscard]] bool IsNamed(ObjectId type, std::string_view text) const {
         const std::string_view name = mStore.NameOf(type);
         return !name.empty() && text.starts_with(name) &&
-               text.substr(name.size()).starts_with(sSeparator);
+               text.substr(name.size()).starts_with(sPathSeparator);
     }
 
     ObjectId FindOwn(const Part& part, std::string_view text) {

@@ -12,7 +12,7 @@ namespace {
 /// Names may contain the separator themselves, so that several ends of a qualified name are tried
 /// as the object's own name.
 constexpr std::size_t sMostOwnNames = 256;
-constexpr std::string_view sSeparator = "::";
+constexpr std::string_view sScopeSeparator = "::";
 
 } // namespace
 
@@ -35,17 +35,17 @@ std::uint32_t QualifiedNameIndex::HashOf(std::string_view name) const {
 std::vector<ObjectId> QualifiedNameIndex::Find(std::string_view qualifiedName) const {
     std::vector<ObjectId> found;
     AppendNamed(qualifiedName, qualifiedName, found);
-    if (qualifiedName.starts_with(sSeparator)) {
-        qualifiedName.remove_prefix(sSeparator.size());
+    if (qualifiedName.starts_with(sScopeSeparator)) {
+        qualifiedName.remove_prefix(sScopeSeparator.size());
         AppendNamed(qualifiedName, qualifiedName, found);
     }
     std::size_t start = qualifiedName.size();
     for (std::size_t tries = 0; tries < sMostOwnNames && start > 0; ++tries) {
-        start = qualifiedName.rfind(sSeparator, start - 1);
+        start = qualifiedName.rfind(sScopeSeparator, start - 1);
         if (start == std::string_view::npos) {
             break;
         }
-        AppendNamed(qualifiedName.substr(start + sSeparator.size()), qualifiedName, found);
+        AppendNamed(qualifiedName.substr(start + sScopeSeparator.size()), qualifiedName, found);
     }
     std::ranges::sort(found);
     return found;

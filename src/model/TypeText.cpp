@@ -12,7 +12,7 @@ namespace {
 
 /// Function types within parameters of function types are written to this depth.
 constexpr int sDeepestParameters = 32;
-constexpr std::string_view sEllipsis = "...";
+constexpr std::string_view sTypeEllipsis = "...";
 
 std::string WithNumber(std::string_view name, std::uint64_t number) {
     return std::string(name).append("(").append(std::to_string(number)).append(")");
@@ -153,7 +153,7 @@ public:
             isReferredTo = kind == ObjectKind::Pointer || kind == ObjectKind::FunctionType;
             type = mStore.At(type).type;
         }
-        return declarator.Around(sEllipsis, name);
+        return declarator.Around(sTypeEllipsis, name);
     }
 
 private:
@@ -174,7 +174,7 @@ private:
     std::string Specifier(ObjectId type) {
         const std::string text = FullSpecifier(type);
         const std::size_t room = mRoom;
-        return Take(text.size()) ? text : std::string(CutText(text, room)).append(sEllipsis);
+        return Take(text.size()) ? text : std::string(CutText(text, room)).append(sTypeEllipsis);
     }
 
     [[nodiscard]] std::string FullSpecifier(ObjectId type) const {
@@ -209,7 +209,7 @@ private:
         for (const std::uint32_t dimension : mModel.Dimensions(arrayType)) {
             const std::string number = std::to_string(dimension);
             if (!Take(number.size() + 2)) {
-                return text.append(sEllipsis);
+                return text.append(sTypeEllipsis);
             }
             text.append("[").append(number).append("]");
         }
@@ -258,7 +258,7 @@ constexpr bool IsType(ObjectKind kind) {
 
 std::string Bounded(std::string text) {
     if (text.size() > kLongestTypeText) {
-        text = std::string(CutText(text, kLongestTypeText)).append(sEllipsis);
+        text = std::string(CutText(text, kLongestTypeText)).append(sTypeEllipsis);
     }
     return text;
 }

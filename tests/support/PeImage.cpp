@@ -9,9 +9,9 @@ namespace {
 constexpr std::size_t sHeaderSize = 24;
 constexpr std::uint16_t sOptionalHeaderSize32 = 224;
 constexpr std::uint16_t sOptionalHeaderSize64 = 240;
-constexpr std::size_t sSectionHeaderSize = 40;
-constexpr std::size_t sSymbolSize = 18;
-constexpr std::size_t sShortNameSize = 8;
+constexpr std::size_t sPeSectionHeaderSize = 40;
+constexpr std::size_t sPeSymbolSize = 18;
+constexpr std::size_t sPeShortNameSize = 8;
 constexpr std::uint16_t sExecutableFlag = 0x0002;
 constexpr std::uint16_t sDllFlag = 0x2000;
 
@@ -55,7 +55,7 @@ PeImage& PeImage::SymbolsFirst() {
 
 std::size_t PeImage::HeadersSize() const {
     return sSignature + sHeaderSize + OptionalHeaderSize(mMachine) +
-           mSections.size() * sSectionHeaderSize;
+           mSections.size() * sPeSectionHeaderSize;
 }
 
 std::string PeImage::Build() const {
@@ -64,13 +64,13 @@ std::string PeImage::Build() const {
     std::string contents;
     for (const SectionContent& section : mSections) {
         std::string field = section.name;
-        if (field.size() > sShortNameSize) {
+        if (field.size() > sPeShortNameSize) {
             field = "/" + std::to_string(sizeof(std::uint32_t) + strings.Size());
             strings.Text(section.name);
         }
         sectionNames.Bytes(section.overrides.nameField.value_or(field));
-        sectionNames.PadTo((sectionNames.Size() + sShortNameSize - 1) / sShortNameSize *
-                           sShortNameSize);
+        sectionNames.PadTo((sectionNames.Size() + sPeShortNameSize - 1) / sPeShortNameSize *
+                           sPeShortNameSize);
         contents += section.content;
     }
     ByteWriter symbols;
@@ -84,11 +84,11 @@ std::string PeImage::Build() const {
     for (std::size_t index = 0; index < mSections.size(); ++index) {
         const auto& [name, content, overrides] = mSections[index];
         const std::size_t start = writer.Size();
-        writer.Bytes(sectionNames.Content().substr(index * sShortNameSize, sShortNameSize));
+        writer.Bytes(sectionNames.Content().substr(index * sPeShortNameSize, sPeShortNameSize));
         writer.U32(overrides.virtualSize.value_or(content.size()));
         writer.U32(overrides.virtualAddress.value_or((index + 1) * 0x1000));
         writer.U32(content.size()).U32(overrides.offset.value_or(position));
-        writer.PadTo(start + sSectionHeaderSize);
+        writer.PadTo(start + sPeSectionHeaderSize);
         position += content.size();
     }
     return writer.Content() +
@@ -113,18 +113,18 @@ void PeImage::WriteHeader(ByteWriter& writer, std::size_t symbolTable) const {
 void PeImage::WriteSymbols(ByteWriter& writer, ByteWriter& strings) const {
     for (const PeSymbol& symbol : mSymbols) {
         const std::size_t start = writer.Size();
-        if (symbol.name.size() > sShortNameSize) {
+        if (symbol.name.size() > sPeShortNameSize) {
             writer.U32(0).U32(sizeof(std::uint32_t) + strings.Size());
             strings.Text(symbol.name);
         } else {
-            writer.Bytes(symbol.name).PadTo(start + sShortNameSize);
+            writer.Bytes(symbol.name).PadTo(start + sPeShortNameSize);
         }
         writer.U32(symbol.value).U16(static_cast<std::uint16_t>(symbol.section));
         writer.U16(symbol.type).U8(symbol.storageClass);
         writer.U8(static_cast<std::uint8_t>(symbol.auxiliaryEntries));
         for (int entry = 0; entry < symbol.auxiliaryEntries; ++entry) {
             // Of the kind that names a source file.
-            writer.Bytes("main.c").PadTo(writer.Size() + sSymbolSize - 6);
+            writer.Bytes("main.c").PadTo(writer.Size() + sPeSymbolSize - 6);
         }
     }
 }
