@@ -11,6 +11,10 @@ scripts/install-packages.sh checks
 folder=build/tidy
 cmake --preset debug -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=12 >/dev/null
 cmake --build "$folder" --target brindle_commit >/dev/null
+# clang-tidy looks for its settings in the folders above a file.
+git ls-files '*/.clang-tidy' | while read -r settings; do
+    ln -sf "$PWD/$settings" "$folder/$settings"
+done
 # Groups that lost all their sources since an earlier run are of no interest.
 pattern=$(printf '%s|' "$@") && pattern=${pattern%|}
 mapfile -t files < <(python3 - "$folder/compile_commands.json" "$PWD" "$pattern" <<'END'
