@@ -340,7 +340,7 @@ TEST_F(DwarfDecodingTest, UnwantedAttributesArePassed) {
         EXPECT_EQ(run.At(sections.OffsetOf(label)).GetByteSize(), 3);
         EXPECT_FALSE(run.At(sections.OffsetOf(label)).GetLinkageNameAttribute().mDefined);
         EXPECT_THAT(run.Outline(),
-                    ElementsAre("0:compile_unit unit", "1:structure_type s", "1:base_type behind"));
+                    ElementsAre("0:compile_unit a_c", "1:structure_type s", "1:base_type behind"));
     }
 }
 
@@ -459,7 +459,7 @@ TEST_F(DwarfDecodingTest, EachAttributeGoesToItsPlace) {
     // Attributes of one entry don't reach the next one.
     const std::vector<std::string> outline = OutlineOf(
         DwarfSections().Unit({UnitDie({Die(DW_TAG_variable, {Name("a")}), Die(DW_TAG_variable)})}));
-    EXPECT_THAT(outline, ElementsAre("0:compile_unit unit", "1:variable a", "1:variable "));
+    EXPECT_THAT(outline, ElementsAre("0:compile_unit a_c", "1:variable a", "1:variable "));
 }
 
 TEST_F(DwarfDecodingTest, EnumerationsWithoutSizeAreNamespaces) {
@@ -468,7 +468,7 @@ TEST_F(DwarfDecodingTest, EnumerationsWithoutSizeAreNamespaces) {
                         {Die(DW_TAG_enumerator, {Name("a")})}),
                     Die(DW_TAG_enumeration_type, {Name("E"), ByteSize(0)}),
                 })})),
-                ElementsAre("0:compile_unit unit", "1:namespace N", "2:enumerator a",
+                ElementsAre("0:compile_unit a_c", "1:namespace N", "2:enumerator a",
                             "1:enumeration_type E"));
 }
 
@@ -483,12 +483,12 @@ TEST_F(DwarfDecodingTest, NullEntriesAndUnknownCodesArePassedOver) {
                     child,
                     Die::Raw(null),
                 })),
-                ElementsAre("0:compile_unit unit", "1:variable v", "0:variable v"));
+                ElementsAre("0:compile_unit a_c", "1:variable v", "0:variable v"));
     // A missing null entry at the end of a unit ends all levels.
     EXPECT_THAT(OutlineOf(DwarfSections().Unit(
                     {UnitDie({Die(DW_TAG_namespace, {Name("n")}, {child}).WithoutTerminator()})
                          .WithoutTerminator()})),
-                ElementsAre("0:compile_unit unit", "1:namespace n", "2:variable v"));
+                ElementsAre("0:compile_unit a_c", "1:namespace n", "2:variable v"));
 }
 
 TEST_F(DwarfDecodingTest, ChildrenAreAnnouncedByTheValue1Alone) {
@@ -505,7 +505,7 @@ TEST_F(DwarfDecodingTest, ChildrenAreAnnouncedByTheValue1Alone) {
 
 TEST_F(DwarfDecodingTest, UnitsInTheMiddleOfAUnitHaveNoParent) {
     EXPECT_THAT(OutlineOf(DwarfSections().Unit({UnitDie({UnitDie({Die(DW_TAG_label)})})})),
-                ElementsAre("0:compile_unit unit", "0:compile_unit unit", "1:label "));
+                ElementsAre("0:compile_unit a_c", "0:compile_unit a_c", "1:label "));
 }
 
 // The count labels records in dumps: calls of the walk, including null entries and the ends of open
@@ -556,7 +556,7 @@ TEST_F(DwarfDecodingTest, EntriesThatTheUnitCutsOffMakeNoNode) {
                            .WithoutTerminator()});
         sections.Unit({UnitDie({})});
         EXPECT_THAT(OutlineOf(sections),
-                    ElementsAre("0:compile_unit unit", "1:base_type whole", "0:compile_unit unit"))
+                    ElementsAre("0:compile_unit a_c", "1:base_type whole", "0:compile_unit a_c"))
             << attribute.attribute << ' ' << attribute.form;
     }
 }
@@ -573,7 +573,7 @@ TEST_F(DwarfDecodingTest, BlocksLongerThanTheUnitCutTheEntryOff) {
             sections.Unit(
                 {.entries = {Die::Raw("\1" + size + "\1\1\1\1")}, .abbreviationOffset = table});
             sections.Unit({UnitDie({})});
-            EXPECT_THAT(OutlineOf(sections), ElementsAre("0:compile_unit unit"));
+            EXPECT_THAT(OutlineOf(sections), ElementsAre("0:compile_unit a_c"));
         }
     }
 }
@@ -618,7 +618,7 @@ TEST_F(HostileUnitTest, AttributesWithoutBytesAreBounded) {
         sections.Unit({UnitDie({})});
         SectionRun run(ElfImage() + sections);
         ASSERT_TRUE(run.Read());
-        EXPECT_EQ(run.Outline().back(), "0:compile_unit unit");
+        EXPECT_EQ(run.Outline().back(), "0:compile_unit a_c");
     }
 }
 

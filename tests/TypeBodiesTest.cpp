@@ -270,7 +270,7 @@ TEST(TypeBodiesTest, OnlyBodiesThatVariablesLeadToHaveNodes) {
     section.ResolveNodes();
     EXPECT_FALSE(section.RequiresBodies());
     EXPECT_THAT(run.Outline(),
-                ElementsAre("0:compile_unit a_cpp", "1:base_type int", "1:class_type Motor",
+                ElementsAre("0:compile_unit a_c", "1:base_type int", "1:class_type Motor",
                             "2:member speed", "1:class_type Other", "2:subprogram g",
                             "3:structure_type Local", "1:variable motor"));
     EXPECT_EQ(section.EntryCount(), 11U);
