@@ -212,6 +212,32 @@ Tree BitFieldThatDependsOnOthers() {
         "bits"};
 }
 
+/// A function with its code, whose second block has a node for the variable's sake.
+Tree CodeInABody() {
+    const DieLabel number;
+    const DieLabel motor;
+    return {"code in a body",
+            DwarfSections().Unit({UnitDie({
+                Int(number),
+                Die(motor, DW_TAG_class_type, {Name("Motor"), ByteSize(4)},
+                    {
+                        Die(DW_TAG_subprogram, {Name("Start")},
+                            {
+                                Die(DW_TAG_formal_parameter, {Type(number)}),
+                                Die(DW_TAG_lexical_block, {}, {Die(DW_TAG_label, {Name("end")})}),
+                                Die(DW_TAG_lexical_block, {},
+                                    {
+                                        Die(DW_TAG_label, {Name("again")}),
+                                        StaticVariable("starts", number, 0x2000),
+                                    }),
+                            }),
+                        Member("speed", number),
+                    }),
+                StaticVariable("motor", motor),
+            })}),
+            "starts"};
+}
+
 TEST(TypeBodiesTest, DeliveryIsThatOfAReadOfAllBodies) {
     const ScopedReaderState state;
     const Tree trees[] = {
@@ -225,6 +251,7 @@ TEST(TypeBodiesTest, DeliveryIsThatOfAReadOfAllBodies) {
         TypeAroundACompletedFunction(),
         ReferenceIntoABody(),
         BitFieldThatDependsOnOthers(),
+        CodeInABody(),
     };
     for (const Tree& tree : trees) {
         for (const int isFull : {0, 1}) {
@@ -247,33 +274,36 @@ TEST(TypeBodiesTest, OnlyBodiesThatVariablesLeadToHaveNodes) {
     const ScopedReaderState state;
     const DieLabel number;
     const DieLabel motor;
-    SectionRun run(
-        ElfImage() +
-        DwarfSections().Unit({UnitDie({
-            Int(number),
-            Die(motor, DW_TAG_class_type, {Name("Motor"), ByteSize(4)}, {Member("speed", number)}),
-            Die(DW_TAG_class_type, {Name("Other"), ByteSize(4)},
-                {
-                    Member("x", number),
-                    Die(DW_TAG_subprogram, {Name("f"), Declaration()},
-                        {Die(DW_TAG_formal_parameter, {Type(number)})}),
-                    Die(DW_TAG_subprogram, {Name("g"), Declaration()},
-                        {Die(DW_TAG_structure_type, {Name("Local")})}),
-                }),
-            StaticVariable("motor", motor),
-        })}));
+    SectionRun run(ElfImage() + DwarfSections().Unit({UnitDie({
+                                    Int(number),
+                                    Die(motor, DW_TAG_class_type, {Name("Motor"), ByteSize(4)},
+                                        {
+                                            Member("speed", number),
+                                            Die(DW_TAG_subprogram, {Name("Start"), Declaration()},
+                                                {Die(DW_TAG_formal_parameter, {Type(number)})}),
+                                        }),
+                                    Die(DW_TAG_class_type, {Name("Other"), ByteSize(4)},
+                                        {
+                                            Member("x", number),
+                                            Die(DW_TAG_subprogram, {Name("f"), Declaration()},
+                                                {Die(DW_TAG_formal_parameter, {Type(number)})}),
+                                            Die(DW_TAG_subprogram, {Name("g"), Declaration()},
+                                                {Die(DW_TAG_structure_type, {Name("Local")})}),
+                                        }),
+                                    StaticVariable("motor", motor),
+                                })}));
     VDwarf2Section& section = run.Section();
     ASSERT_TRUE(run.Init() && section.MapCompileUnits());
     section.LeaveBodies();
     ASSERT_TRUE(section.ProcessCompileUnits());
-    EXPECT_EQ(section.EntryCount(), 11U) << "progress counts every entry";
+    EXPECT_EQ(section.EntryCount(), 13U) << "progress counts every entry";
     section.ResolveNodes();
     EXPECT_FALSE(section.RequiresBodies());
     EXPECT_THAT(run.Outline(),
                 ElementsAre("0:compile_unit a_c", "1:base_type int", "1:class_type Motor",
-                            "2:member speed", "1:class_type Other", "2:subprogram g",
-                            "3:structure_type Local", "1:variable motor"));
-    EXPECT_EQ(section.EntryCount(), 11U);
+                            "2:member speed", "2:subprogram Start", "1:class_type Other",
+                            "2:subprogram g", "3:structure_type Local", "1:variable motor"));
+    EXPECT_EQ(section.EntryCount(), 13U);
 }
 
 TEST(TypeBodiesTest, AbbreviationsTellWhatIsSkipped) {

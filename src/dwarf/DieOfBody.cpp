@@ -43,7 +43,7 @@ VDie2::Surroundings VDie2::SurroundingsInSkipped() const {
 
 bool VDie2::TellsBodiesApart() const {
     return mChoice == NodeChoice::WithoutBodies ||
-           (mChoice == NodeChoice::Skipped && mSection->LeavesBodies());
+           (MakesSkippedNodes() && mSection->LeavesBodies());
 }
 
 void VDie2::NoteSkippedType(std::uint32_t offset) {

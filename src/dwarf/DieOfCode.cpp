@@ -10,8 +10,13 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 CodeEntry VDie2::CodeEntryHere() const {
-    if ((mChoice != NodeChoice::WithoutCode && mChoice != NodeChoice::WithoutBodies) ||
-        mOpenEntries.empty()) {
+    return mChoice == NodeChoice::WithoutCode || mChoice == NodeChoice::WithoutBodies
+               ? CodeEntryBySurroundings()
+               : CodeEntry::Kept;
+}
+
+CodeEntry VDie2::CodeEntryBySurroundings() const {
+    if (mOpenEntries.empty()) {
         return CodeEntry::Kept;
     }
     switch (mOpenEntries.back().surroundings) {
@@ -25,9 +30,8 @@ CodeEntry VDie2::CodeEntryHere() const {
     }
 }
 
-VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
+bool VDie2::SkipAttributes(std::uint32_t& type) {
     VDieFormValue skipped;
-    std::uint32_t type = 0;
     for (const TDieAttribute& step : mAbbrevTable->SkippingStepsOf(*mItem)) {
         mBuffer->MoveOffset(step.mSkip);
         if (ReadFormValue(step, skipped) && step.mAttribute == AttributeTarget::Type) {
@@ -37,7 +41,12 @@ VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumbe
             break;
         }
     }
-    if (mBuffer->HasPassedEnd()) {
+    return !mBuffer->HasPassedEnd();
+}
+
+VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber) {
+    std::uint32_t type = 0;
+    if (!SkipAttributes(type)) {
         return Entry::Unknown;
     }
     mSection->mSkipped.Add();
@@ -54,6 +63,29 @@ VDie2::Entry VDie2::SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumbe
                                 .type = type});
     } else if (type != 0) {
         NoteSkippedType(type);
+    }
+    return Entry::Skipped;
+}
+
+bool VDie2::IsSkippedAgain(std::int32_t unitOffset) const {
+    return mChoice == NodeChoice::SkippedOfBodies && CodeEntryBySurroundings() != CodeEntry::Kept &&
+           mSection->mDieNodes.Find(VDwarf2Section::UnitToSectionOffset(
+               mUnitReader->mHeader, static_cast<std::uint32_t>(unitOffset))) == nullptr;
+}
+
+VDie2::Entry VDie2::SkipAgain(std::int32_t unitOffset, std::uint32_t recordNumber) {
+    std::uint32_t type = 0;
+    // The abbreviation of a variable has no steps for skipping it.
+    const bool isSkipped = mItem->mCodeEntry == CodeEntry::Variable
+                               ? DecodeEntry(unitOffset, recordNumber) == Entry::Decoded
+                               : SkipAttributes(type);
+    if (!isSkipped) {
+        return Entry::Unknown;
+    }
+    static_cast<void>(VDebugInfoNode::TakeNodeRecord());
+    if (mItem->mHasChildren == 1) {
+        mOpenEntries.push_back(
+            {.surroundings = Surroundings::CodeOfFunction, .isInFunction = true});
     }
     return Entry::Skipped;
 }
@@ -131,7 +163,7 @@ void VDie2::OpenCurrentEntry() {
     } else if (TellsBodiesApart() && HasBody(mTag)) {
         entry.surroundings = Surroundings::Body;
     }
-    if (mChoice == NodeChoice::Skipped && entry.surroundings != Surroundings::Other) {
+    if (MakesSkippedNodes() && entry.surroundings != Surroundings::Other) {
         TakeOffChildren(*mNode);
     }
     mOpenEntries.push_back(entry);

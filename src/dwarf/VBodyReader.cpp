@@ -14,7 +14,7 @@ VBodyReader::VBodyReader(VDwarf2Section& section, VCompileUnitHeader& header)
     mUnitReader.mBuffer = section.LendUnitBuffer();
     header.mUnitReader = &mUnitReader;
     if (section.LoadCompileUnit(mUnitReader)) {
-        mDie.emplace(mUnitReader, NodeChoice::Skipped);
+        mDie.emplace(mUnitReader, NodeChoice::SkippedOfBodies);
         if (section.mElfFile->mManner == ReadingManner::Full) {
             mDie->ReadUnitFacts();
         }

@@ -58,7 +58,7 @@ void VDie2::ReadNextEntry(VCompileUnitHeader* header) {
     ++recCnt;
     switch (mBuffer->IsEOF() ? Entry::Null : ReadEntry()) {
     case Entry::Decoded:
-        if (mChoice == NodeChoice::Skipped) {
+        if (MakesSkippedNodes()) {
             MakeSkippedNode(header);
         } else {
             MapCurrentDieToNode(header, InnermostOpenNode());
@@ -104,6 +104,9 @@ VDie2::Entry VDie2::ReadEntry() {
     }
     if (BodyEntryHere() != BodyEntry::Kept) {
         return SkipEntry(unitOffset, recCnt);
+    }
+    if (IsSkippedAgain(unitOffset)) {
+        return SkipAgain(unitOffset, recCnt);
     }
     switch (CodeEntryHere()) {
     case CodeEntry::Skipped:

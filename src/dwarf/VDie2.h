@@ -107,6 +107,8 @@ enum class NodeChoice : std::uint8_t {
     WithoutBodies,
     /// Entries that were skipped: the unit was read without code or bodies before.
     Skipped,
+    /// Entries that were skipped in the bodies of types. Those of code stay skipped.
+    SkippedOfBodies,
 };
 
 /// The current debug entry of one unit.
@@ -126,7 +128,7 @@ public:
     /// @return section offset of the body's end
     std::uint32_t ReadBody(VDebugInfoNode& type);
 
-    /// The nodes that `NodeChoice::Skipped` made. They are in no map yet.
+    /// The nodes of entries that were skipped before. They are in no map yet.
     [[nodiscard]] const std::vector<VDebugInfoNode*>& GetMadeNodes() const { return mMadeNodes; }
     [[nodiscard]] std::vector<VDebugInfoNode*> TakeMadeNodes() {
         return std::exchange(mMadeNodes, {});
@@ -183,6 +185,8 @@ private:
     /// @{
 
     [[nodiscard]] CodeEntry CodeEntryHere() const;
+    /// The same for any choice of nodes.
+    [[nodiscard]] CodeEntry CodeEntryBySurroundings() const;
     [[nodiscard]] BodyEntry BodyEntryHere() const;
     /// Where the children of a skipped entry are.
     [[nodiscard]] Surroundings SurroundingsInSkipped() const;
@@ -191,6 +195,13 @@ private:
     /// Records that an entry without a node refers to a type.
     void NoteSkippedType(std::uint32_t offset);
     Entry SkipEntry(std::int32_t unitOffset, std::uint32_t recordNumber);
+    /// Moves past the attributes. False if the entry is cut off.
+    /// @param type set to the section offset of the type if that counts as a reference
+    bool SkipAttributes(std::uint32_t& type);
+    /// True while a body is read later, for an entry of code that has no node.
+    [[nodiscard]] bool IsSkippedAgain(std::int32_t unitOffset) const;
+    /// Skips an entry that was counted when its unit was read.
+    Entry SkipAgain(std::int32_t unitOffset, std::uint32_t recordNumber);
     /// Skips a variable without a place, makes the node of any other.
     Entry ReadVariableOfCode(std::int32_t unitOffset, std::uint32_t recordNumber);
     void SkipVariable();
@@ -202,6 +213,9 @@ private:
     /// Makes the node of the current entry if it has none, and restores its place among the
     /// children of its parent.
     void MakeSkippedNode(VCompileUnitHeader* header);
+    [[nodiscard]] bool MakesSkippedNodes() const {
+        return mChoice == NodeChoice::Skipped || mChoice == NodeChoice::SkippedOfBodies;
+    }
     /// Takes all children off; `MakeSkippedNode` puts them back one by one.
     static void TakeOffChildren(VDebugInfoNode& node);
     [[nodiscard]] VDebugInfoNode* InnermostOpenNode() const {
