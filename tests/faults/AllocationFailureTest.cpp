@@ -3,7 +3,10 @@
 #include "core/VElfOptions.h"
 #include "faults/FaultTest.h"
 
+#include <array>
+#include <brindle/brindle.h>
 #include <functional>
+#include <utility>
 
 using namespace Tessel::Norn::Brindle::Reader::DWARF;
 
@@ -67,6 +70,71 @@ std::size_t Successor(std::size_t number) {
 TEST_F(AllocationFailureTest, EachOfASmallRead) {
     FailAllocations(mFolder.Write("image.elf", ImageOfEverything()), Successor);
     FailAllocations(mFolder.Write("image.exe", WindowsImageOfEverything()), Successor);
+    FailAllocations(mFolder.Write("image.out", CoffImageOfEverything()), Successor);
+}
+
+TEST_F(AllocationFailureTest, EachInTheFullManner) {
+    VElfOptions::mIsFullReading = 1;
+    FailAllocations(mFolder.Write("image.elf", ModernImageOfEverything()), Successor);
+}
+
+/// Reads a file over the C interface and appends the names of its variables to `names`, which has
+/// memory for them.
+/// @return the first status that isn't good
+brindle_status ReadOverInterface(const std::string& path, std::string& names) {
+    brindle_reader reader = nullptr;
+    brindle_model model = nullptr;
+    brindle_status status = brindle_reader_create(&reader);
+    if (status == BRINDLE_OK) {
+        status = brindle_reader_read(reader, path.c_str(), BRINDLE_CONTAINER_AUTO, &model);
+    }
+    brindle_id id = 0;
+    while (status == BRINDLE_OK &&
+           brindle_model_next_of_kind(model, BRINDLE_KIND_GLOBAL, id, &id) == BRINDLE_OK) {
+        std::array<char, 256> name = {};
+        std::size_t length = 0;
+        status = brindle_model_qualified_name(model, id, name.data(), name.size(), &length);
+        names.append(name.data(), length).append(1, '\n');
+    }
+    brindle_model_destroy(model);
+    brindle_reader_destroy(reader);
+    return status;
+}
+
+TEST_F(AllocationFailureTest, EachOverTheInterface) {
+    VElfOptions::mIsFullReading = 1;
+    for (const auto& [file, content] : {std::pair("image.elf", ModernImageOfEverything()),
+                                        std::pair("image.out", CoffImageOfEverything())}) {
+        const std::string path = mFolder.Write(file, content);
+        constexpr std::size_t roomForNames = 4096;
+        std::string expected, names;
+        names.reserve(roomForNames);
+        ASSERT_EQ(ReadOverInterface(path, expected), BRINDLE_OK);
+        ASSERT_FALSE(expected.empty());
+        // The first message of a process loads the texts of all.
+        ASSERT_EQ(ReadOverInterface(mFolder.Path("missing"), names), BRINDLE_READ_FAILED);
+        std::size_t number = 1;
+        for (bool hasFailed = true; hasFailed && !HasFailure(); ++number) {
+            SCOPED_TRACE(path + ", allocation " + std::to_string(number));
+            const std::size_t before = LiveAllocations();
+            names.clear();
+            brindle_status status = BRINDLE_OK;
+            {
+                const FailingAllocation failing(number);
+                status = ReadOverInterface(path, names);
+                hasFailed = FailingAllocation::HasFailed();
+            }
+            if (status == BRINDLE_OK) {
+                EXPECT_EQ(names, expected);
+            } else {
+                // Where the reader itself notices, it fails with a message.
+                EXPECT_TRUE(status == BRINDLE_OUT_OF_MEMORY || status == BRINDLE_READ_FAILED)
+                    << status;
+            }
+            EXPECT_EQ(LiveAllocations(), before);
+        }
+        EXPECT_GT(number, 100U) << "hardly any allocation was made to fail";
+    }
 }
 
 TEST_F(AllocationFailureTest, EachWithASearchForUnitsThroughAWindow) {

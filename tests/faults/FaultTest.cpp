@@ -4,6 +4,7 @@
 #include "host/VDWARFReader.h"
 #include "model/LeafWalk.h"
 #include "model/RecordingDataModel.h"
+#include "support/CoffImage.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"
 #include "support/UsualEntries.h"
@@ -65,14 +66,37 @@ DwarfSections SectionsOfEverything(std::size_t padding) {
     return sections;
 }
 
-} // namespace
-
-std::string ImageOfEverything(std::size_t padding) {
+ElfImage ElfImageOfSymbols() {
     ElfImage image;
     image.Symbol({"gMotor", 0x2000, 32}).Symbol({"gExtern", 0x2400, 32});
     image.Symbol({"gLinked", 0x2480, 4});
     image.Symbol({"gNoDebug", 0x2500, 2}).Symbol({"value__6Device", 0x2600, 4});
-    return (image + SectionsOfEverything(padding)).Build();
+    return image;
+}
+
+DWARFContainerType ContainerOf(const std::string& path) {
+    return path.ends_with(".exe")   ? DWARFContainerType::Container_PE
+           : path.ends_with(".out") ? DWARFContainerType::Container_COFF
+                                    : DWARFContainerType::Container_ELF;
+}
+
+} // namespace
+
+std::string ImageOfEverything(std::size_t padding) {
+    return (ElfImageOfSymbols() + SectionsOfEverything(padding)).Build();
+}
+
+std::string CoffImageOfEverything() {
+    return (CoffImage() + SectionsOfEverything(0)).Build();
+}
+
+std::string ModernImageOfEverything() {
+    const DieLabel integer, motor;
+    DwarfSections sections;
+    // One entry for the addresses 0 to 4, of an expression of 5 bytes, and the end of the list.
+    sections.RawLocationLists(std::string("\4\0\4\5\3\0\x23\0\0\0", 10));
+    sections.ModernUnit(TypesUnit(integer, motor, 0)).ModernUnit(UseUnit(integer, motor));
+    return (ElfImageOfSymbols() + sections).Build();
 }
 
 std::string WindowsImageOfEverything(std::size_t padding) {
@@ -113,9 +137,7 @@ FaultOutcome FaultTest::Read(DataModel::Model& model, const std::string& path,
     });
     const DataModel::Factory::CurrentDataModel current(recorder);
     try {
-        outcome.result =
-            reader.Read(path, path.ends_with(".exe") ? DWARFContainerType::Container_PE
-                                                     : DWARFContainerType::Container_ELF);
+        outcome.result = reader.Read(path, ContainerOf(path));
     } catch (const std::bad_alloc&) {
         outcome.exception = "bad_alloc";
     } catch (const std::runtime_error& error) {

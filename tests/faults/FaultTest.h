@@ -25,6 +25,10 @@ namespace Tessel::Norn::Brindle::Tests {
 std::string ImageOfEverything(std::size_t padding = 0);
 /// The same debug information in a Windows image.
 std::string WindowsImageOfEverything(std::size_t padding = 0);
+/// The same in a COFF file, which has no symbols that a read uses.
+std::string CoffImageOfEverything();
+/// The ELF image as a compiler for DWARF 5 writes it. Only the full manner reads it.
+std::string ModernImageOfEverything();
 
 /// How one read ended.
 struct FaultOutcome {
@@ -48,7 +52,7 @@ protected:
     using CallSink = std::function<void(const DataModel::RecordedCall&)>;
 
     /// One read into a model, with all types and every callback set. A file whose name ends in
-    /// ".exe" is read as a Windows image, any other as ELF.
+    /// ".exe" is read as a Windows image, in ".out" as COFF, any other as ELF.
     /// @param sink receives each call after the model has answered it; may be empty
     FaultOutcome Read(DataModel::Model& model, const std::string& path, const CallSink& sink = {});
 
