@@ -4,7 +4,7 @@ import random
 import struct
 import sys
 
-from image import TAGS, CoffImage, Image, PeImage, uleb
+from image import TAGS, CoffImage, Description, Image, PeImage, uleb
 
 
 def unit_of(fill):
@@ -865,6 +865,77 @@ def anonymous_structures_of_one_type(n):
     return unit_of(fill)
 
 
+def units_of_one_signature(n):
+    """Type units that all claim one signature, and as many variables of it."""
+    image = Image()
+    image.begin_modern_unit()
+    for index in range(n):
+        image.entry("variable", name="v", type_signature=7, address=0x1000 + 8 * index)
+    image.end_unit()
+    for index in range(n):
+        image.begin_type_unit(7)
+        image.entry("struct", size=8, name=f"S{index}")
+        image.end_unit()
+    return image
+
+
+def overlapping_text_tables(n):
+    """n units whose tables of texts each begin one text further and reach to the end of the section."""
+    image = Image()
+    name = image.string("name")
+    image.text_offsets += struct.pack("<I", name) * n
+    for index in range(n):
+        image.begin_modern_unit(text_offsets_base=8 + 4 * index)
+        image.entry("struct", indexed_name=n - 1 - index, size_nothing=0)
+        image.end_unit()
+    return image
+
+
+def location_lists_without_end(n):
+    """One list that only the section ends; each of n variables begins one entry further."""
+    image = Image()
+    entry = b"\4\0\4\5\3" + struct.pack("<I", 0x1000)
+    image.location_lists += entry * n
+    image.begin_modern_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    for index in range(n):
+        image.entry("variable", name="v", type=integer, location_list=len(entry) * index)
+    image.end_unit()
+    return image
+
+
+def old_location_lists_without_end(n):
+    """The same in .debug_loc."""
+    image = Image()
+    entry = bytes(4) + b"\1\0\0\0\5\0\3" + struct.pack("<I", 0x1000)
+    image.locations += entry * n
+    image.begin_unit()
+    integer = image.entry("base", name="int", size=4, encoding=5)
+    for index in range(n):
+        image.entry("variable", name="v", type=integer, location_list=len(entry) * index)
+    image.end_unit()
+    return image
+
+
+def circle_of_imported_units(n):
+    """Partial units, each of which imports the next one, and the last the first."""
+    image = Image()
+    laters = [Image.Later() for _ in range(n)]
+    for index in range(n):
+        image.begin_unit(open_root=False)
+        image.entry("partial_unit", children=True, at=laters[index], name="p")
+        image.entry("imported_unit", imported=laters[(index + 1) % n])
+        integer = image.entry("base", name="int", size=4, encoding=5)
+        image.entry("variable", name=f"v{index}", type=integer, address=0x1000 + 4 * index)
+        image.end()
+        image.end_unit(open_root=False)
+    return image
+
+
+def members_of_anonymous_structures_in_full(n):
+    return members_of_anonymous_structures(n)
+
+
 def deep_anonymous_structures_in_full(n):
     return deep_anonymous_structures(n)
 
@@ -887,13 +958,17 @@ SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymo
          "itanium_names_of_suffixes": 200_000, "one_long_text": 400_000, "damaged_units": 20_000,
          "codes_of_one_bucket": 12_500, "abbreviation_offsets_of_one_bucket": 12_500,
          "addresses_of_one_bucket": 6_250, "signatures_of_one_bucket": 12_500,
-         "doubling_anonymous_structures_in_full": 20_000, "damaged_units_in_full": 20_000, "type_units": MILLION, "circle_of_signatures": MILLION}
+         "doubling_anonymous_structures_in_full": 20_000, "damaged_units_in_full": 20_000, "type_units": MILLION,
+         "circle_of_signatures": MILLION, "units_of_one_signature": MILLION}
 FULL = ["mIsFullReading=1"]
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "type_units": FULL, "circle_of_signatures": FULL, "indices_of_one_long_text": FULL,
            "variables_of_one_long_list": FULL, "signatures_of_one_bucket": FULL, "origin_chain": FULL,
            "origin_circle": FULL, "anonymous_structures_of_one_type": FULL,
            "deep_anonymous_structures_in_full": FULL, "doubling_anonymous_structures_in_full": FULL,
+           "units_of_one_signature": FULL, "overlapping_text_tables": FULL, "location_lists_without_end": FULL,
+           "old_location_lists_without_end": FULL, "circle_of_imported_units": FULL,
+           "members_of_anonymous_structures_in_full": FULL,
            "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
@@ -930,3 +1005,29 @@ COMMANDS = [(command, case, n) for case, n, commands in [
     (variables_of_one_name, 50_000, "vars find dump"),
     (members_fan, USUAL_SIZE, "leaves types dump"),
 ] for command in commands.split()]
+
+
+# Descriptions for `brindle a2l update`, in which a file of one comment can be included as "part".
+
+def a2l_of_many_includes(n):
+    return Description('/include "part" ' * n)
+
+
+def a2l_of_nested_blocks(n):
+    return Description("/begin IF_DATA X " + "/begin B " * n + "/end B " * n + "/end IF_DATA")
+
+
+def a2l_of_one_name(n):
+    return Description('/begin MEASUREMENT v "" UWORD C 0 0 0 1 ECU_ADDRESS 1 /end MEASUREMENT ' * n)
+
+
+def a2l_of_long_paths(n):
+    """Objects whose names ask for sqrt(n) steps each."""
+    side = int(n ** 0.5)
+    path = "v" + "[0].m" * side
+    return Description(f'/begin MEASUREMENT {path} "" UWORD C 0 0 0 1 /end MEASUREMENT ' * side)
+
+
+DESCRIPTIONS = [(a2l_of_many_includes, MILLION), (a2l_of_nested_blocks, MILLION), (a2l_of_one_name, USUAL_SIZE),
+                (a2l_of_long_paths, MILLION)]
+HELPERS |= {case.__name__ for case, _ in DESCRIPTIONS}

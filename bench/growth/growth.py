@@ -139,11 +139,17 @@ def measure_commands(arguments, path):
           "| Bytes per byte | Growth of memory |")
     print("|---|---|---|---|---|---|---|---|---|")
     failures = []
-    for command, function, n in cases.COMMANDS:
+    image = path.with_name("one.elf")
+    write(cases.variables_of_one_name, 1, image)
+    path.with_name("part").write_text("/* nothing */\n")
+    commands = [(command, function, n, [command, path, *(["v", "v[0][0]", "v.m.m"] if command == "find" else [])])
+                for command, function, n in cases.COMMANDS]
+    commands += [("a2l update", function, n, ["a2l", "update", path, image]) for function, n in cases.DESCRIPTIONS]
+    for command, function, n, words in commands:
         name = f"{command} {function.__name__}"
         if arguments.cases and function.__name__ not in arguments.cases:
             continue
-        words = [PROGRAM, command, path, *(["v", "v[0][0]", "v.m.m"] if command == "find" else [])]
+        words = [PROGRAM, *words]
         rows = measure(function, max(1, int(n * arguments.scale)), words, arguments.repeats, path)
         failures += show(name, rows, is_command=True)
         if rows[-1][3].status < 0 or rows[-1][3].status > 1:

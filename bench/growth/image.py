@@ -5,7 +5,7 @@ import struct
 TAGS = dict(array=0x01, class_=0x02, enumeration=0x04, parameter=0x05, block=0x0B, member=0x0D, pointer=0x0F,
             unit=0x11, struct=0x13, subroutine=0x15, typedef=0x16, union=0x17, inheritance=0x1C, subrange=0x21,
             base=0x24, const=0x26, enumerator=0x28, subprogram=0x2E, template_parameter=0x2F, variable=0x34,
-            namespace=0x39, type_unit=0x41)
+            namespace=0x39, partial_unit=0x3C, imported_unit=0x3D, type_unit=0x41)
 
 # Those that end with "nothing" take no byte: the form itself means a value, which is 1 then.
 ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), size=(0x0B, 0x0F),
@@ -15,7 +15,7 @@ ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), 
                   long_linkage_name=(0x6E, 0x0E), producer=(0x25, 0x08), name_nothing=(0x03, 0x19),
                   type_nothing=(0x49, 0x19), size_nothing=(0x0B, 0x19), offset_nothing=(0x38, 0x19),
                   bit_size_nothing=(0x0D, 0x19), indexed_name=(0x03, 0x1A), type_signature=(0x49, 0x20),
-                  signature=(0x69, 0x20), text_offsets_base=(0x72, 0x17))
+                  signature=(0x69, 0x20), imported=(0x18, 0x10), text_offsets_base=(0x72, 0x17))
 
 
 def uleb(value):
@@ -154,6 +154,16 @@ class Image:
         parts[0] = (b"\x7fELF\1\1\1" + bytes(9) +
                     struct.pack("<HHIIIIIHHHHHH", 2, 40, 1, 0, 0, position, 0, 52, 0, 0, 40, count, count - 1))
         return b"".join(parts) + headers
+
+
+class Description:
+    """An A2L file of one module."""
+
+    def __init__(self, body):
+        self.body = body
+
+    def content(self):
+        return f'/begin PROJECT p "" /begin MODULE m "" {self.body} /end MODULE /end PROJECT\n'.encode()
 
 
 class CoffImage(Image):
