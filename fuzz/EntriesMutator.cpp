@@ -1,5 +1,5 @@
-// How libFuzzer mutates inputs of the target "entries": records stay whole, so that an entry keeps
-// its meaning when others are added or removed.
+// How libFuzzer mutates inputs of the targets made of entries: records stay whole, so that an entry
+// keeps its meaning when others are added or removed.
 #include "support/EntryInput.h"
 #include "support/ReadChoices.h"
 

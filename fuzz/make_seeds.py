@@ -28,6 +28,10 @@ CHOICES = [
 ]
 FULL = CHOICES[-1]
 
+# Images with type units, index tables of texts and addresses, references by signature, and other languages.
+MODERN = ["arm-c-types-dwarf5", "arm-cpp-types-dwarf4", "x86_64-clang-device-O2", "x86_64-clang-cpp-lto",
+          "x86_64-rust", "x86_64-ada", "x86_64-fortran"]
+
 DEMANGLER = """
 _ZN5plant6Device6sCountE _ZN1aIiE1bE _ZNK3ns18Outer5InnerIcLi3EE4nameE _ZN12_GLOBAL__N_13fooE _ZL4gMax
 _ZZ4mainE5count _ZN3std6vectorIiSaIiEE4sizeE _ZTV6Device _ZStlsISt11char_traitsIcE _Z3fooi ___Z3foo
@@ -150,12 +154,12 @@ class Seeds:
         folder.mkdir(parents=True, exist_ok=True)
         (folder / name).write_bytes(content)
 
-    def images(self, samples):
+    def images(self, samples, all_choices):
         for path in samples:
             data = path.read_bytes()
             is_elf = data.startswith(b"\x7fELF")
             container = "elf" if is_elf else "pe" if data.startswith(b"MZ") else "coff"
-            for index, choices in enumerate(CHOICES[:2] if len(data) > 20000 else CHOICES):
+            for index, choices in enumerate(all_choices[:2] if len(data) > 20000 else all_choices):
                 head = bytes([CONTAINERS[container]]) + choices[1:]
                 self.add("read", f"{path.name}-{index}", head + data)
             if is_elf:
@@ -167,6 +171,10 @@ class Seeds:
             contents = one_unit(elf, unit, strings=index % 2 == 0)
             packed = pack_sections(elf, contents, container=index % 3)
             self.add("sections", f"{name}-{index}", choices + packed)
+        if ".debug_types" in elf.sections:
+            types = {key: elf.sections[key] for key in (".debug_types", ".debug_abbrev")}
+            types[".debug_info"] = next(elf.units())
+            self.add("sections", f"{name}-types", FULL + pack_sections(elf, types))
         symbols = {key: elf.sections.get(key, b"") for key in (".symtab", ".strtab")}
         self.add("sections", f"{name}-symbols", CHOICES[2] + pack_sections(elf, symbols))
 
@@ -174,9 +182,10 @@ class Seeds:
         numbers = random.Random(1)
         for index in range(count):
             size = ENTRY_BYTES * numbers.choice([4, 10, 30, 80])
-            target = bytes([numbers.choice([0, 1, 2, 4, 8, 11])])
+            target = bytes([numbers.choice([0, 1, 2, 4, 8, 11, 0x40, 0x43])])
             content = CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size)
-            self.add("entries", f"random-{index}", content)
+            for name in ("entries", "versions"):
+                self.add(name, f"random-{index}", content)
 
     def texts(self):
         for index, name in enumerate(DEMANGLER):
@@ -204,7 +213,8 @@ def main():
     parser.add_argument("folder", type=pathlib.Path)
     seeds = Seeds(parser.parse_args().folder)
     images = sorted((ROOT / "tests" / "samples" / "images").glob("*.*"))
-    seeds.images(path for path in images if path.stat().st_size < 40000)
+    seeds.images([path for path in images if path.stat().st_size < 40000], CHOICES)
+    seeds.images([ROOT / "tests" / "samples" / "images" / "full" / f"{name}.elf" for name in MODERN], [FULL])
     seeds.entries(60)
     seeds.texts()
 

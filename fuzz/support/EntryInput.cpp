@@ -131,6 +131,17 @@ Record TakeRecord(InputBytes& input) {
     return record;
 }
 
+/// Bit of `Record::attributes`.
+constexpr std::uint32_t sHasLocation = 1U << 7U;
+constexpr std::uint8_t sLocationListChoice = 2;
+constexpr std::uint8_t sLocationChoices = 8;
+/// `Record::forms`: bit 14 is an encoding.
+constexpr std::uint8_t sEncodingForm = 0x04;
+/// `Record::forms`: bit 3 is an abstract origin.
+constexpr std::uint8_t sOriginForm = 0x10;
+/// `Record::forms`: bit 6 counts from the start of the structure.
+constexpr std::uint8_t sDataBitForm = 0x20;
+
 class TreeBuilder {
 public:
     explicit TreeBuilder(std::vector<Record> records)
@@ -182,10 +193,14 @@ private:
         add(1, LinkageName(Choose(sNames, record.name / 8U + 9U), textForm));
         // References into other units need the form that counts from the section's start.
         add(2, Type(Target(record.type), DW_FORM_ref_addr));
-        add(3, Specification(Target(record.specification), DW_FORM_ref_addr));
+        add(3, Reference((record.forms & sOriginForm) != 0 ? DW_AT_abstract_origin
+                                                           : DW_AT_specification,
+                         DW_FORM_ref_addr, Target(record.specification)));
         add(4, ByteSize(record.number, numberForm));
         add(5, BitSize(record.number % 256));
-        add(6, BitOffset(record.number / 256));
+        add(6, (record.forms & sDataBitForm) != 0
+                   ? Number(DW_AT_data_bit_offset, DW_FORM_udata, record.number / 256)
+                   : BitOffset(record.number / 256));
         add(7, VariableLocation(record));
         add(8, MemberOffset(record.number, numberForm));
         add(9, Declaration());
@@ -193,20 +208,20 @@ private:
         add(11, LowerBound(signedNumber));
         add(12, UpperBound(signedNumber));
         add(13, Count(record.number, numberForm));
-        add(14,
-            (record.forms & 0x04U) != 0 ? Encoding(record.number % 32) : ConstValue(signedNumber));
+        add(14, (record.forms & sEncodingForm) != 0 ? Encoding(record.number % 32)
+                                                    : ConstValue(signedNumber));
         add(15, (record.forms & 0x08U) != 0 ? Accessibility(record.number % 4)
                                             : CompDir(Choose(sNames, record.name)));
         return attributes;
     }
 
     static DieAttribute VariableLocation(const Record& record) {
-        switch (record.location % 8) {
+        switch (record.location % sLocationChoices) {
         case 0:
             return Location({{DW_OP_fbreg, {4}}});
         case 1:
             return Location({});
-        case 2:
+        case sLocationListChoice:
             return Number(DW_AT_location, DW_FORM_data4, record.number);
         case 3:
             return Location({{DW_OP_addr, {0x1000}}, {DW_OP_bit_piece, {3, record.location}}});
@@ -221,32 +236,90 @@ private:
     bool mIsUnitOpen = true;
 };
 
-} // namespace
-
-std::string ImageOfEntries(InputBytes& input) {
-    const std::uint8_t target = input.Byte();
-    const bool is64Bit = (target & 0x01U) != 0;
-    const ByteOrder byteOrder = (target & 0x02U) != 0 ? ByteOrder::Big : ByteOrder::Little;
-    DwarfUnit unit;
-    unit.version = 2 + static_cast<int>((target >> 2U) % 3U);
-    unit.addressSize = is64Bit ? 8 : 4;
-    unit.is64BitDwarf = is64Bit && (target & 0x80U) != 0;
-
+std::vector<Record> TakeRecords(InputBytes& input) {
     std::vector<Record> records;
     while (!input.IsEmpty()) {
         records.push_back(TakeRecord(input));
     }
-    TreeBuilder tree(std::move(records));
-    DwarfSections sections(byteOrder);
-    while (!tree.IsAtEnd()) {
-        unit.entries = tree.Unit();
-        sections.Unit(unit);
+    return records;
+}
+
+/// The machine and the format of the units, by the first byte of an input.
+struct Target {
+    explicit Target(std::uint8_t choice)
+        : is64Bit((choice & 0x01U) != 0)
+        , byteOrder((choice & 0x02U) != 0 ? ByteOrder::Big : ByteOrder::Little) {
+        unit.version = 2 + static_cast<int>((choice >> 2U) % 3U);
+        unit.addressSize = is64Bit ? 8 : 4;
+        unit.is64BitDwarf = is64Bit && (choice & 0x80U) != 0;
+        isModern = (choice & 0x40U) != 0 && !unit.is64BitDwarf;
     }
-    ElfImage image(is64Bit ? ElfClass::Class64 : ElfClass::Class32, byteOrder);
+
+    [[nodiscard]] ElfImage Image() const {
+        return ElfImage(is64Bit ? ElfClass::Class64 : ElfClass::Class32, byteOrder);
+    }
+
+    bool is64Bit;
+    ByteOrder byteOrder;
+    /// Units are written as DWARF 5.
+    bool isModern = false;
+    /// Without entries.
+    DwarfUnit unit;
+};
+
+/// Writes the units of a tree, each by `write`.
+DwarfSections SectionsOf(const Target& target, const std::vector<Record>& records,
+                         void (*write)(DwarfSections&, const DwarfUnit&)) {
+    TreeBuilder tree(records);
+    DwarfSections sections(target.byteOrder);
+    while (!tree.IsAtEnd()) {
+        DwarfUnit unit = target.unit;
+        unit.entries = tree.Unit();
+        write(sections, unit);
+    }
+    return sections;
+}
+
+void WriteUnit(DwarfSections& sections, const DwarfUnit& unit) {
+    sections.Unit(unit);
+}
+
+void WriteModernUnit(DwarfSections& sections, const DwarfUnit& unit) {
+    sections.ModernUnit(unit);
+}
+
+/// Symbols that variables without location are looked up by.
+void AddSymbols(ElfImage& image) {
     for (const char* name : {"a", "b", "_c", "_ZN5outer1aE", "a__5outer", "only"}) {
         image.Symbol({name, 0x1004, 4});
     }
-    return (image + sections).Build();
+}
+
+} // namespace
+
+std::string ImageOfEntries(InputBytes& input) {
+    const Target target(input.Byte());
+    ElfImage image = target.Image();
+    AddSymbols(image);
+    const std::vector<Record> records = TakeRecords(input);
+    return (image + SectionsOf(target, records, target.isModern ? WriteModernUnit : WriteUnit))
+        .Build();
+}
+
+std::pair<std::string, std::string> ImagesOfVersions(InputBytes& input) {
+    Target target(input.Byte());
+    target.unit.version = 4;
+    target.unit.is64BitDwarf = false;
+    std::vector<Record> records = TakeRecords(input);
+    for (Record& record : records) {
+        if (record.location % sLocationChoices == sLocationListChoice) {
+            record.attributes &= ~sHasLocation;
+        }
+    }
+    ElfImage image = target.Image();
+    AddSymbols(image);
+    return {(image + SectionsOf(target, records, WriteUnit)).Build(),
+            (image + SectionsOf(target, records, WriteModernUnit)).Build()};
 }
 
 } // namespace Tessel::Norn::Brindle::Fuzzing

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Fuzzing {
 
@@ -15,5 +16,9 @@ constexpr std::size_t sEntryBytes = 14;
 
 /// Takes a byte for the target and then records to the end of the input; returns the file.
 std::string ImageOfEntries(InputBytes& input);
+
+/// One tree as a compiler for DWARF 4 writes it, and as one for DWARF 5 does. In 32-bit DWARF, and
+/// with expressions as the only locations: lists differ between the versions.
+std::pair<std::string, std::string> ImagesOfVersions(InputBytes& input);
 
 } // namespace Tessel::Norn::Brindle::Fuzzing
