@@ -112,13 +112,13 @@ void AddFacts(const FileInfo& info, InfoLines& lines) {
 }
 
 void WriteSections(const DataModel::ImageDescription& image, ResultOutput& output) {
-    constexpr std::array sColumns = {Column{"address", true}, Column{"size", true}, Column{"kind"},
-                                     Column{"section"}};
-    const auto table = MakeTableWriter(TableFormat::Table, sColumns, output, StandardOutputStyle());
+    constexpr std::array columns = {Column{"address", true}, Column{"size", true}, Column{"kind"},
+                                    Column{"section"}};
+    const auto table = MakeTableWriter(TableFormat::Table, columns, output, StandardOutputStyle());
     for (const DataModel::ImageSection& section : image.sections) {
-        table->AddRow(std::array<Cell, sColumns.size()>{Address{section.address}, section.size,
-                                                        SectionKindName(section.kind),
-                                                        std::string_view(section.name)});
+        table->AddRow(std::array<Cell, columns.size()>{Address{section.address}, section.size,
+                                                       SectionKindName(section.kind),
+                                                       std::string_view(section.name)});
     }
     table->Finish();
 }

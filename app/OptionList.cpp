@@ -34,12 +34,12 @@ struct ValueText {
 } // namespace
 
 ExitStatus ListReaderOptions(ResultOutput& output) {
-    static constexpr std::array sColumns = {Column{"option"}, Column{"type"}, Column{"start"},
-                                            Column{"meaning"}};
-    const auto table = MakeTableWriter(TableFormat::Table, sColumns, output, StandardOutputStyle());
+    static constexpr std::array columns = {Column{"option"}, Column{"type"}, Column{"start"},
+                                           Column{"meaning"}};
+    const auto table = MakeTableWriter(TableFormat::Table, columns, output, StandardOutputStyle());
     for (const Reader::DWARF::OptionDescription& option : Reader::DWARF::OptionTable()) {
         const std::string value = std::visit(ValueText(), option.variable);
-        table->AddRow(std::array<Cell, sColumns.size()>{
+        table->AddRow(std::array<Cell, columns.size()>{
             option.name, std::visit(TypeName(), option.variable), value, option.meaning});
     }
     table->Finish();

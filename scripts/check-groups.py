@@ -33,11 +33,11 @@ def sources_of(group):
 
 
 def read_group(command):
-    """Returns what the compiler has against a group. Warnings are the business of other builds."""
+    """Returns what the compiler has against a group."""
     arguments = shlex.split(command["command"])
     output = arguments.index("-o")
     del arguments[output:output + 2]
-    result = subprocess.run([*arguments, "-w", "-O0", "-fsyntax-only"], cwd=command["directory"],
+    result = subprocess.run([*arguments, "-O0", "-fsyntax-only"], cwd=command["directory"],
                             check=False, capture_output=True, text=True)
     return result.returncode, result.stderr
 

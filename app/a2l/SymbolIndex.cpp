@@ -519,15 +519,15 @@ const MemberTable& SymbolIndex::MembersOf(ObjectId type) const {
 }
 
 std::vector<DataModel::ObjectId> SymbolIndex::TypesAt(ObjectId type, std::uint64_t offset) const {
-    struct Part {
+    struct PlacedType {
         ObjectId type;
         std::uint64_t offset;
     };
-    std::vector<Part> parts{{type, offset}};
+    std::vector<PlacedType> parts{{type, offset}};
     std::vector<ObjectId> types;
     for (std::size_t position = 0; position < parts.size() && parts.size() < sMostTypes;
          ++position) {
-        const Part part = parts[position];
+        const PlacedType part = parts[position];
         if (part.offset == 0) {
             types.push_back(part.type);
         }

@@ -284,9 +284,9 @@ private:
         if (!Holds(position, "b_")) {
             return Fail();
         }
-        constexpr std::string_view sMark = "__b";
-        if (mWritePosition + sMark.size() < sSegmentSize) {
-            sMark.copy(mSegments[mSegment].data() + mWritePosition, sMark.size());
+        constexpr std::string_view mark = "__b";
+        if (mWritePosition + mark.size() < sSegmentSize) {
+            mark.copy(mSegments[mSegment].data() + mWritePosition, mark.size());
         }
         NoteList(position + 2);
         Push(FrameState::Scanning, position + 2, Top().end);
