@@ -172,16 +172,15 @@ void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
     std::rotate(arguments.begin(), command, behind);
 }
 
-ExitStatus CommandLine::Run(const Arguments& arguments, ResultOutput& output) {
-    Arguments words = arguments;
-    if (!words.empty()) {
-        words.erase(words.begin());
+ExitStatus CommandLine::Run(Arguments arguments, ResultOutput& output) {
+    if (!arguments.empty()) {
+        arguments.erase(arguments.begin());
     }
-    ChooseMessageLanguage(LanguageOf(words));
-    MoveOptionsBehindCommand(words);
+    ChooseMessageLanguage(LanguageOf(arguments));
+    MoveOptionsBehindCommand(arguments);
     // The parser would look for a command after a word that isn't one.
     const CLI::App* group = &mProgram;
-    for (const std::string& word : words) {
+    for (const std::string& word : arguments) {
         if (group->get_subcommands({}).empty() || IsOption(word)) {
             break;
         }
@@ -192,8 +191,8 @@ ExitStatus CommandLine::Run(const Arguments& arguments, ResultOutput& output) {
     }
     try {
         // The parser takes the words from the end.
-        std::ranges::reverse(words);
-        mProgram.parse(words);
+        std::ranges::reverse(arguments);
+        mProgram.parse(arguments);
         ChooseColours(ColourChoiceOf(mColours));
         if (!mChosenAction) {
             throw CLI::RequiredError(Phrased("a command"));

@@ -50,7 +50,7 @@ public:
     using Arguments = std::vector<std::string>;
 
     /// Reads the arguments, the program's own name first, and runs the command that they name.
-    ExitStatus Run(const Arguments& arguments, ResultOutput& output);
+    ExitStatus Run(Arguments arguments, ResultOutput& output);
 
 private:
     ExitStatus WriteHelp(const Arguments& names, ResultOutput& output) const;

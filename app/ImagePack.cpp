@@ -1,5 +1,6 @@
 #include "ImagePack.h"
 
+#include "JsonOutput.h"
 #include "ReadSession.h"
 #include "StructureLayout.h"
 
@@ -76,29 +77,18 @@ std::string_view ContainerWord(Reader::DWARF::DWARFContainerType container) {
     return container == Container::Container_PE ? "PE" : "ELF";
 }
 
-void WriteText(PackWriter& json, std::string_view key, std::string_view text) {
-    json.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
-    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
-}
-
-void WriteNumber(PackWriter& json, std::string_view key, std::uint64_t number) {
-    json.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
-    json.Uint64(number);
-}
-
 /// What the headers of the file say; nothing if they were not read.
 void WriteHeaders(PackWriter& json, const DataModel::ImageDescription& image) {
     if (image.path.empty()) {
         return;
     }
-    WriteText(json, "byteOrder", image.byteOrder == DataModel::ByteOrder::Big ? "big" : "little");
-    WriteNumber(json, "machine", image.machine);
-    WriteNumber(json, "addressSize", image.AddressSize());
-    WriteNumber(json, "fileSize", image.fileSize);
-    json.Key("isLinked");
-    json.Bool(image.isLinked);
-    json.Key("isWordAddressed");
-    json.Bool(image.isWordAddressed);
+    const bool isBigEndian = image.byteOrder == DataModel::ByteOrder::Big;
+    WriteField(json, "byteOrder", std::string_view(isBigEndian ? "big" : "little"));
+    WriteField(json, "machine", std::uint64_t{image.machine});
+    WriteField(json, "addressSize", std::uint64_t{image.AddressSize()});
+    WriteField(json, "fileSize", std::uint64_t{image.fileSize});
+    WriteField(json, "isLinked", image.isLinked);
+    WriteField(json, "isWordAddressed", image.isWordAddressed);
 }
 
 } // namespace
@@ -260,11 +250,10 @@ std::uint32_t ImagePack::UnitText(ObjectId id) {
 
 void ImagePack::Write(PackWriter& json) const {
     json.StartObject();
-    WriteText(json, "file", mFile);
-    WriteText(json, "container", ContainerWord(mResult.container));
-    json.Key("isComplete");
-    json.Bool(mResult.isOk);
-    WriteText(json, "error", mResult.error);
+    WriteField(json, "file", mFile);
+    WriteField(json, "container", ContainerWord(mResult.container));
+    WriteField(json, "isComplete", mResult.isOk);
+    WriteField(json, "error", mResult.error);
     WriteHeaders(json, mModel.Image());
     json.Key("texts");
     mTexts.Write(json);
@@ -277,7 +266,7 @@ void ImagePack::Write(PackWriter& json) const {
          {"variables", &mVariables},
          {"sections", &mSections}}};
     for (const auto& [name, table] : tables) {
-        json.Key(name.data(), static_cast<rapidjson::SizeType>(name.size()));
+        WriteKey(json, name);
         table->Write(json);
     }
     json.Key("values");

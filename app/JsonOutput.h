@@ -16,25 +16,32 @@ inline constexpr std::uint64_t kJsonVersion = 1;
 
 using JsonWriter = rapidjson::Writer<ResultOutput>;
 
-inline void WriteText(JsonWriter& json, std::string_view text) {
+// Templates, since a report is written to an output of its own.
+
+template <typename Output>
+void WriteText(rapidjson::Writer<Output>& json, std::string_view text) {
     json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
-inline void WriteKey(JsonWriter& json, std::string_view key) {
+template <typename Output>
+void WriteKey(rapidjson::Writer<Output>& json, std::string_view key) {
     json.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
 }
 
-inline void WriteField(JsonWriter& json, std::string_view key, std::string_view text) {
+template <typename Output>
+void WriteField(rapidjson::Writer<Output>& json, std::string_view key, std::string_view text) {
     WriteKey(json, key);
     WriteText(json, text);
 }
 
-inline void WriteField(JsonWriter& json, std::string_view key, std::uint64_t number) {
+template <typename Output>
+void WriteField(rapidjson::Writer<Output>& json, std::string_view key, std::uint64_t number) {
     WriteKey(json, key);
     json.Uint64(number);
 }
 
-inline void WriteField(JsonWriter& json, std::string_view key, bool flag) {
+template <typename Output>
+void WriteField(rapidjson::Writer<Output>& json, std::string_view key, bool flag) {
     WriteKey(json, key);
     json.Bool(flag);
 }

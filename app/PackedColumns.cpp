@@ -1,5 +1,7 @@
 #include "PackedColumns.h"
 
+#include "JsonOutput.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -63,21 +65,17 @@ constexpr bool IsPlain(char character) {
            character != '<';
 }
 
-void WriteString(PackWriter& json, std::string_view text) {
+} // namespace
+
+void PackWriter::FastText(std::string_view text) {
     if (std::ranges::all_of(text, IsPlain)) {
-        json.PlainString(text);
+        PlainText(text);
     } else {
-        json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+        WriteText(*this, text);
     }
 }
 
-void WriteKey(PackWriter& json, std::string_view key) {
-    json.Key(key.data(), static_cast<rapidjson::SizeType>(key.size()));
-}
-
-} // namespace
-
-void PackWriter::PlainString(std::string_view text) {
+void PackWriter::PlainText(std::string_view text) {
     Prefix(rapidjson::kStringType);
     os_->Write("\"");
     os_->Write(text);
@@ -109,7 +107,7 @@ std::uint32_t TextTable::NumberOfCopy(std::string text) {
 void TextTable::Write(PackWriter& json) const {
     json.StartArray();
     for (const std::string_view text : mTexts) {
-        WriteString(json, text);
+        json.FastText(text);
     }
     json.EndArray();
 }
@@ -127,14 +125,14 @@ void WriteColumn(PackWriter& json, std::string_view key, std::span<const std::ui
     std::string text = std::to_string(width) + ":";
     AppendBase64(text, bytes);
     WriteKey(json, key);
-    json.PlainString(text);
+    json.PlainText(text);
 }
 
 void WriteBytes(PackWriter& json, std::string_view key, std::span<const std::uint8_t> bytes) {
     std::string text;
     AppendBase64(text, bytes);
     WriteKey(json, key);
-    json.PlainString(text);
+    json.PlainText(text);
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "DecisionGuard.h"
 #include "DifferencePack.h"
+#include "FileReplacement.h"
 #include "ImagePack.h"
 #include "Message.h"
 #include "ModelComparison.h"
@@ -10,7 +11,6 @@
 #include "Platform.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
-#include "ReplacedFile.h"
 #include "ReportPage.h"
 #include "ResultOutput.h"
 
@@ -70,8 +70,11 @@ ExitStatus WritePageTo(const std::string& report, ResultOutput& standardOutput,
         return ExitStatus::Success;
     }
     try {
-        ReplacedFile file(report);
-        write(file.Output());
+        FileReplacement file(report);
+        ResultOutput page(file.Buffer());
+        write(page);
+        page.Sync();
+        file.Finish();
         file.Commit();
         return ExitStatus::Success;
     } catch (const std::system_error& error) {

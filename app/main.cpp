@@ -11,6 +11,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -18,7 +19,7 @@ namespace {
 namespace Program = Tessel::Norn::Brindle::Program;
 using Program::ExitStatus;
 
-ExitStatus RunCommand(const std::vector<std::string>& arguments) {
+ExitStatus RunCommand(std::vector<std::string> arguments) {
     Program::ResultOutput output(*std::cout.rdbuf());
     Program::SetProgramDefaults();
     Program::CommandLine commandLine;
@@ -34,7 +35,7 @@ ExitStatus RunCommand(const std::vector<std::string>& arguments) {
     AddA2lCommands(commandLine);
     AddDemangleCommand(commandLine);
     commandLine.AddHelpCommand();
-    const ExitStatus status = commandLine.Run(arguments, output);
+    const ExitStatus status = commandLine.Run(std::move(arguments), output);
     output.Sync();
     return status;
 }
