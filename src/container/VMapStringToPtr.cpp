@@ -15,7 +15,7 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 // Sizes beyond the count of entries that a map can hold are of no use.
-constexpr std::array<std::uint32_t, 28> kBucketCounts{
+constexpr std::array<std::uint32_t, 28> sBucketCounts{
     17,       37,       79,        163,       331,       673,        1361,
     2729,     5471,     10949,     21911,     43853,     87719,      175447,
     350899,   701819,   1403641,   2807303,   5614657,   11229331,   22458671,
@@ -180,8 +180,8 @@ void VMapStringToPtr::LinkEntry(Entry* entry) {
 }
 
 void VMapStringToPtr::GrowHashTable() {
-    const auto* newSize = std::ranges::upper_bound(kBucketCounts, mHashTableSize);
-    if (newSize == kBucketCounts.end()) {
+    const auto* newSize = std::ranges::upper_bound(sBucketCounts, mHashTableSize);
+    if (newSize == sBucketCounts.end()) {
         return;
     }
     std::unique_ptr<Entry*[]> oldTable(new (std::nothrow) Entry* [*newSize] {});

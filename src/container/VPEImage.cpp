@@ -18,6 +18,7 @@ constexpr std::uint16_t sMark = 0x5A4D;
 constexpr std::uint64_t sSignatureField = 0x3C;
 constexpr std::uint64_t sDosHeaderSize = 64;
 
+// NOLINTBEGIN(readability-identifier-naming)
 /// Positions of the fields of the format, under its own names.
 namespace Field {
 
@@ -50,11 +51,12 @@ constexpr std::uint64_t StorageClass = 16;
 constexpr std::uint64_t AuxiliaryCount = 17;
 
 } // namespace Field
+// NOLINTEND(readability-identifier-naming)
 
 constexpr std::uint64_t sPESectionHeaderSize = 40;
 constexpr std::uint64_t sPESymbolSize = 18;
 
-constexpr std::uint16_t sMachineX86_64 = 0x8664;
+constexpr std::uint16_t sMachineX64 = 0x8664;
 constexpr std::uint16_t sDllFlag = 0x2000;
 
 /// Storage classes of symbols, and the bit of the type that marks functions.
@@ -120,7 +122,7 @@ void VPEImage::ReadFileHeader() {
 }
 
 bool VPEImage::Is64Bit() const {
-    return mMachine == sMachineX86_64;
+    return mMachine == sMachineX64;
 }
 
 DataModel::ImageSection VPEImage::PlacedSection(std::size_t index) const {

@@ -7,21 +7,21 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-thread_local bool sIsSilent = false;
+thread_local bool gIsSilent = false;
 
 } // namespace
 
 std::ostream& ConsoleOutput() {
     // A stream without a buffer fails at the first write and drops everything after it.
     thread_local std::ostream sNowhere(nullptr);
-    return sIsSilent ? sNowhere : std::cout;
+    return gIsSilent ? sNowhere : std::cout;
 }
 
 ConsoleSilence::ConsoleSilence()
-    : mWasSilent(std::exchange(sIsSilent, true)) {}
+    : mWasSilent(std::exchange(gIsSilent, true)) {}
 
 ConsoleSilence::~ConsoleSilence() {
-    sIsSilent = mWasSilent;
+    gIsSilent = mWasSilent;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

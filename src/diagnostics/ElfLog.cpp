@@ -25,7 +25,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::size_t sMaximumComponentLength = 255;
 constexpr std::size_t sLongestLogFileName = 259;
 
-Clock::time_point sProgStart;
+Clock::time_point gProgStart;
 
 bool IsLogOpen() {
     return VElfOptions::mIsLogFile != 0 && VElfOptions::mLogFile.is_open();
@@ -141,11 +141,11 @@ void elfilog(const char* format, ...) {
 }
 
 void s_initElfLogTimer() {
-    sProgStart = Clock::now();
+    gProgStart = Clock::now();
 }
 
 double GetLogTimeMs() {
-    return std::chrono::duration<double, std::milli>(Clock::now() - sProgStart).count();
+    return std::chrono::duration<double, std::milli>(Clock::now() - gProgStart).count();
 }
 
 const char* GetLogTimeStamp() {
