@@ -21,7 +21,7 @@ mapfile -t files < <(python3 - "$folder/compile_commands.json" "$PWD" "$pattern"
 import json, pathlib, re, sys
 
 commands, root, pattern = sys.argv[1:]
-own = re.compile(rf"{root}/((src|capi|app|tests|bench|fuzz)/.*\.cpp|build/tidy/.*/Unity/.*)$")
+own = re.compile(rf"{root}/((src|capi|app|tests|bench|fuzz)/.*\.cpp|build/tidy/.*/Unity/.*\.cxx)$")
 for command in json.load(open(commands)):
     path = command["file"]
     if own.match(path):

@@ -112,6 +112,30 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
     EXPECT_THAT(ScopedVariables(Read(sections, false)), IsEmpty());
 }
 
+// Name and scope come from entries of one name, however far a damaged chain goes on.
+TEST_F(FullTreeTest, AChainOfSpecificationsGoesNoFurtherThanItsName) {
+    const DieLabel number, other, nameless, ofOther, ofNameless;
+    const DwarfSections sections = Unit({
+        UInt(number, 4),
+        Die(DW_TAG_namespace, {Name("far")},
+            {Die(other, DW_TAG_variable, {Name("other"), External(), Declaration()}),
+             Die(nameless, DW_TAG_variable, {Declaration()})}),
+        Die(DW_TAG_namespace, {Name("near")},
+            {Die(ofOther, DW_TAG_variable,
+                 {Name("first"), Type(number), Declaration(), Specification(other)}),
+             Die(ofNameless, DW_TAG_variable,
+                 {Name("second"), Type(number), Declaration(), Specification(nameless)})}),
+        Die(DW_TAG_variable, {Specification(ofOther), Address(0x1000)}),
+        Die(DW_TAG_variable, {Specification(ofNameless), Address(0x1004)}),
+        Die(DW_TAG_variable, {Name("own"), Type(number), Specification(ofOther), Address(0x1008)}),
+    });
+    for (const bool isFull : {false, true}) {
+        EXPECT_THAT(ScopedVariables(Read(sections, isFull)),
+                    ElementsAre("near::first@4096 uint32", "near::second@4100 uint32",
+                                "near::own@4104 uint32"));
+    }
+}
+
 // An inlined function appears in its abstract instance, and in each concrete instance again.
 TEST_F(FullTreeTest, AStaticVariableOfAnInlinedFunctionIsThereOnce) {
     const DieLabel number, function, count;

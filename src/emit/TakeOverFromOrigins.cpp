@@ -10,6 +10,8 @@
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
 
+#include <string_view>
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
@@ -18,13 +20,21 @@ namespace {
 /// damaged files have longer chains.
 constexpr int sMaximumOrigins = 16;
 
-/// Takes type and external flag from the nearest origin that has them, and the scope from the last
-/// origin, whose parent is the scope. A variable without a named origin, such as an anonymous union
-/// of C++ in a namespace, keeps no name and so is not delivered.
+/// Takes type and external flag from the nearest origin that has them, and name and scope from the
+/// last origin of the variable's name, whose parent is the scope: what a damaged file has beyond it
+/// is another thing. A variable without a named origin, such as an anonymous union of C++ in a
+/// namespace, keeps no name and so is not delivered.
 void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
     VDebugInfoNode* origin = &nearest;
+    VDebugInfoNode* declaration = &nearest;
     bool hasName = variable.HasNameAttribute();
-    for (int link = 0; link < sMaximumOrigins; ++link) {
+    std::string_view name = variable.GetName();
+    for (int link = 0; link < sMaximumOrigins && origin != nullptr; ++link) {
+        const std::string_view nameOfOrigin = origin->GetName();
+        name = name.empty() ? nameOfOrigin : name;
+        if (nameOfOrigin == name) {
+            declaration = origin;
+        }
         if (VDebugInfoNode* type = origin->GetTypeNode();
             type != nullptr && variable.GetTypeNode() == nullptr) {
             variable.SetTypeNode(*type);
@@ -33,16 +43,12 @@ void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
             variable.SetExternal();
         }
         hasName = hasName || origin->HasNameAttribute();
-        VDebugInfoNode* next = origin->GetSpecificationNode();
-        if (next == nullptr) {
-            break;
-        }
-        origin = next;
+        origin = origin->GetSpecificationNode();
     }
     if (!hasName) {
         variable.ClearSpecification();
-    } else if (origin != &nearest && origin != &variable) {
-        variable.SetSpecificationNode(*origin);
+    } else if (declaration != &nearest && declaration != &variable) {
+        variable.SetSpecificationNode(*declaration);
     }
 }
 
