@@ -65,7 +65,7 @@ export class ChangesView implements View {
       canOpen: (item) => (this.childrenOf(item)?.count ?? 0) > 0,
       rowClass: (item) => (item.kind === "cause" ? "is-group" : ""),
       onActivate: (item) => this.activate(item),
-      emptyText: "Nothing that fits has changed.",
+      emptyText: "No change matches.",
     });
     this.element = make("section", { class: "view changes" },
       make("div", { class: "toolbar" }, this.input, this.filters(), this.status,

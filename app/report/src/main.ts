@@ -125,7 +125,7 @@ class Page implements Context {
     for (const [index, label] of ["Old", "New"].entries()) {
       this.imageChoice.append(button(label, () => this.choose(index), {
         "aria-pressed": String(index === this.current),
-        title: "Which image map, room, variables and types show",
+        title: "Image shown in map, room, variables and types",
       }));
     }
   }
@@ -173,7 +173,7 @@ class Page implements Context {
     }
     this.show(this.variables);
     if (place === undefined) {
-      this.say(`There is nothing of the name ${argument}`);
+      this.say(`Nothing is named ${argument}`);
       this.variables.show(argument);
     } else {
       this.variables.show("");

@@ -22,7 +22,7 @@ export class MapView implements View {
   private shownImage = -1;
 
   constructor(private readonly context: Context) {
-    this.detail = new DetailPane(context, "Click a variable in the map to see all that is known of it.");
+    this.detail = new DetailPane(context, "Click a variable in the map to see everything about it.");
   }
 
   /** @param argument an address to show */
@@ -102,7 +102,7 @@ export class MapView implements View {
     return card("Regions", ["From", "To", "Size"], model.regions.map(({ start, size }) => [
       this.rangeButton(this.image.formatAddress(start), start, size),
       this.image.formatAddress(start + BigInt(Math.max(0, Math.trunc(size) - 1))), bytes(size)]),
-      "Nothing lies anywhere.");
+      "Nothing in this image has an address.");
   }
 
   private holeCard(model: MapModel): HTMLElement {
@@ -112,7 +112,7 @@ export class MapView implements View {
       ["From", "Size", "Section"],
       model.holes.map(({ start, size, section }) => [
         this.rangeButton(this.image.formatAddress(start), start, size), count(size, "byte"), section]),
-      "No section of data has room that no variable takes.");
+      "No data section has unused space.");
   }
 
   private overlapCard(model: MapModel): HTMLElement {

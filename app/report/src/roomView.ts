@@ -52,7 +52,7 @@ export class RoomView implements View {
     this.canvas = make("canvas", {
       class: "map-canvas", tabindex: 0, role: "application", "aria-roledescription": "treemap",
       "aria-label": "Treemap of the variables by size. Arrows choose a part, Enter goes into it, " +
-                    "Backspace goes back. The list beside it says the same.",
+                    "Backspace goes back. The list beside it shows the same.",
       keydown: (event: KeyboardEvent) => this.onKey(event),
       pointermove: (event: PointerEvent) => this.onMove(event),
       pointerleave: () => { this.tip.hidden = true; },

@@ -68,7 +68,7 @@ export class TypesView implements View {
         this.sorting = sorting;
         this.list();
       },
-      emptyText: "No type fits.",
+      emptyText: "No type matches.",
     });
     this.element = make("section", { class: "view types" },
       make("div", { class: "split types-split" },
@@ -252,7 +252,7 @@ export class TypesView implements View {
   private uses(entry: TypeEntry): Node[] {
     const uses = this.index.usesOf(entry);
     if (uses.length === 0) {
-      return [make("h3", {}, "Variables"), make("p", { class: "muted" }, "No variable is of it.")];
+      return [make("h3", {}, "Variables"), make("p", { class: "muted" }, "No variable has this type.")];
     }
     const items = uses.slice(0, mostUses).map((use) => {
       const place = firstPlace(this.image, use);
@@ -267,7 +267,7 @@ export class TypesView implements View {
     if (rest > 0) {
       list.append(make("li", { class: "muted" }, `… and ${number(rest)} more`));
     }
-    return [make("h3", {}, `Variables of it: ${number(uses.length)}`), list];
+    return [make("h3", {}, `Variables of this type: ${number(uses.length)}`), list];
   }
 }
 

@@ -41,7 +41,7 @@ export class VariablesView implements View {
       input: () => this.find(),
       keydown: (event: KeyboardEvent) => this.onInputKey(event),
     });
-    this.detail = new DetailPane(context, "Select a row to see all that is known of it.");
+    this.detail = new DetailPane(context, "Select a row to see everything about it.");
     this.grid = new Grid<VariableRow>({
       label: "Variables",
       columns: this.columns(),
@@ -49,7 +49,7 @@ export class VariablesView implements View {
       rowClass: (row) => (row.isFuzzy ? "is-fuzzy" : ""),
       onSelect: (row) => this.detail.show(this.image, row.place),
       onSort: (sorting) => this.sort(sorting),
-      emptyText: "Nothing fits. Fewer letters find more.",
+      emptyText: "No match. Try fewer letters.",
     });
     this.element = make("section", { class: "view variables" },
       make("div", { class: "toolbar" },
@@ -58,7 +58,7 @@ export class VariablesView implements View {
         button("Save CSV", () => this.save(), { title: "All rows of this table with their leaves" }),
       ),
       make("p", { id: "search-help", class: "help" },
-        "All words must fit; ",
+        "All words must match; ",
         ...["name:", "type:", "unit:", "section:"].flatMap((word, index) => [
           index === 0 ? "" : " ", make("code", {}, word)]),
         " look in one column. ", make("kbd", {}, "/"), " searches, ", make("kbd", {}, "↓"),
