@@ -184,7 +184,7 @@ class Seeds:
             size = ENTRY_BYTES * numbers.choice([4, 10, 30, 80])
             target = bytes([numbers.choice([0, 1, 2, 4, 8, 11, 0x40, 0x43])])
             content = CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size)
-            for name in ("entries", "versions"):
+            for name in ("entries", "manners", "versions"):
                 self.add(name, f"random-{index}", content)
 
     def texts(self):

@@ -3,7 +3,10 @@
 #include "support/DwarfSections.h"
 #include "support/ElfImage.h"
 
+#include <algorithm>
 #include <iterator>
+#include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -110,6 +113,7 @@ struct Record {
     std::uint64_t number = 0;
     std::uint8_t location = 0;
     std::uint8_t forms = 0;
+    std::uint8_t encoding = 0;
     DieLabel label;
 };
 
@@ -128,12 +132,28 @@ Record TakeRecord(InputBytes& input) {
     if (input.Byte() >= 0xF0) {
         record.number = Choose(sNumbers, record.number);
     }
+    record.encoding = static_cast<std::uint8_t>(record.number % 32);
     return record;
 }
 
-/// Bit of `Record::attributes`.
+/// @name Bits of `Record::attributes`
+/// @{
+
+constexpr std::uint32_t sHasName = 1U << 0U;
+constexpr std::uint32_t sHasLinkageName = 1U << 1U;
+constexpr std::uint32_t sHasSpecification = 1U << 3U;
+constexpr std::uint32_t sHasByteSize = 1U << 4U;
+constexpr std::uint32_t sHasBitField = 3U << 5U;
 constexpr std::uint32_t sHasLocation = 1U << 7U;
+constexpr std::uint32_t sIsDeclaration = 1U << 9U;
+constexpr std::uint32_t sIsExternal = 1U << 10U;
+constexpr std::uint32_t sHasBounds = 7U << 11U;
+constexpr std::uint32_t sHasEncoding = 1U << 14U;
+
+/// @}
+
 constexpr std::uint8_t sLocationListChoice = 2;
+constexpr std::uint8_t sBitPieceChoice = 3;
 constexpr std::uint8_t sLocationChoices = 8;
 /// `Record::forms`: bit 14 is an encoding.
 constexpr std::uint8_t sEncodingForm = 0x04;
@@ -141,6 +161,102 @@ constexpr std::uint8_t sEncodingForm = 0x04;
 constexpr std::uint8_t sOriginForm = 0x10;
 /// `Record::forms`: bit 6 counts from the start of the structure.
 constexpr std::uint8_t sDataBitForm = 0x20;
+
+/// Tags of which the manners make different things.
+constexpr dwarf_tag sTagsOfOneManner[] = {
+    DW_TAG_partial_unit, DW_TAG_rvalue_reference_type, DW_TAG_ptr_to_member_type, DW_TAG_set_type,
+    DW_TAG_file_type,
+};
+
+/// Encodings and sizes of base types that the manners read alike.
+constexpr std::pair<std::uint8_t, std::uint8_t> sPlainBaseTypes[] = {
+    {DW_ATE_signed, 4},
+    {Tests::DW_ATE_boolean, 1},
+    {Tests::DW_ATE_float, 4},
+    {Tests::DW_ATE_float, 8},
+    {DW_ATE_signed, 8},
+    {DW_ATE_signed, 2},
+    {DW_ATE_unsigned, 1},
+    {DW_ATE_unsigned, 4},
+    {Tests::DW_ATE_unsigned_char, 1},
+    {Tests::DW_ATE_signed_char, 1},
+};
+
+const std::string& NameOf(const Record& record) {
+    return Choose(sNames, record.name);
+}
+
+const std::string& LinkageNameOf(const Record& record) {
+    return Choose(sNames, record.name / 8U + 9U);
+}
+
+/// The record of an entry that both manners read alike, but for what it completes.
+Record Plain(Record record) {
+    if (std::ranges::find(sTagsOfOneManner, record.tag) != std::end(sTagsOfOneManner)) {
+        record.tag = DW_TAG_pointer_type;
+    }
+    record.attributes &= ~sHasBitField;
+    record.forms &= static_cast<std::uint8_t>(~sOriginForm);
+    if (record.location % sLocationChoices == sLocationListChoice ||
+        record.location % sLocationChoices == sBitPieceChoice) {
+        record.attributes &= ~sHasLocation;
+    }
+    if ((record.attributes & sHasLocation) != 0) {
+        record.attributes &= ~sIsDeclaration;
+    }
+    if (LinkageNameOf(record).empty()) {
+        record.attributes &= ~sHasLinkageName;
+    }
+    switch (record.tag) {
+    case DW_TAG_base_type:
+        std::tie(record.encoding, record.number) = Choose(sPlainBaseTypes, record.number);
+        record.attributes |= sHasEncoding | sHasByteSize;
+        record.attributes &= ~sHasBounds;
+        record.forms |= sEncodingForm;
+        break;
+    case DW_TAG_member:
+        record.attributes |= sHasName;
+        record.name = NameOf(record).empty() ? 0 : record.name;
+        break;
+    case DW_TAG_subrange_type:
+        record.attributes &= ~sHasByteSize;
+        break;
+    default:
+        break;
+    }
+    return record;
+}
+
+/// The first record from an index on that an entry could complete: one of its tag with a name.
+std::optional<std::uint32_t> Completable(const std::vector<Record>& records, const Record& record) {
+    for (std::size_t step = 0; step < records.size(); ++step) {
+        const std::size_t index = (record.specification + step) % records.size();
+        const Record& other = records[index];
+        if (other.tag == record.tag && (other.attributes & sHasName) != 0 &&
+            !NameOf(other).empty()) {
+            return static_cast<std::uint32_t>(index);
+        }
+    }
+    return std::nullopt;
+}
+
+/// The records as both manners read them alike. A variable that completes another is external.
+std::vector<Record> Plain(std::vector<Record> records) {
+    for (Record& record : records) {
+        record = Plain(std::move(record));
+    }
+    for (Record& record : records) {
+        if (const auto completed = Completable(records, record)) {
+            record.specification = *completed;
+        } else {
+            record.attributes &= ~sHasSpecification;
+        }
+        if (record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0) {
+            record.attributes |= sIsExternal;
+        }
+    }
+    return records;
+}
 
 class TreeBuilder {
 public:
@@ -189,8 +305,8 @@ private:
         const std::uint32_t numberForm =
             (record.forms & 0x02U) != 0 ? DW_FORM_data8 : DW_FORM_udata;
         const auto signedNumber = static_cast<std::int64_t>(record.number);
-        add(0, Name(Choose(sNames, record.name), textForm));
-        add(1, LinkageName(Choose(sNames, record.name / 8U + 9U), textForm));
+        add(0, Name(NameOf(record), textForm));
+        add(1, LinkageName(LinkageNameOf(record), textForm));
         // References into other units need the form that counts from the section's start.
         add(2, Type(Target(record.type), DW_FORM_ref_addr));
         add(3, Reference((record.forms & sOriginForm) != 0 ? DW_AT_abstract_origin
@@ -208,10 +324,10 @@ private:
         add(11, LowerBound(signedNumber));
         add(12, UpperBound(signedNumber));
         add(13, Count(record.number, numberForm));
-        add(14, (record.forms & sEncodingForm) != 0 ? Encoding(record.number % 32)
+        add(14, (record.forms & sEncodingForm) != 0 ? Encoding(record.encoding)
                                                     : ConstValue(signedNumber));
         add(15, (record.forms & 0x08U) != 0 ? Accessibility(record.number % 4)
-                                            : CompDir(Choose(sNames, record.name)));
+                                            : CompDir(NameOf(record)));
         return attributes;
     }
 
@@ -223,7 +339,7 @@ private:
             return Location({});
         case sLocationListChoice:
             return Number(DW_AT_location, DW_FORM_data4, record.number);
-        case 3:
+        case sBitPieceChoice:
             return Location({{DW_OP_addr, {0x1000}}, {DW_OP_bit_piece, {3, record.location}}});
         default:
             return Address(0x1000 + record.location);
@@ -304,6 +420,13 @@ std::string ImageOfEntries(InputBytes& input) {
     const std::vector<Record> records = TakeRecords(input);
     return (image + SectionsOf(target, records, target.isModern ? WriteModernUnit : WriteUnit))
         .Build();
+}
+
+std::string ImageOfPlainEntries(InputBytes& input) {
+    Target target(input.Byte());
+    // Elsewhere the manners differ in the width of a reference between units.
+    target.unit.is64BitDwarf = target.is64Bit;
+    return (target.Image() + SectionsOf(target, Plain(TakeRecords(input)), WriteUnit)).Build();
 }
 
 std::pair<std::string, std::string> ImagesOfVersions(InputBytes& input) {
