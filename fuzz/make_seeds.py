@@ -63,6 +63,10 @@ A2L = [
     '/include part', '/include "main"', '/begin BLOB far "" 0x100000000 1 /end BLOB',
 ]
 
+# Kind of an object and its name.
+REPORT = [(0, b"ns</script>"), (7, b"a<!--"), (2, b"T<int>"), (3, b"m\\\"\n"), (7, b"--><script>"), (1, b"u.c"),
+          (4, b"\xe2\x80\xa8"), (7, b"\xff\xfe"), (5, b".data\0"), (6, b"can't read '</SCRIPT'"), (7, b"")]
+
 LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "117f", "034000000023 10",
              "0340000000 0804 22", "0340000000 0804 1c", "0340000000 9d 03 05", "9100", "2304", "50", "9f"]
 
@@ -161,7 +165,8 @@ class Seeds:
             container = "elf" if is_elf else "pe" if data.startswith(b"MZ") else "coff"
             for index, choices in enumerate(all_choices[:2] if len(data) > 20000 else all_choices):
                 head = bytes([CONTAINERS[container]]) + choices[1:]
-                self.add("read", f"{path.name}-{index}", head + data)
+                for target in ("read", "memory") if index == 0 else ("read",):
+                    self.add(target, f"{path.name}-{index}", head + data)
             if is_elf:
                 self.sections(path.name, Elf(data))
 
@@ -195,6 +200,14 @@ class Seeds:
             self.add("datatype", str(index), bytes([0x80 + index, 1, 0, 0, index, 0]) + text.encode())
         for index, text in enumerate(PATHS):
             self.add("paths", str(index), text.encode())
+        for shape in range(5):
+            for basic in range(19):
+                order, width = shape % 2, basic % 4 * 5
+                head = bytes([2 * shape + order, basic, 1 << basic % 4, basic, width])
+                self.add("values", f"{shape}-{basic}", head + b"on\0\xc3\x80\x7c\0\1\xff"[basic % 3:])
+        objects = [bytes([kind, len(name)]) + name for kind, name in REPORT]
+        for count in range(len(objects) + 1):
+            self.add("report", str(count), bytes([count]) + b"".join(objects[:6] + objects))
         for index, text in enumerate(A2L[1:]):
             for choice in (0, 1, 3, 4, 8, 16):
                 self.add("a2l", f"{index}-{choice}", bytes([choice]) + text.encode())

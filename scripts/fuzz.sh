@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Fuzzes one target for some time: fuzz.sh TARGET SECONDS [JOBS]. TARGET is read, sections, entries, manners,
-# versions, locations, demangler, datatype, paths or a2l. The search continues from the inputs of earlier runs
-# in build/fuzz-corpus/TARGET. One input may take 10 seconds and 1 GB; an input that crashes, hangs or breaks a
-# promise ends the run and is kept in build/fuzz-findings/TARGET.
+# versions, memory, locations, demangler, datatype, paths, values, a2l or report. The search continues from the
+# inputs of earlier runs in build/fuzz-corpus/TARGET. One input may take 10 seconds and 1 GB; an input that
+# crashes, hangs or breaks a promise ends the run and is kept in build/fuzz-findings/TARGET.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 target=$1 seconds=$2 jobs=${3:-1}
@@ -22,7 +22,7 @@ fuzz/make_seeds.py "$seeds"
 
 inputs=("$corpus" "$seeds/$target")
 [ ! -d "fuzz/regressions/$target" ] || inputs+=("fuzz/regressions/$target")
-declare -A longest=([read]=40000 [sections]=12000 [entries]=3000 [manners]=3000 [versions]=3000)
+declare -A longest=([read]=40000 [sections]=12000 [entries]=3000 [manners]=3000 [versions]=3000 [memory]=40000)
 limits=(-timeout=10 -rss_limit_mb=1024 "-max_len=${longest[$target]:-1024}")
 [ "$jobs" -eq 1 ] || limits+=("-fork=$jobs")
 ASAN_OPTIONS=quarantine_size_mb=64 "build/fuzz/fuzz/fuzz_$target" "${limits[@]}" \

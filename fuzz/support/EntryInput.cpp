@@ -243,7 +243,7 @@ std::optional<std::uint32_t> Completable(const std::vector<Record>& records, con
 /// The records as both manners read them alike. A variable that completes another is external.
 std::vector<Record> Plain(std::vector<Record> records) {
     for (Record& record : records) {
-        record = Plain(std::move(record));
+        record = Plain(record);
     }
     for (Record& record : records) {
         if (const auto completed = Completable(records, record)) {
