@@ -14,7 +14,7 @@ from ._errors import PathError
 from ._memory import MemorySource
 from ._model import Model, PlaceRow
 from ._types import Type, type_or_nothing
-from ._values import Decoder, Value, bits_decoder_of, decoder_of, rest_decoder_of
+from ._values import Decoder, Value, bits_decoder_of, bytes_of_bits, decoder_of, rest_decoder_of
 
 if TYPE_CHECKING:
     import pandas
@@ -43,16 +43,22 @@ class _Located:
             return decoder_of(self._model, self._type)
         return bits_decoder_of(self._model, self._type, self.bit_offset or 0, self.bit_size)
 
+    def _byte_count(self) -> int:
+        if self.bit_size is None:
+            return self.size
+        return bytes_of_bits(self.size, self.bit_offset or 0, self.bit_size) or self.size
+
     def decode(self, content: bytes) -> Value:
-        """The value of `content`, the bytes of the place. Their number must be `size`."""
-        if len(content) != self.size:
-            raise ValueError(f"{self.path} has {self.size} bytes, not {len(content)}")
+        """The value of `content`, the bytes of the place. Their number must be `size`, and one more for a
+        packed bit field that extends beyond its storage unit."""
+        if len(content) != self._byte_count():
+            raise ValueError(f"{self.path} has {self._byte_count()} bytes, not {len(content)}")
         return self._decoder()(content)
 
     def value_of(self, memory: MemorySource) -> Value:
         """The value in a memory: an Image has the initial value, a Memory the value in a dump. Raises
         MemoryGapError if the memory doesn't have the bytes."""
-        return self._decoder()(memory.read_memory(self.address, self.size))
+        return self._decoder()(memory.read_memory(self.address, self._byte_count()))
 
     def __repr__(self) -> str:
         bits = f", {self.bit_size} bits at {self.bit_offset}" if self.bit_size is not None else ""

@@ -63,8 +63,17 @@ def decoder_of(model: Model, identifier: int, depth: int = 0) -> Decoder:
     return known
 
 
+def bytes_of_bits(size: int, bit_offset: int, bit_size: int) -> int:
+    """Returns how many bytes a bit field needs from the start of its storage unit of `size` bytes: a packed
+    field may need one more than the unit has. 0 for position and width of a damaged file."""
+    is_plausible = 0 < bit_size <= 64 and 0 < size <= 64 and bit_offset + bit_size <= 8 * (size + 1)
+    return max(size, (bit_offset + bit_size + 7) // 8) if is_plausible else 0
+
+
 def bits_decoder_of(model: Model, identifier: int, bit_offset: int, bit_size: int) -> Decoder:
-    """Returns the function that turns the bytes of a storage unit into the value of a bit field in it."""
+    """Returns the function that turns the bytes that `bytes_of_bits` counts into the value of a bit field."""
+    if not bytes_of_bits(model.size_of(identifier), bit_offset, bit_size):
+        return bytes
     byte_order: Any = model.byte_order
     mask = (1 << bit_size) - 1
     row = model.object(model.without_typedefs(identifier))
@@ -151,12 +160,14 @@ def _structure(model: Model, row: ObjectRow, depth: int) -> Decoder:
     for member in model.objects_in(row.id):
         if member.kind not in _model.MEMBER_KINDS:
             continue
+        size = model.size_of(member.type)
         if member.kind == _model.KIND_BIT_FIELD:
+            size = bytes_of_bits(size, member.bit_offset, member.bit_size) or size
             decode_member = bits_decoder_of(
                 model, member.type, member.bit_offset, member.bit_size)
         else:
             decode_member = decoder_of(model, member.type, depth + 1)
-        parts.append((member.name, member.offset, model.size_of(member.type), decode_member))
+        parts.append((member.name, member.offset, size, decode_member))
 
     def decode(content: bytes) -> Value:
         values: Dict[str, Any] = {}

@@ -2,6 +2,7 @@
 
 import json
 import pickle
+import random
 import shutil
 import struct
 import subprocess
@@ -45,6 +46,31 @@ def test_initial_values_are_those_that_gdb_prints(images, tmp_path, name):
             assert (int(value) - expected[path]) % (1 << 32) == 0, path
         else:
             assert value == expected[path], path
+
+
+@pytest.mark.parametrize("name", ["arm-device-O2.elf", "powerpc-device-O2.elf", "arm-cpp-types-dwarf4.elf"])
+def test_random_bytes_are_the_number_of_their_bits(images, name):
+    """Bits are taken one by one from the text of all of them, the most significant first."""
+    random_numbers = random.Random(1)
+    wide = 0
+    with brindle.read(images / "full" / name, full=True) as image:
+        for leaf in (leaf for leaf in image.leaves() if leaf.size):
+            first, width = leaf.bit_offset or 0, leaf.bit_size or 8 * leaf.size
+            count = max(leaf.size, (first + width + 7) // 8)
+            wide += count > leaf.size
+            part = bytes(random_numbers.choices(range(256), k=count))
+            bits = "".join(f"{byte:08b}" for byte in (part if image.byte_order == "big" else part[::-1]))
+            number = int("0" + bits[len(bits) - first - width:len(bits) - first], 2)
+            value = leaf.value_of(brindle.Memory(part, address=leaf.address))
+            if isinstance(value, float):
+                code = {2: ">e", 4: ">f", 8: ">d"}[leaf.size]
+                assert value != value or struct.pack(code, value) == number.to_bytes(leaf.size, "big")
+            elif isinstance(value, bool):
+                assert value == (number != 0), leaf
+            elif isinstance(value, int):
+                assert value % (1 << width) == number, leaf
+                assert -(1 << width - 1) <= value < 1 << width, leaf
+    assert wide or "device" not in name
 
 
 def test_a_dump_becomes_values(image):
