@@ -298,6 +298,9 @@ class ReportTest(unittest.TestCase):
         for word in ["gain", "battery_raw", "torque speed", "limits[1].mode", "0x404", "sped"]:
             for text in [word[:length] for length in range(1, len(word) + 1)]:
                 times[text] = min(self.milliseconds_of_key(text) for _ in range(3))
+        # Two processes that share a core each take longer. A key that is slow by itself stays slow.
+        for text in [text for text, time in times.items() if time > MOST_MILLISECONDS / 2]:
+            times[text] = min(times[text], *(self.milliseconds_of_key(text) for _ in range(10)))
         slowest = max(times, key=times.get)
         print(f"{report.stat().st_size} bytes, slowest key '{slowest}': {times[slowest]:.1f} ms",
               file=sys.stderr)

@@ -64,20 +64,21 @@ export class Rows {
         at: (index) => direct[index] ?? this.ofHit(hits[index - direct.length]!),
       };
     }
-    const fitting: { hit: Hit; fixed: Indices }[] = [];
+    // Two lists rather than one of pairs: a short word may have a hit in each of ten thousand variables.
+    const fitting: Hit[] = [];
+    const indices: Indices[] = [];
     const known = new Map<ShapeSet, (Indices | null)[]>();
     for (const hit of hits) {
       const fixed = this.indicesOf(hit, indexed, known);
       if (fixed !== null) {
-        fitting.push({ hit, fixed });
+        fitting.push(hit);
+        indices.push(fixed);
       }
     }
     return {
       count: direct.length + fitting.length,
-      at: (index) => {
-        const { hit, fixed } = fitting[index - direct.length] ?? {};
-        return direct[index] ?? this.ofHit(hit!, fixed);
-      },
+      at: (index) =>
+        direct[index] ?? this.ofHit(fitting[index - direct.length]!, indices[index - direct.length]),
     };
   }
 

@@ -23,6 +23,13 @@ interface Fits {
   scores: Uint8Array;
 }
 
+/** A term that begins in the name of a variable and goes on in the steps below. */
+interface Crossing {
+  bit: number;
+  head: string;
+  rest: string;
+}
+
 /** The same for the shapes of a type, with the terms that any of them matches. */
 interface ShapeFits extends Fits {
   union: number;
@@ -105,8 +112,10 @@ class Run {
   private readonly sections: Fits;
   private readonly addressTerms: [number, AddressTerm][];
   private readonly shapeFits = new Map<ShapeSet, ShapeFits>();
-  /** Terms that may span several steps: each with the places where a step may begin. */
-  private readonly paths: { bit: number; text: string; splits: number[] }[];
+  /** Terms that may span several steps. */
+  private readonly paths: { bit: number; text: string }[];
+  /** Their two parts, for each place where a name may end and a step begin. */
+  private readonly crossings: Crossing[];
   private readonly hits: Hit[] = [];
 
   constructor(
@@ -122,11 +131,13 @@ class Run {
     this.sections = fitsOf(["", ...search.sections], ofField("section"), false);
     this.addressTerms = terms.flatMap((term, index): [number, AddressTerm][] =>
       term.kind === "address" ? [[1 << index, term]] : []);
-    this.paths = ofField("name").flatMap(([bit, { text }]) => {
-      const splits = [...text].flatMap((character, index) =>
-        character === "." || character === "[" ? [index] : []);
-      return splits.length > 0 ? [{ bit, text, splits }] : [];
-    });
+    this.paths = ofField("name").flatMap(([bit, { text }]) =>
+      /[.[]/.test(text) ? [{ bit, text }] : []);
+    this.crossings = this.paths.flatMap(({ bit, text }) =>
+      [...text].flatMap((character, index) =>
+        index > 0 && (character === "." || character === "[")
+          ? [{ bit, head: text.slice(0, index), rest: text.slice(index) }]
+          : []));
   }
 
   find(most: number): Hit[] {
@@ -165,7 +176,7 @@ class Run {
 
   private lookBelow(variable: number, set: ShapeSet, mask: number, score: number): void {
     const fits = this.fitsOfShapes(set);
-    const across = this.paths.length > 0 ? this.acrossName(variable) : [];
+    const across = this.acrossName(variable);
     if (across.length > 0) {
       this.lookAcross(variable, set, mask, score, across);
       return;
@@ -187,7 +198,7 @@ class Run {
   /** As `lookBelow`, with terms that begin in the name of the variable. */
   private lookAcross(
     variable: number, set: ShapeSet, mask: number, score: number,
-    across: { bit: number; rest: string }[],
+    across: Crossing[],
   ): void {
     const { masks, scores } = this.fitsOfShapes(set);
     const fits = (shape: number) =>
@@ -243,18 +254,14 @@ class Run {
     return { masks, scores, union };
   }
 
-  /** The rests of terms whose beginning matches the end of a variable's name. */
-  private acrossName(variable: number): { bit: number; rest: string }[] {
+  /** The crossings whose head matches the end of a variable's name. */
+  private acrossName(variable: number): Crossing[] {
     const name = this.search.names[variable]!;
-    return this.paths.flatMap(({ bit, text, splits }) =>
-      splits
-        .filter((split) => split > 0 && name.endsWith(text.slice(0, split)))
-        .map((split) => ({ bit, rest: text.slice(split) })),
-    );
+    return this.crossings.filter(({ head }) => name.endsWith(head));
   }
 }
 
-function acrossPath(across: { bit: number; rest: string }[], path: string): number {
+function acrossPath(across: Crossing[], path: string): number {
   let mask = 0;
   for (const { bit, rest } of across) {
     mask |= path.startsWith(rest) ? bit : 0;
