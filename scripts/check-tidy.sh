@@ -6,10 +6,9 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-packages.sh checks
-# Looked at in groups, as a release compiles them: most of the time goes into the headers of the system,
-# which a group meets once.
+# Looked at in groups: most of the time goes into the headers of the system, which a group meets once.
 folder=build/tidy
-cmake --preset debug -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=12 >/dev/null
+cmake --preset debug -B "$folder" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=40 >/dev/null
 cmake --build "$folder" --target brindle_commit >/dev/null
 # clang-tidy looks for its settings in the folders above a file.
 git ls-files '*/.clang-tidy' | while read -r settings; do
