@@ -208,7 +208,7 @@ private:
             mSection.mTypeOffsets.try_emplace(unit.mTypeSignature,
                                               unit.mSectionOffset + unit.mTypeOffset);
         }
-        mSection.mCompileUnits.push_back(mSection.mArena.Create<VCompileUnitHeader>(unit));
+        mSection.mCompileUnits.push_back(mSection.mUnitArena.Create<VCompileUnitHeader>(unit));
     }
 
     void LogUnit(const VCompileUnitHeader& unit, std::uint64_t length) const {

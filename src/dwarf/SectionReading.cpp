@@ -112,6 +112,7 @@ bool VDwarf2Section::DoVariablesLeadToMostBodies() {
 
 void VDwarf2Section::ForgetEntries() {
     mDieNodes.Clear();
+    mArena.Clear();
     mSkipped = {};
     mUnitLinks = {};
     mTexts.Restart();

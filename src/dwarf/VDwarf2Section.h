@@ -161,7 +161,9 @@ public:
 
     VElfFile* mElfFile = nullptr;
     VDWARFReaderWrapper* mReader = nullptr;
-    /// The nodes, their texts and the unit headers live here.
+    /// The unit headers live here, as long as the reader.
+    VNodeArena mUnitArena;
+    /// The nodes and their texts live here, until all entries are read again.
     VNodeArena mArena;
     DebugTexts mTexts{mArena};
     std::unique_ptr<VLocTabBuffer> mLocTabBuffer;
@@ -183,7 +185,7 @@ public:
     std::map<std::int32_t, std::uint32_t> mUnitsNotRead;
     /// Number of units whose entries are in another file.
     std::uint32_t mSplitUnitCount = 0;
-    /// Every unit found that is read, in file order; they lie in the arena.
+    /// Every unit found that is read, in file order; they lie in `mUnitArena`.
     std::vector<VCompileUnitHeader*> mCompileUnits;
     VValueRangeMap<std::uint32_t, VCompileUnitHeader*> mCompileUnitRanges;
     bool mAutodetectPending = true;

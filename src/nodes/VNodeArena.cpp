@@ -10,7 +10,20 @@ VNodeArena::~VNodeArena() {
     }
 }
 
+void VNodeArena::Clear() {
+    mObjects = {};
+    mTexts = {};
+    mUsedChunks = 0;
+}
+
 VNodeArena::Space VNodeArena::TakeChunk() {
+    if (mUsedChunks == mSharedChunks.size()) {
+        mSharedChunks.push_back(NewChunk());
+    }
+    return mSharedChunks[mUsedChunks++];
+}
+
+VNodeArena::Space VNodeArena::NewChunk() {
     if (mUsedChunksOfSlab == kChunksPerSlab) {
         AddSlab(kChunksPerSlab * kChunkSize);
         mUsedChunksOfSlab = 0;

@@ -30,7 +30,11 @@ public:
     VNodeArena(VNodeArena&&) = delete;
     VNodeArena& operator=(VNodeArena&&) = delete;
 
-    /// Makes an object that lives as long as the arena and must own nothing beyond it.
+    /// Forgets all objects and texts and keeps their memory for new ones. Only texts too large to
+    /// share a chunk keep their memory occupied until the arena ends.
+    void Clear();
+
+    /// Makes an object that lives until the arena is cleared and must own nothing beyond it.
     /// @throws std::bad_alloc
     template <typename T, typename... Arguments>
     T* Create(Arguments&&... arguments) {
@@ -39,7 +43,7 @@ public:
         return new (Allocate(sizeof(T))) T(std::forward<Arguments>(arguments)...);
     }
 
-    /// Makes a copy of the text, terminated, that lives as long as the arena.
+    /// Makes a copy of the text, terminated, that lives until the arena is cleared.
     /// @throws std::bad_alloc
     const char* KeepText(std::string_view text);
 
@@ -75,6 +79,7 @@ private:
     }
     void* AllocateAlone(std::size_t size);
     Space TakeChunk();
+    Space NewChunk();
     Space Register(std::byte* chunk, std::size_t size);
     void AddSlab(std::size_t size);
 
@@ -107,6 +112,9 @@ private:
     std::byte* mLatestSlab = nullptr;
     std::size_t mUsedChunksOfSlab = kChunksPerSlab;
     std::vector<std::uint32_t> mChunkNumbers;
+    /// The chunks that objects or texts share, and how many of them are in use.
+    std::vector<Space> mSharedChunks;
+    std::size_t mUsedChunks = 0;
 };
 
 /// A 32-bit pointer to an object in an arena, or null. It halves the size of a tree whose nodes are
