@@ -4,6 +4,7 @@
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDie2.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -28,6 +29,8 @@ public:
     /// Reads the body of a type of the unit, and those within it. Call it once for a type.
     /// @return section offset of its end
     std::uint32_t Read(VDebugInfoNode& type) { return mDie->ReadBody(type); }
+    /// The number of nodes that `TakeNodes` would return.
+    [[nodiscard]] std::size_t MadeCount() const { return mDie->GetMadeNodes().size(); }
     /// The nodes that were made since the last call, in the order of reading. They are in no map.
     std::vector<VDebugInfoNode*> TakeNodes() { return mDie->TakeMadeNodes(); }
 

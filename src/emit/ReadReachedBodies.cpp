@@ -23,7 +23,7 @@
 #include <cstdint>
 #include <iterator>
 #include <map>
-#include <unordered_map>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -64,10 +64,30 @@ private:
         std::vector<VDebugInfoNode*> functions;
     };
 
-    void Reach(VDebugInfoNode* node) {
-        if (node != nullptr && mNodes.Reach(*node)) {
+    /// A body that was read.
+    struct Body {
+        /// Section offset.
+        std::uint32_t end = 0;
+        /// Index of its first node in `mMade`, and the number of its nodes.
+        std::size_t firstMade = 0;
+        std::size_t madeCount = 0;
+    };
+
+    /// A node that is in no map yet. Its offset is kept here too, because sorting and searching
+    /// would wait for memory at each node: nodes lie far apart.
+    struct MadeNode {
+        /// Section offset.
+        std::uint32_t offset = 0;
+        VNodeLink<VDebugInfoNode> node;
+    };
+
+    /// @return true if the node wasn't reached before
+    bool Reach(VDebugInfoNode* node) {
+        const bool isNew = node != nullptr && mNodes.Reach(*node);
+        if (isNew) {
             mReached.push_back(node);
         }
+        return isNew;
     }
 
     void FollowAll() {
@@ -86,15 +106,11 @@ private:
 
     void ReachScope(const VDebugInfoNode& node) {
         VDebugInfoNode* scope = node.GetParent();
-        const bool isNew = scope != nullptr && mNodes.Reach(*scope);
         // An anonymous member gives its type's members to the type around it: that one has to be
         // read, and it may be any.
-        if (isNew && IsAggregate(scope->GetTag()) && scope->GetNameOrNull() == nullptr &&
+        if (Reach(scope) && IsAggregate(scope->GetTag()) && scope->GetNameOrNull() == nullptr &&
             mSection.mElfFile->mManner == ReadingManner::Full) {
             mSection.RequireBodies();
-        }
-        if (isNew) {
-            mReached.push_back(scope);
         }
     }
 
@@ -121,13 +137,15 @@ private:
         }
     }
 
-    [[nodiscard]] bool IsRead(std::uint32_t offset) const {
-        const auto behind = mEndsOfBodies.upper_bound(offset);
-        return behind != mEndsOfBodies.begin() && offset < std::prev(behind)->second;
+    /// The body that holds the entry at a section offset, null if it wasn't read.
+    [[nodiscard]] const Body* BodyAround(std::uint32_t offset) const {
+        const auto behind = mBodies.upper_bound(offset);
+        const bool isInBody = behind != mBodies.begin() && offset < std::prev(behind)->second.end;
+        return isInBody ? &std::prev(behind)->second : nullptr;
     }
 
     void Want(VDebugInfoNode& type) {
-        if (IsRead(type.GetOffset())) {
+        if (BodyAround(type.GetOffset()) != nullptr) {
             ReachChildren(type);
         } else {
             mUnits[type.GetCompileUnitHeader()->mIndex].types.push_back(&type);
@@ -140,7 +158,7 @@ private:
         if (type == nullptr) {
             return;
         }
-        if (IsRead(offset)) {
+        if (BodyAround(offset) != nullptr) {
             Complete(function);
             return;
         }
@@ -152,12 +170,24 @@ private:
     /// entry.
     void Complete(VDebugInfoNode& function) {
         const auto offset = static_cast<std::uint32_t>(function.GetSpecificationAttribute().mValue);
-        if (const auto completed = mFunctions.find(offset); completed != mFunctions.end()) {
-            function.SetSpecificationNode(*completed->second);
-            Reach(completed->second->GetParent());
-        } else {
+        VDebugInfoNode* completed = FindMade(offset);
+        if (completed == nullptr || completed->GetTag() != DW_TAG_subprogram) {
             mSection.RequireBodies();
+            return;
         }
+        function.SetSpecificationNode(*completed);
+        Reach(completed->GetParent());
+    }
+
+    /// The node that was made for the entry at a section offset, null if none was.
+    [[nodiscard]] VDebugInfoNode* FindMade(std::uint32_t offset) const {
+        const Body* body = BodyAround(offset);
+        if (body == nullptr) {
+            return nullptr;
+        }
+        const auto made = std::span(mMade).subspan(body->firstMade, body->madeCount);
+        const auto found = std::ranges::lower_bound(made, offset, {}, &MadeNode::offset);
+        return found != made.end() && found->offset == offset ? found->node.Get() : nullptr;
     }
 
     void ReadBodiesOf(VCompileUnitHeader& unit) {
@@ -183,18 +213,20 @@ private:
     void ReadBodies(VBodyReader& reader, std::vector<VDebugInfoNode*>& types) {
         std::ranges::sort(types, {}, &VDebugInfoNode::GetOffset);
         for (VDebugInfoNode* type : types) {
-            if (!IsRead(type->GetOffset())) {
-                mEndsOfBodies.emplace(type->GetOffset(), reader.Read(*type));
+            if (BodyAround(type->GetOffset()) == nullptr) {
+                const std::size_t before = reader.MadeCount();
+                const std::uint32_t end = reader.Read(*type);
+                mBodies.emplace(type->GetOffset(), Body{.end = end,
+                                                        .firstMade = mMade.size() + before,
+                                                        .madeCount = reader.MadeCount() - before});
             }
         }
         const std::vector<VDebugInfoNode*> made = reader.TakeNodes();
         for (VDebugInfoNode* node : made) {
-            node->ResolveReferences(mReferences);
-            if (node->GetTag() == DW_TAG_subprogram) {
-                mFunctions.emplace(node->GetOffset(), node);
-            }
+            mMade.push_back({node->GetOffset(), node});
         }
         for (VDebugInfoNode* node : made) {
+            node->ResolveReferences(mReferences);
             if (HasBody(node->GetParent()->GetTag())) {
                 Follow(*node);
             }
@@ -202,15 +234,19 @@ private:
         for (const VDebugInfoNode* type : types) {
             ReachChildren(*type);
         }
-        mMade.insert(mMade.end(), made.begin(), made.end());
     }
 
     void AddToTree() {
-        std::ranges::sort(mMade, {}, &VDebugInfoNode::GetOffset);
-        DemangleNamesOf(mSection, mMade);
-        mNodes.InsertAll(mMade);
+        std::ranges::sort(mMade, {}, &MadeNode::offset);
+        std::vector<VDebugInfoNode*> nodes;
+        nodes.reserve(mMade.size());
+        for (const MadeNode& made : mMade) {
+            nodes.push_back(made.node);
+        }
+        DemangleNamesOf(mSection, nodes);
+        mNodes.InsertAll(nodes);
         // Where these lie depends on entries that may not have been read.
-        const bool dependsOnOthers = std::ranges::any_of(mMade, [](const VDebugInfoNode* node) {
+        const bool dependsOnOthers = std::ranges::any_of(nodes, [](const VDebugInfoNode* node) {
             return node->IsBitFieldWithoutSize() && node->DependsOnSizesBefore();
         });
         if (dependsOnOthers) {
@@ -226,11 +262,10 @@ private:
     std::vector<VDebugInfoNode*> mReached;
     /// What is still wanted, by the index of the unit in the list of units.
     std::map<std::uint32_t, WantedOfUnit> mUnits;
-    /// Section offsets of the bodies that were read; those within others not.
-    std::map<std::uint32_t, std::uint32_t> mEndsOfBodies;
-    /// The functions of these bodies.
-    std::unordered_map<std::uint32_t, VDebugInfoNode*> mFunctions;
-    std::vector<VDebugInfoNode*> mMade;
+    /// The bodies that were read, by the section offsets of their types, without nested ones.
+    std::map<std::uint32_t, Body> mBodies;
+    /// The nodes that were made. Those of a body lie together, in the order of their offsets.
+    std::vector<MadeNode> mMade;
 };
 
 } // namespace
