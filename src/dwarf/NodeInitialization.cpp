@@ -59,7 +59,7 @@ void VDebugInfoNode::InitFromDie(const VDie2& die, VDwarf2Section& section) {
                            ? VDwarf2Section::UnitToSectionOffset(*mCompileUnitHeader, die.mTypeRef)
                            : die.mTypeRef);
     if (HasExtras(die)) {
-        mExtrasOrDelivery = &MakeExtras(die, section);
+        mExtrasOrDelivery.Set(MakeExtras(die, section));
         mHasExtras = true;
     }
 }

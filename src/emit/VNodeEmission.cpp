@@ -59,7 +59,6 @@ bool VNodeEmission::Open(VDebugInfoNode& node) {
     frame.outerFrame = outerFrame;
     frame.note = note;
     frame.firstParameter = mParameters.size();
-    node.BeginDelivery(mSection.mArena);
     node.SetEmissionFrame(static_cast<std::uint32_t>(mFrames.size()));
     return true;
 }
@@ -254,15 +253,15 @@ void VNodeEmission::CreateObject(Frame& frame) {
     bool isAlreadyRegistered = false;
     if (!node.CreateEntryObject(*this, frame.inputs, object, isAlreadyRegistered)) {
         if (node.GetEntryObject() == 0) {
-            node.SetDropped();
+            node.SetDropped(mSection.mArena);
         }
         return;
     }
     frame.object = object;
-    node.SetEntryObject(object);
+    node.SetEntryObject(object, mSection.mArena);
     mInnerRequests.CountObject();
     if (object == 0) {
-        node.SetDeliveryRefused();
+        node.SetDeliveryRefused(mSection.mArena);
         ConsoleOutput() << "Object ID = 0 (node-rec.: " << node.GetNodeRecord() << ")";
     }
 }

@@ -66,7 +66,7 @@ void VDebugInfoNode::CopyFrom(const VDebugInfoNode& other, VNodeArena& arena) {
     if (const VNodeExtras* extras = other.GetExtras()) {
         auto* copy = arena.Create<VNodeExtras>(*extras);
         static_cast<VNodeDelivery&>(*copy) = {};
-        mExtrasOrDelivery = copy;
+        mExtrasOrDelivery.Set(*copy);
         mHasExtras = true;
     }
 }

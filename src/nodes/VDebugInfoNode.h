@@ -8,6 +8,7 @@
 #include "dwarf/codes/VAttributeValue.h"
 #include "host/ObjectId.h"
 #include "nodes/VCompileUnitHeader.h"
+#include "nodes/VExtrasOrDelivery.h"
 #include "nodes/VNodeArena.h"
 #include "nodes/VNodeReference.h"
 #include "nodes/VNodeText.h"
@@ -62,14 +63,6 @@ struct VNodeStorage {
     bool mHasEncoding = false;
     bool mHasOtherByteOrder = false;
     BitNumbering mBitNumbering = BitNumbering::Unsaid;
-};
-
-/// The delivery of a node; only nodes whose object was requested have it.
-struct VNodeDelivery {
-    ObjectId mEntryObject = 0;
-    std::uint32_t mFrame : 30 = 0;
-    bool mIsRefused : 1 = false;
-    bool mIsDropped : 1 = false;
 };
 
 /// Attributes that few nodes have, and the delivery of such a node.
@@ -343,17 +336,10 @@ public:
     /// @{
 
     /// The host's object of this node, 0 until it is delivered.
-    [[nodiscard]] ObjectId GetEntryObject() const {
-        const VNodeDelivery* delivery = mExtrasOrDelivery;
-        return delivery != nullptr ? delivery->mEntryObject : 0;
-    }
-    /// Like all setters of the delivery, only for nodes whose delivery has begun.
-    void SetEntryObject(ObjectId object) { mExtrasOrDelivery->mEntryObject = object; }
-    /// Makes room for the state of the delivery.
-    void BeginDelivery(VNodeArena& arena) {
-        if (mExtrasOrDelivery == nullptr) {
-            mExtrasOrDelivery = arena.Create<VNodeDelivery>();
-        }
+    [[nodiscard]] ObjectId GetEntryObject() const { return mExtrasOrDelivery.Object(); }
+    /// @param arena the arena of the tree, as for the other setters
+    void SetEntryObject(ObjectId object, VNodeArena& arena) {
+        mExtrasOrDelivery.SetObject(object, arena);
     }
     /// True if this node is the scope of its children's objects.
     [[nodiscard]] virtual bool IsEntryScope() const { return false; }
@@ -368,28 +354,25 @@ public:
     /// @param alreadyRegistered true if the object belongs to another node
     virtual bool CreateEntryObject(VNodeEmission& emission, const EmissionInputs& inputs,
                                    ObjectId& id, bool& alreadyRegistered);
-    /// Index of the node's innermost delivery in progress, 0 if there is none.
-    [[nodiscard]] std::uint32_t GetEmissionFrame() const {
-        const VNodeDelivery* delivery = mExtrasOrDelivery;
-        return delivery != nullptr ? delivery->mFrame : 0;
-    }
-    void SetEmissionFrame(std::uint32_t frame) {
-        mExtrasOrDelivery->mFrame = frame & kLargestFrame;
-    }
-    static constexpr std::uint32_t kLargestFrame = (1U << 30U) - 1;
+    /// Index of the node's innermost delivery in progress, 0 if there is none. Once the node has
+    /// its object, the index may be 0 although the delivery goes on.
+    [[nodiscard]] std::uint32_t GetEmissionFrame() const { return mExtrasOrDelivery.Frame(); }
+    void SetEmissionFrame(std::uint32_t frame) { mExtrasOrDelivery.SetFrame(frame); }
 
     /// True if the host returned no object on request; it isn't asked again.
     [[nodiscard]] bool IsDeliveryRefused() const {
-        const VNodeDelivery* delivery = mExtrasOrDelivery;
+        const VNodeDelivery* delivery = mExtrasOrDelivery.Get();
         return delivery != nullptr && delivery->mIsRefused;
     }
-    void SetDeliveryRefused() { mExtrasOrDelivery->mIsRefused = true; }
+    void SetDeliveryRefused(VNodeArena& arena) {
+        mExtrasOrDelivery.InArena(arena).mIsRefused = true;
+    }
     /// True for a variable that the host already has from another node.
     [[nodiscard]] bool IsDropped() const {
-        const VNodeDelivery* delivery = mExtrasOrDelivery;
+        const VNodeDelivery* delivery = mExtrasOrDelivery.Get();
         return delivery != nullptr && delivery->mIsDropped;
     }
-    void SetDropped() { mExtrasOrDelivery->mIsDropped = true; }
+    void SetDropped(VNodeArena& arena) { mExtrasOrDelivery.InArena(arena).mIsDropped = true; }
 
     /// @}
     /// @name Dump for a person
@@ -473,9 +456,9 @@ private:
     //     20  extras or delivery       48  record of the entry
     //     24  byte size                52  record of the node
     //
-    // `mAside` leads to what few nodes have. A variable without specification has nothing there
-    // until its delivery begins, and then a `VNodeDelivery`; a bit field has `VNodeExtras` from the
-    // start, with its storage and room for its delivery.
+    // `mExtrasOrDelivery` leads to what few nodes have. A bit field has `VNodeExtras` there from
+    // the start, with its storage and room for its delivery. A variable without specification has
+    // nothing there until its delivery begins, and afterwards the number of its object.
     VNodeText mName;
     std::uint16_t mTag;
     bool mIsTypeResolved : 1 = false;
@@ -494,8 +477,7 @@ private:
     WalkState mSpecificationWalkState : 2 = WalkState::Unseen;
     /// Section offset of the type; once it is found, the type itself.
     VNodeReference mType;
-    /// The extras of the node, if it has any; else its delivery, once that begins.
-    VNodeLink<VNodeDelivery> mExtrasOrDelivery;
+    VExtrasOrDelivery mExtrasOrDelivery;
     std::int32_t mByteSize = 0;
     VNodeLink<VCompileUnitHeader> mCompileUnitHeader;
     VNodeLink<VDebugInfoNode> mParent;
