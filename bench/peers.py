@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Measures brindle beside the tools that a user could run instead, on the same images in one run.
 
-Prints time and peak memory as a Markdown table for docs/performance.md, with the machine's
-description. All tools read the same file, write to a file, and run alone on one processor, one after
-the other. peers.sh builds what is needed and calls it.
+Prints time and peak memory as Markdown tables for docs/performance.md, with the machine's
+description. All tools read the same file, write to a file, and run alone on one processor. They take
+turns: a moment when the machine is slow then hits all of them, not one tool's only runs. peers.sh
+builds what is needed and calls it.
 """
 import argparse
 import dataclasses
@@ -38,12 +39,19 @@ def brindle(command, *arguments, behind=()):
                 behind=list(behind))
 
 
+def in_classic_manner(tool):
+    return dataclasses.replace(tool, name=f"{tool.name}, classic",
+                               command=[*tool.command, "--set", "mIsFullReading=0"])
+
+
 BRINDLE = brindle("vars", "--all-types")
 VARIABLES = brindle("vars")
 
 DEBUG_TOOLS = [
     BRINDLE,
+    in_classic_manner(BRINDLE),
     VARIABLES,
+    in_classic_manner(VARIABLES),
     Tool("bare libdw walk", [str(PROGRAMS / "bench/libdw_walk")], "libdw-dev"),
     Tool("pahole", ["pahole"], "dwarves"),
     Tool("readelf --debug-dump=info", ["readelf", "--debug-dump=info"], "binutils"),
@@ -68,7 +76,8 @@ SYMBOL_TOOLS = [
 
 def with_find(expression):
     """The tools, with a row for what one expression of the image costs."""
-    return [BRINDLE, VARIABLES, brindle("find", behind=[expression]), *DEBUG_TOOLS[2:]]
+    index = DEBUG_TOOLS.index(in_classic_manner(VARIABLES)) + 1
+    return [*DEBUG_TOOLS[:index], brindle("find", behind=[expression]), *DEBUG_TOOLS[index:]]
 
 
 IMAGES = [("cpp.elf", "C++, x86-64", DEBUG_TOOLS), ("cpp-half.elf", "C++, half the units", None),
@@ -113,15 +122,19 @@ def run_once(tool, image, limit):
     return measurement
 
 
-def measure(tool, image, arguments):
-    """The best of the runs. A slow tool is run only once: disturbances matter little for it."""
-    best = run_once(tool, image, arguments.limit)
+def best_of(measurement, again):
+    return Measurement(min(measurement.cpu, again.cpu), min(measurement.wall, again.wall),
+                       min(measurement.memory, again.memory), again.failure)
+
+
+def measure(tools, image, arguments):
+    """The best of the runs of each tool, in the order of the tools. A slow tool is run only once:
+    disturbances matter little for it."""
+    best = [run_once(tool, image, arguments.limit) for tool in tools]
     for _ in range(arguments.runs - 1):
-        if best.failure or best.wall > arguments.repeat_below:
-            break
-        again = run_once(tool, image, arguments.limit)
-        best = Measurement(min(best.cpu, again.cpu), min(best.wall, again.wall),
-                           min(best.memory, again.memory), again.failure)
+        for index, tool in enumerate(tools):
+            if not best[index].failure and best[index].wall <= arguments.repeat_below:
+                best[index] = best_of(best[index], run_once(tool, image, arguments.limit))
     return best
 
 
@@ -156,22 +169,25 @@ def is_there(tool):
     return shutil.which(tool.command[0]) is not None
 
 
+def reason_to_skip(tool, arguments):
+    if not is_there(tool):
+        return f"missing: package {tool.package}"
+    return "left out" if tool.isSlow and arguments.no_slow else ""
+
+
 def print_table(tools, image, arguments):
     print("| Tool | Processor time | Wall time | Time / brindle | Peak memory | Memory / brindle |")
     print("|---|---|---|---|---|---|")
+    print(f"{image.name} ...", file=sys.stderr)
+    measured = [tool for tool in tools if not reason_to_skip(tool, arguments)]
+    measurements = iter(measure(measured, image, arguments))
     reference = None
     for tool in tools:
-        if not is_there(tool):
-            print(f"| {tool.name} | missing: package {tool.package} | | | | |")
-            continue
-        if tool.isSlow and arguments.no_slow:
-            print(f"| {tool.name} | left out | | | | |")
-            continue
-        print(f"{tool.name}, {image.name} ...", file=sys.stderr)
-        measurement = measure(tool, image, arguments)
+        reason = reason_to_skip(tool, arguments)
+        measurement = Measurement(failure=reason) if reason else next(measurements)
         reference = measurement if tool is BRINDLE else reference
-        print(table_row(tool, measurement, reference), flush=True)
-    print()
+        print(table_row(tool, measurement, reference))
+    print(flush=True)
     return reference
 
 
@@ -182,7 +198,7 @@ def print_growth(folder, whole, arguments):
         full = whole.get(name.replace("-half", ""))
         if tools is not None or not image.exists() or full is None:
             continue
-        half = measure(BRINDLE, image, arguments)
+        half = measure([BRINDLE], image, arguments)[0]
         if half.failure or full.failure:
             print(f"- {title}: {half.failure or full.failure}")
         else:
