@@ -8,6 +8,7 @@
 // 39 of a structure, of a type of 4 bytes, are bits 5 to 7 of the unit at offset 4. Any other field
 // begins in the byte that holds its first bit.
 #include "container/VElfFile.h"
+#include "core/BitsPerByte.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "nodes/VDebugInfoNode.h"
@@ -18,8 +19,6 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
-
-constexpr std::int64_t sBitsPerByte = 8;
 
 /// From this version on, a field without any bit offset begins where its member does (DWARF 4,
 /// 5.5.6); before, offsets counted from the high-order bit, and a missing one was 0.

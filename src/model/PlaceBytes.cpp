@@ -1,12 +1,13 @@
 #include "model/PlaceBytes.h"
 
+#include "core/BitsPerByte.h"
+
 #include <algorithm>
 
 namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-constexpr std::uint64_t sBitsPerByte = 8;
 constexpr std::uint64_t sWidestField = 64;
 constexpr std::uint64_t sLargestUnit = 64;
 

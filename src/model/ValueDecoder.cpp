@@ -1,5 +1,6 @@
 #include "model/ValueDecoder.h"
 
+#include "core/BitsPerByte.h"
 #include "core/HostText.h"
 #include "model/ModelStore.h"
 #include "model/PlaceBytes.h"
@@ -16,7 +17,6 @@ namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
 
-constexpr std::uint64_t sBitsOfByte = 8;
 constexpr std::uint64_t sLargestValue = 8;
 
 /// How the bits of a number are interpreted.
@@ -64,8 +64,8 @@ std::uint64_t BitsOf(std::span<const std::uint8_t> bytes, ByteOrder byteOrder,
         const std::uint8_t byte =
             bytes[byteOrder == ByteOrder::Big ? index : bytes.size() - 1 - index];
         const bool isLast = index + 1 == bytes.size();
-        bits = isLast ? bits << (sBitsOfByte - firstBit) | byte >> firstBit
-                      : bits << sBitsOfByte | byte;
+        bits = isLast ? bits << (sBitsPerByte - firstBit) | byte >> firstBit
+                      : bits << sBitsPerByte | byte;
     }
     return bits;
 }
@@ -221,8 +221,8 @@ void ValueDecoder::DecodeNumber(const Model::Place& place, std::span<const std::
         // For the integer type of some enums only the size is known.
         notation = Notation::Unsigned;
     }
-    const std::uint64_t firstBit = place.isBitField ? place.bitOffset % sBitsOfByte : 0;
-    const std::uint64_t width = place.isBitField ? place.bitSize : place.size * sBitsOfByte;
+    const std::uint64_t firstBit = place.isBitField ? place.bitOffset % sBitsPerByte : 0;
+    const std::uint64_t width = place.isBitField ? place.bitSize : place.size * sBitsPerByte;
     value.number = NumberOf(BitsOf(bytes, mModel.Image().byteOrder, firstBit), width, notation);
     value.isAddress = type.id != 0 && type.kind == ObjectKind::Pointer;
     if (std::holds_alternative<std::monostate>(value.number)) {

@@ -1,5 +1,6 @@
 #include "nodes/VDebugInfoNodeArray.h"
 
+#include "core/BitsPerByte.h"
 #include "nodes/VDieNodes.h"
 
 #include <algorithm>
@@ -8,8 +9,6 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
-
-constexpr std::uint32_t sBitsOfByte = 8;
 
 /// The number of a bound, in 32 bits; none if it can't be used. A reference must lead to a variable
 /// in memory, whose address then is the number.
@@ -102,7 +101,7 @@ VDebugInfoNodeArray::Extent VDebugInfoNodeArray::ExtentOf(std::int32_t elementSi
     ForEachSubrange(
         [&](const VDebugInfoNodeSubrange& subrange) { subranges.push_back(&subrange); });
     std::ranges::reverse(subranges);
-    Extent extent{static_cast<std::uint32_t>(elementSize) * std::uint64_t{sBitsOfByte}, true};
+    Extent extent{static_cast<std::uint32_t>(elementSize) * std::uint64_t{sBitsPerByte}, true};
     std::uint64_t stride = mStrideInBits;
     for (const VDebugInfoNodeSubrange* subrange : subranges) {
         stride = subrange->GetStrideInBits() != 0 ? subrange->GetStrideInBits() : stride;
