@@ -187,7 +187,7 @@ class Seeds:
         numbers = random.Random(1)
         for index in range(count):
             size = ENTRY_BYTES * numbers.choice([4, 10, 30, 80])
-            target = bytes([numbers.choice([0, 1, 2, 4, 8, 11, 0x40, 0x43])])
+            target = bytes([numbers.choice([0, 1, 2, 4, 8, 11, 0x20, 0x28, 0x40, 0x43, 0x60])])
             content = CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size)
             for name in ("entries", "manners", "versions"):
                 self.add(name, f"random-{index}", content)

@@ -258,26 +258,52 @@ std::vector<Record> Plain(std::vector<Record> records) {
     return records;
 }
 
+constexpr dwarf_tag sTagsOfTypeUnits[] = {DW_TAG_structure_type, DW_TAG_class_type,
+                                          DW_TAG_union_type, DW_TAG_enumeration_type};
+
 class TreeBuilder {
 public:
-    explicit TreeBuilder(std::vector<Record> records)
-        : mRecords(std::move(records)) {}
+    /// @param hasTypeUnits units that begin with a type are type units
+    TreeBuilder(std::vector<Record> records, bool hasTypeUnits)
+        : mRecords(std::move(records)) {
+        std::size_t units = 0;
+        bool isFirst = true;
+        bool isTypeUnit = false;
+        for (const Record& record : mRecords) {
+            if (isFirst) {
+                ++units;
+                isTypeUnit = hasTypeUnits && std::ranges::find(sTagsOfTypeUnits, record.tag) !=
+                                                 std::end(sTagsOfTypeUnits);
+            }
+            mTypeUnits.push_back(isTypeUnit ? units : 0);
+            isFirst = record.structure == Structure::LastUnit;
+        }
+    }
 
     [[nodiscard]] bool IsAtEnd() const { return mNext == mRecords.size(); }
 
-    /// The entries of the next unit.
-    std::vector<Die> Unit() {
+    /// Fills in the entries of the next unit, and for a type unit what its header needs.
+    void FillUnit(DwarfUnit& unit) {
+        const std::size_t typeUnit = mTypeUnits[mNext];
         std::vector<Die> roots;
         mIsUnitOpen = true;
+        if (typeUnit != 0) {
+            unit.type = mRecords[mNext].label;
+            unit.unitType = DW_UT_type;
+            unit.signature = SignatureOf(typeUnit);
+        }
         while (!IsAtEnd() && mIsUnitOpen) {
             roots.push_back(Entry());
         }
-        return {Die(DW_TAG_compile_unit, {Name("unit.c"), Producer("any")}, std::move(roots))};
+        unit.entries = {typeUnit != 0 ? Die(DW_TAG_type_unit, {}, std::move(roots))
+                                      : Die(DW_TAG_compile_unit, {Name("unit.c"), Producer("any")},
+                                            std::move(roots))};
     }
 
 private:
     Die Entry() {
-        const Record& record = mRecords[mNext++];
+        const std::size_t index = mNext++;
+        const Record& record = mRecords[index];
         mIsListOpen = record.structure != Structure::LastChild;
         mIsUnitOpen = record.structure != Structure::LastUnit;
         std::vector<Die> children;
@@ -287,14 +313,30 @@ private:
             }
             mIsListOpen = true;
         }
-        return {record.label, record.tag, Attributes(record), std::move(children)};
+        return {record.label, record.tag, Attributes(index), std::move(children)};
     }
 
-    [[nodiscard]] DieLabel Target(std::uint32_t index) const {
-        return mRecords[index % mRecords.size()].label;
+    static std::uint64_t SignatureOf(std::size_t typeUnit) { return 0x100 + typeUnit; }
+
+    /// A reference of an entry to another. Into another type unit a signature leads, to its type.
+    [[nodiscard]] DieAttribute Refer(std::size_t from, std::uint32_t attribute,
+                                     std::uint32_t to) const {
+        const std::size_t target = to % mRecords.size();
+        const std::size_t typeUnit = mTypeUnits[target];
+        if (typeUnit == mTypeUnits[from]) {
+            // References into other units need the form that counts from the section's start.
+            return Reference(attribute, typeUnit != 0 ? DW_FORM_ref4 : DW_FORM_ref_addr,
+                             mRecords[target].label);
+        }
+        if (typeUnit == 0) {
+            return Reference(attribute, DW_FORM_ref_addr, mRecords[target].label);
+        }
+        return Number(attribute == DW_AT_type ? DW_AT_type : DW_AT_signature, DW_FORM_ref_sig8,
+                      SignatureOf(typeUnit));
     }
 
-    [[nodiscard]] std::vector<DieAttribute> Attributes(const Record& record) const {
+    [[nodiscard]] std::vector<DieAttribute> Attributes(std::size_t index) const {
+        const Record& record = mRecords[index];
         std::vector<DieAttribute> attributes;
         const auto add = [&](std::uint32_t bit, DieAttribute attribute) {
             if ((record.attributes & (1U << bit)) != 0) {
@@ -307,11 +349,11 @@ private:
         const auto signedNumber = static_cast<std::int64_t>(record.number);
         add(0, Name(NameOf(record), textForm));
         add(1, LinkageName(LinkageNameOf(record), textForm));
-        // References into other units need the form that counts from the section's start.
-        add(2, Type(Target(record.type), DW_FORM_ref_addr));
-        add(3, Reference((record.forms & sOriginForm) != 0 ? DW_AT_abstract_origin
-                                                           : DW_AT_specification,
-                         DW_FORM_ref_addr, Target(record.specification)));
+        add(2, Refer(index, DW_AT_type, record.type));
+        add(3,
+            Refer(index,
+                  (record.forms & sOriginForm) != 0 ? DW_AT_abstract_origin : DW_AT_specification,
+                  record.specification));
         add(4, ByteSize(record.number, numberForm));
         add(5, BitSize(record.number % 256));
         add(6, (record.forms & sDataBitForm) != 0
@@ -347,6 +389,8 @@ private:
     }
 
     std::vector<Record> mRecords;
+    /// For each record the number of its type unit, from 1; 0 in other units.
+    std::vector<std::size_t> mTypeUnits;
     std::size_t mNext = 0;
     bool mIsListOpen = true;
     bool mIsUnitOpen = true;
@@ -368,6 +412,7 @@ struct Target {
         unit.version = 2 + static_cast<int>((choice >> 2U) % 3U);
         unit.addressSize = is64Bit ? 8 : 4;
         unit.is64BitDwarf = is64Bit && (choice & 0x80U) != 0;
+        hasTypeUnits = (choice & 0x20U) != 0;
         isModern = (choice & 0x40U) != 0 && !unit.is64BitDwarf;
     }
 
@@ -377,6 +422,7 @@ struct Target {
 
     bool is64Bit;
     ByteOrder byteOrder;
+    bool hasTypeUnits = false;
     /// Units are written as DWARF 5.
     bool isModern = false;
     /// Without entries.
@@ -386,11 +432,20 @@ struct Target {
 /// Writes the units of a tree, each by `write`.
 DwarfSections SectionsOf(const Target& target, const std::vector<Record>& records,
                          void (*write)(DwarfSections&, const DwarfUnit&)) {
-    TreeBuilder tree(records);
+    TreeBuilder tree(records, target.hasTypeUnits);
     DwarfSections sections(target.byteOrder);
+    // Last, where a section of their own would put them.
+    std::vector<DwarfUnit> typeUnits;
     while (!tree.IsAtEnd()) {
         DwarfUnit unit = target.unit;
-        unit.entries = tree.Unit();
+        tree.FillUnit(unit);
+        if (unit.type) {
+            typeUnits.push_back(std::move(unit));
+        } else {
+            write(sections, unit);
+        }
+    }
+    for (const DwarfUnit& unit : typeUnits) {
         write(sections, unit);
     }
     return sections;
@@ -426,6 +481,7 @@ std::string ImageOfPlainEntries(InputBytes& input) {
     Target target(input.Byte());
     // Elsewhere the manners differ in the width of a reference between units.
     target.unit.is64BitDwarf = target.is64Bit;
+    target.hasTypeUnits = false;
     return (target.Image() + SectionsOf(target, Plain(TakeRecords(input)), WriteUnit)).Build();
 }
 

@@ -14,7 +14,8 @@ namespace Tessel::Norn::Brindle::Fuzzing {
 /// Bytes of the record of one entry.
 constexpr std::size_t sEntryBytes = 14;
 
-/// Takes a byte for the target and then records to the end of the input; returns the file.
+/// Takes a byte for the target and then records to the end of the input; returns the file. Its
+/// units that begin with a type may be type units.
 std::string ImageOfEntries(InputBytes& input);
 
 /// The same without what docs/full-reading.md says is read differently in the two manners. No
