@@ -10,6 +10,7 @@
 #include <ios>
 #include <random>
 #include <system_error>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -22,7 +23,8 @@ constexpr int sMostTries = 100;
 } // namespace
 
 FileReplacement::FileReplacement(const std::string& path)
-    : mPath(path) {
+    : FileReplacement() {
+    mPath = path;
     std::error_code error;
     const std::filesystem::file_status status = FileStatus(path, error);
     if (std::filesystem::is_directory(status)) {
@@ -63,12 +65,14 @@ void FileReplacement::CreateBeside(bool doesExist) {
         }
     }
     std::random_device random;
-    for (int tries = 0; mTemporary.empty(); ++tries) {
-        const std::string name = mPath + ".new" + std::to_string(random());
+    for (int tries = 0;; ++tries) {
+        std::string name = mPath + ".new" + std::to_string(random());
         errno = 0;
         if (CreateNewFile(name)) {
-            mTemporary = name;
-        } else if (errno != EEXIST || tries == sMostTries) {
+            mTemporary = std::move(name);
+            return;
+        }
+        if (errno != EEXIST || tries == sMostTries) {
             Fail(errno);
         }
     }
@@ -87,6 +91,8 @@ void FileReplacement::Finish() {
     if (mFile.close() == nullptr || (!mTemporary.empty() && !BringToDisk(mTemporary))) {
         Fail(errno);
     }
+    mFinishedPath = PathToOpen(mTemporary);
+    mTargetPath = PathToOpen(mPath);
 }
 
 void FileReplacement::Commit() {
@@ -94,7 +100,7 @@ void FileReplacement::Commit() {
         return;
     }
     std::error_code error;
-    std::filesystem::rename(PathToOpen(mTemporary), PathToOpen(mPath), error);
+    std::filesystem::rename(mFinishedPath, mTargetPath, error);
     if (error) {
         const std::error_condition reason = error.default_error_condition();
         throw std::system_error(reason.value(), reason.category(), mPath);

@@ -2,6 +2,7 @@
 // then renamed. Commands that write files for the user write them through it.
 #pragma once
 
+#include <filesystem>
 #include <fstream>
 #include <streambuf>
 #include <string>
@@ -32,12 +33,20 @@ public:
     void Commit();
 
 private:
+    // Delegated to, so that a constructor that fails removes what it began.
+    FileReplacement() = default;
     void CreateBeside(bool doesExist);
     [[noreturn]] void Fail(int reason) const;
 
     std::string mPath;
     /// The file's name until it is complete; empty once it is in its place.
     std::string mTemporary;
+    /// @name Both names as `Commit` needs them
+    /// Made before it, so that no lack of memory puts only some of several files in place.
+    /// @{
+    std::filesystem::path mFinishedPath;
+    std::filesystem::path mTargetPath;
+    /// @}
     std::filebuf mFile;
 };
 
