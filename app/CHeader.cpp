@@ -3,6 +3,7 @@
 #include "BitLanes.h"
 #include "CNames.h"
 #include "NamePattern.h"
+#include "ObjectKinds.h"
 #include "PlainText.h"
 #include "ResultOutput.h"
 #include "StructureLayout.h"
@@ -262,11 +263,12 @@ public:
 
 private:
     [[nodiscard]] bool IsWanted(const ModelObject& type, const NameFilter& names) const {
-        if (!IsClass(type.kind) && type.kind != ObjectKind::Enum &&
+        if (!HasMembers(type.kind) && type.kind != ObjectKind::Enum &&
             type.kind != ObjectKind::Typedef) {
             return false;
         }
-        if (IsClass(type.kind) && (type.anonymous || type.name.empty()) && !IsOfVariable(type.id)) {
+        if (HasMembers(type.kind) && (type.anonymous || type.name.empty()) &&
+            !IsOfVariable(type.id)) {
             return false; // its holder declares it
         }
         const std::string name = mModel.QualifiedName(type.id);

@@ -1,6 +1,7 @@
 #include "ImagePack.h"
 
 #include "JsonOutput.h"
+#include "ObjectKinds.h"
 #include "ReadSession.h"
 #include "StructureLayout.h"
 
@@ -139,8 +140,7 @@ void ImagePack::NumberTypes() {
 }
 
 void ImagePack::AddType(const ModelObject& type) {
-    const bool isClass = type.kind == ObjectKind::Class || type.kind == ObjectKind::Struct ||
-                         type.kind == ObjectKind::Union;
+    const bool isClass = HasMembers(type.kind);
     const bool isArray = type.kind == ObjectKind::Array;
     const bool isNamed =
         isClass || type.kind == ObjectKind::Enum || type.kind == ObjectKind::Typedef;

@@ -1,7 +1,7 @@
 #include "NearObjects.h"
 
 #include "NearNames.h"
-#include "StructureLayout.h"
+#include "ObjectKinds.h"
 
 #include "model/DataModel.h"
 

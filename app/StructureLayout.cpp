@@ -1,6 +1,7 @@
 #include "StructureLayout.h"
 
 #include "BitLanes.h"
+#include "ObjectKinds.h"
 
 #include <algorithm>
 #include <limits>
@@ -125,15 +126,6 @@ private:
 };
 
 } // namespace
-
-bool IsClass(ObjectKind kind) {
-    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
-}
-
-bool IsMember(ObjectKind kind) {
-    return kind == ObjectKind::Member || kind == ObjectKind::UnionMember ||
-           kind == ObjectKind::BitField;
-}
 
 std::vector<LayoutEntry> LayoutOf(const DataModel::Model& model, ObjectId type) {
     Contents contents = ContentsOf(model, type);

@@ -32,12 +32,6 @@ struct LayoutEntry {
     std::uint64_t size = 0;
 };
 
-/// True for a class, structure or union.
-bool IsClass(DataModel::ObjectKind kind);
-
-/// True for an object with a place in a class, structure or union.
-bool IsMember(DataModel::ObjectKind kind);
-
 /// The layout of a class, structure or union; a union has no holes.
 std::vector<LayoutEntry> LayoutOf(const DataModel::Model& model, DataModel::ObjectId type);
 

@@ -2,6 +2,7 @@
 
 #include "Characters.h"
 #include "NamePattern.h"
+#include "ObjectKinds.h"
 #include "PlainText.h"
 #include "ResultOutput.h"
 #include "StructureLayout.h"
@@ -34,7 +35,7 @@ constexpr std::string_view sCommentCode = "\x1B[36m";
 constexpr std::string_view sCommentEndCode = "\x1B[0m";
 
 bool IsListed(ObjectKind kind) {
-    return IsClass(kind) || kind == ObjectKind::Enum || kind == ObjectKind::Typedef;
+    return HasMembers(kind) || kind == ObjectKind::Enum || kind == ObjectKind::Typedef;
 }
 
 std::string_view Keyword(ObjectKind kind) {
@@ -207,7 +208,7 @@ private:
 
     /// True for a class of which the file knows only the name.
     [[nodiscard]] bool IsDeclarationAlone(const ModelObject& type) const {
-        return IsClass(type.kind) && mModel.SizeOf(type.id) == 0 && !HasContents(type.id);
+        return HasMembers(type.kind) && mModel.SizeOf(type.id) == 0 && !HasContents(type.id);
     }
 
     /// The variable that a nameless type was made for, as a comment.

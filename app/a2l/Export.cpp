@@ -1,6 +1,7 @@
 #include "a2l/Export.h"
 
 #include "NamePattern.h"
+#include "ObjectKinds.h"
 #include "Phrases.h"
 #include "ResultOutput.h"
 
@@ -186,8 +187,7 @@ private:
         const ModelObject type = mModel.Object(plain);
         if (part.depth == sDeepestNesting || mLeavesLeft == 0) {
             Omit(mTooMany, part);
-        } else if (type.kind == ObjectKind::Class || type.kind == ObjectKind::Struct ||
-                   type.kind == ObjectKind::Union) {
+        } else if (HasMembers(type.kind)) {
             for (const Member& member : mIndex.MembersOf(plain).All()) {
                 TakeMember(part, member);
             }

@@ -1,5 +1,7 @@
 #include "a2l/MemberTable.h"
 
+#include "ObjectKinds.h"
+
 #include "a2l/Identifiers.h"
 
 #include <algorithm>
@@ -16,10 +18,6 @@ using DataModel::ObjectKind;
 constexpr std::size_t sMostParts = 1000;
 
 } // namespace
-
-bool HasMembers(ObjectKind kind) {
-    return kind == ObjectKind::Class || kind == ObjectKind::Struct || kind == ObjectKind::Union;
-}
 
 /// A class or union whose members count as those of the class.
 struct MemberTable::Part {
@@ -66,8 +64,7 @@ void MemberTable::AddPart(const DataModel::Model& model, const Part& part,
                           std::deque<Part>& pending) {
     std::vector<Part> anonymous;
     model.ForEachIn(part.type, [&](const ModelObject& object) {
-        if (object.kind != ObjectKind::Member && object.kind != ObjectKind::UnionMember &&
-            object.kind != ObjectKind::BitField) {
+        if (!IsMember(object.kind)) {
             return;
         }
         const std::uint64_t offset = part.offset + object.offset;

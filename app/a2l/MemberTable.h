@@ -16,9 +16,6 @@
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
-/// True for a class, structure or union.
-bool HasMembers(DataModel::ObjectKind kind);
-
 struct Member {
     std::string_view name;
     DataModel::ObjectId type = 0;

@@ -1,6 +1,7 @@
 #include "a2l/SymbolIndex.h"
 
 #include "NearNames.h"
+#include "ObjectKinds.h"
 #include "Phrases.h"
 
 #include "a2l/Identifiers.h"
