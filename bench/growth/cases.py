@@ -4,7 +4,7 @@ import random
 import struct
 import sys
 
-from image import TAGS, CoffImage, Description, Image, PeImage, uleb
+from image import TAGS, CoffImage, Description, Image, Measurements, PeImage, uleb
 
 
 def unit_of(fill):
@@ -1007,10 +1007,16 @@ COMMANDS = [(command, case, n) for case, n, commands in [
 ] for command in commands.split()]
 
 
-# Descriptions for `brindle a2l update`, in which a file of one comment can be included as "part".
+# Descriptions for `brindle a2l update`, in which a file of one comment can be included as "part". With a number of
+# includes, they are a part themselves: that of a file that includes them so often.
 
-def a2l_of_many_includes(n):
+def a2l_of_refused_includes(n):
+    """More includes of one file than are allowed: the first too many ends the command."""
     return Description('/include "part" ' * n)
+
+
+def a2l_included_as_often_as_allowed(n):
+    return Measurements(n)
 
 
 def a2l_of_nested_blocks(n):
@@ -1018,7 +1024,7 @@ def a2l_of_nested_blocks(n):
 
 
 def a2l_of_one_name(n):
-    return Description('/begin MEASUREMENT v "" UWORD C 0 0 0 1 ECU_ADDRESS 1 /end MEASUREMENT ' * n)
+    return Description(Measurements(n).content().decode())
 
 
 def a2l_of_long_paths(n):
@@ -1028,6 +1034,7 @@ def a2l_of_long_paths(n):
     return Description(f'/begin MEASUREMENT {path} "" UWORD C 0 0 0 1 /end MEASUREMENT ' * side)
 
 
-DESCRIPTIONS = [(a2l_of_many_includes, MILLION), (a2l_of_nested_blocks, MILLION), (a2l_of_one_name, USUAL_SIZE),
-                (a2l_of_long_paths, MILLION)]
-HELPERS |= {case.__name__ for case, _ in DESCRIPTIONS}
+# Each with its size, and how often the file is included by the one that is updated; 0 for the file itself.
+DESCRIPTIONS = [(a2l_of_refused_includes, MILLION, 0), (a2l_included_as_often_as_allowed, 10_000, 100),
+                (a2l_of_nested_blocks, MILLION, 0), (a2l_of_one_name, USUAL_SIZE, 0), (a2l_of_long_paths, MILLION, 0)]
+HELPERS |= {case[0].__name__ for case in DESCRIPTIONS}

@@ -144,7 +144,12 @@ def measure_commands(arguments, path):
     path.with_name("part").write_text("/* nothing */\n")
     commands = [(command, function, n, [command, path, *(["v", "v[0][0]", "v.m.m"] if command == "find" else [])])
                 for command, function, n in cases.COMMANDS]
-    commands += [("a2l update", function, n, ["a2l", "update", path, image]) for function, n in cases.DESCRIPTIONS]
+    for function, n, times in cases.DESCRIPTIONS:
+        main = path
+        if times > 0:
+            main = path.with_name(function.__name__)
+            main.write_bytes(cases.Description(f'/include "{path}" ' * times).content())
+        commands.append(("a2l update", function, n, ["a2l", "update", main, image]))
     for command, function, n, words in commands:
         name = f"{command} {function.__name__}"
         if arguments.cases and function.__name__ not in arguments.cases:

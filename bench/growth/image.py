@@ -156,6 +156,16 @@ class Image:
         return b"".join(parts) + headers
 
 
+class Measurements:
+    """Objects of one name, as a file that others include."""
+
+    def __init__(self, count):
+        self.count = count
+
+    def content(self):
+        return b'/begin MEASUREMENT v "" UWORD C 0 0 0 1 ECU_ADDRESS 1 /end MEASUREMENT ' * self.count
+
+
 class Description:
     """An A2L file of one module."""
 
