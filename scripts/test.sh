@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything and runs all tests. The argument names a preset: debug (the default), release or
-# sanitizers.
+# Builds everything and runs all tests. The argument names a preset: debug (the default), release, sanitizers, or
+# threads, which builds and runs only what reads in several threads.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 preset=${1:-debug}

@@ -14,6 +14,8 @@
 #include <iterator>
 #include <sstream>
 #include <thread>
+#include <tuple>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
@@ -256,6 +258,48 @@ TEST_F(WaitingTest, AWaitCanBeCancelled) {
     EXPECT_EQ(ReadModel(mReader, mInput).Status(), BRINDLE_OK)
         << "the one that ran isn't concerned";
     EXPECT_EQ(ReadModel(mOther, mInput).Status(), BRINDLE_OK) << "nor is the next one";
+}
+
+TEST_F(InputTest, HostsThatReadAtOnceGetWhatTheyAskedFor) {
+    // Each has a file and a manner of its own: options and messages belong to the process.
+    const struct {
+        std::string path;
+        const char* isFull;
+        brindle_status status;
+    } requests[] = {{Sample("arm-c-dwarf4-O0.elf"), "0", BRINDLE_OK},
+                    {Sample("full/x86_64-c-O0.elf"), "1", BRINDLE_OK},
+                    {Sample("full/x86_64-c-O0.elf"), "0", BRINDLE_READ_FAILED}};
+    const auto read = [](const auto& request, brindle_bool waits) {
+        const CReader reader;
+        const brindle_setting setting = {"mIsFullReading", request.isFull};
+        brindle_input input = Input(request.path.c_str());
+        input.waits = waits;
+        input.settings = &setting;
+        input.setting_count = 1;
+        const ReadModel model(reader, input);
+        std::uint64_t count = 0;
+        brindle_model_object_count(model.Handle(), &count);
+        return std::tuple(model.Status(), count, reader.ErrorText());
+    };
+    std::vector<decltype(read(requests[0], 0))> alone;
+    for (const auto& request : requests) {
+        alone.push_back(read(request, 0));
+        EXPECT_EQ(std::get<0>(alone.back()), request.status);
+    }
+    std::vector<std::thread> hosts;
+    for (std::size_t host = 0; host < 2 * std::size(requests); ++host) {
+        hosts.emplace_back([&, host] {
+            const brindle_bool waits = host % 2 == 0 ? 1 : 0;
+            for (int tries = 0; tries < 10; ++tries) {
+                const auto result = read(requests[host / 2], waits);
+                EXPECT_TRUE(result == alone[host / 2] ||
+                            (waits == 0 && std::get<0>(result) == BRINDLE_BUSY));
+            }
+        });
+    }
+    for (std::thread& host : hosts) {
+        host.join();
+    }
 }
 
 TEST_F(InputTest, NothingIsWrittenToStandardOutput) {

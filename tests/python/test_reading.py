@@ -1,5 +1,6 @@
 """Reading: what may be given, how it fails, what a running read means for another."""
 
+import concurrent.futures
 import gc
 import os
 import threading
@@ -117,6 +118,26 @@ def test_a_second_read_is_refused_or_waits(images):
     waiting.join()
     assert "wait=True" in results[0]
     assert results[1:] == [len(image.variables)]
+
+
+def test_threads_that_read_at_once_get_what_they_asked_for(images):
+    modern = images / "full" / "x86_64-c-O0.elf"
+    requests = [(images / NAME, False), (images / NAME, True), (modern, True)]
+
+    def read(request, wait=True):
+        path, full = request
+        try:
+            with brindle.read(path, full=full, wait=wait) as image:
+                return [(variable.path, variable.address) for variable in image.variables]
+        except brindle.BusyError:
+            return None
+
+    alone = [read(request) for request in requests]
+    with concurrent.futures.ThreadPoolExecutor(6) as pool:
+        waiting = list(pool.map(read, requests * 6))
+        told = list(pool.map(lambda request: read(request, wait=False), requests * 6))
+    assert waiting == alone * 6
+    assert all(result is None or result == expected for result, expected in zip(told, alone * 6))
 
 
 def test_a_closed_image_says_so_and_an_unused_one_goes(images):
