@@ -56,8 +56,11 @@ Path OpenedPath(const Path& path) {
     }
     std::error_code error;
     const Path full = std::filesystem::absolute(path, error);
-    return error || full.native().size() <= sLongestUsualPath ? path
-                                                              : Path(L"\\\\?\\" + full.native());
+    if (error || full.native().size() <= sLongestUsualPath) {
+        return path;
+    }
+    // After the prefix Windows takes a path literally: it knows no other separator, and no "..".
+    return Path(L"\\\\?\\" + full.lexically_normal().make_preferred().native());
 }
 
 template <typename Path>
