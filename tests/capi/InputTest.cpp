@@ -249,9 +249,16 @@ TEST_F(WaitingTest, AReadWaitsForTheOneThatRuns) {
 TEST_F(WaitingTest, AWaitCanBeCancelled) {
     mMeanwhile = [&] {
         brindle_status status = BRINDLE_INTERNAL_ERROR;
-        std::thread waiting([&] { status = ReadModel(mOther, mInput).Status(); });
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        EXPECT_EQ(brindle_reader_cancel(mOther), BRINDLE_OK);
+        std::atomic<bool> hasEnded = false;
+        std::thread waiting([&] {
+            status = ReadModel(mOther, mInput).Status();
+            hasEnded = true;
+        });
+        // A call before the wait begins does nothing.
+        while (!hasEnded) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+            EXPECT_EQ(brindle_reader_cancel(mOther), BRINDLE_OK);
+        }
         waiting.join();
         EXPECT_EQ(status, BRINDLE_CANCELLED);
     };
