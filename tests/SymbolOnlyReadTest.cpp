@@ -5,6 +5,7 @@
 #include "host/CurrentDataModel.h"
 #include "host/VDWARFReader.h"
 #include "support/ElfImage.h"
+#include "support/MatchesPattern.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 #include "support/TemporaryFolder.h"
@@ -226,7 +227,7 @@ TEST_F(SymbolOnlyReadTest, UnreadablePathsAreToldPlainly) {
     EXPECT_FALSE(missing.result);
     EXPECT_EQ(missing.message, "ELF file Open has failed.");
     EXPECT_THAT(missing.standardOutput,
-                testing::MatchesRegex("Failed to open .*missing\\.elf: Error Code [0-9]+"));
+                MatchesPattern("Failed to open .*missing\\.elf: Error Code [0-9]+"));
 }
 
 TEST_F(SymbolOnlyReadTest, LogTellsOfErrors) {

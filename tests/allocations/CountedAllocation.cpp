@@ -1,6 +1,9 @@
 #include "allocations/CountedAllocation.h"
 
 #include <cstdlib>
+#ifdef _WIN32
+#include <malloc.h>
+#endif
 #include <new>
 
 namespace Tessel::Norn::Brindle::Tests {
@@ -12,6 +15,23 @@ std::size_t gLiveCount = 0;
 /// Allocations until one fails; 0 if none is to fail.
 std::size_t gUntilFailure = 0;
 bool gHasFailed = false;
+
+// Windows has neither the standard's function for aligned memory nor one free for all memory.
+void* AllocateAligned(std::size_t alignment, std::size_t size) {
+#ifdef _WIN32
+    return _aligned_malloc(size, alignment);
+#else
+    return std::aligned_alloc(alignment, size);
+#endif
+}
+
+void FreeAligned(void* memory) {
+#ifdef _WIN32
+    _aligned_free(memory);
+#else
+    std::free(memory);
+#endif
+}
 
 bool IsDue() {
     if (gUntilFailure == 0 || --gUntilFailure != 0) {
@@ -26,7 +46,7 @@ void* Allocate(std::size_t size, std::size_t alignment) {
         return nullptr;
     }
     const std::size_t rounded = (size + alignment) / alignment * alignment;
-    void* memory = std::aligned_alloc(alignment, rounded);
+    void* memory = AllocateAligned(alignment, rounded);
     ++gCount;
     gLiveCount += memory != nullptr ? 1 : 0;
     return memory;
@@ -69,7 +89,7 @@ void* AllocateOrNull(std::size_t size, std::size_t alignment) noexcept {
 
 void Release(void* memory) noexcept {
     gLiveCount -= memory != nullptr ? 1 : 0;
-    std::free(memory);
+    FreeAligned(memory);
 }
 
 } // namespace Tessel::Norn::Brindle::Tests

@@ -2,6 +2,7 @@
 #include "Interface.h"
 
 #include "support/ElfImage.h"
+#include "support/MatchesPattern.h"
 #include "support/TemporaryFolder.h"
 #include "support/UsualEntries.h"
 
@@ -258,7 +259,7 @@ TEST_F(QueriesTest, AllTypesComeOnlyWhenAsked) {
 
 TEST_F(QueriesTest, TheLibraryTellsItsVersionsStatusesAndContainers) {
     EXPECT_EQ(brindle_interface_version(), BRINDLE_INTERFACE_VERSION);
-    EXPECT_THAT(brindle_version(), testing::MatchesRegex("[0-9]+\\.[0-9]+\\.[0-9]+"));
+    EXPECT_THAT(brindle_version(), MatchesPattern("[0-9]+\\.[0-9]+\\.[0-9]+"));
     EXPECT_STREQ(brindle_status_text(BRINDLE_OK), "no error");
     EXPECT_STREQ(brindle_status_text(-1), brindle_status_text(999));
     const std::array<std::pair<const char*, brindle_container>, 3> starts = {

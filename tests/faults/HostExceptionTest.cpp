@@ -55,12 +55,17 @@ protected:
     std::size_t mOpenFiles = OpenFileCount();
 
 private:
-    /// Number of files that the process has open, if the system says.
+    /// Number of files that the process has open, if the system says. Windows doesn't, and an
+    /// emulator on Linux would count its own.
     static std::size_t OpenFileCount() {
+#ifdef _WIN32
+        return 0;
+#else
         const std::filesystem::path folder = "/proc/self/fd";
         std::error_code error;
         return static_cast<std::size_t>(
             std::distance(std::filesystem::directory_iterator(folder, error), {}));
+#endif
     }
 
     /// The options are texts too, and keep the memory that they grew to.

@@ -5,6 +5,7 @@
 #include "a2l/Parser.h"
 #include "a2l/Source.h"
 
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,7 +17,8 @@ struct A2lFiles {
     explicit A2lFiles(std::string main, std::map<std::string, std::string> included = {})
         : mFiles(std::move(included))
         , mSources([this](const std::string& path) {
-            const auto file = mFiles.find(path);
+            // The keys are written with the separator that every system knows.
+            const auto file = mFiles.find(std::filesystem::path(path).generic_string());
             return file == mFiles.end() ? std::nullopt : std::optional(file->second);
         }) {
         mFiles.emplace("main.a2l", std::move(main));

@@ -6,6 +6,15 @@
 
 namespace Tessel::Norn::Brindle::Tests {
 
+namespace {
+
+/// Names are UTF-8, as the reader takes them. The tests of the C interface have no FilePath.
+std::filesystem::path Utf8Path(std::string_view text) {
+    return std::u8string(text.begin(), text.end());
+}
+
+} // namespace
+
 TemporaryFolder::TemporaryFolder() {
     std::random_device random;
     do {
@@ -20,17 +29,18 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 std::string TemporaryFolder::Path(std::string_view name) const {
-    return (mPath / name).string();
+    const std::u8string path = (mPath / Utf8Path(name)).u8string();
+    return {path.begin(), path.end()};
 }
 
 std::string TemporaryFolder::Write(std::string_view name, std::string_view content) const {
-    std::ofstream file(mPath / name, std::ios::binary);
+    std::ofstream file(mPath / Utf8Path(name), std::ios::binary);
     file.write(content.data(), static_cast<std::streamsize>(content.size()));
     return Path(name);
 }
 
 std::string TemporaryFolder::Read(std::string_view name) const {
-    std::ifstream file(mPath / name, std::ios::binary);
+    std::ifstream file(mPath / Utf8Path(name), std::ios::binary);
     return (std::ostringstream() << file.rdbuf()).str();
 }
 
