@@ -121,6 +121,9 @@ def test_later_stretches_of_memory_hide_earlier_ones():
     memory.add(104, b"ab")
     assert memory.read_memory(104, 2) == b"ab"
     assert memory.read_memory(103, 3) == b"345"
-    for address, size in ((99, 1), (108, 3), (200, 1)):
+    memory.add(90, b"x" * 15)
+    assert memory.read_memory(103, 2) == memory.read_memory(104, 1) * 2 == b"xx"
+    assert memory.read_memory(104, 2) == b"ab"
+    for address, size in ((89, 1), (108, 3), (200, 1)):
         with pytest.raises(brindle.MemoryGapError):
             memory.read_memory(address, size)
