@@ -5,6 +5,7 @@ import io
 import os
 import re
 import subprocess
+import sys
 import time
 
 import brindle
@@ -124,6 +125,13 @@ def test_tables(image):
     assert (row.address, row.bit_size) == (image["header.code"].address, 11)
     assert frame[frame.path == "header.kind"].bit_size.iloc[0] is pandas.NA
     assert len(image.variables.to_dataframe()) == len(image.variables)
+
+
+def test_tables_without_pandas(image, monkeypatch):
+    monkeypatch.setitem(sys.modules, "pandas", None)
+    for rows in (image.leaves("header"), image.variables):
+        with pytest.raises(ImportError, match="to_dataframe needs pandas"):
+            rows.to_dataframe()
 
 
 def test_a_million_leaves_take_less_than_two_seconds(tmp_path):
