@@ -16,6 +16,8 @@ namespace Brindle
             Address = row.Address;
             Size = row.Size;
             Kind = kinds[row.Kind];
+            FilePosition = row.FilePosition;
+            FileSize = row.FileSize;
         }
 
         /// <summary>Its name.</summary>
@@ -30,6 +32,60 @@ namespace Brindle
         /// <summary>"code", "read-only data", "data", or "zero" for a section without bytes in the
         /// file.</summary>
         public string Kind { get; }
+
+        /// <summary>File position of its first byte.</summary>
+        public ulong FilePosition { get; }
+
+        /// <summary>How many bytes the file has; those missing at the end are zero.</summary>
+        public ulong FileSize { get; }
+    }
+
+    /// <summary>A place that holds a byte, and the distance of the byte from the first byte of the
+    /// place.</summary>
+    public sealed class Hit
+    {
+        internal Hit(PathPlace place, ulong offset)
+        {
+            Place = place;
+            Offset = offset;
+        }
+
+        /// <summary>The place.</summary>
+        public PathPlace Place { get; }
+
+        /// <summary>Distance in bytes.</summary>
+        public ulong Offset { get; }
+    }
+
+    /// <summary>A source file that was compiled.</summary>
+    public sealed class CompileUnit
+    {
+        readonly Model model;
+        readonly ulong id;
+
+        internal CompileUnit(Model model, ulong id)
+        {
+            this.model = model;
+            this.id = id;
+        }
+
+        /// <summary>Its name.</summary>
+        public string Name
+        {
+            get { return model.Object(id).Name.ToString(); }
+        }
+
+        /// <summary>The variables that are local to it.</summary>
+        public IReadOnlyList<Variable> Variables
+        {
+            get
+            {
+                return model.ObjectsIn(id)
+                    .Where(row => row.Kind == Kind.Global)
+                    .Select(row => new Variable(model, row.Id))
+                    .ToList();
+            }
+        }
     }
 
     /// <summary>An image: its target, sections, variables and types. Everything is looked up on access,
@@ -103,6 +159,25 @@ namespace Brindle
             get { return model.Image.Machine; }
         }
 
+        /// <summary>False for an object file, which has no addresses yet.</summary>
+        public bool IsLinked
+        {
+            get { return model.Image.IsLinked != 0; }
+        }
+
+        /// <summary>The target counts memory in words of 16 bits. Addresses and sizes are still in
+        /// bytes.</summary>
+        public bool IsWordAddressed
+        {
+            get { return model.Image.IsWordAddressed != 0; }
+        }
+
+        /// <summary>The version of the native library.</summary>
+        public static string LibraryVersion
+        {
+            get { return Native.ConstantText(Native.brindle_version()); }
+        }
+
         /// <summary>The sections in the target's memory, by ascending address.</summary>
         public IReadOnlyList<Section> Sections
         {
@@ -114,14 +189,10 @@ namespace Brindle
             }
         }
 
-        /// <summary>The names of the compile units.</summary>
-        public IEnumerable<string> Units
+        /// <summary>The compile units.</summary>
+        public IEnumerable<CompileUnit> Units
         {
-            get
-            {
-                return model.IdsOfKind(Kind.CompileUnit)
-                    .Select(id => model.Object(id).Name.ToString());
-            }
+            get { return model.IdsOfKind(Kind.CompileUnit).Select(id => new CompileUnit(model, id)); }
         }
 
         /// <summary>All variables with a static address.</summary>
@@ -131,14 +202,9 @@ namespace Brindle
         }
 
         /// <summary>All types.</summary>
-        public IEnumerable<DataType> Types
+        public Types Types
         {
-            get
-            {
-                return model.IdsOfKind(Kind.Any)
-                    .Select(id => DataType.Of(model, id))
-                    .Where(type => type != null);
-            }
+            get { return new Types(model); }
         }
 
         /// <summary>The place that a path such as "motor.pid[2].gain" names: a variable by its
@@ -149,6 +215,13 @@ namespace Brindle
         public PathPlace this[string path]
         {
             get { return new PathPlace(model, path, model.Resolve(path)); }
+        }
+
+        /// <summary>True if the path resolves.</summary>
+        public bool Contains(string path)
+        {
+            NativePlace place;
+            return model.TryResolve(path, 0, out place);
         }
 
         /// <summary>The places of a path for each variable of its name, since static variables may
@@ -167,14 +240,14 @@ namespace Brindle
         /// <summary>Everything that holds the byte at an address: a leaf, or the innermost structure or
         /// array if the byte lies in a gap; several places if variables or members of a union
         /// overlap.</summary>
-        public IReadOnlyList<PathPlace> At(ulong address)
+        public IReadOnlyList<Hit> At(ulong address)
         {
-            var places = new List<PathPlace>();
-            for (PathPlace place; (place = model.PlaceAt(address, places.Count)) != null;)
+            var hits = new List<Hit>();
+            for (Hit hit; (hit = model.HitAt(address, hits.Count)) != null;)
             {
-                places.Add(place);
+                hits.Add(hit);
             }
-            return places;
+            return hits;
         }
 
         /// <summary>The variables taken apart into what has no parts.</summary>
@@ -182,17 +255,11 @@ namespace Brindle
         /// may also match what follows a "::". A pattern that matches the name of a variable selects
         /// all of its leaves. Null for all.</param>
         /// <param name="arrayElements">how many elements of each array are visited</param>
-        /// <param name="limit">how many leaves are visited in all</param>
-        public IEnumerable<Leaf> Leaves(string pattern = null, ulong arrayElements = 1000,
-                                        ulong limit = 1000000)
+        /// <param name="limit">how many leaves are visited in all; Leaves.IsComplete says whether any
+        /// were left out</param>
+        public Leaves Leaves(string pattern = null, ulong arrayElements = 1000, ulong limit = 1000000)
         {
-            if (pattern != null)
-            {
-                return new PathFilter(pattern).Leaves(model, arrayElements, limit);
-            }
-            return RowBlock.Walk(model, false, null, arrayElements, limit)
-                .SelectMany(block => Enumerable.Range(0, block.Count),
-                            (block, index) => new Leaf(block, index));
+            return new Leaves(model, pattern, null, arrayElements, limit);
         }
 
         /// <summary>The bytes of a range of the target's memory when the program starts; null if the

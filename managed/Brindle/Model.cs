@@ -128,6 +128,17 @@ namespace Brindle
             return dimensions;
         }
 
+        public IEnumerable<ulong> Parameters(NativeObject type)
+        {
+            for (uint index = 0; index < (ulong)type.ListLength; ++index)
+            {
+                ulong parameter;
+                Native.Check(
+                    Native.brindle_model_parameter(handle, type.Id, (UIntPtr)index, out parameter));
+                yield return parameter;
+            }
+        }
+
         public ulong SizeOf(ulong id)
         {
             ulong size;
@@ -194,13 +205,13 @@ namespace Brindle
         }
 
         // Null after the last place that holds the byte.
-        public PathPlace PlaceAt(ulong address, int index)
+        public Hit HitAt(ulong address, int index)
         {
             var place = new NativePlace { StructSize = Native.SizeOf<NativePlace>() };
+            ulong offset = 0;
             int status = Native.Ok;
             string path = Native.TextOf((byte[] buffer, UIntPtr capacity, out UIntPtr length) =>
             {
-                ulong offset;
                 status = Native.brindle_model_find_address(handle, address, (UIntPtr)index, ref place,
                                                            out offset, buffer, capacity, out length);
                 return status;
@@ -210,7 +221,7 @@ namespace Brindle
                 return null;
             }
             Native.Check(status);
-            return new PathPlace(this, path, place);
+            return new Hit(new PathPlace(this, path, place), offset);
         }
 
         public NativePlace Resolve(string path)

@@ -122,6 +122,15 @@ namespace Brindle
     }
 
     [StructLayout(LayoutKind.Sequential)]
+    struct NativeLeafCuts
+    {
+        public UIntPtr StructSize;
+        public ulong Arrays;
+        public ulong Wholes;
+        public int IsExhausted;
+    }
+
+    [StructLayout(LayoutKind.Sequential)]
     struct NativeImage
     {
         public UIntPtr StructSize;
@@ -251,6 +260,9 @@ namespace Brindle
         public static extern int brindle_model_dimension(ModelHandle model, ulong id, UIntPtr index,
                                                          out uint count);
         [DllImport(Library, CallingConvention = Cdecl)]
+        public static extern int brindle_model_parameter(ModelHandle model, ulong id, UIntPtr index,
+                                                         out ulong type);
+        [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_model_size_of(ModelHandle model, ulong id, out ulong size);
         [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_model_element_stride(ModelHandle model, ulong id,
@@ -289,6 +301,8 @@ namespace Brindle
         [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_rows_next(IntPtr rows, UIntPtr wanted,
                                                    ref NativeRowBlock block);
+        [DllImport(Library, CallingConvention = Cdecl)]
+        public static extern int brindle_rows_cuts(IntPtr rows, ref NativeLeafCuts cuts);
         [DllImport(Library, CallingConvention = Cdecl)]
         public static extern int brindle_rows_destroy(IntPtr rows);
         [DllImport(Library, CallingConvention = Cdecl)]
@@ -330,7 +344,15 @@ namespace Brindle
         // Text of the library that ends with a null character.
         public static string ConstantText(IntPtr text)
         {
-            return Marshal.PtrToStringAnsi(text);
+            // The marshaller would take it for text in the system's encoding.
+            int length = 0;
+            while (Marshal.ReadByte(text, length) != 0)
+            {
+                ++length;
+            }
+            var bytes = new byte[length];
+            Marshal.Copy(text, bytes, 0, length);
+            return Encoding.UTF8.GetString(bytes);
         }
 
         public static void Check(int status)

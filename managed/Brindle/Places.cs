@@ -5,7 +5,6 @@ using System.Collections.Generic;
 using System.Linq;
 using System.Runtime.InteropServices;
 using System.Text;
-using System.Text.RegularExpressions;
 
 namespace Brindle
 {
@@ -134,7 +133,7 @@ namespace Brindle
     }
 
     /// <summary>A variable with a static address.</summary>
-    public sealed class Variable : Place
+    public sealed class Variable : Place, IEquatable<Variable>
     {
         readonly NativeObject row;
 
@@ -194,9 +193,28 @@ namespace Brindle
             }
         }
 
-        internal ulong Id
+        /// <summary>Its leaves; see Image.Leaves.</summary>
+        public Leaves Leaves(ulong arrayElements = 1000, ulong limit = 1000000)
         {
-            get { return row.Id; }
+            return new Leaves(Model, null, new[] { row.Id }, arrayElements, limit);
+        }
+
+        /// <summary>True for the same variable of the same image.</summary>
+        public bool Equals(Variable other)
+        {
+            return other != null && other.Model == Model && other.row.Id == row.Id;
+        }
+
+        /// <inheritdoc/>
+        public override bool Equals(object other)
+        {
+            return Equals(other as Variable);
+        }
+
+        /// <inheritdoc/>
+        public override int GetHashCode()
+        {
+            return row.Id.GetHashCode();
         }
     }
 
@@ -289,8 +307,10 @@ namespace Brindle
         }
 
         // The blocks of one walk: over the variables, or over the leaves of the wanted ones.
+        // After each block `tellCuts` receives what was left out so far.
         public static IEnumerable<RowBlock> Walk(Model model, bool variables, ulong[] wanted,
-                                                 ulong arrayElements, ulong limit)
+                                                 ulong arrayElements, ulong limit,
+                                                 Action<NativeLeafCuts> tellCuts = null)
         {
             GCHandle pinned = GCHandle.Alloc(wanted ?? new ulong[1], GCHandleType.Pinned);
             IntPtr rows;
@@ -314,14 +334,29 @@ namespace Brindle
                 int status;
                 while ((status = Native.brindle_rows_next(rows, UIntPtr.Zero, ref block)) == Native.Ok)
                 {
+                    if (tellCuts != null)
+                    {
+                        tellCuts(Cuts(rows));
+                    }
                     yield return new RowBlock(model, block);
                 }
                 Native.Check(status);
+                if (tellCuts != null)
+                {
+                    tellCuts(Cuts(rows));
+                }
             }
             finally
             {
                 Native.brindle_rows_destroy(rows);
             }
+        }
+
+        static NativeLeafCuts Cuts(IntPtr rows)
+        {
+            var cuts = new NativeLeafCuts { StructSize = Native.SizeOf<NativeLeafCuts>() };
+            Native.Check(Native.brindle_rows_cuts(rows, ref cuts));
+            return cuts;
         }
 
         long[] Column(IntPtr values)
@@ -339,7 +374,8 @@ namespace Brindle
         }
     }
 
-    /// <summary>The variables of an image, in the order of delivery, and by name.</summary>
+    /// <summary>The variables of an image, in the order of delivery, and by name. Static variables may
+    /// share a name: it stands for the first of them, All gives each.</summary>
     public sealed class Variables : IEnumerable<Variable>
     {
         readonly Model model;
@@ -355,19 +391,52 @@ namespace Brindle
         {
             get
             {
-                ulong id = model.Find(name, Kind.Global).FirstOrDefault();
-                NativePlace place;
-                if (id == 0 && model.TryResolve(name, 0, out place) &&
-                    model.Object(place.Global).Name.ToString() == name)
-                {
-                    id = place.Global;
-                }
-                if (id == 0)
+                Variable found = All(name).FirstOrDefault();
+                if (found == null)
                 {
                     throw new PathException("there is no variable '" + name + "'");
                 }
-                return new Variable(model, id);
+                return found;
             }
+        }
+
+        /// <summary>All variables with a qualified name, or else with the name only.</summary>
+        public IReadOnlyList<Variable> All(string name)
+        {
+            List<ulong> found = model.Find(name, Kind.Global).ToList();
+            // A path of only the name begins with its first variable.
+            NativePlace place;
+            for (int index = 0, qualified = found.Count;
+                 qualified == 0 && model.TryResolve(name, index, out place); ++index)
+            {
+                if (model.Object(place.Global).Name.ToString() == name)
+                {
+                    found.Add(place.Global);
+                }
+            }
+            return found.Select(id => new Variable(model, id)).ToList();
+        }
+
+        /// <summary>True if there is a variable with this qualified name, or with the name
+        /// only.</summary>
+        public bool Contains(string name)
+        {
+            return All(name).Count != 0;
+        }
+
+        /// <summary>Variables whose qualified name, or what follows a "::" in it, matches a pattern: *
+        /// stands for any characters, ? for one.</summary>
+        public IEnumerable<Variable> Matching(string pattern)
+        {
+            HashSet<long> wholes;
+            new PathFilter(pattern).Variables(model, out wholes);
+            return wholes.OrderBy(id => id).Select(id => new Variable(model, (ulong)id));
+        }
+
+        /// <summary>How many there are.</summary>
+        public int Count
+        {
+            get { return RowBlock.Walk(model, true, null, 0, 0).Sum(block => block.Count); }
         }
 
         /// <inheritdoc/>
@@ -379,82 +448,6 @@ namespace Brindle
         IEnumerator IEnumerable.GetEnumerator()
         {
             return GetEnumerator();
-        }
-    }
-
-    // A pattern of paths, in which * stands for any characters and ? for one. It matches a path, or
-    // what follows a "::" in it; a pattern that matches the name of a variable selects all of its
-    // leaves.
-    sealed class PathFilter
-    {
-        readonly Regex matches;
-        readonly string head;
-        readonly bool hasWildcard;
-
-        public PathFilter(string pattern)
-        {
-            string translated = Regex.Escape(pattern).Replace(@"\*", ".*").Replace(@"\?", ".");
-            matches = new Regex(@"\A(?:.*::)?" + translated + @"\z",
-                                RegexOptions.Singleline | RegexOptions.CultureInvariant);
-            int wildcard = pattern.IndexOfAny(new[] { '*', '?' });
-            hasWildcard = wildcard >= 0;
-            head = hasWildcard ? pattern.Substring(0, wildcard) : pattern;
-        }
-
-        public IEnumerable<Leaf> Leaves(Model model, ulong arrayElements, ulong limit)
-        {
-            var wanted = new List<ulong>();
-            var wholes = new HashSet<long>();
-            foreach (RowBlock block in RowBlock.Walk(model, true, null, 0, 0))
-            {
-                for (int index = 0; index < block.Count; ++index)
-                {
-                    string name = block.PathOf(index);
-                    if (matches.IsMatch(name))
-                    {
-                        wholes.Add(block.Globals[index]);
-                    }
-                    else if (!MayBegin(name))
-                    {
-                        continue;
-                    }
-                    wanted.Add((ulong)block.Globals[index]);
-                }
-            }
-            if (wanted.Count == 0)
-            {
-                yield break;
-            }
-            foreach (RowBlock block in
-                     RowBlock.Walk(model, false, wanted.ToArray(), arrayElements, limit))
-            {
-                for (int index = 0; index < block.Count; ++index)
-                {
-                    if (wholes.Contains(block.Globals[index]) ||
-                        matches.IsMatch(block.PathOf(index)))
-                    {
-                        yield return new Leaf(block, index);
-                    }
-                }
-            }
-        }
-
-        bool MayBegin(string name)
-        {
-            while (true)
-            {
-                if (head.StartsWith(name, StringComparison.Ordinal) ||
-                    (hasWildcard && name.StartsWith(head, StringComparison.Ordinal)))
-                {
-                    return true;
-                }
-                int separator = name.IndexOf("::", StringComparison.Ordinal);
-                if (separator < 0)
-                {
-                    return false;
-                }
-                name = name.Substring(separator + 2);
-            }
         }
     }
 }

@@ -1,5 +1,6 @@
 // The types of an image. Each is an object of the class of its kind, made on access.
 using System;
+using System.Collections;
 using System.Collections.Generic;
 using System.Linq;
 
@@ -28,6 +29,7 @@ namespace Brindle
             switch (row.Kind)
             {
             case Brindle.Kind.Base:
+                return new BaseType(model, row);
             case Brindle.Kind.Unknown:
                 return new DataType(model, row);
             case Brindle.Kind.Class:
@@ -37,9 +39,11 @@ namespace Brindle
             case Brindle.Kind.Array:
                 return new ArrayType(model, row);
             case Brindle.Kind.Pointer:
+                return new PointerType(model, row);
             case Brindle.Kind.Typedef:
+                return new TypedefType(model, row);
             case Brindle.Kind.FunctionType:
-                return new DerivedType(model, row);
+                return new FunctionType(model, row);
             case Brindle.Kind.Enum:
                 return new EnumType(model, row);
             default:
@@ -56,6 +60,12 @@ namespace Brindle
                 string name = Row.Name.ToString();
                 return name != "" ? name : Text;
             }
+        }
+
+        /// <summary>The name after its enclosing scopes; empty for a type without a name.</summary>
+        public string QualifiedName
+        {
+            get { return Model.QualifiedName(Row.Id); }
         }
 
         /// <summary>The type as a C declaration without a name, such as "uint16[4][2]".</summary>
@@ -134,18 +144,65 @@ namespace Brindle
         }
     }
 
-    /// <summary>A pointer, typedef or type of a function.</summary>
-    public sealed class DerivedType : DataType
+    /// <summary>A scalar.</summary>
+    public sealed class BaseType : DataType
     {
-        internal DerivedType(Model model, NativeObject row) : base(model, row)
+        internal BaseType(Model model, NativeObject row) : base(model, row)
         {
         }
 
-        /// <summary>What it points to or names, or the result of the function; null if there is
-        /// none.</summary>
+        /// <summary>"signed", "unsigned", "float", "bool" or "other".</summary>
+        public string Encoding
+        {
+            get { return Values.EncodingOf(Row.BasicType); }
+        }
+    }
+
+    /// <summary>A pointer or reference.</summary>
+    public sealed class PointerType : DataType
+    {
+        internal PointerType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>Null if nothing is known about the target.</summary>
         public DataType Target
         {
             get { return Of(Model, Row.Type); }
+        }
+    }
+
+    /// <summary>Another name of a type.</summary>
+    public sealed class TypedefType : DataType
+    {
+        internal TypedefType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>The type that it names.</summary>
+        public DataType Target
+        {
+            get { return Of(Model, Row.Type); }
+        }
+    }
+
+    /// <summary>The type of a function.</summary>
+    public sealed class FunctionType : DataType
+    {
+        internal FunctionType(Model model, NativeObject row) : base(model, row)
+        {
+        }
+
+        /// <summary>Null for a function without a result.</summary>
+        public DataType Result
+        {
+            get { return Of(Model, Row.Type); }
+        }
+
+        /// <summary>The types of its parameters.</summary>
+        public IReadOnlyList<DataType> Parameters
+        {
+            get { return Model.Parameters(Row).Select(id => Of(Model, id)).ToList(); }
         }
     }
 
@@ -196,6 +253,18 @@ namespace Brindle
     {
         internal EnumType(Model model, NativeObject row) : base(model, row)
         {
+        }
+
+        /// <summary>The reader made its name.</summary>
+        public bool IsAnonymous
+        {
+            get { return Row.Anonymous != 0; }
+        }
+
+        /// <summary>The type of its values; may be null.</summary>
+        public DataType Underlying
+        {
+            get { return Of(Model, Row.Type); }
         }
 
         /// <summary>Its values.</summary>
@@ -279,6 +348,12 @@ namespace Brindle
         {
         }
 
+        /// <summary>The reader made its name.</summary>
+        public bool IsAnonymous
+        {
+            get { return Row.Anonymous != 0; }
+        }
+
         /// <summary>Its own members, in the order of the file.</summary>
         public IReadOnlyList<Member> Members
         {
@@ -317,6 +392,60 @@ namespace Brindle
                 }
                 return found;
             }
+        }
+    }
+
+    /// <summary>The types of an image: named ones by their qualified name, all in the order of
+    /// delivery.</summary>
+    public sealed class Types : IEnumerable<DataType>
+    {
+        readonly Model model;
+
+        internal Types(Model model)
+        {
+            this.model = model;
+        }
+
+        /// <summary>The first type with a qualified name.</summary>
+        /// <exception cref="PathException">There is none.</exception>
+        public DataType this[string name]
+        {
+            get
+            {
+                DataType found = Named(name).FirstOrDefault();
+                if (found == null)
+                {
+                    throw new PathException("there is no type '" + name + "'");
+                }
+                return found;
+            }
+        }
+
+        /// <summary>True if a type has this qualified name.</summary>
+        public bool Contains(string name)
+        {
+            return Named(name).Any();
+        }
+
+        /// <inheritdoc/>
+        public IEnumerator<DataType> GetEnumerator()
+        {
+            return TypesOf(model.IdsOfKind(Kind.Any)).GetEnumerator();
+        }
+
+        IEnumerator IEnumerable.GetEnumerator()
+        {
+            return GetEnumerator();
+        }
+
+        IEnumerable<DataType> Named(string name)
+        {
+            return TypesOf(model.Find(name, Kind.Any));
+        }
+
+        IEnumerable<DataType> TypesOf(IEnumerable<ulong> ids)
+        {
+            return ids.Select(id => DataType.Of(model, id)).Where(type => type != null);
         }
     }
 }

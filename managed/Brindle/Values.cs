@@ -41,6 +41,25 @@ namespace Brindle
         const int FloatType = 6;
         const int BoolType = 7;
         const int DoubleType = 10;
+        const int LongDoubleType = 18;
+
+        // What a scalar type is, as a word.
+        public static string EncodingOf(int basicType)
+        {
+            switch (basicType)
+            {
+            case BoolType:
+                return "bool";
+            case FloatType:
+            case DoubleType:
+            case LongDoubleType:
+                return "float";
+            default:
+                return signed.Contains(basicType)     ? "signed"
+                       : unsigned.Contains(basicType) ? "unsigned"
+                                                      : "other";
+            }
+        }
 
         public static Decoder DecoderOf(Model model, ulong type, int depth = 0)
         {

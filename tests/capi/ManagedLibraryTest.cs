@@ -36,8 +36,15 @@ static class ManagedLibraryTest
     {
         Require(image.Container == "elf" && !image.IsBigEndian && image.PointerSize == 4 &&
                     image.Machine == 40, "the target");
-        Require(image.Sections.Any(section => section.Kind == "zero"), "the sections");
-        Require(image.Units.Contains("motor_c"), "the units");
+        Require(image.IsLinked && !image.IsWordAddressed && Image.LibraryVersion.Contains("."),
+                "what else is known of it");
+        Section code = image.Sections.First(section => section.Kind == "code");
+        Require(image.Sections.Any(section => section.Kind == "zero") && code.FilePosition > 0 &&
+                    code.FileSize == code.Size, "the sections");
+        Require(image.Units.Any(unit => unit.Name == "motor_c"), "the units");
+        List<Variable> locals = image.Units.SelectMany(unit => unit.Variables).ToList();
+        Require(locals.SequenceEqual(image.Variables.Where(variable => locals.Contains(variable))) &&
+                    locals.All(variable => variable.Unit != null), "the variables of a unit");
         Require(image.Variables["stops"].Path == "motor_step::stops", "a name without its scopes");
         Require(image.Variables["motors"].Size == 336, "the size of a variable");
 
@@ -49,13 +56,30 @@ static class ManagedLibraryTest
         var source = (EnumType)image["main_supply.source"].Type;
         Require(source.Enumerators.Any(item => item.Name == "SUPPLY_MAINS" && item.Value == 300),
                 "an enumerator");
-        Require(image.Types.Contains(motor), "the types");
+        Require(image.Types.Contains(motor) && image.Types.Contains("motor") &&
+                    image.Types["motor"].Equals(motor) && motor.QualifiedName == "motor", "the types");
+        var next = (PointerType)motor["next"].Type;
+        Require(next.Target.Resolved.Equals(motor), "a pointer");
+        Require(((BaseType)image["motors[1].loops[0].gain"].Type.Resolved).Encoding == "float" &&
+                    ((BaseType)image["header.code"].Type.Resolved).Encoding == "unsigned",
+                "encodings");
+        Throws<PathException>(() => image.Types["nothing"].ToString(), "nothing");
 
         Throws<PathException>(() => image["motors[7].serial"].ToString(), "up to 'motors'");
         Throws<PathException>(() => image.Variables["nothing"].ToString(), "nothing");
         Require(image.Places("nothing").Count == 0, "no places");
-        Require(image.At(image["motors[1].serial"].Address + 3).Select(place => place.Path).Contains(
-                    "motors[1].serial.bytes[3]") && image.At(1).Count == 0, "what lies at an address");
+        Require(image.Contains("motors[2]") && !image.Contains("motors[7]"), "whether a path resolves");
+        Hit hit = image.At(image["motors[1].loops[0].gain"].Address + 2).Single();
+        Require(hit.Place.Path == "motors[1].loops[0].gain" && hit.Offset == 2 &&
+                    image.At(image["motors[1].serial"].Address + 3).Any(
+                        other => other.Place.Path == "motors[1].serial.bytes[3]") &&
+                    image.At(1).Count == 0, "what lies at an address");
+
+        Require(image.Variables.Count == image.Variables.Count() && image.Variables.Contains("stops") &&
+                    !image.Variables.Contains("nothing"), "how many variables there are");
+        Require(image.Variables.Matching("motor?").Single().Equals(image.Variables["motors"]) &&
+                    image.Variables.All("stops").Count == image.Places("stops").Count,
+                "variables by pattern and by name");
     }
 
     static void TestLeaves(Image image)
@@ -67,7 +91,12 @@ static class ManagedLibraryTest
         Require(gain.Address == image["motors[1].loops[0].gain"].Address && gain.Size == 4 &&
                     gain.BitSize == null && gain.Type.Name == "float", "a pattern");
         Require(image.Leaves("step::stops").Count() == 0 && image.Leaves("stops").Any(), "scopes");
-        Require(image.Leaves().Count() > 150 && image.Leaves(null, 1000, 7).Count() == 7, "all");
+        Leaves all = image.Leaves(), some = image.Leaves(null, 1000, 7);
+        Require(all.Count() > 150 && all.IsComplete && some.Count() == 7 && !some.IsComplete, "all");
+        Leaves first = image.Leaves("motors*", 1);
+        Require(!first.Any(leaf => leaf.Path.Contains("[1]")) && !first.IsComplete, "first elements");
+        Require(image.Variables["header"].Leaves().Count() == 5, "those of a variable");
+        Throws<ArgumentOutOfRangeException>(() => image.Leaves(null, 0), "limits");
     }
 
     static void TestValues(Image image)
