@@ -41,7 +41,7 @@ namespace Brindle
         const int FloatType = 6;
         const int BoolType = 7;
         const int DoubleType = 10;
-        const int LongDoubleType = 18;
+        const int HalfType = 18;
 
         // What a scalar type is, as a word.
         public static string EncodingOf(int basicType)
@@ -52,7 +52,7 @@ namespace Brindle
                 return "bool";
             case FloatType:
             case DoubleType:
-            case LongDoubleType:
+            case HalfType:
                 return "float";
             default:
                 return signed.Contains(basicType)     ? "signed"
@@ -149,6 +149,18 @@ namespace Brindle
             return (long)(number << unused) >> unused;
         }
 
+        // A floating-point number of 16 bits: sign, 5 bits of exponent, 10 of the fraction.
+        static float Half(int bits)
+        {
+            int exponent = bits >> 10 & 31;
+            int fraction = bits & 0x3FF;
+            double number = exponent == 0  ? fraction * Math.Pow(2, -24)
+                            : exponent < 31 ? (fraction + 1024) * Math.Pow(2, exponent - 25)
+                            : fraction == 0 ? double.PositiveInfinity
+                                            : double.NaN;
+            return (float)((bits & 0x8000) != 0 ? -number : number);
+        }
+
         static Decoder Scalar(NativeObject row, bool isBigEndian)
         {
             ulong declared = row.Size;
@@ -156,6 +168,10 @@ namespace Brindle
             {
                 return (content, start, size) => BitConverter.ToSingle(
                     BitConverter.GetBytes((uint)Number(content, start, 4, isBigEndian)), 0);
+            }
+            if (row.BasicType == HalfType && declared == 2)
+            {
+                return (content, start, size) => Half((int)Number(content, start, 2, isBigEndian));
             }
             if (row.BasicType == DoubleType && declared == 8)
             {
