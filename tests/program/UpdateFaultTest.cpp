@@ -86,7 +86,8 @@ protected:
         Files files;
         for (const auto& entry : std::filesystem::directory_iterator(mFolder.Path(""))) {
             std::ifstream file(entry.path(), std::ios::binary);
-            files[entry.path().filename()] = std::string(std::istreambuf_iterator<char>(file), {});
+            files[entry.path().filename().string()] =
+                std::string(std::istreambuf_iterator<char>(file), {});
         }
         return files;
     }
