@@ -8,15 +8,19 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
 
-/// Far above any real description. They limit the work for files that include others twice, which
-/// again include others twice.
+/// Far above any real description.
 constexpr std::size_t sDeepestInclude = 100;
-constexpr std::size_t sMostTimesIncluded = 100;
+/// What files may add that are included again: this many bytes, and so many for each byte of all
+/// files. It keeps the work in proportion for files that include others twice, which again include
+/// others twice, and allows a few lines that each of thousands of objects includes.
+constexpr std::size_t sMostRepeatedBytes = std::size_t{1} << 20U;
+constexpr std::size_t sMostRepetitions = 8;
 
 } // namespace
 
 TokenStream::TokenStream(SourceSet& sources, const Source& main)
-    : mSources(sources) {
+    : mSources(sources)
+    , mFileBytes(main.Bytes().size()) {
     mOpen.emplace_back(main);
 }
 
@@ -56,7 +60,9 @@ void TokenStream::Enter(const Span& name) {
     if (isOpen) {
         throw Fault(from, name.position, Phrased("'{}' includes itself", text));
     }
-    if (mOpen.size() > sDeepestInclude || ++mTimesIncluded[&included] > sMostTimesIncluded) {
+    (mIncluded.insert(&included).second ? mFileBytes : mRepeatedBytes) += included.Bytes().size();
+    if (mOpen.size() > sDeepestInclude ||
+        mRepeatedBytes > sMostRepeatedBytes + sMostRepetitions * mFileBytes) {
         throw Fault(from, name.position, Phrased("'{}' is included too often or too deep", text));
     }
     mOpen.emplace_back(included);

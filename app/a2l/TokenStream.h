@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -51,7 +51,11 @@ private:
 
     SourceSet& mSources;
     std::vector<Tokenizer> mOpen;
-    std::unordered_map<const Source*, std::size_t> mTimesIncluded;
+    std::unordered_set<const Source*> mIncluded;
+    /// Size of all files, each counted once.
+    std::size_t mFileBytes;
+    /// Size of what was included again.
+    std::size_t mRepeatedBytes = 0;
     PlacedToken mKept;
     bool mHasKept = false;
     bool mIsFollowing = true;

@@ -190,6 +190,22 @@ TEST(A2lParser, EndsSoonWhereFilesIncludeEachOtherManyTimes) {
     EXPECT_THAT(ProblemOf("/include f0", files), testing::HasSubstr("is included too often"));
 }
 
+TEST(A2lParser, LimitsWhatIsIncludedAgainByItsSize) {
+    const auto description = [](int includes) {
+        std::string text = "/begin PROJECT p \"\" /begin MODULE m \"\"\n";
+        for (int count = 0; count < includes; ++count) {
+            text += "/include part\n";
+        }
+        return text + "/end MODULE /end PROJECT";
+    };
+    const std::map<std::string, std::string> small = {{"part", "/* a few words */\n"}};
+    EXPECT_EQ(ProblemOf(description(20'000), small), "none");
+    const std::map<std::string, std::string> large = {
+        {"part", "/*" + std::string(3 << 20, ' ') + "*/"}};
+    EXPECT_EQ(ProblemOf(description(9), large), "none");
+    EXPECT_THAT(ProblemOf(description(11), large), testing::HasSubstr("is included too often"));
+}
+
 TEST(A2lNumbers, AreWrittenAsTheOlderOnes) {
     struct Case {
         const char* older;
