@@ -189,10 +189,11 @@ def main():
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("paths", nargs="+", type=pathlib.Path, metavar="FILE_OR_FOLDER")
     parser.add_argument("--program", required=True, help="the program to run (corpus.sh builds one)")
-    parser.add_argument("--time-factor", type=float, default=20,
-                        help="times the bound that a run may take (default: 20, for a build with sanitizers)")
+    parser.add_argument("--time-factor", type=float, default=5,
+                        help="times the bound that a run may take (default: 5, for a build with sanitizers)")
     parser.add_argument("--memory-factor", type=float, default=8,
-                        help="times the bound of memory (default: 8)")
+                        help="times the bound of memory (default: 8, since the address sanitizer keeps up to "
+                             "256 MB of freed memory)")
     parser.add_argument("--keep", type=pathlib.Path, default=pathlib.Path("corpus-findings"),
                         help="folder for what findings wrote (default: corpus-findings)")
     arguments = parser.parse_args()
