@@ -21,11 +21,23 @@ import json, pathlib, re, sys
 
 commands, root, pattern = sys.argv[1:]
 own = re.compile(rf"{root}/((src|capi|app|tests|bench|fuzz)/.*\.cpp|build/tidy/.*/Unity/.*\.cxx)$")
+include = re.compile(r'#include "(.*)"')
+seen = set()
+
+
+def without_known(group):
+    """The sources of a group that no earlier one has: some are compiled for several targets."""
+    text = include.sub(lambda line: "" if line[1] in seen else line[0], group.read_text())
+    seen.update(include.findall(text))
+    group.write_text(text)
+    return text
+
+
 for command in json.load(open(commands)):
     path = command["file"]
     if own.match(path):
-        text = path + (pathlib.Path(path).read_text() if "/Unity/" in path else "")
-        if re.search(pattern, text):
+        text = path + (without_known(pathlib.Path(path)) if "/Unity/" in path else "")
+        if (path.endswith(".cpp") or include.search(text)) and re.search(pattern, text):
             print(path)
 END
 )
