@@ -59,7 +59,7 @@ std::uint64_t BitByBit(const Model::Place& place, Bytes bytes, ByteOrder byteOrd
     for (std::uint64_t bit = 0; bit < width; ++bit) {
         const std::uint64_t byte = (first + bit) / 8;
         const std::uint64_t index = byteOrder == ByteOrder::Big ? bytes.size() - 1 - byte : byte;
-        bits |= std::uint64_t{bytes[index] >> (first + bit) % 8 & 1U} << bit;
+        bits |= (std::uint64_t{bytes[index]} >> (first + bit) % 8 & 1U) << bit;
     }
     return bits;
 }

@@ -112,27 +112,36 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
     EXPECT_THAT(ScopedVariables(Read(sections, false)), IsEmpty());
 }
 
-// Name and scope come from entries of one name, however far a damaged chain goes on.
-TEST_F(FullTreeTest, AChainOfSpecificationsGoesNoFurtherThanItsName) {
-    const DieLabel number, other, nameless, ofOther, ofNameless;
+// Name and scope come from entries of one variable, however far a damaged chain goes on.
+TEST_F(FullTreeTest, AChainOfSpecificationsGoesNoFurtherThanItsVariable) {
+    const DieLabel number, other, nameless, third, fourth, ofOther, ofNameless, ofThird, ofSpace;
     const DwarfSections sections = Unit({
         UInt(number, 4),
         Die(DW_TAG_namespace, {Name("far")},
-            {Die(other, DW_TAG_variable, {Name("other"), External(), Declaration()}),
-             Die(nameless, DW_TAG_variable, {Declaration()})}),
+            {Die(other, DW_TAG_variable,
+                 {Name("other"), External(), Declaration(), Specification(third)}),
+             Die(nameless, DW_TAG_variable, {Declaration()}),
+             Die(third, DW_TAG_variable, {Name("third"), Declaration()}),
+             Die(fourth, DW_TAG_variable, {Name("fourth"), Declaration()})}),
         Die(DW_TAG_namespace, {Name("near")},
             {Die(ofOther, DW_TAG_variable,
                  {Name("first"), Type(number), Declaration(), Specification(other)}),
              Die(ofNameless, DW_TAG_variable,
-                 {Name("second"), Type(number), Declaration(), Specification(nameless)})}),
+                 {Name("second"), Type(number), Declaration(), Specification(nameless)}),
+             Die(ofThird, DW_TAG_variable,
+                 {Name("third"), Type(number), Declaration(), Specification(other)}),
+             Die(ofSpace, DW_TAG_namespace, {Name("fourth"), Specification(fourth)})}),
         Die(DW_TAG_variable, {Specification(ofOther), Address(0x1000)}),
         Die(DW_TAG_variable, {Specification(ofNameless), Address(0x1004)}),
         Die(DW_TAG_variable, {Name("own"), Type(number), Specification(ofOther), Address(0x1008)}),
+        Die(DW_TAG_variable, {Specification(ofThird), Address(0x100c)}),
+        Die(DW_TAG_variable, {Type(number), Specification(ofSpace), Address(0x1010)}),
     });
     for (const bool isFull : {false, true}) {
         EXPECT_THAT(ScopedVariables(Read(sections, isFull)),
                     ElementsAre("near::first@4096 uint32", "near::second@4100 uint32",
-                                "near::own@4104 uint32"));
+                                "near::own@4104 uint32", "near::third@4108 uint32",
+                                "near::fourth@4112 uint32"));
     }
 }
 

@@ -153,6 +153,24 @@ TEST_F(VariablePlacesTest, DeclarationsFindSymbolsThatOtherFilesKnow) {
     EXPECT_THAT(Classic(image), testing::Not(testing::Contains("total@100:4")));
 }
 
+// What the variables complete leads on to another thing, whose symbol is not theirs.
+TEST_F(VariablePlacesTest, DamagedSpecificationsLeadToNoPlaceOfOthers) {
+    const DieLabel other, space, renamed;
+    const ElfImage image =
+        ElfImage().Symbol({"_Z5other", 0x100, sSymbolSize}) +
+        Sections({
+            Die(other, DW_TAG_variable,
+                {Name("other"), Type(mInteger), External(), Declaration(),
+                 LinkageName("_Z5other")}),
+            Die(space, DW_TAG_namespace, {Name("lost"), Specification(other)}),
+            Die(renamed, DW_TAG_variable,
+                {Name("gone"), Type(mInteger), Declaration(), Specification(other)}),
+            Variable("lost", {External(), Declaration(), Specification(space)}),
+            Variable("gone", {External(), Declaration(), Specification(renamed)}),
+        });
+    EXPECT_THAT(Full(image), ElementsAre("_Z5other@100:8"));
+}
+
 TEST_F(VariablePlacesTest, StaticVariablesWithoutLocationTakeNoPlaceOfOthers) {
     const ElfImage image = ElfImage()
                                .Symbol({"count", 0x100, sSymbolSize, sLocalObject})

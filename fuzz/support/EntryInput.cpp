@@ -240,7 +240,8 @@ std::optional<std::uint32_t> Completable(const std::vector<Record>& records, con
     return std::nullopt;
 }
 
-/// The records as both manners read them alike. A variable that completes another is external.
+/// The records as both manners read them alike. A variable that completes another is external, and
+/// that one completes none.
 std::vector<Record> Plain(std::vector<Record> records) {
     for (Record& record : records) {
         record = Plain(record);
@@ -253,6 +254,11 @@ std::vector<Record> Plain(std::vector<Record> records) {
         }
         if (record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0) {
             record.attributes |= sIsExternal;
+        }
+    }
+    for (const Record& record : records) {
+        if (record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0) {
+            records[record.specification].attributes &= ~sHasSpecification;
         }
     }
     return records;

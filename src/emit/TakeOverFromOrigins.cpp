@@ -8,43 +8,32 @@
 // again, with the address, in an instance of it.
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
+#include "emit/VariableOrigins.h"
 #include "nodes/VDebugInfoNode.h"
-
-#include <string_view>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Entries that complete each other: an instance, its origin, the declaration of the origin. Only
-/// damaged files have longer chains.
-constexpr int sMaximumOrigins = 16;
-
 /// Takes type and external flag from the nearest origin that has them, and name and scope from the
-/// last origin of the variable's name, whose parent is the scope: what a damaged file has beyond it
-/// is another thing. A variable without a named origin, such as an anonymous union of C++ in a
-/// namespace, keeps no name and so is not delivered.
+/// last origin with a name, whose parent is the scope. A variable without a named origin, such as
+/// an anonymous union of C++ in a namespace, keeps no name and so is not delivered.
 void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
-    VDebugInfoNode* origin = &nearest;
     VDebugInfoNode* declaration = &nearest;
     bool hasName = variable.HasNameAttribute();
-    std::string_view name = variable.GetName();
-    for (int link = 0; link < sMaximumOrigins && origin != nullptr; ++link) {
-        const std::string_view nameOfOrigin = origin->GetName();
-        name = name.empty() ? nameOfOrigin : name;
-        if (nameOfOrigin == name) {
-            declaration = origin;
+    ForEachOrigin(variable, [&](VDebugInfoNode& origin) {
+        if (!origin.GetName().empty()) {
+            declaration = &origin;
         }
-        if (VDebugInfoNode* type = origin->GetTypeNode();
+        if (VDebugInfoNode* type = origin.GetTypeNode();
             type != nullptr && variable.GetTypeNode() == nullptr) {
             variable.SetTypeNode(*type);
         }
-        if (origin->IsExternal()) {
+        if (origin.IsExternal()) {
             variable.SetExternal();
         }
-        hasName = hasName || origin->HasNameAttribute();
-        origin = origin->GetSpecificationNode();
-    }
+        hasName = hasName || origin.HasNameAttribute();
+    });
     if (!hasName) {
         variable.ClearSpecification();
     } else if (declaration != &nearest && declaration != &variable) {

@@ -1,6 +1,7 @@
 // The names under which the symbol table may know a variable, and whether it may know it at all.
 #pragma once
 
+#include "emit/VariableOrigins.h"
 #include "nodes/VDebugInfoNode.h"
 
 #include <string_view>
@@ -11,14 +12,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// entries that it completes. Names are views of the tree, and empty if there is none.
 struct VariableNames {
     explicit VariableNames(const VDebugInfoNode& variable) {
-        const VDebugInfoNode* entry = &variable;
-        for (int link = 0; link < sMaximumLinks && entry != nullptr; ++link) {
-            name = name.empty() ? entry->GetName() : name;
-            linkageName =
-                linkageName.empty() ? entry->GetLinkageNameAttribute().mValue : linkageName;
-            isExternal = isExternal || entry->IsExternal();
-            entry = entry->GetSpecificationNode();
-        }
+        TakeFrom(variable);
+        ForEachOrigin(variable, [this](const VDebugInfoNode& origin) { TakeFrom(origin); });
     }
 
     std::string_view name;
@@ -26,8 +21,11 @@ struct VariableNames {
     bool isExternal = false;
 
 private:
-    /// An instance, its origin and that one's declaration are three; damaged files have more.
-    static constexpr int sMaximumLinks = 16;
+    void TakeFrom(const VDebugInfoNode& entry) {
+        name = name.empty() ? entry.GetName() : name;
+        linkageName = linkageName.empty() ? entry.GetLinkageNameAttribute().mValue : linkageName;
+        isExternal = isExternal || entry.IsExternal();
+    }
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
