@@ -23,11 +23,11 @@ namespace Tessel::Norn::Brindle::Program {
 
 struct ReadArguments;
 
-/// A callback of the reader as a value.
+/// A callback of the reader as a value. Texts last as long as the call.
 struct ReaderCallback {
     /// The callback's name without the ending `Callback`.
     std::string_view name;
-    std::vector<std::variant<std::int64_t, std::string>> arguments;
+    std::vector<std::variant<std::int64_t, std::string_view>> arguments;
 };
 
 struct ReadResult {

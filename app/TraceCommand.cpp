@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -40,7 +41,7 @@ public:
     void operator()(bool flag) { mJson.Bool(flag); }
     void operator()(std::int64_t number) { mJson.Int64(number); }
     void operator()(std::uint64_t number) { mJson.Uint64(number); }
-    void operator()(const std::string& text) { WriteText(mJson, text); }
+    void operator()(std::string_view text) { WriteText(mJson, text); }
     void operator()(const std::vector<std::uint64_t>& numbers) {
         mJson.StartArray();
         for (const std::uint64_t number : numbers) {
