@@ -10,11 +10,19 @@ from ctypes import byref, c_uint64, c_void_p
 from typing import TYPE_CHECKING, Any, Dict, Iterable, Iterator, List, Optional, Tuple
 
 from . import _model, _native
-from ._errors import PathError
+from ._errors import MemoryGapError, PathError
 from ._memory import MemorySource
 from ._model import Model, PlaceRow
 from ._types import Type, type_or_nothing
-from ._values import Decoder, Value, bits_decoder_of, bytes_of_bits, decoder_of, rest_decoder_of
+from ._values import (
+    Decoder,
+    Value,
+    bits_decoder_of,
+    bytes_of_bits,
+    decoder_of,
+    held_bytes,
+    rest_decoder_of,
+)
 
 if TYPE_CHECKING:
     import pandas
@@ -58,7 +66,18 @@ class _Located:
     def value_of(self, memory: MemorySource) -> Value:
         """The value in a memory: an Image has the initial value, a Memory the value in a dump. Raises
         MemoryGapError if the memory doesn't have the bytes."""
-        return self._decoder()(memory.read_memory(self.address, self._byte_count()))
+        return self._decoder()(self._read(memory))
+
+    def _read(self, memory: MemorySource) -> bytes:
+        count = self._byte_count()
+        try:
+            return memory.read_memory(self.address, count)
+        except MemoryGapError:
+            first, width = self.bit_offset or 0, self.bit_size
+            if width is None or not bytes_of_bits(self.size, first, width):
+                raise
+            # The memory may end with the bits, before the storage unit does.
+            return memory.read_memory(self.address, held_bytes(self._model, count, first, width))
 
     def __repr__(self) -> str:
         bits = f", {self.bit_size} bits at {self.bit_offset}" if self.bit_size is not None else ""

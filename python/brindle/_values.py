@@ -70,9 +70,19 @@ def bytes_of_bits(size: int, bit_offset: int, bit_size: int) -> int:
     return max(size, (bit_offset + bit_size + 7) // 8) if is_plausible else 0
 
 
+def held_bytes(model: Model, count: int, bit_offset: int, bit_size: int) -> int:
+    """Returns how many of the bytes that `bytes_of_bits` counts, from the first, hold the bit field. A packed
+    structure may end there, before its storage unit does."""
+    if model.byte_order == "big":
+        return count - bit_offset // 8
+    return (bit_offset + bit_size + 7) // 8
+
+
 def bits_decoder_of(model: Model, identifier: int, bit_offset: int, bit_size: int) -> Decoder:
-    """Returns the function that turns the bytes that `bytes_of_bits` counts into the value of a bit field."""
-    if not bytes_of_bits(model.size_of(identifier), bit_offset, bit_size):
+    """Returns the function that turns the bytes that `bytes_of_bits` counts, or those that `held_bytes`
+    counts, into the value of a bit field."""
+    count = bytes_of_bits(model.size_of(identifier), bit_offset, bit_size)
+    if not count:
         return bytes
     byte_order: Any = model.byte_order
     mask = (1 << bit_size) - 1
@@ -86,7 +96,7 @@ def bits_decoder_of(model: Model, identifier: int, bit_offset: int, bit_size: in
     sign = 1 << (bit_size - 1) if bit_size and row.basic_type in _SIGNED else 0
 
     def decode(content: bytes) -> Value:
-        number = int.from_bytes(content, byte_order) >> bit_offset & mask
+        number = int.from_bytes(content.ljust(count, b"\0"), byte_order) >> bit_offset & mask
         return finish((number ^ sign) - sign)
 
     return decode
@@ -153,26 +163,30 @@ def _array(model: Model, row: ObjectRow, depth: int, indexed_dimensions: int = 0
 
 
 def _structure(model: Model, row: ObjectRow, depth: int) -> Decoder:
-    parts: List[Tuple[str, int, int, Decoder]] = []
+    # Name, offset, size, how many of these bytes must be there, and the decoder.
+    parts: List[Tuple[str, int, int, int, Decoder]] = []
     if row.kind != _model.KIND_UNION:
         for base, offset in model.base_classes(row):
-            parts.append(("", offset, model.size_of(base), decoder_of(model, base, depth + 1)))
+            size = model.size_of(base)
+            parts.append(("", offset, size, size, decoder_of(model, base, depth + 1)))
     for member in model.objects_in(row.id):
         if member.kind not in _model.MEMBER_KINDS:
             continue
-        size = model.size_of(member.type)
+        size = needed = model.size_of(member.type)
         if member.kind == _model.KIND_BIT_FIELD:
-            size = bytes_of_bits(size, member.bit_offset, member.bit_size) or size
+            count = bytes_of_bits(size, member.bit_offset, member.bit_size)
+            if count:
+                size, needed = count, held_bytes(model, count, member.bit_offset, member.bit_size)
             decode_member = bits_decoder_of(
                 model, member.type, member.bit_offset, member.bit_size)
         else:
             decode_member = decoder_of(model, member.type, depth + 1)
-        parts.append((member.name, member.offset, size, decode_member))
+        parts.append((member.name, member.offset, size, needed, decode_member))
 
     def decode(content: bytes) -> Value:
         values: Dict[str, Any] = {}
-        for name, offset, size, decode_part in parts:
-            if offset + size > len(content):
+        for name, offset, size, needed, decode_part in parts:
+            if offset + needed > len(content):
                 continue
             value = decode_part(content[offset : offset + size])
             if name:

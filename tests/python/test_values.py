@@ -1,6 +1,8 @@
 """Bytes to values."""
 
+import csv
 import json
+import os
 import pickle
 import random
 import shutil
@@ -9,6 +11,7 @@ import subprocess
 
 import brindle
 import pytest
+from conftest import SOURCE
 
 ASK_GDB = """
 import gdb, json
@@ -71,6 +74,40 @@ def test_random_bytes_are_the_number_of_their_bits(images, name):
                 assert value % (1 << width) == number, leaf
                 assert -(1 << width - 1) <= value < 1 << width, leaf
     assert wide or "device" not in name
+
+
+@pytest.fixture(scope="module")
+def values(tmp_path_factory):
+    """An image with a variable of each kind of value."""
+    program = tmp_path_factory.mktemp("values") / "values"
+    subprocess.run([os.environ["BRINDLE_COMPILER"], "-gdwarf-4", "-w", "-o", program,
+                    SOURCE / "tests" / "values" / "values.c"], check=True)
+    with brindle.read(program, full=True) as image:
+        yield image
+
+
+def test_bytes_become_the_values_of_the_table(values):
+    with open(SOURCE / "tests" / "values" / "values.csv", encoding="utf-8") as file:
+        for row in csv.DictReader(file):
+            value = values[row["place"]].decode(bytes.fromhex(row["bytes"]))
+            if isinstance(value, float):
+                assert value == float(row["value"]) or (value != value and row["value"] == "NaN"), row
+            else:
+                assert str(value) == row["value"], row
+
+
+def test_bits_at_the_end_of_a_packed_structure_have_a_value(values, images):
+    """Their storage unit goes beyond the structure, and beyond the dump."""
+    for name in ("arm-device-O2.elf", "powerpc-device-O2.elf"):
+        with brindle.read(images / "full" / name, full=True) as image:
+            assert image["last_frame"].value_of(image)["check"] == 8
+    fields = values["fields"]
+    dump = (b"\xff" * fields.size)[:-1] + b"\x01"
+    memory = brindle.Memory(dump, address=fields.address)
+    assert fields.value_of(memory) == {"lead": 31, "wide": 2**62 - 1, "last": -1, "phase": 1}
+    assert values["fields.phase"].value_of(memory).name == "PHASE_RUN"
+    with pytest.raises(brindle.MemoryGapError):
+        values["fields.phase"].value_of(brindle.Memory(dump[:-1], address=fields.address))
 
 
 def test_a_dump_becomes_values(image):
