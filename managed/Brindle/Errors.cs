@@ -12,7 +12,7 @@ namespace Brindle
         }
     }
 
-    /// <summary>A file could not be read to its end; the text is the reader's.</summary>
+    /// <summary>A file could not be read to its end; the text names it, and says why.</summary>
     public sealed class ReadException : BrindleException
     {
         internal ReadException(string message, Image image) : base(message)

@@ -117,6 +117,10 @@ namespace Brindle
         /// <exception cref="ReadException">It could not be read to its end.</exception>
         public static Image Read(byte[] content, ReadOptions options = null)
         {
+            if (content == null)
+            {
+                throw new ArgumentNullException("content");
+            }
             options = options ?? new ReadOptions();
             return new ReadRun(options).Read(options.Name ?? "", content);
         }

@@ -20,6 +20,17 @@ namespace Brindle
         readonly List<KeyValuePair<ulong, byte[]>> stretches =
             new List<KeyValuePair<ulong, byte[]>>();
 
+        /// <summary>Makes one without any range.</summary>
+        public Memory()
+        {
+        }
+
+        /// <summary>Makes one of the bytes of a range that begins at an address.</summary>
+        public Memory(byte[] content, ulong address = 0)
+        {
+            Add(address, content);
+        }
+
         /// <summary>Adds the bytes of a range that begins at an address. They are kept, not
         /// copied.</summary>
         public void Add(ulong address, byte[] content)

@@ -182,7 +182,7 @@ namespace Brindle
         public IEnumerable<ulong> Find(string name, int kind)
         {
             ulong id = 0;
-            while (true)
+            while (!name.Contains("\0"))
             {
                 Native.Check(
                     Native.brindle_model_find(handle, Native.Utf8(name), kind, id, out id));
@@ -198,6 +198,10 @@ namespace Brindle
         public bool TryResolve(string path, int index, out NativePlace place)
         {
             place = new NativePlace { StructSize = Native.SizeOf<NativePlace>() };
+            if (path.Contains("\0"))
+            {
+                return false;
+            }
             int status = Native.brindle_model_resolve_path(handle, Native.Utf8(path), (UIntPtr)index,
                                                            ref place);
             Native.Check(status);
@@ -236,6 +240,10 @@ namespace Brindle
 
         string Problem(string path)
         {
+            if (path.Contains("\0"))
+            {
+                return "'" + path + "': a path has no null character";
+            }
             byte[] text = Native.Utf8(path);
             UIntPtr resolved = UIntPtr.Zero;
             string problem =

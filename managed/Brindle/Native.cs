@@ -319,7 +319,7 @@ namespace Brindle
             return (UIntPtr)Marshal.SizeOf(typeof(Structure));
         }
 
-        // Text in the form that the library takes.
+        // Text in the form that the library takes: the first null character ends it.
         public static byte[] Utf8(string text)
         {
             return Encoding.UTF8.GetBytes(text + "\0");

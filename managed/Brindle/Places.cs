@@ -42,15 +42,27 @@ namespace Brindle
             get { return DataType.Of(Model, TypeId); }
         }
 
-        /// <summary>The value in the bytes of the place: a number, a bool, an EnumValue, a list for an
+        // How many bytes hold its value.
+        ulong ByteCount
+        {
+            get
+            {
+                ulong count = BitSize == null
+                                  ? 0 : Values.BytesOfBits(Size, BitOffset.Value, BitSize.Value);
+                return count != 0 ? count : Size;
+            }
+        }
+
+        /// <summary>The value in the bytes of the place, which are as many as its size, and one more for a
+        /// packed bit field that extends beyond its storage unit: a number, a bool, an EnumValue, a list for an
         /// array, a dictionary for a structure, or the bytes themselves if their meaning is
         /// unknown.</summary>
         public object Decode(byte[] content)
         {
-            if ((ulong)content.Length != Size)
+            if ((ulong)content.Length != ByteCount)
             {
                 throw new ArgumentException(
-                    string.Format("{0} has {1} bytes, not {2}", Path, Size, content.Length));
+                    string.Format("{0} has {1} bytes, not {2}", Path, ByteCount, content.Length));
             }
             return Decoder()(content, 0, content.Length);
         }
@@ -59,20 +71,37 @@ namespace Brindle
         /// <exception cref="MemoryGapException">The memory doesn't have the bytes.</exception>
         public object ValueOf(IMemory memory)
         {
-            return Decode(memory.ReadMemory(Address, Size));
+            byte[] content = BytesIn(memory);
+            return Decoder()(content, 0, content.Length);
+        }
+
+        byte[] BytesIn(IMemory memory)
+        {
+            try
+            {
+                return memory.ReadMemory(Address, ByteCount);
+            }
+            catch (MemoryGapException)
+                when (BitSize != null && Values.BytesOfBits(Size, BitOffset.Value, BitSize.Value) != 0)
+            {
+                // The memory may end with the bits, before the storage unit does.
+                return memory.ReadMemory(
+                    Address, Values.HeldBytes(Model, ByteCount, BitOffset.Value, BitSize.Value));
+            }
         }
 
         internal virtual Decoder Decoder()
         {
             return BitSize == null
                 ? Values.DecoderOf(Model, TypeId)
-                : Values.BitsDecoderOf(Model, TypeId, (int)BitOffset.Value, (int)BitSize.Value);
+                : Values.BitsDecoderOf(Model, TypeId, BitOffset.Value, BitSize.Value);
         }
 
         /// <inheritdoc/>
         public override string ToString()
         {
-            return string.Format("{0} at 0x{1:x}, {2}", Path, Address, Model.TypeText(TypeId));
+            return string.Format("{0} at 0x{1:x}, {2}{3}", Path, Address, Model.TypeText(TypeId),
+                                 Values.TextOfBits(BitOffset, BitSize));
         }
     }
 
@@ -153,9 +182,15 @@ namespace Brindle
         }
 
         /// <summary>The name after its namespaces, classes and functions, joined by "::".</summary>
-        public override string Path
+        public string QualifiedName
         {
             get { return Model.QualifiedName(row.Id); }
+        }
+
+        /// <summary>Its qualified name.</summary>
+        public override string Path
+        {
+            get { return QualifiedName; }
         }
 
         /// <inheritdoc/>

@@ -16,6 +16,9 @@ namespace Brindle
         /// <summary>Also read types that no variable uses.</summary>
         public bool AllTypes { get; set; }
 
+        /// <summary>"auto", "elf", "coff" or "pe"; "auto" looks at the first bytes.</summary>
+        public string Container { get; set; } = "auto";
+
         /// <summary>If another thread is reading, wait for its end instead of throwing
         /// BusyException.</summary>
         public bool Wait { get; set; }
@@ -34,6 +37,8 @@ namespace Brindle
     // One read, with its own reader of the library.
     sealed class ReadRun
     {
+        // Their numbers begin with that of "auto".
+        static readonly string[] containers = { "auto", "elf", "coff", "pe" };
         const int AnyContainer = -1;
 
         readonly ReadOptions options;
@@ -55,6 +60,21 @@ namespace Brindle
             {
                 throw new BrindleException("the native library is too old");
             }
+            if (path == null)
+            {
+                throw new ArgumentNullException("path");
+            }
+            int container = Array.IndexOf(containers, options.Container);
+            if (container < 0)
+            {
+                throw new ArgumentException(string.Format(
+                    "a container is one of {0}, not '{1}'", string.Join(", ", containers),
+                    options.Container));
+            }
+            if (path.Contains("\0"))
+            {
+                throw new ArgumentException("a path has no null character");
+            }
             GCHandle pinned = GCHandle.Alloc(content ?? new byte[1], GCHandleType.Pinned);
             GCHandle settings = GCHandle.Alloc(Settings(), GCHandleType.Pinned);
             try
@@ -63,11 +83,18 @@ namespace Brindle
                     StructSize = Native.SizeOf<NativeInput>(), Path = Text(path),
                     Bytes = content != null ? Address(pinned, content.Length) : IntPtr.Zero,
                     ByteCount = (UIntPtr)(content != null ? content.Length : 0),
-                    Container = AnyContainer, Waits = options.Wait ? 1 : 0,
+                    Container = AnyContainer + container, Waits = options.Wait ? 1 : 0,
                     Settings = settings.AddrOfPinnedObject(),
                     SettingCount = (UIntPtr)((Array)settings.Target).Length
                 };
                 return Read(ref input);
+            }
+            catch (ReadException failed)
+            {
+                string reason = Problems.Reason(path, content, failed.Message, options.Container);
+                throw new ReadException((path != "" ? path + ": " : "") + failed.Message +
+                                            (reason != "" ? " (" + reason + ")" : ""),
+                                        failed.Image);
             }
             finally
             {
@@ -167,7 +194,7 @@ namespace Brindle
             switch (status)
             {
             case Native.Busy:
-                return new BusyException(text);
+                return new BusyException(text + "; with ReadOptions.Wait a read waits for its end");
             case Native.OutOfMemory:
                 return new OutOfMemoryException(text);
             case Native.NotFound:

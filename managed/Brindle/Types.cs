@@ -327,17 +327,36 @@ namespace Brindle
             get { return row.Offset; }
         }
 
+        /// <summary>Size in bytes; for a bit field, the size of its storage unit.</summary>
+        public ulong Size
+        {
+            get { return model.SizeOf(row.Type); }
+        }
+
+        /// <summary>True for a bit field.</summary>
+        public bool IsBitField
+        {
+            get { return row.Kind == Kind.BitField; }
+        }
+
         /// <summary>Position of a bit field in its storage unit, from the least significant bit; null
         /// for anything else.</summary>
         public uint? BitOffset
         {
-            get { return row.Kind == Kind.BitField ? row.BitOffset : (uint?)null; }
+            get { return IsBitField ? row.BitOffset : (uint?)null; }
         }
 
         /// <summary>Width of a bit field in bits; null for anything else.</summary>
         public ulong? BitSize
         {
-            get { return row.Kind == Kind.BitField ? row.BitSize : (ulong?)null; }
+            get { return IsBitField ? row.BitSize : (ulong?)null; }
+        }
+
+        /// <inheritdoc/>
+        public override string ToString()
+        {
+            return string.Format("{0} at {1}, {2}{3}", Name, Offset, model.TypeText(row.Type),
+                                 Values.TextOfBits(BitOffset, BitSize));
         }
     }
 

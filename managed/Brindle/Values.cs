@@ -10,7 +10,7 @@ namespace Brindle
     delegate object Decoder(byte[] content, int start, int size);
 
     /// <summary>A number in a variable of an enum type, with its name there.</summary>
-    public sealed class EnumValue
+    public sealed class EnumValue : IEquatable<EnumValue>
     {
         internal EnumValue(long number, string name)
         {
@@ -23,6 +23,24 @@ namespace Brindle
 
         /// <summary>Null for a number without a name.</summary>
         public string Name { get; }
+
+        /// <summary>True for the same number.</summary>
+        public bool Equals(EnumValue other)
+        {
+            return other != null && other.Number == Number;
+        }
+
+        /// <inheritdoc/>
+        public override bool Equals(object other)
+        {
+            return Equals(other as EnumValue);
+        }
+
+        /// <inheritdoc/>
+        public override int GetHashCode()
+        {
+            return Number.GetHashCode();
+        }
 
         /// <inheritdoc/>
         public override string ToString()
@@ -72,9 +90,36 @@ namespace Brindle
             return known;
         }
 
-        // For a bit field in its storage unit.
-        public static Decoder BitsDecoderOf(Model model, ulong type, int bitOffset, int bitSize)
+        // How many bytes a bit field needs from the start of its storage unit: a packed field may need one
+        // more than the unit has. 0 for position and width of a damaged file.
+        public static ulong BytesOfBits(ulong size, ulong bitOffset, ulong bitSize)
         {
+            bool isPlausible = bitSize > 0 && bitSize <= 64 && size > 0 && size <= 64 &&
+                               bitOffset + bitSize <= 8 * (size + 1);
+            return isPlausible ? Math.Max(size, (bitOffset + bitSize + 7) / 8) : 0;
+        }
+
+        // How many of these bytes, from the first, hold the bit field. A packed structure may end there,
+        // before its storage unit does.
+        public static ulong HeldBytes(Model model, ulong count, ulong bitOffset, ulong bitSize)
+        {
+            return model.IsBigEndian ? count - bitOffset / 8 : (bitOffset + bitSize + 7) / 8;
+        }
+
+        // What the text of a place or member says of its bits; nothing if it is no bit field.
+        public static string TextOfBits(uint? bitOffset, ulong? bitSize)
+        {
+            return bitSize == null ? "" : string.Format(", {0} bits at {1}", bitSize, bitOffset);
+        }
+
+        // For a bit field in the bytes that BytesOfBits counts, or in those that HeldBytes counts.
+        public static Decoder BitsDecoderOf(Model model, ulong type, uint bitOffset, ulong bitSize)
+        {
+            int count = (int)BytesOfBits(model.SizeOf(type), bitOffset, bitSize);
+            if (count == 0)
+            {
+                return Raw;
+            }
             NativeObject row = model.Object(model.WithoutTypedefs(type));
             Func<long, object> finish = null;
             if (row.Kind == Kind.Enum)
@@ -87,16 +132,16 @@ namespace Brindle
             bool isBigEndian = model.IsBigEndian;
             return (content, start, size) =>
             {
-                ulong number = Number(content, start, size, isBigEndian) >> bitOffset;
+                ulong number = NumberFrom(content, start, size, count, isBigEndian, (int)bitOffset);
                 if (bitSize < 64)
                 {
-                    number &= (1UL << bitSize) - 1;
+                    number &= (1UL << (int)bitSize) - 1;
                 }
                 if (finish == null && !isSigned)
                 {
                     return isBool ? (object)(number != 0) : number;
                 }
-                long value = isSigned ? Extend(number, bitSize) : (long)number;
+                long value = isSigned ? Extend(number, (int)bitSize) : (long)number;
                 return finish != null ? finish(value) : value;
             };
         }
@@ -141,6 +186,22 @@ namespace Brindle
                 number = number << 8 | content[start + (isBigEndian ? index : size - 1 - index)];
             }
             return number;
+        }
+
+        // The 64 bits from a bit on, counted from the least significant one of all bytes, of which the last
+        // may be missing. They may lie in nine bytes.
+        static ulong NumberFrom(byte[] content, int start, int size, int allBytes, bool isBigEndian, int bit)
+        {
+            int skipped = bit / 8, rest = bit % 8;
+            int first = isBigEndian ? start : start + skipped;
+            int count = isBigEndian ? allBytes - skipped : size - skipped;
+            ulong number = Number(content, first, count, isBigEndian) >> rest;
+            if (rest == 0 || count < 9)
+            {
+                return number;
+            }
+            ulong ninth = content[isBigEndian ? start + count - 9 : first + 8];
+            return number | ninth << (64 - rest);
         }
 
         static long Extend(ulong number, int bits)
@@ -266,6 +327,8 @@ namespace Brindle
             public string Name;
             public int Offset;
             public int Size;
+            // How many of its bytes must be there.
+            public int Needed;
             public Decoder Decode;
         }
 
@@ -276,8 +339,8 @@ namespace Brindle
             {
                 foreach (NativeBaseClass known in model.BaseClasses(row))
                 {
-                    parts.Add(new Part { Name = "", Offset = (int)known.Offset,
-                                         Size = (int)model.SizeOf(known.Type),
+                    var size = (int)model.SizeOf(known.Type);
+                    parts.Add(new Part { Name = "", Offset = (int)known.Offset, Size = size, Needed = size,
                                          Decode = DecoderOf(model, known.Type, depth + 1) });
                 }
             }
@@ -285,21 +348,26 @@ namespace Brindle
             {
                 if (Kind.IsMember(member.Kind))
                 {
-                    Decoder decode = member.Kind == Kind.BitField
-                        ? BitsDecoderOf(model, member.Type, (int)member.BitOffset,
-                                        (int)member.BitSize)
+                    bool isBitField = member.Kind == Kind.BitField;
+                    Decoder decode = isBitField
+                        ? BitsDecoderOf(model, member.Type, member.BitOffset, member.BitSize)
                         : DecoderOf(model, member.Type, depth + 1);
+                    ulong size = model.SizeOf(member.Type);
+                    ulong bytes = isBitField ? BytesOfBits(size, member.BitOffset, member.BitSize) : 0;
+                    ulong needed = bytes == 0 ? size : HeldBytes(model, bytes, member.BitOffset, member.BitSize);
                     parts.Add(new Part { Name = member.Name.ToString(), Offset = (int)member.Offset,
-                                         Size = (int)model.SizeOf(member.Type), Decode = decode });
+                                         Size = (int)(bytes != 0 ? bytes : size), Needed = (int)needed,
+                                         Decode = decode });
                 }
             }
             return (content, start, size) =>
             {
                 var values = new Dictionary<string, object>();
                 foreach (Part part in parts.Where(
-                             part => part.Offset >= 0 && (long)part.Offset + part.Size <= size))
+                             part => part.Offset >= 0 && (long)part.Offset + part.Needed <= size))
                 {
-                    object value = part.Decode(content, start + part.Offset, part.Size);
+                    int present = Math.Min(part.Size, size - part.Offset);
+                    object value = part.Decode(content, start + part.Offset, present);
                     var inner = value as Dictionary<string, object>;
                     if (part.Name != "")
                     {

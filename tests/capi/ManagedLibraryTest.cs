@@ -1,8 +1,9 @@
 // The managed library as its users meet it.
 //
-//     mono ManagedLibraryTest.exe IMAGE-FOLDER
+//     mono ManagedLibraryTest.exe IMAGE-FOLDER VALUES-IMAGE VALUES-TABLE
 using System;
 using System.Collections.Generic;
+using System.Globalization;
 using System.IO;
 using System.Linq;
 using System.Threading;
@@ -45,14 +46,15 @@ static class ManagedLibraryTest
         List<Variable> locals = image.Units.SelectMany(unit => unit.Variables).ToList();
         Require(locals.SequenceEqual(image.Variables.Where(variable => locals.Contains(variable))) &&
                     locals.All(variable => variable.Unit != null), "the variables of a unit");
-        Require(image.Variables["stops"].Path == "motor_step::stops", "a name without its scopes");
+        Require(image.Variables["stops"].QualifiedName == "motor_step::stops", "a name without its scopes");
         Require(image.Variables["motors"].Size == 336, "the size of a variable");
 
         PathPlace phase = image["motors[1].status.phase"];
         Require(phase.BitOffset == 13 && phase.BitSize == 12 && phase.Variable.Name == "motors",
                 "a bit field");
         var motor = (StructType)((ArrayType)image["motors"].Type).Element.Resolved;
-        Require(motor["loops"].Offset == 12 && motor["loops"].Type.Text == "pid[2]", "a member");
+        Require(motor["loops"].Offset == 12 && motor["loops"].Type.Text == "pid[2]" &&
+                    motor["loops"].Size == 2 * image.Types["pid"].Size && !motor["loops"].IsBitField, "a member");
         var source = (EnumType)image["main_supply.source"].Type;
         Require(source.Enumerators.Any(item => item.Name == "SUPPLY_MAINS" && item.Value == 300),
                 "an enumerator");
@@ -67,6 +69,8 @@ static class ManagedLibraryTest
 
         Throws<PathException>(() => image["motors[7].serial"].ToString(), "up to 'motors'");
         Throws<PathException>(() => image.Variables["nothing"].ToString(), "nothing");
+        Throws<PathException>(() => image["motors\0"].ToString(), "null character");
+        Require(!image.Contains("motors\0") && !image.Variables.Contains("motors\0"), "null characters");
         Require(image.Places("nothing").Count == 0, "no places");
         Require(image.Contains("motors[2]") && !image.Contains("motors[7]"), "whether a path resolves");
         Hit hit = image.At(image["motors[1].loops[0].gain"].Address + 2).Single();
@@ -117,9 +121,47 @@ static class ManagedLibraryTest
         Throws<MemoryGapException>(() => image["header.kind"].ValueOf(memory), "1 bytes");
     }
 
+    static void TestValueTable(Image image, string table)
+    {
+        foreach (string line in File.ReadLines(table).Skip(1))
+        {
+            string[] row = line.Split(',');
+            byte[] bytes = Enumerable.Range(0, row[1].Length / 2)
+                .Select(index => Convert.ToByte(row[1].Substring(2 * index, 2), 16)).ToArray();
+            object value = image[row[0]].Decode(bytes);
+            bool isSame = value is float || value is double
+                ? Convert.ToDouble(value).Equals(double.Parse(row[2], CultureInfo.InvariantCulture))
+                : Convert.ToString(value, CultureInfo.InvariantCulture) == row[2];
+            Require(isSame, line + ", not " + value);
+        }
+    }
+
+    // The storage unit of the last bits goes beyond the structure, and beyond the dump.
+    static void TestPackedBits(Image image)
+    {
+        PathPlace fields = image["fields"];
+        byte[] dump = Enumerable.Repeat((byte)0xFF, (int)fields.Size).ToArray();
+        dump[dump.Length - 1] = 1;
+        var memory = new Memory(dump, fields.Address);
+        var whole = (Dictionary<string, object>)fields.ValueOf(memory);
+        Require((ulong)whole["wide"] == (1UL << 62) - 1 && (long)whole["last"] == -1 &&
+                    whole["phase"].Equals(image["fields.phase"].ValueOf(memory)) &&
+                    whole["phase"].ToString() == "PHASE_RUN", "packed bit fields");
+        Throws<MemoryGapException>(() => image["fields.phase"].ValueOf(new Memory(new byte[16], fields.Address)),
+                                   "1 bytes");
+    }
+
     // gdb prints these values of the same images.
     static void TestBigEndian(string folder)
     {
+        string device = Path.Combine(folder, "full", "powerpc-device-O2.elf");
+        using (Image image = Image.Read(device, new ReadOptions { Full = true }))
+        {
+            var frame = (Dictionary<string, object>)image["last_frame"].ValueOf(image);
+            Require((ulong)frame["serial"] == 7 && (ulong)frame["check"] == 8 && (long)frame["position"] == -5,
+                    "packed bit fields");
+        }
+
         using (Image image = Image.Read(Path.Combine(folder, "powerpc-c-dwarf4-O2.elf")))
         {
             Require(image.IsBigEndian, "byte order");
@@ -135,8 +177,15 @@ static class ManagedLibraryTest
             Require(image.Path == "unpacked" && image["motors"].Size == 336, "a content");
             Require(image["main_supply.identity"].ValueOf(image) != null, "its bytes");
         }
-        Throws<ReadException>(() => Image.Read(new byte[0]), "");
-        Throws<ReadException>(() => Image.Read(path + ".fehlt-ü"), "Open");
+        foreach (string container in new[] { "elf", "auto" })
+        {
+            using (Image image = Image.Read(path, new ReadOptions { Container = container }))
+            {
+                Require(image.Container == "elf", "a container by its name");
+            }
+        }
+        Throws<ReadException>(() => Image.Read(path, new ReadOptions { Container = "pe" }), path);
+        Throws<ArgumentException>(() => Image.Read(path, new ReadOptions { Container = "zip" }), "zip");
         var wrong = new ReadOptions();
         wrong.Settings["mNothing"] = "1";
         Throws<OptionException>(() => Image.Read(path, wrong), "mNothing");
@@ -152,6 +201,28 @@ static class ManagedLibraryTest
         Place place = closed["motors"];
         closed.Dispose();
         Throws<ObjectDisposedException>(() => place.Type.ToString(), "");
+    }
+
+    // The errors name the file and the reason.
+    static void TestErrors(byte[] content)
+    {
+        string file = Path.GetTempFileName();
+        var reasons = new Dictionary<string, byte[]> {
+            { "The file is empty", new byte[0] },
+            { "neither ELF nor", new byte[] { (byte)'s', (byte)'o', (byte)'m', (byte)'e' } },
+            { "truncated", content.Take(1000).ToArray() }
+        };
+        foreach (KeyValuePair<string, byte[]> reason in reasons)
+        {
+            File.WriteAllBytes(file, reason.Value);
+            Throws<ReadException>(() => Image.Read(file), file + ": ELF");
+            Throws<ReadException>(() => Image.Read(file), reason.Key);
+            Throws<ReadException>(() => Image.Read(reason.Value), reason.Key);
+        }
+        File.Delete(file);
+        Throws<ReadException>(() => Image.Read(file + "-ü"), "-ü: ELF file Open has failed. (No such file");
+        Throws<ReadException>(() => Image.Read(Path.GetTempPath()), "Is a directory");
+        Throws<ArgumentException>(() => Image.Read("a\0b"), "null character");
     }
 
     static void TestThreads(string path)
@@ -183,8 +254,14 @@ static class ManagedLibraryTest
             TestLeaves(image);
             TestValues(image);
         }
+        using (Image image = Image.Read(arguments[1], new ReadOptions { Full = true }))
+        {
+            TestValueTable(image, arguments[2]);
+            TestPackedBits(image);
+        }
         TestBigEndian(arguments[0]);
         TestReads(path);
+        TestErrors(File.ReadAllBytes(path));
         TestThreads(path);
         return 0;
     }
