@@ -8,6 +8,7 @@ import os
 import pathlib
 import re
 import unittest
+import xml.etree.ElementTree
 
 SOURCE = pathlib.Path(os.environ["BRINDLE_SOURCE"])
 PAGES = ["README.md", "docs/hosting.md", "docs/data-model.md", "docs/options.md",
@@ -44,6 +45,31 @@ class DocumentationTest(unittest.TestCase):
         for file, pattern in (("managed/Brindle/Brindle.csproj", r"<Version>(.*)</Version>"),
                               ("python/brindle/_version.py", r'__version__ = "(.*)"')):
             self.assertEqual(re.findall(pattern, (SOURCE / file).read_text()), [wanted], file)
+
+    def test_the_project_of_the_managed_library_says_what_a_package_needs(self):
+        folder = SOURCE / "managed" / "Brindle"
+        project = xml.etree.ElementTree.parse(folder / "Brindle.csproj").getroot()
+        self.assertEqual((project.tag, project.get("Sdk")), ("Project", "Microsoft.NET.Sdk"))
+        values = {element.tag: element.text for element in project.iterfind("PropertyGroup/*")}
+        for name in ("PackageId", "Version", "Authors", "Description", "TargetFramework"):
+            self.assertTrue(values.get(name), name)
+        packed = {}
+        for item in project.iterfind("ItemGroup/*"):
+            included = item.get("Include")
+            self.assertEqual(item.get("Pack"), "true", included)
+            if "*" not in included:
+                self.assertTrue((folder / included).is_file(), included)
+                packed[pathlib.Path(included).name] = item.get("PackagePath")
+        for name in ("PackageLicenseFile", "PackageReadmeFile"):
+            self.assertEqual(packed.get(values[name]), "/", name)
+        # The assembly of the library must not have the name of the native one.
+        self.assertNotEqual(values["AssemblyName"].lower(), "brindle")
+        # The native libraries: what the code loads, under the names of the builds, in the packed folder.
+        loaded = re.search(r'Library = "(.*)"', (folder / "Native.cs").read_text()).group(1)
+        page = (SOURCE / "docs" / "hosting.md").read_text()
+        native = dict(re.findall(r"`runtimes/([\w-]+)/native/(\S+)`", page))
+        self.assertEqual(native, {"linux-x64": f"lib{loaded}.so", "win-x64": f"{loaded}.dll",
+                                  "win-x86": f"{loaded}.dll"})
 
     def test_links_lead_to_files(self):
         pages = ["CONTRIBUTING.md", "SECURITY.md", *(str(path.relative_to(SOURCE)) for path in SOURCE.glob("docs/*.md"))]
