@@ -21,6 +21,9 @@ tests=(
     python3-pip-whl python3-pytest python3-setuptools python3-wheel
 )
 
+# Installed where they can be had: without them, the tests that need them are skipped.
+wished=()
+
 # The sources of utf8proc as Debian has them: no package has the library for Windows.
 get_utf8proc() {
     [ ! -e /usr/src/utf8proc/utf8proc.c ] || return 0
@@ -46,6 +49,7 @@ case "${1:-}" in
 "") ;;
 tests)
     packages+=("${tests[@]}")
+    wished=(python3-pandas)
     ;;
 samples)
     packages+=(clang-14 lld-14 gcc-arm-none-eabi libnewlib-arm-none-eabi
@@ -84,15 +88,21 @@ bench)
     ;;
 esac
 
-missing=()
-for package in "${packages[@]}"; do
-    status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
-    [ "$status" = installed ] || missing+=("$package")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-    apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
-fi
+# Installs those of the named packages that are missing.
+install_missing() {
+    local package status missing=()
+    for package in "$@"; do
+        status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+        [ "$status" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    apt-get update -qq &&
+        DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
+}
+
+install_missing "${packages[@]}"
+install_missing "${wished[@]}" ||
+    echo "install-packages.sh: not to be had here, tests that need it are skipped: ${wished[*]}" >&2
 case "${1:-}" in
 windows*) get_utf8proc ;;
 esac
