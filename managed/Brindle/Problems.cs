@@ -8,7 +8,8 @@ namespace Brindle
 {
     static class Problems
     {
-        // What the reader says of a pipe, or a file that the system doesn't open.
+        // What the reader says of a pipe, of a file that the system doesn't open, and of one whose Windows
+        // headers can't be read.
         const string notOpened = "ELF file Open has failed.";
         // What the reader says of a file that ends before the place where it looks.
         static readonly string[] endedEarly = { "ELF file Seek has failed.",
@@ -48,10 +49,14 @@ namespace Brindle
             {
                 return "The file is empty";
             }
-            if (container == "auto" && !BeginsWith(start, 0x7F, 'E', 'L', 'F') &&
-                !BeginsWith(start, 'M', 'Z'))
+            bool isWindows = BeginsWith(start, 'M', 'Z');
+            if (container == "auto" && !BeginsWith(start, 0x7F, 'E', 'L', 'F') && !isWindows)
             {
                 return "Read as COFF, being neither ELF nor a Windows image";
+            }
+            if (error == notOpened && (container == "pe" || isWindows))
+            {
+                return "not a Windows image, or truncated";
             }
             return endedEarly.Contains(error)
                 ? "the file ends before its headers say: truncated, or not copied to the end"

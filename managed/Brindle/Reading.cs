@@ -45,7 +45,8 @@ namespace Brindle
         readonly List<IntPtr> texts = new List<IntPtr>();
         IntPtr reader;
         ExceptionDispatchInfo failure;
-        string phase = "";
+        // The reader names only the phases that follow the first one.
+        string phase = "Reading...";
         int start;
         int length = 1;
 

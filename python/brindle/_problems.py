@@ -7,6 +7,8 @@ import os
 import stat
 from typing import Union
 
+# What the reader says of a file that isn't opened, or whose Windows headers can't be read.
+_NOT_OPENED = "ELF file Open has failed."
 # What the reader says of a file that ends before the place where it looks.
 _ENDED_EARLY = ("ELF file Seek has failed.", "ELF file Read has failed.")
 
@@ -32,6 +34,8 @@ def reason(source: Union[bytes, str], error: str, container: str) -> str:
         return "The file is empty"
     if container == "auto" and start != b"\x7fELF" and not start.startswith(b"MZ"):
         return "Read as COFF, being neither ELF nor a Windows image"
+    if error == _NOT_OPENED and (container == "pe" or start.startswith(b"MZ")):
+        return "not a Windows image, or truncated"
     if error in _ENDED_EARLY:
         return "the file ends before its headers say: truncated, or not copied to the end"
     return ""

@@ -87,7 +87,8 @@ class _Reader:
     def __init__(self, progress: Optional[Progress]) -> None:
         self._progress = progress
         self._error: Optional[BaseException] = None
-        self._phase = ""
+        # The reader names only the phases that follow the first one.
+        self._phase = "Reading..."
         self._start = 0
         self._length = 1
         self.handle = c_void_p()

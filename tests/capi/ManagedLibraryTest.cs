@@ -184,7 +184,10 @@ static class ManagedLibraryTest
                 Require(image.Container == "elf", "a container by its name");
             }
         }
-        Throws<ReadException>(() => Image.Read(path, new ReadOptions { Container = "pe" }), path);
+        Throws<ReadException>(() => Image.Read(path, new ReadOptions { Container = "pe" }), "not a Windows image");
+        var phases = new HashSet<string>();
+        Image.Read(path, new ReadOptions { Progress = (phase, share) => phases.Add(phase) });
+        Require(phases.SetEquals(new[] { "Reading...", "Post-Processing..." }), "the phases");
         Throws<ArgumentException>(() => Image.Read(path, new ReadOptions { Container = "zip" }), "zip");
         var wrong = new ReadOptions();
         wrong.Settings["mNothing"] = "1";
