@@ -53,8 +53,8 @@ else
     echo "build-windows.sh: no Wine for $architecture here: what was built has not been run" >&2
 fi
 
-# The zip: bin, lib and include as in an installation, the documentation, and the licences of everything in
-# the files.
+# The zip: bin, lib and include as in an installation, the documentation with the examples and the managed
+# library that it speaks of, and the licences of everything in the files.
 version=$(sed -n 's/^CMAKE_PROJECT_VERSION:STATIC=//p' "$build/CMakeCache.txt")
 output=$PWD/build/windows
 name=brindle-$version-windows-$architecture
@@ -67,7 +67,8 @@ done
 cp "$build/src/brindle.def" "$stage/lib"
 mkdir -p "$stage/docs" "$stage/licences"
 cp README.md CHANGELOG.md "$stage"
-cp docs/*.md docs/*.png "$stage/docs"
+cp -r docs/*.md docs/*.png docs/schema "$stage/docs"
+cp -r examples managed "$stage"
 cp packaging/copyright "$stage/licences/brindle.txt"
 cp -r app/report/licences "$stage/licences/report"
 cp /usr/src/utf8proc/LICENSE.md "$stage/licences/utf8proc.md"
