@@ -528,5 +528,22 @@ TEST_F(FullTreeTest, KindsThatTheContractLacksKeepTheirSize) {
     }
 }
 
+// Nothing else is in the namespace: if the range is its type, no object needs it.
+TEST_F(FullTreeTest, ARangeThatIsItsTypeNeedsNoScope) {
+    const DieLabel number, range;
+    for (const unsigned size : {1U, 4U}) {
+        const ReadRun run =
+            Read(Unit({Int(number), Variable("v", range),
+                       Die(DW_TAG_namespace, {Name("ranges")},
+                           {Die(range, DW_TAG_subrange_type, {Type(number), ByteSize(size)})})}),
+                 true);
+        Lines namespaces;
+        run.model->ForEach(
+            DataModel::ObjectKind::Namespace,
+            [&](const DataModel::ModelObject& each) { namespaces.emplace_back(each.name); });
+        EXPECT_EQ(std::ranges::count(namespaces, "ranges"), size == 1 ? 1 : 0) << size;
+    }
+}
+
 } // namespace
 } // namespace Tessel::Norn::Brindle::Tests

@@ -16,6 +16,12 @@ bool IsDeliveredMember(const VDebugInfoNode& member) {
     return !member.IsDeclaration() || member.HasMemberOffset() || member.HasLocation();
 }
 
+/// A range of the size of its type is that type.
+bool IsTypeOfItsOwn(const VDebugInfoNode& range) {
+    const VDebugInfoNode* type = range.GetTypeNode();
+    return type != nullptr && type->GetByteSize() != range.GetByteSize();
+}
+
 } // namespace
 
 bool DeliveryRules::PassesFilter(const VDebugInfoNode& node) const {
@@ -24,6 +30,8 @@ bool DeliveryRules::PassesFilter(const VDebugInfoNode& node) const {
         return IsDeliveredVariable(node);
     case DW_TAG_member:
         return IsDeliveredMember(node);
+    case DW_TAG_subrange_type:
+        return IsTypeOfItsOwn(node) && !needsOf(DW_TAG_subrange_type).empty();
     default:
         return !needsOf(node.GetTag()).empty();
     }

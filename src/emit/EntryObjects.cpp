@@ -79,14 +79,9 @@ public:
                                       : GetOrCreateUnknownType();
     }
 
-    /// A range that is a type of its own. If it occupies other bytes than its base type, its values
-    /// are numbers of its size, unsigned if none of them is negative.
-    ObjectId GetOrCreateRange(bool& alreadyRegistered) {
-        const VDebugInfoNode* type = mNode.GetTypeNode();
-        if (type == nullptr || type->GetByteSize() == mNode.GetByteSize()) {
-            alreadyRegistered = true;
-            return mInputs.type;
-        }
+    /// A range that occupies other bytes than its base type: its values are numbers of its size,
+    /// unsigned if none of them is negative.
+    ObjectId GetOrCreateRange() {
         const auto& range = static_cast<const VDebugInfoNodeSubrange&>(mNode);
         const VAttributeValue& lowest = range.GetLowerBound();
         const bool hasNoSign = lowest.IsDefined() && !lowest.IsReference() &&
@@ -374,7 +369,7 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
         id = object.CreatePointer();
         return true;
     case DW_TAG_subrange_type:
-        id = object.GetOrCreateRange(alreadyRegistered);
+        id = object.GetOrCreateRange();
         return true;
     case DW_TAG_ptr_to_member_type:
     case DW_TAG_string_type:
