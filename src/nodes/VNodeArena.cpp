@@ -24,14 +24,14 @@ VNodeArena::Space VNodeArena::TakeChunk() {
 }
 
 VNodeArena::Space VNodeArena::NewChunk() {
-    if (mUsedChunksOfSlab == kChunksPerSlab) {
-        AddSlab(kChunksPerSlab * kChunkSize);
-        mUsedChunksOfSlab = 0;
-        mLatestSlab = mSlabs.back().get();
+    if (mNewChunks.next == mNewChunks.end) {
+        const std::size_t count =
+            std::clamp(mSharedChunks.size(), std::size_t{1}, kMaximumChunksPerSlab);
+        AddSlab(count * kChunkSize);
+        std::byte* slab = mSlabs.back().get();
+        mNewChunks = {slab, slab + count * kChunkSize};
     }
-    const Space space = Register(mLatestSlab + mUsedChunksOfSlab * kChunkSize, kChunkSize);
-    ++mUsedChunksOfSlab;
-    return space;
+    return Register(std::exchange(mNewChunks.next, mNewChunks.next + kChunkSize), kChunkSize);
 }
 
 /// Gives a chunk a number.

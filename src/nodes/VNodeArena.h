@@ -52,8 +52,10 @@ private:
     friend class VNodeLink;
     friend class VNodeText;
 
-    /// The system provides this many chunks at a time; memory that isn't used yet costs nothing.
-    static constexpr std::size_t kChunksPerSlab = 8;
+    /// The most chunks that the system provides at a time. Memory that isn't used yet costs
+    /// nothing, but for sanitizers, which mark each byte: small trees begin with slabs of one
+    /// chunk.
+    static constexpr std::size_t kMaximumChunksPerSlab = 8;
     static constexpr std::size_t kMaximumChunkCount = std::size_t{1} << 15U;
     static constexpr unsigned kUnitBits = 17;
     static constexpr std::size_t kLargestObject = kChunkSize / 2;
@@ -109,8 +111,8 @@ private:
     };
 
     std::vector<std::unique_ptr<std::byte, SlabDeleter>> mSlabs;
-    std::byte* mLatestSlab = nullptr;
-    std::size_t mUsedChunksOfSlab = kChunksPerSlab;
+    /// The chunks of the latest slab that have no number yet.
+    Space mNewChunks;
     std::vector<std::uint32_t> mChunkNumbers;
     /// The chunks that objects or texts share, and how many of them are in use.
     std::vector<Space> mSharedChunks;
