@@ -10,7 +10,11 @@ struct __attribute__((packed)) fields {
     enum phase phase : 3;
 };
 
+#ifdef __clang__
+__fp16 half;
+#else
 _Float16 half;
+#endif
 float single;
 double twin;
 signed char letter;
