@@ -125,7 +125,7 @@ namespace Brindle
             return new ReadRun(options).Read(options.Name ?? "", content);
         }
 
-        /// <summary>The path as it was given.</summary>
+        /// <summary>The path as it was given; empty if the file could not be opened.</summary>
         public string Path
         {
             get { return model.Path; }

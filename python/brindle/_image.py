@@ -55,7 +55,7 @@ class Image:
 
     @property
     def path(self) -> str:
-        """The path that was given to `read`."""
+        """The path that was given to `read`; empty if the file could not be opened."""
         return self._model.image_path
 
     @property
