@@ -217,6 +217,20 @@ TEST_F(VariablePlacesTest, DefinitionComesBeforeTheDeclarationInAFunction) {
                                testing::HasSubstr("objIdOfScopeParent=1,"))));
 }
 
+TEST_F(VariablePlacesTest, TheTypeOfADeclarationCountsWhereVariablesCoincide) {
+    const DieLabel declared, half;
+    const ElfImage image =
+        ElfImage().Symbol({"shared", 0x100, sSymbolSize}) +
+        Sections(
+            {Die(half, DW_TAG_base_type, {Name("short"), ByteSize(2), Encoding(DW_ATE_signed)}),
+             Die(declared, DW_TAG_variable,
+                 {Name("shared"), Type(mInteger), External(), Declaration()}),
+             Die(DW_TAG_variable, {Specification(declared), Address(0x100)}),
+             Die(DW_TAG_variable, {Name("shared"), Type(half), External(), Address(0x100)})});
+    EXPECT_THAT(Classic(image), ElementsAre("shared@100:2"));
+    EXPECT_THAT(Full(image), ElementsAre("shared@100:4"));
+}
+
 TEST_F(VariablePlacesTest, SymbolsCountByAddressAndName) {
     const ElfImage image = ElfImage()
                                .Symbol({"counter", 0x100, sSymbolSize, sLocalObject})

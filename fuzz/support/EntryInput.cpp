@@ -101,6 +101,9 @@ const auto& Choose(const Values& values, std::size_t choice) {
     return values[choice % std::size(values)];
 }
 
+constexpr std::uint64_t sPlace = 0x1000;
+constexpr std::uint64_t sBytesOfPlace = 0x100;
+
 enum class Structure : std::uint8_t { Sibling, Parent, LastChild, LastUnit };
 
 struct Record {
@@ -112,6 +115,8 @@ struct Record {
     std::uint32_t specification = 0;
     std::uint64_t number = 0;
     std::uint8_t location = 0;
+    /// Where the addresses begin that `location` chooses from.
+    std::uint64_t place = sPlace;
     std::uint8_t forms = 0;
     std::uint8_t encoding = 0;
     DieLabel label;
@@ -240,13 +245,16 @@ std::optional<std::uint32_t> Completable(const std::vector<Record>& records, con
     return std::nullopt;
 }
 
-/// The records as both manners read them alike. A variable that completes another is external, and
-/// that one completes none.
+/// The records as both manners read them alike. A variable that completes another is external and
+/// has a place of its own: of several at one address, the manners keep different ones. That other
+/// variable completes none.
 std::vector<Record> Plain(std::vector<Record> records) {
     for (Record& record : records) {
         record = Plain(record);
     }
+    std::uint64_t place = sPlace;
     for (Record& record : records) {
+        place += sBytesOfPlace;
         if (const auto completed = Completable(records, record)) {
             record.specification = *completed;
         } else {
@@ -254,6 +262,7 @@ std::vector<Record> Plain(std::vector<Record> records) {
         }
         if (record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0) {
             record.attributes |= sIsExternal;
+            record.place = place;
         }
     }
     for (const Record& record : records) {
@@ -390,7 +399,7 @@ private:
         case sBitPieceChoice:
             return Location({{DW_OP_addr, {0x1000}}, {DW_OP_bit_piece, {3, record.location}}});
         default:
-            return Address(0x1000 + record.location);
+            return Address(record.place + record.location);
         }
     }
 

@@ -22,8 +22,9 @@ std::string ImageOfEntries(InputBytes& input);
 /// symbols; base types of the usual sizes and encodings; members have names and aren't bit fields,
 /// nor a piece of bits; no abstract origins, references to members, rvalue references, partial
 /// units, sets, files and ranges of a size of their own; no location lists; no definition is a
-/// declaration too. Entries complete named ones of their tag, variables that do so are external and
-/// complete a variable that completes none, and no linkage name is empty.
+/// declaration too. Entries complete named ones of their tag, variables that do so are external,
+/// have an address of their own and complete a variable that completes none, and no linkage name is
+/// empty.
 std::string ImageOfPlainEntries(InputBytes& input);
 
 /// One tree as a compiler for DWARF 4 writes it, and as one for DWARF 5 does. In 32-bit DWARF, and
