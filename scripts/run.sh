@@ -7,7 +7,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/install-packages.sh"
 {
     cd "$root"
-    cmake --preset program
+    # Also where somebody built only the library in this folder.
+    cmake --preset program -DBRINDLE_BUILD_APP=ON
     cmake --build --preset program
 } >&2
 cd - >/dev/null
