@@ -13,14 +13,14 @@
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Bump allocator of a node tree.
-///
-/// Objects live in chunks that are known to the whole process by number, so that 32 bits
-/// identify an object, see `VNodeLink`. At most 32 GiB of objects exist at a time. Not
-/// thread-safe.
+#ifndef BRINDLE_CHUNK_BITS
+#define BRINDLE_CHUNK_BITS 20U
+#endif
+/// Bump allocator of a node tree. Objects live in chunks with numbers, so that 32 bits identify an
+/// object, see `VNodeLink`. At most 32 GiB of objects exist at a time. Not thread-safe.
 class VNodeArena {
 public:
-    static constexpr std::size_t kChunkSize = std::size_t{1} << 20U;
+    static constexpr std::size_t kChunkSize = std::size_t{1} << BRINDLE_CHUNK_BITS;
     static constexpr std::size_t kAlignment = 8;
 
     VNodeArena() = default;
