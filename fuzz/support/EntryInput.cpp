@@ -146,6 +146,7 @@ Record TakeRecord(InputBytes& input) {
 
 constexpr std::uint32_t sHasName = 1U << 0U;
 constexpr std::uint32_t sHasLinkageName = 1U << 1U;
+constexpr std::uint32_t sHasType = 1U << 2U;
 constexpr std::uint32_t sHasSpecification = 1U << 3U;
 constexpr std::uint32_t sHasByteSize = 1U << 4U;
 constexpr std::uint32_t sHasBitField = 3U << 5U;
@@ -245,9 +246,14 @@ std::optional<std::uint32_t> Completable(const std::vector<Record>& records, con
     return std::nullopt;
 }
 
+bool CompletesVariable(const Record& record) {
+    return record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0;
+}
+
 /// The records as both manners read them alike. A variable that completes another is external and
-/// has a place of its own: of several at one address, the manners keep different ones. That other
-/// variable completes none.
+/// has a place of its own: of several at one address, the manners keep different ones. It is no
+/// type, as only damaged files have it: the full reading knows its size. That other variable
+/// completes none.
 std::vector<Record> Plain(std::vector<Record> records) {
     for (Record& record : records) {
         record = Plain(record);
@@ -260,14 +266,19 @@ std::vector<Record> Plain(std::vector<Record> records) {
         } else {
             record.attributes &= ~sHasSpecification;
         }
-        if (record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0) {
+        if (CompletesVariable(record)) {
             record.attributes |= sIsExternal;
             record.place = place;
         }
     }
     for (const Record& record : records) {
-        if (record.tag == DW_TAG_variable && (record.attributes & sHasSpecification) != 0) {
+        if (CompletesVariable(record)) {
             records[record.specification].attributes &= ~sHasSpecification;
+        }
+    }
+    for (Record& record : records) {
+        if (CompletesVariable(records[record.type % records.size()])) {
+            record.attributes &= ~sHasType;
         }
     }
     return records;

@@ -23,8 +23,8 @@ std::string ImageOfEntries(InputBytes& input);
 /// nor a piece of bits; no abstract origins, references to members, rvalue references, partial
 /// units, sets, files and ranges of a size of their own; no location lists; no definition is a
 /// declaration too. Entries complete named ones of their tag, variables that do so are external,
-/// have an address of their own and complete a variable that completes none, and no linkage name is
-/// empty.
+/// have an address of their own, are no type and complete a variable that completes none, and no
+/// linkage name is empty.
 std::string ImageOfPlainEntries(InputBytes& input);
 
 /// One tree as a compiler for DWARF 4 writes it, and as one for DWARF 5 does. In 32-bit DWARF, and
