@@ -1,14 +1,24 @@
-// Paths such as "motor.pid[2].gain", resolved in a fixed model with names as odd as possible.
+// Paths such as "motor.pid[2].gain", resolved in a fixed model with names as odd as possible, and
+// the same text as the pattern of a name.
 //
 // Input: the path.
+#include "NamePattern.h"
+
+#include "model/AddressLookup.h"
 #include "model/DataModel.h"
 #include "support/InputBytes.h"
 #include "support/Require.h"
 
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
 #include <vector>
 
 using namespace Tessel::Norn::Brindle;
 using DataModel::ObjectId;
+using Program::NameFilter;
+using Program::NamePattern;
 
 namespace {
 
@@ -38,6 +48,52 @@ void Fill(DataModel::Model& model) {
     }
 }
 
+/// Names as commands match them: the text itself, and some of the model.
+void CheckPatterns(std::string_view text) {
+    if (!Fuzzing::IsUtf8(text)) {
+        return;
+    }
+    const std::array<std::string_view, 5> names = {text, "", "a.b", "T<a.b>.n[0][0].bits", "[x]"};
+    const bool hasEscape = text.find('\\') != std::string_view::npos;
+    const bool hasAny = text.find_first_of("*?") != std::string_view::npos;
+    for (const bool ignoresCase : {false, true}) {
+        const NamePattern pattern(text, ignoresCase);
+        Fuzzing::Require(hasEscape || !NamePattern::IsPlain(text) || pattern.Fits(text),
+                         "a plain word fits itself");
+        Fuzzing::Require(
+            hasEscape || hasAny ||
+                NamePattern::PartOf(text, ignoresCase).Fits("x" + std::string(text) + "y"),
+            "a word fits what contains it");
+        const NameFilter filter(text, ignoresCase);
+        for (const std::string_view name : names) {
+            const std::size_t own = std::min<std::size_t>(name.size(), 2);
+            for (std::size_t length = own; length <= name.size(); ++length) {
+                const std::string_view start = name.substr(0, length);
+                if (Fuzzing::IsUtf8(start)) {
+                    Fuzzing::Require(!pattern.Fits(name) || pattern.CanBegin(start),
+                                     "what fits begins as the pattern can");
+                    Fuzzing::Require(!filter.Takes(name, own, "u.c") ||
+                                         filter.MayTakeBehind(start, own, "u.c"),
+                                     "what is taken lies behind its start");
+                }
+            }
+        }
+    }
+}
+
+/// The variable of a place within its size is among those found by address. Types that contain
+/// themselves lead beyond it.
+void CheckPlace(const DataModel::Model& model, DataModel::AddressLookup& lookup,
+                const DataModel::Model::Place& place) {
+    const std::uint64_t offset = place.address - model.Object(place.global).address;
+    const std::vector<DataModel::AddressHit> hits = lookup.Find(place.address);
+    const bool isFound = std::ranges::any_of(hits, [&place](const DataModel::AddressHit& hit) {
+        return hit.place.global == place.global;
+    });
+    Fuzzing::Require(isFound == (offset < model.SizeOf(place.global)),
+                     "a variable holds the addresses of its size");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -46,14 +102,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Fill(sFilled);
         return &sFilled;
     }();
+    static DataModel::AddressLookup sLookup(*sModel);
     const std::string_view path = Fuzzing::InputBytes(data, size).Rest();
     const DataModel::Model::PathResult one = sModel->ResolvePath(path);
     const std::vector<DataModel::Model::PathResult> all = sModel->ResolvePaths(path);
     Fuzzing::Require(!all.empty(), "a path has an answer");
+    for (const DataModel::Model::PathResult& each : all) {
+        Fuzzing::Require(each.found == each.problem.empty(), "a path resolves or has a problem");
+        if (each.found) {
+            CheckPlace(*sModel, sLookup, each.place);
+        }
+    }
     Fuzzing::Require(one.found == all.front().found &&
                          one.place.address == all.front().place.address,
                      "the first answer is the answer");
-    Fuzzing::Require(one.found == one.problem.empty(), "a path resolves or tells its problem");
     Fuzzing::Require(one.resolvedLength <= path.size(), "no more resolves than was asked");
+    CheckPatterns(path);
     return 0;
 }

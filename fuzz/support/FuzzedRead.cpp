@@ -2,15 +2,19 @@
 
 #include "host/CurrentDataModel.h"
 #include "host/VDWARFReader.h"
+#include "model/AddressLookup.h"
 #include "model/DataModel.h"
 #include "model/LeafWalk.h"
 #include "model/RecordingDataModel.h"
+#include "model/ValueDecoder.h"
 #include "support/InputFile.h"
 #include "support/Require.h"
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Fuzzing {
 
@@ -19,6 +23,9 @@ namespace {
 /// Number of objects that are queried, so that the queries cost no more than the read.
 constexpr DataModel::ObjectId sQueriedObjects = 500;
 constexpr DataModel::LeafLimits sLeafLimits = {.arrayElements = 3, .leaves = 500};
+/// Number of places found by address, for the same reason.
+constexpr std::size_t sFoundPlaces = 2000;
+constexpr std::uint64_t sInitialBytes = 64;
 
 /// True if the argument identifies one or several objects.
 bool IsHandle(std::string_view argument) {
@@ -79,20 +86,124 @@ void QueryObject(const DataModel::Model& model, DataModel::ObjectId id) {
                 model.BaseClasses(id).empty(),
             "classes alone have base classes");
     Require(model.SizeOf(id) == 0 || id <= model.ObjectCount(), "an unknown object has no size");
+    Require(model.PlacedBaseClasses(id).size() <= model.BaseClasses(id).size(),
+            "only base classes are placed");
+    model.ForEachIn(id, [id](const DataModel::ModelObject& inside) {
+        Require(inside.scope == id, "what lies in a scope names it");
+    });
 }
 
-void QueryVariable(const DataModel::Model& model, DataModel::LeafWalk& leaves,
-                   const DataModel::ModelObject& variable) {
-    const std::string name = model.QualifiedName(variable.id);
-    Require(!model.ResolvePaths(name + "[0].a").empty(), "a path has an answer");
-    std::string firstLeaf;
-    leaves.Walk(variable.id, [&](std::string_view path, const DataModel::Model::Place&) {
-        if (firstLeaf.empty()) {
-            firstLeaf = path;
+/// Queries about the variables of a model: paths, leaves, addresses and initial values.
+class VariableQueries {
+public:
+    explicit VariableQueries(const DataModel::Model& model)
+        : mModel(model)
+        , mLeaves(model, sLeafLimits)
+        , mLookup(model)
+        , mDecoder(model) {}
+
+    void Query(const DataModel::ModelObject& variable) {
+        const std::string path = mModel.QualifiedName(variable.id) + "[0].a";
+        RequireAnswers(path, mModel.ResolvePaths(path));
+        QueryFirstLeaf(variable);
+        if (mFoundPlaces < sFoundPlaces) {
+            QueryAddress(variable);
         }
-    });
-    Require(!model.ResolvePaths(firstLeaf).empty(), "a path has an answer");
-}
+    }
+
+private:
+    using Place = DataModel::Model::Place;
+    using PathResults = std::vector<DataModel::Model::PathResult>;
+
+    static void RequireAnswers(std::string_view path, const PathResults& results) {
+        for (const auto& result : results) {
+            Require(result.found == result.problem.empty(), "a path resolves or has a problem");
+            Require(result.found || results.size() == 1, "there is one problem at most");
+            Require(result.found ? result.resolvedLength == path.size()
+                                 : result.resolvedLength <= path.size(),
+                    "a path resolves as a whole");
+        }
+    }
+
+    void QueryFirstLeaf(const DataModel::ModelObject& variable) {
+        std::string firstPath;
+        std::vector<Place> places;
+        const std::uint64_t cutsBefore = Cuts();
+        mLeaves.Walk(variable.id, [&](std::string_view path, const Place& place) {
+            firstPath = places.empty() ? path : firstPath;
+            if (path == firstPath) {
+                places.push_back(place);
+            }
+        });
+        if (places.empty()) {
+            return;
+        }
+        QueryValue(places.front());
+        const PathResults results = mModel.ResolvePaths(firstPath);
+        RequireAnswers(firstPath, results);
+        if (Cuts() == cutsBefore) {
+            RequireKnownPlaces(results, places);
+        }
+    }
+
+    [[nodiscard]] std::uint64_t Cuts() const {
+        const DataModel::LeafCuts& cuts = mLeaves.Cuts();
+        return cuts.arrays + cuts.wholes + (cuts.isExhausted ? 1 : 0);
+    }
+
+    /// Where the path of leaves leads to one of their kind, it is one of them: names that contain
+    /// the separators of paths, and members of one name, may give several leaves the same path.
+    static void RequireKnownPlaces(const PathResults& results, const std::vector<Place>& leaves) {
+        for (const auto& result : results) {
+            const Place& place = result.place;
+            const Place& leaf = leaves.front();
+            if (result.found && place.global == leaf.global && place.type == leaf.type &&
+                place.indexedDimensions == leaf.indexedDimensions) {
+                Require(std::ranges::find(leaves, place.address, &Place::address) != leaves.end(),
+                        "the path of a leaf leads to its address");
+            }
+        }
+    }
+
+    void QueryValue(const Place& place) {
+        using Origin = DataModel::ValueOrigin;
+        const DataModel::PlaceValue value = mDecoder.InitialValue(place);
+        Require(IsUtf8(value.text), "values are UTF-8");
+        const std::uint64_t size = std::min(place.size, sInitialBytes);
+        const std::vector<std::uint8_t> bytes = mModel.InitialBytes(place.address, size);
+        Require(bytes.empty() || bytes.size() == size, "a range has all of its bytes or none");
+        const bool hasNumber = !std::holds_alternative<std::monostate>(value.number);
+        Require(!hasNumber || value.origin != Origin::Unknown, "what is unknown has no value");
+        Require(!hasNumber || place.isBitField || !bytes.empty(), "a value comes from bytes");
+        Require(value.origin != Origin::Cleared ||
+                    std::ranges::count(bytes, 0) == std::ssize(bytes),
+                "what is cleared is zero");
+    }
+
+    void QueryAddress(const DataModel::ModelObject& variable) {
+        const std::uint64_t address = variable.address;
+        const DataModel::ImageSection* const section = mModel.Image().SectionAt(address);
+        Require(section == nullptr || (section->Holds(address) && IsUtf8(section->name)),
+                "a section holds the address that it was found by");
+        const DataModel::ObjectId nearest = mLookup.NearestBefore(address);
+        Require(nearest != 0 && nearest <= variable.id && mModel.Object(nearest).address == address,
+                "the nearest variable is the first at the address");
+        bool isFound = false;
+        for (const DataModel::AddressHit& hit : mLookup.Find(address)) {
+            Require(IsUtf8(hit.path), "paths are UTF-8");
+            Require(hit.offset == address - hit.place.address, "a hit holds the address");
+            isFound |= hit.place.global == variable.id;
+            ++mFoundPlaces;
+        }
+        Require(isFound, "a variable is found by its address");
+    }
+
+    const DataModel::Model& mModel;
+    DataModel::LeafWalk mLeaves;
+    DataModel::AddressLookup mLookup;
+    DataModel::ValueDecoder mDecoder;
+    std::size_t mFoundPlaces = 0;
+};
 
 void Query(const DataModel::Model& model) {
     const DataModel::ObjectId last = std::min(sQueriedObjects, model.ObjectCount());
@@ -104,11 +215,11 @@ void Query(const DataModel::Model& model) {
         Require(model.Object(id).id == 0, "an unknown handle names no object");
         QueryObject(model, id);
     }
-    DataModel::LeafWalk leaves(model, sLeafLimits);
+    VariableQueries variables(model);
     for (DataModel::ObjectId id = 1; id <= last; ++id) {
         if (const DataModel::ModelObject object = model.Object(id);
             object.kind == DataModel::ObjectKind::Global) {
-            QueryVariable(model, leaves, object);
+            variables.Query(object);
         }
     }
 }
