@@ -3,10 +3,10 @@
 
 - the program crashes, a sanitizer reports an error, or the exit status is none that the program documents;
 - a run fails without a message;
-- a run takes more time or memory than its bounds (docs/reliability.md), with the given factors.
+- a run takes more time or memory than its bounds (docs/reliability.md), with the given factors, or waits for ever.
 
 Standard output has a row for each file and one for all of them. What a finding wrote is kept in a folder, in a
-file named after the input, the command and the manner. Exit status 1 if there are findings.
+file named after the input in its folder, the command and the manner. Exit status 1 if there are findings.
 """
 import argparse
 import collections
@@ -31,6 +31,9 @@ BYTES = 256
 SANITIZER_REPORT = re.compile(rb"(AddressSanitizer|LeakSanitizer|ThreadSanitizer|runtime error|Assertion)\b.*")
 POLL_SECONDS = 0.05
 KEPT_BYTES = 1 << 20
+# A run may wait for a disk or for other processes, but not take longer by the clock than this times its bound of
+# processor time, besides a fixed part.
+WAIT_FACTOR = 10
 PAGE = os.sysconf("SC_PAGE_SIZE")
 TICKS = os.sysconf("SC_CLK_TCK")
 
@@ -38,7 +41,7 @@ TICKS = os.sysconf("SC_CLK_TCK")
 class Run:
     """One run of the program: its status, what it took, and what is wrong with it, if anything."""
 
-    def __init__(self, words, size, factors):
+    def __init__(self, words, size, factors, wait):
         self.words = words
         self.written = 0
         self.messages = b""
@@ -48,7 +51,7 @@ class Run:
         self.memory = 0
         child = subprocess.Popen(words, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                  stderr=subprocess.PIPE)
-        self.follow(child, size, factors)
+        self.follow(child, size, factors, wait)
         _, status, usage = os.wait4(child.pid, 0)
         child.returncode = self.status = os.waitstatus_to_exitcode(status)
         self.seconds = usage.ru_utime + usage.ru_stime
@@ -59,18 +62,19 @@ class Run:
         count = size + self.written
         return (factors[0] * (FIXED_SECONDS + SECONDS * count), factors[1] * (FIXED_BYTES + BYTES * count))
 
-    def follow(self, child, size, factors):
+    def follow(self, child, size, factors, wait):
         """Reads what the program writes until it ends, and ends it where it passes its bounds."""
         with selectors.DefaultSelector() as pipes:
             for pipe in (child.stdout, child.stderr):
                 pipes.register(pipe, selectors.EVENT_READ)
-            checked = time.monotonic()
+            started = checked = time.monotonic()
             while pipes.get_map():
                 for key, _ in pipes.select(POLL_SECONDS):
                     self.take(child, pipes, key.fileobj)
                 if time.monotonic() - checked > POLL_SECONDS:
-                    self.check(child, size, factors)
                     checked = time.monotonic()
+                    self.check(child, size, factors)
+                    self.check_wait(child, checked - started, wait + WAIT_FACTOR * self.bounds(size, factors)[0])
 
     def take(self, child, pipes, pipe):
         block = pipe.read1(1 << 16)
@@ -93,6 +97,11 @@ class Run:
         limits = self.bounds(size, factors)
         if not self.finding and (seconds > limits[0] or memory > limits[1]):
             self.finding = f"ended after {seconds:.1f} s with {memory / 1e6:.0f} MB: above its bounds"
+            child.kill()
+
+    def check_wait(self, child, waited, limit):
+        if not self.finding and waited > limit:
+            self.finding = f"ended after waiting {waited:.0f} s"
             child.kill()
 
     def judge(self, size, factors):
@@ -143,16 +152,16 @@ HEAD = ["File", "Files", "MB", *(f"{what}, {manner}" for manner in MANNERS for w
         "Worst ms/MB", "Most MB", "Findings"]
 
 
-def keep(folder, path, command, manner, run):
+def keep(folder, name, command, manner, run):
     folder.mkdir(parents=True, exist_ok=True)
-    kept = folder / f"{path.name}.{command}.{manner}.txt"
+    kept = folder / f"{name.replace(os.sep, '_')}.{command}.{manner}.txt"
     text = f"{' '.join(map(str, run.words))}\nstatus {run.status}: {run.finding}\n".encode()
     kept.write_bytes(text + run.messages + run.output[:1000])
-    print(f"corpus: {path.name}: {command}, {manner} reading: {run.finding}; see {kept}", file=sys.stderr,
+    print(f"corpus: {name}: {command}, {manner} reading: {run.finding}; see {kept}", file=sys.stderr,
           flush=True)
 
 
-def read(path, arguments):
+def read(path, name, arguments):
     """Runs every command over one file in both manners. The file counts as read if `dump` succeeds: other
     commands fail too if they find nothing to list."""
     result = Result()
@@ -163,7 +172,7 @@ def read(path, arguments):
             words = [arguments.program, command, "--no-progress", *options, path]
             if command == "report":
                 words += ["--output", "-"]
-            run = Run(words, result.bytes, (arguments.time_factor, arguments.memory_factor))
+            run = Run(words, result.bytes, (arguments.time_factor, arguments.memory_factor), arguments.wait)
             # The start of the program doesn't count for a small file.
             megabytes = max((result.bytes + run.written) / 1e6, 1.0)
             result.milliseconds = max(result.milliseconds, run.seconds * 1e3 / megabytes)
@@ -172,16 +181,26 @@ def read(path, arguments):
                 result.read[manner] = int(run.status == 0)
             if run.finding:
                 result.findings += 1
-                keep(arguments.keep, path, command, manner, run)
+                keep(arguments.keep, name, command, manner, run)
     return result
 
 
 def files_of(paths):
+    """Each file, and its name in the folder that was given."""
     for path in paths:
         if path.is_dir():
-            yield from sorted(each for each in path.rglob("*") if each.is_file())
+            yield from ((each, each.relative_to(path)) for each in sorted(path.rglob("*")) if each.is_file())
         else:
-            yield path
+            yield path, path.name
+
+
+def named_files(paths):
+    """Each file, and a name that no other file has, also where it stands for a path in a file's name."""
+    seen = collections.Counter()
+    for path, name in files_of(paths):
+        key = str(name).replace(os.sep, "_")
+        seen[key] += 1
+        yield path, str(name) if seen[key] == 1 else f"{name} ({seen[key]})"
 
 
 def main():
@@ -194,14 +213,17 @@ def main():
     parser.add_argument("--memory-factor", type=float, default=8,
                         help="times the bound of memory (default: 8, since the address sanitizer keeps up to "
                              "256 MB of freed memory)")
+    parser.add_argument("--wait", type=float, default=60,
+                        help=f"seconds that a run may take by the clock, besides {WAIT_FACTOR} times its bound of "
+                             "processor time (default: 60)")
     parser.add_argument("--keep", type=pathlib.Path, default=pathlib.Path("corpus-findings"),
                         help="folder for what findings wrote (default: corpus-findings)")
     arguments = parser.parse_args()
     total = Result()
     print("| " + " | ".join(HEAD) + " |\n|" + "---|" * len(HEAD))
-    for path in files_of(arguments.paths):
-        result = read(path, arguments)
-        print(result.row(path.name), flush=True)
+    for path, name in named_files(arguments.paths):
+        result = read(path, name, arguments)
+        print(result.row(name), flush=True)
         total.add(result)
     print(total.row("all"))
     return 1 if total.findings or not total.files else 0

@@ -9,6 +9,7 @@ the sample images.
 import os
 import pathlib
 import subprocess
+import sys
 import tempfile
 import unittest
 
@@ -22,6 +23,13 @@ class CorpusTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
+
+    def script(self, body):
+        """A program that does this for the command `types` alone."""
+        program = self.folder / "program"
+        program.write_text(f"#!/bin/sh\n[ $1 != types ] || {{ {body}; }}\n")
+        program.chmod(0o755)
+        return program
 
     def corpus(self, program, path, *options):
         """Exit status, cells of each row after the head, and messages."""
@@ -49,19 +57,32 @@ class CorpusTest(unittest.TestCase):
             ["all", "4", "2", "2", "1", "3", "0"]])
 
     def test_each_kind_of_finding(self):
-        for body, text in [("kill -SEGV $$", "ended with -11"),
-                           ("exit 1", "failed without a message"),
-                           ("exit 3", "ended with 3"),
-                           ("echo 'x.cpp:1: runtime error: shift' >&2; exit 1", "runtime error: shift"),
-                           ("while :; do :; done", "above its bounds")]:
+        short = ["--time-factor", "0.2"]
+        for body, text, options in [
+                ("kill -SEGV $$", "ended with -11", short),
+                ("exit 1", "failed without a message", short),
+                ("exit 3", "ended with 3", short),
+                ("echo 'x.cpp:1: runtime error: shift' >&2; exit 1", "runtime error: shift", short),
+                ("while :; do :; done", "above its bounds", short),
+                (f"exec {sys.executable} -c 'len(b\"x\" * (100 << 20))'", "MB: above its bound",
+                 ["--memory-factor", "1"]),
+                ("exec sleep 600", "ended after waiting", [*short, "--wait", "1"])]:
             with self.subTest(body=body):
-                program = self.folder / "program"
-                program.write_text(f"#!/bin/sh\n[ $1 != types ] || {{ {body}; }}\n")
-                program.chmod(0o755)
-                status, rows, messages = self.corpus(program, SCRIPT, "--time-factor", "0.2")
+                status, rows, messages = self.corpus(self.script(body), SCRIPT, *options)
                 self.assertEqual((status, rows[-1][-1]), (1, "2"))
-                self.assertIn(f"types, classic reading: {text}" if "bounds" not in text else text, messages)
+                self.assertIn(f"types, classic reading: {text}" if "above" not in text else text, messages)
                 self.assertIn("status", (self.folder / "kept" / "corpus.sh.types.full.txt").read_text())
+
+    def test_files_of_one_name_keep_a_finding_each(self):
+        files = self.folder / "files"
+        for name in ("one/motor.elf", "two/motor.elf", "two_motor.elf"):
+            (files / name).parent.mkdir(parents=True, exist_ok=True)
+            (files / name).write_text(name)
+        _, rows, _ = self.corpus(self.script("exit 3"), files)
+        self.assertEqual([row[0] for row in rows], ["one/motor.elf", "two/motor.elf", "two_motor.elf (2)", "all"])
+        for name, path in [("one_motor.elf", "one/motor.elf"), ("two_motor.elf", "two/motor.elf"),
+                           ("two_motor.elf (2)", "two_motor.elf")]:
+            self.assertIn(f"{files / path}\n", (self.folder / "kept" / f"{name}.types.full.txt").read_text())
 
 
 if __name__ == "__main__":
