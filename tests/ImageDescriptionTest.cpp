@@ -128,6 +128,19 @@ TEST_F(ImageDescriptionTest, AFileThatChangedItsLengthGivesNoBytes) {
     EXPECT_THAT(BytesAt(run, "machine_word"), IsEmpty());
 }
 
+TEST_F(ImageDescriptionTest, AFileThatIsCutGivesNoMoreBytes) {
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("image.elf");
+    std::filesystem::copy_file(BRINDLE_SAMPLE_IMAGES "/arm-c-dwarf4-O0.elf", path);
+    const ReadRun run = ReadFile(path);
+    // What follows in the file is kept; `sine` comes before it.
+    EXPECT_EQ(BytesAt(run, "machine_word"), (Bytes{6, 0, 0, 0}));
+    std::filesystem::resize_file(path, 100);
+    EXPECT_EQ(BytesAt(run, "machine_word"), (Bytes{6, 0, 0, 0}));
+    EXPECT_THAT(BytesAt(run, "sine"), IsEmpty());
+    EXPECT_THAT(BytesAt(run, "machine_word"), IsEmpty());
+}
+
 TEST_F(ImageDescriptionTest, ARelocatableFileHasNoSectionsInMemory) {
     const ReadRun run = ReadSample("arm-c-dwarf4-O2-object.o");
     EXPECT_FALSE(run.model->Image().isLinked);

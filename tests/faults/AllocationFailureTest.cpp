@@ -151,10 +151,20 @@ TEST_F(AllocationFailureTest, EachWithDemangledNamesLogAndDumps) {
     FailAllocations(mFolder.Write("image.elf", ImageOfEverything()), Successor);
 }
 
+std::size_t FartherSuccessor(std::size_t number) {
+    return number + 1 + number / 20;
+}
+
 TEST_F(AllocationFailureTest, SomeOfEachSampleImage) {
     for (const char* image : {"arm-cpp-dwarf4-O2.elf", "x86_64-clang-c-dwarf4-O2.elf"}) {
-        FailAllocations(std::string(BRINDLE_SAMPLE_IMAGES "/") + image,
-                        [](std::size_t number) { return number + 1 + number / 20; });
+        FailAllocations(std::string(BRINDLE_SAMPLE_IMAGES "/") + image, FartherSuccessor);
+    }
+}
+
+TEST_F(AllocationFailureTest, SomeOfTypeUnitsAndOfAbstractOrigins) {
+    VElfOptions::mIsFullReading = 1;
+    for (const char* image : {"arm-cpp-types-dwarf5.elf", "x86_64-clang-cpp-lto.elf"}) {
+        FailAllocations(std::string(BRINDLE_SAMPLE_IMAGES "/full/") + image, FartherSuccessor);
     }
 }
 

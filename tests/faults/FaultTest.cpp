@@ -90,12 +90,12 @@ std::string CoffImageOfEverything() {
     return (CoffImage() + SectionsOfEverything(0)).Build();
 }
 
-std::string ModernImageOfEverything() {
+std::string ModernImageOfEverything(std::size_t padding) {
     const DieLabel integer, motor;
     DwarfSections sections;
     // One entry for the addresses 0 to 4, of an expression of 5 bytes, and the end of the list.
     sections.RawLocationLists(std::string("\4\0\4\5\3\0\x23\0\0\0", 10));
-    sections.ModernUnit(TypesUnit(integer, motor, 0)).ModernUnit(UseUnit(integer, motor));
+    sections.ModernUnit(TypesUnit(integer, motor, padding)).ModernUnit(UseUnit(integer, motor));
     return (ElfImageOfSymbols() + sections).Build();
 }
 

@@ -28,7 +28,7 @@ std::string WindowsImageOfEverything(std::size_t padding = 0);
 /// The same in a COFF file, which has no symbols that a read uses.
 std::string CoffImageOfEverything();
 /// The ELF image as a compiler for DWARF 5 writes it. Only the full manner reads it.
-std::string ModernImageOfEverything();
+std::string ModernImageOfEverything(std::size_t padding = 0);
 
 /// How one read ended.
 struct FaultOutcome {

@@ -76,15 +76,20 @@ private:
 };
 
 TEST_F(HostExceptionTest, FromEachCallOfTheDataModel) {
-    const std::string path = mFolder.Write("image.elf", ImageOfEverything());
-    DataModel::Model before;
-    Read(before, path);
     VElfOptions::mIsLogFile = 1;
     VElfOptions::mDumpProducerInfoFileName = mFolder.Path("producers.txt");
-    EXPECT_GT(ThrowAtEach(path, [this](const DataModel::RecordedCall&) { Count(); }), 50);
-    DataModel::Model after;
-    EXPECT_TRUE(Read(after, path).result);
-    EXPECT_EQ(Variables(after), Variables(before));
+    for (const bool isFull : {false, true}) {
+        VElfOptions::mIsFullReading = isFull ? 1 : 0;
+        const std::string path =
+            mFolder.Write("image.elf", isFull ? ModernImageOfEverything() : ImageOfEverything());
+        DataModel::Model before;
+        ASSERT_TRUE(Read(before, path).result);
+        mFatalCall = 0;
+        EXPECT_GT(ThrowAtEach(path, [this](const DataModel::RecordedCall&) { Count(); }), 50);
+        DataModel::Model after;
+        EXPECT_TRUE(Read(after, path).result);
+        EXPECT_EQ(Variables(after), Variables(before));
+    }
 }
 
 TEST_F(HostExceptionTest, FromEachCallbackOfAGoodAndAFailedRead) {

@@ -1,12 +1,12 @@
 // Files that can't be read or end while they are read: each gives the documented error, and no
 // address that isn't in the file. PosixFaultsTest.cpp has what only some systems can do.
+#include "core/VElfOptions.h"
 #include "faults/FaultTest.h"
 #include "model/RecordedCall.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <utility>
 
 namespace Tessel::Norn::Brindle::Tests {
 namespace {
@@ -67,9 +67,15 @@ TEST_F(SystemFaultsTest, EveryTruncatedFileIsRefused) {
 
 TEST_F(SystemFaultsTest, FileThatShrinksDuringTheRead) {
     constexpr std::size_t padding = 20'000;
-    for (const auto& [name, content] :
-         {std::pair{"image.elf", ImageOfEverything(padding)},
-          std::pair{"image.exe", WindowsImageOfEverything(padding)}}) {
+    const struct {
+        const char* name;
+        std::string content;
+        bool isFull;
+    } images[] = {{"image.elf", ImageOfEverything(padding), false},
+                  {"image.exe", WindowsImageOfEverything(padding), false},
+                  {"modern.elf", ModernImageOfEverything(padding), true}};
+    for (const auto& [name, content, isFull] : images) {
+        Reader::DWARF::VElfOptions::mIsFullReading = isFull ? 1 : 0;
         DataModel::Model whole;
         const std::string path = mFolder.Write(name, content);
         ASSERT_TRUE(FaultTest::Read(whole, path).result);

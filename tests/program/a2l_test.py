@@ -232,8 +232,9 @@ class UpdateTest(A2lTest):
         self.file("part.a2l", measurement("machine_word", 0))
         self.file("long.a2l", measurement("machine_word", 0) + "/* " + "x" * 9000 + " */")
         self.file("old.html", "older")
+        self.file("old.csv", "older")
         before = {path.name: path.read_bytes() for path in self.folder.iterdir()}
-        for arguments in (["a2l", "update", "--in-place", "main.a2l", IMAGE],
+        for arguments in (["a2l", "update", "--in-place", "--report", "old.csv", "main.a2l", IMAGE],
                           ["a2l", "update", "-o", "new.a2l", "long.a2l", IMAGE],
                           ["a2l", "update", "-o", "part.a2l", "long.a2l", IMAGE],
                           ["a2l", "export", "-o", "new.a2l", IMAGE],
