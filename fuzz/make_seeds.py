@@ -16,6 +16,8 @@ SECTIONS = [".debug_info", ".debug_abbrev", ".debug_str", ".debug_loc", ".symtab
             ".debug_types", ".debug_line_str", ".debug_str_offsets", ".debug_addr", ".debug_loclists"]
 TABLES = SECTIONS[7:]
 ENTRY_BYTES = 14
+# Machine, byte order, version and format of a tree, as the first byte of an input names them.
+TARGETS = [0, 1, 2, 4, 8, 9, 11, 0x20, 0x28, 0x40, 0x43, 0x60, 0x81, 0x89]
 
 # Choices that matter, with their purpose: all types with a search for damaged units; demangled symbol
 # names; symbols of no type; log and dumps; the full manner of reading.
@@ -28,9 +30,14 @@ CHOICES = [
 ]
 FULL = CHOICES[-1]
 
-# Images with type units, index tables of texts and addresses, references by signature, and other languages.
+# Images with type units, index tables of texts and addresses, references by signature, other languages,
+# units whose entries are elsewhere, and 64-bit DWARF.
 MODERN = ["arm-c-types-dwarf5", "arm-cpp-types-dwarf4", "x86_64-clang-device-O2", "x86_64-clang-cpp-lto",
-          "x86_64-rust", "x86_64-ada", "x86_64-fortran"]
+          "x86_64-rust", "x86_64-ada", "x86_64-fortran", "arm-c-split", "x86_64-clang-cpp-split", "arm-c-dwarf64"]
+
+# Sections of an image, and names that the reader only reports.
+RENAMED = [(b".debug_aranges", b".zdebug_str"), (b".debug_str", b".debug_sup"),
+           (b".debug_gnu_pubnames", b".gnu_debugaltlink")]
 
 DEMANGLER = """
 _ZN5plant6Device6sCountE _ZN1aIiE1bE _ZNK3ns18Outer5InnerIcLi3EE4nameE _ZN12_GLOBAL__N_13fooE _ZL4gMax
@@ -67,6 +74,18 @@ A2L = [
 REPORT = [(0, b"ns</script>"), (7, b"a<!--"), (2, b"T<int>"), (3, b"m\\\"\n"), (7, b"--><script>"), (1, b"u.c"),
           (4, b"\xe2\x80\xa8"), (7, b"\xff\xfe"), (5, b".data\0"), (6, b"can't read '</SCRIPT'"), (7, b"")]
 
+# int a; struct T { int a : 5; int b : 11; int c; } b; each line has the arguments of `entry`.
+SIBLING, PARENT, LAST = 0, 1, 2
+BIT_FIELDS = [
+    (SIBLING, 0, [0, 2, 7], 0, 6, 0, 4),
+    (SIBLING, 0, [0, 2, 7], 1, 2, 0, 12),
+    (PARENT, 1, [0, 4], 3, 0, 8),
+    (SIBLING, 2, [0, 2, 5, 6, 8], 0, 6, 4),
+    (SIBLING, 2, [0, 2, 5, 6, 8], 1, 6, 0x0A0A),
+    (LAST, 2, [0, 2, 8], 2, 6, 4),
+    (SIBLING, 3, [0, 4, 14], 15, 0, 0),
+]
+
 LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "117f", "034000000023 10",
              "0340000000 0804 22", "0340000000 0804 1c", "0340000000 9d 03 05", "9100", "2304", "50", "9f"]
 
@@ -94,6 +113,10 @@ class Elf:
         else:
             name, kind, _, _, offset, size = struct.unpack_from(self.order + "IIIIII", data, position)
         return name, b"" if kind == 8 else data[offset:offset + size]
+
+    def has_wide_units(self):
+        """Its units are in 64-bit DWARF."""
+        return self.sections.get(".debug_info", b"").startswith(b"\xff\xff\xff\xff")
 
     def units(self):
         info = self.sections.get(".debug_info", b"")
@@ -149,6 +172,12 @@ def one_unit(elf, unit, strings):
     return contents
 
 
+def entry(structure, tag, attributes, name, kind=0, number=0, location=0):
+    """An entry as the inputs of trees describe it; the attributes by their bits."""
+    bits = sum(1 << attribute for attribute in attributes)
+    return struct.pack("<BBHBHHHBBB", structure, tag, bits, name, kind, 0, number, location, 0, 0)
+
+
 class Seeds:
     def __init__(self, folder):
         self.folder = folder
@@ -167,8 +196,16 @@ class Seeds:
                 head = bytes([CONTAINERS[container]]) + choices[1:]
                 for target in ("read", "memory") if index == 0 else ("read",):
                     self.add(target, f"{path.name}-{index}", head + data)
-            if is_elf:
+            if is_elf and not Elf(data).has_wide_units():
                 self.sections(path.name, Elf(data))
+
+    def unreadable(self, path):
+        """The image as a relocatable one, and with compressed sections or names in another file."""
+        data = path.read_bytes()
+        self.add("read", f"{path.name}-relocatable", FULL + data[:16] + b"\1" + data[17:])
+        for index, (old, new) in enumerate(RENAMED):
+            content = data.replace(old + b"\0", new.ljust(len(old) + 1, b"\0"))
+            self.add("read", f"{path.name}-renamed-{index}", FULL + content)
 
     def sections(self, name, elf):
         for index, unit in enumerate(elf.units()):
@@ -187,10 +224,15 @@ class Seeds:
         numbers = random.Random(1)
         for index in range(count):
             size = ENTRY_BYTES * numbers.choice([4, 10, 30, 80])
-            target = bytes([numbers.choice([0, 1, 2, 4, 8, 11, 0x20, 0x28, 0x40, 0x43, 0x60])])
-            content = CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size)
-            for name in ("entries", "manners", "versions"):
-                self.add(name, f"random-{index}", content)
+            target = bytes([numbers.choice(TARGETS)])
+            self.tree(f"random-{index}", CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size))
+        for target in TARGETS:
+            content = b"".join(entry(*each) for each in BIT_FIELDS)
+            self.tree(f"bits-{target}", CHOICES[0] + bytes([target]) + content)
+
+    def tree(self, name, content):
+        for target in ("entries", "manners", "versions"):
+            self.add(target, name, content)
 
     def texts(self):
         for index, name in enumerate(DEMANGLER):
@@ -228,6 +270,7 @@ def main():
     images = sorted((ROOT / "tests" / "samples" / "images").glob("*.*"))
     seeds.images([path for path in images if path.stat().st_size < 40000], CHOICES)
     seeds.images([ROOT / "tests" / "samples" / "images" / "full" / f"{name}.elf" for name in MODERN], [FULL])
+    seeds.unreadable(ROOT / "tests" / "samples" / "images" / "full" / "arm-c-split.elf")
     seeds.entries(60)
     seeds.texts()
 

@@ -201,8 +201,7 @@ Record Plain(Record record) {
     if (std::ranges::find(sTagsOfOneManner, record.tag) != std::end(sTagsOfOneManner)) {
         record.tag = DW_TAG_pointer_type;
     }
-    record.attributes &= ~sHasBitField;
-    record.forms &= static_cast<std::uint8_t>(~sOriginForm);
+    record.forms &= static_cast<std::uint8_t>(~sOriginForm & ~sDataBitForm);
     if (record.location % sLocationChoices == sLocationListChoice ||
         record.location % sLocationChoices == sBitPieceChoice) {
         record.attributes &= ~sHasLocation;
@@ -233,6 +232,56 @@ Record Plain(Record record) {
     return record;
 }
 
+/// For each record the number of its unit.
+std::vector<std::size_t> UnitsOf(const std::vector<Record>& records) {
+    std::vector<std::size_t> units;
+    std::size_t unit = 0;
+    for (const Record& record : records) {
+        units.push_back(unit);
+        unit += record.structure == Structure::LastUnit ? 1 : 0;
+    }
+    return units;
+}
+
+/// For each record the tag of the entry around it; 0 for an entry around which there is none.
+std::vector<dwarf_tag> TagsAround(const std::vector<Record>& records) {
+    std::vector<dwarf_tag> tags;
+    std::vector<dwarf_tag> around = {0};
+    for (const Record& record : records) {
+        tags.push_back(around.back());
+        if (record.structure == Structure::Parent) {
+            around.push_back(record.tag);
+        } else if (record.structure == Structure::LastUnit) {
+            around.resize(1);
+        } else if (record.structure == Structure::LastChild && around.size() > 1) {
+            around.pop_back();
+        }
+    }
+    return tags;
+}
+
+/// Makes bit fields of a base type that lie within its bytes, directly in a structure; of other
+/// bit fields whole members.
+void PlaceBitFields(std::vector<Record>& records) {
+    const std::vector<dwarf_tag> around = TagsAround(records);
+    for (std::size_t index = 0; index < records.size(); ++index) {
+        Record& record = records[index];
+        const Record& type = records[record.type % records.size()];
+        const bool isInStructure =
+            around[index] == DW_TAG_structure_type || around[index] == DW_TAG_class_type;
+        if (record.tag != DW_TAG_member || !isInStructure || type.tag != DW_TAG_base_type ||
+            (record.attributes & sHasType) == 0 ||
+            (record.attributes & sHasBitField) != sHasBitField) {
+            record.attributes &= ~sHasBitField;
+            continue;
+        }
+        record.attributes &= ~(sHasByteSize | sHasSpecification);
+        const std::uint64_t bits = type.number * 8;
+        const std::uint64_t width = 1 + record.number % bits;
+        record.number = record.number / 256 % (bits - width + 1) * 256 + width;
+    }
+}
+
 /// The first record from an index on that an entry could complete: one of its tag with a name.
 std::optional<std::uint32_t> Completable(const std::vector<Record>& records, const Record& record) {
     for (std::size_t step = 0; step < records.size(); ++step) {
@@ -254,14 +303,19 @@ bool CompletesVariable(const Record& record) {
 /// has a place of its own: of several at one address, the manners keep different ones. It is no
 /// type, as only damaged files have it: the full reading knows its size. That other variable
 /// completes none.
-std::vector<Record> Plain(std::vector<Record> records) {
+/// @param isWithinUnits no entry refers to one in another unit
+std::vector<Record> Plain(std::vector<Record> records, bool isWithinUnits) {
     for (Record& record : records) {
         record = Plain(record);
     }
+    PlaceBitFields(records);
+    const std::vector<std::size_t> units = UnitsOf(records);
     std::uint64_t place = sPlace;
-    for (Record& record : records) {
+    for (std::size_t index = 0; index < records.size(); ++index) {
+        Record& record = records[index];
         place += sBytesOfPlace;
-        if (const auto completed = Completable(records, record)) {
+        const auto completed = Completable(records, record);
+        if (completed && (!isWithinUnits || units[*completed] == units[index])) {
             record.specification = *completed;
         } else {
             record.attributes &= ~sHasSpecification;
@@ -276,8 +330,10 @@ std::vector<Record> Plain(std::vector<Record> records) {
             records[record.specification].attributes &= ~sHasSpecification;
         }
     }
-    for (Record& record : records) {
-        if (CompletesVariable(records[record.type % records.size()])) {
+    for (std::size_t index = 0; index < records.size(); ++index) {
+        Record& record = records[index];
+        const std::size_t type = record.type % records.size();
+        if (CompletesVariable(records[type]) || (isWithinUnits && units[type] != units[index])) {
             record.attributes &= ~sHasType;
         }
     }
@@ -290,8 +346,10 @@ constexpr dwarf_tag sTagsOfTypeUnits[] = {DW_TAG_structure_type, DW_TAG_class_ty
 class TreeBuilder {
 public:
     /// @param hasTypeUnits units that begin with a type are type units
-    TreeBuilder(std::vector<Record> records, bool hasTypeUnits)
-        : mRecords(std::move(records)) {
+    /// @param isWithinUnits no entry refers to one in another unit
+    TreeBuilder(std::vector<Record> records, bool hasTypeUnits, bool isWithinUnits)
+        : mRecords(std::move(records))
+        , mIsWithinUnits(isWithinUnits) {
         std::size_t units = 0;
         bool isFirst = true;
         bool isTypeUnit = false;
@@ -351,7 +409,8 @@ private:
         const std::size_t typeUnit = mTypeUnits[target];
         if (typeUnit == mTypeUnits[from]) {
             // References into other units need the form that counts from the section's start.
-            return Reference(attribute, typeUnit != 0 ? DW_FORM_ref4 : DW_FORM_ref_addr,
+            const bool isWithinUnit = mIsWithinUnits || typeUnit != 0;
+            return Reference(attribute, isWithinUnit ? DW_FORM_ref4 : DW_FORM_ref_addr,
                              mRecords[target].label);
         }
         if (typeUnit == 0) {
@@ -415,6 +474,7 @@ private:
     }
 
     std::vector<Record> mRecords;
+    bool mIsWithinUnits;
     /// For each record the number of its type unit, from 1; 0 in other units.
     std::vector<std::size_t> mTypeUnits;
     std::size_t mNext = 0;
@@ -449,6 +509,8 @@ struct Target {
     bool is64Bit;
     ByteOrder byteOrder;
     bool hasTypeUnits = false;
+    /// No entry refers to one in another unit.
+    bool isWithinUnits = false;
     /// Units are written as DWARF 5.
     bool isModern = false;
     /// Without entries.
@@ -458,7 +520,7 @@ struct Target {
 /// Writes the units of a tree, each by `write`.
 DwarfSections SectionsOf(const Target& target, const std::vector<Record>& records,
                          void (*write)(DwarfSections&, const DwarfUnit&)) {
-    TreeBuilder tree(records, target.hasTypeUnits);
+    TreeBuilder tree(records, target.hasTypeUnits, target.isWithinUnits);
     DwarfSections sections(target.byteOrder);
     // Last, where a section of their own would put them.
     std::vector<DwarfUnit> typeUnits;
@@ -505,10 +567,11 @@ std::string ImageOfEntries(InputBytes& input) {
 
 std::string ImageOfPlainEntries(InputBytes& input) {
     Target target(input.Byte());
-    // Elsewhere the manners differ in the width of a reference between units.
-    target.unit.is64BitDwarf = target.is64Bit;
+    // There the manners differ in the width of a reference between units.
+    target.isWithinUnits = target.is64Bit && !target.unit.is64BitDwarf && target.unit.version >= 3;
     target.hasTypeUnits = false;
-    return (target.Image() + SectionsOf(target, Plain(TakeRecords(input)), WriteUnit)).Build();
+    const std::vector<Record> records = Plain(TakeRecords(input), target.isWithinUnits);
+    return (target.Image() + SectionsOf(target, records, WriteUnit)).Build();
 }
 
 std::pair<std::string, std::string> ImagesOfVersions(InputBytes& input) {
