@@ -228,6 +228,10 @@ void ImagePack::AddSections() {
 }
 
 std::uint32_t ImagePack::ScopeText(const ModelObject& variable) {
+    if (variable.name.empty()) {
+        // Nor has it a qualified name, which would tell the scope: the next variable does.
+        return mTexts.NumberOf({});
+    }
     const auto [known, isNew] = mScopeTexts.try_emplace(variable.scope, 0);
     if (isNew) {
         // Not just the name of the scope: a compile unit adds nothing to the names in it.

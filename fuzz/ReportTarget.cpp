@@ -53,9 +53,14 @@ public:
             return;
         case 2:
             mType = mModel.CreateClassEntryType(name, 8, mScope, {}, false, true);
+            mNames.insert(mModel.TypeText(mType));
             return;
         case 3:
             mModel.CreateMemberData(name, 2, mType, mAddress % 8, 0, false);
+            // What a class has without a name is no member; any other type has none.
+            if (!name.empty() && mModel.Object(mType).kind == DataModel::ObjectKind::Struct) {
+                mNames.insert(name);
+            }
             return;
         case 4:
             mType = mModel.CreateEnumTable(name, 2, mScope, false);
@@ -69,6 +74,11 @@ public:
             return;
         default:
             mModel.CreateGlobalData(name, mType, mAddress, mScope, true, 0, false);
+            // Namespaces and compile units are on the page for what they contain.
+            const std::string_view scope = mModel.Object(mScope).name;
+            if (!name.empty() && !scope.empty()) {
+                mNames.emplace(scope);
+            }
         }
         mNames.insert(name);
     }
