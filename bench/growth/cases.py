@@ -891,6 +891,32 @@ def overlapping_text_tables(n):
     return image
 
 
+def overlapping_address_tables(n):
+    """The same for tables of addresses."""
+    image = Image()
+    for index in range(n):
+        image.addresses += struct.pack("<I", 0x1000 + 4 * index)
+        image.begin_modern_unit(addresses_base=8 + 4 * index)
+        integer = image.entry("base", name="int", size=4, encoding=5)
+        image.entry("variable", name="v", type=integer, indexed_address=(n - 1 - index) // 2)
+        image.end_unit()
+    return image
+
+
+def overlapping_list_tables(n):
+    """The same for tables of location lists. What a table holds counts from its start, so that the last
+    number of all tables leads each unit to a list of its own."""
+    image = Image()
+    image.location_lists += struct.pack("<I", 8 * n) * (2 * n)
+    for index in range(n):
+        image.location_lists += b"\5\5\3" + struct.pack("<I", 0x1000 + 4 * index) + b"\0"
+        image.begin_modern_unit(lists_base=8 * index)
+        integer = image.entry("base", name="int", size=4, encoding=5)
+        image.entry("variable", name="v", type=integer, indexed_list=2 * (n - index) - 1)
+        image.end_unit()
+    return image
+
+
 def location_lists_without_end(n):
     """One list that only the section ends; each of n variables begins one entry further."""
     image = Image()
@@ -959,14 +985,16 @@ SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymo
          "codes_of_one_bucket": 12_500, "abbreviation_offsets_of_one_bucket": 12_500,
          "addresses_of_one_bucket": 6_250, "signatures_of_one_bucket": 12_500,
          "doubling_anonymous_structures_in_full": 20_000, "damaged_units_in_full": 20_000, "type_units": MILLION,
-         "circle_of_signatures": MILLION, "units_of_one_signature": MILLION}
+         "circle_of_signatures": MILLION, "units_of_one_signature": MILLION,
+         "members_of_anonymous_structures_in_full": MILLION}
 FULL = ["mIsFullReading=1"]
 OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "type_units": FULL, "circle_of_signatures": FULL, "indices_of_one_long_text": FULL,
            "variables_of_one_long_list": FULL, "signatures_of_one_bucket": FULL, "origin_chain": FULL,
            "origin_circle": FULL, "anonymous_structures_of_one_type": FULL,
            "deep_anonymous_structures_in_full": FULL, "doubling_anonymous_structures_in_full": FULL,
-           "units_of_one_signature": FULL, "overlapping_text_tables": FULL, "location_lists_without_end": FULL,
+           "units_of_one_signature": FULL, "overlapping_text_tables": FULL,
+           "overlapping_address_tables": FULL, "overlapping_list_tables": FULL, "location_lists_without_end": FULL,
            "old_location_lists_without_end": FULL, "circle_of_imported_units": FULL,
            "members_of_anonymous_structures_in_full": FULL,
            "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
@@ -976,14 +1004,71 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
 HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "structures_of_suffixes", "long_array", "nested",
-           "chain", "fan", "many", "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "origins", "all_cases"}
+           "chain", "fan", "many", "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "origins",
+           "all_cases"}
+
+
+# The part of the reader that a case strains. The measurements have a table for each.
+SUBSYSTEMS = {
+    "Containers and symbols": """
+        coff_sections_of_one_long_name coff_symbols_of_one_name extern_variable_among_symbols_of_suffixes
+        extern_variables extern_variables_among_symbols_of_one_name extern_variables_of_one_name
+        mangled_symbols_of_suffixes pe_sections_of_one_long_name pe_symbols_of_one_name pe_symbols_of_suffixes
+        symbols_of_one_address symbols_of_one_long_name symbols_of_one_name symbols_of_suffixes
+        variables_among_symbols_of_one_address
+    """.split(),
+    "Units and their tables": """
+        abbreviation_offsets_of_one_bucket circle_of_imported_units circle_of_signatures codes_of_one_bucket
+        damaged_units damaged_units_in_full empty_units indices_of_one_long_text overlapping_address_tables
+        overlapping_list_tables overlapping_text_tables signatures_of_one_bucket type_units units_of_one_name
+        units_of_one_signature
+    """.split(),
+    "Entries": """
+        bases_fan deep_blocks deep_namespaces deep_namespaces_with_variables deep_structures dimensions_fan
+        enumerators_fan least_bit_fields least_inner_classes least_members least_structures least_variables
+        members_fan parameters_fan
+    """.split(),
+    "Locations": """
+        addresses_of_one_bucket location_lists_without_end old_location_lists_without_end one_location_list
+        variables_of_one_address variables_of_one_long_list variables_of_one_name_and_address
+    """.split(),
+    "Chains and circles": """
+        const_chain const_circle inheritance_chain origin_chain origin_circle pointer_chain pointer_circle
+        specification_chain specification_fan structure_circle typedef_chain typedef_circle
+    """.split(),
+    "Anonymous types": """
+        anonymous_members_of_a_wide_structure anonymous_structures anonymous_structures_of_one_type
+        deep_anonymous_structures deep_anonymous_structures_in_full doubling_anonymous_structures
+        doubling_anonymous_structures_in_full members_of_anonymous_structures
+        members_of_anonymous_structures_in_full
+    """.split(),
+    "Names and texts": """
+        deeply_mangled_names itanium_names_of_many_parts itanium_names_of_suffixes linkage_names_of_suffixes
+        mangled_names_of_suffixes names_of_suffixes one_long_text
+    """.split(),
+    "Types and objects of one name": """
+        declarations_of_one_name different_structures_of_one_name functions_of_one_name
+        functions_of_one_name_external members_of_one_name namespaces_of_one_name structures_of_one_name
+        typedefs_of_one_name variables_of_one_name
+    """.split(),
+    "Texts and sizes of types": """
+        doubling_templates function_types_of_many_parameters huge_arrays members_of_a_long_type
+        structures_that_hold_the_next_twice template_chain templates_of_many_arguments templates_of_themselves
+        variables_of_a_long_type
+    """.split(),
+}
 
 
 def all_cases():
-    """Name, function, n and options of each case."""
-    for name, function in inspect.getmembers(sys.modules[__name__], inspect.isfunction):
-        if function.__module__ == __name__ and name not in HELPERS:
-            yield name, function, SIZES.get(name, USUAL_SIZE), OPTIONS.get(name, [])
+    """For each subsystem its name, and name, function, n and options of each of its cases."""
+    functions = {name: function for name, function in inspect.getmembers(sys.modules[__name__], inspect.isfunction)
+                 if function.__module__ == __name__ and name not in HELPERS}
+    listed = [name for names in SUBSYSTEMS.values() for name in names]
+    if sorted(listed) != sorted(functions):
+        raise RuntimeError(f"not in one subsystem: {sorted(set(listed) ^ set(functions)) or listed}")
+    for subsystem, names in SUBSYSTEMS.items():
+        yield subsystem, [(name, functions[name], SIZES.get(name, USUAL_SIZE), OPTIONS.get(name, []))
+                          for name in names]
 
 
 # Commands of the program, each with the case that it reads and its n.

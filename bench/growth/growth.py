@@ -118,13 +118,21 @@ def show(name, rows, is_command=False):
 
 
 def measure_reads(arguments, path):
+    failures = []
+    for subsystem, all_of_it in cases.all_cases():
+        chosen = [case for case in all_of_it if not arguments.cases or case[0] in arguments.cases]
+        if chosen:
+            failures += measure_subsystem(subsystem, chosen, arguments, path)
+    return failures
+
+
+def measure_subsystem(subsystem, chosen, arguments, path):
+    print(f"\n### {subsystem}\n")
     print("| Read of | Input, MB | Time, ms | ns per byte | Growth of time | Memory, MB | Bytes per byte "
           "| Growth of memory |")
     print("|---|---|---|---|---|---|---|---|")
     failures = []
-    for name, function, n, options in cases.all_cases():
-        if arguments.cases and name not in arguments.cases:
-            continue
+    for name, function, n, options in chosen:
         rows = measure(function, max(1, int(n * arguments.scale)), [READ_ONCE, *options, path], arguments.repeats,
                        path)
         failures += show(name, rows)

@@ -15,7 +15,9 @@ ATTRIBUTES = dict(name=(0x03, 0x08), long_name=(0x03, 0x0E), type=(0x49, 0x10), 
                   long_linkage_name=(0x6E, 0x0E), producer=(0x25, 0x08), name_nothing=(0x03, 0x19),
                   type_nothing=(0x49, 0x19), size_nothing=(0x0B, 0x19), offset_nothing=(0x38, 0x19),
                   bit_size_nothing=(0x0D, 0x19), indexed_name=(0x03, 0x1A), type_signature=(0x49, 0x20),
-                  signature=(0x69, 0x20), imported=(0x18, 0x10), text_offsets_base=(0x72, 0x17))
+                  signature=(0x69, 0x20), imported=(0x18, 0x10), text_offsets_base=(0x72, 0x17),
+                  addresses_base=(0x73, 0x17), indexed_address=(0x02, 0x18), lists_base=(0x8C, 0x17),
+                  indexed_list=(0x02, 0x22))
 
 
 def uleb(value):
@@ -42,6 +44,7 @@ class Image:
         self.locations = bytearray()
         self.location_lists = bytearray()
         self.text_offsets = bytearray(8)
+        self.addresses = bytearray(8)
         self.symbols = bytearray(16)
         self.names = bytearray(b"\0")
         self.codes = {}
@@ -101,13 +104,16 @@ class Image:
             self.info += struct.pack("<I", value)
         elif form == 0x0A:
             self.info += b"\5\3" + struct.pack("<I", value)
+        elif form == 0x18:
+            expression = b"\xA1" + uleb(value)
+            self.info += uleb(len(expression)) + expression
         elif form == 0x19:
             pass
         elif form == 0x20:
             self.info += struct.pack("<Q", value)
         elif form in (0x0E, 0x17):
             self.info += struct.pack("<I", value)
-        elif form in (0x0F, 0x1A):
+        elif form in (0x0F, 0x1A, 0x22):
             self.info += uleb(value)
         elif form in (0x0B, 0x0D):
             self.info.append(value & 0x3F)
@@ -132,7 +138,7 @@ class Image:
             struct.pack_into("<I", self.info, position, later.offset)
         return {".debug_info": self.info, ".debug_abbrev": self.abbreviations + b"\0",
                 ".debug_str": self.strings, ".debug_loc": self.locations,
-                ".debug_loclists": self.location_lists,
+                ".debug_loclists": self.location_lists, ".debug_addr": self.addresses,
                 ".debug_str_offsets": self.text_offsets} if self.info else {}
 
     def content(self):
