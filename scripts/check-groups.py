@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Looks for names that two sources of one target share.
 
-All builds but those for debugging and fuzzing compile sources in groups, as one. A helper of the same name in two unnamed
+All builds but the one for debugging compile sources in groups, as one. A helper of the same name in two unnamed
 namespaces breaks such a group, while the debug build passes. Groups shift with every new source, so this
 joins all sources of each target and reads them, without making code: a minute instead of a release.
 """
