@@ -31,7 +31,7 @@ cmake --preset "$preset" -DBRINDLE_BUILD_UNIT_TESTS=$unit_tests
 # The command that runs the programs, and the program of this machine with which they are compared.
 wine=$(sed -n 's/^BRINDLE_WINE:FILEPATH=\(.*\)/\1/p' "$build/CMakeCache.txt")
 if [ -x "$wine" ]; then
-    for native in release debug program; do
+    for native in release tests debug program; do
         [ ! -e "build/$native/build.ninja" ] || break
     done
     [ -e "build/$native/build.ninja" ] || cmake --preset "$native"
