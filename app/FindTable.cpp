@@ -1,5 +1,6 @@
 #include "FindTable.h"
 
+#include "AddressText.h"
 #include "ChosenColumns.h"
 #include "NearObjects.h"
 #include "Phrases.h"
@@ -12,7 +13,6 @@
 #include "model/DataModel.h"
 
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -36,22 +36,6 @@ constexpr std::array sFindColumns = {Column{"query", false, true},
                                      Column{"bitOffset", true, true},
                                      Column{"bitSize", true, true},
                                      Column{.name = "compileUnit", .isSideNote = true}};
-
-bool IsAddress(std::string_view query) {
-    return !query.empty() && query.front() >= '0' && query.front() <= '9';
-}
-
-std::optional<std::uint64_t> ParseAddress(std::string_view text) {
-    if (!text.starts_with("0x") && !text.starts_with("0X")) {
-        return std::nullopt;
-    }
-    text.remove_prefix(2);
-    std::uint64_t address = 0;
-    const char* const limit = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), limit, address, 16);
-    const bool isNumber = error == std::errc() && end == limit;
-    return isNumber ? std::optional(address) : std::nullopt;
-}
 
 /// How far before an address a variable ends.
 std::string EndText(std::string_view variable, std::uint64_t distance) {

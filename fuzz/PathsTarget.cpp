@@ -1,7 +1,8 @@
 // Paths such as "motor.pid[2].gain", resolved in a fixed model with names as odd as possible, and
-// the same text as the pattern of a name.
+// the same text as the pattern of a name and as an address.
 //
 // Input: the path.
+#include "AddressText.h"
 #include "NamePattern.h"
 
 #include "model/AddressLookup.h"
@@ -11,6 +12,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cinttypes>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,6 +86,26 @@ void CheckPatterns(std::string_view text) {
     }
 }
 
+/// Only what is written as an address is one, and all its digits count.
+void CheckAddress(std::string_view text) {
+    const std::optional<std::uint64_t> address = Program::ParseAddress(text);
+    if (!address) {
+        return;
+    }
+    Fuzzing::Require(Program::IsAddress(text), "an address begins like one");
+    std::array<char, 17> digits{};
+    const int count = std::snprintf(digits.data(), digits.size(), "%" PRIx64, *address);
+    std::string_view written = text.substr(2);
+    const std::size_t zeros = std::min(written.find_first_not_of('0'), written.size() - 1);
+    written.remove_prefix(zeros);
+    Fuzzing::Require(std::ranges::equal(
+                         written, std::string_view(digits.data(), static_cast<std::size_t>(count)),
+                         [](char first, char second) {
+                             return (first >= 'A' ? first | 0x20 : first) == second;
+                         }),
+                     "an address has the digits of its text");
+}
+
 /// The variable of a place within its size is among those found by address. Types that contain
 /// themselves lead beyond it.
 void CheckPlace(const DataModel::Model& model, DataModel::AddressLookup& lookup,
@@ -118,5 +143,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                      "the first answer is the answer");
     Fuzzing::Require(one.resolvedLength <= path.size(), "no more resolves than was asked");
     CheckPatterns(path);
+    CheckAddress(path);
     return 0;
 }

@@ -51,7 +51,8 @@ DATATYPES = ["", "BYTE", "UBYTE", "WORD", "UWORD", "DWORD", "UDWORD", "QWORD", "
              "NONE", "STRING(8)", "ubit3"]
 
 PATHS = ["a", "a.n[1][2].a", "::a.u", "ns::a[0]", "a.Base::id", "a[0].n.bits", "T<a.b>.n[0][0]", "a.b",
-         "a..b", "a[", "a[99999999999999999999]", "[", "::", ""]
+         "a..b", "a[", "a[99999999999999999999]", "[", "::", "", "0x100A",
+         "0Xffffffffffffffff", "0x10000000000000000"]
 
 A2L = [
     'ASAP2_VERSION 1 60 /begin PROJECT p "" /begin MODULE m "" %s /end MODULE /end PROJECT',
@@ -85,6 +86,10 @@ BIT_FIELDS = [
     (LAST, 2, [0, 2, 8], 2, 6, 4),
     (SIBLING, 3, [0, 4, 14], 15, 0, 0),
 ]
+
+# Variables whose places are in lists: the ranges of each agree or not, and the last one is empty or not.
+LISTS = [(SIBLING, 0, [0, 2, 7], name, 4, name, 2 + 8 * name) for name in range(4)]
+LISTS.append((SIBLING, 3, [0, 4, 14], 15, 0, 4))
 
 LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "117f", "034000000023 10",
              "0340000000 0804 22", "0340000000 0804 1c", "0340000000 9d 03 05", "9100", "2304", "50", "9f"]
@@ -227,8 +232,9 @@ class Seeds:
             target = bytes([numbers.choice(TARGETS)])
             self.tree(f"random-{index}", CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size))
         for target in TARGETS:
-            content = b"".join(entry(*each) for each in BIT_FIELDS)
-            self.tree(f"bits-{target}", CHOICES[0] + bytes([target]) + content)
+            for name, entries in (("bits", BIT_FIELDS), ("lists", LISTS)):
+                content = b"".join(entry(*each) for each in entries)
+                self.tree(f"{name}-{target}", CHOICES[0] + bytes([target]) + content)
 
     def tree(self, name, content):
         for target in ("entries", "manners", "versions"):

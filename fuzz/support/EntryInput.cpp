@@ -117,6 +117,8 @@ struct Record {
     std::uint8_t location = 0;
     /// Where the addresses begin that `location` chooses from.
     std::uint64_t place = sPlace;
+    /// A location list is sound: its ranges give the places that `number` chooses.
+    bool hasSoundList = false;
     std::uint8_t forms = 0;
     std::uint8_t encoding = 0;
     DieLabel label;
@@ -465,12 +467,22 @@ private:
         case 1:
             return Location({});
         case sLocationListChoice:
-            return Number(DW_AT_location, DW_FORM_data4, record.number);
+            return record.hasSoundList ? SoundList(record)
+                                       : Number(DW_AT_location, DW_FORM_data4, record.number);
         case sBitPieceChoice:
             return Location({{DW_OP_addr, {0x1000}}, {DW_OP_bit_piece, {3, record.location}}});
         default:
             return Address(record.place + record.location);
         }
+    }
+
+    /// Two ranges, of which the second may be empty or give another place.
+    static DieAttribute SoundList(const Record& record) {
+        const auto first = static_cast<std::int64_t>(record.place + record.location);
+        const std::int64_t second = first + ((record.number & 0x01U) != 0 ? 8 : 0);
+        const std::uint64_t end = (record.number & 0x02U) != 0 ? 0x20 : 0x28;
+        return ListLocation(
+            {{0x10, 0x20, {{DW_OP_addr, {first}}}}, {0x20, end, {{DW_OP_addr, {second}}}}});
     }
 
     std::vector<Record> mRecords;
@@ -571,7 +583,10 @@ std::string ImageOfPlainEntries(InputBytes& input) {
     target.isWithinUnits = target.is64Bit && !target.unit.is64BitDwarf && target.unit.version >= 3;
     target.hasTypeUnits = false;
     const std::vector<Record> records = Plain(TakeRecords(input), target.isWithinUnits);
-    return (target.Image() + SectionsOf(target, records, WriteUnit)).Build();
+    // No entry has their names or addresses: both manners deliver them.
+    ElfImage image = target.Image();
+    image.Symbol({"only", 0x100000, 4}).Symbol({"_other", 0x100008, 2});
+    return (image + SectionsOf(target, records, WriteUnit)).Build();
 }
 
 std::pair<std::string, std::string> ImagesOfVersions(InputBytes& input) {
@@ -580,9 +595,7 @@ std::pair<std::string, std::string> ImagesOfVersions(InputBytes& input) {
     target.unit.is64BitDwarf = false;
     std::vector<Record> records = TakeRecords(input);
     for (Record& record : records) {
-        if (record.location % sLocationChoices == sLocationListChoice) {
-            record.attributes &= ~sHasLocation;
-        }
+        record.hasSoundList = true;
     }
     ElfImage image = target.Image();
     AddSymbols(image);

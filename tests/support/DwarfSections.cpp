@@ -173,6 +173,10 @@ DieAttribute Address(std::uint64_t address, std::uint32_t form) {
     return Location({{DW_OP_addr, {static_cast<std::int64_t>(address)}}}, form);
 }
 
+DieAttribute ListLocation(std::vector<LocationRange> ranges) {
+    return {DW_AT_location, DW_FORM_sec_offset, std::move(ranges)};
+}
+
 Die::Die(dwarf_tag tag, std::vector<DieAttribute> attributes, std::vector<Die> children)
     : mTag(tag)
     , mAttributes(std::move(attributes))
@@ -314,19 +318,21 @@ void DwarfSections::Modernize(Die& die, int addressSize) {
 void DwarfSections::Modernize(DieAttribute& attribute, int addressSize) {
     if (auto* operations = std::get_if<std::vector<Operation>>(&attribute.value)) {
         attribute.form = DW_FORM_exprloc;
-        for (Operation& operation : *operations) {
-            if (operation.code == DW_OP_addr) {
-                const auto address = static_cast<std::uint64_t>(operation.operands.front());
-                operation = {DW_OP_addrx,
-                             {static_cast<std::int64_t>(AddressIndex(address, addressSize))}};
-            }
+        Modernize(*operations, addressSize);
+        return;
+    }
+    if (auto* ranges = std::get_if<std::vector<LocationRange>>(&attribute.value)) {
+        for (LocationRange& range : *ranges) {
+            Modernize(range.operations, addressSize);
         }
         return;
     }
     switch (attribute.form) {
     case DW_FORM_string:
-    case DW_FORM_strp:
         attribute.form = DW_FORM_strx1;
+        return;
+    case DW_FORM_strp:
+        attribute.form = DW_FORM_line_strp;
         return;
     case DW_FORM_flag:
         attribute.form = DW_FORM_flag_present;
@@ -338,6 +344,16 @@ void DwarfSections::Modernize(DieAttribute& attribute, int addressSize) {
         return;
     default:
         return;
+    }
+}
+
+void DwarfSections::Modernize(std::vector<Operation>& operations, int addressSize) {
+    for (Operation& operation : operations) {
+        if (operation.code == DW_OP_addr) {
+            const auto address = static_cast<std::uint64_t>(operation.operands.front());
+            operation = {DW_OP_addrx,
+                         {static_cast<std::int64_t>(AddressIndex(address, addressSize))}};
+        }
     }
 }
 
@@ -393,8 +409,36 @@ std::uint64_t DwarfSections::AddressIndex(std::uint64_t address, int addressSize
 }
 
 std::uint64_t DwarfSections::LineString(const std::string& text) {
-    mLineStrings += text + '\0';
-    return mLineStrings.size() - text.size() - 1;
+    const auto [place, isNew] = mLineStringOffsets.try_emplace(text, mLineStrings.size());
+    if (isNew) {
+        mLineStrings += text + '\0';
+    }
+    return place->second;
+}
+
+std::uint64_t DwarfSections::AddList(const DwarfUnit& unit,
+                                     const std::vector<LocationRange>& ranges) {
+    const auto addressSize = static_cast<std::size_t>(unit.addressSize);
+    ByteWriter list(mByteOrder);
+    for (const LocationRange& range : ranges) {
+        const std::string expression =
+            EncodeExpression(range.operations, mByteOrder, unit.addressSize);
+        if (unit.version < 5) {
+            list.Integer(range.begin, addressSize).Integer(range.end, addressSize);
+            list.U16(expression.size()).Bytes(expression);
+        } else {
+            list.U8(DW_LLE_offset_pair).Bytes(Uleb128(range.begin) + Uleb128(range.end));
+            list.Bytes(Uleb128(expression.size())).Bytes(expression);
+        }
+    }
+    if (unit.version < 5) {
+        return RawLocations(list.Bytes(std::string(2 * addressSize, '\0')).Content());
+    }
+    list.U8(DW_LLE_end_of_list);
+    constexpr std::size_t sSizeAfterLength = 8;
+    RawLocationLists(
+        Writer().U32(sSizeAfterLength + list.Size()).U16(5).U8(addressSize).U8(0).U32(0).Content());
+    return RawLocationLists(list.Content());
 }
 
 std::vector<std::pair<std::string, std::string>> DwarfSections::Sections() const {
@@ -475,6 +519,10 @@ void DwarfSections::WriteAttribute(UnitState& state, const DieAttribute& attribu
 
 void DwarfSections::WriteValue(UnitState& state, const DieAttribute& attribute) {
     ByteWriter& writer = state.writer;
+    if (const auto* ranges = std::get_if<std::vector<LocationRange>>(&attribute.value)) {
+        writer.Integer(AddList(state.unit, *ranges), state.OffsetSize());
+        return;
+    }
     const FormEncoding encoding = EncodingOfForm(attribute.form);
     const std::uint64_t* number = std::get_if<std::uint64_t>(&attribute.value);
     const std::string bytes = BytesOf(state, attribute);

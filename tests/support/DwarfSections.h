@@ -46,6 +46,11 @@ enum : std::uint8_t {
 };
 
 enum : std::uint8_t {
+    DW_LLE_end_of_list = 0x00,
+    DW_LLE_offset_pair = 0x04,
+};
+
+enum : std::uint8_t {
     DW_ATE_boolean = 2,
     DW_ATE_float = 4,
     DW_ATE_signed_char = 6,
@@ -70,13 +75,21 @@ struct Operation {
     std::vector<std::int64_t> operands = {};
 };
 
+/// One entry of a location list: where a variable is while the program counter is in a range.
+struct LocationRange {
+    std::uint64_t begin;
+    std::uint64_t end;
+    std::vector<Operation> operations;
+};
+
 /// One attribute of a debug entry: name, form and value. The functions below make the usual ones.
 struct DieAttribute {
-    using Value = std::variant<std::uint64_t, std::string, DieLabel, std::vector<Operation>>;
+    using Value = std::variant<std::uint64_t, std::string, DieLabel, std::vector<Operation>,
+                               std::vector<LocationRange>>;
 
     std::uint32_t attribute;
     std::uint32_t form;
-    /// A number; a text or the bytes of a block; the entry referred to; an expression.
+    /// A number; a text or the bytes of a block; the entry referred to; an expression; a list.
     Value value;
     /// How many forms precede the value; the abbreviation then has `DW_FORM_indirect`.
     int indirections = 0;
@@ -146,6 +159,9 @@ DieAttribute External();
 DieAttribute Declaration();
 /// The location of a variable with a static address.
 DieAttribute Address(std::uint64_t address, std::uint32_t form = Reader::DWARF::DW_FORM_block1);
+/// The location of a variable whose place changes. The list goes to the section of lists that the
+/// unit's version has, from version 4 on.
+DieAttribute ListLocation(std::vector<LocationRange> ranges);
 
 /// @}
 
@@ -208,8 +224,9 @@ public:
     DwarfSections& Unit(const DwarfUnit& unit);
     /// A unit of version 4 for 32-bit targets.
     DwarfSections& Unit(std::vector<Die> entries) { return Unit(DwarfUnit{std::move(entries)}); }
-    /// The same unit as a compiler writes it for DWARF 5: texts and addresses by index, numbers in
-    /// abbreviations, bases after the attributes that need them.
+    /// The same unit as a compiler writes it for DWARF 5: texts and addresses by index, shared
+    /// texts in `.debug_line_str`, numbers in abbreviations, bases after the attributes that need
+    /// them.
     DwarfSections& ModernUnit(DwarfUnit unit);
     /// Bytes between units.
     DwarfSections& RawInfo(std::string_view bytes);
@@ -229,7 +246,7 @@ public:
     /// Index of an address in `.debug_addr`, whose only table has the base `kTableBase`.
     std::uint64_t AddressIndex(std::uint64_t address, int addressSize = 4);
     static constexpr std::uint64_t kTableBase = 8;
-    /// Adds a text to `.debug_line_str`. Returns its offset.
+    /// Adds a text to `.debug_line_str`, unless it is there. Returns its offset.
     std::uint64_t LineString(const std::string& text);
 
     [[nodiscard]] const std::string& Info() const { return mInfo; }
@@ -249,6 +266,7 @@ private:
     struct UnitState;
     void Modernize(Die& die, int addressSize);
     void Modernize(DieAttribute& attribute, int addressSize);
+    void Modernize(std::vector<Operation>& operations, int addressSize);
     void WriteHeader(UnitState& state);
     /// A reference to an entry whose offset isn't known yet.
     struct OpenReference {
@@ -265,6 +283,8 @@ private:
     void WriteAttribute(UnitState& state, const DieAttribute& attribute);
     void WriteValue(UnitState& state, const DieAttribute& attribute);
     [[nodiscard]] std::string BytesOf(const UnitState& state, const DieAttribute& attribute) const;
+    /// Adds a location list for units of a version. Returns its offset.
+    std::uint64_t AddList(const DwarfUnit& unit, const std::vector<LocationRange>& ranges);
     /// The value for a form that refers to a text; nothing for other forms.
     std::optional<std::uint64_t> PlaceOfText(std::uint32_t form, const std::string& text);
     void WriteReference(UnitState& state, std::uint32_t form, DieLabel target);
@@ -284,6 +304,7 @@ private:
     std::string mTextOffsets;
     std::string mAddresses;
     std::map<std::string, std::uint64_t> mStringOffsets;
+    std::map<std::string, std::uint64_t> mLineStringOffsets;
     std::map<std::string, std::uint64_t> mTextIndices;
     /// Offsets in the section of the entry.
     std::map<DieLabel, std::uint32_t> mOffsets;
