@@ -238,6 +238,33 @@ Tree CodeInABody() {
             "starts"};
 }
 
+/// The classic manner delivers such members only as members of all types.
+Tree VariantsOfARecord() {
+    const DieLabel number;
+    const DieLabel payload;
+    const DieLabel record;
+    return {"members in variants, one of them in a variant of a variant",
+            DwarfSections().Unit({UnitDie({
+                Int(number),
+                Die(payload, DW_TAG_structure_type, {Name("Payload"), ByteSize(4)},
+                    {Member("level", number)}),
+                Die(record, DW_TAG_structure_type, {Name("Record"), ByteSize(4)},
+                    {Die(DW_TAG_variant_part, {},
+                         {
+                             Die(DW_TAG_member, {Type(number), MemberOffset(0)}),
+                             Die(DW_TAG_variant, {}, {Member("first", payload)}),
+                             Die(DW_TAG_variant, {},
+                                 {Die(DW_TAG_variant_part, {},
+                                      {Die(DW_TAG_variant, {}, {Member("inner", number)}),
+                                       Die(DW_TAG_variant, {})}),
+                                  Member("second", number)}),
+                         }),
+                     Member("kind", number)}),
+                StaticVariable("record", record),
+            })}),
+            "kind"};
+}
+
 TEST(TypeBodiesTest, DeliveryIsThatOfAReadOfAllBodies) {
     const ScopedReaderState state;
     const Tree trees[] = {
@@ -252,6 +279,7 @@ TEST(TypeBodiesTest, DeliveryIsThatOfAReadOfAllBodies) {
         ReferenceIntoABody(),
         BitFieldThatDependsOnOthers(),
         CodeInABody(),
+        VariantsOfARecord(),
     };
     for (const Tree& tree : trees) {
         for (const int isFull : {0, 1}) {

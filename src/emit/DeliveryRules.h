@@ -53,6 +53,8 @@ struct DeliveryRules {
     /// Makes the object of a node that has none yet, see `VDebugInfoNode::CreateEntryObject`.
     bool (*createObject)(VDebugInfoNode& node, VNodeEmission& emission,
                          const EmissionInputs& inputs, ObjectId& id, bool& alreadyRegistered);
+    /// The entry after an entry of a structure, in the order of delivery; null after the last one.
+    VDebugInfoNode* (*nextOf)(const VDebugInfoNode& structure, VDebugInfoNode& entry);
     /// The name for a type that has none and completes no named entry. May mark it as
     /// anonymous.
     std::string_view (*nameOfNameless)(VDebugInfoNode& type);

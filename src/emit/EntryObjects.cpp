@@ -337,6 +337,31 @@ bool CreateClassicObject(VDebugInfoNode& node, VNodeEmission& emission,
     }
 }
 
+VDebugInfoNode* ClassicNextOf(const VDebugInfoNode& structure, VDebugInfoNode& entry) {
+    return entry.NextSiblingIn(structure);
+}
+
+/// Variants and what is in them count as entries of the structure:
+///
+///     structure_type  member "kind"  variant_part            kind, variant_part,
+///                                      variant member "a"    variant, a,
+///                                      variant member "b"    variant, b
+VDebugInfoNode* FullNextOf(const VDebugInfoNode& structure, VDebugInfoNode& entry) {
+    if (IsOfVariants(entry.GetTag()) && entry.FirstChild() != nullptr) {
+        return entry.FirstChild();
+    }
+    const VDebugInfoNode* last = &entry;
+    const VDebugInfoNode* around = last->GetParent();
+    while (around != nullptr && IsOfVariants(around->GetTag())) {
+        if (VDebugInfoNode* next = last->NextSiblingIn(*around)) {
+            return next;
+        }
+        last = around;
+        around = last->GetParent();
+    }
+    return last->NextSiblingIn(structure);
+}
+
 std::string_view ClassicNameOfNameless(VDebugInfoNode& /*type*/) {
     return {};
 }
@@ -392,9 +417,10 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
 } // namespace
 
 const DeliveryRules& DeliveryRules::Of(ReadingManner manner) {
-    static constexpr DeliveryRules sClassic{ClassicNeedsOf, CreateClassicObject,
+    static constexpr DeliveryRules sClassic{ClassicNeedsOf, CreateClassicObject, ClassicNextOf,
                                             ClassicNameOfNameless};
-    static constexpr DeliveryRules sFull{FullNeedsOf, CreateFullObject, FullNameOfNameless};
+    static constexpr DeliveryRules sFull{FullNeedsOf, CreateFullObject, FullNextOf,
+                                         FullNameOfNameless};
     return manner == ReadingManner::Full ? sFull : sClassic;
 }
 

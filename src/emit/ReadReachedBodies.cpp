@@ -4,7 +4,8 @@
 //
 //     its scope, its type, the entry that it completes, and on from each of these;
 //     the definition in place of a declaration;
-//     members, base classes, enumerators and functions of a type, once that is reached;
+//     members, base classes, enumerators and functions of a type, once that is reached, in the full
+//     manner those within its variants too;
 //     the parameters of a function type.
 //
 // Units are read one after the other, each as long as its bodies lead to others of the same unit.
@@ -98,10 +99,16 @@ private:
             ReachScope(*node);
             if (HasBody(node->GetTag())) {
                 Want(*node);
-            } else if (node->GetTag() == DW_TAG_subroutine_type) {
+            } else if (HasReachedChildren(node->GetTag())) {
                 ReachChildren(*node);
             }
         }
+    }
+
+    /// True for an entry without body whose children are delivered with it.
+    [[nodiscard]] bool HasReachedChildren(dwarf_tag tag) const {
+        return tag == DW_TAG_subroutine_type ||
+               (IsOfVariants(tag) && mSection.mElfFile->mManner == ReadingManner::Full);
     }
 
     void ReachScope(const VDebugInfoNode& node) {

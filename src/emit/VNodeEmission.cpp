@@ -297,8 +297,8 @@ void VNodeEmission::AddBaseClasses(Frame& frame) {
 }
 
 /// The next child's name is needed first, and it may lie anywhere in a large section.
-BRINDLE_FETCHES void VNodeEmission::PrefetchNextChild(const Frame& frame) {
-    if (const VDebugInfoNode* next = frame.child->NextSiblingIn(*frame.node)) {
+BRINDLE_FETCHES void VNodeEmission::PrefetchNextChild(const Frame& frame) const {
+    if (const VDebugInfoNode* next = mRules.nextOf(*frame.node, *frame.child)) {
         Prefetch(next->GetNameStart());
     }
 }
@@ -315,7 +315,7 @@ void VNodeEmission::CreateChildEntryObjects(Frame& frame) {
             if (frame.child->GetNameOrNull() != nullptr && !Await(*frame.child, object)) {
                 return;
             }
-            frame.child = frame.child->NextSiblingIn(node);
+            frame.child = mRules.nextOf(node, *frame.child);
         }
     }
     Close();

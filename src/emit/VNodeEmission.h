@@ -90,7 +90,7 @@ private:
     void CreateObject(Frame& frame);
     void AddBaseClasses(Frame& frame);
     void CreateChildEntryObjects(Frame& frame);
-    static void PrefetchNextChild(const Frame& frame);
+    void PrefetchNextChild(const Frame& frame) const;
 
     VDwarf2Section& mSection;
     VCLIFactoryWrapper& mFactory;

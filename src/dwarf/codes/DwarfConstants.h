@@ -34,6 +34,11 @@ constexpr bool IsAggregate(dwarf_tag tag) {
     return tag == DW_TAG_class_type || tag == DW_TAG_structure_type || tag == DW_TAG_union_type;
 }
 
+/// Entries between a structure and those of its members that only some of its values have.
+constexpr bool IsOfVariants(dwarf_tag tag) {
+    return tag == DW_TAG_variant_part || tag == DW_TAG_variant;
+}
+
 /// Types that differ from another one only in name or qualifiers.
 constexpr bool IsOtherNameOfType(dwarf_tag tag) {
     switch (tag) {
