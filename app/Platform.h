@@ -44,8 +44,8 @@ bool IsLocaleUtf8();
 /// @param error the reason if the system doesn't say
 std::filesystem::file_status FileStatus(const std::string& path, std::error_code& error);
 
-/// True if both paths lead to the same existing file.
-bool IsSameFile(const std::string& first, const std::string& second);
+/// A text that is equal for all paths to a file, whether or not it is there yet.
+std::string PlaceOf(const std::string& path);
 
 /// The path of the file that a chain of links leads to; `path` if the system doesn't say.
 std::string TargetOfLinks(const std::string& path);

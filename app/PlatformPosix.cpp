@@ -6,6 +6,7 @@
 #include <locale.h> // NOLINT(modernize-deprecated-headers): has newlocale
 #include <string_view>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -58,9 +59,15 @@ fs::file_status FileStatus(const std::string& path, std::error_code& error) {
     return fs::status(path, error);
 }
 
-bool IsSameFile(const std::string& first, const std::string& second) {
+std::string PlaceOf(const std::string& path) {
+    struct stat file {};
+    if (stat(path.c_str(), &file) == 0) {
+        return std::to_string(file.st_dev) + ":" + std::to_string(file.st_ino);
+    }
+    // A relative path of which no folder exists would stay relative.
     std::error_code error;
-    return fs::equivalent(first, second, error) && !error;
+    const fs::path full = fs::absolute(path, error);
+    return error ? path : TargetOfLinks(full.string());
 }
 
 std::string TargetOfLinks(const std::string& path) {

@@ -22,6 +22,7 @@ namespace Tessel::Norn::Brindle::Program {
 namespace {
 
 namespace fs = std::filesystem;
+using Reader::DWARF::PathOfText;
 using Reader::DWARF::PathToOpen;
 using Reader::DWARF::TextOfPath;
 
@@ -61,6 +62,23 @@ FileHandle OpenToIdentify(const std::string& path) {
     const DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     return FileHandle(CreateFileW(PathToOpen(path).c_str(), 0, shared, nullptr, OPEN_EXISTING,
                                   FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+/// A text that is equal for all paths to an existing file; empty for any other.
+std::string IdentityOf(const std::string& path) {
+    const FileHandle file = OpenToIdentify(path);
+    BY_HANDLE_FILE_INFORMATION information{};
+    return GetIdentity(file, information) ? std::to_string(information.dwVolumeSerialNumber) + ":" +
+                                                std::to_string(information.nFileIndexHigh) + ":" +
+                                                std::to_string(information.nFileIndexLow)
+                                          : std::string();
+}
+
+/// One spelling for all names that Windows doesn't tell apart.
+std::string WithoutCase(const fs::path& path) {
+    std::wstring name = path.wstring();
+    CharUpperBuffW(name.data(), static_cast<DWORD>(name.size()));
+    return TextOfPath(name);
 }
 
 bool IsMissing(DWORD reason) {
@@ -148,14 +166,15 @@ fs::file_status FileStatus(const std::string& path, std::error_code& error) {
                            permissions);
 }
 
-bool IsSameFile(const std::string& first, const std::string& second) {
-    const FileHandle firstFile = OpenToIdentify(first);
-    const FileHandle secondFile = OpenToIdentify(second);
-    BY_HANDLE_FILE_INFORMATION one{};
-    BY_HANDLE_FILE_INFORMATION other{};
-    return GetIdentity(firstFile, one) && GetIdentity(secondFile, other) &&
-           one.dwVolumeSerialNumber == other.dwVolumeSerialNumber &&
-           one.nFileIndexHigh == other.nFileIndexHigh && one.nFileIndexLow == other.nFileIndexLow;
+std::string PlaceOf(const std::string& path) {
+    const std::string identity = IdentityOf(path);
+    if (!identity.empty()) {
+        return identity;
+    }
+    const fs::path folder = PathOfText(path).parent_path();
+    const std::string place = IdentityOf(folder.empty() ? "." : TextOfPath(folder));
+    return place.empty() ? WithoutCase(PathToOpen(path))
+                         : place + "/" + WithoutCase(PathOfText(path).filename());
 }
 
 std::string TargetOfLinks(const std::string& path) {

@@ -7,8 +7,8 @@
 #include "ImagePack.h"
 #include "Message.h"
 #include "ModelComparison.h"
+#include "OutputPlaces.h"
 #include "Phrases.h"
-#include "Platform.h"
 #include "ReadArguments.h"
 #include "ReadSession.h"
 #include "ReportPage.h"
@@ -117,13 +117,11 @@ ExitStatus ReportDifferences(const ReportArguments& arguments, ResultOutput& out
 }
 
 ExitStatus RunReport(const ReportArguments& arguments, ResultOutput& output) {
-    for (const std::string& file : {arguments.file, arguments.newFile}) {
-        if (IsSameFile(file, arguments.report)) {
-            Tell(arguments.report,
-                 Phrased("the report would overwrite the image that it describes; "
-                         "choose another --output"));
-            return ExitStatus::WrongUsage;
-        }
+    OutputPlaces places;
+    places.Take(arguments.file, "the image");
+    places.Take(arguments.newFile, "the image");
+    if (!places.Claim(arguments.report, "--output")) {
+        return ExitStatus::WrongUsage;
     }
     return arguments.newFile.empty() ? ReportImage(arguments, output)
                                      : ReportDifferences(arguments, output);

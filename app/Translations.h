@@ -159,9 +159,11 @@ constexpr std::array sTranslations = {
                 "{} Symbole ohne Debug-Informationen geändert"},
     Translation{"{} (--symbols lists them)", "{} (--symbols zeigt sie)"},
     Translation{"the report can't be written: {}", "der Bericht kann nicht geschrieben werden: {}"},
-    Translation{"the report would overwrite the image that it describes; choose another --output",
-                "der Bericht würde das Programm überschreiben, das er beschreibt; ein anderes "
-                "--output wählen"},
+    Translation{"this would overwrite {}; choose another {}",
+                "das würde {} überschreiben; ein anderes {} wählen"},
+    Translation{"the image", "das Programm"},
+    Translation{"the description that is read", "die gelesene Beschreibung"},
+    Translation{"another result", "ein anderes Ergebnis"},
 
     // A2L files
     Translation{"parsing", "A2L lesen"},

@@ -4,6 +4,7 @@
 #include "FileReplacement.h"
 #include "Message.h"
 #include "NamePattern.h"
+#include "OutputPlaces.h"
 #include "Phrases.h"
 #include "ReadArguments.h"
 #include "ResultOutput.h"
@@ -66,6 +67,11 @@ void TellResult(const ExportArguments& arguments, const ExportResult& result) {
 }
 
 ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
+    OutputPlaces places;
+    places.Take(arguments.image, "the image");
+    if (!places.Claim(arguments.output, "--output")) {
+        return ExitStatus::WrongUsage;
+    }
     DataModel::Model model;
     const ExitStatus status = ReadWholeImage(arguments, model);
     if (status != ExitStatus::Success) {

@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "FileReplacement.h"
 #include "Message.h"
+#include "OutputPlaces.h"
 #include "Phrases.h"
 #include "Platform.h"
 #include "ProgressBar.h"
@@ -113,14 +114,36 @@ UpdateResult UpdateDescription(const UpdateArguments& arguments, const Document&
     return A2l::Update(document, model, index, choices);
 }
 
+/// False, after a message, if a file to be written would destroy one that is read or written too.
+bool HasOwnPlaces(const UpdateArguments& arguments, const SourceSet& sources) {
+    OutputPlaces places;
+    places.Take(arguments.image, "the image");
+    for (const auto& source : sources.All()) {
+        places.Take(source->Path(), "the description that is read");
+    }
+    if (!arguments.output.empty()) {
+        for (const A2l::OutputFile& file : A2l::FilesAt(arguments.output, sources)) {
+            if (!places.Claim(file.path, "--output")) {
+                return false;
+            }
+        }
+    }
+    return places.Claim(arguments.report, "--report");
+}
+
 void WriteReport(const UpdateArguments& arguments, const Document& document,
                  const UpdateResult& result, FileReplacement& file) {
     const bool isJson = Reader::DWARF::PathOfText(arguments.report).extension() == ".json";
     ResultOutput output(file.Buffer());
     const auto table = MakeTableWriter(isJson ? TableFormat::Json : TableFormat::Csv,
                                        A2l::UpdateColumns(), output);
-    WriteUpdateRows(document, result, MissingChoiceOf(arguments.missing), *table);
-    output.Sync();
+    try {
+        WriteUpdateRows(document, result, MissingChoiceOf(arguments.missing), *table);
+        output.Sync();
+    } catch (const OutputError& error) {
+        // It would be taken for a failure of standard output.
+        throw std::system_error(error.code(), arguments.report);
+    }
     file.Finish();
 }
 
@@ -150,6 +173,9 @@ bool WriteResults(const UpdateArguments& arguments, const SourceSet& sources,
 ExitStatus RunChecked(const UpdateArguments& arguments, ResultOutput& output) {
     SourceSet sources(LoadIfThere);
     const Document document = ParseDescription(arguments, sources);
+    if (!HasOwnPlaces(arguments, sources)) {
+        return ExitStatus::WrongUsage;
+    }
     DataModel::Model model;
     const ExitStatus status = ReadWholeImage(arguments, model);
     if (status != ExitStatus::Success) {

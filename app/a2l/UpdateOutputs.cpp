@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <system_error>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -36,12 +37,11 @@ OutputPlan PlanInPlace(const SourceSet& sources, const UpdateResult& result) {
     return plan;
 }
 
-OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const UpdateResult& result) {
+std::vector<OutputFile> FilesAt(const std::string& path, const SourceSet& sources) {
     const Source& main = *sources.All().front();
     const fs::path mainFolder = PathOfText(main.Path()).parent_path();
     const fs::path folder = PathOfText(path).parent_path();
-    OutputPlan plan;
-    plan.files.push_back({path, &main});
+    std::vector<OutputFile> files{{path, &main}};
     for (const auto& source : sources.All()) {
         if (source.get() == &main) {
             continue;
@@ -52,9 +52,22 @@ OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const Updat
                                    : own.lexically_relative(mainFolder);
         const std::string target =
             TextOfPath(NormalPath(folder / (mainFolder.empty() ? own : place)));
-        if (!IsSameFile(target, source->Path()) && !IsSameFile(target, path)) {
-            plan.files.push_back({target, source.get()});
-        } else if (Changes(result, *source)) {
+        if (PlaceOf(target) != PlaceOf(source->Path())) {
+            files.push_back({target, source.get()});
+        }
+    }
+    return files;
+}
+
+OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const UpdateResult& result) {
+    OutputPlan plan;
+    plan.files = FilesAt(path, sources);
+    std::set<const Source*> written;
+    for (const OutputFile& file : plan.files) {
+        written.insert(file.source);
+    }
+    for (const auto& source : sources.All()) {
+        if (!written.contains(source.get()) && Changes(result, *source)) {
             plan.stale.push_back(source.get());
         }
     }

@@ -26,8 +26,11 @@ struct OutputPlan {
 /// Each file in its own place, if it changes.
 OutputPlan PlanInPlace(const SourceSet& sources, const UpdateResult& result);
 
-/// The main file at `path`, the included ones in the same relative places as before. An included
-/// file is never written over itself.
+/// The main file at `path`, the included ones in the same relative places as before, except those
+/// that would be written over themselves.
+std::vector<OutputFile> FilesAt(const std::string& path, const SourceSet& sources);
+
+/// `FilesAt`, with the included files that are missing from it.
 OutputPlan PlanAt(const std::string& path, const SourceSet& sources, const UpdateResult& result);
 
 /// Only the main file, which the caller writes.

@@ -220,11 +220,49 @@ class UpdateTest(A2lTest):
                 self.assertEqual(output, "")
                 self.assertEqual(self.files(), before)
         for arguments in (["-o", "none/out.a2l"], ["--in-place", "--report", "none/r.csv"],
-                          ["-o", "/dev/full"]):
+                          ["-o", "/dev/full"], ["-o", "out.a2l", "--report", "/dev/full"]):
             with self.subTest(arguments=arguments):
-                self.run_program("update", "in.a2l", IMAGE, *arguments, status=1)
+                _, error = self.run_program("update", "in.a2l", IMAGE, *arguments, status=1)
+                self.assertIn(f"{arguments[-1]}: No ", error)
                 self.assertEqual(self.files(), before)
         self.assertEqual(self.input.read_text(), self.old)
+
+    def test_nothing_is_written_over_an_input_or_another_result(self):
+        main = self.file("main.a2l", description('/include "x.a2l" /include "sub/x.a2l"'))
+        self.file("x.a2l", measurement("tick", "0x0"))
+        self.file("sub/x.a2l", measurement("machine_word", "0x0"))
+        shutil.copy(IMAGE, self.folder / "ok.elf")
+        (self.folder / "link.elf").symlink_to("ok.elf")
+        os.link(self.folder / "ok.elf", self.folder / "hard.elf")
+        (self.folder / "here").symlink_to(".")
+        image, a2l = "would overwrite the image; choose another ", "the description that is read"
+        other = "would overwrite another result"
+        update = ["update", "main.a2l", "ok.elf"]
+        before = {path: path.read_bytes() for path in self.folder.rglob("*") if path.is_file()}
+        for arguments, message in [
+                (["export", "ok.elf", "-o", "link.elf"], image + "--output"),
+                (["export", "link.elf", "-o", "ok.elf"], image + "--output"),
+                (["export", "ok.elf", "-o", "hard.elf"], image + "--output"),
+                ([*update, "-o", "./here/ok.elf"], image + "--output"),
+                ([*update, "--report", "sub/../ok.elf"], image + "--report"),
+                ([*update, "-o", "main.a2l"], a2l),
+                ([*update, "-o", "x.a2l"], a2l),
+                ([*update, "-o", "sub/new.a2l"], "sub/x.a2l: this would overwrite " + a2l),
+                ([*update, "-o", "new/x.a2l"], other),
+                ([*update, "--report", main], a2l),
+                ([*update, "--in-place", "--report", "x.a2l"], a2l),
+                ([*update, "--check", "--report", "here/sub/x.a2l"], a2l),
+                ([*update, "-o", "o.a2l", "--report", "o.a2l"], other),
+                ([*update, "-o", "o.a2l", "--report", "here/o.a2l"], other)]:
+            with self.subTest(arguments=arguments):
+                output, error = self.run_program(*arguments, status=2)
+                self.assertIn(message, error)
+                self.assertEqual(output, "")
+                self.assertEqual({path: path.read_bytes() for path in self.folder.rglob("*")
+                                  if path.is_file()}, before)
+        # A device receives whatever is written to it.
+        self.run_program(*update, "--check", "--report", "/dev/null", status=1)
+        self.run_program("update", "in.a2l", "ok.elf", "-o", "/dev/null", "--report", "/dev/null")
 
     def test_a_disk_that_fills_up_leaves_every_file_as_it_was(self):
         """No file may grow beyond a limit, which is where the disk would be full."""
