@@ -76,7 +76,7 @@ std::vector<Difference> Comparison::Compare(const Object& object, const SymbolIn
     std::vector<Difference> differences;
     if (place.isBitField) {
         // The mask decides; the update compares it.
-        CompareEnumeration(object, place.type, differences);
+        CompareEnumeration(object, place.type, place.bitSize, differences);
         return differences;
     }
     const bool isWhole = object.linkOffset == 0;
@@ -183,8 +183,8 @@ void Comparison::CompareValues(const Values& values, const Object& object,
         if (!scalar || !isMeant) {
             continue;
         }
-        if (scalar->Fits(*wanted) && elements.count == values.count) {
-            CompareEnumeration(object, elements.type, differences);
+        if (FitsDatatype(mModel, elements.type, *wanted) && elements.count == values.count) {
+            CompareEnumeration(object, elements.type, 0, differences);
             return;
         }
         first = first ? first : std::optional(elements);
@@ -197,15 +197,14 @@ void Comparison::CompareValues(const Values& values, const Object& object,
         }
         return;
     }
-    const std::optional<Scalar> scalar = ScalarOfType(mModel, first->type);
-    if (scalar && !scalar->Fits(*wanted)) {
+    if (!FitsDatatype(mModel, first->type, *wanted)) {
         differences.push_back(
             {"datatype", std::string(values.datatype), mModel.TypeText(first->type)});
     }
     if (first->count != values.count) {
         differences.push_back({"elements", Count(values.count), Count(first->count)});
     }
-    CompareEnumeration(object, first->type, differences);
+    CompareEnumeration(object, first->type, 0, differences);
 }
 
 void Comparison::CompareSize(std::uint64_t size, const SymbolIndex::Place& place,
@@ -215,7 +214,7 @@ void Comparison::CompareSize(std::uint64_t size, const SymbolIndex::Place& place
     }
 }
 
-void Comparison::CompareEnumeration(const Object& object, ObjectId type,
+void Comparison::CompareEnumeration(const Object& object, ObjectId type, std::uint64_t bitSize,
                                     std::vector<Difference>& differences) {
     const ModelObject enumeration = mModel.Object(mModel.WithoutTypedefs(type));
     const Module& module = mDocument.modules[object.module];
@@ -224,17 +223,18 @@ void Comparison::CompareEnumeration(const Object& object, ObjectId type,
     if (enumeration.id == 0 || enumeration.kind != ObjectKind::Enum || table == nullptr) {
         return;
     }
-    const auto [known, isNew] = mKnown.try_emplace({table, enumeration.id});
+    const auto [known, isNew] = mKnown.try_emplace({table, enumeration.id, bitSize});
     if (isNew) {
-        CompareTexts(*table, enumeration.id, known->second);
+        CompareTexts(*table, enumeration.id, bitSize, known->second);
     }
     differences.insert(differences.end(), known->second.begin(), known->second.end());
 }
 
 void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration,
-                              std::vector<Difference>& differences) const {
+                              std::uint64_t bitSize, std::vector<Difference>& differences) const {
     // Several enumerators may have one value; any of their names will do.
     std::multimap<std::int64_t, std::string_view> names;
+    const SignedBits field = SignedBitsOf(mModel, enumeration, bitSize);
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
         names.emplace(enumerator.value, enumerator.name);
     }
@@ -242,11 +242,12 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
     Details inFile;
     Details inImage;
     for (const auto& [valueText, text] : table.pairs) {
-        const std::optional<std::int64_t> value = IntegerValue(valueText);
+        std::optional<std::int64_t> value = IntegerValue(valueText);
         if (!value) {
             // A table with other numbers can't be compared.
             return;
         }
+        value = field.WithSign(*value);
         values.insert(*value);
         const auto [first, last] = names.equal_range(*value);
         const bool isSame = std::any_of(
@@ -258,7 +259,7 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
         }
     }
     for (const auto& [value, text] : names) {
-        if (!values.contains(value)) {
+        if (!values.contains(value) && field.Holds(value)) {
             inFile.Add(std::to_string(value) + " " + Phrased("none"));
             inImage.Add(std::to_string(value) + " " + Quoted(text));
         }
@@ -271,7 +272,7 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
 void Comparison::CompareComponents(const TypeDefinition& definition, ObjectId type,
                                    std::vector<Difference>& differences) {
     const ObjectId plain = mModel.WithoutTypedefs(ElementsOf(mModel, type).type);
-    const auto [known, isNew] = mKnown.try_emplace({&definition, plain});
+    const auto [known, isNew] = mKnown.try_emplace({&definition, plain, 0});
     if (isNew) {
         const MemberTable& members = mIndex.MembersOf(plain);
         Details inFile;

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -56,10 +57,11 @@ private:
                        std::vector<Difference>& differences);
     void CompareSize(std::uint64_t size, const SymbolIndex::Place& place,
                      std::vector<Difference>& differences) const;
-    void CompareEnumeration(const Object& object, DataModel::ObjectId type,
+    /// @param bitSize 0 unless the place is a bit field
+    void CompareEnumeration(const Object& object, DataModel::ObjectId type, std::uint64_t bitSize,
                             std::vector<Difference>& differences);
     void CompareTexts(const ConversionTable& table, DataModel::ObjectId enumeration,
-                      std::vector<Difference>& differences) const;
+                      std::uint64_t bitSize, std::vector<Difference>& differences) const;
     void CompareComponents(const TypeDefinition& definition, DataModel::ObjectId type,
                            std::vector<Difference>& differences);
 
@@ -67,9 +69,10 @@ private:
     const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
     std::uint64_t mAddressUnit;
-    /// Results for a structure or table of the file and a type of the image, since many objects
-    /// share both.
-    std::map<std::pair<const void*, DataModel::ObjectId>, std::vector<Difference>> mKnown;
+    /// Results for a structure or table of the file and a type of the image with its bits, since
+    /// many objects share them.
+    std::map<std::tuple<const void*, DataModel::ObjectId, std::uint64_t>, std::vector<Difference>>
+        mKnown;
 };
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

@@ -19,12 +19,12 @@ constexpr std::string_view sNone = "NO_COMPU_METHOD";
 Conversions::Conversions(const DataModel::Model& model)
     : mModel(model) {
     model.ForEach(ObjectKind::Enum, [this](const ModelObject& enumeration) {
-        const Table table = MakeTable(enumeration.id);
+        const Table table = MakeTable(enumeration.id, {});
         ++mTablesOfName[table.name][table.pairs];
     });
 }
 
-Conversions::Table Conversions::MakeTable(ObjectId enumeration) const {
+Conversions::Table Conversions::MakeTable(ObjectId enumeration, const SignedBits& field) const {
     const ModelObject object = mModel.Object(enumeration);
     const bool isNameless = object.name.empty() || object.anonymous || object.name.front() == '<';
     Table table;
@@ -39,10 +39,10 @@ Conversions::Table Conversions::MakeTable(ObjectId enumeration) const {
     std::set<std::int32_t> values;
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
         // If several names have one value, the table has room only for the first.
-        if (values.insert(enumerator.value).second) {
+        if (field.Holds(enumerator.value) && values.insert(enumerator.value).second) {
             table.pairs.append("      ")
                 .append(isUnsigned ? std::to_string(static_cast<std::uint32_t>(enumerator.value))
-                                   : std::to_string(enumerator.value))
+                                   : std::to_string(field.WithoutSign(enumerator.value)))
                 .append(" ")
                 .append(QuotedText(enumerator.name))
                 .append("\n");
@@ -52,16 +52,19 @@ Conversions::Table Conversions::MakeTable(ObjectId enumeration) const {
     return table;
 }
 
-std::string Conversions::Of(ObjectId type) {
+std::string Conversions::Of(ObjectId type, std::uint64_t bitSize) {
     const ObjectId enumeration = mModel.WithoutTypedefs(type);
     if (mModel.Object(enumeration).kind != ObjectKind::Enum || enumeration == 0) {
         return std::string(sNone);
     }
-    const auto [known, isNew] = mNames.try_emplace(enumeration, sNone);
+    const SignedBits field =
+        bitSize == 0 ? SignedBits() : SignedBitsOf(mModel, enumeration, bitSize);
+    const auto [known, isNew] = mNames.try_emplace({enumeration, field.size}, sNone);
     if (isNew) {
-        Table table = MakeTable(enumeration);
+        Table table = MakeTable(enumeration, field);
         if (table.count != 0) {
-            const bool isOnly = mTablesOfName[table.name].size() == 1 && table.name != "enum";
+            const bool isOnly =
+                mTablesOfName[table.name].size() == 1 && table.name != "enum" && field.size == 0;
             table.name += isOnly ? std::string() : "_" + ShortHash(table.pairs);
             known->second = table.name;
             mUsed.try_emplace(table.name, table);

@@ -55,6 +55,23 @@ constexpr std::optional<Kind> KindOf(BasicTypes type) {
     }
 }
 
+bool HasNegativeValues(const DataModel::Model& model, DataModel::ObjectId enumeration) {
+    return std::ranges::any_of(model.Enumerators(enumeration),
+                               [](const auto& enumerator) { return enumerator.value < 0; });
+}
+
+/// The sign of the underlying type; without one, that of the values.
+Kind KindOfEnum(const DataModel::Model& model, const ModelObject& enumeration) {
+    const ModelObject integer = model.Object(model.WithoutTypedefs(enumeration.type));
+    const std::optional<Kind> kind = integer.id != 0 && integer.kind == ObjectKind::Base
+                                         ? KindOf(integer.basicType)
+                                         : std::nullopt;
+    if (kind == Kind::Signed || kind == Kind::Unsigned) {
+        return *kind;
+    }
+    return HasNegativeValues(model, enumeration.id) ? Kind::Signed : Kind::Integer;
+}
+
 } // namespace
 
 std::optional<Scalar> ScalarOfDatatype(std::string_view datatype) {
@@ -75,11 +92,36 @@ std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::Obj
         return Scalar{Kind::Unsigned, object.size};
     }
     if (object.id != 0 && object.kind == ObjectKind::Enum) {
-        return Scalar{Kind::Integer, model.SizeOf(object.id)};
+        return Scalar{KindOfEnum(model, object), model.SizeOf(object.id)};
     }
     const std::optional<Kind> kind =
         object.id != 0 && object.kind == ObjectKind::Base ? KindOf(object.basicType) : std::nullopt;
     return kind ? std::optional(Scalar{*kind, object.size}) : std::nullopt;
+}
+
+bool HasValuesBelowZero(const DataModel::Model& model, DataModel::ObjectId enumeration) {
+    const ModelObject object = model.Object(enumeration);
+    return object.id != 0 && object.kind == ObjectKind::Enum &&
+           KindOfEnum(model, object) != Kind::Unsigned && HasNegativeValues(model, object.id);
+}
+
+SignedBits SignedBitsOf(const DataModel::Model& model, DataModel::ObjectId enumeration,
+                        std::uint64_t bitSize) {
+    // Wider fields than that hold numbers, not enumerations.
+    constexpr std::uint64_t most = 62;
+    const bool hasSign = bitSize <= most && HasValuesBelowZero(model, enumeration);
+    return {hasSign ? bitSize : 0};
+}
+
+bool FitsDatatype(const DataModel::Model& model, DataModel::ObjectId type, const Scalar& wanted) {
+    std::optional<Scalar> scalar = ScalarOfType(model, type);
+    if (scalar && !scalar->Fits(wanted)) {
+        const ModelObject object = model.Object(model.WithoutTypedefs(type));
+        if (object.kind == ObjectKind::Enum && !HasValuesBelowZero(model, object.id)) {
+            scalar->kind = Kind::Integer;
+        }
+    }
+    return scalar && scalar->Fits(wanted);
 }
 
 Elements ElementsOf(const DataModel::Model& model, DataModel::ObjectId type) {

@@ -18,7 +18,7 @@ struct Scalar {
     enum class Kind : std::uint8_t {
         Signed,
         Unsigned,
-        /// An integer whose sign doesn't matter, such as a character or a value of an enum.
+        /// An integer whose sign doesn't matter, such as a character.
         Integer,
         Float,
     };
@@ -45,6 +45,40 @@ std::string_view DatatypeOf(const Scalar& scalar);
 /// The scalar of a type in a model, also through typedefs: a base type, an enum or a pointer;
 /// nothing for any other type.
 std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::ObjectId type);
+
+/// True for an enumeration with negative values. The model shows large values of unsigned ones as
+/// negative; those don't count.
+bool HasValuesBelowZero(const DataModel::Model& model, DataModel::ObjectId enumeration);
+
+/// The bits of a field that holds values with a sign. A tool reads them without one: -3 in 4 bits
+/// as 13.
+struct SignedBits {
+    /// 0 if values are read as they are.
+    std::uint64_t size = 0;
+
+    [[nodiscard]] bool Holds(std::int64_t value) const {
+        return size == 0 || (value >= -Half() && value < Half());
+    }
+    /// What a tool reads of a value.
+    [[nodiscard]] std::int64_t WithoutSign(std::int64_t value) const {
+        return size != 0 && value < 0 && Holds(value) ? value + 2 * Half() : value;
+    }
+    /// The value of what a tool reads.
+    [[nodiscard]] std::int64_t WithSign(std::int64_t value) const {
+        return size != 0 && value >= Half() && value < 2 * Half() ? value - 2 * Half() : value;
+    }
+
+private:
+    [[nodiscard]] std::int64_t Half() const { return std::int64_t{1} << (size - 1); }
+};
+
+/// @param bitSize 0 unless it is a bit field
+SignedBits SignedBitsOf(const DataModel::Model& model, DataModel::ObjectId enumeration,
+                        std::uint64_t bitSize);
+
+/// True if a tool reads the values of a type right as a scalar of A2L. An enumeration without
+/// negative values fits either sign.
+bool FitsDatatype(const DataModel::Model& model, DataModel::ObjectId type, const Scalar& wanted);
 
 /// A type as equal elements: one for a scalar or a structure, all elements of an array.
 struct Elements {

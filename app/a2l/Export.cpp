@@ -216,7 +216,8 @@ private:
             Omit(mNoDatatype, inside);
             return;
         }
-        ExportedValues values{bits->datatype, mConversions.Of(member.type), {}, bits->place.mask};
+        ExportedValues values{
+            bits->datatype, mConversions.Of(member.type, member.bitSize), {}, bits->place.mask};
         Part place = inside;
         place.address = bits->place.address;
         WriteObject(place, values,

@@ -144,8 +144,11 @@ void ExportTypes::AppendComponent(std::string& text, const Member& member, bool 
         const auto bits = BitsOf(member, mModel.SizeOf(member.type), member.offset,
                                  mModel.Image().byteOrder == DataModel::ByteOrder::Big, true);
         if (bits) {
-            type = NameOfValues(
-                {bits->datatype, mConversions.Of(member.type), {}, bits->place.mask}, isCalibrated);
+            type = NameOfValues({bits->datatype,
+                                 mConversions.Of(member.type, member.bitSize),
+                                 {},
+                                 bits->place.mask},
+                                isCalibrated);
             offset = bits->place.address;
         }
     } else if (!mIndex.MembersOf(plain).All().empty()) {

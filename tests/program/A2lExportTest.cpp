@@ -1,9 +1,17 @@
+#include "ResultOutput.h"
+
 #include "a2l/Alignments.h"
+#include "a2l/Export.h"
 #include "a2l/ExportText.h"
 #include "a2l/Identifiers.h"
+#include "a2l/SymbolIndex.h"
+#include "a2l/Update.h"
+#include "support/A2lFiles.h"
 #include "support/ModelBuilder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -88,4 +96,63 @@ TEST(A2lExport, FindsAlignmentsInStructures) {
     const Alignments found = AlignmentsOf(image.mModel);
     EXPECT_EQ(found.integers, (std::array<std::uint64_t, 4>{1, 2, 4, 4}));
     EXPECT_EQ(found.floats, (std::array<std::uint64_t, 3>{2, 4, 8}));
+}
+
+namespace {
+
+/// Objects with another type than in the model, by name.
+std::vector<std::string> DifferentObjects(const std::string& text, const DataModel::Model& model) {
+    Tests::A2lFiles files(text);
+    const Document document = files.Parse();
+    const SymbolIndex index(model);
+    const UpdateResult result = Update(document, model, index, {});
+    std::vector<std::string> names;
+    for (std::size_t position = 0; position < result.objects.size(); ++position) {
+        if (!result.objects[position].differences.empty()) {
+            names.emplace_back(document.objects[position].name.Text());
+        }
+    }
+    return names;
+}
+
+} // namespace
+
+TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
+    Tests::ModelBuilder image;
+    const auto enumeration = [&image](const std::string& name, DataModel::ObjectId type,
+                                      std::int32_t value) {
+        const auto table = image.mModel.CreateEnumTable(name, type, image.sGlobalNamespace, false);
+        image.mModel.AddEnumDescriptionToEnumTable(table, value, "FIRST");
+        image.mModel.AddEnumDescriptionToEnumTable(table, 5, "FIVE");
+        return table;
+    };
+    const auto integer = image.Base(BasicTypes::Int32, 4);
+    const auto gear = enumeration("gear", integer, -3);
+    image.Global("gear", gear, 0x1000);
+    image.Global("step", enumeration("step", image.Base(BasicTypes::Char, 1), -3), 0x1004);
+    image.Global("state", enumeration("state", integer, 0), 0x1008);
+    // The model has the largest unsigned value as -1.
+    image.Global("mask", enumeration("mask", image.Base(BasicTypes::UInt32, 4), -1), 0x100C);
+    const auto fields = image.Struct("fields", 4);
+    image.BitField("gear", gear, fields, 0, 4, 4);
+    image.Global("fields", fields, 0x1010);
+
+    std::stringbuf buffer;
+    Program::ResultOutput output(buffer);
+    Export(image.mModel, {}, output);
+    output.Sync();
+    const std::string text = buffer.str();
+    for (const char* const expected :
+         {"SLONG gear 0 0 -2147483648 2147483647", "SBYTE step 0 0 -128 127", "SLONG state 0 0 -",
+          "ULONG mask 0 0 0 4294967295", "-3 \"FIRST\"", "4294967295 \"FIRST\"",
+          // In a field of 4 bits a tool reads -3 as 13.
+          "ULONG gear_", "13 \"FIRST\""}) {
+        EXPECT_THAT(text, testing::HasSubstr(expected));
+    }
+    EXPECT_EQ(DifferentObjects(text, image.mModel), std::vector<std::string>{});
+    std::string withoutSign = text;
+    for (const std::string word : {"SLONG gear", "SLONG state"}) {
+        withoutSign[withoutSign.find(word)] = 'U';
+    }
+    EXPECT_EQ(DifferentObjects(withoutSign, image.mModel), std::vector<std::string>{"gear"});
 }
