@@ -69,6 +69,33 @@ std::string UnknownOptionProblem(const CLI::App& command, const std::string& arg
     return Phrased("{} has no option '{}'", FullName(command), name) + near.Text();
 }
 
+/// Ends a word in brackets on its way through the parser, which would take it for a list of words
+/// where several are allowed. The system passes no argument that contains it.
+constexpr char sBracketMark = '\0';
+
+std::string WithoutMark(std::string word) {
+    if (word.ends_with(sBracketMark)) {
+        word.pop_back();
+    }
+    return word;
+}
+
+/// Marks words in brackets; the options of the command take the mark off again.
+void HideBrackets(CLI::App& command, std::vector<std::string>& arguments) {
+    bool isAny = false;
+    for (std::string& word : arguments) {
+        if (word.starts_with('[') && word.ends_with(']')) {
+            word += sBracketMark;
+            isAny = true;
+        }
+    }
+    if (isAny) {
+        for (CLI::Option* const option : command.get_options()) {
+            option->transform(WithoutMark);
+        }
+    }
+}
+
 bool HasCommand(const CLI::App& program, std::string_view name) {
     return std::ranges::any_of(program.get_subcommands({}), [name](const CLI::App* command) {
         return command->get_name() == name;
@@ -155,21 +182,18 @@ ExitStatus CommandLine::WriteHelp(const Arguments& names, ResultOutput& output) 
 }
 
 void CommandLine::MoveOptionsBehindCommand(Arguments& arguments) const {
-    const auto isCommand = [this](const std::string& argument) {
-        return HasCommand(mProgram, argument);
-    };
-    const auto command = std::ranges::find_if(arguments, isCommand);
-    if (command == arguments.begin() || command == arguments.end() ||
-        !IsOption(arguments.front()) ||
-        mProgram.get_option_no_throw(arguments.front()) != nullptr) {
-        return;
+    auto start = arguments.begin();
+    for (const CLI::App* group = &mProgram; !group->get_subcommands({}).empty(); ++start) {
+        const auto command = std::find_if(
+            start, arguments.end(), [group](const auto& word) { return HasCommand(*group, word); });
+        const bool isInFront = command == start;
+        if (command == arguments.end() ||
+            (!isInFront && (!IsOption(*start) || group->get_option_no_throw(*start) != nullptr))) {
+            return;
+        }
+        group = group->get_subcommand(*command);
+        std::rotate(start, command, command + 1);
     }
-    auto behind = command + 1;
-    const CLI::App* const group = mProgram.get_subcommand(*command);
-    if (behind != arguments.end() && HasCommand(*group, *behind)) {
-        ++behind;
-    }
-    std::rotate(arguments.begin(), command, behind);
 }
 
 ExitStatus CommandLine::Run(Arguments arguments, ResultOutput& output) {
@@ -179,7 +203,7 @@ ExitStatus CommandLine::Run(Arguments arguments, ResultOutput& output) {
     ChooseMessageLanguage(LanguageOf(arguments));
     MoveOptionsBehindCommand(arguments);
     // The parser would look for a command after a word that isn't one.
-    const CLI::App* group = &mProgram;
+    CLI::App* group = &mProgram;
     for (const std::string& word : arguments) {
         if (group->get_subcommands({}).empty() || IsOption(word)) {
             break;
@@ -189,6 +213,7 @@ ExitStatus CommandLine::Run(Arguments arguments, ResultOutput& output) {
         }
         group = group->get_subcommand(word);
     }
+    HideBrackets(*group, arguments);
     try {
         // The parser takes the words from the end.
         std::ranges::reverse(arguments);
@@ -242,8 +267,9 @@ std::string CommandLine::UsageProblem(const CLI::ParseError& error) const {
     if (unknown.empty()) {
         return error.what();
     }
-    const std::string problem = SecondImageProblem(unknown.front());
-    return problem.empty() ? Phrased("unexpected argument '{}'", unknown.front()) : problem;
+    const std::string word = WithoutMark(unknown.front());
+    const std::string problem = SecondImageProblem(word);
+    return problem.empty() ? Phrased("unexpected argument '{}'", word) : problem;
 }
 
 const CLI::App* CommandLine::ChosenCommand() const {

@@ -152,8 +152,8 @@ ExitStatus CompareBuilds(const DiffArguments& arguments, ResultOutput& output) {
     if (filter || format == TableFormat::Json) {
         WriteResult(arguments, builds, result, output);
     }
-    if (!filter && arguments.hasExitCode) {
-        return ExitStatus::Trouble;
+    if (!filter) {
+        return arguments.hasExitCode ? ExitStatus::Trouble : ExitStatus::Failed;
     }
     return DiffStatus(arguments, builds, result.summary);
 }

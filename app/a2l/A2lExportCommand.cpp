@@ -4,6 +4,7 @@
 #include "FileReplacement.h"
 #include "Message.h"
 #include "NamePattern.h"
+#include "NearObjects.h"
 #include "OutputPlaces.h"
 #include "Phrases.h"
 #include "ReadArguments.h"
@@ -53,9 +54,24 @@ bool HasSections(const ExportArguments& arguments, const DataModel::Model& model
     return true;
 }
 
-void TellResult(const ExportArguments& arguments, const ExportResult& result) {
+void TellNothing(const ExportArguments& arguments, const DataModel::Model& model) {
+    if (arguments.choices.patterns.empty()) {
+        Tell(arguments.image, Phrased("no variable"));
+    }
+    for (const std::string& pattern : arguments.choices.patterns) {
+        Tell(arguments.image,
+             Phrased("no leaf matches '{}'", pattern) + NearVariables(model, pattern));
+    }
+}
+
+ExitStatus EndExport(const ExportArguments& arguments, const DataModel::Model& model,
+                     const ExportResult& result) {
     for (const std::string& omission : result.omissions) {
         Tell(arguments.image, omission);
+    }
+    if (result.IsEmpty()) {
+        TellNothing(arguments, model);
+        return ExitStatus::Failed;
     }
     const std::string measurements = std::to_string(result.measurements);
     const std::string characteristics = std::to_string(result.characteristics);
@@ -64,6 +80,7 @@ void TellResult(const ExportArguments& arguments, const ExportResult& result) {
              ? Phrased("{} measurements, {} characteristics, {} instances", measurements,
                        characteristics, std::to_string(result.instances))
              : Phrased("{} measurements, {} characteristics", measurements, characteristics));
+    return ExitStatus::Success;
 }
 
 ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
@@ -81,8 +98,7 @@ ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
         return ExitStatus::Failed;
     }
     if (arguments.output.empty()) {
-        TellResult(arguments, Export(model, arguments.choices, output));
-        return ExitStatus::Success;
+        return EndExport(arguments, model, Export(model, arguments.choices, output));
     }
     try {
         FileReplacement file(arguments.output);
@@ -90,9 +106,10 @@ ExitStatus RunExport(const ExportArguments& arguments, ResultOutput& output) {
         const ExportResult result = Export(model, arguments.choices, fileOutput);
         fileOutput.Sync();
         file.Finish();
-        file.Commit();
-        TellResult(arguments, result);
-        return ExitStatus::Success;
+        if (!result.IsEmpty()) {
+            file.Commit();
+        }
+        return EndExport(arguments, model, result);
     } catch (const std::system_error& error) {
         Tell(arguments.output, SystemReason(error.code()));
         return ExitStatus::Failed;
@@ -131,7 +148,7 @@ void AddA2lExportCommand(CommandLine& commandLine, CLI::App& group) {
         .add_option(
             "PATTERN", choices.patterns,
             "Only the variables and leaves whose name matches one of these: * ? [a-z] as in "
-            "a shell")
+            "a shell; a plain word must be a whole name")
         ->type_name("");
     AddOutputArgument(command, *arguments);
     command.add_flag("--fragment", choices.isFragment,

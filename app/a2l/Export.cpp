@@ -92,11 +92,13 @@ public:
         , mLeavesLeft(choices.limits.leaves) {}
 
     ExportResult Run() {
-        if (!mChoices.isFragment) {
-            WriteStart();
-        }
         mModel.ForEach(ObjectKind::Global,
                        [this](const ModelObject& global) { TakeVariable(global); });
+        TellOmissions();
+        if (mResult.IsEmpty()) {
+            return std::move(mResult);
+        }
+        Start();
         mOutput.Write(mTypes.Text());
         for (const std::string_view datatype : mTypes.LayoutDatatypes()) {
             mDatatypes.insert(datatype);
@@ -108,7 +110,6 @@ public:
         if (!mChoices.isFragment) {
             mOutput.Write("  /end MODULE\n/end PROJECT\n");
         }
-        TellOmissions();
         return std::move(mResult);
     }
 
@@ -129,6 +130,19 @@ private:
         std::size_t ownName = 0;
         bool isWanted = false;
     };
+
+    void Write(std::string_view object) {
+        Start();
+        mOutput.Write(object);
+    }
+
+    /// Writes the head of the file before the first object: if nothing matches, nothing is written.
+    void Start() {
+        if (!mHasStarted && !mChoices.isFragment) {
+            WriteStart();
+        }
+        mHasStarted = true;
+    }
 
     void WriteStart() {
         const DataModel::ImageDescription& image = mModel.Image();
@@ -278,10 +292,10 @@ private:
             symbol.empty() ? symbol : symbol + part.steps, description, *address};
         if (IsCalibrated(path, part.address)) {
             mDatatypes.insert(values.datatype);
-            mOutput.Write(CharacteristicText(object, values, mChoices.version));
+            Write(CharacteristicText(object, values, mChoices.version));
             ++mResult.characteristics;
         } else {
-            mOutput.Write(MeasurementText(object, values, mChoices.version));
+            Write(MeasurementText(object, values, mChoices.version));
             ++mResult.measurements;
         }
     }
@@ -318,7 +332,7 @@ private:
                 .append(QuotedText(mVariable->name.symbol))
                 .append(" 0\n");
         }
-        mOutput.Write(text.append("    /end INSTANCE\n"));
+        Write(text.append("    /end INSTANCE\n"));
         ++mResult.instances;
         return true;
     }
@@ -388,6 +402,7 @@ private:
     IdentifierSet mIdentifiers;
     /// Datatypes that need a record layout.
     std::set<std::string_view> mDatatypes;
+    bool mHasStarted = false;
     const Variable* mVariable = nullptr;
     const ImageSection* mSection = nullptr;
     ExportResult mResult;

@@ -41,8 +41,14 @@ struct ExportResult {
     std::size_t instances = 0;
     /// What was left out, for a person, one text for each cause.
     std::vector<std::string> omissions;
+
+    /// True if nothing matches, not even what was left out.
+    [[nodiscard]] bool IsEmpty() const {
+        return measurements == 0 && characteristics == 0 && instances == 0 && omissions.empty();
+    }
 };
 
+/// Writes nothing if nothing matches.
 /// @throws OutputError if the text can't be written
 ExportResult Export(const DataModel::Model& model, const ExportChoices& choices,
                     ResultOutput& output);

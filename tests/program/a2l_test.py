@@ -376,7 +376,22 @@ class ExportTest(A2lTest):
         self.assertIn("no section matches '.none'; the sections are ", error)
         self.assertEqual(self.files(), [])
 
+    def test_an_export_of_nothing_writes_nothing(self):
+        self.file("old.a2l", "older")
+        for arguments, message in [(["motrs"], "no leaf matches 'motrs'; similar names: motors"),
+                                   (["[xy]"], "no leaf matches '[xy]'")]:
+            for place in ([], ["-o", "old.a2l"]):
+                output, error = self.run_program("export", IMAGE, *arguments, *place, status=1)
+                self.assertEqual(output, "")
+                self.assertIn(message, error)
+        self.assertEqual((self.folder / "old.a2l").read_text(), "older")
+        # Brackets around a whole pattern are a set, as anywhere else in it.
+        output, _ = self.run_program("export", "--fragment", IMAGE, "[t][i][c][k]")
+        self.assertIn("MEASUREMENT tick ", output)
+
     def test_a_fragment_fits_into_a_module(self):
+        self.assertEqual(self.run_program("--fragment", "export", IMAGE, "tick"),
+                         self.run_program("export", "--fragment", IMAGE, "tick"))
         output, found = self.export(IMAGE, "--fragment", fragment_version=60)
         self.assertNotIn("PROJECT", output)
         self.assertGreater(len(found.objects), 100)

@@ -88,13 +88,14 @@ class DiffTest(ProgramTest):
                 self.assertEqual(self.end_of("diff", "--exit-code", OLD, NEW, stdout=full), 2)
 
     def test_patterns(self):
-        for pattern, text in [("motors*", "no differences\n"),
-                              ("motors[1].loops[0].gain", "no differences\n"),
-                              ("motor", "no exact match for 'motor'; listing the variables and"),
-                              ("no*thing", "no variable or leaf of the two files matches 'no*thing'\n"),
-                              ("motrs", "matches 'motrs'; similar names: motors\n")]:
+        for pattern, text, status in [
+                ("motors*", "no differences\n", 0),
+                ("motors[1].loops[0].gain", "no differences\n", 0),
+                ("motor", "no exact match for 'motor'; listing the variables and", 0),
+                ("no*thing", "no variable or leaf of the two files matches 'no*thing'\n", 1),
+                ("motrs", "matches 'motrs'; similar names: motors\n", 1)]:
             with self.subTest(pattern=pattern):
-                output, error = self.run_program("diff", OLD, OLD, pattern)
+                output, error = self.run_program("diff", OLD, OLD, pattern, status=status)
                 self.assertEqual(output, "")
                 self.assertIn(text, error)
 
