@@ -1,5 +1,7 @@
 #include "ChosenColumns.h"
 
+#include "FileInfo.h"
+#include "Message.h"
 #include "ValueCells.h"
 
 #include <CLI/App.hpp>
@@ -20,6 +22,13 @@ void AddChosenColumns(const ChosenColumns& chosen, std::vector<Column>& columns)
     }
     if (chosen.hasValues) {
         columns.insert(columns.end(), sValueColumns.begin(), sValueColumns.end());
+    }
+}
+
+void TellMissingValues(const std::string& file, const DataModel::Model& model,
+                       const ChosenColumns& chosen) {
+    if (chosen.hasValues && !model.Image().hasContents) {
+        Tell(file, WithoutContentsText());
     }
 }
 

@@ -6,6 +6,7 @@
 #include "model/DataModel.h"
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace CLI {
@@ -26,6 +27,10 @@ void AddColumnArguments(CLI::App& command, ChosenColumns& chosen);
 
 /// Adds the chosen columns: the section, then `sValueColumns`.
 void AddChosenColumns(const ChosenColumns& chosen, std::vector<Column>& columns);
+
+/// Says why the column of values is empty if the file has no contents at all.
+void TellMissingValues(const std::string& file, const DataModel::Model& model,
+                       const ChosenColumns& chosen);
 
 /// The name of the section that holds an address, or nothing. Valid as long as the model.
 Cell SectionCell(const DataModel::Model& model, std::uint64_t address);

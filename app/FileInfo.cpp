@@ -39,10 +39,18 @@ std::vector<std::string> NotesOf(const FileInfo& info) {
                                 "without types; compile and link with -g, and read the file "
                                 "before it is stripped"));
     }
+    if (!info.image.hasContents) {
+        notes.push_back(WithoutContentsText());
+    }
     return notes;
 }
 
 } // namespace
+
+std::string WithoutContentsText() {
+    return Phrased("no initial values: only debug information is in this file, not the contents of "
+                   "its sections; the image that it was split from has them");
+}
 
 FileInfo ReadFileInfo(ReadSession& session, const std::string& file) {
     DataModel::Model model;

@@ -33,6 +33,9 @@ struct FileInfo {
     }
 };
 
+/// Why a file of debug information that was split off its image has no initial values.
+std::string WithoutContentsText();
+
 /// Reads a file.
 FileInfo ReadFileInfo(ReadSession& session, const std::string& file);
 

@@ -38,6 +38,7 @@ ExitStatus RunFind(const FindArguments& arguments, ResultOutput& output) {
         MakeTableWriter(TableFormatOf(arguments.format), columns, output, StandardOutputStyle());
     const std::vector<std::string> problems =
         WriteFound(model, WithInputLines(arguments.queries, std::cin), arguments.columns, *table);
+    TellMissingValues(arguments.file, model, arguments.columns);
     if (HasDelivered(result, model)) {
         for (const std::string& problem : problems) {
             Tell(arguments.file, problem);

@@ -49,6 +49,7 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
             return list.hasMatch;
         });
     table->Finish();
+    TellMissingValues(arguments.file, model, *choice);
     for (const std::string& cut : DescribeCuts(cuts, arguments.limits)) {
         Tell(arguments.file, cut);
     }

@@ -43,6 +43,11 @@ constexpr std::array sTranslations = {
                 "eine Datei anderer Art, oder beschädigt: sie hat weder Sektionen im Speicher noch "
                 "Symbole"},
 
+    Translation{"no initial values: only debug information is in this file, not the contents of "
+                "its sections; the image that it was split from has them",
+                "keine Anfangswerte: diese Datei hat nur die Debug-Informationen, nicht die "
+                "Inhalte ihrer Sektionen; die hat das Programm, von dem sie getrennt wurde"},
+
     // Arguments
     Translation{"a command", "ein Befehl"},
     Translation{"{} is required", "{} fehlt"},

@@ -45,6 +45,7 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
                                             return WriteVariables(model, *choice, *table);
                                         });
     table->Finish();
+    TellMissingValues(arguments.file, model, *choice);
     if (hasMatch || !HasDelivered(result, model)) {
         return status;
     }

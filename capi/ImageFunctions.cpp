@@ -45,6 +45,7 @@ brindle_image Described(const ImageDescription& image) {
     description.is_linked = image.isLinked ? 1 : 0;
     description.is_word_addressed = image.isWordAddressed ? 1 : 0;
     description.section_count = image.sections.size();
+    description.has_contents = image.hasContents ? 1 : 0;
     return description;
 }
 

@@ -962,6 +962,9 @@ typedef struct brindle_image {
     /** The target counts memory in words of 16 bits. Addresses and sizes are still in bytes. */
     brindle_bool is_word_addressed;
     size_t section_count;
+    /** False for a file of debug information that was split off its image, by
+     * `objcopy --only-keep-debug`, say: it has no initial bytes. */
+    brindle_bool has_contents;
 } brindle_image;
 
 /** What a section holds. */
@@ -971,7 +974,7 @@ enum {
     /** Constants. */
     BRINDLE_SECTION_READ_ONLY_DATA = 1,
     BRINDLE_SECTION_DATA = 2,
-    /** The file has no bytes for it. */
+    /** The file has no bytes for it, and the target starts with zeros there, or leaves it alone. */
     BRINDLE_SECTION_ZERO = 3
 };
 
@@ -986,7 +989,8 @@ typedef struct brindle_section {
     uint64_t size;
     /** File position of its first byte. */
     uint64_t file_position;
-    /** Bytes of it in the file, at most `size`; those missing at the end are zero. */
+    /** Bytes of it in the file, at most `size`; those missing at the end are zero, or unknown
+     * if the image has no contents. */
     uint64_t file_size;
     brindle_section_kind kind;
 } brindle_section;
@@ -1004,7 +1008,8 @@ BRINDLE_C_API brindle_status brindle_model_section(brindle_model model, size_t i
  *
  * @param bytes receives `size` bytes
  * @return BRINDLE_NOT_FOUND, with `bytes` unchanged, if no single section holds the whole range,
- *     for more than 256 MiB of zeros, or if the file is gone or has changed in length
+ *     for more than 256 MiB of zeros, if the file has no contents, or if the file is gone or has
+ * changed in length
  */
 BRINDLE_C_API brindle_status brindle_model_initial_bytes(brindle_model model, uint64_t address,
                                                          void* bytes, size_t size);

@@ -1,12 +1,17 @@
 // What the headers of a file say to a host, and the bytes that the image gives its memory.
+#include "core/VElfOptions.h"
 #include "host/ContainerDetection.h"
+#include "model/ValueDecoder.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -139,6 +144,52 @@ TEST_F(ImageDescriptionTest, AFileThatIsCutGivesNoMoreBytes) {
     EXPECT_EQ(BytesAt(run, "machine_word"), (Bytes{6, 0, 0, 0}));
     EXPECT_THAT(BytesAt(run, "sine"), IsEmpty());
     EXPECT_THAT(BytesAt(run, "machine_word"), IsEmpty());
+}
+
+/// The 32-bit little-endian image with the sections that a condition chooses turned into such
+/// without bytes (`SHT_NOBITS`), as `objcopy --only-keep-debug` turns all that are allocated.
+template <typename Condition>
+std::string WithEmptiedSections(const std::string& path, Condition isEmptied) {
+    std::ifstream file(path, std::ios::binary);
+    std::string image{std::istreambuf_iterator<char>(file), {}};
+    const auto number = [&image](std::size_t position, std::size_t size) {
+        std::uint32_t value = 0;
+        std::memcpy(&value, image.data() + position, size);
+        return value;
+    };
+    constexpr std::uint32_t allocated = 2;
+    for (std::uint32_t index = 0; index < number(0x30, 2); ++index) {
+        const std::size_t section = number(0x20, 4) + std::size_t{index} * 40;
+        const std::uint32_t flags = number(section + 8, 4);
+        if ((flags & allocated) != 0 && isEmptied(flags)) {
+            image[section + 4] = 8;
+        }
+    }
+    return image;
+}
+
+TEST_F(ImageDescriptionTest, DebugInformationSplitOffItsImageHasNoBytesRatherThanZeros) {
+    const std::string path = BRINDLE_SAMPLE_IMAGES "/arm-c-dwarf4-O0.elf";
+    VElfOptions::mIsFullReading = 1;
+    const ReadRun split = ReadImage(WithEmptiedSections(path, [](std::uint32_t) { return true; }));
+    EXPECT_FALSE(split.model->Image().hasContents);
+    EXPECT_THAT(BytesAt(split, "machine_word"), IsEmpty());
+    EXPECT_THAT(BytesAt(split, "sine"), IsEmpty());
+    EXPECT_EQ(KindAt(split, "machine_word"), SectionKind::Data);
+    EXPECT_EQ(KindAt(split, "sine"), SectionKind::ReadOnlyData);
+    DataModel::ValueDecoder decoder(*split.model);
+    EXPECT_EQ(decoder.InitialValue(split.model->ResolvePath("machine_word").place).origin,
+              DataModel::ValueOrigin::Unknown);
+
+    // An image may reserve memory for code that its start copies there.
+    constexpr std::uint32_t executable = 4;
+    const ReadRun overlay = ReadImage(
+        WithEmptiedSections(path, [](std::uint32_t flags) { return (flags & executable) != 0; }));
+    EXPECT_TRUE(overlay.model->Image().hasContents);
+    const auto zero = std::ranges::find(overlay.model->Image().sections, SectionKind::Zero,
+                                        &DataModel::ImageSection::kind);
+    ASSERT_NE(zero, overlay.model->Image().sections.end());
+    EXPECT_EQ(overlay.model->InitialBytes(zero->address, 1), Bytes{0});
 }
 
 TEST_F(ImageDescriptionTest, ARelocatableFileHasNoSectionsInMemory) {

@@ -176,6 +176,13 @@ namespace Brindle
             get { return model.Image.IsWordAddressed != 0; }
         }
 
+        /// <summary>False for a file of debug information that was split off its image, by
+        /// objcopy --only-keep-debug, say: it has no initial values.</summary>
+        public bool HasContents
+        {
+            get { return model.Image.HasContents != 0; }
+        }
+
         /// <summary>The version of the native library.</summary>
         public static string LibraryVersion
         {

@@ -144,6 +144,7 @@ namespace Brindle
         public int IsLinked;
         public int IsWordAddressed;
         public UIntPtr SectionCount;
+        public int HasContents;
     }
 
     [StructLayout(LayoutKind.Sequential)]

@@ -100,6 +100,12 @@ class Image:
         return bool(self._model.image.is_word_addressed)
 
     @property
+    def has_contents(self) -> bool:
+        """False for a file of debug information that was split off its image, by objcopy --only-keep-debug,
+        say: it has no initial values."""
+        return bool(self._model.image.has_contents)
+
+    @property
     def sections(self) -> Tuple[Section, ...]:
         """The sections in the target's memory, by ascending address."""
         return tuple(

@@ -64,7 +64,8 @@ RowBlock = _structure(
 Image = _structure(
     "Image", ("path", Text), ("file_size", c_uint64), ("container", c_int32), ("byte_order", c_int32),
     ("address_size", c_int32), ("pointer_size", c_int32), ("machine", c_int32),
-    ("is_linked", c_int32), ("is_word_addressed", c_int32), ("section_count", c_size_t))
+    ("is_linked", c_int32), ("is_word_addressed", c_int32), ("section_count", c_size_t),
+    ("has_contents", c_int32))
 Section = _structure(
     "Section", ("name", Text), ("address", c_uint64), ("size", c_uint64), ("file_position", c_uint64),
     ("file_size", c_uint64), ("kind", c_int32))

@@ -76,7 +76,10 @@ DataModel::ImageDescription VElfFile::DescribeImage(DWARFContainerType container
     image.isWordAddressed = mIsWordAddressedTarget;
     // In a relocatable file every section begins at address 0.
     if (image.isLinked) {
-        image.sections = mImageSections.Sorted();
+        image.hasContents = !mImageSections.AreEmptied();
+        image.sections = image.hasContents || mManner == ReadingManner::Classic
+                             ? mImageSections.Sorted()
+                             : mImageSections.SortedByFlags();
     }
     return image;
 }

@@ -16,6 +16,7 @@ constexpr std::size_t sMostSections = 65536;
 constexpr std::size_t sLongestSectionName = 255;
 
 /// ELF section types and flags.
+constexpr std::uint32_t sTypeNote = 7;
 constexpr std::uint32_t sTypeNoBits = 8;
 constexpr std::uint64_t sFlagWrite = 1;
 constexpr std::uint64_t sFlagAllocate = 2;
@@ -33,21 +34,15 @@ constexpr std::uint32_t sPeExecute = 0x20000000;
 constexpr std::uint32_t sPeWrite = 0x80000000;
 
 SectionKind KindOfElfSection(const Elf64_Shdr& section) {
-    if (section.sh_type == sTypeNoBits) {
-        return SectionKind::Zero;
-    }
     if ((section.sh_flags & sFlagExecute) != 0) {
         return SectionKind::Code;
     }
     return (section.sh_flags & sFlagWrite) != 0 ? SectionKind::Data : SectionKind::ReadOnlyData;
 }
 
-SectionKind KindOfPeSection(const ImageSection& section, std::uint32_t characteristics) {
+SectionKind KindOfPeSection(std::uint32_t characteristics) {
     if ((characteristics & (sPeCode | sPeExecute)) != 0) {
         return SectionKind::Code;
-    }
-    if (section.fileSize == 0) {
-        return SectionKind::Zero;
     }
     return (characteristics & sPeWrite) != 0 ? SectionKind::Data : SectionKind::ReadOnlyData;
 }
@@ -69,7 +64,13 @@ void VImageSections::AddElfSection(std::string_view name, const Elf64_Shdr& sect
     }
     ImageSection placed = Placed(section);
     placed.address *= bytesPerAddress;
-    Add(name, placed, KindOfElfSection(section));
+    const SectionKind kind = KindOfElfSection(section);
+    const bool hasBytes = section.sh_type != sTypeNoBits;
+    // A build id stays where everything else is dropped.
+    if (section.sh_size != 0 && section.sh_type != sTypeNote) {
+        NoteContents(kind, hasBytes);
+    }
+    Add(name, placed, kind, hasBytes);
 }
 
 void VImageSections::AddCoffSection(std::string_view name, const Elf64_Shdr& section,
@@ -79,35 +80,59 @@ void VImageSections::AddCoffSection(std::string_view name, const Elf64_Shdr& sec
     }
     const bool isZero = (flags & sCoffBss) != 0 || section.sh_offset == 0;
     const SectionKind kind = (flags & sCoffText) != 0 ? SectionKind::Code : SectionKind::Data;
-    Add(name, Placed(section), isZero ? SectionKind::Zero : kind);
+    // No tool drops the bytes of such files.
+    mHasContents = true;
+    Add(name, Placed(section), kind, !isZero);
 }
 
 void VImageSections::AddPeSection(std::string_view name, const ImageSection& section,
                                   std::uint32_t characteristics) {
     if ((characteristics & sPeDiscardable) == 0) {
-        Add(name, section, KindOfPeSection(section, characteristics));
+        const SectionKind kind = KindOfPeSection(characteristics);
+        const bool hasBytes = section.fileSize != 0;
+        NoteContents(kind, hasBytes);
+        Add(name, section, kind, hasBytes || kind == SectionKind::Code);
     }
 }
 
-void VImageSections::Add(std::string_view name, ImageSection section, SectionKind kind) {
+void VImageSections::NoteContents(SectionKind kind, bool hasBytes) {
+    mHasContents = mHasContents || hasBytes;
+    mHasEmptied = mHasEmptied || (!hasBytes && kind != SectionKind::Data);
+}
+
+void VImageSections::Add(std::string_view name, ImageSection section, SectionKind flagged,
+                         bool hasBytes) {
     if (section.size == 0 || mSections.size() == sMostSections) {
         return;
     }
     section.name = ToHostText(name.substr(0, sLongestSectionName));
-    section.fileSize = kind == SectionKind::Zero ? 0 : std::min(section.fileSize, section.size);
-    section.kind = kind;
-    mSections.push_back(std::move(section));
+    section.fileSize = hasBytes ? std::min(section.fileSize, section.size) : 0;
+    section.kind = hasBytes ? flagged : SectionKind::Zero;
+    mSections.push_back({std::move(section), flagged});
 }
 
 bool VImageSections::Hold(std::uint64_t byteAddress) const {
-    return std::ranges::any_of(
-        mSections, [=](const ImageSection& section) { return section.Holds(byteAddress); });
+    return std::ranges::any_of(mSections, [=](const Collected& collected) {
+        return collected.section.Holds(byteAddress);
+    });
 }
 
 std::vector<ImageSection> VImageSections::Sorted() const {
-    std::vector<ImageSection> sections = mSections;
+    std::vector<ImageSection> sections;
+    sections.reserve(mSections.size());
+    for (const Collected& collected : mSections) {
+        sections.push_back(collected.section);
+    }
     std::ranges::stable_sort(sections, {}, &ImageSection::address);
     return sections;
+}
+
+std::vector<ImageSection> VImageSections::SortedByFlags() const {
+    VImageSections flagged = *this;
+    for (Collected& collected : flagged.mSections) {
+        collected.section.kind = collected.flagged;
+    }
+    return flagged.Sorted();
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -29,14 +29,34 @@ public:
 
     /// The sections with content, ascending by address.
     [[nodiscard]] std::vector<DataModel::ImageSection> Sorted() const;
+    /// The same, each of the kind that its flags name, even if the file has no bytes for it.
+    [[nodiscard]] std::vector<DataModel::ImageSection> SortedByFlags() const;
+
+    /// True if the file has no bytes for any section, although there are some with code or
+    /// constants, which are never cleared at the start: whoever split the debug information off
+    /// (`objcopy --only-keep-debug`) kept the headers and dropped the bytes.
+    [[nodiscard]] bool AreEmptied() const { return mHasEmptied && !mHasContents; }
 
     /// True if a section holds the byte at an address.
     [[nodiscard]] bool Hold(std::uint64_t byteAddress) const;
 
 private:
-    void Add(std::string_view name, DataModel::ImageSection section, DataModel::SectionKind kind);
+    /// A section with its kind as the flags name it.
+    struct Collected {
+        DataModel::ImageSection section;
+        DataModel::SectionKind flagged;
+    };
 
-    std::vector<DataModel::ImageSection> mSections;
+    /// Counts a section for `AreEmptied`.
+    /// @param kind the kind by the flags of its header
+    void NoteContents(DataModel::SectionKind kind, bool hasBytes);
+    /// @param flagged the kind by the flags of its header
+    void Add(std::string_view name, DataModel::ImageSection section, DataModel::SectionKind flagged,
+             bool hasBytes);
+
+    std::vector<Collected> mSections;
+    bool mHasContents = false;
+    bool mHasEmptied = false;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -22,7 +22,8 @@ enum class SectionKind : std::uint8_t {
     /// `Data`.
     ReadOnlyData,
     Data,
-    /// Cleared or left alone when the program starts; the file has no bytes for it.
+    /// Cleared or left alone when the program starts; the file has no bytes for it. In a file
+    /// without contents the full reading finds none: there `Data` may be cleared at the start.
     Zero,
 };
 
@@ -36,7 +37,8 @@ struct ImageSection {
     std::uint64_t size = 0;
     /// File position of its first byte.
     std::uint64_t filePosition = 0;
-    /// Bytes of it in the file, at most `size`; those missing at the end are zero.
+    /// Bytes of it in the file, at most `size`; those missing at the end are zero,
+    /// or unknown in a file without contents.
     std::uint64_t fileSize = 0;
     /// What it holds.
     SectionKind kind = SectionKind::Data;
@@ -67,6 +69,10 @@ struct BRINDLE_EXPORT ImageDescription {
     bool isLinked = true;
     /// The target counts memory in words of 16 bits. All addresses and sizes are in bytes even so.
     bool isWordAddressed = false;
+    /// False for a file of debug information that was split off its image, by
+    /// `objcopy --only-keep-debug`, say: it has the headers of all sections, but not their bytes.
+    /// What memory holds at the start is unknown then, zeros too.
+    bool hasContents = true;
     /// Sections with an address, ascending by it.
     std::vector<ImageSection> sections;
 

@@ -185,8 +185,8 @@ public:
 
     /// The bytes that the image gives a range of the target's memory when the program starts: those
     /// of the file, zeros where a section has none. Empty if no single section holds the whole
-    /// range, if the file is gone or changed in length, or for more than 256 MiB of zeros. Opens
-    /// the file on the first call.
+    /// range, if the file has no contents, is gone or changed in length, or for more than 256 MiB
+    /// of zeros. Opens the file on the first call.
     [[nodiscard]] std::vector<std::uint8_t> InitialBytes(std::uint64_t address,
                                                          std::uint64_t size) const;
 

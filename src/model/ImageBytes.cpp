@@ -28,6 +28,9 @@ std::vector<std::uint8_t> ImageBytes::At(std::uint64_t address, std::uint64_t si
     }
     const std::uint64_t inFile =
         offset < section->fileSize ? std::min(size, section->fileSize - offset) : 0;
+    if (inFile < size && !mDescription.hasContents) {
+        return {};
+    }
     // A header may claim any size: don't allocate for bytes that can't be there, nor, on a system
     // of 32 bits, for more than memory can have.
     std::vector<std::uint8_t> bytes;

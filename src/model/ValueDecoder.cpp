@@ -206,7 +206,8 @@ ValueOrigin ValueDecoder::OriginOf(std::uint64_t address) const {
     if (address - section->address < section->fileSize && section->kind != SectionKind::Zero) {
         return ValueOrigin::Bytes;
     }
-    const bool isCleared = image.container != Reader::DWARF::DWARFContainerType::Container_COFF &&
+    const bool isCleared = image.hasContents &&
+                           image.container != Reader::DWARF::DWARFContainerType::Container_COFF &&
                            !IsLeftAlone(section->name);
     return isCleared ? ValueOrigin::Cleared : ValueOrigin::Unknown;
 }
