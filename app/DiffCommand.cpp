@@ -101,7 +101,11 @@ void WriteResult(const DiffArguments& arguments, const Builds& builds,
                  const DifferenceResult& result, ResultOutput& output) {
     if (TableFormatOf(arguments.format) != TableFormat::Json) {
         output.Sync();
-        const std::string summary = SummaryText(result.summary, arguments.hasSymbols);
+        std::string summary = SummaryText(result.summary, arguments.hasSymbols);
+        if (arguments.hasVariablesOnly) {
+            summary = Phrased("{}; only variables were compared, not their members and elements",
+                              summary);
+        }
         Tell(builds.AreComplete() ? summary
                                   : Phrased("{}, as far as the files were read", summary));
         return;
@@ -197,8 +201,9 @@ void AddDiffCommand(CommandLine& commandLine) {
         ->required()
         ->type_name("");
     AddPatternArguments(command, "variables and leaves", arguments->names);
-    command.add_flag("--variables-only", arguments->hasVariablesOnly,
-                     "Leave out the rows of leaves");
+    command.add_flag(
+        "--variables-only", arguments->hasVariablesOnly,
+        "Compare variables only; a member that moved in its variable is no difference");
     command.add_flag("--symbols", arguments->hasSymbols,
                      "Add rows for symbols without debug information");
     command.add_flag("--exit-code", arguments->hasExitCode,

@@ -56,7 +56,8 @@ ExitStatus RunLeaves(const LeavesArguments& arguments, ResultOutput& output) {
     if (hasMatch || !HasDelivered(result, model)) {
         return status;
     }
-    Tell(arguments.file, EmptyListText(sLeafTexts, names) + NearVariables(model, names.pattern));
+    Tell(arguments.file,
+         EmptyListText(sLeafTexts, arguments.list) + NearVariables(model, names.pattern));
     return EmptyListStatus(names, status);
 }
 

@@ -52,7 +52,9 @@ void AddListArguments(CLI::App& command, const std::string& things, ListArgument
     AddChoiceArgument(command, "--sort", arguments.order, {"address", "name", "size", "file"},
                       "Order of the rows; file is the order of the debug information");
     command
-        .add_option("--unit", arguments.unit, "Only variables of compile units whose name matches")
+        .add_option("--unit", arguments.unit,
+                    "Only static variables of compile units whose name matches; global ones "
+                    "belong to none")
         ->option_text("PATTERN")
         ->take_last();
     AddNumberArgument(command, "--min-size", arguments.leastSize, 0,
@@ -100,6 +102,14 @@ bool ListByPattern(const PatternArguments& arguments, const std::string& file, P
 std::string EmptyListText(const ListTexts& texts, const PatternArguments& arguments) {
     return arguments.pattern.empty() ? Phrased(texts.nothing)
                                      : Phrased(texts.noMatch, arguments.pattern);
+}
+
+std::string EmptyListText(const ListTexts& texts, const ListArguments& arguments) {
+    return EmptyListText(texts, arguments.names) +
+           (arguments.unit.empty()
+                ? std::string()
+                : Phrased("; --unit takes no global variables, since they belong to no compile "
+                          "unit"));
 }
 
 ExitStatus EmptyListStatus(const PatternArguments& arguments, ExitStatus status) {

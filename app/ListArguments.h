@@ -80,6 +80,7 @@ bool ListByPattern(const PatternArguments& arguments, const std::string& file, P
 /// @param status what the reading of the file asks for
 /// @{
 std::string EmptyListText(const ListTexts& texts, const PatternArguments& arguments);
+std::string EmptyListText(const ListTexts& texts, const ListArguments& arguments);
 ExitStatus EmptyListStatus(const PatternArguments& arguments, ExitStatus status);
 /// @}
 

@@ -75,6 +75,9 @@ constexpr std::array sTranslations = {
     Translation{"standard output: {}", "Standardausgabe: {}"},
 
     // Lists
+    Translation{"; --unit takes no global variables, since they belong to no compile unit",
+                "; --unit nimmt keine globalen Variablen, da sie zu keiner Übersetzungseinheit "
+                "gehören"},
     Translation{"no variable", "keine Variable"},
     Translation{"no leaf", "kein Blatt"},
     Translation{"no type", "kein Typ"},
@@ -146,6 +149,8 @@ constexpr std::array sTranslations = {
                 "nicht bis zum Ende gelesen: entfallene Variablen sind nicht aufgeführt"},
     Translation{"no variable or leaf of the two files matches '{}'",
                 "keine Variable und kein Blatt der beiden Dateien passt zu '{}'"},
+    Translation{"{}; only variables were compared, not their members and elements",
+                "{}; verglichen sind nur Variablen, nicht ihre Member und Elemente"},
     Translation{"{}, as far as the files were read", "{}, soweit die Dateien gelesen wurden"},
     Translation{"no differences", "keine Unterschiede"},
     Translation{"{} variable appeared", "{} Variable neu"},

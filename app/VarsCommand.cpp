@@ -50,7 +50,7 @@ ExitStatus RunVars(const VarsArguments& arguments, ResultOutput& output) {
         return status;
     }
     Tell(arguments.file,
-         EmptyListText(sVariableTexts, names) + NearVariables(model, names.pattern));
+         EmptyListText(sVariableTexts, arguments.list) + NearVariables(model, names.pattern));
     return EmptyListStatus(names, status);
 }
 

@@ -72,6 +72,8 @@ class DiffTest(ProgramTest):
         self.assertIn(f"{summary['moved']} variables moved", error)
         self.assertIn("(--symbols lists them)", error)
         self.assertEqual(self.run_program("diff", OLD, OLD), ("", "brindle: no differences\n"))
+        self.assertIn("no differences; only variables were compared",
+                      self.run_program("diff", "--variables-only", OLD, OLD)[1])
 
     def test_exit_code(self):
         missing = str(self.folder / "missing.elf")

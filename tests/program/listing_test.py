@@ -67,6 +67,8 @@ class PatternTest(ProgramTest):
         self.run_program("find", IMAGE, "main_c::counter", status=1)
         self.assertEqual(self.names("leaves", IMAGE, "--unit", "supply", "*.cells\\[1].*")[0],
                          [f"main_supply.cells[1].{member}" for member in ["millivolts", "celsius", "neighbour"]])
+        error = self.run_program("leaves", IMAGE, "motors", "--unit", "motor_c", status=1)[1]
+        self.assertIn("--unit takes no global variables", error)
         error = self.run_program("vars", IMAGE, "--unit", "moter_c", status=1)[1]
         self.assertIn("no compile unit matches 'moter_c'; similar names: motor_c", error)
 
