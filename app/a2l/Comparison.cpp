@@ -183,7 +183,7 @@ void Comparison::CompareValues(const Values& values, const Object& object,
         if (!scalar || !isMeant) {
             continue;
         }
-        if (FitsDatatype(mModel, elements.type, *wanted) && elements.count == values.count) {
+        if (mSigns.Fits(elements.type, *wanted) && elements.count == values.count) {
             CompareEnumeration(object, elements.type, 0, differences);
             return;
         }
@@ -197,7 +197,7 @@ void Comparison::CompareValues(const Values& values, const Object& object,
         }
         return;
     }
-    if (!FitsDatatype(mModel, first->type, *wanted)) {
+    if (!mSigns.Fits(first->type, *wanted)) {
         differences.push_back(
             {"datatype", std::string(values.datatype), mModel.TypeText(first->type)});
     }
@@ -234,7 +234,7 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
                               std::uint64_t bitSize, std::vector<Difference>& differences) const {
     // Several enumerators may have one value; any of their names will do.
     std::multimap<std::int64_t, std::string_view> names;
-    const SignedBits field = SignedBitsOf(mModel, enumeration, bitSize);
+    const SignedBits field = mSigns.BitsOf(enumeration, bitSize);
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
         names.emplace(enumerator.value, enumerator.name);
     }

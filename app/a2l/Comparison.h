@@ -2,6 +2,7 @@
 // the differences; it changes nothing for them.
 #pragma once
 
+#include "a2l/Datatypes.h"
 #include "a2l/Document.h"
 #include "a2l/SymbolIndex.h"
 
@@ -33,6 +34,7 @@ public:
         : mDocument(document)
         , mModel(model)
         , mIndex(index)
+        , mSigns(model)
         , mAddressUnit(addressUnit) {}
 
     /// @param place the place of the object's symbol, without the offset of its link
@@ -68,6 +70,7 @@ private:
     const Document& mDocument;
     const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
+    EnumSigns mSigns;
     std::uint64_t mAddressUnit;
     /// Results for a structure or table of the file and a type of the image with its bits, since
     /// many objects share them.

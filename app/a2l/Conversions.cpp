@@ -17,7 +17,8 @@ constexpr std::string_view sNone = "NO_COMPU_METHOD";
 } // namespace
 
 Conversions::Conversions(const DataModel::Model& model)
-    : mModel(model) {
+    : mModel(model)
+    , mSigns(model) {
     model.ForEach(ObjectKind::Enum, [this](const ModelObject& enumeration) {
         const Table table = MakeTable(enumeration.id, {});
         ++mTablesOfName[table.name][table.pairs];
@@ -57,8 +58,7 @@ std::string Conversions::Of(ObjectId type, std::uint64_t bitSize) {
     if (mModel.Object(enumeration).kind != ObjectKind::Enum || enumeration == 0) {
         return std::string(sNone);
     }
-    const SignedBits field =
-        bitSize == 0 ? SignedBits() : SignedBitsOf(mModel, enumeration, bitSize);
+    const SignedBits field = mSigns.BitsOf(enumeration, bitSize);
     const auto [known, isNew] = mNames.try_emplace({enumeration, field.size}, sNone);
     if (isNew) {
         Table table = MakeTable(enumeration, field);

@@ -22,6 +22,9 @@ public:
     /// @param bitSize 0 unless it is a bit field, from which negative values are read without sign
     std::string Of(DataModel::ObjectId type, std::uint64_t bitSize = 0);
 
+    /// The signs of the model's enumerations.
+    [[nodiscard]] const EnumSigns& Signs() const { return mSigns; }
+
     /// COMPU_METHOD and COMPU_VTAB for each name that was used.
     [[nodiscard]] std::string Text() const;
 
@@ -36,6 +39,7 @@ private:
     [[nodiscard]] Table MakeTable(DataModel::ObjectId enumeration, const SignedBits& field) const;
 
     const DataModel::Model& mModel;
+    EnumSigns mSigns;
     /// How many different tables the enumerations of a name have.
     std::unordered_map<std::string, std::map<std::string, std::size_t>> mTablesOfName;
     /// Names of tables, by the enumeration and the bits of a field with a sign.

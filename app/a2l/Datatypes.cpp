@@ -11,6 +11,7 @@ namespace {
 
 using DataModel::BasicTypes;
 using DataModel::ModelObject;
+using DataModel::ObjectId;
 using DataModel::ObjectKind;
 using Kind = Scalar::Kind;
 
@@ -55,21 +56,13 @@ constexpr std::optional<Kind> KindOf(BasicTypes type) {
     }
 }
 
-bool HasNegativeValues(const DataModel::Model& model, DataModel::ObjectId enumeration) {
-    return std::ranges::any_of(model.Enumerators(enumeration),
-                               [](const auto& enumerator) { return enumerator.value < 0; });
-}
-
-/// The sign of the underlying type; without one, that of the values.
+/// The sign of the underlying type of an enumeration.
 Kind KindOfEnum(const DataModel::Model& model, const ModelObject& enumeration) {
     const ModelObject integer = model.Object(model.WithoutTypedefs(enumeration.type));
     const std::optional<Kind> kind = integer.id != 0 && integer.kind == ObjectKind::Base
                                          ? KindOf(integer.basicType)
                                          : std::nullopt;
-    if (kind == Kind::Signed || kind == Kind::Unsigned) {
-        return *kind;
-    }
-    return HasNegativeValues(model, enumeration.id) ? Kind::Signed : Kind::Integer;
+    return kind == Kind::Signed || kind == Kind::Unsigned ? *kind : Kind::Integer;
 }
 
 } // namespace
@@ -99,27 +92,37 @@ std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::Obj
     return kind ? std::optional(Scalar{*kind, object.size}) : std::nullopt;
 }
 
-bool HasValuesBelowZero(const DataModel::Model& model, DataModel::ObjectId enumeration) {
-    const ModelObject object = model.Object(enumeration);
-    return object.id != 0 && object.kind == ObjectKind::Enum &&
-           KindOfEnum(model, object) != Kind::Unsigned && HasNegativeValues(model, object.id);
+EnumSigns::EnumSigns(const DataModel::Model& model)
+    : mModel(model) {
+    model.ForEach(ObjectKind::Enum, [&](const ModelObject& enumeration) {
+        const bool isNegative = std::ranges::any_of(
+            model.Enumerators(enumeration.id),
+            [](const DataModel::Enumerator& enumerator) { return enumerator.value < 0; });
+        if (isNegative && KindOfEnum(model, enumeration) != Kind::Unsigned) {
+            mBelowZero.insert(enumeration.id);
+        }
+    });
 }
 
-SignedBits SignedBitsOf(const DataModel::Model& model, DataModel::ObjectId enumeration,
-                        std::uint64_t bitSize) {
+SignedBits EnumSigns::BitsOf(ObjectId type, std::uint64_t bitSize) const {
     // Wider fields than that hold numbers, not enumerations.
     constexpr std::uint64_t most = 62;
-    const bool hasSign = bitSize <= most && HasValuesBelowZero(model, enumeration);
-    return {hasSign ? bitSize : 0};
+    return {bitSize <= most && HasValuesBelowZero(type) ? bitSize : 0};
 }
 
-bool FitsDatatype(const DataModel::Model& model, DataModel::ObjectId type, const Scalar& wanted) {
-    std::optional<Scalar> scalar = ScalarOfType(model, type);
-    if (scalar && !scalar->Fits(wanted)) {
-        const ModelObject object = model.Object(model.WithoutTypedefs(type));
-        if (object.kind == ObjectKind::Enum && !HasValuesBelowZero(model, object.id)) {
-            scalar->kind = Kind::Integer;
-        }
+std::optional<Scalar> EnumSigns::ScalarOf(ObjectId type) const {
+    std::optional<Scalar> scalar = ScalarOfType(mModel, type);
+    if (scalar && scalar->kind == Kind::Integer && HasValuesBelowZero(type)) {
+        scalar->kind = Kind::Signed;
+    }
+    return scalar;
+}
+
+bool EnumSigns::Fits(ObjectId type, const Scalar& wanted) const {
+    std::optional<Scalar> scalar = ScalarOf(type);
+    const bool isEnum = mModel.Object(mModel.WithoutTypedefs(type)).kind == ObjectKind::Enum;
+    if (scalar && isEnum && !HasValuesBelowZero(type)) {
+        scalar->kind = Kind::Integer;
     }
     return scalar && scalar->Fits(wanted);
 }

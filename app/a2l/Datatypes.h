@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <unordered_set>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
@@ -18,7 +19,7 @@ struct Scalar {
     enum class Kind : std::uint8_t {
         Signed,
         Unsigned,
-        /// An integer whose sign doesn't matter, such as a character.
+        /// An integer whose sign doesn't matter, such as a character, or isn't known.
         Integer,
         Float,
     };
@@ -46,10 +47,6 @@ std::string_view DatatypeOf(const Scalar& scalar);
 /// nothing for any other type.
 std::optional<Scalar> ScalarOfType(const DataModel::Model& model, DataModel::ObjectId type);
 
-/// True for an enumeration with negative values. The model shows large values of unsigned ones as
-/// negative; those don't count.
-bool HasValuesBelowZero(const DataModel::Model& model, DataModel::ObjectId enumeration);
-
 /// The bits of a field that holds values with a sign. A tool reads them without one: -3 in 4 bits
 /// as 13.
 struct SignedBits {
@@ -72,13 +69,31 @@ private:
     [[nodiscard]] std::int64_t Half() const { return std::int64_t{1} << (size - 1); }
 };
 
-/// @param bitSize 0 unless it is a bit field
-SignedBits SignedBitsOf(const DataModel::Model& model, DataModel::ObjectId enumeration,
-                        std::uint64_t bitSize);
+/// Which enumerations of a model have negative values. The model shows large values of unsigned
+/// ones as negative; those don't count.
+class EnumSigns {
+public:
+    /// @param model borrowed; must not change during the life of the object
+    explicit EnumSigns(const DataModel::Model& model);
 
-/// True if a tool reads the values of a type right as a scalar of A2L. An enumeration without
-/// negative values fits either sign.
-bool FitsDatatype(const DataModel::Model& model, DataModel::ObjectId type, const Scalar& wanted);
+    /// @param bitSize 0 unless it is a bit field
+    [[nodiscard]] SignedBits BitsOf(DataModel::ObjectId type, std::uint64_t bitSize) const;
+
+    /// As `ScalarOfType`, with the sign of the values if the type has none.
+    [[nodiscard]] std::optional<Scalar> ScalarOf(DataModel::ObjectId type) const;
+
+    /// True if a tool reads the values of a type right as a scalar of A2L. An enumeration without
+    /// negative values fits either sign.
+    [[nodiscard]] bool Fits(DataModel::ObjectId type, const Scalar& wanted) const;
+
+private:
+    [[nodiscard]] bool HasValuesBelowZero(DataModel::ObjectId type) const {
+        return mBelowZero.contains(mModel.WithoutTypedefs(type));
+    }
+
+    const DataModel::Model& mModel;
+    std::unordered_set<DataModel::ObjectId> mBelowZero;
+};
 
 /// A type as equal elements: one for a scalar or a structure, all elements of an array.
 struct Elements {

@@ -76,7 +76,7 @@ std::optional<ExportedValues> ExportTypes::ValuesOf(ObjectId type, Version versi
         }
         return ExportedValues{"UBYTE", mConversions.Of(0), dimensions, {}};
     }
-    const std::optional<Scalar> scalar = ScalarOfType(mModel, elements.type);
+    const std::optional<Scalar> scalar = mConversions.Signs().ScalarOf(elements.type);
     if (!scalar) {
         return std::nullopt;
     }

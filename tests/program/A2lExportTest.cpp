@@ -133,6 +133,9 @@ TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
     image.Global("state", enumeration("state", integer, 0), 0x1008);
     // The model has the largest unsigned value as -1.
     image.Global("mask", enumeration("mask", image.Base(BasicTypes::UInt32, 4), -1), 0x100C);
+    // Older compilers state only the size.
+    const auto bare = image.mModel.CreateUnknownEntryType(4, image.sGlobalNamespace);
+    image.Global("turn", enumeration("turn", bare, -3), 0x1014);
     const auto fields = image.Struct("fields", 4);
     image.BitField("gear", gear, fields, 0, 4, 4);
     image.Global("fields", fields, 0x1010);
@@ -144,7 +147,7 @@ TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
     const std::string text = buffer.str();
     for (const char* const expected :
          {"SLONG gear 0 0 -2147483648 2147483647", "SBYTE step 0 0 -128 127", "SLONG state 0 0 -",
-          "ULONG mask 0 0 0 4294967295", "-3 \"FIRST\"", "4294967295 \"FIRST\"",
+          "ULONG mask 0 0 0 4294967295", "SLONG turn", "-3 \"FIRST\"", "4294967295 \"FIRST\"",
           // In a field of 4 bits a tool reads -3 as 13.
           "ULONG gear_", "13 \"FIRST\""}) {
         EXPECT_THAT(text, testing::HasSubstr(expected));
