@@ -396,6 +396,96 @@ TEST_F(FullTreeTest, ElementsOfAnArrayLieWhereItSays) {
     }
 }
 
+TEST_F(FullTreeTest, MembersOfVariantsBelongToTheStructure) {
+    const DieLabel number, payload, record;
+    const DwarfSections sections = Unit({
+        UInt(number, 2),
+        Struct(payload, "Payload", 4, {Member("level", number, 2)}),
+        Struct(record, "Record", 8,
+               {Die(DW_TAG_variant_part, {},
+                    {Part(number, 0), Die(DW_TAG_variant, {}, {Member("first", payload, 4)}),
+                     Die(DW_TAG_variant, {},
+                         {Die(DW_TAG_variant_part, {},
+                              {Die(DW_TAG_variant, {}, {Member("inner", number, 6)}),
+                               Die(DW_TAG_variant, {})}),
+                          Member("second", number, 4)})}),
+                Member("kind", number, 0)}),
+        Variable("v", record),
+    });
+    EXPECT_THAT(Leaves(sections, true),
+                ElementsAre("v.kind@0 2", "v.first.level@6 2", "v.second@4 2", "v.inner@6 2"));
+    EXPECT_THAT(Leaves(sections, false), ElementsAre("v.kind@0 2"));
+}
+
+// Arrays with 2 bytes per element whose index type has the values 2, 5 and 9.
+TEST_F(FullTreeTest, AnArrayHasAnElementForEachEnumeratorOfItsIndex) {
+    const DieLabel color, warm, alias, yes, number, rows;
+    const auto range = [](DieLabel type, std::int64_t lowest, std::int64_t highest) {
+        return Die(DW_TAG_subrange_type, {Type(type), LowerBound(lowest), UpperBound(highest)});
+    };
+    const auto value = [](const char* name, std::int64_t constant) {
+        return Die(DW_TAG_enumerator, {Name(name), ConstValue(constant)});
+    };
+    const struct {
+        const char* what;
+        DieLabel element;
+        std::vector<DieAttribute> array;
+        std::vector<Die> indices;
+        const char* full;
+        const char* classic;
+    } cases[] = {
+        {"whole", number, {}, {range(color, 2, 9)}, "uint16[3]", "uint16[8]"},
+        {"part, by other names", number, {}, {range(alias, 5, 9)}, "uint16[2]", "uint16[5]"},
+        {"without gaps", number, {}, {range(yes, 0, 1)}, "uint16[2]", "uint16[2]"},
+        {"of two",
+         number,
+         {},
+         {range(color, 2, 9), range(yes, 0, 1)},
+         "uint16[3][2]",
+         "uint16[8][2]"},
+        {"bound without enumerator", number, {}, {range(color, 3, 9)}, "uint16[0]", "uint16[7]"},
+        {"bound without enumerator, but a size",
+         number,
+         {ByteSize(6)},
+         {range(color, 3, 9)},
+         "unknown(6)",
+         "uint16[7]"},
+        {"index without bounds",
+         number,
+         {},
+         {Die(DW_TAG_enumeration_type, {ByteSize(1)}, {value("one", 1)}), range(yes, 0, 1)},
+         "uint16[0]",
+         "uint16[2]"},
+        {"stride as if rows had gaps",
+         rows,
+         {Stride(DW_AT_bit_stride, 128)},
+         {range(color, 2, 9)},
+         "uint16[0][3]",
+         "uint16[8][8]"},
+    };
+    for (const auto& example : cases) {
+        const DieLabel array;
+        std::vector<DieAttribute> attributes = example.array;
+        attributes.push_back(Type(example.element));
+        const DwarfSections sections =
+            Unit({UInt(number, 2), Variable("v", array),
+                  Die(color, DW_TAG_enumeration_type, {Name("Color"), ByteSize(1)},
+                      {value("red", 2), value("green", 5), value("lime", 5), value("blue", 9)}),
+                  Die(warm, DW_TAG_subrange_type, {Type(color), LowerBound(2), UpperBound(9)}),
+                  Die(alias, DW_TAG_typedef, {Name("Warm"), Type(warm)}),
+                  Die(yes, DW_TAG_enumeration_type, {Name("Yes"), ByteSize(1)},
+                      {value("no", 0), value("yes", 1)}),
+                  Die(rows, DW_TAG_array_type, {Type(number)}, {range(color, 2, 9)}),
+                  Die(array, DW_TAG_array_type, attributes, example.indices)});
+        EXPECT_THAT(ScopedVariables(Read(sections, true)),
+                    ElementsAre("::v@4096 " + std::string(example.full)))
+            << example.what;
+        EXPECT_THAT(ScopedVariables(Read(sections, false)),
+                    ElementsAre("::v@4096 " + std::string(example.classic)))
+            << example.what;
+    }
+}
+
 // A bound that is in a variable is known only at run time.
 TEST_F(FullTreeTest, AVariableIsNoBound) {
     const DieLabel number, array, bound;

@@ -4,9 +4,9 @@
 //
 //     its scope, its type, the entry that it completes, and on from each of these;
 //     the definition in place of a declaration;
-//     members, base classes, enumerators and functions of a type, once that is reached, in the full
-//     manner those within its variants too;
-//     the parameters of a function type.
+//     members, base classes, enumerators and functions of a type, once that is reached;
+//     the parameters of a function type;
+//     in the full manner, the members in variants, and the index types of an array.
 //
 // Units are read one after the other, each as long as its bodies lead to others of the same unit.
 // What is read gets its links, its names and its places in the tree as if it had been there from
@@ -105,10 +105,10 @@ private:
         }
     }
 
-    /// True for an entry without body whose children are delivered with it.
+    /// True for an entry without body whose children are asked for with it.
     [[nodiscard]] bool HasReachedChildren(dwarf_tag tag) const {
-        return tag == DW_TAG_subroutine_type ||
-               (IsOfVariants(tag) && mSection.mElfFile->mManner == ReadingManner::Full);
+        return tag == DW_TAG_subroutine_type || ((IsOfVariants(tag) || tag == DW_TAG_array_type) &&
+                                                 mSection.mElfFile->mManner == ReadingManner::Full);
     }
 
     void ReachScope(const VDebugInfoNode& node) {

@@ -72,6 +72,9 @@ void TakeOverFromOrigins(VDwarf2Section& section);
 /// Before 7: bit fields lie inside the storage that their type names.
 void PlaceBitFields(VDwarf2Section& section);
 
+/// Before 7: an array whose index is an enumeration has an element for each enumerator.
+void CountIndexedElements(VDwarf2Section& section);
+
 /// Before 7: rvalue references and pointers to members have sizes of their own.
 void SettlePointerSizes(VDwarf2Section& section);
 

@@ -53,6 +53,7 @@ constexpr ResolutionPass sFullPasses[] = {
     ReadReachedBodies,
     PlaceBitFields,
     SettlePointerSizes,
+    CountIndexedElements,
     ResolveAllSizes,
     MarkRedundantDeclarations,
     FlattenAllAnonymousMembers,

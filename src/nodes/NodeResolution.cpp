@@ -230,8 +230,10 @@ VDebugInfoNode::SizeSource VDebugInfoNodeArray::PrepareByteSize(const VDieNodes&
 }
 
 void VDebugInfoNodeArray::TakeByteSizeOfType(const VDebugInfoNode& type) {
-    if (mHasStrides) {
-        SetByteSize(static_cast<std::int32_t>((ExtentOf(type.GetByteSize()).bits + 7) / 8));
+    if (mHasStrides && !mHasUnknownDimensions) {
+        const Extent extent = ExtentOf(type.GetByteSize());
+        mHasUnknownDimensions = !extent.isDense && HasElementsOfIndexWithGaps();
+        SetByteSize(mHasUnknownDimensions ? 0 : static_cast<std::int32_t>((extent.bits + 7) / 8));
         return;
     }
     SetByteSize(static_cast<std::int32_t>(static_cast<std::uint32_t>(type.GetByteSize()) *

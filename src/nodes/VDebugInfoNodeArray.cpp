@@ -28,7 +28,15 @@ std::optional<std::uint32_t> BoundOf(const VAttributeValue& value, const VDieNod
 
 } // namespace
 
+void VDebugInfoNodeSubrange::SetDimension(std::uint32_t dimension) {
+    mDimension = dimension;
+    mIsDimensionSet = true;
+}
+
 void VDebugInfoNodeSubrange::ResolveDimension(const VDieNodes& nodes) {
+    if (mIsDimensionSet) {
+        return;
+    }
     const std::optional<std::uint32_t> upperBound = BoundOf(mUpperBound, nodes);
     std::uint32_t dimension = 0;
     if (upperBound) {
@@ -73,6 +81,10 @@ void VDebugInfoNodeArray::ForEachDimension(Visitor&& visit) const {
         return;
     }
     bool hasVisited = false;
+    if (mHasUnknownDimensions) {
+        visit(std::uint32_t{0});
+        return;
+    }
     ForEachSubrange([&](const VDebugInfoNodeSubrange& subrange) {
         if (subrange.GetDimension() != 0) {
             visit(subrange.GetDimension());
@@ -116,10 +128,17 @@ VDebugInfoNodeArray::Extent VDebugInfoNodeArray::ExtentOf(std::int32_t elementSi
     return extent;
 }
 
+bool VDebugInfoNodeArray::HasElementsOfIndexWithGaps() const {
+    VDebugInfoNode* type = GetPlainTypeNode();
+    const VDebugInfoNodeArray* array = type != nullptr ? type->AsArrayNode() : nullptr;
+    return array != nullptr && array->mHasIndexWithGaps;
+}
+
 bool VDebugInfoNodeArray::HasScatteredElements() const {
     const VDebugInfoNode* type = GetTypeNode();
     const std::int32_t elementSize = type != nullptr ? type->GetByteSize() : 0;
-    return mHasComputedPlace || (mHasStrides && elementSize > 0 && !ExtentOf(elementSize).isDense);
+    return mHasComputedPlace || mHasUnknownDimensions ||
+           (mHasStrides && elementSize > 0 && !ExtentOf(elementSize).isDense);
 }
 
 std::string VDebugInfoNodeArray::GetArrayDimensionText() const {

@@ -25,8 +25,10 @@ public:
     [[nodiscard]] VDebugInfoNode* GetUpperBoundNode() const { return mUpperBoundNode; }
     [[nodiscard]] VDebugInfoNode* GetCountNode() const { return mCountNode; }
 
-    /// Computes the number of elements from the bounds, which may be variables in memory.
+    /// Computes the number of elements from the bounds, which may be variables in memory, unless it
+    /// was set.
     void ResolveDimension(const VDieNodes& nodes);
+    void SetDimension(std::uint32_t dimension);
     /// Number of elements; 0 if the bounds give none.
     [[nodiscard]] std::uint32_t GetDimension() const { return mDimension; }
     /// Distance between elements of the dimension in bits; 0 if the entry doesn't give it.
@@ -44,6 +46,7 @@ private:
     std::uint64_t mStrideInBits = 0;
     std::uint32_t mDimension = 0;
     bool mHasComputedPlace = false;
+    bool mIsDimensionSet = false;
 };
 
 /// An array. Its dimensions are those of its subranges, in the order of memory: the index of the
@@ -64,6 +67,10 @@ public:
 
     /// Records that a dimension says where its elements lie.
     void SetHasStrides() { mHasStrides = true; }
+    /// Records that elements can't be told from the bounds. The array then has no dimension.
+    void SetDimensionsUnknown() { mHasUnknownDimensions = true; }
+    /// Records that there are values of an index without elements.
+    void SetHasIndexWithGaps() { mHasIndexWithGaps = true; }
     /// Settles the dimensions, once.
     void ResolveArrayDimensions(const VDieNodes& nodes);
     /// The dimensions; empty before they are settled, never empty afterwards: an array without
@@ -90,6 +97,9 @@ private:
     void ForEachSubrange(Visitor&& visit) const;
     template <typename Visitor>
     void ForEachDimension(Visitor&& visit) const;
+    /// True for an array of arrays with such an index. Compilers compute its stride as if the
+    /// elements had gaps too.
+    [[nodiscard]] bool HasElementsOfIndexWithGaps() const;
     /// For arrays with strides; others only need the number of elements.
     [[nodiscard]] Extent ExtentOf(std::int32_t elementSize) const;
 
@@ -100,6 +110,8 @@ private:
     bool mHasComputedPlace = false;
     /// The array or one of its dimensions gives a stride.
     bool mHasStrides = false;
+    bool mHasUnknownDimensions = false;
+    bool mHasIndexWithGaps = false;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -17,6 +17,8 @@ NodeGroup GroupOf(dwarf_tag tag) {
     case DW_TAG_member:
     case DW_TAG_enumeration_type:
         return NodeGroup::MembersAndEnumerations;
+    case DW_TAG_array_type:
+        return NodeGroup::Arrays;
     case DW_TAG_rvalue_reference_type:
     case DW_TAG_ptr_to_member_type:
         return NodeGroup::OtherPointers;

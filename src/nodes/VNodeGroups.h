@@ -19,6 +19,7 @@ enum class NodeGroup : std::uint8_t {
     /// See `IsGroupedType`.
     GroupedTypes,
     MembersAndEnumerations,
+    Arrays,
     /// Rvalue references and pointers to members.
     OtherPointers,
     None
