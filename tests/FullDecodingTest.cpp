@@ -8,6 +8,7 @@
 #include "support/SectionRun.h"
 #include "support/UsualEntries.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -273,14 +274,17 @@ TEST_F(FullDecodingTest, EscapeValueMakes64BitDwarfInEitherClass) {
     }
 }
 
-/// A unit whose variable has a type with this signature, and the type unit.
+/// A unit whose variable has a type with this signature, and the type unit. The declaration repeats
+/// a member, as compilers do for members that a derived class imports.
 DwarfSections TypeUnitSections(int version, bool throughDeclaration, dwarf_tag tag) {
-    const DieLabel number, type, declaration;
+    const DieLabel number, repeated, type, declaration;
     constexpr std::uint64_t signature = 0x1122334455667788;
     const DwarfUnit user{
         .entries = {UnitDie(
             {Die(declaration, tag,
-                 {Declaration(), Number(DW_AT_signature, DW_FORM_ref_sig8, signature)}),
+                 {Declaration(), Number(DW_AT_signature, DW_FORM_ref_sig8, signature)},
+                 {Member("speed", repeated, 4)}),
+             Int(repeated),
              Die(DW_TAG_variable,
                  {Name("g"),
                   throughDeclaration ? Type(declaration)
@@ -312,6 +316,17 @@ TEST_F(FullDecodingTest, SignaturesLeadToTypesOfOtherUnits) {
             }
         }
     }
+}
+
+TEST_F(FullDecodingTest, AMemberThatADeclarationRepeatsIsThereOnce) {
+    VElfOptions::mIsFullReading = 1;
+    const DwarfSections sections = TypeUnitSections(5, true, DW_TAG_structure_type);
+    const ReadRun run =
+        ReadImage((ElfImage() + sections).Build(), DWARFContainerType::Container_ELF, true);
+    EXPECT_EQ(std::ranges::count_if(
+                  run.calls,
+                  [](const std::string& call) { return call.find("speed") != std::string::npos; }),
+              1);
 }
 
 TEST_F(FullDecodingTest, SignaturesThatNameEachOtherLeadNowhere) {

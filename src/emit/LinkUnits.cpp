@@ -35,13 +35,17 @@ std::uint32_t EndOfChain(const TypeOfDeclaration& types, std::uint32_t offset) {
     return 0;
 }
 
-/// Contents of a declaration, such as its static members, get their scope from the definition.
-void MoveScope(VDebugInfoNode& declaration, VDebugInfoNode& definition) {
+/// Contents of a declaration, such as its static members, get their scope from the definition. Its
+/// other members, which compilers repeat there for imports, are members of the definition already.
+void MoveScope(VDebugInfoNode& declaration, VDebugInfoNode& definition, VNodeArena& arena) {
     for (VDebugInfoNode* child : declaration.Children()) {
         if (child->GetParent() == &definition) {
             break;
         }
         child->SetParent(&definition);
+        if (child->GetTag() == DW_TAG_member && !child->IsDeclaration()) {
+            child->SetDeliveryRefused(arena);
+        }
     }
 }
 
@@ -58,7 +62,7 @@ void LinkTypeDeclarations(VDwarf2Section& section) {
         }
         if (definition->GetTypeOrSpecificationNode() != declaration) {
             declaration->SetDeclarationResolved(definition);
-            MoveScope(*declaration, *definition);
+            MoveScope(*declaration, *definition, section.mArena);
         }
     }
 }

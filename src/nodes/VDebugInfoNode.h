@@ -359,7 +359,7 @@ public:
     [[nodiscard]] std::uint32_t GetEmissionFrame() const { return mExtrasOrDelivery.Frame(); }
     void SetEmissionFrame(std::uint32_t frame) { mExtrasOrDelivery.SetFrame(frame); }
 
-    /// True if the host returned no object on request; it isn't asked again.
+    /// True if the host returned no object or has it from another node; it isn't asked again.
     [[nodiscard]] bool IsDeliveryRefused() const {
         const VNodeDelivery* delivery = mExtrasOrDelivery.Get();
         return delivery != nullptr && delivery->mIsRefused;
