@@ -112,6 +112,28 @@ TEST_F(FullTreeTest, AnInstanceHasNameTypeScopeAndLinkageOfItsOrigin) {
     EXPECT_THAT(ScopedVariables(Read(sections, false)), IsEmpty());
 }
 
+// Host names of units have no folders. What counts is the source: a unit that is compiled twice is
+// one, and its second variable gets a number.
+TEST_F(FullTreeTest, UnitsOfOneFileNameInDifferentFoldersStayApart) {
+    const auto unit = [](const std::string& path, std::uint64_t address) {
+        const DieLabel number;
+        return Die(DW_TAG_compile_unit, {Name(path), CompDir("/build")},
+                   {UInt(number, 4),
+                    Die(DW_TAG_variable, {Name("gain"), Type(number), Address(address)})});
+    };
+    const DwarfSections sections = DwarfSections()
+                                       .Unit({unit("left/a.c", 0x1000)})
+                                       .Unit({unit("right/a.c", 0x1004)})
+                                       .Unit({unit("left/a.c", 0x1008)});
+    const ReadRun run = Read(sections, true);
+    EXPECT_THAT(ScopedVariables(run), ElementsAre("a_c::gain@4096 uint32", "a_c::gain@4100 uint32",
+                                                  "a_c::gain.2@4104 uint32"));
+    EXPECT_EQ(run.model->ResolvePaths("gain").size(), 3U);
+    EXPECT_THAT(
+        ScopedVariables(Read(sections, false)),
+        ElementsAre("a_c::gain@4096 uint32", "a_c::gain.2@4100 uint32", "a_c::gain.3@4104 uint32"));
+}
+
 // Name and scope come from entries of one variable, however far a damaged chain goes on.
 TEST_F(FullTreeTest, AChainOfSpecificationsGoesNoFurtherThanItsVariable) {
     const DieLabel number, other, nameless, third, fourth, ofOther, ofNameless, ofThird, ofSpace;

@@ -86,6 +86,7 @@ void VDebugInfoNodeCompileUnit::InitFromDie(const VDie2& die, VDwarf2Section& se
     mCompUnitDir = Keep(die.GetRareAttributes().mCompDir, section);
     // If units overlap, the tree holds only the first; no pass visits the others.
     if (section.mElfFile->mManner == ReadingManner::Full) {
+        mUnitPath = Keep(die.GetRareAttributes().mUnitPath, section);
         mFirstKindOfCompileUnit = this;
     }
 }

@@ -455,6 +455,9 @@ void VDie2::StoreName(const char* name) {
     mName =
         name != nullptr ? mSection->mTexts.Allow(name, sMaximumNameLength) : VDieText{"unknown"};
     if (name != nullptr && mTag == DW_TAG_compile_unit) {
+        if (mManner == ReadingManner::Full) {
+            Rare().mUnitPath = MakeAttributeString(name);
+        }
         ShortenUnitName();
     }
 }

@@ -75,6 +75,8 @@ struct VDieAttributes {
 /// Attributes that few entries have.
 struct VRareDieAttributes {
     VAttributeString mCompDir;
+    /// The name of a unit with its folders, which `mName` lacks; only in a full reading.
+    VAttributeString mUnitPath;
     /// At most 1024 characters.
     VAttributeString mProducer;
     VAttributeValue mCount;

@@ -57,6 +57,9 @@ void FlattenAnonymousMembers(VDwarf2Section& section);
 /// @name Passes of the full reading only
 /// @{
 
+/// Instead of 5: units of one name in different folders stay apart.
+void UnifyUnitsOfOneSource(VDwarf2Section& section);
+
 /// Before 6: variables that the linker discarded lose their location.
 void LeaveOutDiscardedVariables(VDwarf2Section& section);
 

@@ -10,6 +10,7 @@
 
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -45,7 +46,7 @@ constexpr ResolutionPass sFullPasses[] = {
     LinkUnits,
     BreakAllReferenceCycles,
     ReadEntriesForSizes,
-    UnifyCompileUnits,
+    UnifyUnitsOfOneSource,
     LeaveOutDiscardedVariables,
     ResolveDeclaredVariables,
     TakeOverFromOrigins,
@@ -71,6 +72,19 @@ bool IsPointerToMemberFunction(const VDebugInfoNode& pointer) {
 std::span<const ResolutionPass> PassesOf(ReadingManner manner) {
     return manner == ReadingManner::Full ? std::span<const ResolutionPass>(sFullPasses)
                                          : std::span<const ResolutionPass>(sClassicPasses);
+}
+
+/// Gives each unit the first one of its name, as `nameOf` sees it, and directory.
+template <typename NameOf>
+void UnifyUnits(VDwarf2Section& section, NameOf&& nameOf) {
+    std::unordered_map<std::string, VDebugInfoNode*, SeededHash> firstOfKind;
+    section.mDieNodes.ForEachOf(NodeGroup::CompileUnits, [&](VDebugInfoNode& unit) {
+        std::string key(nameOf(unit));
+        if (const VAttributeString directory = unit.GetCompUnitDirAttribute(); directory.mDefined) {
+            key.append(";").append(directory.mValue);
+        }
+        unit.SetFirstKindOfCompileUnit(firstOfKind.try_emplace(key, &unit).first->second);
+    });
 }
 
 } // namespace
@@ -117,13 +131,15 @@ void SettlePointerSizes(VDwarf2Section& section) {
 /// A source that is compiled twice, such as channel.c with -DFN=left and with -DFN=right, makes
 /// two units of one name and directory. A host sees them as one object, that of the first.
 void UnifyCompileUnits(VDwarf2Section& section) {
-    std::unordered_map<std::string, VDebugInfoNode*, SeededHash> firstOfKind;
-    section.mDieNodes.ForEachOf(NodeGroup::CompileUnits, [&](VDebugInfoNode& unit) {
-        std::string key(unit.GetName());
-        if (const VAttributeString directory = unit.GetCompUnitDirAttribute(); directory.mDefined) {
-            key.append(";").append(directory.mValue);
-        }
-        unit.SetFirstKindOfCompileUnit(firstOfKind.try_emplace(key, &unit).first->second);
+    UnifyUnits(section, [](const VDebugInfoNode& unit) { return unit.GetName(); });
+}
+
+/// The names of units have no folders, so that left/gains.c and right/gains.c, compiled in one
+/// directory, would look like one source.
+void UnifyUnitsOfOneSource(VDwarf2Section& section) {
+    UnifyUnits(section, [](const VDebugInfoNode& unit) -> std::string_view {
+        const VAttributeString path = unit.GetUnitPath();
+        return path.mDefined ? path.mValue : unit.GetName();
     });
 }
 

@@ -306,6 +306,8 @@ public:
         return sEmptyAttributeValue;
     }
     [[nodiscard]] virtual VAttributeString GetCompUnitDirAttribute() const { return {}; }
+    /// The name of a unit with its folders.
+    [[nodiscard]] virtual VAttributeString GetUnitPath() const { return {}; }
     [[nodiscard]] virtual VAttributeString GetProducer() const { return {}; }
 
     /// @}

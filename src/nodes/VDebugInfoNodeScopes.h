@@ -22,7 +22,7 @@ public:
     [[nodiscard]] const char* GetDefaultName() const override { return "<unnamed-compile-unit>"; }
     void SetPartial() { mIsPartial = true; }
     void SetImported() override { mIsImported = mIsPartial; }
-    /// The first unit of the same name and directory, which may be this one. All units of a kind
+    /// The first unit of the same source and directory, which may be this one. All units of a kind
     /// share one host object.
     [[nodiscard]] VDebugInfoNode* GetFirstKindOfCompileUnit() const override {
         return mFirstKindOfCompileUnit;
@@ -31,6 +31,7 @@ public:
         mFirstKindOfCompileUnit = node;
     }
     [[nodiscard]] VAttributeString GetCompUnitDirAttribute() const override { return mCompUnitDir; }
+    [[nodiscard]] VAttributeString GetUnitPath() const override { return mUnitPath; }
     [[nodiscard]] VAttributeString GetProducer() const override { return mProducer; }
 
 private:
@@ -38,6 +39,8 @@ private:
     bool mIsPartial = false;
     bool mIsImported = false;
     VAttributeString mCompUnitDir;
+    /// Only in a full reading.
+    VAttributeString mUnitPath;
     VAttributeString mProducer;
 };
 
