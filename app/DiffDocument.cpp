@@ -37,6 +37,8 @@ void WriteDiffEnd(bool isComplete, const DifferenceSummary& summary, ResultOutpu
     WriteField(json, "changed", summary.changed);
     WriteField(json, "leaves", summary.leaves);
     WriteField(json, "symbols", summary.symbols);
+    WriteField(json, "renumbered", summary.sharedNames.renumbered);
+    WriteField(json, "comparedByOrder", summary.sharedNames.byOrder);
     json.EndObject();
     output.Write("}\n");
 }

@@ -148,6 +148,7 @@ DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
                 model.Object(model.CompileUnitOf(latest.place.global)).name},
             ColourOf(difference));
     });
+    result.summary.sharedNames = comparison.Remarks();
     result.cuts = {comparison.OldCuts(), comparison.NewCuts()};
     return result;
 }
@@ -169,7 +170,26 @@ std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols) {
     if (summary.symbols != 0 && !hasSymbols) {
         text = Phrased("{} (--symbols lists them)", text);
     }
-    return text.empty() ? Phrased("no differences") : text;
+    const auto& names = summary.sharedNames;
+    if (text.empty()) {
+        text = names.byOrder == 0 ? Phrased("no differences")
+                                  : Phrased("no differences that are certain");
+    }
+    if (names.renumbered != 0) {
+        text += "; " + PhrasedCount(names.renumbered,
+                                    "{} variable has another number now: '{}' is '{}'",
+                                    "{} variables have another number now: '{}' is '{}', ...",
+                                    names.firstOldName, names.firstNewName);
+    }
+    if (names.byOrder != 0) {
+        text += "; " + PhrasedCount(names.byOrder,
+                                    "{} variable shares its name with others and is compared by "
+                                    "its order, which may have changed: '{}'",
+                                    "{} variables share their names with others and are compared "
+                                    "by their order, which may have changed: '{}', ...",
+                                    names.firstByOrder);
+    }
+    return text;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

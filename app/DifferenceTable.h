@@ -2,6 +2,8 @@
 // each leaf that differs within its variable.
 #pragma once
 
+#include "ModelComparison.h"
+
 #include "model/LeafWalk.h"
 
 #include <cstdint>
@@ -12,7 +14,6 @@
 namespace Tessel::Norn::Brindle::Program {
 
 struct Column;
-struct ComparisonScope;
 class TableWriter;
 
 /// The number of differences. Each variable counts once.
@@ -28,7 +29,9 @@ struct DifferenceSummary {
     /// Symbols without debug information to which any of this applies.
     std::uint64_t symbols = 0;
 
-    /// False if the builds are the same.
+    ModelComparison::SharedNameRemarks sharedNames;
+
+    /// False if no difference was found.
     [[nodiscard]] bool IsAny(bool hasSymbols) const {
         return appeared + vanished + moved + changed + leaves + (hasSymbols ? symbols : 0) != 0;
     }
@@ -54,7 +57,8 @@ DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
                                   const DataModel::Model& newModel, const ComparisonScope& scope,
                                   bool hasSymbols, TableWriter& table);
 
-/// The summary in words: "2 variables appeared, 1 moved, 3 leaves changed".
+/// The summary in words: "2 variables appeared, 1 moved, 3 leaves changed", followed by what is in
+/// doubt.
 std::string SummaryText(const DifferenceSummary& summary, bool hasSymbols);
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -73,7 +73,7 @@ private:
     void AddExpression(const std::string& expression) {
         const auto results = ResolveUnitPaths(mModel, expression);
         for (const auto& result : results) {
-            if (result.found && results.size() == 1) {
+            if (result.found && results.size() == 1 && IsNamed(result, expression)) {
                 AddRow({}, expression, result.place, std::monostate());
             } else if (result.found) {
                 AddRow(expression,
@@ -84,6 +84,12 @@ private:
                 mProblems.push_back("'" + expression + "': " + ProblemOf(expression, result));
             }
         }
+    }
+
+    /// False if the variable has a number that the expression lacks.
+    [[nodiscard]] bool IsNamed(const Model::PathResult& result, std::string_view expression) const {
+        return expression.substr(0, result.headLength)
+            .ends_with(mModel.Object(result.place.global).name);
     }
 
     [[nodiscard]] std::string ProblemOf(const std::string& expression,

@@ -22,7 +22,8 @@ std::vector<Column> FindColumns(const ChosenColumns& chosen);
 /// Writes a whole table of the results of queries, in their order. A query that begins with a digit
 /// is an address, in hexadecimal after 0x: it gives a row for each place that holds the byte. Any
 /// other is an expression: it gives a row for each variable of the name, with the qualified name of
-/// the variable if there are several. A query without result gives no row.
+/// the variable if there are several, or if it has a number that the expression lacks. A query
+/// without result gives no row.
 /// @param table has `FindColumns` of `chosen`
 /// @return the reason for each query without result
 std::vector<std::string> WriteFound(const DataModel::Model& model,

@@ -12,8 +12,11 @@ bool VariableFilter::Begin(const DataModel::ModelObject& variable) {
     mUnit = mModel.Object(unit).name;
     mName = mModel.QualifiedName(variable.id);
     mOwnName = OwnNameStart(mName, variable.name);
-    mIsWhole = mChoice.names.Takes(mName, mOwnName, mUnit);
-    return mIsWhole || mChoice.names.MayTakeBehind(mName, mOwnName, mUnit);
+    mPlainName = mSharedNames.WithoutNumber(variable.id, mName);
+    mIsWhole = mChoice.names.Takes(mName, mOwnName, mUnit) ||
+               (!mPlainName.empty() && mChoice.names.Takes(mPlainName, mOwnName, mUnit));
+    return mIsWhole || mChoice.names.MayTakeBehind(mName, mOwnName, mUnit) ||
+           (!mPlainName.empty() && mChoice.names.MayTakeBehind(mPlainName, mOwnName, mUnit));
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -5,6 +5,7 @@
 #include "ChosenColumns.h"
 #include "NamePattern.h"
 #include "RowOrder.h"
+#include "SharedNames.h"
 
 #include "model/DataModel.h"
 
@@ -26,13 +27,15 @@ struct ListChoice : ChosenColumns {
     RowOrder order = RowOrder::Address;
 };
 
-/// Decides what is wanted, variable by variable.
+/// Decides what is wanted, variable by variable. A name also selects the variables that have a
+/// number since they share it.
 class VariableFilter {
 public:
     /// @param model, choice borrowed
     VariableFilter(const DataModel::Model& model, const ListChoice& choice)
         : mModel(model)
-        , mChoice(choice) {}
+        , mChoice(choice)
+        , mSharedNames(model) {}
 
     /// Moves to the next variable.
     /// @return true if it, or a leaf of it, may be wanted
@@ -49,7 +52,10 @@ public:
     [[nodiscard]] bool IsWhole() const { return mIsWhole; }
     /// True if a leaf of this path is wanted by its name.
     [[nodiscard]] bool TakesLeaf(std::string_view path) const {
-        return mIsWhole || mChoice.names.Takes(path, mOwnName, mUnit);
+        return mIsWhole || mChoice.names.Takes(path, mOwnName, mUnit) ||
+               (!mPlainName.empty() &&
+                mChoice.names.Takes(mPlainName + std::string(path.substr(mName.size())), mOwnName,
+                                    mUnit));
     }
     /// @}
 
@@ -58,7 +64,10 @@ public:
 private:
     const DataModel::Model& mModel;
     const ListChoice& mChoice;
+    SharedNames mSharedNames;
     std::string mName;
+    /// The name without the number that it has since others share it; otherwise empty.
+    std::string mPlainName;
     std::string_view mUnit;
     std::size_t mOwnName = 0;
     bool mIsWhole = false;

@@ -1,7 +1,8 @@
 #include "ModelComparison.h"
 
-#include "VariableMatching.h"
+#include "SymbolScope.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 #include <unordered_map>
@@ -30,7 +31,8 @@ ModelComparison::Side::Side(const DataModel::Model& sideModel, const DataModel::
     : model(sideModel)
     , walk(sideModel, limits)
     , fingerprints(sideModel)
-    , typeTexts(sideModel) {}
+    , typeTexts(sideModel)
+    , sharedNames(sideModel) {}
 
 ModelComparison::ModelComparison(const DataModel::Model& oldModel, const DataModel::Model& newModel,
                                  const ComparisonScope& scope)
@@ -43,7 +45,7 @@ void ModelComparison::Run(const Sink& sink) {
     const VariableMatching matching = MatchVariables(mOld.model, mNew.model);
     for (const VariableMatching::Pair& pair : matching.pairs) {
         if (pair.newGlobal != 0) {
-            ComparePair(pair.oldGlobal, pair.newGlobal);
+            ComparePair(pair);
         } else if (mScope.hasAllOfNew) {
             PassVanished(pair.oldGlobal);
         }
@@ -55,25 +57,56 @@ void ModelComparison::Run(const Sink& sink) {
     }
 }
 
-bool ModelComparison::BeginVariable(const Side& side, const ComparedPlace& variable) {
-    mOwnName = OwnNameStart(variable.name, side.model.Object(variable.place.global).name);
-    mUnit = side.model.Object(side.model.CompileUnitOf(variable.place.global)).name;
-    mIsWholeWanted = mScope.filter.Takes(variable.name, mOwnName, mUnit);
-    return mIsWholeWanted || mScope.filter.MayTakeBehind(variable.name, mOwnName, mUnit);
+bool ModelComparison::BeginVariable(const Side& side, const ComparedPlace& variable,
+                                    const std::string& otherName) {
+    const ObjectId global = variable.place.global;
+    mOwnName = OwnNameStart(variable.name, side.model.Object(global).name);
+    mUnit = side.model.Object(side.model.CompileUnitOf(global)).name;
+    mOtherNames.clear();
+    const auto addName = [&](const std::string& name) {
+        if (!name.empty() && name != variable.name) {
+            mOtherNames.push_back(name);
+        }
+    };
+    addName(side.sharedNames.WithoutNumber(global, variable.name));
+    addName(otherName);
+    const auto isWanted = [this](const std::string& name) {
+        return mScope.filter.Takes(name, mOwnName, mUnit);
+    };
+    const auto mayBeBehind = [this](const std::string& name) {
+        return mScope.filter.MayTakeBehind(name, mOwnName, mUnit);
+    };
+    mIsWholeWanted = isWanted(variable.name) || std::ranges::any_of(mOtherNames, isWanted);
+    return mIsWholeWanted || mayBeBehind(variable.name) ||
+           std::ranges::any_of(mOtherNames, mayBeBehind);
 }
 
-void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
-    const ComparedPlace oldVariable = VariableOf(mOld, oldGlobal);
-    const ComparedPlace newVariable = VariableOf(mNew, newGlobal);
-    if (!BeginVariable(mOld, oldVariable)) {
+void ModelComparison::Remark(const VariableMatching::Pair& pair, const std::string& oldName,
+                             const std::string& newName) {
+    // Symbols without debug information are only looked at on request.
+    const bool isInDoubt = pair.isByOrder && !newName.starts_with(sSymbolScope);
+    if (isInDoubt && mRemarks.byOrder++ == 0) {
+        mRemarks.firstByOrder = newName;
+    }
+    if (oldName != newName && mRemarks.renumbered++ == 0) {
+        mRemarks.firstOldName = oldName;
+        mRemarks.firstNewName = newName;
+    }
+}
+
+void ModelComparison::ComparePair(const VariableMatching::Pair& pair) {
+    const ComparedPlace oldVariable = VariableOf(mOld, pair.oldGlobal);
+    const ComparedPlace newVariable = VariableOf(mNew, pair.newGlobal);
+    if (!BeginVariable(mOld, oldVariable, newVariable.name)) {
         return;
     }
+    Remark(pair, oldVariable.name, newVariable.name);
     PassChanged(oldVariable, newVariable, false);
     const bool haveSameLeaves = mOld.fingerprints.Of(oldVariable.place.type) ==
                                 mNew.fingerprints.Of(newVariable.place.type);
     if (mScope.hasLeaves && !haveSameLeaves && !IsExhausted()) {
-        const Places oldLeaves = LeavesOf(mOld, oldGlobal);
-        const Places newLeaves = LeavesOf(mNew, newGlobal);
+        const Places oldLeaves = LeavesOf(mOld, pair.oldGlobal);
+        const Places newLeaves = LeavesOf(mNew, pair.newGlobal);
         // Half of the leaves would look like changes.
         if (!IsExhausted()) {
             CompareLeaves(oldLeaves, newLeaves);
@@ -82,13 +115,17 @@ void ModelComparison::ComparePair(ObjectId oldGlobal, ObjectId newGlobal) {
 }
 
 void ModelComparison::CompareLeaves(const Places& oldLeaves, const Places& newLeaves) {
+    // The variable may have another number now.
+    const auto stepsOf = [](const ComparedPlace& leaf) {
+        return std::string_view(leaf.name).substr(leaf.variableLength);
+    };
     // The leaves of a name, last first; a name recurs only in odd unions.
     std::unordered_map<std::string_view, std::vector<const ComparedPlace*>> unmatched;
     for (std::size_t leaf = newLeaves.size(); leaf-- > 0;) {
-        unmatched[newLeaves[leaf].name].push_back(&newLeaves[leaf]);
+        unmatched[stepsOf(newLeaves[leaf])].push_back(&newLeaves[leaf]);
     }
     for (const ComparedPlace& oldLeaf : oldLeaves) {
-        const auto known = unmatched.find(oldLeaf.name);
+        const auto known = unmatched.find(stepsOf(oldLeaf));
         if (known == unmatched.end()) {
             Pass({&oldLeaf, nullptr, true});
             continue;
@@ -100,7 +137,7 @@ void ModelComparison::CompareLeaves(const Places& oldLeaves, const Places& newLe
         }
     }
     for (const ComparedPlace& newLeaf : newLeaves) {
-        const auto known = unmatched.find(newLeaf.name);
+        const auto known = unmatched.find(stepsOf(newLeaf));
         if (known != unmatched.end()) {
             Pass({nullptr, &newLeaf, true});
         }
@@ -146,9 +183,20 @@ void ModelComparison::PassChanged(const ComparedPlace& oldPlace, const ComparedP
 }
 
 void ModelComparison::Pass(const Difference& difference) const {
-    if (mIsWholeWanted || mScope.filter.Takes(difference.Latest().name, mOwnName, mUnit)) {
+    if (mIsWholeWanted || IsWanted(difference)) {
         (*mSink)(difference);
     }
+}
+
+bool ModelComparison::IsWanted(const Difference& difference) const {
+    const ComparedPlace& latest = difference.Latest();
+    const auto isWanted = [this](const std::string& name) {
+        return mScope.filter.Takes(name, mOwnName, mUnit);
+    };
+    return isWanted(latest.name) ||
+           std::ranges::any_of(mOtherNames, [&](const std::string& variable) {
+               return isWanted(variable + latest.name.substr(latest.variableLength));
+           });
 }
 
 bool ModelComparison::IsExhausted() const {
@@ -159,6 +207,7 @@ ComparedPlace ModelComparison::VariableOf(Side& side, ObjectId global) {
     const DataModel::ModelObject variable = side.model.Object(global);
     ComparedPlace result;
     result.name = side.model.QualifiedName(global);
+    result.variableLength = result.name.size();
     result.type = side.typeTexts.Of(variable.type);
     result.meaning = side.fingerprints.MeaningOf(variable.type);
     result.place.global = global;
@@ -178,7 +227,7 @@ ModelComparison::Places ModelComparison::LeavesOf(Side& side, ObjectId global) {
     side.walk.Walk(global, [&](std::string_view path, const Place& place) {
         if (path.size() > nameLength) {
             leaves.push_back({std::string(path), side.typeTexts.Of(place.type),
-                              side.fingerprints.MeaningOf(place.type), place,
+                              side.fingerprints.MeaningOf(place.type), place, nameLength,
                               place.address - start});
         }
     });

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "NamePattern.h"
+#include "SharedNames.h"
 #include "TypeTexts.h"
+#include "VariableMatching.h"
 
 #include "model/DataModel.h"
 #include "model/LayoutFingerprints.h"
@@ -27,6 +29,8 @@ struct ComparedPlace {
     /// As `LayoutFingerprints::MeaningOf`.
     std::uint64_t meaning = 0;
     DataModel::Model::Place place;
+    /// Number of characters of `name` that name the variable.
+    std::size_t variableLength = 0;
     /// For a leaf: bytes from the start of its variable. 0 for a variable.
     std::uint64_t offset = 0;
 };
@@ -92,6 +96,18 @@ public:
     [[nodiscard]] const DataModel::LeafCuts& OldCuts() const { return mOld.walk.Cuts(); }
     [[nodiscard]] const DataModel::LeafCuts& NewCuts() const { return mNew.walk.Cuts(); }
 
+    /// Variables of several of one name that were compared, see `VariableMatching`.
+    struct SharedNameRemarks {
+        /// Number of those that match by their order only, and the name of the first.
+        std::uint64_t byOrder = 0;
+        std::string firstByOrder;
+        /// Number of those that have another number now, and the names of the first.
+        std::uint64_t renumbered = 0;
+        std::string firstOldName;
+        std::string firstNewName;
+    };
+    [[nodiscard]] const SharedNameRemarks& Remarks() const { return mRemarks; }
+
 private:
     struct Side {
         Side(const DataModel::Model& sideModel, const DataModel::LeafLimits& limits);
@@ -100,17 +116,23 @@ private:
         DataModel::LeafWalk walk;
         DataModel::LayoutFingerprints fingerprints;
         TypeTexts typeTexts;
+        SharedNames sharedNames;
     };
     using Places = std::vector<ComparedPlace>;
 
-    void ComparePair(DataModel::ObjectId oldGlobal, DataModel::ObjectId newGlobal);
+    void ComparePair(const VariableMatching::Pair& pair);
+    void Remark(const VariableMatching::Pair& pair, const std::string& oldName,
+                const std::string& newName);
     void CompareLeaves(const Places& oldLeaves, const Places& newLeaves);
     void PassVanished(DataModel::ObjectId oldGlobal);
     void PassAppeared(DataModel::ObjectId newGlobal);
     [[nodiscard]] bool AreWholeLeavesWanted() const;
     void PassChanged(const ComparedPlace& oldPlace, const ComparedPlace& newPlace, bool isLeaf);
     void Pass(const Difference& difference) const;
-    bool BeginVariable(const Side& side, const ComparedPlace& variable);
+    /// @param otherName what the variable is called in the other build; may be empty
+    bool BeginVariable(const Side& side, const ComparedPlace& variable,
+                       const std::string& otherName = {});
+    [[nodiscard]] bool IsWanted(const Difference& difference) const;
     [[nodiscard]] bool IsExhausted() const;
     static ComparedPlace VariableOf(Side& side, DataModel::ObjectId global);
     static Places LeavesOf(Side& side, DataModel::ObjectId global);
@@ -120,9 +142,12 @@ private:
     Side mNew;
     /// Where the own name of the current variable begins.
     std::size_t mOwnName = 0;
+    /// Its other names, with which a pattern also selects it.
+    std::vector<std::string> mOtherNames;
     /// The name of its compile unit.
     std::string_view mUnit;
     bool mIsWholeWanted = true;
+    SharedNameRemarks mRemarks;
     const Sink* mSink = nullptr;
 };
 

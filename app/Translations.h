@@ -132,6 +132,10 @@ constexpr std::array sTranslations = {
     Translation{"the symbol has too many steps", "das Symbol hat zu viele Schritte"},
     Translation{"the symbol is too long", "das Symbol ist zu lang"},
     Translation{"several variables have this name: {}", "mehrere Variablen heißen so: {}"},
+    Translation{"several variables have this name, and no symbol tells them apart: {}; give them "
+                "different names in the source",
+                "mehrere Variablen heißen so, und kein Symbol unterscheidet sie: {}; ihnen im "
+                "Quelltext verschiedene Namen geben"},
     Translation{"an address is a hexadecimal number that begins with 0x",
                 "eine Adresse ist eine Hexadezimalzahl, die mit 0x beginnt"},
     Translation{"no variable lies here", "hier liegt keine Variable"},
@@ -153,6 +157,19 @@ constexpr std::array sTranslations = {
                 "{}; verglichen sind nur Variablen, nicht ihre Member und Elemente"},
     Translation{"{}, as far as the files were read", "{}, soweit die Dateien gelesen wurden"},
     Translation{"no differences", "keine Unterschiede"},
+    Translation{"no differences that are certain", "keine sicheren Unterschiede"},
+    Translation{"{} variable has another number now: '{}' is '{}'",
+                "{} Variable hat jetzt eine andere Nummer: '{}' ist '{}'"},
+    Translation{"{} variables have another number now: '{}' is '{}', ...",
+                "{} Variablen haben jetzt eine andere Nummer: '{}' ist '{}', ..."},
+    Translation{"{} variable shares its name with others and is compared by its order, which may "
+                "have changed: '{}'",
+                "{} Variable heißt wie andere und ist nach ihrer Reihenfolge verglichen, die sich "
+                "geändert haben kann: '{}'"},
+    Translation{"{} variables share their names with others and are compared by their order, which "
+                "may have changed: '{}', ...",
+                "{} Variablen heißen wie andere und sind nach ihrer Reihenfolge verglichen, die "
+                "sich geändert haben kann: '{}', ..."},
     Translation{"{} variable appeared", "{} Variable neu"},
     Translation{"{} variables appeared", "{} Variablen neu"},
     Translation{"{} variable vanished", "{} Variable entfallen"},

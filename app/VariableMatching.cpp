@@ -1,8 +1,16 @@
 #include "VariableMatching.h"
 
+#include "SharedNames.h"
+
+#include "model/LayoutFingerprints.h"
+
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program {
 
@@ -13,71 +21,169 @@ using DataModel::ObjectId;
 using DataModel::ObjectKind;
 using Model = DataModel::Model;
 
-using KeyOf = std::string (*)(const Model& model, ObjectId global);
-
 std::string_view UnitName(const Model& model, ObjectId global) {
     return model.Object(model.CompileUnitOf(global)).name;
 }
 
-/// Separated by a character that no name contains.
-std::string JoinedKey(const Model& model, ObjectId global, std::string_view unit) {
-    return model.QualifiedName(global).append(1, '\0').append(unit);
-}
-
-std::string ByUnit(const Model& model, ObjectId global) {
-    return JoinedKey(model, global, UnitName(model, global));
-}
-
-std::string ByFileOfUnit(const Model& model, ObjectId global) {
-    const std::string_view unit = UnitName(model, global);
+std::string_view WithoutFolders(std::string_view unit) {
     const std::size_t folders = unit.find_last_of("/\\");
-    return JoinedKey(model, global,
-                     folders == std::string_view::npos ? unit : unit.substr(folders + 1));
+    return folders == std::string_view::npos ? unit : unit.substr(folders + 1);
 }
 
-std::vector<ObjectId> Globals(const Model& model) {
-    std::vector<ObjectId> globals;
-    model.ForEach(ObjectKind::Global,
-                  [&globals](const ModelObject& global) { globals.push_back(global.id); });
-    return globals;
-}
+enum class UnitPart { WholeName, FileName };
 
-/// Matches each unmatched old variable with the next new one of the same key.
-void MatchRest(const Model& oldModel, const Model& newModel, KeyOf keyOf,
-               VariableMatching& matching) {
-    struct Candidates {
+/// One of the two models.
+class Side {
+public:
+    explicit Side(const Model& model)
+        : mModel(model)
+        , mSharedNames(model)
+        , mFingerprints(model) {}
+
+    [[nodiscard]] std::vector<ObjectId> Globals() const {
         std::vector<ObjectId> globals;
-        std::size_t taken = 0;
-    };
-    std::unordered_map<std::string, Candidates> byKey;
-    for (const ObjectId global : matching.appeared) {
-        byKey[keyOf(newModel, global)].globals.push_back(global);
+        mModel.ForEach(ObjectKind::Global,
+                       [&globals](const ModelObject& global) { globals.push_back(global.id); });
+        return globals;
     }
-    std::vector<bool> isTaken(newModel.ObjectCount() + 1);
-    for (VariableMatching::Pair& pair : matching.pairs) {
-        if (byKey.empty() || pair.newGlobal != 0) {
-            continue;
+
+    /// Name and unit, separated by a character that no name contains. Numbers of variables that
+    /// share a name say nothing.
+    [[nodiscard]] std::string KeyOf(ObjectId global, UnitPart part) const {
+        std::string name = mModel.QualifiedName(global);
+        if (std::string plain = mSharedNames.WithoutNumber(global, name); !plain.empty()) {
+            name = std::move(plain);
         }
-        const auto known = byKey.find(keyOf(oldModel, pair.oldGlobal));
-        if (known != byKey.end() && known->second.taken < known->second.globals.size()) {
-            pair.newGlobal = known->second.globals[known->second.taken++];
-            isTaken[pair.newGlobal] = true;
+        const std::string_view unit = UnitName(mModel, global);
+        return name.append(1, '\0').append(part == UnitPart::WholeName ? unit
+                                                                       : WithoutFolders(unit));
+    }
+
+    /// What the sharers of a name are told apart by, the more the lower the level.
+    [[nodiscard]] std::string SignatureOf(ObjectId global, int level) {
+        const ModelObject variable = mModel.Object(global);
+        std::string signature = mModel.TypeText(variable.type).append(1, '\0');
+        if (level <= 1) {
+            signature.append(std::to_string(mFingerprints.Of(variable.type))).append(1, '\0');
+        }
+        const std::uint64_t size = mModel.SizeOf(global);
+        if (level == 0 && size <= sMostBytes) {
+            const std::vector<std::uint8_t> bytes = mModel.InitialBytes(variable.address, size);
+            signature.append(bytes.begin(), bytes.end());
+        }
+        return signature;
+    }
+
+private:
+    /// Initial values of larger variables aren't compared.
+    static constexpr std::uint64_t sMostBytes = std::uint64_t{64} * 1024;
+
+    const Model& mModel;
+    SharedNames mSharedNames;
+    DataModel::LayoutFingerprints mFingerprints;
+};
+
+constexpr int sSignatureLevels = 3;
+
+/// The unmatched variables of one key.
+struct Candidates {
+    /// Positions among the pairs.
+    std::vector<std::size_t> before;
+    std::vector<ObjectId> after;
+};
+
+class Matcher {
+public:
+    Matcher(const Model& oldModel, const Model& newModel)
+        : mOld(oldModel)
+        , mNew(newModel)
+        , mIsTaken(newModel.ObjectCount() + 1) {
+        for (const ObjectId global : mOld.Globals()) {
+            mMatching.pairs.push_back({global, 0});
+        }
+        mMatching.appeared = mNew.Globals();
+    }
+
+    VariableMatching Match() {
+        MatchByKey(UnitPart::WholeName);
+        MatchByKey(UnitPart::FileName);
+        return std::move(mMatching);
+    }
+
+private:
+    void MatchByKey(UnitPart part) {
+        if (mMatching.appeared.empty()) {
+            return;
+        }
+        std::unordered_map<std::string, Candidates> byKey;
+        for (const ObjectId global : mMatching.appeared) {
+            byKey[mNew.KeyOf(global, part)].after.push_back(global);
+        }
+        for (std::size_t position = 0; position < mMatching.pairs.size(); ++position) {
+            const VariableMatching::Pair& pair = mMatching.pairs[position];
+            const auto known =
+                pair.newGlobal != 0 ? byKey.end() : byKey.find(mOld.KeyOf(pair.oldGlobal, part));
+            if (known != byKey.end()) {
+                known->second.before.push_back(position);
+            }
+        }
+        for (auto& [key, candidates] : byKey) {
+            MatchCandidates(candidates);
+        }
+        std::erase_if(mMatching.appeared, [this](ObjectId global) { return mIsTaken[global]; });
+    }
+
+    void MatchCandidates(Candidates& candidates) {
+        const bool isSure = candidates.before.size() == 1 && candidates.after.size() == 1;
+        for (int level = 0; level < sSignatureLevels && !isSure && !candidates.before.empty();
+             ++level) {
+            MatchUnique(candidates, level);
+        }
+        const std::size_t count = std::min(candidates.before.size(), candidates.after.size());
+        for (std::size_t position = 0; position < count; ++position) {
+            Take(candidates.before[position], candidates.after[position], !isSure);
         }
     }
-    std::erase_if(matching.appeared, [&isTaken](ObjectId global) { return isTaken[global]; });
-}
+
+    /// Matches what has a signature that nothing else of its side has.
+    void MatchUnique(Candidates& candidates, int level) {
+        std::unordered_map<std::string, Candidates> bySignature;
+        for (const std::size_t position : candidates.before) {
+            const ObjectId global = mMatching.pairs[position].oldGlobal;
+            bySignature[mOld.SignatureOf(global, level)].before.push_back(position);
+        }
+        for (const ObjectId global : candidates.after) {
+            bySignature[mNew.SignatureOf(global, level)].after.push_back(global);
+        }
+        for (const auto& [signature, alike] : bySignature) {
+            if (alike.before.size() == 1 && alike.after.size() == 1) {
+                Take(alike.before.front(), alike.after.front(), false);
+            }
+        }
+        std::erase_if(candidates.before, [this](std::size_t position) {
+            return mMatching.pairs[position].newGlobal != 0;
+        });
+        std::erase_if(candidates.after, [this](ObjectId global) { return mIsTaken[global]; });
+    }
+
+    void Take(std::size_t position, ObjectId newGlobal, bool isByOrder) {
+        VariableMatching::Pair& pair = mMatching.pairs[position];
+        pair.newGlobal = newGlobal;
+        pair.isByOrder = isByOrder;
+        mIsTaken[newGlobal] = true;
+    }
+
+    Side mOld;
+    Side mNew;
+    VariableMatching mMatching;
+    /// By identifier of the new model.
+    std::vector<bool> mIsTaken;
+};
 
 } // namespace
 
 VariableMatching MatchVariables(const Model& oldModel, const Model& newModel) {
-    VariableMatching matching;
-    for (const ObjectId global : Globals(oldModel)) {
-        matching.pairs.push_back({global, 0});
-    }
-    matching.appeared = Globals(newModel);
-    MatchRest(oldModel, newModel, ByUnit, matching);
-    MatchRest(oldModel, newModel, ByFileOfUnit, matching);
-    return matching;
+    return Matcher(oldModel, newModel).Match();
 }
 
 } // namespace Tessel::Norn::Brindle::Program

@@ -3,7 +3,6 @@
 
 #include "model/DataModel.h"
 
-#include <unordered_map>
 #include <vector>
 
 namespace Tessel::Norn::Brindle::Program {
@@ -14,6 +13,8 @@ struct VariableMatching {
         DataModel::ObjectId oldGlobal = 0;
         /// 0 if the variable has vanished.
         DataModel::ObjectId newGlobal = 0;
+        /// Only the order speaks for this pair, which may have changed.
+        bool isByOrder = false;
     };
 
     /// One for every old variable.
@@ -24,7 +25,8 @@ struct VariableMatching {
 
 /// Variables match if they have the same qualified name and lie in compile units of the same name,
 /// or else of the same file name in different folders, since builds run in different folders.
-/// Several variables of one name and unit match in the order of their delivery.
+/// Of several variables of one name and unit, whether numbered or not, those match whose type and
+/// initial value, or whose type, no other of them has; the rest matches in the order of delivery.
 VariableMatching MatchVariables(const DataModel::Model& oldModel, const DataModel::Model& newModel);
 
 } // namespace Tessel::Norn::Brindle::Program

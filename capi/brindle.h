@@ -772,9 +772,12 @@ typedef struct brindle_place {
  * The static answer to a path such as "motor.pid[2].gain": a variable by its qualified name, or
  * else by its name only, then members by ".name" and elements by "[index]". Pointers are not
  * followed, since what they point to is not static; an index beyond its dimension does not resolve.
+ * Several variables may share the name: `candidates` counts them. "count" also leads to "count.2",
+ * "count.3" and so on, which share name and scope with it; their numbers may change from build to
+ * build, so that only a person can say which one is meant. "count.2" leads to that one only.
  *
  * @param index selects one of several variables of this name for which the path resolves, from 0 in
- *     the order of delivery
+ *     the order of delivery, those with numbers last
  * @return BRINDLE_NOT_FOUND if the path doesn't resolve; brindle_model_path_problem says why
  */
 BRINDLE_C_API brindle_status brindle_model_resolve_path(brindle_model model, const char* path,

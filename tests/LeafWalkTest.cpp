@@ -1,5 +1,6 @@
 #include "model/LeafWalk.h"
 
+#include "model/QualifiedNameIndex.h"
 #include "support/ModelBuilder.h"
 
 #include <gmock/gmock.h>
@@ -289,6 +290,25 @@ TEST_F(LeafWalkTest, PathsResolveForEachVariableOfTheName) {
     EXPECT_THAT(globals("state.x"), ElementsAre(one, third));
     EXPECT_THAT(globals("state.y"), ElementsAre(0));
     EXPECT_THAT(globals("nobody"), ElementsAre(0));
+
+    const ObjectId second = Global("state.2", record, 0x400, mModel.Object(one).scope);
+    const ObjectId fourth = Global("state.4", record, 0x500, mModel.Object(one).scope);
+    const ObjectId ofOther = Global("state.2", record, 0x600, mModel.CreateCompileUnit("d.c"));
+    const ObjectId inFunction = Global("n", mWord, 0x700, Function("f", 0));
+    const ObjectId numbered = Global("n.2", mWord, 0x710, mModel.Object(inFunction).scope);
+    const ObjectId symbols = mModel.CreateNamespace("_Symbol_Table_BKR_", 1);
+    const ObjectId symbol = Global("raw", mWord, 0x800, symbols);
+    Global("raw.2", mWord, 0x810, symbols);
+    EXPECT_THAT(globals("state"), ElementsAre(one, other, third, second));
+    EXPECT_THAT(globals("state.x"), ElementsAre(one, third, second));
+    EXPECT_THAT(globals("state.2.x"), ElementsAre(second, ofOther));
+    EXPECT_THAT(globals("f::n"), ElementsAre(inFunction, numbered));
+    EXPECT_THAT(globals("f::n.2"), ElementsAre(numbered));
+    EXPECT_THAT(globals("raw"), ElementsAre(symbol));
+    EXPECT_THAT(mModel.SharersOfName(second), ElementsAre(one, second));
+    EXPECT_THAT(mModel.SharersOfName(fourth), ElementsAre(fourth));
+    EXPECT_THAT(DataModel::QualifiedNameIndex(mModel).Find("f::n"),
+                ElementsAre(inFunction, numbered));
 }
 
 } // namespace

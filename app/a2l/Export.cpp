@@ -4,6 +4,7 @@
 #include "ObjectKinds.h"
 #include "Phrases.h"
 #include "ResultOutput.h"
+#include "SharedNames.h"
 
 #include "a2l/Alignments.h"
 #include "a2l/BitMask.h"
@@ -83,6 +84,7 @@ public:
         , mChoices(choices)
         , mOutput(output)
         , mIndex(model)
+        , mSharedNames(model)
         , mNames(model, mIndex)
         , mConversions(model)
         , mTypes(model, mIndex, mConversions)
@@ -127,6 +129,8 @@ private:
     struct Variable {
         VariableName name;
         std::string path;
+        /// The path without the number of a variable that shares its name; otherwise empty.
+        std::string plainPath;
         std::size_t ownName = 0;
         bool isWanted = false;
     };
@@ -181,8 +185,12 @@ private:
         Variable variable;
         variable.path = mModel.QualifiedName(global.id);
         variable.ownName = OwnNameStart(variable.path, global.name);
-        variable.isWanted = mWanted.IsEmpty() || mWanted.Takes(variable.path, variable.ownName);
-        if (!variable.isWanted && !mWanted.MayTakeBehind(variable.path, variable.ownName)) {
+        variable.plainPath = mSharedNames.WithoutNumber(global.id, variable.path);
+        const std::string& plainPath = variable.plainPath;
+        variable.isWanted = mWanted.IsEmpty() || mWanted.Takes(variable.path, variable.ownName) ||
+                            (!plainPath.empty() && mWanted.Takes(plainPath, variable.ownName));
+        if (!variable.isWanted && !mWanted.MayTakeBehind(variable.path, variable.ownName) &&
+            (plainPath.empty() || !mWanted.MayTakeBehind(plainPath, variable.ownName))) {
             return;
         }
         variable.name = mNames.Of(global.id);
@@ -262,7 +270,9 @@ private:
 
     [[nodiscard]] bool IsWanted(const Part& part) const {
         return mVariable->isWanted ||
-               mWanted.Takes(mVariable->path + part.steps, mVariable->ownName);
+               mWanted.Takes(mVariable->path + part.steps, mVariable->ownName) ||
+               (!mVariable->plainPath.empty() &&
+                mWanted.Takes(mVariable->plainPath + part.steps, mVariable->ownName));
     }
 
     void TakeValues(const Part& part) {
@@ -392,6 +402,7 @@ private:
     const ExportChoices& mChoices;
     ResultOutput& mOutput;
     SymbolIndex mIndex;
+    SharedNames mSharedNames;
     VariableNames mNames;
     Conversions mConversions;
     ExportTypes mTypes;

@@ -15,7 +15,9 @@
 #include <charconv>
 #include <limits>
 #include <optional>
+#include <span>
 #include <system_error>
+#include <unordered_set>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
@@ -29,6 +31,8 @@ constexpr std::string_view sSymbolScope = "_Symbol_Table_BKR_::";
 constexpr auto sNoUnit = std::numeric_limits<std::uint32_t>::max();
 /// How many prefixes of a symbol are tried as names of variables.
 constexpr std::size_t sMostHeads = 64;
+/// Variables that share a name are ambiguous once there are so many places.
+constexpr std::size_t sMostPlaces = 1000;
 constexpr std::size_t sMostSteps = 1000;
 constexpr std::size_t sMostTypes = 256;
 constexpr std::size_t sLongestSymbol = 16 * 1024;
@@ -272,7 +276,8 @@ private:
 
 SymbolIndex::SymbolIndex(const Model& model, UnderscoreHabit habit)
     : mModel(model)
-    , mHabit(habit) {
+    , mHabit(habit)
+    , mSharedNames(model) {
     model.ForEach(ObjectKind::Global,
                   [this](const ModelObject& global) { mGlobals.push_back(global.id); });
     mNextOfName.assign(mGlobals.size(), sNoUnit);
@@ -349,7 +354,10 @@ std::vector<SymbolIndex::Place> SymbolIndex::Places(const Wanted& wanted, Spelli
     std::vector<Place> places;
     for (const std::size_t end : NameEnds(wanted.symbol)) {
         const std::string_view head = wanted.symbol.substr(0, end);
-        for (const ObjectId global : Heads(head, wanted.unit, spelling)) {
+        for (const ObjectId global : WithSharers(Heads(head, wanted.unit, spelling))) {
+            if (places.size() >= sMostPlaces && !mSharedNames.SharersOf(global).empty()) {
+                continue;
+            }
             Steps steps(*this, global);
             if (steps.Take(wanted.symbol.substr(end))) {
                 places.push_back(steps.Where());
@@ -365,6 +373,21 @@ std::vector<SymbolIndex::Place> SymbolIndex::Places(const Wanted& wanted, Spelli
         }
     }
     return places;
+}
+
+std::vector<DataModel::ObjectId>
+SymbolIndex::WithSharers(const std::vector<ObjectId>& variables) const {
+    std::vector<ObjectId> all;
+    std::unordered_set<ObjectId> firstSharers;
+    for (const ObjectId variable : variables) {
+        const std::span<const ObjectId> sharers = mSharedNames.SharersOf(variable);
+        if (sharers.empty()) {
+            all.push_back(variable);
+        } else if (firstSharers.insert(sharers.front()).second) {
+            all.insert(all.end(), sharers.begin(), sharers.end());
+        }
+    }
+    return all;
 }
 
 void SymbolIndex::Choose(const std::vector<Place>& places, Answer& answer) const {
@@ -402,7 +425,24 @@ void SymbolIndex::Choose(const std::vector<Place>& places, Answer& answer) const
                             Hexadecimal(places[index].address)));
     }
     names.append(places.size() > most ? ", ..." : "");
-    answer.problem = Phrased("several variables have this name: {}", names);
+    answer.problem =
+        HaveDifferentNames(places)
+            ? Phrased("several variables have this name: {}", names)
+            : Phrased("several variables have this name, and no symbol tells them apart: {}; give "
+                      "them different names in the source",
+                      names);
+}
+
+bool SymbolIndex::HaveDifferentNames(const std::vector<Place>& places) const {
+    std::unordered_map<std::string, ObjectId> variables;
+    return std::ranges::all_of(places, [&](const Place& place) {
+        std::string name = mModel.QualifiedName(place.global);
+        if (std::string plain = mSharedNames.WithoutNumber(place.global, name); !plain.empty()) {
+            name = std::move(plain);
+        }
+        name.append(1, '\0').append(mModel.Object(mModel.CompileUnitOf(place.global)).name);
+        return variables.try_emplace(std::move(name), place.global).first->second == place.global;
+    });
 }
 
 std::vector<DataModel::ObjectId> SymbolIndex::Heads(std::string_view head, std::string_view unit,

@@ -2,6 +2,8 @@
 // update makes one for a model and queries it for each object, in time proportional to both.
 #pragma once
 
+#include "SharedNames.h"
+
 #include "a2l/MemberTable.h"
 #include "model/DataModel.h"
 
@@ -28,6 +30,9 @@ enum class UnderscoreHabit : std::uint8_t { None, InFront };
 /// "motor.c:counter", "motor_c.counter") or precede it ("counter@motor.c",
 /// "counter{motor.c}", "counter.motor_c", "counter_motor_c"). A mangled name stands for the
 /// demangled one.
+///
+/// Variables that share a name and a scope have numbers that another build may exchange. So each
+/// of their names means all of them.
 class SymbolIndex {
 public:
     using Model = DataModel::Model;
@@ -100,12 +105,17 @@ private:
                                             Answer& answer) const;
     [[nodiscard]] std::vector<Place> PlacesInAnySpelling(std::string_view symbol,
                                                          Answer& answer) const;
+    /// Each variable together with all that share its name.
+    [[nodiscard]] std::vector<ObjectId> WithSharers(const std::vector<ObjectId>& variables) const;
+    /// True if the variables differ in name or unit. Numbers don't count.
+    [[nodiscard]] bool HaveDifferentNames(const std::vector<Place>& places) const;
     void Choose(const std::vector<Place>& places, Answer& answer) const;
     [[nodiscard]] std::vector<ObjectId> VariablesOfIdentifier(std::string_view identifier) const;
     void FillNearNames() const;
 
     const Model& mModel;
     UnderscoreHabit mHabit;
+    SharedNames mSharedNames;
     std::vector<ObjectId> mGlobals;
     /// Indices in `mGlobals`: the first variable of a name, and for each the next of its name.
     std::unordered_map<std::string_view, std::uint32_t> mFirstOfName;

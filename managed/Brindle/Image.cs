@@ -220,7 +220,8 @@ namespace Brindle
 
         /// <summary>The place that a path such as "motor.pid[2].gain" names: a variable by its
         /// qualified name, or else by its name only, then members and elements. Pointers are not
-        /// followed.</summary>
+        /// followed. Several variables may share the name: this is the first of them, and Places
+        /// gives each.</summary>
         /// <exception cref="PathException">It doesn't resolve; the text says how far it
         /// did.</exception>
         public PathPlace this[string path]
@@ -236,7 +237,9 @@ namespace Brindle
         }
 
         /// <summary>The places of a path for each variable of its name, since static variables may
-        /// share a name; none if it doesn't resolve.</summary>
+        /// share a name; none if it doesn't resolve. "count" also leads to "count.2", "count.3" and so
+        /// on, which share name and scope with it and whose numbers may change from build to
+        /// build.</summary>
         public IReadOnlyList<PathPlace> Places(string path)
         {
             var places = new List<PathPlace>();

@@ -435,7 +435,8 @@ namespace Brindle
             }
         }
 
-        /// <summary>All variables with a qualified name, or else with the name only.</summary>
+        /// <summary>All variables with a qualified name, or else with the name only. "count" also
+        /// gives "count.2", "count.3" and so on, which share name and scope with it.</summary>
         public IReadOnlyList<Variable> All(string name)
         {
             List<ulong> found = model.Find(name, Kind.Global).ToList();
@@ -444,12 +445,19 @@ namespace Brindle
             for (int index = 0, qualified = found.Count;
                  qualified == 0 && model.TryResolve(name, index, out place); ++index)
             {
-                if (model.Object(place.Global).Name.ToString() == name)
+                string own = model.Object(place.Global).Name.ToString();
+                if (own == name || IsNumbered(own, name))
                 {
                     found.Add(place.Global);
                 }
             }
             return found.Select(id => new Variable(model, id)).ToList();
+        }
+
+        static bool IsNumbered(string own, string name)
+        {
+            return own.StartsWith(name + ".", StringComparison.Ordinal) && own.Length > name.Length + 1 &&
+                own.Skip(name.Length + 1).All(digit => digit >= '0' && digit <= '9');
         }
 
         /// <summary>True if there is a variable with this qualified name, or with the name

@@ -134,8 +134,9 @@ class Image:
 
     def __getitem__(self, path: str) -> Place:
         """The place that a path such as "motor.pid[2].gain" names: a variable by its qualified name, or
-        else by its name only, then members and elements. Pointers are not followed. Raises PathError,
-        which says how far the path resolved."""
+        else by its name only, then members and elements. Pointers are not followed. Several variables may
+        share the name: this is the first of them, and `places` gives each. Raises PathError, which says
+        how far the path resolved."""
         return Place(self._model, path, self._model.resolve(path))
 
     def __contains__(self, path: object) -> bool:
@@ -143,7 +144,8 @@ class Image:
 
     def places(self, path: str) -> List[Place]:
         """The places of a path for each variable of its name, since static variables may share a name;
-        empty if it doesn't resolve."""
+        empty if it doesn't resolve. "count" also leads to "count.2", "count.3" and so on, which share name
+        and scope with it and whose numbers may change from build to build."""
         try:
             first = self._model.resolve(path)
         except LookupError:

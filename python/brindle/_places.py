@@ -352,6 +352,12 @@ class Leaves:
         return f"<Leaves of {self._model.image_path!r}>"
 
 
+def _without_number(own_name: str, name: str) -> str:
+    """The name that a variable shares with others, if it is `name` with a number; otherwise its own."""
+    point = len(name)
+    return name if own_name[:point] == name and re.fullmatch(r"\.[0-9]+", own_name[point:]) else own_name
+
+
 class Variables:
     """The variables of an image, in the order of delivery, and by name. Static variables may share a name:
     it stands for the first of them, `all` gives each."""
@@ -367,7 +373,8 @@ class Variables:
         return sum(block.count for block, _ in self._blocks())
 
     def __getitem__(self, name: str) -> Variable:
-        """The first variable with a qualified name, or else with the name only."""
+        """The first variable with a qualified name, or else with the name only. Others may share the name:
+        `all` gives each."""
         found = self.all(name)
         if not found:
             raise PathError(f"there is no variable {name!r}")
@@ -377,7 +384,8 @@ class Variables:
         return isinstance(name, str) and bool(self.all(name))
 
     def all(self, name: str) -> List[Variable]:
-        """All variables with a qualified name, or else with the name only."""
+        """All variables with a qualified name, or else with the name only. "count" also gives "count.2",
+        "count.3" and so on, which share name and scope with it."""
         found = list(self._model.find(name, _model.KIND_GLOBAL))
         if not found:
             # A path of only the name begins with its first variable.
@@ -387,7 +395,7 @@ class Variables:
             except PathError:
                 return []
             found = [place.variable for place in places
-                     if self._model.object(place.variable).name == name]
+                     if _without_number(self._model.object(place.variable).name, name) == name]
         return [Variable(self._model, identifier) for identifier in found]
 
     def matching(self, pattern: str) -> Iterator[Variable]:

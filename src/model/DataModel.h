@@ -115,6 +115,14 @@ public:
     /// without a name.
     [[nodiscard]] std::string QualifiedName(ObjectId id) const;
 
+    /// The variables that share a name and a scope: static variables of sibling blocks, of a source
+    /// that is compiled twice, or of several modules of one file. Their names are "count",
+    /// "count.2", "count.3" and so on, without a gap, in the order of the file: another build may
+    /// number them in another order. Symbols without debug information don't count.
+    /// @return all of them, `variable` included, by their numbers; only `variable` if no other
+    ///     shares its name; none for anything but a variable
+    [[nodiscard]] std::vector<ObjectId> SharersOfName(ObjectId variable) const;
+
     /// The type as a C declaration without a name, such as "uint16[4][2]", "Motor*", "void
     /// (*)(int32)". A type of which only the size is known reads "unknown(4)"; one of size 0 reads
     /// "void" as the target of a pointer or as a result. Empty for an object that is no type; "?"
@@ -171,13 +179,16 @@ public:
     /// hides an inherited one, unless the name of the base class precedes it: ".Named::id".
     /// Pointers are not followed, since what they point to is not static. An index beyond its
     /// dimension does not resolve. Of several variables of one name, the first delivered for which
-    /// the path resolves is taken. Names may contain points and brackets themselves: the longest
+    /// the path resolves is taken, which may not be the one that is meant: `ResolvePaths` gives all
+    /// of them. Names may contain points and brackets themselves: the longest
     /// name with which the whole path resolves wins. A path has at most 64 KiB and 1000 steps.
     [[nodiscard]] PathResult ResolvePath(std::string_view path) const;
 
     /// As `ResolvePath`, for each variable of the name, in the order of delivery: names of static
-    /// variables may recur in several compile units. If the path resolves for none of them, the
-    /// only result says how far it got.
+    /// variables may recur in several compile units. They are followed by those that share a name
+    /// and a scope with one of them and have a number for it, as `SharersOfName` says: "count" also
+    /// leads to "count.2", while "count.2" leads to that one only. If the path resolves for none of
+    /// them, the only result says how far it got.
     [[nodiscard]] std::vector<PathResult> ResolvePaths(std::string_view path) const;
 
     /// The headers of the file that was read last; without sections before the first read.

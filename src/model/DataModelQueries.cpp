@@ -2,6 +2,7 @@
 // scopes. Type texts and paths have their own sources.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
+#include "model/NumberedNames.h"
 #include "model/ScopeNames.h"
 
 #include <algorithm>
@@ -223,6 +224,10 @@ std::uint64_t Model::ElementStride(ObjectId arrayType) const {
 
 std::string Model::QualifiedName(ObjectId id) const {
     return ScopedName(*mStore, id);
+}
+
+std::vector<ObjectId> Model::SharersOfName(ObjectId variable) const {
+    return VariablesSharingName(*mStore, variable);
 }
 
 ObjectId Model::CompileUnitOf(ObjectId id) const {

@@ -2,6 +2,7 @@
 // reads the model and never follows a pointer.
 #include "model/DataModel.h"
 #include "model/ModelStore.h"
+#include "model/NumberedNames.h"
 #include "model/ScopeNames.h"
 
 #include <algorithm>
@@ -40,7 +41,7 @@ public:
         : mStore(store) {}
 
     /// The variables of this qualified name, else those of this name in any scope, in the order of
-    /// delivery.
+    /// delivery; then those that have a number since they share the name.
     [[nodiscard]] std::vector<ObjectId> Find(std::string_view text) const {
         std::vector<ObjectId> found;
         AppendInScopes(text, {}, found);
@@ -56,6 +57,10 @@ public:
             ForEachOfName(text, [&found](ObjectId id) { found.push_back(id); });
         }
         std::ranges::sort(found);
+        const std::size_t count = found.size();
+        for (std::size_t position = 0; position < count; ++position) {
+            AppendNumbered(mStore, found[position], found);
+        }
         return found;
     }
 

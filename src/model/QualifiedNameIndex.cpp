@@ -47,6 +47,13 @@ std::vector<ObjectId> QualifiedNameIndex::Find(std::string_view qualifiedName) c
         }
         AppendNamed(qualifiedName.substr(start + sScopeSeparator.size()), qualifiedName, found);
     }
+    const std::size_t count = found.size();
+    for (std::size_t position = 0; position < count; ++position) {
+        const std::vector<ObjectId> sharers = mModel.SharersOfName(found[position]);
+        if (!sharers.empty() && sharers.front() == found[position]) {
+            found.insert(found.end(), sharers.begin() + 1, sharers.end());
+        }
+    }
     std::ranges::sort(found);
     return found;
 }

@@ -18,8 +18,9 @@ public:
     /// @param model borrowed; must not change during the life of the index
     explicit QualifiedNameIndex(const Model& model);
 
-    /// The objects whose `Model::QualifiedName` is this text, in the order of delivery. A leading
-    /// "::" is ignored.
+    /// The objects whose `Model::QualifiedName` is this text, in the order of delivery, among them
+    /// the variables that have a number since they share this name, see `Model::SharersOfName`. A
+    /// leading "::" is ignored.
     [[nodiscard]] std::vector<ObjectId> Find(std::string_view qualifiedName) const;
 
 private:

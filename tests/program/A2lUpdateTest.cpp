@@ -176,6 +176,29 @@ TEST(A2lSymbols, AreFoundInEveryNotation) {
                                  "sensors_c::counter at 0x3200");
 }
 
+// The reader's numbers follow the order of the file, so neither name is certain.
+TEST(A2lSymbols, OfVariablesThatShareANameAreAmbiguous) {
+    ModelBuilder image;
+    const ObjectId number = image.Base(ModelBuilder::BasicTypes::UInt32, 4);
+    const ObjectId unit = image.mModel.CreateCompileUnit("gains_c");
+    const ObjectId record = image.Struct("Record", 8);
+    image.Member("low", number, record, 4);
+    image.Global("gain", number, 0x10, unit);
+    image.Global("gain.2", number, 0x14, unit);
+    image.Global("mixed", number, 0x20, unit);
+    image.Global("mixed.2", record, 0x28, unit);
+    image.Global("lone.2", number, 0x30, unit);
+    const SymbolIndex index(image.mModel);
+    for (const char* symbol : {"gain", "gain.2", "gains.c::gain", "gain.2@gains.c", "mixed"}) {
+        EXPECT_EQ(index.Find(symbol).outcome, SymbolIndex::Outcome::Ambiguous) << symbol;
+    }
+    EXPECT_EQ(index.Find("gain.2").problem,
+              "several variables have this name, and no symbol tells them apart: gains_c::gain at "
+              "0x10, gains_c::gain.2 at 0x14; give them different names in the source");
+    EXPECT_EQ(index.Find("mixed.low").place.address, 0x2CU);
+    EXPECT_EQ(index.Find("lone.2").place.address, 0x30U);
+}
+
 TEST(A2lSymbols, AreNamedByTheirAddress) {
     const Image image;
     const SymbolIndex index(image.mModel);

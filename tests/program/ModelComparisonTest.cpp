@@ -95,6 +95,39 @@ TEST(ModelComparisonTest, LeavesAreComparedWithinTheirVariables) {
     EXPECT_THAT(Compare(build(0x1000, 4), build(0x2000, 8), scope), IsEmpty());
 }
 
+// The numbers come from the order of the file. Here a and b have exchanged theirs, while nothing
+// tells the two flags apart.
+TEST(ModelComparisonTest, VariablesThatShareANameMatchByWhatIsCertain) {
+    const Build before(0x1000, [](Build& build) {
+        build.Global("gain", build.mInt16, 0x10);
+        build.Global("gain.2", build.mInt32, 0x20);
+        build.Global("flag", build.mInt8, 0x30);
+        build.Global("flag.2", build.mInt8, 0x31);
+        build.Global("lone.2", build.mInt8, 0x40);
+    });
+    const Build after(0x1000, [](Build& build) {
+        build.Global("gain", build.mInt32, 0x20);
+        build.Global("gain.2", build.mInt16, 0x18);
+        build.Global("flag", build.mInt8, 0x30);
+        build.Global("flag.2", build.mInt8, 0x32);
+        build.Global("lone.2", build.mInt8, 0x40);
+    });
+    ComparisonScope scope;
+    for (const char* pattern : {"gain", "gain.2"}) {
+        scope.filter = NameFilter(pattern);
+        EXPECT_THAT(Compare(before, after, scope), ElementsAre("gain moved")) << pattern;
+    }
+    scope.filter = NameFilter("flag");
+    EXPECT_THAT(Compare(before, after, scope), ElementsAre("flag.2 moved"));
+    ModelComparison whole(before.mModel, after.mModel, {});
+    whole.Run([](const Difference& /*difference*/) {});
+    EXPECT_EQ(whole.Remarks().renumbered, 2U);
+    EXPECT_EQ(whole.Remarks().firstOldName, "gain");
+    EXPECT_EQ(whole.Remarks().firstNewName, "gain.2");
+    EXPECT_EQ(whole.Remarks().byOrder, 2U);
+    EXPECT_EQ(whole.Remarks().firstByOrder, "flag");
+}
+
 TEST(ModelComparisonTest, AVariableThatAppearsMayStandForItsLeaves) {
     const Build plain(0x1000,
                       [](Build& build) { build.Member("speed", build.mInt32, build.mMotor, 0); });

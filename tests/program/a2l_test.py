@@ -327,10 +327,11 @@ class ExportTest(A2lTest):
 
     def alike(self, image, reading):
         """Names that several variables have which nothing tells apart, as statics without debug
-        information: the update must not guess which is meant."""
+        information, or only the numbers of the reader: the update must not guess which is meant."""
         rows = subprocess.run([PROGRAM, "vars", "--format", "json", *reading, image], capture_output=True,
                               check=True, timeout=60).stdout
-        names = collections.Counter((row["name"], row["compileUnit"]) for row in json.loads(rows)["rows"])
+        names = collections.Counter((re.sub(r"\.\d+$", "", row["name"]), row["compileUnit"])
+                                    for row in json.loads(rows)["rows"])
         return {name.split("::")[-1] for (name, _), count in names.items() if count > 1}
 
     def refused(self, image, reading):

@@ -8,6 +8,8 @@ BRINDLE_SOURCE that of the sources.
 import json
 import os
 import pathlib
+import shutil
+import subprocess
 import unittest
 
 import jsonschema
@@ -100,6 +102,38 @@ class DiffTest(ProgramTest):
                 output, error = self.run_program("diff", OLD, OLD, pattern, status=status)
                 self.assertEqual(output, "")
                 self.assertIn(text, error)
+
+    @unittest.skipUnless(shutil.which("gcc"), "needs gcc")
+    def test_variables_that_share_a_name_are_never_mixed_up_in_silence(self):
+        """Their numbers follow the order of the file, which the second build has reversed."""
+        blocks = ["{{ static int s{0}; static int z; z++; return s++; }}".format(value)
+                  for value in (" = 1", " = 2")]
+        images = []
+        for name, (one, two) in [("old", blocks), ("new", reversed(blocks))]:
+            source = self.file("blocks.c", f"int f(int c) {{ if (c) {one} else {two} }}\n".encode())
+            images.append(str(self.folder / (name + ".elf")))
+            subprocess.run(["gcc", "-g", "-nostdlib", "-static", "-no-pie", "-Wl,-e,f", source,
+                            "-o", images[-1]], check=True)
+        before, after = [
+            {(row["name"], row["value"]): row["address"] for row in self.run_json(
+                "find", "--values", "--format", "json", image, "f::s")} for image in images]
+        self.assertEqual(list(before), [("f::s", 1), ("f::s.2", 2)])
+        self.assertEqual(list(after), [("f::s", 2), ("f::s.2", 1)])
+        document = self.document(*images, "f::s")
+        self.assertEqual(document["summary"]["renumbered"], 2)
+        self.assertEqual({(row["oldAddress"], row["newAddress"]) for row in document["rows"]},
+                         {pair for pair in zip(before.values(), reversed(after.values()))
+                          if pair[0] != pair[1]})
+        _, error = self.run_program("diff", *images, "f::s")
+        self.assertIn("2 variables have another number now: 'f::s' is 'f::s.2', ...", error)
+        description = str(self.folder / "f.a2l")
+        self.run_program("a2l", "export", "-o", description, images[0], "f::s")
+        _, error = self.run_program("a2l", "update", "--check", description, images[1])
+        self.assertIn("2 objects: 0 updated, 0 unchanged, 2 ambiguous", error)
+        _, error = self.run_program("diff", *images, "f::z")
+        self.assertIn("2 variables share their names with others and are compared by their order, "
+                      "which may have changed: 'f::z', ...", error)
+        self.assertIn("no differences that are certain; ", error)
 
     def test_a_build_that_could_not_be_read_to_its_end_claims_nothing_missing(self):
         document = self.document(OLD, CUT, status=1)
