@@ -1,4 +1,5 @@
 #include "container/VElfFile.h"
+#include "core/VElfOptions.h"
 #include "diagnostics/ErrorState.h"
 #include "support/ElfImage.h"
 #include "support/ScopedReaderState.h"
@@ -150,6 +151,14 @@ TEST_F(ElfFileTest, ExtendedNumberingReachesEverySection) {
     OpenedFile file(image);
     EXPECT_TRUE(file.IsGood());
     EXPECT_EQ(file->mSecDebugInfo.sh_size, 4U);
+
+    // With more than 65279 sections, the index of their names doesn't fit either.
+    image.SectionNamesIndex(0xFFFF);
+    EXPECT_EQ(ErrorOfElf(image), ELFERR_NO_SYMTAB);
+    VElfOptions::mIsFullReading = 1;
+    OpenedFile full(image);
+    EXPECT_TRUE(full.IsGood());
+    EXPECT_EQ(full->mSecDebugInfo.sh_size, 4U);
 }
 
 TEST_F(ElfFileTest, WrongOffsetsOfSectionNamesAreSurvived) {

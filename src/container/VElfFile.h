@@ -69,6 +69,9 @@ public:
     /// @return the number of sections, or -1
     static std::int32_t LoadSectionHeaderTable(VElfBuffer& buffer, const Elf64_Ehdr& header,
                                                bool is64Bit);
+    /// The index of the section with the names of sections, which the first header of the table may
+    /// hold.
+    std::int32_t SectionNamesIndex(VElfBuffer& table) const;
     /// Decodes the section header at an offset of the table.
     static void ReadSectionHeader(Elf64_Shdr& section, VElfBuffer& buffer, std::int32_t tableOffset,
                                   bool is64Bit);

@@ -136,6 +136,18 @@ void VElfFile::ReadSectionHeader(Elf64_Shdr& section, VElfBuffer& buffer, std::i
     section.sh_entsize = GetWord(buffer, is64Bit);
 }
 
+std::int32_t VElfFile::SectionNamesIndex(VElfBuffer& table) const {
+    // `SHN_XINDEX`: the index doesn't fit, and the first entry holds it.
+    constexpr std::uint16_t extendedIndex = 0xFFFF;
+    if (mManner == ReadingManner::Classic || mElfHeader.e_shstrndx != extendedIndex) {
+        return mElfHeader.e_shstrndx;
+    }
+    Elf64_Shdr firstSection;
+    ReadSectionHeader(firstSection, table, 0, mIs64Bit);
+    constexpr std::uint32_t maximumIndex = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(firstSection.sh_link, maximumIndex));
+}
+
 bool VElfFile::LoadSectionInfos() {
     VElfBuffer table(*this);
     VElfBuffer names(*this);
@@ -143,7 +155,7 @@ bool VElfFile::LoadSectionInfos() {
     if (count < 0) {
         return false;
     }
-    const std::int32_t namesIndex = mElfHeader.e_shstrndx;
+    const std::int32_t namesIndex = SectionNamesIndex(table);
     if (namesIndex >= count) {
         return CheckFoundSections();
     }

@@ -95,6 +95,7 @@ std::string ElfImage::Build() const {
     const std::uint64_t tableOffset = contents.Size();
     if (mIsNumberingExtended) {
         sections.front().overrides.size = sections.size();
+        sections.front().overrides.link = static_cast<std::uint32_t>(sections.size() - 1);
     }
     for (std::size_t index = 0; index < sections.size(); ++index) {
         WriteSectionHeader(contents, sections[index], nameOffsets[index], offsets[index]);
@@ -170,7 +171,7 @@ void ElfImage::WriteSectionHeader(ByteWriter& writer, const SectionContent& sect
     Word(writer, overrides.address.value_or(0));
     Word(writer, overrides.offset.value_or(offset));
     Word(writer, overrides.size.value_or(section.content.size()));
-    writer.U32(0).U32(0);
+    writer.U32(overrides.link.value_or(0)).U32(0);
     Word(writer, overrides.alignment.value_or(1));
     Word(writer, overrides.entrySize.value_or(section.entrySize));
 }

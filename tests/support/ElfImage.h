@@ -43,6 +43,7 @@ struct ElfSectionOverrides {
     /// Address of an allocated section; others have none.
     std::optional<std::uint64_t> address = {};
     std::optional<std::uint64_t> flags = {};
+    std::optional<std::uint32_t> link = {};
 };
 
 class ElfImage {
@@ -63,7 +64,7 @@ public:
     ElfImage& WithoutStringTable();
     /// Section names and symbol names share one table, itself called ".strtab".
     ElfImage& SharedStringTable();
-    /// The first section header holds the number of sections.
+    /// The first section header holds the number of sections, and the index of their names.
     ElfImage& ExtendedNumbering();
     ElfImage& SectionNamesIndex(std::uint16_t index);
     /// Replaces bytes of the finished file.
