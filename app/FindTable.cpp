@@ -15,6 +15,8 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -25,6 +27,7 @@ namespace {
 using DataModel::AddressHit;
 using DataModel::ImageSection;
 using DataModel::ModelObject;
+using DataModel::ObjectKind;
 using Model = DataModel::Model;
 
 constexpr std::array sFindColumns = {Column{"query", false, true},
@@ -45,6 +48,48 @@ std::string EndText(std::string_view variable, std::uint64_t distance) {
     return Phrased(distance == 0 ? Phrase("; '{}' ends just before")
                                  : Phrase("; '{}' ends 1 byte before"),
                    variable);
+}
+
+/// The type of the last member of a structure; 0 if there is none.
+DataModel::ObjectId LastMemberType(const Model& model, DataModel::ObjectId structure) {
+    DataModel::ObjectId last = 0;
+    for (DataModel::ObjectId id = model.FirstIn(structure); id != 0; id = model.NextIn(id)) {
+        if (model.Object(id).kind == ObjectKind::Member) {
+            last = model.Object(id).type;
+        }
+    }
+    return last;
+}
+
+/// Whether the file leaves open where a variable ends: it states no size, or the variable ends with
+/// an array of unknown length, as flexible arrays do.
+bool HasOpenEnd(const Model& model, const ModelObject& variable) {
+    if (model.SizeOf(variable.id) == 0) {
+        return true;
+    }
+    // Structures of files that lie may be nested in a circle.
+    constexpr int sMostNested = 32;
+    DataModel::ObjectId type = variable.type;
+    for (int depth = 0; depth < sMostNested; ++depth) {
+        const ModelObject object = model.Object(model.WithoutTypedefs(type));
+        if (object.id != 0 && object.kind == ObjectKind::Array) {
+            const std::span<const std::uint32_t> dimensions = model.Dimensions(object.id);
+            return dimensions.empty() || dimensions.front() == 0;
+        }
+        if (object.id == 0 ||
+            (object.kind != ObjectKind::Struct && object.kind != ObjectKind::Class)) {
+            return false;
+        }
+        type = LastMemberType(model, object.id);
+    }
+    return false;
+}
+
+/// That an address may belong to a variable before it whose end is unknown.
+std::string OpenEndText(std::string_view variable, std::uint64_t distance) {
+    return Phrased("may belong to '{}', which begins {} before: the file doesn't state where it "
+                   "ends",
+                   variable, PhrasedCount(distance, "{} byte", "{} bytes"));
 }
 
 class FindRows {
@@ -123,13 +168,17 @@ private:
 
     /// Why an address leads to no variable, and which variables are near.
     [[nodiscard]] std::string Surroundings(std::uint64_t address) const {
-        std::string text = Phrased("no variable lies here");
         const ModelObject before = mModel.Object(mLookup->NearestBefore(address));
         const ImageSection* const section = mModel.Image().SectionAt(address);
+        const bool isNear = before.id != 0 && mModel.Image().SectionAt(before.address) == section;
+        const bool hasOpenEnd = isNear && HasOpenEnd(mModel, before);
+        std::string text =
+            hasOpenEnd ? OpenEndText(mModel.QualifiedName(before.id), address - before.address)
+                       : Phrased("no variable lies here");
         if (section != nullptr) {
             text += Phrased(", in section {}", section->name);
         }
-        if (before.id != 0 && mModel.Image().SectionAt(before.address) == section) {
+        if (isNear && !hasOpenEnd) {
             text += EndText(mModel.QualifiedName(before.id),
                             address - before.address - mModel.SizeOf(before.id));
         }

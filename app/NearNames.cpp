@@ -11,6 +11,9 @@ namespace Tessel::Norn::Brindle::Program {
 namespace {
 
 constexpr std::size_t sCount = 3;
+/// Names that contain the wanted one come after those that only differ in their case, and before
+/// those with other letters.
+constexpr std::size_t sPartDistance = 1;
 constexpr std::size_t sLongestWanted = 100;
 constexpr std::size_t sLongestNearName = 300;
 
@@ -42,7 +45,7 @@ std::size_t EditDistance(std::string_view from, std::string_view to,
 NearNames::NearNames(std::string_view wanted) {
     if (wanted.size() <= sLongestWanted) {
         AssignLowerCase(mWanted, wanted);
-        mFarthest = 1 + wanted.size() / 4;
+        mFarthest = sPartDistance + 1 + wanted.size() / 4;
     }
 }
 
@@ -77,12 +80,16 @@ std::string NearNames::List() const {
 
 std::size_t NearNames::DistanceTo(std::string_view name) {
     AssignLowerCase(mLowerCase, name);
-    if (mLowerCase.find(mWanted) != std::string::npos) {
-        return 0;
+    const std::size_t found = mLowerCase.find(mWanted);
+    if (found != std::string::npos) {
+        // Only the case differs, also of a name in a scope, or the name contains the wanted one.
+        const bool isWhole = found + mWanted.size() == mLowerCase.size() &&
+                             (found == 0 || mLowerCase[found - 1] == ':');
+        return isWhole ? 0 : sPartDistance;
     }
     const std::size_t least =
         name.size() > mWanted.size() ? name.size() - mWanted.size() : mWanted.size() - name.size();
-    return least > mFarthest ? least : EditDistance(mWanted, mLowerCase, mRow);
+    return sPartDistance + (least > mFarthest ? least : EditDistance(mWanted, mLowerCase, mRow));
 }
 
 } // namespace Tessel::Norn::Brindle::Program

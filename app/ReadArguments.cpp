@@ -12,6 +12,7 @@
 #include <CLI/Validators.hpp>
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <charconv>
 #include <fstream>
 #include <limits>
@@ -104,7 +105,15 @@ std::string SecondImageProblem(const std::string& text) {
         !bytes.starts_with("MZ")) {
         return {};
     }
-    return Phrased("one file at a time: '{}' is an image too, where a pattern is expected", text);
+    const std::string problem =
+        Phrased("one file at a time: '{}' is an image too, where a pattern is expected", text);
+    const bool isName = std::ranges::all_of(text, [](unsigned char character) {
+        return std::isalnum(character) != 0 || character == '_';
+    });
+    // Brackets make a pattern of a name, and nobody calls a file so.
+    return isName ? problem + Phrased("; for variables of this name, write '[{}]{}'",
+                                      text.substr(0, 1), text.substr(1))
+                  : problem;
 }
 
 void AddNumberArgument(CLI::App& command, const std::string& name, std::uint64_t& value,

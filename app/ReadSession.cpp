@@ -57,6 +57,17 @@ void TellRemarks(const std::string& file, const ReadResult& result) {
     }
 }
 
+/// Error and remark as one message. A file of another kind is not corrupt, as the reader says.
+std::string MessageOf(const std::string& file, const ReadResult& result) {
+    const std::string error =
+        result.error.empty() ? Phrased("The file could not be read.") : result.error;
+    if (result.remark.empty()) {
+        return error;
+    }
+    return result.remark == ForeignFileProblem(file) ? result.remark
+                                                     : error + " (" + result.remark + ")";
+}
+
 DWARFContainerType ChooseContainer(std::string_view choice, const std::string& file) {
     if (choice == "auto") {
         return Reader::DWARF::DetectContainer(file);
@@ -137,11 +148,7 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     if (!result.isOk) {
         result.error = std::exchange(mError, {});
         result.remark = RemarkOn(file, result);
-        result.message =
-            result.error.empty() ? Phrased("The file could not be read.") : result.error;
-        if (!result.remark.empty()) {
-            result.message += " (" + result.remark + ")";
-        }
+        result.message = MessageOf(file, result);
     }
     // The reader's own message about such a file is only numbers.
     if (result.remark.empty()) {
@@ -163,8 +170,13 @@ std::string ReadSession::RemarkOn(const std::string& file, const ReadResult& res
     if (!remark.empty()) {
         return remark;
     }
+    remark = ForeignFileProblem(file);
+    if (!remark.empty()) {
+        return remark;
+    }
     if (mContainer == "auto" && result.container == DWARFContainerType::Container_COFF) {
-        return Phrased("Read as COFF, being neither ELF nor a Windows image");
+        return Phrased("Read as COFF, being neither ELF nor a Windows image; a raw binary or a "
+                       "text has no symbols: read the linked image");
     }
     if (result.container == DWARFContainerType::Container_PE && !mHasPhase) {
         return Phrased("not a Windows image, or truncated");

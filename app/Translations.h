@@ -20,8 +20,23 @@ constexpr std::array sTranslations = {
     Translation{"a pipe can't be read: seeking is required",
                 "eine Pipe kann nicht gelesen werden, da in ihr nicht gesprungen werden kann"},
     Translation{"The file is empty", "Die Datei ist leer"},
-    Translation{"Read as COFF, being neither ELF nor a Windows image",
-                "Als COFF gelesen, da weder ELF noch Windows-Programm"},
+    Translation{"Read as COFF, being neither ELF nor a Windows image; a raw binary or a text has "
+                "no symbols: read the linked image",
+                "Als COFF gelesen, da weder ELF noch Windows-Programm; eine reine Binärdatei oder "
+                "ein Text hat keine Symbole: das gelinkte Programm lesen"},
+    Translation{"an Intel HEX file has the bytes of memory only: read the linked image that it "
+                "was made from",
+                "eine Intel-HEX-Datei hat nur die Bytes des Speichers: das gelinkte Programm "
+                "lesen, aus dem sie entstand"},
+    Translation{"a file of S-records has the bytes of memory only: read the linked image that it "
+                "was made from",
+                "eine Datei aus S-Records hat nur die Bytes des Speichers: das gelinkte Programm "
+                "lesen, aus dem sie entstand"},
+    Translation{"an archive of object files, which have no addresses yet: read the linked image",
+                "ein Archiv aus Objekt-Dateien, die noch keine Adressen haben: das gelinkte "
+                "Programm lesen"},
+    Translation{"an A2L file: read the image that it describes",
+                "eine A2L-Datei: das Programm lesen, das sie beschreibt"},
     Translation{"not a Windows image, or truncated", "kein Windows-Programm, oder abgeschnitten"},
     Translation{"the file ends before its headers say: truncated, or not copied to the end",
                 "die Datei endet vor dem, was ihre Kopfdaten nennen: abgeschnitten, oder nicht bis "
@@ -63,6 +78,8 @@ constexpr std::array sTranslations = {
     Translation{"'{}' is not one of {}", "'{}' ist keines von {}"},
     Translation{"one file at a time: '{}' is an image too, where a pattern is expected",
                 "nur eine Datei auf einmal: auch '{}' ist ein Programm, wo ein Muster stehen kann"},
+    Translation{"; for variables of this name, write '[{}]{}'",
+                "; für Variablen dieses Namens '[{}]{}' schreiben"},
     Translation{"the reader has no option '{}'", "der Leser hat keine Option '{}'"},
     Translation{"'{}' is not of the form OPTION=VALUE", "'{}' hat nicht die Form OPTION=WERT"},
     Translation{"'{}' is not a value for {}, which takes {}",
@@ -115,6 +132,8 @@ constexpr std::array sTranslations = {
     Translation{"no member named '{}'", "kein Member '{}'"},
     Translation{"index {} is beyond the dimension of {}",
                 "Index {} liegt außerhalb der Dimension von {}"},
+    Translation{"the file doesn't state how many elements there are",
+                "die Datei nennt die Anzahl der Elemente nicht"},
     Translation{"an index is a decimal number in brackets",
                 "ein Index ist eine Dezimalzahl in eckigen Klammern"},
     Translation{"a pointer is not followed", "einem Zeiger wird nicht gefolgt"},
@@ -139,6 +158,10 @@ constexpr std::array sTranslations = {
     Translation{"an address is a hexadecimal number that begins with 0x",
                 "eine Adresse ist eine Hexadezimalzahl, die mit 0x beginnt"},
     Translation{"no variable lies here", "hier liegt keine Variable"},
+    Translation{"may belong to '{}', which begins {} before: the file doesn't state where it ends",
+                "kann zu '{}' gehören, das {} davor beginnt: die Datei nennt sein Ende nicht"},
+    Translation{"{} byte", "{} Byte"},
+    Translation{"{} bytes", "{} Bytes"},
     Translation{", in section {}", ", in Sektion {}"},
     Translation{"; '{}' ends just before", "; '{}' endet gerade davor"},
     Translation{"; '{}' ends 1 byte before", "; '{}' endet 1 Byte davor"},

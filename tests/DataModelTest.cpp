@@ -458,7 +458,7 @@ TEST_F(DataModelPathTest, StepsAddUpToAPlace) {
         {"nested[1][2]", "uint16@600a:2"},
         {"motor.pid[2]", "\"motor.pid\", then index 2 is beyond the dimension of 2"},
         {"motor.pid[1][3]", "\"motor.pid[1]\", then index 3 is beyond the dimension of 3"},
-        {"open[0]", "\"open\", then index 0 is beyond the dimension of 0"},
+        {"open[0]", "\"open\", then the file doesn't state how many elements there are"},
         {"motor.pid.p", "\"motor.pid\", then an array has no members, only elements"},
         {"motor.pid[1].p", "\"motor.pid[1]\", then an array has no members, only elements"},
         {"motor.next.id", "\"motor.next\", then a pointer is not followed"},

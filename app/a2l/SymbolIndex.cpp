@@ -211,6 +211,10 @@ private:
         const std::span<const std::uint32_t> dimensions = mModel.Dimensions(array);
         const std::uint64_t count =
             mPlace.indexedDimensions < dimensions.size() ? dimensions[mPlace.indexedDimensions] : 0;
+        if (count == 0) {
+            mProblem = Phrased("the file doesn't state how many elements there are");
+            return;
+        }
         if (index >= count) {
             mProblem = Phrased("index {} is beyond the dimension of {}", std::to_string(index),
                                std::to_string(count));

@@ -92,10 +92,10 @@ namespace Brindle
             }
             catch (ReadException failed)
             {
-                string reason = Problems.Reason(path, content, failed.Message, options.Container);
-                throw new ReadException((path != "" ? path + ": " : "") + failed.Message +
-                                            (reason != "" ? " (" + reason + ")" : ""),
-                                        failed.Image);
+                throw new ReadException(
+                    (path != "" ? path + ": " : "") +
+                        Problems.Message(path, content, failed.Message, options.Container),
+                    failed.Image);
             }
             finally
             {

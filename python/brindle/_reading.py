@@ -11,7 +11,7 @@ from . import _native
 from ._errors import BusyError, Error, OptionError, ReadError
 from ._image import Image
 from ._model import Model
-from ._problems import reason
+from ._problems import message
 
 Source = Union[str, "os.PathLike[str]", bytes, bytearray, memoryview]
 # Receives what the reader is doing and how far it has come with that, from 0 to 1.
@@ -53,8 +53,7 @@ def read(source: Source, *, full: bool = False, all_types: bool = False, contain
             return reader.read(wanted)
     except ReadError as error:
         file = os.fsdecode(wanted.path)
-        why = reason(kept, str(error), container)
-        error.args = ((f"{file}: " if file else "") + str(error) + (f" ({why})" if why else ""),)
+        error.args = ((f"{file}: " if file else "") + message(kept, str(error), container),)
         raise
 
 

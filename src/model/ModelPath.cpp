@@ -295,6 +295,10 @@ private:
         const std::span<const std::uint32_t> dimensions = mStore.Dimensions(array);
         const std::uint64_t count =
             place.indexedDimensions < dimensions.size() ? dimensions[place.indexedDimensions] : 0;
+        if (count == 0) {
+            mResult.problem = "the file doesn't state how many elements there are";
+            return;
+        }
         if (index >= count) {
             mResult.problem = "index " + std::to_string(index) + " is beyond the dimension of " +
                               std::to_string(count);

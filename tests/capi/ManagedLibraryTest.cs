@@ -6,6 +6,7 @@ using System.Collections.Generic;
 using System.Globalization;
 using System.IO;
 using System.Linq;
+using System.Text;
 using System.Threading;
 using Brindle;
 
@@ -213,12 +214,14 @@ static class ManagedLibraryTest
         var reasons = new Dictionary<string, byte[]> {
             { "The file is empty", new byte[0] },
             { "neither ELF nor", new byte[] { (byte)'s', (byte)'o', (byte)'m', (byte)'e' } },
+            { "an Intel HEX file", Encoding.ASCII.GetBytes(":020000040800F2\n") },
+            { "an A2L file", Encoding.ASCII.GetBytes("/* of old */ ASAP2_VERSION 1 61") },
             { "truncated", content.Take(1000).ToArray() }
         };
         foreach (KeyValuePair<string, byte[]> reason in reasons)
         {
             File.WriteAllBytes(file, reason.Value);
-            Throws<ReadException>(() => Image.Read(file), file + ": ELF");
+            Throws<ReadException>(() => Image.Read(file), file + ": ");
             Throws<ReadException>(() => Image.Read(file), reason.Key);
             Throws<ReadException>(() => Image.Read(reason.Value), reason.Key);
         }

@@ -25,6 +25,14 @@ TEST(NearNamesTest, TheNearestThreeAreKeptInTheirOrder) {
     EXPECT_EQ(NearTo(std::string(1000, 'x')), "");
 }
 
+TEST(NearNamesTest, AnotherCaseIsNearerThanALongerName) {
+    NearNames near("GL");
+    for (const char* name : {"__do_global_dtors_aux", "gm", "gl", "plant::gl"}) {
+        near.Offer(name);
+    }
+    EXPECT_EQ(near.List(), "gl, plant::gl, __do_global_dtors_aux");
+}
+
 } // namespace
 
 } // namespace Tessel::Norn::Brindle::Program

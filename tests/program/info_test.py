@@ -17,6 +17,8 @@ import unittest
 
 import jsonschema
 
+from program_test import GLOBAL_OBJECT, elf_image
+
 PROGRAM = os.environ["BRINDLE_PROGRAM"]
 SCHEMAS = pathlib.Path(os.environ["BRINDLE_SOURCE"], "docs", "schema")
 IMAGES = pathlib.Path(os.environ["BRINDLE_SAMPLE_IMAGES"])
@@ -95,8 +97,12 @@ class InfoTest(unittest.TestCase):
     def test_what_cannot_be_read_is_told(self):
         with tempfile.TemporaryDirectory(prefix="brindle-test-") as folder:
             files = {"empty.elf": b"", "text.txt": b"Of all the files this is none.\n" * 20,
-                     "cut.elf": PLANT.read_bytes()[:3000], "MZ.exe": b"MZ" + bytes(100)}
-            reasons = {"empty.elf": "(The file is empty)", "text.txt": "(Read as COFF",
+                     "cut.elf": PLANT.read_bytes()[:3000], "MZ.exe": b"MZ" + bytes(100),
+                     "image.hex": b":020000040800F2\n", "image.s19": b"S00600004844521B\n",
+                     "objects.a": b"!<arch>\n", "image.a2l": b"/* of old */\nASAP2_VERSION 1 61\n"}
+            reasons = {"image.hex": "an Intel HEX file has", "image.s19": "a file of S-records has",
+                       "objects.a": "an archive of object files", "image.a2l": "an A2L file: read",
+                       "empty.elf": "(The file is empty)", "text.txt": "(Read as COFF",
                        "cut.elf": "(the file ends before its headers say", ".": "(Is a directory)",
                        "missing.elf": "(No such file"}
             for name, content in files.items():
@@ -121,6 +127,7 @@ class InfoTest(unittest.TestCase):
                         self.assertIn("(die Datei endet vor", run("vars", "--language", "49", path, status=1)[1])
                     self.assertIn(reasons[name], output)
                     self.assertTrue(error.startswith(f"brindle: {path}: "), error)
+                    self.assertEqual("corrupt" in error, name == "text.txt", error)
                     self.assertEqual((info["ok"], bool(info["error"])), (False, True))
 
     def test_remarks_are_results(self):
@@ -164,6 +171,14 @@ class FindTest(unittest.TestCase):
                 output, error = run("find", PLANT, query, "tick", status=1)
                 self.assertTrue(error.startswith(f"brindle: {PLANT}: '{query}': {text}"), error)
                 self.assertIn("tick", output)
+
+    def test_an_address_behind_what_has_no_stated_end_may_belong_to_it(self):
+        with tempfile.NamedTemporaryFile(suffix=".elf") as file:
+            file.write(elf_image([("ring", 0x3000, 0, GLOBAL_OBJECT), ("next", 0x3010, 4, GLOBAL_OBJECT)]))
+            file.flush()
+            error = run("find", file.name, "0x3002", "0x3014", status=1)[1]
+        self.assertIn("'0x3002': may belong to '_Symbol_Table_BKR_::ring', which begins 2 bytes before", error)
+        self.assertIn("'0x3014': no variable lies here; '_Symbol_Table_BKR_::next' ends just before", error)
 
     def test_many_addresses_are_named_at_once(self):
         addresses = [hex(0x20000050 + offset) for offset in range(336)] * 100

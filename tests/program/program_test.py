@@ -283,7 +283,8 @@ class FailedReadTest(ProgramTest):
         for content, text in [
                 (b"", "ELF file Seek has failed. (The file is empty)"),
                 (b"a text, not an image\n", "ELF file Read has failed. (Read as COFF, being neither "
-                                           "ELF nor a Windows image)"),
+                                           "ELF nor a Windows image; a raw binary or a text has "
+                                           "no symbols: read the linked image)"),
                 (elf[:20], f"ELF file Read has failed. ({cut})"),
                 (elf[:-1], f"ELF file Read has failed. ({cut})"),
         ]:
@@ -441,6 +442,7 @@ class SampleNamesTest(ProgramTest):
                 ("motors[0].next.name", "resolves up to 'motors[0].next', then a pointer is not"),
                 ("motor[0].name", "no variable of this name; similar names: motors"),
                 ("", "no variable of this name\n"),
+                ("MAIN_SUPPLY", "no variable of this name; similar names: main_supply"),
         ]:
             with self.subTest(expression=expression):
                 output, error = self.run_program("find", self.IMAGE, expression, good, status=1)

@@ -39,6 +39,8 @@ def test_the_error_names_file_and_reason(images, tmp_path):
     content = (images / NAME).read_bytes()
     file = tmp_path / "Zünd.elf"
     for wrong, why in ((b"", "The file is empty"), (b"some text", "neither ELF nor"),
+                       (b":020000040800F2\n", "Intel HEX"), (b"S00600004844521B\n", "S-records"),
+                       (b"!<arch>\n", "archive"), (b"/begin PROJECT p", "A2L"),
                        (content[:1000], "truncated"), (content[:20], "truncated")):
         file.write_bytes(wrong)
         for source, name in ((file, str(file)), (wrong, "")):
@@ -46,6 +48,7 @@ def test_the_error_names_file_and_reason(images, tmp_path):
                 brindle.read(source)
             text = str(failure.value)
             assert text.startswith(f"{name}: " if name else "") and why in text, text
+            assert "corrupt" not in text
     with pytest.raises(brindle.ReadError, match="Is a directory"):
         brindle.read(tmp_path)
     with pytest.raises(brindle.ReadError, match="not a Windows image, or truncated"):
