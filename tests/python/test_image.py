@@ -82,6 +82,17 @@ def test_paths_that_lead_nowhere_tell_how_far_they_lead(image):
     assert image.places("nothing") == []
 
 
+def test_a_name_stands_for_all_variables_that_share_it(images):
+    with brindle.read(images / "full" / "x86_64-clang-c-O2.elf", full=True) as image:
+        for name in ("stop_motor::stops", "stops"):
+            found = [variable for variable in image.variables.all(name)
+                     if variable.qualified_name.startswith("stop_motor")]
+            assert [variable.name for variable in found] == ["stops", "stops.2"]
+            addresses = {variable.address for variable in found}
+            assert addresses <= {place.address for place in image.places(name)}
+        assert [place.address for place in image.places("stop_motor::stops.2")] == [found[1].address]
+
+
 @pytest.mark.parametrize("pattern", [
     None, "motors*", "motors?1?.loops*.gain", "motors[*].loops[0].gain", "*.output.low", "stops", "motor_step::*", "he?der.*",
     "header", "nothing*", "*code"])
