@@ -121,7 +121,8 @@ TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
     Tests::ModelBuilder image;
     const auto enumeration = [&image](const std::string& name, DataModel::ObjectId type,
                                       std::int32_t value) {
-        const auto table = image.mModel.CreateEnumTable(name, type, image.sGlobalNamespace, false);
+        const auto table =
+            image.mModel.CreateEnumTable(name, type, Tests::ModelBuilder::sGlobalNamespace, false);
         image.mModel.AddEnumDescriptionToEnumTable(table, value, "FIRST");
         image.mModel.AddEnumDescriptionToEnumTable(table, 5, "FIVE");
         return table;
@@ -134,7 +135,7 @@ TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
     // The model has the largest unsigned value as -1.
     image.Global("mask", enumeration("mask", image.Base(BasicTypes::UInt32, 4), -1), 0x100C);
     // Older compilers state only the size.
-    const auto bare = image.mModel.CreateUnknownEntryType(4, image.sGlobalNamespace);
+    const auto bare = image.mModel.CreateUnknownEntryType(4, Tests::ModelBuilder::sGlobalNamespace);
     image.Global("turn", enumeration("turn", bare, -3), 0x1014);
     const auto fields = image.Struct("fields", 4);
     image.BitField("gear", gear, fields, 0, 4, 4);
