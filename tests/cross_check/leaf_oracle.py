@@ -43,11 +43,12 @@ class LeafTable:
         return self._known[key]
 
     def _expand(self, kind):
-        if kind.dynamic:
-            # Its members, or the number of its elements, are known only at run time.
-            leaves = [["", 0, kind.sizeof if kind.code in AGGREGATES else 0, 0, "dynamic", False]]
-        elif kind.code in AGGREGATES:
+        if kind.code in AGGREGATES:
+            # Which variant a value has is known only at run time: all of them count.
             leaves = list(self._members(kind))
+        elif kind.dynamic:
+            # The number of its elements is known only at run time.
+            leaves = [["", 0, 0, 0, "dynamic", False]]
         elif kind.code == gdb.TYPE_CODE_ARRAY:
             leaves = list(self._elements(kind))
         else:
