@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -473,17 +474,24 @@ private:
         mText.append(std::to_string(mModel.SizeOf(type.id))).append(" */\n");
         for (const DataModel::Enumerator& enumerator : mModel.Enumerators(type.id)) {
             mText.append("    ").append(mOrdinaryNames.Take(enumerator.name)).append(" = ");
-            mText.append(ValueText(type, enumerator.value)).append(",\n");
+            mText.append(ValueText(type, enumerator)).append(",\n");
         }
         mText.append("};\n");
     }
 
-    [[nodiscard]] std::string ValueText(const ModelObject& type, std::int32_t value) const {
+    [[nodiscard]] std::string ValueText(const ModelObject& type,
+                                        const DataModel::Enumerator& enumerator) const {
         const ModelObject underlying = mModel.Object(mModel.WithoutTypedefs(type.type));
-        if (value >= 0 || IsSigned(underlying.basicType)) {
+        const std::int64_t value = enumerator.value;
+        if (value == std::numeric_limits<std::int64_t>::min() && IsSigned(underlying.basicType)) {
+            // C has no constant for it: a minus is an operator, and its operand is too large.
+            return std::to_string(value + 1) + " - 1";
+        }
+        const auto bits = enumerator.BitsIn(mModel.SizeOf(type.id));
+        if (value >= 0 || IsSigned(underlying.basicType) || !bits) {
             return std::to_string(value);
         }
-        return std::to_string(static_cast<std::uint32_t>(value)) + "u";
+        return std::to_string(*bits) + "u";
     }
 
     /// The name of a type; for a nameless type, the name of what was declared with it.

@@ -92,6 +92,11 @@ void WriteHeaders(PackWriter& json, const DataModel::ImageDescription& image) {
     WriteField(json, "isWordAddressed", image.isWordAddressed);
 }
 
+/// A number with sign for the table: 0, -1, 1, -2 become 0, 1, 2, 3, so that small ones stay small.
+std::uint64_t ZigZag(std::int64_t number) {
+    return static_cast<std::uint64_t>(number) << 1U ^ static_cast<std::uint64_t>(number >> 63U);
+}
+
 } // namespace
 
 ImagePack::ImagePack(const DataModel::Model& model, std::string file, const ReadResult& result,
@@ -198,8 +203,7 @@ std::uint64_t ImagePack::AddDimensions(ObjectId array) {
 
 std::uint64_t ImagePack::AddEnumerators(ObjectId table) {
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(table)) {
-        mEnumerators.AddRow(
-            {static_cast<std::uint32_t>(enumerator.value), mTexts.NumberOf(enumerator.name)});
+        mEnumerators.AddRow({ZigZag(enumerator.value), mTexts.NumberOf(enumerator.name)});
     }
     return mModel.Enumerators(table).size();
 }

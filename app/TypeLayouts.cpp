@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -64,8 +65,8 @@ bool IsNameless(const ModelObject& type) {
     return type.kind != ObjectKind::Typedef && (type.anonymous || type.name.empty());
 }
 
-/// True if the values of an enum of this type may be unsigned: the model keeps them in signed 32
-/// bits and shows large ones as negative.
+/// True if the values of an enum of this type may be unsigned: the model keeps them with sign and
+/// shows large ones as negative.
 bool IsUnsigned(const ModelObject& integer) {
     using DataModel::BasicTypes;
     return integer.basicType == BasicTypes::UInt32 ||
@@ -316,10 +317,11 @@ private:
 
     void WriteEnumerators(const ModelObject& type, std::size_t depth) {
         const bool isUnsigned = IsUnsigned(mModel.Object(mModel.WithoutTypedefs(type.type)));
+        const std::uint64_t size = mModel.SizeOf(type.id);
         for (const DataModel::Enumerator& enumerator : mModel.Enumerators(type.id)) {
+            const auto bits = isUnsigned ? enumerator.BitsIn(size) : std::nullopt;
             const std::string value =
-                isUnsigned ? std::to_string(static_cast<std::uint32_t>(enumerator.value))
-                           : std::to_string(enumerator.value);
+                bits ? std::to_string(*bits) : std::to_string(enumerator.value);
             WriteLine(depth, std::string(enumerator.name) + " = " + value + ",", {});
         }
     }

@@ -228,7 +228,9 @@ brindle_status brindle_model_enumerator(brindle_model model, brindle_id enum_typ
     return GiveFound(
         model, enumerator, [&](const Model& data) -> std::optional<brindle_enumerator> {
             const auto item = ItemOf(data.Enumerators(enum_type), index);
-            return item ? std::optional(brindle_enumerator{0, TextOf(item->name), item->value})
+            return item ? std::optional(brindle_enumerator{0, TextOf(item->name),
+                                                           static_cast<std::int32_t>(item->value),
+                                                           item->value})
                         : std::nullopt;
         });
 }

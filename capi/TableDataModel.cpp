@@ -184,6 +184,17 @@ bool TableDataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable,
                 enumText.c_str()) != 0;
 }
 
+bool TableDataModel::AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable,
+                                                       std::int64_t enumValue,
+                                                       const std::string& enumText) {
+    if (mTable.AddWideEnumDescriptionToEnumTable == nullptr) {
+        return HostDataModel::AddWideEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue,
+                                                                enumText);
+    }
+    return Call(mTable.AddWideEnumDescriptionToEnumTable, objIdOfEnumTable, enumValue,
+                enumText.c_str()) != 0;
+}
+
 ObjectId TableDataModel::GetTypedefEntryType(const std::string& aliasName,
                                              ObjectId objIdParentScope) {
     return Call(mTable.GetTypedefEntryType, aliasName.c_str(), objIdParentScope);

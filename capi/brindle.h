@@ -125,7 +125,7 @@ enum {
 /** Number of the interface of this header. It grows with each addition; a comment names the number
  * for whatever came after 1. A host that must run with an older library asks
  * brindle_interface_version first. */
-#define BRINDLE_INTERFACE_VERSION 2
+#define BRINDLE_INTERFACE_VERSION 3
 
 /** BRINDLE_INTERFACE_VERSION of the loaded library. */
 BRINDLE_C_API int32_t brindle_interface_version(void);
@@ -522,6 +522,13 @@ typedef struct brindle_factory {
                                 uint64_t size);
     /** Spare. */
     void (*SetTransformed)(void* user_data, brindle_bool transformedDataModel);
+
+    /** Like AddEnumDescriptionToEnumTable, for a value that 32 bits can't express in the size of
+     * its enumeration; only in the full reading. enumValue has the 64 bits of the value: it is
+     * negative if the type is unsigned and all are used. If this is null,
+     * AddEnumDescriptionToEnumTable gets the value, cut to 32 bits. Since interface 3. */
+    brindle_bool (*AddWideEnumDescriptionToEnumTable)(void* user_data, brindle_id objIdOfEnumTable,
+                                                      int64_t enumValue, const char* enumText);
 } brindle_factory;
 
 /**
@@ -681,7 +688,11 @@ typedef struct brindle_base_class {
 typedef struct brindle_enumerator {
     size_t struct_size;
     brindle_text name;
+    /** The value, cut to 32 bits. */
     int32_t value;
+    /** The value: 32 bits with sign, also of unsigned enumerations; in the full reading 64 bits
+     * with sign where 32 can't express it. Since interface 3. */
+    int64_t whole_value;
 } brindle_enumerator;
 
 /** A base class of a class or structure by index, from 0. */
@@ -966,7 +977,7 @@ typedef struct brindle_image {
     brindle_bool is_word_addressed;
     size_t section_count;
     /** False for a file of debug information that was split off its image, by
-     * `objcopy --only-keep-debug`, say: it has no initial bytes. */
+     * `objcopy --only-keep-debug`, say: it has no initial bytes. Since interface 3. */
     brindle_bool has_contents;
 } brindle_image;
 

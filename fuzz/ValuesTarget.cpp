@@ -28,7 +28,7 @@ namespace {
 enum Shape : std::uint8_t { Plain, Enum, Alias, Pointer, Array, ShapeCount };
 
 constexpr std::uint64_t sLongestValue = 8;
-constexpr std::int32_t sEnumerator = 1;
+constexpr std::uint32_t sEnumerator = 1;
 constexpr const char* sEnumeratorName = "ON";
 
 ObjectId TypeOf(Model& model, Shape shape, BasicTypes basicType, std::uint64_t size) {
@@ -37,7 +37,7 @@ ObjectId TypeOf(Model& model, Shape shape, BasicTypes basicType, std::uint64_t s
     switch (shape) {
     case Enum: {
         const ObjectId table = model.CreateEnumTable("mode", base, global, false);
-        model.AddEnumDescriptionToEnumTable(table, sEnumerator, sEnumeratorName);
+        model.AddEnumDescriptionToEnumTable(table, std::int32_t{sEnumerator}, sEnumeratorName);
         return table;
     }
     case Alias:
@@ -104,7 +104,8 @@ void Check(ValueDecoder& decoder, const Model::Place& place, Bytes bytes, ByteOr
         Require(width >= 1 && width <= 64, "numbers have at most 64 bits");
         const Stands stands{BitByBit(place, bytes, byteOrder), width};
         Require(std::visit(stands, value.number), "a number stands for the bits of its place");
-        Require(value.text.empty() || value.text == sEnumeratorName, "numbers have no other text");
+        Require(value.text.empty() || (value.text == sEnumeratorName && stands.bits == sEnumerator),
+                "numbers have only the text of their enumerator");
     } else if (!value.text.empty()) {
         Require(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size())
                     .starts_with(value.text),

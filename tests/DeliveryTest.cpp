@@ -383,6 +383,45 @@ TEST_F(DeliveryTest, ArraysEnumerationsAndFunctionTypes) {
     EXPECT_THAT(calls, Contains(testing::StartsWith("CreateFunctionType(2, [8, ")));
 }
 
+TEST_F(DeliveryTest, EnumeratorsKeepAllBitsInTheFullReading) {
+    const DieLabel longEnum, intEnum;
+    const auto enumerator = [](const char* name, std::uint32_t form, std::uint64_t value) {
+        return Die(DW_TAG_enumerator, {Name(name), Number(DW_AT_const_value, form, value)});
+    };
+    const DwarfSections sections = Unit({
+        Die(longEnum, DW_TAG_enumeration_type, {Name("long_enum"), ByteSize(8)},
+            {enumerator("low", DW_FORM_data1, 5), enumerator("minus", DW_FORM_sdata, ~0ULL),
+             enumerator("word", DW_FORM_data4, 0xFFFFFFFF),
+             enumerator("eight", DW_FORM_data8, 0x7FFF'FFFF'FFFF'FFFF),
+             enumerator("leb", DW_FORM_udata, 0x1'0000'0005),
+             enumerator("negative", DW_FORM_sdata, 0xFFFF'FFFE'0000'0000)}),
+        Die(intEnum, DW_TAG_enumeration_type, {Name("int_enum"), ByteSize(4)},
+            {enumerator("all", DW_FORM_udata, 0xFFFFFFFF),
+             enumerator("beyond", DW_FORM_udata, 0x1'0000'0005)}),
+        Variable("e", longEnum, 0x1000),
+        Variable("f", intEnum, 0x1008),
+    });
+    const auto added = [&sections] {
+        std::vector<std::string> calls;
+        for (const std::string& call : CallsOf(sections)) {
+            std::smatch parts;
+            if (std::regex_match(call, parts,
+                                 std::regex(R"re(Add(Wide)?Enum\w+\(\d+, (.*)\) -> true)re"))) {
+                calls.push_back(parts.str(1) + (parts[1].matched ? " " : "") + parts.str(2));
+            }
+        }
+        return calls;
+    };
+    EXPECT_THAT(added(),
+                ElementsAre(R"(5, "low")", R"(-1, "minus")", R"(-1, "word")", R"(-1, "eight")",
+                            R"(5, "leb")", R"(0, "negative")", R"(-1, "all")", R"(5, "beyond")"));
+    VElfOptions::mIsFullReading = 1;
+    EXPECT_THAT(added(), ElementsAre(R"(5, "low")", R"(-1, "minus")", R"(Wide 4294967295, "word")",
+                                     R"(Wide 9223372036854775807, "eight")",
+                                     R"(Wide 4294967301, "leb")", R"(Wide -8589934592, "negative")",
+                                     R"(-1, "all")", R"(Wide 4294967301, "beyond")"));
+}
+
 TEST_F(DeliveryTest, BaseClassesAreLinkedAtTheirOffsets) {
     const DieLabel base, alias, derived;
     const std::vector<std::string> calls = CallsOf(Unit({

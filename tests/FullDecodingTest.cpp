@@ -163,7 +163,8 @@ TEST_F(FullDecodingTest, NumbersOfAllForms) {
     };
     const std::vector<NumberCase> cases = {
         {DW_FORM_implicit_const, 77, 77},
-        {DW_FORM_implicit_const, ~std::uint64_t{0}, 0xFFFFFFFF},
+        {DW_FORM_implicit_const, ~std::uint64_t{0}, ~std::uint64_t{0}},
+        {DW_FORM_implicit_const, 0x1'0000'0005, 0x1'0000'0005},
         {DW_FORM_addrx, 1, 0x2000},
         {DW_FORM_addrx1, 0, 0x1000},
         {DW_FORM_addrx2, 1, 0x2000},

@@ -143,6 +143,7 @@ TEST(TableDataModelTest, EachOperationReachesTheFunctionOfItsName) {
     EXPECT_PASSED_ON(GetEnumTable);
     EXPECT_PASSED_ON(CreateEnumTable);
     EXPECT_PASSED_ON(AddEnumDescriptionToEnumTable);
+    EXPECT_PASSED_ON(AddWideEnumDescriptionToEnumTable);
     EXPECT_PASSED_ON(GetTypedefEntryType);
     EXPECT_PASSED_ON(CreateTypedefEntryType);
     EXPECT_PASSED_ON(GetGlobalDataByAddress);

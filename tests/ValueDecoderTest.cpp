@@ -89,6 +89,52 @@ TEST_F(ValueDecoderTest, NumbersAsTheirTypesTakeThem) {
     }
 }
 
+TEST_F(ValueDecoderTest, EnumeratorsHaveAllBitsOfTheirEnum) {
+    const struct {
+        BasicTypes type;
+        std::int64_t enumerator;
+        Bytes bytes;
+        const char* value;
+    } cases[] = {
+        {BasicTypes::Int8, -1, {0xFF}, "-1 'E'"},
+        {BasicTypes::Int8, 255, {0xFF}, "-1 'E'"},
+        {BasicTypes::UInt8, -1, {0xFF}, "255 'E'"},
+        {BasicTypes::UInt8, 256, {0}, "0"},
+        {BasicTypes::UInt8, -257, {0xFF}, "255"},
+        {BasicTypes::Int16, -2, {0xFE, 0xFF}, "-2 'E'"},
+        {BasicTypes::UInt16, 65534, {0xFE, 0xFF}, "65534 'E'"},
+        {BasicTypes::UInt16, -129, {0x7F, 0}, "127"},
+        {BasicTypes::Int32, -1, Bytes(4, 0xFF), "-1 'E'"},
+        {BasicTypes::UInt32, -1, Bytes(4, 0xFF), "4294967295 'E'"},
+        {BasicTypes::UInt32, 0x1'0000'0005, {5, 0, 0, 0}, "5"},
+        {BasicTypes::Int64, 0x1'0000'0005, {5, 0, 0, 0, 1, 0, 0, 0}, "4294967301 'E'"},
+        {BasicTypes::Int64, 0x1'0000'0005, {5, 0, 0, 0, 0, 0, 0, 0}, "5"},
+        {BasicTypes::Int64, 5, {5, 0, 0, 0, 5, 0, 0, 0}, "21474836485"},
+        {BasicTypes::Int64, -1, Bytes(8, 0xFF), "-1 'E'"},
+        {BasicTypes::UInt64, -1, Bytes(8, 0xFF), "18446744073709551615 'E'"},
+        {BasicTypes::UInt64, -1, {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}, "4294967295"},
+        {BasicTypes::UInt64, 0xFFFF'FFFF, {0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0}, "4294967295 'E'"},
+    };
+    int number = 0;
+    for (const auto& [type, enumerator, bytes, value] : cases) {
+        const std::string name = "v" + std::to_string(++number);
+        const ObjectId table = mModel.CreateEnumTable(name, Base(type, bytes.size()), 1, false);
+        mModel.AddWideEnumDescriptionToEnumTable(table, enumerator, "E");
+        Global(name, table, 0x1000);
+        EXPECT_EQ(Decoded(name, bytes), value) << enumerator << " in " << bytes.size();
+    }
+    const ObjectId fields = Struct("Fields", 4);
+    for (const auto& [name, type] :
+         {std::pair("signed", BasicTypes::Int32), std::pair("unsigned", BasicTypes::UInt32)}) {
+        const ObjectId table = mModel.CreateEnumTable(name, Base(type, 4), 1, false);
+        mModel.AddWideEnumDescriptionToEnumTable(table, -1, "All");
+        BitField(name, table, fields, 0, 0, 3);
+    }
+    Global("fields", fields, 0x2000);
+    EXPECT_EQ(Decoded("fields.signed", {7}), "-1 'All'");
+    EXPECT_EQ(Decoded("fields.unsigned", {7}), "7");
+}
+
 TEST_F(ValueDecoderTest, BitFieldsFromTheBytesThatHoldThem) {
     const ObjectId fields = Struct("Fields", 9);
     BitField("low", Base(BasicTypes::UInt32, 4), fields, 0, 0, 4);

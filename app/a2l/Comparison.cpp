@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <limits>
+#include <map>
 #include <set>
+#include <utility>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
 
@@ -52,22 +53,34 @@ private:
     std::size_t mCount = 0;
 };
 
-/// An integer, also one that is written as "2.0".
+/// The 64 bits of an integer, with or without sign; also of one that is written as "2.0".
 std::optional<std::int64_t> IntegerValue(std::string_view text) {
-    double value = 0;
     const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, value);
-    constexpr double most = 9.0e15;
-    const bool isInteger =
-        error == std::errc() && rest == end && std::abs(value) < most && value == std::floor(value);
-    if (!isInteger) {
-        return std::nullopt;
+    const auto isWhole = [text, end](auto& number) {
+        const auto [rest, error] = std::from_chars(text.data(), end, number);
+        return error == std::errc() && rest == end;
+    };
+    std::int64_t withSign = 0;
+    std::uint64_t withoutSign = 0;
+    if (isWhole(withSign)) {
+        return withSign;
     }
-    // The reader keeps the values of unsigned enumerations in signed 32 bits.
-    const auto number = static_cast<std::int64_t>(value);
-    const bool isUnsigned = number > std::numeric_limits<std::int32_t>::max() &&
-                            number <= std::numeric_limits<std::uint32_t>::max();
-    return isUnsigned ? static_cast<std::int32_t>(static_cast<std::uint32_t>(number)) : number;
+    if (isWhole(withoutSign)) {
+        return static_cast<std::int64_t>(withoutSign);
+    }
+    double value = 0;
+    constexpr double most = 9.0e15;
+    const bool isInteger = isWhole(value) && std::abs(value) < most && value == std::floor(value);
+    return isInteger ? std::optional(static_cast<std::int64_t>(value)) : std::nullopt;
+}
+
+/// A value as a variable of `size` bytes holds it, with sign: large values of an unsigned
+/// enumeration are negative. Nothing if the variable can't hold it.
+std::optional<std::int64_t> ValueIn(std::uint64_t size, std::int64_t value) {
+    const auto bits = DataModel::Enumerator{.value = value, .name = {}}.BitsIn(size);
+    const std::uint64_t unused = size == 0 || size >= 8 ? 0 : 64 - size * 8;
+    return bits ? std::optional(static_cast<std::int64_t>(*bits << unused) >> unused)
+                : std::nullopt;
 }
 
 } // namespace
@@ -232,36 +245,43 @@ void Comparison::CompareEnumeration(const Object& object, ObjectId type, std::ui
 
 void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration,
                               std::uint64_t bitSize, std::vector<Difference>& differences) const {
-    // Several enumerators may have one value; any of their names will do.
-    std::multimap<std::int64_t, std::string_view> names;
+    const std::uint64_t size = mModel.SizeOf(enumeration);
     const SignedBits field = mSigns.BitsOf(enumeration, bitSize);
+    // Several enumerators may have one value; any of their names will do.
+    std::multimap<std::int64_t, const DataModel::Enumerator*> known;
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
-        names.emplace(enumerator.value, enumerator.name);
+        if (const auto value = ValueIn(size, enumerator.value)) {
+            known.emplace(*value, &enumerator);
+        }
     }
     std::set<std::int64_t> values;
     Details inFile;
     Details inImage;
     for (const auto& [valueText, text] : table.pairs) {
-        std::optional<std::int64_t> value = IntegerValue(valueText);
-        if (!value) {
+        const std::optional<std::int64_t> number = IntegerValue(valueText);
+        if (!number) {
             // A table with other numbers can't be compared.
             return;
         }
-        value = field.WithSign(*value);
-        values.insert(*value);
-        const auto [first, last] = names.equal_range(*value);
+        const std::optional<std::int64_t> value = ValueIn(size, field.WithSign(*number));
+        if (value) {
+            values.insert(*value);
+        }
+        const auto [first, last] =
+            value ? known.equal_range(*value) : std::pair(known.end(), known.end());
         const bool isSame = std::any_of(
-            first, last, [&text = text](const auto& known) { return known.second == text; });
+            first, last, [&text = text](const auto& entry) { return entry.second->name == text; });
         if (!isSame) {
             inFile.Add(std::string(valueText) + " " + Quoted(text));
             inImage.Add(std::string(valueText) + " " +
-                        (first == last ? Phrased("none") : Quoted(first->second)));
+                        (first == last ? Phrased("none") : Quoted(first->second->name)));
         }
     }
-    for (const auto& [value, text] : names) {
+    for (const auto& [value, enumerator] : known) {
         if (!values.contains(value) && field.Holds(value)) {
-            inFile.Add(std::to_string(value) + " " + Phrased("none"));
-            inImage.Add(std::to_string(value) + " " + Quoted(text));
+            const std::string number = std::to_string(enumerator->value);
+            inFile.Add(number + " " + Phrased("none"));
+            inImage.Add(number + " " + Quoted(enumerator->name));
         }
     }
     if (!inFile.Text().empty()) {

@@ -2,6 +2,7 @@
 
 #include "a2l/Datatypes.h"
 
+#include <optional>
 #include <set>
 
 namespace Tessel::Norn::Brindle::Program::A2l {
@@ -37,13 +38,15 @@ Conversions::Table Conversions::MakeTable(ObjectId enumeration, const SignedBits
     const bool isUnsigned = basic == DataModel::BasicTypes::UInt32 ||
                             basic == DataModel::BasicTypes::UnsignedLong ||
                             basic == DataModel::BasicTypes::UInt64;
-    std::set<std::int32_t> values;
+    const std::uint64_t size = mModel.SizeOf(enumeration);
+    std::set<std::int64_t> values;
     for (const DataModel::Enumerator& enumerator : mModel.Enumerators(enumeration)) {
         // If several names have one value, the table has room only for the first.
         if (field.Holds(enumerator.value) && values.insert(enumerator.value).second) {
+            const auto bits = isUnsigned ? enumerator.BitsIn(size) : std::nullopt;
             table.pairs.append("      ")
-                .append(isUnsigned ? std::to_string(static_cast<std::uint32_t>(enumerator.value))
-                                   : std::to_string(field.WithoutSign(enumerator.value)))
+                .append(bits ? std::to_string(*bits)
+                             : std::to_string(field.WithoutSign(enumerator.value)))
                 .append(" ")
                 .append(QuotedText(enumerator.name))
                 .append("\n");

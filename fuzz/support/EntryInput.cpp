@@ -156,7 +156,9 @@ constexpr std::uint32_t sHasLocation = 1U << 7U;
 constexpr std::uint32_t sIsDeclaration = 1U << 9U;
 constexpr std::uint32_t sIsExternal = 1U << 10U;
 constexpr std::uint32_t sHasBounds = 7U << 11U;
+/// An encoding or a constant, see `sEncodingForm`.
 constexpr std::uint32_t sHasEncoding = 1U << 14U;
+constexpr std::uint32_t sHasConstant = sHasEncoding;
 
 /// @}
 
@@ -227,6 +229,12 @@ Record Plain(Record record) {
         break;
     case DW_TAG_subrange_type:
         record.attributes &= ~sHasByteSize;
+        break;
+    case DW_TAG_enumerator:
+        // A constant that 32 bits express.
+        record.attributes |= sHasConstant;
+        record.forms &= static_cast<std::uint8_t>(~sEncodingForm);
+        record.number &= 0x7FFFFFFFU;
         break;
     default:
         break;

@@ -92,6 +92,7 @@ namespace Brindle
         public UIntPtr StructSize;
         public NativeText Name;
         public int Value;
+        public long WholeValue;
     }
 
     [StructLayout(LayoutKind.Sequential)]
@@ -206,7 +207,7 @@ namespace Brindle
         public const int InvalidValue = 7;
         public const int OutOfMemory = 9;
 
-        public const int OldestInterface = 2;
+        public const int OldestInterface = 3;
 
         const string Library = "brindle";
         const CallingConvention Cdecl = CallingConvention.Cdecl;

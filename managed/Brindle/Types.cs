@@ -235,7 +235,7 @@ namespace Brindle
     /// <summary>One value of an enum.</summary>
     public sealed class Enumerator
     {
-        internal Enumerator(string name, int value)
+        internal Enumerator(string name, long value)
         {
             Name = name;
             Value = value;
@@ -244,8 +244,9 @@ namespace Brindle
         /// <summary>Its name.</summary>
         public string Name { get; }
 
-        /// <summary>Its number.</summary>
-        public int Value { get; }
+        /// <summary>Its number: 32 bits with sign, also of unsigned enums; in the full reading 64 bits
+        /// with sign where 32 can't express it.</summary>
+        public long Value { get; }
     }
 
     /// <summary>An enum.</summary>
@@ -273,7 +274,7 @@ namespace Brindle
             get
             {
                 return Model.Enumerators(Row)
-                    .Select(row => new Enumerator(row.Name.ToString(), row.Value))
+                    .Select(row => new Enumerator(row.Name.ToString(), row.WholeValue))
                     .ToList();
             }
         }

@@ -261,25 +261,39 @@ namespace Brindle
 
         static Func<long, object> Named(Model model, NativeObject row)
         {
+            ulong size = model.SizeOf(row.Id);
             var names = new Dictionary<long, string>();
             foreach (NativeEnumerator enumerator in model.Enumerators(row))
             {
-                string name = enumerator.Name.ToString();
-                // The table has signed 32 bits: a large value of an unsigned enum is negative there.
-                foreach (long number in new[] { enumerator.Value, (long)(uint)enumerator.Value })
+                // Large values of an unsigned enum may be negative here.
+                long? bits = BitsIn(size, enumerator.WholeValue);
+                if (bits.HasValue && !names.ContainsKey(bits.Value))
                 {
-                    if (!names.ContainsKey(number))
-                    {
-                        names[number] = name;
-                    }
+                    names[bits.Value] = enumerator.Name.ToString();
                 }
             }
             return number =>
             {
-                string name;
-                names.TryGetValue(number, out name);
+                string name = null;
+                long? bits = BitsIn(size, number);
+                if (bits.HasValue)
+                {
+                    names.TryGetValue(bits.Value, out name);
+                }
                 return new EnumValue(number, name);
             };
+        }
+
+        // The bits of a number in a variable of that size; null if it has more.
+        static long? BitsIn(ulong size, long number)
+        {
+            if (size == 0 || size >= 8)
+            {
+                return number;
+            }
+            int width = (int)size * 8;
+            bool fits = number >> width == 0 || number >> (width - 1) == -1;
+            return fits ? number & ((1L << width) - 1) : (long?)null;
         }
 
         static Decoder Enumeration(Model model, NativeObject row)

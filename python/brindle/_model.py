@@ -146,7 +146,7 @@ class Model:
         for index in range(row.list_length):
             self._check(_native.library.brindle_model_enumerator(
                 self.handle, row.id, index, byref(found)))
-            result.append((str(found.name), found.value))
+            result.append((str(found.name), found.whole_value))
         return result
 
     def dimensions(self, row: ObjectRow) -> Tuple[int, ...]:

@@ -8,7 +8,7 @@ import ctypes.util
 import os
 import pathlib
 import sys
-from ctypes import POINTER, c_char, c_char_p, c_int32, c_size_t, c_uint8, c_uint32, c_uint64, c_void_p
+from ctypes import POINTER, c_char, c_char_p, c_int32, c_int64, c_size_t, c_uint8, c_uint32, c_uint64, c_void_p
 from typing import Any, Callable, List, Tuple
 
 OK = 0
@@ -20,7 +20,7 @@ NOT_FOUND = 6
 INVALID_VALUE = 7
 OUT_OF_MEMORY = 9
 
-_OLDEST_INTERFACE = 2
+_OLDEST_INTERFACE = 3
 
 
 class Text(ctypes.Structure):
@@ -51,7 +51,7 @@ Place = _structure(
     ("indexed_dimensions", c_size_t), ("is_bit_field", c_int32), ("bit_offset", c_uint32),
     ("bit_size", c_uint64), ("candidates", c_size_t))
 BaseClass = _structure("BaseClass", ("type", c_uint64), ("offset", c_uint32))
-Enumerator = _structure("Enumerator", ("name", Text), ("value", c_int32))
+Enumerator = _structure("Enumerator", ("name", Text), ("value", c_int32), ("whole_value", c_int64))
 LeafCuts = _structure(
     "LeafCuts", ("arrays", c_uint64), ("wholes", c_uint64), ("is_exhausted", c_int32))
 RowChoice = _structure(

@@ -119,12 +119,19 @@ def _scalar(model: Model, row: ObjectRow, _depth: int) -> Decoder:
 
 
 def _named(model: Model, row: ObjectRow) -> Callable[[int], Value]:
-    names: Dict[int, str] = {}
+    size = model.size_of(row.id)
+    width = 8 * size if 0 < size < 8 else 64
+    mask = (1 << width) - 1
+
+    def bits(number: int) -> Optional[int]:
+        return number & mask if -(1 << width - 1) <= number <= mask else None
+
+    names: Dict[Optional[int], str] = {}
     for name, value in model.enumerators(row):
-        names.setdefault(value, name)
-        # The table has signed 32 bits: a large value of an unsigned enum is negative there.
-        names.setdefault(value & 0xFFFFFFFF, name)
-    return lambda number: EnumValue(number, names.get(number))
+        # Large values of an unsigned enum may be negative here.
+        names.setdefault(bits(value), name)
+    names.pop(None, None)  # An enum that can't hold a value doesn't have it.
+    return lambda number: EnumValue(number, names.get(bits(number)))
 
 
 def _enum(model: Model, row: ObjectRow, depth: int) -> Decoder:

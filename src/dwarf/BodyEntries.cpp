@@ -39,6 +39,7 @@ bool IsOfBodyAlone(AttributeTarget target) {
     case AttributeTarget::BitOffset:
     case AttributeTarget::DataBitOffset:
     case AttributeTarget::ConstValue:
+    case AttributeTarget::WholeConstValue:
     case AttributeTarget::Accessibility:
         return true;
     default:

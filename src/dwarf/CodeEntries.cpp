@@ -11,6 +11,7 @@ bool IsOfCodeAlone(AttributeTarget target) {
     case AttributeTarget::Name:
     case AttributeTarget::Location:
     case AttributeTarget::ConstValue:
+    case AttributeTarget::WholeConstValue:
     case AttributeTarget::Declaration:
     case AttributeTarget::External:
     case AttributeTarget::AbstractOrigin:

@@ -119,6 +119,8 @@ enum class AttributeTarget : std::uint8_t {
     None,
     Location,
     MemberLocation,
+    /// All 64 bits of a constant; values of the other targets are cut to 32.
+    WholeConstValue,
     Name,
     ByteSize,
     BitOffset,

@@ -75,7 +75,7 @@ void VAbrTab::ReadAttributes(VElfBuffer& section, TAbrTabItem& item) {
         attribute.mReading = mForms->ReadingOf(attribute.mForm);
         attribute.mAttribute = mForms->TargetOf(mForms->TargetOf(code), attribute.mForm);
         if (attribute.mReading == FormReading::Constant) {
-            attribute.mConstant = static_cast<std::uint32_t>(section.GetSLEB128());
+            attribute.mConstant = static_cast<std::uint64_t>(section.GetSLEB128In64Bits());
         }
         reading.Add(attribute);
         item.mCodeEntry =

@@ -28,7 +28,7 @@ struct TDieAttribute {
     FormReading mReading = FormReading::Present;
     std::uint32_t mForm = 0;
     /// The value itself, if the abbreviation holds it.
-    std::uint32_t mConstant = 0;
+    std::uint64_t mConstant = 0;
 };
 
 /// One abbreviation. `VAbrTab::AttributesOf` returns its attributes.

@@ -181,14 +181,44 @@ void VDie2::ReadAttribute(const TDieAttribute& attribute) {
 }
 
 void VDie2::ReadDirectAttribute(const TDieAttribute& attribute) {
-    if (attribute.mAttribute == AttributeTarget::Location ||
-        attribute.mAttribute == AttributeTarget::MemberLocation) {
+    switch (attribute.mAttribute) {
+    case AttributeTarget::Location:
+    case AttributeTarget::MemberLocation:
         ReadLocation(attribute);
         return;
+    case AttributeTarget::WholeConstValue:
+        ReadWholeConstant(attribute);
+        return;
+    default:
+        break;
     }
     VDieFormValue value;
     if (ReadFormValue(attribute, value)) {
         StoreAttribute(attribute, value);
+    }
+}
+
+void VDie2::ReadWholeConstant(const TDieAttribute& attribute) {
+    VDieFormValue value;
+    switch (attribute.mReading) {
+    case FormReading::EightBytes:
+        Rare().mConstValue = VAttributeValue::Integer(mBuffer->GetUInt64());
+        break;
+    case FormReading::UnsignedLeb128:
+        Rare().mConstValue = VAttributeValue::Integer(mBuffer->GetULEB128In64Bits());
+        break;
+    case FormReading::SignedLeb128:
+        Rare().mConstValue =
+            VAttributeValue::Integer(static_cast<std::uint64_t>(mBuffer->GetSLEB128In64Bits()));
+        break;
+    case FormReading::Constant:
+        Rare().mConstValue = VAttributeValue::Integer(attribute.mConstant);
+        break;
+    default:
+        if (ReadFormValue(attribute, value)) {
+            Rare().mConstValue = VAttributeValue::Integer(value.mNumber);
+        }
+        break;
     }
 }
 
@@ -200,7 +230,7 @@ TDieAttribute VDie2::FollowIndirectForm(const TDieAttribute& attribute) {
     } while (direct.mReading == FormReading::Indirect);
     direct.mAttribute = mForms->TargetOf(direct.mAttribute, direct.mForm);
     if (direct.mReading == FormReading::Constant) {
-        direct.mConstant = static_cast<std::uint32_t>(mBuffer->GetSLEB128());
+        direct.mConstant = static_cast<std::uint64_t>(mBuffer->GetSLEB128In64Bits());
     }
     return direct;
 }
@@ -256,7 +286,7 @@ bool VDie2::ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value) 
         value.mNumber = static_cast<std::uint32_t>(mBuffer->GetOffset());
         return true;
     case FormReading::Constant:
-        value.mNumber = attribute.mConstant;
+        value.mNumber = static_cast<std::uint32_t>(attribute.mConstant);
         return true;
     case FormReading::Unknown:
         SetErrorState(ELFReadErrorEnum::ELFERR_DWARF_FORM);

@@ -27,8 +27,8 @@ struct VLocationResult;
 struct TDieAttribute;
 struct VCompileUnitHeader;
 
-/// The attributes of one entry. Values are 32 bits wide, except for the address; wider forms are
-/// cut.
+/// The attributes of one entry. Values are 32 bits wide, except for the address and, in the full
+/// reading, constants; wider forms are cut.
 struct VDieAttributes {
     dwarf_tag mTag = 0;
     /// Section offset of the entry.
@@ -231,6 +231,8 @@ private:
     TDieAttribute FollowIndirectForm(const TDieAttribute& attribute);
     /// False if there is no value, or none in this file.
     bool ReadFormValue(const TDieAttribute& attribute, VDieFormValue& value);
+    /// Reads a constant value in the full reading.
+    void ReadWholeConstant(const TDieAttribute& attribute);
     /// Section offset of the type in a type attribute, 0 if there is none.
     [[nodiscard]] std::uint32_t TypeOffsetOf(const TDieAttribute& attribute,
                                              const VDieFormValue& value) const;

@@ -246,9 +246,7 @@ private:
     void AddEnumerators(ObjectId table) {
         for (const VDebugInfoNode* child : mNode.Children()) {
             if (child->GetTag() == DW_TAG_enumerator && child->GetNameOrNull() != nullptr) {
-                const auto value =
-                    static_cast<std::int32_t>(child->GetConstValueAttribute().ToInteger());
-                mFactory.AddEnumDescriptionToEnumTable(table, value, child->GetName());
+                mEmission.Rules().addEnumerator(mFactory, table, UnsignedSize(), *child);
             }
         }
     }
@@ -371,6 +369,34 @@ std::string_view FullNameOfNameless(VDebugInfoNode& type) {
     return type.GetDefaultName();
 }
 
+void AddClassicEnumerator(VCLIFactoryWrapper& factory, ObjectId table, std::uint32_t /*size*/,
+                          const VDebugInfoNode& enumerator) {
+    const std::int64_t value = enumerator.GetConstValueAttribute().ToInteger();
+    factory.AddEnumDescriptionToEnumTable(table, static_cast<std::int32_t>(value),
+                                          enumerator.GetName());
+}
+
+/// Leaves out an enumerator whose value the reader can't know, such as one of 16 bytes: no value is
+/// better than a wrong one.
+void AddFullEnumerator(VCLIFactoryWrapper& factory, ObjectId table, std::uint32_t size,
+                       const VDebugInfoNode& enumerator) {
+    const VAttributeValue& constant = enumerator.GetConstValueAttribute();
+    if (!constant.IsDefined()) {
+        return;
+    }
+    const std::int64_t value = constant.ToInteger();
+    const auto narrow = static_cast<std::int32_t>(value);
+    // In 4 bytes, -1 and 4294967295 are one value.
+    const bool isNarrow =
+        value == narrow ||
+        (size <= sizeof narrow && value == std::int64_t{static_cast<std::uint32_t>(narrow)});
+    if (isNarrow) {
+        factory.AddEnumDescriptionToEnumTable(table, narrow, enumerator.GetName());
+    } else {
+        factory.AddWideEnumDescriptionToEnumTable(table, value, enumerator.GetName());
+    }
+}
+
 std::span<const EntryNeed> FullNeedsOf(dwarf_tag tag) {
     switch (tag) {
     case DW_TAG_rvalue_reference_type:
@@ -418,9 +444,9 @@ bool CreateFullObject(VDebugInfoNode& node, VNodeEmission& emission, const Emiss
 
 const DeliveryRules& DeliveryRules::Of(ReadingManner manner) {
     static constexpr DeliveryRules sClassic{ClassicNeedsOf, CreateClassicObject, ClassicNextOf,
-                                            ClassicNameOfNameless};
+                                            ClassicNameOfNameless, AddClassicEnumerator};
     static constexpr DeliveryRules sFull{FullNeedsOf, CreateFullObject, FullNextOf,
-                                         FullNameOfNameless};
+                                         FullNameOfNameless, AddFullEnumerator};
     return manner == ReadingManner::Full ? sFull : sClassic;
 }
 

@@ -240,6 +240,13 @@ bool VCLIFactoryWrapper::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable
                    enumText);
 }
 
+bool VCLIFactoryWrapper::AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable,
+                                                           std::int64_t enumValue,
+                                                           std::string_view enumText) {
+    return Forward(&HostDataModel::AddWideEnumDescriptionToEnumTable, objIdOfEnumTable, enumValue,
+                   enumText);
+}
+
 ObjectId VCLIFactoryWrapper::GetTypedefEntryType(std::string_view aliasName,
                                                  ObjectId objIdParentScope) {
     return Forward(&HostDataModel::GetTypedefEntryType, aliasName, objIdParentScope);

@@ -131,6 +131,8 @@ public:
                              ObjectId objIdOfScopeParent, bool anonymous);
     bool AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
                                        std::string_view enumText);
+    bool AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int64_t enumValue,
+                                           std::string_view enumText);
     /// Spare.
     ObjectId GetTypedefEntryType(std::string_view aliasName, ObjectId objIdParentScope);
     ObjectId CreateTypedefEntryType(std::string_view aliasName, ObjectId objIdReferencedType,

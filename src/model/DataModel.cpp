@@ -272,6 +272,11 @@ ObjectId Model::CreateEnumTable(const std::string& tableName, ObjectId objIdOfUn
 
 bool Model::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
                                           const std::string& enumText) {
+    return AddWideEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue, enumText);
+}
+
+bool Model::AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int64_t enumValue,
+                                              const std::string& enumText) {
     if (!mStore->IsOfKind(objIdOfEnumTable, ObjectKind::Enum)) {
         return false;
     }

@@ -260,6 +260,8 @@ public:
                              ObjectId objIdOfScopeParent, bool anonymous) override;
     bool AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
                                        const std::string& enumText) override;
+    bool AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int64_t enumValue,
+                                           const std::string& enumText) override;
     ObjectId GetTypedefEntryType(const std::string& aliasName, ObjectId objIdParentScope) override;
     ObjectId CreateTypedefEntryType(const std::string& aliasName, ObjectId objIdReferencedType,
                                     ObjectId objIdParentScope) override;

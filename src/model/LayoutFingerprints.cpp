@@ -64,7 +64,7 @@ std::uint64_t LayoutFingerprints::MeaningOf(ObjectId type) {
         }
         for (const Enumerator& enumerator : mModel.Enumerators(target)) {
             hash = Chained(
-                {hash, static_cast<std::uint32_t>(enumerator.value), OfText(enumerator.name)});
+                {hash, static_cast<std::uint64_t>(enumerator.value), OfText(enumerator.name)});
         }
         known->second = hash;
     }

@@ -6,6 +6,7 @@
 #include "../host/ObjectId.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace Tessel::Norn::Brindle::DataModel {
@@ -46,10 +47,26 @@ struct BaseClass {
 
 /// One value of an enum table.
 struct Enumerator {
-    /// The value in a variable of the enumeration.
-    std::int32_t value = 0;
+    /// The value as the reader delivered it: 32 bits with sign, also of unsigned enumerations; in
+    /// the full reading 64 bits with sign where 32 can't express it, see
+    /// `HostDataModel::AddWideEnumDescriptionToEnumTable`.
+    std::int64_t value = 0;
     /// The name of the value. Owned by the model.
     std::string_view name;
+
+    /// The bits of the value in a variable of the enumeration. Two values are the same there if
+    /// these are.
+    /// @param size size of the variable in bytes; 0 counts as 8
+    /// @return nothing if the variable can't hold the value, with or without sign
+    [[nodiscard]] std::optional<std::uint64_t> BitsIn(std::uint64_t size) const {
+        if (size == 0 || size >= sizeof value) {
+            return static_cast<std::uint64_t>(value);
+        }
+        const std::uint64_t width = size * 8;
+        const bool fits = value >> width == 0 || value >> (width - 1) == -1;
+        const std::uint64_t mask = (std::uint64_t{1} << width) - 1;
+        return fits ? std::optional(static_cast<std::uint64_t>(value) & mask) : std::nullopt;
+    }
 };
 
 /// An object of the model. Its `kind` decides which fields have a meaning; the others are 0. The

@@ -12,6 +12,9 @@ void SetValue(RecordedValue& value, std::uint64_t number) {
 void SetValue(RecordedValue& value, std::uint32_t number) {
     value.emplace<std::uint64_t>(number);
 }
+void SetValue(RecordedValue& value, std::int64_t number) {
+    value.emplace<std::int64_t>(number);
+}
 void SetValue(RecordedValue& value, std::int32_t number) {
     value.emplace<std::int64_t>(number);
 }
@@ -288,6 +291,15 @@ bool RecordingDataModel::AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable
                                                        const std::string& enumText) {
     return Recorded("AddEnumDescriptionToEnumTable",
                     mNext.AddEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue, enumText),
+                    Arguments("objIdOfEnumTable", objIdOfEnumTable, "enumValue", enumValue,
+                              "enumText", enumText));
+}
+
+bool RecordingDataModel::AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable,
+                                                           std::int64_t enumValue,
+                                                           const std::string& enumText) {
+    return Recorded("AddWideEnumDescriptionToEnumTable",
+                    mNext.AddWideEnumDescriptionToEnumTable(objIdOfEnumTable, enumValue, enumText),
                     Arguments("objIdOfEnumTable", objIdOfEnumTable, "enumValue", enumValue,
                               "enumText", enumText));
 }

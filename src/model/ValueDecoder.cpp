@@ -234,18 +234,27 @@ void ValueDecoder::DecodeNumber(const Model::Place& place, std::span<const std::
 }
 
 std::string_view ValueDecoder::EnumeratorOf(ObjectId type, const PlaceNumber& number) {
+    const std::uint64_t size = mModel.SizeOf(type);
     const auto [known, isNew] = mEnumerators.try_emplace(type);
     if (isNew) {
         for (const Enumerator& enumerator : mModel.Enumerators(type)) {
-            known->second.emplace(enumerator.value, enumerator.name);
+            if (const auto bits = enumerator.BitsIn(size)) {
+                known->second.emplace(*bits, enumerator.name);
+            }
         }
     }
-    const auto* const withSign = std::get_if<std::int64_t>(&number);
-    const auto* const withoutSign = std::get_if<std::uint64_t>(&number);
-    const auto found = known->second.find(
-        withSign != nullptr      ? static_cast<std::int32_t>(*withSign)
-        : withoutSign != nullptr ? static_cast<std::int32_t>(*withoutSign)
-                                 : static_cast<std::int32_t>(number == PlaceNumber(true)));
+    std::int64_t value = 0;
+    if (const auto* const withSign = std::get_if<std::int64_t>(&number)) {
+        value = *withSign;
+    } else if (const auto* const withoutSign = std::get_if<std::uint64_t>(&number)) {
+        value = static_cast<std::int64_t>(*withoutSign);
+    } else if (const auto* const truth = std::get_if<bool>(&number)) {
+        value = *truth ? 1 : 0;
+    } else {
+        return {};
+    }
+    const std::optional<std::uint64_t> bits = Enumerator{.value = value, .name = {}}.BitsIn(size);
+    const auto found = bits ? known->second.find(*bits) : known->second.end();
     return found == known->second.end() ? std::string_view() : found->second;
 }
 

@@ -60,8 +60,8 @@ public:
     PlaceValue Decode(const Model::Place& place, std::span<const std::uint8_t> bytes);
 
 private:
-    /// Names by the 32 bits that the model keeps of a value; the first if there are several.
-    using EnumeratorNames = std::unordered_map<std::int32_t, std::string_view>;
+    /// Names by the bits of their values, see `Enumerator::BitsIn`; the first if there are several.
+    using EnumeratorNames = std::unordered_map<std::uint64_t, std::string_view>;
 
     [[nodiscard]] bool HasValue(const Model::Place& place) const;
     [[nodiscard]] bool IsText(const Model::Place& place) const;

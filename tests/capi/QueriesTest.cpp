@@ -20,12 +20,12 @@ using testing::Pair;
 // Hosts are compiled against these layouts, whatever the library becomes.
 static_assert(sizeof(void*) != 8 ||
               (sizeof(brindle_text) == 16 && sizeof(brindle_option) == 48 &&
-               sizeof(brindle_callbacks) == 48 && sizeof(brindle_factory) == 368 &&
+               sizeof(brindle_callbacks) == 48 && sizeof(brindle_factory) == 376 &&
                sizeof(brindle_object) == 112 && sizeof(brindle_base_class) == 24 &&
-               sizeof(brindle_enumerator) == 32 && sizeof(brindle_place) == 72 &&
+               sizeof(brindle_enumerator) == 40 && sizeof(brindle_place) == 72 &&
                sizeof(brindle_leaf_limits) == 24 && sizeof(brindle_leaf_cuts) == 32 &&
                sizeof(brindle_input) == 56 && sizeof(brindle_row_choice) == 48 &&
-               sizeof(brindle_row_block) == 88 && sizeof(brindle_image) == 72 &&
+               sizeof(brindle_row_block) == 88 && sizeof(brindle_image) == 80 &&
                sizeof(brindle_section) == 64));
 
 class QueriesTest : public testing::Test {

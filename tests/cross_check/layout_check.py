@@ -202,6 +202,10 @@ class ClassicManner:
     def storage_size(size, offset, width):
         return size
 
+    @staticmethod
+    def enumerator_mask(size):
+        return 0xFFFFFFFF
+
 
 class FullManner:
     """The rules of only the full reading."""
@@ -238,6 +242,10 @@ class FullManner:
         """A packed field may need one byte more than its type has (mixed_fields.third of timers.c). No
         type is invented for it: it ends with the last byte that it needs."""
         return max(size, (offset + width + 7) // 8)
+
+    @staticmethod
+    def enumerator_mask(size):
+        return 0xFFFFFFFF if size <= 4 else 0xFFFFFFFFFFFFFFFF
 
     @staticmethod
     @rule
@@ -593,9 +601,10 @@ class Comparison:
         if self._is_kind(item, {"enum"}, where):
             self._compare_type_name(kind, item, where)
             self._expect(where, "size", self._dump.size_of(item["type"]), kind["size"])
+            mask = self._manner.enumerator_mask(kind["size"])
             self._expect(where, "enumerators",
-                         [[entry["name"], entry["value"] & 0xFFFFFFFF] for entry in item["enumerators"]],
-                         [[components(name)[-1], value & 0xFFFFFFFF] for name, value in kind["enumerators"]])
+                         [[entry["name"], entry["value"] & mask] for entry in item["enumerators"]],
+                         [[components(name)[-1], value & mask] for name, value in kind["enumerators"]])
 
     def _compare_type_name(self, kind, item, where):
         self._expect(where, "anonymous", item["anonymous"], not kind["name"])

@@ -137,6 +137,9 @@ TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
     // Older compilers state only the size.
     const auto bare = image.mModel.CreateUnknownEntryType(4, Tests::ModelBuilder::sGlobalNamespace);
     image.Global("turn", enumeration("turn", bare, -3), 0x1014);
+    const auto wide = enumeration("wide", image.Base(BasicTypes::UInt64, 8), -1);
+    image.mModel.AddWideEnumDescriptionToEnumTable(wide, 0x1'0000'0005, "BEYOND");
+    image.Global("wide", wide, 0x1018);
     const auto fields = image.Struct("fields", 4);
     image.BitField("gear", gear, fields, 0, 4, 4);
     image.Global("fields", fields, 0x1010);
@@ -149,6 +152,7 @@ TEST(A2lExport, GivesEnumerationsTheSignOfTheirType) {
     for (const char* const expected :
          {"SLONG gear 0 0 -2147483648 2147483647", "SBYTE step 0 0 -128 127", "SLONG state 0 0 -",
           "ULONG mask 0 0 0 4294967295", "SLONG turn", "-3 \"FIRST\"", "4294967295 \"FIRST\"",
+          "18446744073709551615 \"FIRST\"", "5 \"FIVE\"", "4294967301 \"BEYOND\"",
           // In a field of 4 bits a tool reads -3 as 13.
           "ULONG gear_", "13 \"FIRST\""}) {
         EXPECT_THAT(text, testing::HasSubstr(expected));

@@ -141,6 +141,11 @@ TEST_F(TypeLayoutsTest, ValuesOfAnEnumHaveTheSignOfItsType) {
     }
     EXPECT_THAT(Layouts("Signed"), HasSubstr("    Signed = -2,\n"));
     EXPECT_THAT(Layouts("Unsigned"), HasSubstr("    Unsigned = 4294967294,\n"));
+    const ObjectId wide = mModel.CreateEnumTable("Wide", Base(BasicTypes::UInt64, 8), 1, false);
+    mModel.AddWideEnumDescriptionToEnumTable(wide, -2, "Last");
+    mModel.AddWideEnumDescriptionToEnumTable(wide, 0xFFFF'FFFE, "Middle");
+    EXPECT_THAT(Layouts("Wide"), HasSubstr("    Last = 18446744073709551614,\n"
+                                           "    Middle = 4294967294,\n"));
 }
 
 TEST_F(TypeLayoutsTest, UnusedBitsAreThoseThatNothingCovers) {

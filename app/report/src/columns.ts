@@ -52,6 +52,12 @@ export function unpackAddresses(packed: string, count: number): BigUint64Array {
     : BigUint64Array.from(smallNumbers(bytes, width, count) as Uint32Array, BigInt);
 }
 
+/** A column of numbers with sign, where 0, 1, 2, 3 stand for 0, -1, 1, -2. */
+export function unpackSigned(packed: string, count: number): BigInt64Array {
+  return BigInt64Array.from(
+    unpackAddresses(packed, count), (number) => (number & 1n) === 0n ? number >> 1n : ~(number >> 1n));
+}
+
 /** For groups in a row: where each begins, and at the end where the last one ends. */
 export function startsOf(counts: NumberColumn): Uint32Array {
   const starts = new Uint32Array(counts.length + 1);

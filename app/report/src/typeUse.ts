@@ -136,7 +136,8 @@ export class TypeIndex {
       [entry.kind, entry.name, types.text(entry.type), entry.offset, entry.size, entry.bit, entry.bits]);
     const target = types.kind(type) === Kind.Typedef ? types.text(types.target(type)) : "";
     return JSON.stringify([
-      types.kind(type), types.text(type), types.size(type), layout, target, types.enumerators(type)]);
+      types.kind(type), types.text(type), types.size(type), layout, target,
+      types.enumerators(type).map(({ value, name }) => [String(value), name])]);
   }
 
   private lostIn(type: number): number {

@@ -1,6 +1,6 @@
 // The types of an image: their names, their sizes and their contents.
 
-import { type NumberColumn, startsOf, unpackNumbers } from "./columns.ts";
+import { type NumberColumn, startsOf, unpackNumbers, unpackSigned } from "./columns.ts";
 import type { PackedImage } from "./pack.ts";
 
 export const Kind = {
@@ -56,7 +56,8 @@ export interface Member {
 }
 
 export interface Enumerator {
-  value: number;
+  /** As the model has it, with sign: large values of an unsigned enum may be negative. */
+  value: bigint;
   name: string;
 }
 
@@ -79,7 +80,8 @@ export class Types {
   private readonly dimensionStarts: Uint32Array;
   private readonly lengths: NumberColumn;
   private readonly enumeratorStarts: Uint32Array;
-  private readonly enumeratorColumns: Record<string, NumberColumn>;
+  private readonly enumeratorValues: BigInt64Array;
+  private readonly enumeratorNames: NumberColumn;
   private readonly members = new Map<number, Member[]>();
   private readonly resolved: Uint32Array;
 
@@ -107,7 +109,8 @@ export class Types {
     this.layoutColumns = table(pack.layout);
     this.memberColumns = table(pack.members);
     this.lengths = table(pack.dimensions)["length"]!;
-    this.enumeratorColumns = table(pack.enumerators);
+    this.enumeratorValues = unpackSigned(pack.enumerators["value"]!, pack.enumerators.count);
+    this.enumeratorNames = unpackNumbers(pack.enumerators["name"]!, pack.enumerators.count);
     this.resolved = this.resolveTypedefs();
   }
 
@@ -197,11 +200,10 @@ export class Types {
     if (type === 0) {
       return result;
     }
-    const columns = this.enumeratorColumns;
     for (let row = this.enumeratorStarts[type - 1]!; row < this.enumeratorStarts[type]!; ++row) {
       result.push({
-        value: columns["value"]![row]! | 0,
-        name: this.pack.texts[columns["name"]![row]!]!,
+        value: this.enumeratorValues[row]!,
+        name: this.pack.texts[this.enumeratorNames[row]!]!,
       });
     }
     return result;

@@ -208,7 +208,7 @@ export class TypesView implements View {
       make("thead", {}, make("tr", {}, make("th", { scope: "col", class: "is-number" }, "Value"),
                              make("th", { scope: "col" }, "Name"))),
       make("tbody", {}, ...this.image.types.enumerators(type).map(({ value, name }) =>
-        make("tr", {}, make("td", { class: "is-number" }, value), make("td", {}, make("code", {}, name))))));
+        make("tr", {}, make("td", { class: "is-number" }, String(value)), make("td", {}, make("code", {}, name))))));
   }
 
   private layoutTable(type: number): HTMLElement {

@@ -128,10 +128,19 @@ function enumText(
   image: Image, type: number, value: bigint, bits: number, isSigned: boolean,
 ): string {
   const number = isSigned ? BigInt.asIntN(bits, value) : value;
-  // The model keeps 32 bits of each value, as a signed number.
-  const kept = Number(BigInt.asIntN(32, number));
-  const known = image.types.enumerators(type).find((enumerator) => enumerator.value === kept);
+  const size = image.types.size(type);
+  const wanted = bitsIn(size, number);
+  const known = wanted === undefined
+    ? undefined
+    : image.types.enumerators(type).find((enumerator) => bitsIn(size, enumerator.value) === wanted);
   return known === undefined ? String(number) : `${number} ${known.name}`;
+}
+
+/** The bits of a value in a variable of `size` bytes; undefined if the variable can't hold it. */
+function bitsIn(size: number, value: bigint): bigint | undefined {
+  const width = size > 0 && size < 8 ? size * 8 : 64;
+  const bits = BigInt.asUintN(width, value);
+  return bits === value || BigInt.asIntN(width, bits) === value ? bits : undefined;
 }
 
 export function integerOf(bytes: Uint8Array, isBigEndian: boolean): bigint {

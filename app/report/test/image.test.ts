@@ -57,6 +57,29 @@ test("values are read as their types say", () => {
   assert.equal(valueText(big, big.resolve("motors[0].loops[0].isActive")!), "0");
 });
 
+test("values of enums are compared in the size of the enum", () => {
+  const cases: [basic: number, size: number, value: bigint, bytes: number[], text: string][] = [
+    [11, 1, -1n, [0xff], "-1 E"],
+    [12, 1, 255n, [0xff], "255 E"],
+    [12, 1, 256n, [0], "0"],
+    [5, 4, -1n, [0xff, 0xff, 0xff, 0xff], "4294967295 E"],
+    [15, 8, 0x1_0000_0005n, [5, 0, 0, 0, 1, 0, 0, 0], "4294967301 E"],
+    [15, 8, 0x1_0000_0005n, [5, 0, 0, 0, 0, 0, 0, 0], "5"],
+    [15, 8, 5n, [5, 0, 0, 0, 5, 0, 0, 0], "21474836485"],
+    [16, 8, -1n, [0xff, 0xff, 0xff, 0xff, 0, 0, 0, 0], "4294967295"],
+    [16, 8, -1n, Array(8).fill(0xff) as number[], "18446744073709551615 E"],
+  ];
+  for (const [basic, size, value, bytes, text] of cases) {
+    const one = new Image(packImage({
+      types: { base: { kind: "base", basic, size }, E: { kind: "enum", of: "base", size, values: [[value, "E"]] } },
+      variables: [{ name: "e", type: "E", address: 0n, size }],
+      sections: [{ name: ".data", address: 0n, size: 8n, kind: 2 }],
+      values: [{ address: 0n, bytes }],
+    }));
+    assert.equal(valueText(one, one.resolve("e")!), text, `${value} in ${size} bytes`);
+  }
+});
+
 test("an address leads to the innermost place", () => {
   assert.equal(placeAt(image, 0, 0x2000_0000n + 28n + 9n)?.path, "motors[1].loops[1].gain");
   assert.equal(placeAt(image, 0, 0x2000_0000n + 25n)?.path, "motors[0]");

@@ -17,7 +17,7 @@ export type TestType =
   | { kind: "array"; of: string; lengths: number[]; size: number; stride: number }
   | { kind: "typedef"; of: string; size: number }
   | { kind: "pointer"; of: string; size: number }
-  | { kind: "enum"; of: string; size: number; values: [number, string][] };
+  | { kind: "enum"; of: string; size: number; values: [bigint, string][] };
 
 export interface TestImage {
   types: Record<string, TestType>;
@@ -102,7 +102,7 @@ export function packImage(image: TestImage): PackedImage {
       length: types.flatMap(([, type]) => (type.kind === "array" ? type.lengths : [])),
     }),
     enumerators: packTable({
-      value: enumerators.map(([value]) => value >>> 0),
+      value: enumerators.map(([value]) => value < 0n ? ~value << 1n | 1n : value << 1n),
       name: enumerators.map(([, name]) => text(name)),
     }),
     variables: packTable({
@@ -140,7 +140,7 @@ export const motors: TestImage = {
     int8: { kind: "base", basic: 11, size: 1 },
     char: { kind: "base", basic: 2, size: 1 },
     "char[4]": { kind: "array", of: "char", lengths: [4], size: 4, stride: 1 },
-    Mode: { kind: "enum", of: "int8", size: 1, values: [[-1, "Fault"], [2, "Run"]] },
+    Mode: { kind: "enum", of: "int8", size: 1, values: [[-1n, "Fault"], [2n, "Run"]] },
     Loop: {
       kind: "struct", size: 8,
       members: [
