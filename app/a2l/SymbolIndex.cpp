@@ -31,8 +31,8 @@ constexpr std::string_view sSymbolScope = "_Symbol_Table_BKR_::";
 constexpr auto sNoUnit = std::numeric_limits<std::uint32_t>::max();
 /// How many prefixes of a symbol are tried as names of variables.
 constexpr std::size_t sMostHeads = 64;
-/// Variables that share a name are ambiguous once there are so many places.
-constexpr std::size_t sMostPlaces = 1000;
+/// So many variables that share a name are enough to call a symbol ambiguous.
+constexpr std::size_t sMostSharers = 8;
 constexpr std::size_t sMostSteps = 1000;
 constexpr std::size_t sMostTypes = 256;
 constexpr std::size_t sLongestSymbol = 16 * 1024;
@@ -358,18 +358,22 @@ std::vector<SymbolIndex::Place> SymbolIndex::Places(const Wanted& wanted, Spelli
     std::vector<Place> places;
     for (const std::size_t end : NameEnds(wanted.symbol)) {
         const std::string_view head = wanted.symbol.substr(0, end);
-        for (const ObjectId global : WithSharers(Heads(head, wanted.unit, spelling))) {
-            if (places.size() >= sMostPlaces && !mSharedNames.SharersOf(global).empty()) {
-                continue;
-            }
-            Steps steps(*this, global);
-            if (steps.Take(wanted.symbol.substr(end))) {
-                places.push_back(steps.Where());
-            } else if (const std::size_t length = wanted.symbol.size() - steps.Rest().size();
-                       length > answer.resolved.size()) {
-                answer.resolved = wanted.symbol.substr(0, length);
-                answer.resolvedType = steps.Where().type;
-                answer.problem = steps.Problem();
+        for (const ObjectId global : OnePerName(Heads(head, wanted.unit, spelling))) {
+            const std::span<const ObjectId> sharers = mSharedNames.SharersOf(global);
+            const std::size_t enough = places.size() + sMostSharers;
+            for (const ObjectId each : sharers.empty() ? std::span(&global, 1) : sharers) {
+                if (places.size() == enough) {
+                    break;
+                }
+                Steps steps(*this, each);
+                if (steps.Take(wanted.symbol.substr(end))) {
+                    places.push_back(steps.Where());
+                } else if (const std::size_t length = wanted.symbol.size() - steps.Rest().size();
+                           length > answer.resolved.size()) {
+                    answer.resolved = wanted.symbol.substr(0, length);
+                    answer.resolvedType = steps.Where().type;
+                    answer.problem = steps.Problem();
+                }
             }
         }
         if (!places.empty()) {
@@ -380,18 +384,16 @@ std::vector<SymbolIndex::Place> SymbolIndex::Places(const Wanted& wanted, Spelli
 }
 
 std::vector<DataModel::ObjectId>
-SymbolIndex::WithSharers(const std::vector<ObjectId>& variables) const {
-    std::vector<ObjectId> all;
+SymbolIndex::OnePerName(const std::vector<ObjectId>& variables) const {
+    std::vector<ObjectId> different;
     std::unordered_set<ObjectId> firstSharers;
     for (const ObjectId variable : variables) {
         const std::span<const ObjectId> sharers = mSharedNames.SharersOf(variable);
-        if (sharers.empty()) {
-            all.push_back(variable);
-        } else if (firstSharers.insert(sharers.front()).second) {
-            all.insert(all.end(), sharers.begin(), sharers.end());
+        if (sharers.empty() || firstSharers.insert(sharers.front()).second) {
+            different.push_back(variable);
         }
     }
-    return all;
+    return different;
 }
 
 void SymbolIndex::Choose(const std::vector<Place>& places, Answer& answer) const {

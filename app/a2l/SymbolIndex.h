@@ -105,8 +105,8 @@ private:
                                             Answer& answer) const;
     [[nodiscard]] std::vector<Place> PlacesInAnySpelling(std::string_view symbol,
                                                          Answer& answer) const;
-    /// Each variable together with all that share its name.
-    [[nodiscard]] std::vector<ObjectId> WithSharers(const std::vector<ObjectId>& variables) const;
+    /// Of variables that share a name only one.
+    [[nodiscard]] std::vector<ObjectId> OnePerName(const std::vector<ObjectId>& variables) const;
     /// True if the variables differ in name or unit. Numbers don't count.
     [[nodiscard]] bool HaveDifferentNames(const std::vector<Place>& places) const;
     void Choose(const std::vector<Place>& places, Answer& answer) const;
