@@ -91,6 +91,21 @@ BIT_FIELDS = [
 LISTS = [(SIBLING, 0, [0, 2, 7], name, 4, name, 2 + 8 * name) for name in range(4)]
 LISTS.append((SIBLING, 3, [0, 4, 14], 15, 0, 4))
 
+# T a; struct T { int a; variants { { int b; } { int c; } {} } int outer; }
+VARIANTS = [
+    (SIBLING, 0, [0, 2, 7], 0, 1, 0, 4),
+    (PARENT, 1, [0, 4], 3, 0, 16),
+    (SIBLING, 2, [0, 2, 8], 0, 10, 0),
+    (PARENT, 48, [], 0),
+    (PARENT, 49, [], 0),
+    (LAST, 2, [0, 2, 8], 1, 10, 4),
+    (PARENT, 49, [], 0),
+    (LAST, 2, [0, 2, 8], 2, 10, 4),
+    (LAST, 49, [], 0),
+    (LAST, 2, [0, 2, 8], 8, 10, 12),
+    (SIBLING, 3, [0, 4, 14], 15, 0, 4),
+]
+
 LOCATIONS = ["0300100000", "0800", "09ff", "0a0001", "0cffffffff", "10ff01", "117f", "034000000023 10",
              "0340000000 0804 22", "0340000000 0804 1c", "0340000000 9d 03 05", "9100", "2304", "50", "9f"]
 
@@ -232,7 +247,7 @@ class Seeds:
             target = bytes([numbers.choice(TARGETS)])
             self.tree(f"random-{index}", CHOICES[index % len(CHOICES)] + target + numbers.randbytes(size))
         for target in TARGETS:
-            for name, entries in (("bits", BIT_FIELDS), ("lists", LISTS)):
+            for name, entries in (("bits", BIT_FIELDS), ("lists", LISTS), ("variants", VARIANTS)):
                 content = b"".join(entry(*each) for each in entries)
                 self.tree(f"{name}-{target}", CHOICES[0] + bytes([target]) + content)
 

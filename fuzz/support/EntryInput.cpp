@@ -66,6 +66,8 @@ constexpr dwarf_tag sTags[] = {
     DW_TAG_format_label,
     DW_TAG_MIPS_loop,
     0x5555,
+    DW_TAG_variant_part,
+    DW_TAG_variant,
 };
 
 const std::string sNames[] = {
@@ -174,8 +176,13 @@ constexpr std::uint8_t sDataBitForm = 0x20;
 
 /// Tags of which the manners make different things.
 constexpr dwarf_tag sTagsOfOneManner[] = {
-    DW_TAG_partial_unit, DW_TAG_rvalue_reference_type, DW_TAG_ptr_to_member_type, DW_TAG_set_type,
+    DW_TAG_partial_unit,
+    DW_TAG_rvalue_reference_type,
+    DW_TAG_ptr_to_member_type,
+    DW_TAG_set_type,
     DW_TAG_file_type,
+    DW_TAG_variant_part,
+    DW_TAG_variant,
 };
 
 /// Encodings and sizes of base types that the manners read alike.
