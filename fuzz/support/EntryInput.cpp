@@ -277,6 +277,19 @@ std::vector<dwarf_tag> TagsAround(const std::vector<Record>& records) {
     return tags;
 }
 
+/// Takes the types of indices away from arrays: only one manner counts enumerators.
+void NumberIndices(std::vector<Record>& records) {
+    const std::vector<dwarf_tag> around = TagsAround(records);
+    for (std::size_t index = 0; index < records.size(); ++index) {
+        Record& record = records[index];
+        if (around[index] == DW_TAG_array_type && record.tag == DW_TAG_enumeration_type) {
+            record.tag = DW_TAG_typedef;
+        } else if (around[index] == DW_TAG_array_type && record.tag == DW_TAG_subrange_type) {
+            record.attributes &= ~sHasType;
+        }
+    }
+}
+
 /// Makes bit fields of a base type that lie within its bytes, directly in a structure; of other
 /// bit fields whole members.
 void PlaceBitFields(std::vector<Record>& records) {
@@ -325,6 +338,7 @@ std::vector<Record> Plain(std::vector<Record> records, bool isWithinUnits) {
     for (Record& record : records) {
         record = Plain(record);
     }
+    NumberIndices(records);
     PlaceBitFields(records);
     const std::vector<std::size_t> units = UnitsOf(records);
     std::uint64_t place = sPlace;

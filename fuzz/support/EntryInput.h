@@ -23,10 +23,10 @@ std::string ImageOfEntries(InputBytes& input);
 /// names; bit fields have a base type, lie in a structure and within the bytes of the type, and
 /// aren't a piece of bits; no references between units where the manners differ in their width; no
 /// abstract origins, references to members, rvalue references, partial units, sets, files, variants
-/// and ranges of a size of their own; no location lists; no definition is a declaration too.
-/// Entries complete named ones of their tag, variables that do so are external, have an address of
-/// their own, are no type and complete a variable that completes none, and no linkage name is
-/// empty.
+/// and ranges of a size of their own; no types of array indices; no location lists; no definition
+/// is a declaration too. Entries complete named ones of their tag, variables that do so are
+/// external, have an address of their own, are no type and complete a variable that completes none,
+/// and no linkage name is empty.
 std::string ImageOfPlainEntries(InputBytes& input);
 
 /// One tree as a compiler for DWARF 4 writes it, and as one for DWARF 5 does, in 32-bit DWARF and
