@@ -102,8 +102,7 @@ private:
             }
         }
         std::ranges::sort(values);
-        const auto repeated = std::ranges::unique(values);
-        values.erase(repeated.begin(), repeated.end());
+        values.erase(std::unique(values.begin(), values.end()), values.end());
         return values;
     }
 
