@@ -54,7 +54,10 @@ struct DeliveryRules {
     bool (*createObject)(VDebugInfoNode& node, VNodeEmission& emission,
                          const EmissionInputs& inputs, ObjectId& id, bool& alreadyRegistered);
     /// The entry after an entry of a structure, in the order of delivery; null after the last one.
-    VDebugInfoNode* (*nextOf)(const VDebugInfoNode& structure, VDebugInfoNode& entry);
+    /// @param depth how deep in variants the entry lies, which becomes that of the next one; 0 at
+    /// the first child of the structure
+    VDebugInfoNode* (*nextOf)(const VDebugInfoNode& structure, VDebugInfoNode& entry,
+                              std::uint32_t& depth);
     /// The name for a type that has none and completes no named entry. May mark it as
     /// anonymous.
     std::string_view (*nameOfNameless)(VDebugInfoNode& type);

@@ -9,6 +9,7 @@
 #include "nodes/VDebugInfoNodeConstants.h"
 #include "nodes/VDebugInfoNodeDerivedTypes.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -335,8 +336,18 @@ bool CreateClassicObject(VDebugInfoNode& node, VNodeEmission& emission,
     }
 }
 
-VDebugInfoNode* ClassicNextOf(const VDebugInfoNode& structure, VDebugInfoNode& entry) {
+VDebugInfoNode* ClassicNextOf(const VDebugInfoNode& structure, VDebugInfoNode& entry,
+                              std::uint32_t& /*depth*/) {
     return entry.NextSiblingIn(structure);
+}
+
+/// False if a child has got another scope, from which no way leads back here, or if there is none.
+bool HoldsItsChildren(const VDebugInfoNode& entry) {
+    const auto children = entry.Children();
+    return entry.FirstChild() != nullptr &&
+           std::all_of(children.begin(), children.end(), [&entry](const VDebugInfoNode* child) {
+               return child->GetParent() == &entry;
+           });
 }
 
 /// Variants and what is in them count as entries of the structure:
@@ -344,18 +355,19 @@ VDebugInfoNode* ClassicNextOf(const VDebugInfoNode& structure, VDebugInfoNode& e
 ///     structure_type  member "kind"  variant_part            kind, variant_part,
 ///                                      variant member "a"    variant, a,
 ///                                      variant member "b"    variant, b
-VDebugInfoNode* FullNextOf(const VDebugInfoNode& structure, VDebugInfoNode& entry) {
-    if (IsOfVariants(entry.GetTag()) && entry.FirstChild() != nullptr) {
+VDebugInfoNode* FullNextOf(const VDebugInfoNode& structure, VDebugInfoNode& entry,
+                           std::uint32_t& depth) {
+    if (IsOfVariants(entry.GetTag()) && HoldsItsChildren(entry)) {
+        ++depth;
         return entry.FirstChild();
     }
     const VDebugInfoNode* last = &entry;
-    const VDebugInfoNode* around = last->GetParent();
-    while (around != nullptr && IsOfVariants(around->GetTag())) {
+    for (; depth > 0; --depth) {
+        const VDebugInfoNode* around = last->GetParent();
         if (VDebugInfoNode* next = last->NextSiblingIn(*around)) {
             return next;
         }
         last = around;
-        around = last->GetParent();
     }
     return last->NextSiblingIn(structure);
 }

@@ -298,7 +298,8 @@ void VNodeEmission::AddBaseClasses(Frame& frame) {
 
 /// The next child's name is needed first, and it may lie anywhere in a large section.
 BRINDLE_FETCHES void VNodeEmission::PrefetchNextChild(const Frame& frame) const {
-    if (const VDebugInfoNode* next = mRules.nextOf(*frame.node, *frame.child)) {
+    std::uint32_t depth = frame.depth;
+    if (const VDebugInfoNode* next = mRules.nextOf(*frame.node, *frame.child, depth)) {
         Prefetch(next->GetNameStart());
     }
 }
@@ -315,7 +316,7 @@ void VNodeEmission::CreateChildEntryObjects(Frame& frame) {
             if (frame.child->GetNameOrNull() != nullptr && !Await(*frame.child, object)) {
                 return;
             }
-            frame.child = mRules.nextOf(node, *frame.child);
+            frame.child = mRules.nextOf(node, *frame.child, frame.depth);
         }
     }
     Close();

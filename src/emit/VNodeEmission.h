@@ -66,6 +66,8 @@ private:
         std::size_t firstParameter = 0;
         /// Current position of a walk over children or base classes.
         VDebugInfoNode* child = nullptr;
+        /// How deep in variants `child` lies.
+        std::uint32_t depth = 0;
         /// Current position of a walk along a chain of types.
         VDebugInfoNode* chain = nullptr;
     };
