@@ -44,7 +44,7 @@ private:
     /// A section with its kind as the flags name it.
     struct Collected {
         DataModel::ImageSection section;
-        DataModel::SectionKind flagged;
+        DataModel::SectionKind flagged = DataModel::SectionKind::Data;
     };
 
     /// Counts a section for `AreEmptied`.
