@@ -59,7 +59,7 @@ void TellRemarks(const std::string& file, const ReadResult& result) {
 
 /// Error and remark as one message. A file of another kind is not corrupt, as the reader says.
 std::string MessageOf(const std::string& file, const ReadResult& result) {
-    const std::string error =
+    std::string error =
         result.error.empty() ? Phrased("The file could not be read.") : result.error;
     if (result.remark.empty()) {
         return error;
