@@ -974,6 +974,48 @@ def damaged_units_in_full(n):
     return damaged_units(n)
 
 
+def variants_of_one_structure(n):
+    def fill(image, integer):
+        record = image.entry("struct", children=True, name="R", size=8)
+        image.entry("variant_part", children=True)
+        for index in range(n):
+            image.entry("variant", children=True)
+            image.entry("member", name=f"m{index}", type=integer, offset=4)
+            image.end()
+        image.end()
+        image.end()
+        image.entry("variable", name="v", type=record, address=0x1000)
+    return unit_of(fill)
+
+
+def deep_variants(n):
+    def fill(image, integer):
+        record = image.entry("struct", children=True, name="R", size=8)
+        for _ in range(n):
+            image.entry("variant_part", children=True)
+        for index in range(n):
+            image.entry("member", name=f"m{index}", type=integer, offset=4)
+            image.end()
+        image.end()
+        image.entry("variable", name="v", type=record, address=0x1000)
+    return unit_of(fill)
+
+
+def arrays_of_one_index(n):
+    """The index is an enumeration with gaps."""
+    def fill(image, integer):
+        index_type = image.entry("enumeration", children=True, name="E", size=4)
+        for index in range(n):
+            image.entry("enumerator", name=f"e{index}", value=2 * index)
+        image.end()
+        for index in range(n):
+            array = image.entry("array", children=True, type=integer)
+            image.entry("subrange", type=index_type, upper=2 * (n - 1))
+            image.end()
+            image.entry("variable", name=f"v{index}", type=array, address=0x1000)
+    return unit_of(fill)
+
+
 # Smaller or larger numbers where an entry costs more or less than usual, and options.
 MILLION = 250_000  # four times as many in the largest input
 SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
@@ -996,7 +1038,8 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "units_of_one_signature": FULL, "overlapping_text_tables": FULL,
            "overlapping_address_tables": FULL, "overlapping_list_tables": FULL, "location_lists_without_end": FULL,
            "old_location_lists_without_end": FULL, "circle_of_imported_units": FULL,
-           "members_of_anonymous_structures_in_full": FULL,
+           "members_of_anonymous_structures_in_full": FULL, "variants_of_one_structure": FULL,
+           "deep_variants": FULL, "arrays_of_one_index": FULL,
            "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
@@ -1024,9 +1067,10 @@ SUBSYSTEMS = {
         units_of_one_signature
     """.split(),
     "Entries": """
-        bases_fan deep_blocks deep_namespaces deep_namespaces_with_variables deep_structures dimensions_fan
+        arrays_of_one_index bases_fan deep_blocks deep_namespaces deep_namespaces_with_variables deep_structures
+        deep_variants dimensions_fan
         enumerators_fan least_bit_fields least_inner_classes least_members least_structures least_variables
-        members_fan parameters_fan
+        members_fan parameters_fan variants_of_one_structure
     """.split(),
     "Locations": """
         addresses_of_one_bucket location_lists_without_end old_location_lists_without_end one_location_list

@@ -3,8 +3,8 @@ TI COFF and Windows PE."""
 import struct
 
 TAGS = dict(array=0x01, class_=0x02, enumeration=0x04, parameter=0x05, block=0x0B, member=0x0D, pointer=0x0F,
-            unit=0x11, struct=0x13, subroutine=0x15, typedef=0x16, union=0x17, inheritance=0x1C, subrange=0x21,
-            base=0x24, const=0x26, enumerator=0x28, subprogram=0x2E, template_parameter=0x2F, variable=0x34,
+            unit=0x11, struct=0x13, subroutine=0x15, typedef=0x16, union=0x17, variant=0x19, inheritance=0x1C, subrange=0x21,
+            base=0x24, const=0x26, enumerator=0x28, subprogram=0x2E, template_parameter=0x2F, variant_part=0x33, variable=0x34,
             namespace=0x39, partial_unit=0x3C, imported_unit=0x3D, type_unit=0x41)
 
 # Those that end with "nothing" take no byte: the form itself means a value, which is 1 then.
