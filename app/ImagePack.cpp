@@ -94,7 +94,8 @@ void WriteHeaders(PackWriter& json, const DataModel::ImageDescription& image) {
 
 /// A number with sign for the table: 0, -1, 1, -2 become 0, 1, 2, 3, so that small ones stay small.
 std::uint64_t ZigZag(std::int64_t number) {
-    return static_cast<std::uint64_t>(number) << 1U ^ static_cast<std::uint64_t>(number >> 63U);
+    const std::uint64_t shifted = static_cast<std::uint64_t>(number) << 1U;
+    return number < 0 ? ~shifted : shifted;
 }
 
 } // namespace
