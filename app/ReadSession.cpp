@@ -58,14 +58,13 @@ void TellRemarks(const std::string& file, const ReadResult& result) {
 }
 
 /// Error and remark as one message. A file of another kind is not corrupt, as the reader says.
-std::string MessageOf(const std::string& file, const ReadResult& result) {
+std::string MessageOf(const ReadResult& result) {
     std::string error =
         result.error.empty() ? Phrased("The file could not be read.") : result.error;
     if (result.remark.empty()) {
         return error;
     }
-    return result.remark == ForeignFileProblem(file) ? result.remark
-                                                     : error + " (" + result.remark + ")";
+    return result.isForeign ? result.remark : error + " (" + result.remark + ")";
 }
 
 DWARFContainerType ChooseContainer(std::string_view choice, const std::string& file) {
@@ -147,8 +146,8 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     }
     if (!result.isOk) {
         result.error = std::exchange(mError, {});
-        result.remark = RemarkOn(file, result);
-        result.message = MessageOf(file, result);
+        ExplainFailure(file, result);
+        result.message = MessageOf(result);
     }
     // The reader's own message about such a file is only numbers.
     if (result.remark.empty()) {
@@ -162,18 +161,23 @@ ReadResult ReadSession::Read(const std::string& file, DataModel::Factory::HostDa
     return result;
 }
 
-std::string ReadSession::RemarkOn(const std::string& file, const ReadResult& result) const {
+void ReadSession::ExplainFailure(const std::string& file, ReadResult& result) const {
     if (result.error.find("ELF_TRY_READ_CORRUPTED_COMPILE_UNITS") != std::string::npos) {
-        return "--set mTryReadCorruptedCompileUnits=1";
+        result.remark = "--set mTryReadCorruptedCompileUnits=1";
+        return;
     }
-    std::string remark = SystemProblem(file);
-    if (!remark.empty()) {
-        return remark;
+    result.remark = SystemProblem(file);
+    if (!result.remark.empty()) {
+        return;
     }
-    remark = ForeignFileProblem(file);
-    if (!remark.empty()) {
-        return remark;
+    result.remark = ForeignFileProblem(file);
+    result.isForeign = !result.remark.empty();
+    if (!result.isForeign) {
+        result.remark = RemarkOn(result);
     }
+}
+
+std::string ReadSession::RemarkOn(const ReadResult& result) const {
     if (mContainer == "auto" && result.container == DWARFContainerType::Container_COFF) {
         return Phrased("Read as COFF, being neither ELF nor a Windows image; a raw binary or a "
                        "text has no symbols: read the linked image");
@@ -184,7 +188,7 @@ std::string ReadSession::RemarkOn(const std::string& file, const ReadResult& res
     return HasEndedEarly(result.error)
                ? Phrased(
                      "the file ends before its headers say: truncated, or not copied to the end")
-               : remark;
+               : std::string();
 }
 
 bool ReadSession::RunReader(const std::string& file, DWARFContainerType container) {

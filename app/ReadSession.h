@@ -39,6 +39,8 @@ struct ReadResult {
     /// An explanation of the error, if the program knows more: why the system refuses the file, or
     /// what the file was mistaken for.
     std::string remark;
+    /// The remark says that the file is of another kind: the error about it misleads.
+    bool isForeign = false;
     /// Error and remark as one message; empty after success.
     std::string message;
     /// What was skipped and why.
@@ -65,7 +67,9 @@ public:
 private:
     void ConnectCallbacks();
     void Signal(const ReaderCallback& callback) const;
-    [[nodiscard]] std::string RemarkOn(const std::string& file, const ReadResult& result) const;
+    /// Fills in the remark and what it means.
+    void ExplainFailure(const std::string& file, ReadResult& result) const;
+    [[nodiscard]] std::string RemarkOn(const ReadResult& result) const;
     bool RunReader(const std::string& file, Reader::DWARF::DWARFContainerType container);
 
     std::string mContainer;

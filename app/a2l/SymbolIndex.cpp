@@ -3,6 +3,7 @@
 #include "NearNames.h"
 #include "ObjectKinds.h"
 #include "Phrases.h"
+#include "SymbolScope.h"
 
 #include "a2l/Identifiers.h"
 #include "a2l/Numbers.h"
@@ -27,7 +28,6 @@ using DataModel::ModelObject;
 using DataModel::ObjectKind;
 
 constexpr std::string_view sSeparator = "::";
-constexpr std::string_view sSymbolScope = "_Symbol_Table_BKR_::";
 constexpr auto sNoUnit = std::numeric_limits<std::uint32_t>::max();
 /// How many prefixes of a symbol are tried as names of variables.
 constexpr std::size_t sMostHeads = 64;
@@ -595,8 +595,7 @@ std::vector<DataModel::ObjectId> SymbolIndex::TypesAt(ObjectId type, std::uint64
 }
 
 std::string SymbolIndex::PlainName(ObjectId global) const {
-    std::string name = mModel.QualifiedName(global);
-    return name.starts_with(sSymbolScope) ? name.substr(sSymbolScope.size()) : name;
+    return std::string(WithoutSymbolScope(mModel.QualifiedName(global)));
 }
 
 std::string SymbolIndex::NameAt(std::uint64_t address) const {
