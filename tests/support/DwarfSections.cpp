@@ -338,6 +338,12 @@ void DwarfSections::Modernize(DieAttribute& attribute, int addressSize) {
         attribute.form = DW_FORM_flag_present;
         return;
     case DW_FORM_data1:
+        // Version 4 writes the lowest byte alone.
+        if (auto* number = std::get_if<std::uint64_t>(&attribute.value)) {
+            *number &= 0xFFU;
+        }
+        attribute.form = DW_FORM_implicit_const;
+        return;
     case DW_FORM_udata:
     case DW_FORM_sdata:
         attribute.form = DW_FORM_implicit_const;
