@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,6 +32,8 @@ using DataModel::ObjectKind;
 
 /// Structures within structures; deeper ones are written as bytes.
 constexpr std::size_t sDeepestNesting = 100;
+/// The first dimension of a flexible array.
+constexpr std::string_view sNoLength = "[]";
 constexpr std::string_view sPacked = " __attribute__((packed));\n";
 
 constexpr std::string_view sStart =
@@ -120,6 +123,11 @@ struct Item {
     std::string comment;
     /// In bits; 0 if it is no bit field.
     std::uint64_t width = 0;
+    /// What the image says of it, for a comment in its place if C can't express it.
+    std::string description;
+    /// An array without length at the end of a structure.
+    bool isFlexible = false;
+    bool isWritten = false;
 };
 
 /// Writes the members of one structure or union, bit by bit.
@@ -143,6 +151,8 @@ public:
             }
         }
         FillTo(size * sBitsOfByte, 1);
+        WriteFlexibleArray();
+        DescribeRest();
         return std::move(mText);
     }
 
@@ -158,6 +168,7 @@ public:
         if (end < size * sBitsOfByte) {
             FillTo(size * sBitsOfByte, 1);
         }
+        DescribeRest();
         return std::move(mText);
     }
 
@@ -194,7 +205,8 @@ private:
     }
 
     void WriteItem(const BitSpan& span, std::size_t depth) {
-        const Item& item = mItems[span.item];
+        Item& item = mItems[span.item];
+        item.isWritten = true;
         const std::string name = mNames.Take(item.name);
         mText.append(4 * depth, ' ').append(item.type.lead).append(" ").append(name);
         mText.append(item.type.dimensions);
@@ -205,6 +217,25 @@ private:
         }
         mText.append("; /* ").append(item.comment).append(" */\n");
         mPosition = span.end;
+    }
+
+    /// C takes one array without length, as the last member.
+    void WriteFlexibleArray() {
+        const auto last = std::ranges::find_if(mItems.rbegin(), mItems.rend(), &Item::isFlexible);
+        if (last != mItems.rend()) {
+            const auto item = static_cast<std::size_t>(mItems.rend() - last) - 1;
+            WriteItem({mPosition, mPosition, item, false}, 1);
+        }
+    }
+
+    /// Says what the declaration lacks, so that nobody takes the padding there for unused.
+    void DescribeRest() {
+        for (const Item& item : mItems) {
+            if (!item.isWritten) {
+                mText.append("    /* not expressible in C: ").append(item.description);
+                mText.append(" */\n");
+            }
+        }
     }
 
     /// Adds padding up to a bit.
@@ -338,18 +369,28 @@ private:
         return IntegerType(size, isBase && IsSigned(underlying.basicType));
     }
 
+    /// True for the dimensions of a flexible array: the first is open, the others are known.
+    static bool IsWithoutLength(std::span<const std::uint32_t> lengths) {
+        return lengths.empty() ||
+               (lengths.front() == 0 && std::ranges::count(lengths, std::uint32_t{0}) == 1);
+    }
+
     // NOLINTNEXTLINE(misc-no-recursion)
     CType ArrayType(const ModelObject& type, std::uint64_t size, std::size_t depth) {
         const CType element = TypeOf(type.type, depth + 1);
         const std::uint64_t count = mModel.ElementCount(type.id);
-        if (count == 0 || element.size == 0 || size / count != element.size || size % count != 0) {
+        const std::span<const std::uint32_t> lengths = mModel.Dimensions(type.id);
+        const bool isWhole =
+            count != 0 && element.size != 0 && size / count == element.size && size % count == 0;
+        if (!isWhole && (size != 0 || element.size == 0 || !IsWithoutLength(lengths))) {
             return BytesType(size);
         }
         std::string dimensions;
-        for (const std::uint32_t dimension : mModel.Dimensions(type.id)) {
-            dimensions.append("[").append(std::to_string(dimension)).append("]");
+        for (const std::uint32_t length : lengths) {
+            dimensions.append("[").append(length == 0 ? "" : std::to_string(length)).append("]");
         }
-        return {element.lead, dimensions + element.dimensions, size};
+        return {element.lead,
+                (lengths.empty() ? std::string(sNoLength) : dimensions) + element.dimensions, size};
     }
 
     // NOLINTNEXTLINE(misc-no-recursion)
@@ -407,28 +448,38 @@ private:
             BitSpan span;
             if (entry.kind == LayoutEntry::Kind::Member) {
                 span = AddMember(entry, depth, item);
+                item.isFlexible =
+                    item.isFlexible && entry.offset == size && type.kind != ObjectKind::Union;
             } else if (entry.kind == LayoutEntry::Kind::BaseClass) {
                 span = AddBase(entry, depth, item);
+            } else if (entry.kind == LayoutEntry::Kind::UnplacedBaseClass) {
+                item.description = CommentText("base class " + mModel.TypeText(entry.id)) +
+                                   " without static offset";
+            }
+            if (item.description.empty()) {
+                continue;
             }
             if (span.end <= size * sBitsOfByte) {
                 span.item = items.size();
                 spans.push_back(span);
-                items.push_back(std::move(item));
             }
+            items.push_back(std::move(item));
         }
         return {std::move(items), std::move(spans)};
     }
 
     // NOLINTNEXTLINE(misc-no-recursion)
     BitSpan AddBase(const LayoutEntry& entry, std::size_t depth, Item& item) {
+        if (LayoutOf(mModel, mModel.WithoutTypedefs(entry.id)).empty()) {
+            return {}; // an empty base class occupies no bytes, whatever its size
+        }
         const std::string name = mModel.TypeText(entry.id);
         item.type = TypeOf(entry.id, depth + 1);
         item.name = "base_" + name;
         item.comment = CommentText("base class " + name);
-        // An empty base class occupies no bytes, whatever its size.
-        const bool isEmpty = LayoutOf(mModel, mModel.WithoutTypedefs(entry.id)).empty();
-        return {entry.offset * sBitsOfByte,
-                (entry.offset + (isEmpty ? 0 : item.type.size)) * sBitsOfByte, 0, false};
+        item.description = item.comment + OffsetText(entry.offset);
+        return {entry.offset * sBitsOfByte, (entry.offset + item.type.size) * sBitsOfByte, 0,
+                false};
     }
 
     // NOLINTNEXTLINE(misc-no-recursion)
@@ -437,20 +488,33 @@ private:
         item.type = TypeOf(member.type, depth + 1);
         item.name = member.name.empty() ? "unnamed" : std::string(member.name);
         item.comment = CommentText(mModel.TypeText(member.type));
+        item.description = CommentText(mModel.Declaration(member.type, item.name));
         const std::uint64_t start = entry.offset * sBitsOfByte;
         if (member.kind != ObjectKind::BitField) {
+            item.description += OffsetText(entry.offset);
+            item.isFlexible = item.type.dimensions.starts_with(sNoLength);
             return {start, start + item.type.size * sBitsOfByte, 0, false};
         }
         item.width = member.bitSize;
+        item.description.append(" : ").append(std::to_string(member.bitSize));
+        item.description.append(OffsetText(entry.offset)).append(", bit ");
+        item.description.append(std::to_string(member.bitOffset));
         return BitFieldSpan(member, start, item);
+    }
+
+    static std::string OffsetText(std::uint64_t offset) {
+        return " at offset " + std::to_string(offset);
     }
 
     [[nodiscard]] BitSpan BitFieldSpan(const ModelObject& member, std::uint64_t start,
                                        Item& item) const {
-        const std::uint64_t storage = item.type.size * sBitsOfByte;
-        const std::uint64_t end = member.bitOffset + std::min(member.bitSize, storage);
+        const std::uint64_t unit = item.type.size * sBitsOfByte;
+        const std::uint64_t end = member.bitOffset + std::min(member.bitSize, unit);
+        // A packed field may need a byte more than its type has; positions count from the end of
+        // it.
+        const std::uint64_t storage = end > unit ? unit + sBitsOfByte : unit;
         if (!item.type.dimensions.empty() || item.type.lead.find(' ') != std::string::npos ||
-            member.bitSize > storage || (mIsBigEndian && end > storage)) {
+            member.bitSize > unit || (mIsBigEndian && end > storage)) {
             return {};
         }
         if (item.type.lead == "char") {

@@ -62,24 +62,50 @@ class CHeaderTest(ProgramTest):
             if not shutil.which(compiler[0]):
                 continue
             path = str(SAMPLE_IMAGES / image)
-            leaves = self.run_json("leaves", path, "--format", "json")
-            for variable, start, name in [("motors[0].status", "motors[0]", "status"),
-                                          ("header", "header", "packed_header")]:
-                header = self.run_program("types", "--c", path, name)[0]
-                fields = [leaf for leaf in leaves if leaf["name"].startswith(variable + ".")]
-                first = min(leaf["address"] for leaf in fields)
-                fields = [leaf for leaf in fields if leaf["bitSize"] is not None]
-                self.assertGreater(len(fields), 1)
-                for field in fields:
-                    member = field["name"].rsplit(".", 1)[1]
-                    value = "1" if field["bitSize"] == 1 else "-1"
-                    source = f"{header}\nstruct {name} probe = {{.{member} = {value}}};\n"
-                    # All bits of the field, whatever its sign.
-                    bits = self.bits_of([*compiler, "-Wno-overflow", "-Wno-sign-conversion"], objcopy, source)
-                    with self.subTest(image=image, compiler=compiler, field=field["name"]):
-                        self.assertEqual(self.positions(bits), self.expected(field, first, order))
-                        compared += 1
+            for variable, name in [("motors[0].status", "status"), ("header", "packed_header")]:
+                compared += self.compare(path, variable, name, compiler, objcopy, order)
         self.assertGreaterEqual(compared, 14)
+
+    def compare(self, path, variable, name, compiler, objcopy, order):
+        """Compares the places of a variable's bit fields with those that a compiler gives to the header."""
+        header = self.run_program("types", "--c", path, name)[0]
+        first = self.run_json("find", path, variable, "--format", "json")[0]["address"]
+        leaves = self.run_json("leaves", path, "--format", "json")
+        fields = [leaf for leaf in leaves
+                  if leaf["name"].startswith(variable + ".") and leaf["bitSize"] is not None]
+        self.assertGreater(len(fields), 1)
+        for field in fields:
+            member = field["name"].rsplit(".", 1)[1]
+            value = "1" if field["bitSize"] == 1 else "-1"
+            source = f"{header}\nstruct {name} probe = {{.{member} = {value}}};\n"
+            # All bits of the field, whatever its sign.
+            bits = self.bits_of([*compiler, "-Wno-overflow", "-Wno-sign-conversion"], objcopy, source)
+            with self.subTest(image=path, compiler=compiler, field=field["name"]):
+                self.assertEqual(self.positions(bits), self.expected(field, first, order))
+        return len(fields)
+
+    def test_fields_that_exceed_their_type_and_arrays_without_length(self):
+        source = self.folder / "source.c"
+        source.write_text("""
+            struct __attribute__((packed)) crossing {
+                unsigned char x; unsigned long long y : 60; unsigned char z : 5; int w : 31; short v : 15;
+            } crossing = {1, 2, 3, 4, 5};
+            struct message { unsigned length; unsigned char text[]; } *message;
+            struct odd { unsigned length; unsigned char kind; unsigned char text[]; } *odd;
+            """)
+        for compiler, objcopy, order in [(["gcc"], "objcopy", "little"),
+                                         (["powerpc-linux-gnu-gcc"], "powerpc-linux-gnu-objcopy", "big")]:
+            if not shutil.which(compiler[0]):
+                continue
+            image = str(self.folder / "image.elf")
+            subprocess.run([*compiler, "-g", "-nostdlib", "-static", "-Wl,-e,0", "-Wno-packed-bitfield-compat",
+                            "-o", image, str(source)], check=True, timeout=120)
+            self.assertEqual(self.compare(image, "crossing", "crossing", compiler, objcopy, order), 4)
+            header = self.run_program("types", "--c", image)[0]
+            self.compile(compiler, header, "-fsyntax-only")
+            self.assertIn("    uint8_t text[]; /* uint8[0] */\n}", header)
+            # C has no array at an offset within the padding.
+            self.assertIn("_pad5[3];\n    /* not expressible in C: uint8 text[0] at offset 5 */\n}", header)
 
     @staticmethod
     def positions(bits):
@@ -88,9 +114,10 @@ class CHeaderTest(ProgramTest):
 
     @staticmethod
     def expected(field, first, order):
+        size = max(field["size"], (field["bitOffset"] + field["bitSize"] + 7) // 8)
         result = set()
         for bit in range(field["bitOffset"], field["bitOffset"] + field["bitSize"]):
-            byte = bit // 8 if order == "little" else field["size"] - 1 - bit // 8
+            byte = bit // 8 if order == "little" else size - 1 - bit // 8
             result.add((field["address"] - first + byte, bit % 8))
         return result
 
