@@ -34,7 +34,9 @@ void TellMissingValues(const std::string& file, const DataModel::Model& model,
 
 Cell SectionCell(const DataModel::Model& model, std::uint64_t address) {
     const DataModel::ImageSection* const section = model.Image().SectionAt(address);
-    return section == nullptr ? Cell() : Cell(std::string_view(section->name));
+    return section == nullptr || model.Image().IsOverlaid(address, 1)
+               ? Cell()
+               : Cell(std::string_view(section->name));
 }
 
 } // namespace Tessel::Norn::Brindle::Program

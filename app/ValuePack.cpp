@@ -65,6 +65,7 @@ std::vector<ValuePack::Stretch> ValuePack::Joined(const DataModel::Model& model,
     for (const Stretch& variable : variables) {
         const ImageSection* const own = model.Image().SectionAt(variable.address);
         if (own == nullptr || own->kind == SectionKind::Zero ||
+            model.Image().IsOverlaid(variable.address, variable.size) ||
             variable.size > own->size - (variable.address - own->address)) {
             continue;
         }

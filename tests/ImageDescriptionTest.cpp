@@ -2,6 +2,7 @@
 #include "core/VElfOptions.h"
 #include "host/ContainerDetection.h"
 #include "model/ValueDecoder.h"
+#include "support/ElfImage.h"
 #include "support/ReadRun.h"
 #include "support/ScopedReaderState.h"
 
@@ -122,6 +123,27 @@ TEST_F(ImageDescriptionTest, BytesEndWithTheirSectionAndAreZeroWithoutContent) {
     EXPECT_THAT(model.InitialBytes(zero->address + 1, ~std::uint64_t{0}), IsEmpty());
     EXPECT_THAT(model.InitialBytes(zero->address, 0), IsEmpty());
     EXPECT_THAT(model.InitialBytes(0xFFFFFFFFFFFFFFFF, 2), IsEmpty());
+}
+
+// Which of two overlays is in memory, no address says. Zeros of threads take up none.
+TEST_F(ImageDescriptionTest, OverlaidAddressesHaveNoBytes) {
+    constexpr std::uint64_t sAllocatedThreadLocal = 0x402;
+    constexpr std::uint32_t sNoBits = 8;
+    const TemporaryFolder folder;
+    const std::string path = folder.Path("image.elf");
+    std::ofstream(path, std::ios::binary)
+        << ElfImage()
+               .Symbol({"main", 0x1000, 4})
+               .Section(".first", "12345678", {.address = 0x2000})
+               .Section(".second", "abcd", {.address = 0x2004})
+               .Section(".tbss", "zero",
+                        {.address = 0x2000, .flags = sAllocatedThreadLocal, .type = sNoBits})
+               .Build();
+    const ReadRun run = ReadFile(path);
+    ASSERT_TRUE(run.result) << run.message;
+    EXPECT_EQ(run.model->InitialBytes(0x2000, 2), (Bytes{'1', '2'}));
+    EXPECT_THAT(run.model->InitialBytes(0x2002, 3), IsEmpty());
+    EXPECT_THAT(run.model->InitialBytes(0x2004, 2), IsEmpty());
 }
 
 TEST_F(ImageDescriptionTest, AFileThatChangedItsLengthGivesNoBytes) {

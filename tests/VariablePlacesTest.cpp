@@ -118,6 +118,55 @@ TEST_F(VariablePlacesTest, SymbolsKeepVariablesAtTombstones) {
     EXPECT_THAT(Full(undefined), IsEmpty());
 }
 
+// Flash begins at 0, and the symbol table knows what is there.
+TEST_F(VariablePlacesTest, ASectionAtZeroKeepsNoDiscardedVariables) {
+    const Die merged =
+        Variable("merged", {Location({{DW_OP_addr, {0}}, {DW_OP_plus_uconst, {4}}})});
+    const DwarfSections sections = Sections({
+        Variable("vectors", {External(), Address(0)}),
+        Variable("dropped", {Address(0)}),
+        merged,
+    });
+    const auto flash = [] { return ElfImage().Section(".text", "vectors", {.address = 0}); };
+    const ElfImage image = flash().Symbol({"vectors", 0, 4}) + sections;
+    EXPECT_THAT(Classic(image), testing::IsSupersetOf({"dropped@0:4", "merged@4:4"}));
+    EXPECT_THAT(Full(image), ElementsAre("vectors@0:4"));
+    EXPECT_THAT(Full(flash().Symbol({"merged", 4, 4, sLocalObject}) + sections),
+                ElementsAre("merged@4:4"));
+    EXPECT_THAT(Full(flash().Symbol({"main", 1, 4, sFunction}) + Sections({merged})), IsEmpty());
+}
+
+TEST_F(VariablePlacesTest, SymbolsWithUniqueNamesKeepStaticVariables) {
+    const DwarfSections sections = Sections({Variable("count", {Address(0)})});
+    const auto variables = [&](const char* symbol) {
+        return Full(ElfImage().Symbol({symbol, 0, sSymbolSize, sLocalObject}) + sections);
+    };
+    for (const char* const own :
+         {"count.5", "count$1", "count.lto_priv.0", "step.count", "step.count.2", "step::count",
+          "_ZZ4stepiE5count_0", "_ZN4step5countE.llvm.17"}) {
+        EXPECT_THAT(variables(own), ElementsAre("count@0:4")) << own;
+    }
+    for (const char* const other :
+         {"counter.5", "account", "count.step", "_ZN5count4stepE", "_Z99count", "5"}) {
+        EXPECT_THAT(variables(other), ElementsAre(std::string(other) + "@0:8")) << other;
+    }
+}
+
+// A compiler stores the values 5 and 9 as 0 and 1: the symbol's byte isn't the variable.
+TEST_F(VariablePlacesTest, SymbolsDontStandForVariablesOfComputedValues) {
+    const auto modeAt = [](const char* operators) {
+        return Block(DW_AT_location, DW_FORM_block1, std::string("\x03\0\x10\0\0", 5) + operators);
+    };
+    const auto image = [&](const char* operators, std::uint8_t info) {
+        return ElfImage().Symbol({"mode", 0x1000, sSymbolSize, info}) +
+               Sections({Variable("mode", {modeAt(operators)})});
+    };
+    EXPECT_THAT(Full(image("\x94\x01\x34\x1E\x9F", sLocalObject)), IsEmpty());
+    EXPECT_THAT(Full(image("\x94\x01\x34\x1E\x9F", sGlobalObject)), ElementsAre("mode@1000:8"));
+    EXPECT_THAT(Full(image("\x94\x01", sLocalObject)), ElementsAre("mode@1000:8"));
+    EXPECT_THAT(Classic(image("\x94\x01\x34\x1E\x9F", sLocalObject)), ElementsAre("mode@1000:8"));
+}
+
 TEST_F(VariablePlacesTest, DeclarationsFindSymbolsThatOtherFilesKnow) {
     const ElfImage image =
         ElfImage()

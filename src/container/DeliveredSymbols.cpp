@@ -4,7 +4,6 @@
 #include "core/KeyMixing.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -15,10 +14,6 @@ std::uint64_t KeyOf(std::uint64_t address, std::string_view name) {
     return HashOfText(name, Mix(address ^ ProcessSeed()));
 }
 
-bool IsDecimalDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
 } // namespace
 
 void DeliveredSymbols::AddVariable(std::uint64_t address, std::string_view name) {
@@ -27,10 +22,19 @@ void DeliveredSymbols::AddVariable(std::uint64_t address, std::string_view name)
     }
 }
 
-bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name) {
+void DeliveredSymbols::AddValue(std::string_view name) {
+    if (!name.empty()) {
+        mValues.Insert(KeyOf(0, name));
+    }
+}
+
+bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name, bool isLocal) {
     const std::string_view plainName = WithoutVersion(name);
-    if (IsVariable(address, plainName) || HasVariableInParts(address, plainName) ||
-        HasVariableInMangledName(address, plainName)) {
+    if (isLocal && mValues.Contains(KeyOf(0, plainName))) {
+        return false;
+    }
+    if (IsVariable(address, plainName) || IsVariable(address, NameInSource(plainName)) ||
+        HasVariableInParts(address, plainName) || HasVariableInMangledName(address, plainName)) {
         return false;
     }
     return mSymbols.Insert(KeyOf(address, name));
@@ -63,21 +67,10 @@ bool DeliveredSymbols::HasVariableInMangledName(std::uint64_t address,
         return readable.IsModified() && scopeEnd != std::string_view::npos &&
                IsVariable(address, text.substr(scopeEnd + 2));
     }
-    // Names of the Itanium ABI and of Rust write the length of each identifier before it.
-    while (!name.empty()) {
-        if (!IsDecimalDigit(name.front())) {
-            name.remove_prefix(1);
-            continue;
-        }
-        std::size_t length = 0;
-        const char* end = name.data() + name.size();
-        const auto [digitsEnd, error] = std::from_chars(name.data(), end, length);
-        name.remove_prefix(static_cast<std::size_t>(digitsEnd - name.data()));
-        if (error == std::errc() && length <= name.size()) {
-            if (IsVariable(address, name.substr(0, length))) {
-                return true;
-            }
-            name.remove_prefix(length);
+    for (std::string_view identifier = TakeIdentifier(name); !identifier.empty();
+         identifier = TakeIdentifier(name)) {
+        if (IsVariable(address, identifier)) {
+            return true;
         }
     }
     return false;

@@ -17,11 +17,17 @@ public:
     /// Adds a name or linkage name of a variable; an empty name is ignored.
     void AddVariable(std::uint64_t address, std::string_view name);
 
+    /// Adds the name of a static variable whose debug entry computes its value instead of naming
+    /// its place: `static int mode` of the values 5 and 9 may be one byte that is 0 or 1. Its
+    /// symbol would show the byte as the variable.
+    void AddValue(std::string_view name);
+
     /// Adds a symbol, unless a variable at its address has its name. The symbol's name may be the
     /// plain or mangled name of the variable, or have what compilers put before and after it:
-    /// `_calls`, `calls.0`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.
-    /// @return false if the symbol or its variable was already known
-    bool AddSymbol(std::uint64_t address, std::string_view name);
+    /// `_calls`, `calls.0`, `calls$1`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.
+    /// @param isLocal only symbols of one source file are hidden by values
+    /// @return false if the symbol or its variable was already known, or is a value's
+    bool AddSymbol(std::uint64_t address, std::string_view name, bool isLocal = false);
 
 private:
     class KeySet {
@@ -39,6 +45,7 @@ private:
     [[nodiscard]] bool HasVariableInMangledName(std::uint64_t address, std::string_view name) const;
 
     KeySet mVariables;
+    KeySet mValues;
     KeySet mSymbols;
 };
 

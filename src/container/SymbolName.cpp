@@ -4,9 +4,43 @@
 #include "core/VElfOptions.h"
 #include "demangle/Demangler.h"
 
+#include <charconv>
 #include <cstddef>
+#include <system_error>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
+
+namespace {
+
+/// What compilers put between the parts of the name of a static variable.
+constexpr std::string_view sSeparators = ".$:";
+constexpr std::string_view sDigits = "0123456789";
+
+/// The name without the parts behind it that are a number or say who has added the number.
+std::string_view WithoutUniqueEnd(std::string_view name) {
+    for (;;) {
+        const std::size_t separator = name.find_last_of(sSeparators);
+        if (separator == std::string_view::npos || separator == 0) {
+            return name;
+        }
+        const std::string_view end = name.substr(separator + 1);
+        const bool isNumber = end.find_first_not_of(sDigits) == std::string_view::npos;
+        if (!isNumber && end != "lto_priv" && end != "llvm") {
+            return name;
+        }
+        name = name.substr(0, separator);
+    }
+}
+
+std::string_view LastIdentifier(std::string_view mangled) {
+    std::string_view last = mangled;
+    for (std::string_view taken = last; !taken.empty(); taken = TakeIdentifier(mangled)) {
+        last = taken;
+    }
+    return last;
+}
+
+} // namespace
 
 std::string_view CutSymbolName(const char* name) {
     return CutText(name, sSymbolNameBufferSize - 1);
@@ -30,6 +64,31 @@ DemangledSymbolName::DemangledSymbolName(std::string_view cutName) {
 std::string_view WithoutVersion(std::string_view symbolName) {
     const std::size_t version = symbolName.find('@', 1);
     return symbolName.substr(0, version);
+}
+
+std::string_view TakeIdentifier(std::string_view& mangledRest) {
+    for (;;) {
+        const std::size_t digits = mangledRest.find_first_of(sDigits);
+        if (digits == std::string_view::npos) {
+            return {};
+        }
+        mangledRest.remove_prefix(digits);
+        std::size_t length = 0;
+        const char* const end = mangledRest.data() + mangledRest.size();
+        const auto [behind, error] = std::from_chars(mangledRest.data(), end, length);
+        mangledRest.remove_prefix(static_cast<std::size_t>(behind - mangledRest.data()));
+        if (error == std::errc() && length != 0 && length <= mangledRest.size()) {
+            const std::string_view identifier = mangledRest.substr(0, length);
+            mangledRest.remove_prefix(length);
+            return identifier;
+        }
+    }
+}
+
+std::string_view NameInSource(std::string_view symbolName) {
+    const std::string_view unique = WithoutUniqueEnd(symbolName);
+    return unique.starts_with("_Z") ? LastIdentifier(unique)
+                                    : unique.substr(unique.find_last_of(sSeparators) + 1);
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

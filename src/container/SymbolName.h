@@ -37,4 +37,17 @@ private:
 /// A symbol's name without the version that a dynamic symbol carries after an "@".
 std::string_view WithoutVersion(std::string_view symbolName);
 
+/// Takes the next identifier with its length before it, as names of the Itanium ABI (5.1.3) and of
+/// Rust have them, from the rest of a mangled name; empty if there is none.
+std::string_view TakeIdentifier(std::string_view& mangledRest);
+
+/// The name that the source gives a static variable, from the symbol to which a compiler adds what
+/// makes it unique; other names as they are.
+///
+///   count.5, count$1, count.lto_priv.0    count
+///   step.count, step.count.2              count
+///   step::count                           count
+///   _ZZ4stepiE5count_0                    count
+std::string_view NameInSource(std::string_view symbolName);
+
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -21,6 +21,7 @@ constexpr std::uint32_t sTypeNoBits = 8;
 constexpr std::uint64_t sFlagWrite = 1;
 constexpr std::uint64_t sFlagAllocate = 2;
 constexpr std::uint64_t sFlagExecute = 4;
+constexpr std::uint64_t sFlagThreadLocal = 0x400;
 
 /// Flags of TI COFF sections.
 constexpr std::uint32_t sCoffNotLoaded = 0x01 | 0x02 | 0x10; // dummy, no load, copy
@@ -59,13 +60,15 @@ ImageSection Placed(const Elf64_Shdr& section) {
 
 void VImageSections::AddElfSection(std::string_view name, const Elf64_Shdr& section,
                                    std::uint32_t bytesPerAddress) {
-    if ((section.sh_flags & sFlagAllocate) == 0) {
+    const bool hasBytes = section.sh_type != sTypeNoBits;
+    // The size of thread-local zeros is that of each thread's copy: they take up no addresses.
+    const bool isThreadLocalZero = !hasBytes && (section.sh_flags & sFlagThreadLocal) != 0;
+    if ((section.sh_flags & sFlagAllocate) == 0 || isThreadLocalZero) {
         return;
     }
     ImageSection placed = Placed(section);
     placed.address *= bytesPerAddress;
     const SectionKind kind = KindOfElfSection(section);
-    const bool hasBytes = section.sh_type != sTypeNoBits;
     // A build id stays where everything else is dropped.
     if (section.sh_size != 0 && section.sh_type != sTypeNote) {
         NoteContents(kind, hasBytes);

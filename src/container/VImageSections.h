@@ -15,7 +15,8 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 /// headers can claim any number.
 class VImageSections {
 public:
-    /// Adds a section of an ELF file if it is allocated (System V ABI, `SHF_ALLOC`).
+    /// Adds a section of an ELF file if it takes up addresses (System V ABI, `SHF_ALLOC`, but
+    /// not `SHT_NOBITS` with `SHF_TLS`).
     /// @param bytesPerAddress bytes at one target address; sizes are in bytes all the same
     void AddElfSection(std::string_view name, const Elf64_Shdr& section,
                        std::uint32_t bytesPerAddress);

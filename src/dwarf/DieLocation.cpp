@@ -18,6 +18,9 @@ namespace {
 /// From this version on, locations in data forms are plain numbers (DWARF 4, 2.6.2).
 constexpr std::int32_t sVersionOfSectionOffsets = 4;
 
+/// `DW_OP_stack_value` (DWARF 4, 2.6.1.1.3) ends an expression that computes a value.
+constexpr std::uint8_t sStackValue = 0x9F;
+
 } // namespace
 
 void VDie2::ReadLocation(const TDieAttribute& attribute) {
@@ -57,6 +60,9 @@ bool VDie2::ReadLocationBlock(FormReading reading, std::uint64_t& value) {
         mBitOffset = location.mBitOffset;
     }
     value = location.mValue;
+    mIsFromTombstone = location.mIsFromTombstone;
+    mIsComputed =
+        !location.mIsValid && static_cast<std::uint8_t>((*mBuffer)[end - 1]) == sStackValue;
     return location.mIsValid;
 }
 

@@ -1,6 +1,7 @@
 #include "dwarf/LocationExpression.h"
 
 #include "container/VElfBuffer.h"
+#include "dwarf/Tombstones.h"
 #include "dwarf/UnitAddresses.h"
 #include "dwarf/codes/DwarfConstants.h"
 
@@ -77,6 +78,7 @@ struct ClassicNumbers {
     using Value = std::uint32_t;
     using SignedValue = std::int32_t;
     static constexpr const LocationOperators& sOperators = sClassicOperators;
+    static constexpr bool sKnowsTombstones = false;
 
     static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128(); }
     static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128(); }
@@ -92,6 +94,7 @@ struct FullNumbers {
     using Value = std::uint64_t;
     using SignedValue = std::int64_t;
     static constexpr const LocationOperators& sOperators = sFullOperators;
+    static constexpr bool sKnowsTombstones = true;
 
     static Value GetUnsignedLeb128(VElfBuffer& buffer) { return buffer.GetULEB128In64Bits(); }
     static SignedValue GetSignedLeb128(VElfBuffer& buffer) { return buffer.GetSLEB128In64Bits(); }
@@ -125,6 +128,7 @@ public:
         }
         mResult.mIsValid = isValid;
         mResult.mValue = isValid ? Numbers::CutToAddress(mStack[mTop], mBuffer) : 0;
+        mResult.mIsFromTombstone = isValid && mHasTombstone && mResult.mValue != mTombstone;
         return mResult;
     }
 
@@ -189,10 +193,22 @@ private:
             const std::optional<std::uint64_t> address =
                 mAddresses != nullptr ? mAddresses->At(index) : std::nullopt;
             value = static_cast<Value>(address.value_or(0));
+            NoteTombstone(value);
             return address.has_value() && mBuffer.GetOffset() <= mEnd;
         }
         value = Decode(kind);
+        if (kind == OperandKind::Address) {
+            NoteTombstone(value);
+        }
         return mBuffer.GetOffset() <= mEndOfOperands;
+    }
+
+    void NoteTombstone(Value address) {
+        if (Numbers::sKnowsTombstones &&
+            std::ranges::count(TombstonesOf(mBuffer.GetADDRESSsize()), address) != 0) {
+            mHasTombstone = true;
+            mTombstone = address;
+        }
     }
 
     Value Decode(OperandKind kind) {
@@ -243,6 +259,8 @@ private:
     /// Element 0 is the address of the enclosing object.
     std::array<Value, 128> mStack{};
     std::size_t mTop = 0;
+    bool mHasTombstone = false;
+    Value mTombstone = 0;
     VLocationResult mResult;
 };
 

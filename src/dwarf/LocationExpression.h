@@ -22,6 +22,9 @@ struct VLocationResult {
     /// 0 unless valid. In the classic manner, and for targets with addresses of 32 bits, numbers
     /// have 32 bits.
     std::uint64_t mValue = 0;
+    /// The value lies some bytes from an address that is a tombstone: it is a part of something
+    /// that the linker discarded, or lies near that address. Only in the full manner.
+    bool mIsFromTombstone = false;
     /// A bit field was named, even if the rest is not valid. Only for `Entry`.
     bool mHasBitField = false;
     std::uint32_t mBitSize = 0;

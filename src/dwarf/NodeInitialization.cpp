@@ -95,6 +95,8 @@ void VDebugInfoNodeVariable::InitFromDie(const VDie2& die, VDwarf2Section& secti
     VDebugInfoNode::InitFromDie(die, section);
     mLocationAddress = die.mLocationAddress;
     mHasLocation = die.mHasLocation;
+    mIsFromTombstone = die.mIsFromTombstone;
+    mIsComputed = die.mIsComputed;
     mIsRegisterOrStackLocation = die.mIsRegisterOrStackLocation;
 }
 

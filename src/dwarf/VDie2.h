@@ -50,6 +50,10 @@ struct VDieAttributes {
     bool mIsExternal = false;
     bool mHasMemberLocation = false;
     bool mHasLocation = false;
+    /// As `VLocationResult::mIsFromTombstone`; meaningless for members.
+    bool mIsFromTombstone = false;
+    /// The location computes the value of a variable that isn't stored as such.
+    bool mIsComputed = false;
     /// Only the bits that count in the manner of reading.
     std::uint64_t mLocationAddress = 0;
     std::uint32_t mMemberOffset = 0;

@@ -1,23 +1,26 @@
 // Linkers leave the debug information of a variable in place when they discard the variable itself,
-// and write a tombstone for its address. Which one depends on the linker:
+// and write a tombstone for its address; compilers that merge variables count from there:
 //
-//   GNU ld, gold      0
-//   lld               all ones in the width of an address, or one less
+//   DW_OP_addr 0                                 a discarded variable, or the vector table
+//   DW_OP_addr 0, DW_OP_plus_uconst 4            the second of two merged variables
 //
-// All of them are valid addresses as well: the vector table of a controller lies at 0, and a port
-// may. So a variable at such an address is kept if something is known to be there.
+// Such a variable is kept if the symbol table knows it at its address. That a section holds the
+// address proves nothing, since flash often begins at 0: it counts only in files whose symbol table
+// names no data, and for no part of something merged.
+//
+// Variables whose value is computed from what memory holds have no place either; their symbols must
+// not stand for them.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
+#include "dwarf/Tombstones.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNode.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -26,16 +29,6 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
-
-constexpr std::uint32_t sAddressSizeIfUnknown = 4;
-
-std::array<std::uint64_t, 3> TombstonesOf(std::uint32_t addressSize) {
-    constexpr std::uint64_t all64Bits = std::numeric_limits<std::uint64_t>::max();
-    const std::uint32_t size = addressSize != 0 ? addressSize : sAddressSizeIfUnknown;
-    const std::uint64_t allOnes =
-        size < sizeof all64Bits ? (std::uint64_t{1} << (size * 8)) - 1 : all64Bits;
-    return {0, allOnes, allOnes - 1};
-}
 
 class DiscardedVariables {
 public:
@@ -47,7 +40,7 @@ public:
         if (!IsAtTombstone(variable)) {
             return;
         }
-        if (IsInSection(variable.GetLocationAddress()) || HasSymbolThere(variable)) {
+        if (HasSymbolThere(variable) || IsInSectionWithoutSymbols(variable)) {
             variable.ConfirmAddress();
         } else {
             variable.DiscardLocation();
@@ -59,9 +52,10 @@ private:
 
     [[nodiscard]] bool IsAtTombstone(const VDebugInfoNode& variable) const {
         const std::uint64_t address = variable.GetLocationAddress();
-        return std::ranges::any_of(
-            TombstonesOf(variable.GetCompileUnitHeader()->mTargetAddressSize),
-            [&](std::uint64_t tombstone) { return address == AsDecoded(tombstone); });
+        return variable.IsFromTombstone() ||
+               std::ranges::any_of(
+                   TombstonesOf(variable.GetCompileUnitHeader()->mTargetAddressSize),
+                   [&](std::uint64_t tombstone) { return address == AsDecoded(tombstone); });
     }
 
     /// The decoded form of an address in the file.
@@ -71,7 +65,11 @@ private:
                                                                    : inBytes;
     }
 
-    bool IsInSection(std::uint64_t address) {
+    bool IsInSectionWithoutSymbols(const VDebugInfoNode& variable) {
+        if (!mFile.mSymbolMap.IsEmpty() || variable.IsFromTombstone()) {
+            return false;
+        }
+        const std::uint64_t address = variable.GetLocationAddress();
         const auto [known, isNew] = mIsInSection.try_emplace(address, false);
         if (isNew) {
             known->second = mFile.mImage.isLinked && mFile.mImageSections.Hold(address);
@@ -101,7 +99,9 @@ private:
         const auto [known, isNew] = mDataNames.try_emplace(address);
         if (isNew) {
             for (const Elf32_Sym& symbol : mFile.mSymbolMap.AllAt(address)) {
-                known->second.insert(CutSymbolName(symbol.name, mLongNames));
+                const std::string_view name = CutSymbolName(symbol.name, mLongNames);
+                known->second.insert(name);
+                known->second.insert(NameInSource(name));
             }
         }
         return known->second;
@@ -109,7 +109,7 @@ private:
 
     VElfFile& mFile;
     LongTextAllowance mLongNames;
-    /// Results for the addresses so far; only a few occur.
+    /// Results for the addresses so far. Of sections, only a few are asked.
     std::unordered_map<std::uint64_t, bool> mIsInSection;
     std::unordered_map<std::uint64_t, NameSet> mDataNames;
 };
@@ -121,6 +121,8 @@ void LeaveOutDiscardedVariables(VDwarf2Section& section) {
     section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
         if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
             discarded.LookAt(variable);
+        } else if (variable.IsComputed()) {
+            section.mElfFile->mDeliveredSymbols.AddValue(VariableNames(variable).name);
         }
     });
 }

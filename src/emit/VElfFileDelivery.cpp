@@ -53,7 +53,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         }
         if (mManner == ReadingManner::Classic) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
-        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName)) {
+        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName, symbol.IsLocal())) {
             emission.CreateVariable(name, symbol.st_value, symbol.st_size);
         }
     });

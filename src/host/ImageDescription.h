@@ -81,6 +81,10 @@ struct BRINDLE_EXPORT ImageDescription {
     /// The section that holds the byte at an address, the innermost of several; null if there is
     /// none.
     [[nodiscard]] const ImageSection* SectionAt(std::uint64_t address) const;
+    /// True if several sections hold bytes of a range, as those of an overlay do: the address
+    /// doesn't say which of them a variable is in, nor what memory holds at the start.
+    /// @param size bytes of the range; 0 counts as 1
+    [[nodiscard]] bool IsOverlaid(std::uint64_t address, std::uint64_t size) const;
 };
 
 } // namespace Tessel::Norn::Brindle::DataModel

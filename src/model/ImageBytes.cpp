@@ -19,7 +19,7 @@ ImageBytes::ImageBytes(ImageDescription description)
 
 std::vector<std::uint8_t> ImageBytes::At(std::uint64_t address, std::uint64_t size) {
     const ImageSection* section = mDescription.SectionAt(address);
-    if (section == nullptr || size == 0) {
+    if (section == nullptr || size == 0 || mDescription.IsOverlaid(address, size)) {
         return {};
     }
     const std::uint64_t offset = address - section->address;

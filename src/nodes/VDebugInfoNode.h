@@ -321,6 +321,10 @@ public:
     [[nodiscard]] virtual bool HasLocation() const { return false; }
     [[nodiscard]] virtual bool IsRegisterOrStackLocation() const { return false; }
     [[nodiscard]] virtual bool IsAddressFromSymbolTable() const { return false; }
+    /// True if the location counts from an address that linkers write for what they discarded.
+    [[nodiscard]] virtual bool IsFromTombstone() const { return false; }
+    /// True if the location computes the value; then memory doesn't hold it as such.
+    [[nodiscard]] virtual bool IsComputed() const { return false; }
     /// True if an address of 0 is known to be correct.
     [[nodiscard]] virtual bool IsAddressConfirmed() const { return false; }
     virtual void ConfirmAddress() {}

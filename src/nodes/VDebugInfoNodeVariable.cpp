@@ -10,6 +10,7 @@ bool VDebugInfoNodeVariable::IsGlobalVariable() const {
 void VDebugInfoNodeVariable::SetLocationFromSymbolTable(std::uint64_t address) {
     mLocationAddress = address;
     mIsRegisterOrStackLocation = false;
+    mIsFromTombstone = false;
     mHasLocation = true;
     mIsAddressFromSymbolTable = true;
 }

@@ -27,6 +27,8 @@ public:
     [[nodiscard]] bool IsAddressFromSymbolTable() const override {
         return mIsAddressFromSymbolTable;
     }
+    [[nodiscard]] bool IsFromTombstone() const override { return mIsFromTombstone; }
+    [[nodiscard]] bool IsComputed() const override { return mIsComputed; }
     [[nodiscard]] bool IsAddressConfirmed() const override { return mIsAddressConfirmed; }
     void ConfirmAddress() override { mIsAddressConfirmed = true; }
     void DiscardLocation() override {
@@ -44,6 +46,8 @@ private:
     std::uint64_t mLocationAddress;
     bool mIsRegisterOrStackLocation = false;
     bool mHasLocation = false;
+    bool mIsFromTombstone = false;
+    bool mIsComputed = false;
     bool mIsAddressFromSymbolTable = false;
     bool mIsAddressConfirmed = false;
     bool mIsDiscarded = false;

@@ -166,7 +166,8 @@ void ElfImage::WriteHeader(ByteWriter& writer, std::uint64_t tableOffset, std::s
 void ElfImage::WriteSectionHeader(ByteWriter& writer, const SectionContent& section,
                                   std::uint32_t nameOffset, std::uint64_t offset) const {
     const ElfSectionOverrides& overrides = section.overrides;
-    writer.U32(overrides.nameOffset.value_or(nameOffset)).U32(section.name.empty() ? 0 : 1);
+    writer.U32(overrides.nameOffset.value_or(nameOffset))
+        .U32(overrides.type.value_or(section.name.empty() ? 0 : 1));
     Word(writer, overrides.flags.value_or(overrides.address ? sAllocatedFlag : 0));
     Word(writer, overrides.address.value_or(0));
     Word(writer, overrides.offset.value_or(offset));

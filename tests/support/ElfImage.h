@@ -43,6 +43,7 @@ struct ElfSectionOverrides {
     /// Address of an allocated section; others have none.
     std::optional<std::uint64_t> address = {};
     std::optional<std::uint64_t> flags = {};
+    std::optional<std::uint32_t> type = {};
     std::optional<std::uint32_t> link = {};
 };
 
