@@ -6,10 +6,12 @@
 - a run takes more time or memory than its bounds (docs/reliability.md), with the given factors, or waits for ever.
 
 Standard output has a row for each file and one for all of them. What a finding wrote is kept in a folder, in a
-file named after the input in its folder, the command and the manner. Exit status 1 if there are findings.
+file named after the input in its folder, the command and the manner. Exit status 1 if there are findings, 2 if
+there is nothing to read.
 """
 import argparse
 import collections
+import hashlib
 import os
 import pathlib
 import re
@@ -28,9 +30,17 @@ SECONDS = 10e-6
 FIXED_BYTES = 64 << 20
 BYTES = 256
 
-SANITIZER_REPORT = re.compile(rb"(AddressSanitizer|LeakSanitizer|ThreadSanitizer|runtime error|Assertion)\b.*")
+# As sanitizers and assertions begin their reports, since messages of the program have names of files, which may say
+# anything: "brindle: Assertion.elf: ...".
+SANITIZER_REPORT = re.compile(
+    rb"""^(?:==\d+==\s?(?:ERROR|WARNING):\ |WARNING:\ )(?P<report>\w+Sanitizer\b.*)
+       | ^(?:<unknown>|[^:\n]+(?:(?::\d+){1,2}|\+0x[0-9a-f]+)):\ (?P<behaviour>runtime\ error:.*)
+       | ^(?:[^:\n]+:\ )?[^:\n]+:\d+:\ .*(?P<assertion>Assertion\ [`'].*'\ failed\.)\s*$""",
+    re.MULTILINE | re.VERBOSE)
 POLL_SECONDS = 0.05
+# Of the beginning of what a run writes; of its messages, also of the end, where the report of a crash is.
 KEPT_BYTES = 1 << 20
+LONGEST_NAME = 255
 # A run may wait for a disk or for other processes, but not take longer by the clock than this times its bound of
 # processor time, besides a fixed part.
 WAIT_FACTOR = 10
@@ -45,6 +55,7 @@ class Run:
         self.words = words
         self.written = 0
         self.messages = b""
+        self.last_messages = b""
         self.output = b""
         self.finding = ""
         self.seconds = 0.0
@@ -53,6 +64,7 @@ class Run:
                                  stderr=subprocess.PIPE)
         self.follow(child, size, factors, wait)
         _, status, usage = os.wait4(child.pid, 0)
+        self.messages += self.last_messages
         child.returncode = self.status = os.waitstatus_to_exitcode(status)
         self.seconds = usage.ru_utime + usage.ru_stime
         self.memory = usage.ru_maxrss * 1024
@@ -84,7 +96,9 @@ class Run:
             self.written += len(block)
             self.output = (self.output + block)[:KEPT_BYTES]
         else:
-            self.messages = (self.messages + block)[:KEPT_BYTES]
+            room = KEPT_BYTES - len(self.messages)
+            self.messages += block[:room]
+            self.last_messages = (self.last_messages + block[room:])[-KEPT_BYTES:]
 
     def check(self, child, size, factors):
         try:
@@ -110,7 +124,7 @@ class Run:
         if self.finding:
             return
         if report:
-            self.finding = report.group().decode(errors="replace")[:100]
+            self.finding = report[report.lastgroup].decode(errors="replace")[:100]
         elif self.status not in (0, 1):
             self.finding = f"ended with {self.status}"
         elif self.status == 1 and not self.messages.strip():
@@ -152,11 +166,21 @@ HEAD = ["File", "Files", "MB", *(f"{what}, {manner}" for manner in MANNERS for w
         "Worst ms/MB", "Most MB", "Findings"]
 
 
+def kept_name(name, ending):
+    """The name of a file as part of another one; a long one is cut, and a digest tells it from others."""
+    name = os.fsencode(name.replace(os.sep, "_"))
+    room = LONGEST_NAME - len(ending)
+    if len(name) > room:
+        digest = "." + hashlib.sha256(name).hexdigest()[:16]
+        name = name[:room - len(digest)] + digest.encode()
+    return os.fsdecode(name) + ending
+
+
 def keep(folder, name, command, manner, run):
     folder.mkdir(parents=True, exist_ok=True)
-    kept = folder / f"{name.replace(os.sep, '_')}.{command}.{manner}.txt"
-    text = f"{' '.join(map(str, run.words))}\nstatus {run.status}: {run.finding}\n".encode()
-    kept.write_bytes(text + run.messages + run.output[:1000])
+    kept = folder / kept_name(name, f".{command}.{manner}.txt")
+    text = f"{' '.join(map(str, run.words))}\nstatus {run.status}: {run.finding}\n"
+    kept.write_bytes(text.encode(errors="surrogateescape") + run.messages + run.output[:1000])
     print(f"corpus: {name}: {command}, {manner} reading: {run.finding}; see {kept}", file=sys.stderr,
           flush=True)
 
@@ -219,6 +243,9 @@ def main():
     parser.add_argument("--keep", type=pathlib.Path, default=pathlib.Path("corpus-findings"),
                         help="folder for what findings wrote (default: corpus-findings)")
     arguments = parser.parse_args()
+    for path in arguments.paths:
+        if not path.exists():
+            parser.error(f"no file or folder '{path}'")
     total = Result()
     print("| " + " | ".join(HEAD) + " |\n|" + "---|" * len(HEAD))
     for path, name in named_files(arguments.paths):
@@ -226,10 +253,16 @@ def main():
         print(result.row(name), flush=True)
         total.add(result)
     print(total.row("all"))
-    return 1 if total.findings or not total.files else 0
+    if not total.files:
+        print("corpus: no files there", file=sys.stderr)
+        return 2
+    return 1 if total.findings else 0
 
 
 if __name__ == "__main__":
+    # Names of files needn't be UTF-8.
+    sys.stdout.reconfigure(errors="backslashreplace")
+    sys.stderr.reconfigure(errors="backslashreplace")
     # A finding may be a crash: no core file for each.
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     sys.exit(main())

@@ -5,7 +5,7 @@
 set -euo pipefail
 scripts=$(cd "$(dirname "$0")" && pwd)
 program=()
-if [[ " $* " != *" --program"[\ =]* && " $* " != *" --help "* ]]; then
+if [[ " $* " != *" --program"[\ =]* && " $* " != *" --help "* && " $* " != *" -h "* ]]; then
     {
         "$scripts/install-packages.sh"
         cd "$scripts/.."

@@ -63,6 +63,10 @@ class CorpusTest(unittest.TestCase):
                 ("exit 1", "failed without a message", short),
                 ("exit 3", "ended with 3", short),
                 ("echo 'x.cpp:1: runtime error: shift' >&2; exit 1", "runtime error: shift", short),
+                ("head -c 3000000 /dev/zero >&2; printf '\\n==7==ERROR: AddressSanitizer: SEGV' >&2; exit 1",
+                 "AddressSanitizer: SEGV", short),
+                ("echo \"program: x.cpp:1: int f(): Assertion \\`x' failed.\" >&2; exit 1", "Assertion `x' failed.",
+                 short),
                 ("while :; do :; done", "above its bounds", short),
                 (f"exec {sys.executable} -c 'len(b\"x\" * (100 << 20))'", "MB: above its bound",
                  ["--memory-factor", "1"]),
@@ -72,6 +76,28 @@ class CorpusTest(unittest.TestCase):
                 self.assertEqual((status, rows[-1][-1]), (1, "2"))
                 self.assertIn(f"types, classic reading: {text}" if "above" not in text else text, messages)
                 self.assertIn("status", (self.folder / "kept" / "corpus.sh.types.full.txt").read_text())
+
+    def test_names_of_any_kind(self):
+        files = self.folder / "files"
+        files.mkdir()
+        names = [b"m\xf6tor.elf", b"x.c:1: runtime error: AddressSanitizer: Assertion `a' failed.", b"y" * 250 + b".elf"]
+        for name in names:
+            pathlib.Path(os.fsdecode(os.fsencode(files) + b"/" + name)).write_bytes(name)
+        status, rows, messages = self.corpus(self.script('for file; do :; done; echo "program: $file: no image" >&2; exit 1'), files)
+        self.assertEqual((status, rows[-1][-1], messages), (0, "0", ""))
+        status, rows, messages = self.corpus(self.script("exit 3"), files)
+        self.assertEqual((status, rows[-1][-1]), (1, "6"))
+        self.assertIn(r"m\udcf6tor.elf: types, full reading: ended with 3", messages)
+        kept = [os.fsencode(each) for each in (self.folder / "kept").iterdir()]
+        self.assertEqual(len(kept), 6)
+        self.assertIn(names[0] + b".types.full.txt", [each.rpartition(b"/")[2] for each in kept])
+
+    def test_nothing_to_read_is_an_error(self):
+        (self.folder / "empty").mkdir()
+        for name, text in [("empty", "no files there"), ("missing", "no file or folder")]:
+            status, _, messages = self.corpus(PROGRAM, self.folder / name)
+            self.assertEqual(status, 2)
+            self.assertIn(text, messages)
 
     def test_files_of_one_name_keep_a_finding_each(self):
         files = self.folder / "files"
