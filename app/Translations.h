@@ -261,6 +261,7 @@ constexpr std::array sTranslations = {
     Translation{"{} at {}", "{} bei {}"},
     Translation{"{} bits, which the datatype does not hold",
                 "{} Bits, die der Datentyp nicht fasst"},
+    Translation{"{} bits in the other byte order", "{} Bits in der anderen Bytereihenfolge"},
     Translation{"removed", "entfernt"},
     Translation{"its address {} is set to 0", "seine Adresse {} wird 0"},
     Translation{"its address {} is kept", "seine Adresse {} bleibt"},

@@ -1,5 +1,7 @@
 #include "a2l/BitMask.h"
 
+#include "model/PlaceBytes.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <tuple>
@@ -8,56 +10,72 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
 
-constexpr std::int64_t sBitsPerByte = 8;
-/// No storage unit is larger, in bytes.
-constexpr std::uint64_t sLargestUnit = 64;
+using DataModel::ByteOrder;
+using DataModel::ByteSpan;
+
+constexpr std::uint64_t sBitsPerByte = 8;
 
 std::uint64_t Ones(std::uint64_t count) {
     return count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
 }
 
-/// The byte of the unit, little-endian, that holds the last bit of a field.
-std::int64_t LastByte(const DataModel::Model::Place& place) {
-    return (place.bitOffset + static_cast<std::int64_t>(place.bitSize) - 1) / sBitsPerByte;
+bool IsPossible(const DataModel::Model::Place& place, const MaskedNumber& number) {
+    return DataModel::IsSaneBitField(place) && number.size >= 1 &&
+           number.size <= sLargestMaskedNumber && number.addressUnit >= 1;
 }
 
 } // namespace
 
-// The number may begin at any byte, even before the field's storage unit if it is larger: in a
-// unit of 4 bytes, little-endian, bit 13 is bit 13 of a ULONG, bit 5 of the UBYTE at 1, bit 5 of
-// the UWORD at 1 or bit 13 of the UWORD at 0. Big-endian, it is bit 5 of the UBYTE at 2.
-std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place, std::uint64_t size,
-                                           bool isBigEndian,
-                                           std::optional<std::uint64_t> wantedMask) {
-    const bool isSane = size >= 1 && size <= sLargestMaskedNumber && place.size >= 1 &&
-                        place.size <= sLargestUnit &&
-                        place.bitOffset < sLargestUnit * sBitsPerByte && place.bitSize >= 1 &&
-                        place.bitSize <= sLargestMaskedNumber * sBitsPerByte;
-    if (!isSane) {
+// In a unit of 4 bytes, little-endian, bit 13 is bit 13 of a ULONG, bit 5 of the UBYTE at 1, bit 5
+// of the UWORD at 1 or bit 13 of the UWORD at 0. Big-endian, it is bit 5 of the UBYTE at 2.
+std::optional<std::uint64_t> MaskAt(std::uint64_t address, const DataModel::Model::Place& place,
+                                    ByteOrder imageOrder, const MaskedNumber& number) {
+    if (!IsPossible(place, number)) {
         return std::nullopt;
     }
-    const auto spare = static_cast<std::int64_t>(place.size) - static_cast<std::int64_t>(size);
+    const ByteSpan bytes = DataModel::BytesOf(place, imageOrder);
+    const std::uint64_t before = bytes.address - address;
+    // Read in the other byte order, the bits of several bytes are torn apart.
+    const bool isTorn = bytes.size > 1 && number.order != imageOrder;
+    if (before > number.size || bytes.size > number.size - before || isTorn ||
+        address % number.addressUnit != 0) {
+        return std::nullopt;
+    }
+    const std::uint64_t behind = number.size - bytes.size - before;
+    const std::uint64_t lowerBytes = number.order == ByteOrder::Big ? behind : before;
+    return Ones(place.bitSize) << (lowerBytes * sBitsPerByte + place.bitOffset % sBitsPerByte);
+}
+
+// The number may begin at any byte, even before or behind the field's storage unit.
+std::optional<MaskedPlace> FindMaskedPlace(const DataModel::Model::Place& place,
+                                           ByteOrder imageOrder, const MaskedNumber& number,
+                                           std::optional<std::uint64_t> wantedMask) {
+    if (!IsPossible(place, number)) {
+        return std::nullopt;
+    }
+    const ByteSpan bytes = DataModel::BytesOf(place, imageOrder);
+    // A packed field may need a byte more than its unit has.
+    const std::uint64_t unitSize =
+        std::max(place.size, (place.bitOffset + place.bitSize - 1) / sBitsPerByte + 1);
+    const auto spare = static_cast<std::int64_t>(unitSize) - static_cast<std::int64_t>(number.size);
     std::optional<MaskedPlace> best;
-    // Better is: the wanted mask, then an aligned number, then one that begins nearer.
-    std::tuple<bool, bool, std::int64_t> bestRank;
-    // A packed field may extend into the byte after its unit.
-    const std::int64_t end =
-        isBigEndian ? 0 : LastByte(place) + 1 - static_cast<std::int64_t>(size);
-    for (std::int64_t start = std::min<std::int64_t>(spare, 0);
-         start <= std::max<std::int64_t>({spare, 0, end}); ++start) {
-        const std::int64_t behind = isBigEndian ? spare - start : start;
-        const std::int64_t shift = place.bitOffset - sBitsPerByte * behind;
-        const bool isInside =
-            shift >= 0 && static_cast<std::uint64_t>(shift) + place.bitSize <= size * sBitsPerByte;
-        if (!isInside) {
+    // Better is: the wanted mask, then a number at the unit, then an aligned one, then one that
+    // begins nearer.
+    std::tuple<bool, bool, bool, std::int64_t> bestRank;
+    const std::uint64_t most = std::min(number.size - 1, bytes.address);
+    for (std::uint64_t before = 0; before <= most; ++before) {
+        const std::uint64_t address = bytes.address - before;
+        const auto mask = MaskAt(address, place, imageOrder, number);
+        if (!mask) {
             continue;
         }
-        const MaskedPlace found{place.address + static_cast<std::uint64_t>(start),
-                                Ones(place.bitSize) << static_cast<std::uint64_t>(shift)};
-        const std::tuple rank(wantedMask == found.mask, found.address % size == 0,
+        const auto start = static_cast<std::int64_t>(address - place.address);
+        const bool isAtUnit =
+            start >= std::min<std::int64_t>(spare, 0) && start <= std::max<std::int64_t>(spare, 0);
+        const std::tuple rank(wantedMask == mask, isAtUnit, address % number.size == 0,
                               -std::abs(start));
         if (!best || rank > bestRank) {
-            best = found;
+            best = MaskedPlace{address, *mask, isAtUnit};
             bestRank = rank;
         }
     }

@@ -3,6 +3,7 @@
 #include "Phrases.h"
 
 #include "a2l/Datatypes.h"
+#include "a2l/Numbers.h"
 
 #include <algorithm>
 #include <charconv>
@@ -36,22 +37,8 @@ std::string Quoted(std::string_view text) {
     return "'" + std::string(text) + "'";
 }
 
-/// A list in few words.
-class Details {
-public:
-    void Add(std::string_view text) {
-        if (mCount++ < sMostDetails) {
-            mText.append(mText.empty() ? "" : ", ").append(text);
-        }
-    }
-    [[nodiscard]] std::string Text() const {
-        return mCount > sMostDetails ? mText + ", ..." : mText;
-    }
-
-private:
-    std::string mText;
-    std::size_t mCount = 0;
-};
+/// Structures of a file that are nested deeper are not compared.
+constexpr std::size_t sMostNestedStructures = 100;
 
 /// The 64 bits of an integer, with or without sign; also of one that is written as "2.0".
 std::optional<std::int64_t> IntegerValue(std::string_view text) {
@@ -85,6 +72,55 @@ std::optional<std::int64_t> ValueIn(std::uint64_t size, std::int64_t value) {
 
 } // namespace
 
+/// A list in few words.
+class Comparison::Details {
+public:
+    void Add(std::string_view text) {
+        if (mCount++ < sMostDetails) {
+            mText.append(mText.empty() ? "" : ", ").append(text);
+        }
+    }
+    [[nodiscard]] std::string Text() const {
+        return mCount > sMostDetails ? mText + ", ..." : mText;
+    }
+
+private:
+    std::string mText;
+    std::size_t mCount = 0;
+};
+
+/// What differs in the components of a structure, as one difference of each kind.
+class Comparison::ComponentDifferences {
+public:
+    void Add(std::string_view what, std::string_view inFile, std::string_view inImage) {
+        auto& [file, image] = mKinds[what];
+        file.Add(inFile);
+        image.Add(inImage);
+    }
+    [[nodiscard]] std::vector<Difference> List() const {
+        std::vector<Difference> list;
+        for (const auto& [what, texts] : mKinds) {
+            list.push_back({what, texts.first.Text(), texts.second.Text()});
+        }
+        return list;
+    }
+
+private:
+    std::map<std::string_view, std::pair<Details, Details>> mKinds;
+};
+
+std::uint64_t MaskedReading::Mask() const {
+    const std::uint64_t unused =
+        number.size >= sLargestMaskedNumber ? 0 : (sLargestMaskedNumber - number.size) * 8;
+    return mask.value_or(~std::uint64_t{0} >> unused);
+}
+
+std::string MaskedReading::MaskText() const {
+    return mask ? UpperHexadecimal(*mask) : Phrased("none");
+}
+
+// Calls itself through the components of structures, no deeper than sMostNestedStructures.
+// NOLINTNEXTLINE(misc-no-recursion)
 std::vector<Difference> Comparison::Compare(const Object& object, const SymbolIndex::Place& place) {
     std::vector<Difference> differences;
     if (place.isBitField) {
@@ -102,18 +138,29 @@ std::vector<Difference> Comparison::Compare(const Object& object, const SymbolIn
             type->kind == TypeDefinition::Kind::Blob) {
             CompareSize(type->size * std::max<std::uint64_t>(object.elements, 1), place,
                         differences);
-            CompareComponents(*type, place.type, differences);
+            CompareComponents(*type, object, place.type, differences);
         }
     }
     return differences;
 }
 
-std::optional<std::uint64_t> Comparison::NumberSize(const Object& object) const {
-    const std::string_view datatype = object.kind == BlockKind::Measurement
-                                          ? object.type
-                                          : DatatypeOfLayout(object, object.layout);
-    const std::optional<Scalar> scalar = ScalarOfDatatype(datatype);
-    return scalar ? std::optional(scalar->size) : std::nullopt;
+MaskedReading Comparison::ReadingOf(const Object& object, const SymbolIndex::Place& place) const {
+    const std::optional<Values> values = ValuesOf(object);
+    const std::optional<Scalar> scalar = values ? ScalarOfDatatype(values->datatype) : std::nullopt;
+    MaskedReading reading;
+    reading.number.size = scalar ? scalar->size : place.size;
+    std::optional<bool> isBigEndian = object.isBigEndian;
+    if (object.bitMask.span.IsSet()) {
+        reading.mask = object.bitMask.value;
+    }
+    if (const TypeDefinition* const type = TypeOf(object)) {
+        reading.mask = reading.mask ? reading.mask : type->bitMask;
+        isBigEndian = isBigEndian ? isBigEndian : type->isBigEndian;
+    }
+    const DataModel::ByteOrder order =
+        isBigEndian == true ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;
+    reading.number.order = isBigEndian ? order : mModel.Image().byteOrder;
+    return reading;
 }
 
 std::string_view Comparison::DatatypeOfLayout(const Object& object, std::string_view layout) const {
@@ -231,7 +278,9 @@ void Comparison::CompareEnumeration(const Object& object, ObjectId type, std::ui
                                     std::vector<Difference>& differences) {
     const ModelObject enumeration = mModel.Object(mModel.WithoutTypedefs(type));
     const Module& module = mDocument.modules[object.module];
-    const std::string_view* const name = Lookup(module.conversions, object.conversion);
+    const TypeDefinition* const definition = TypeOf(object);
+    const std::string_view* const name = Lookup(
+        module.conversions, definition != nullptr ? definition->conversion : object.conversion);
     const ConversionTable* const table = name != nullptr ? Lookup(module.tables, *name) : nullptr;
     if (enumeration.id == 0 || enumeration.kind != ObjectKind::Enum || table == nullptr) {
         return;
@@ -289,32 +338,93 @@ void Comparison::CompareTexts(const ConversionTable& table, ObjectId enumeration
     }
 }
 
-void Comparison::CompareComponents(const TypeDefinition& definition, ObjectId type,
-                                   std::vector<Difference>& differences) {
+// NOLINTNEXTLINE(misc-no-recursion)
+void Comparison::CompareComponents(const TypeDefinition& definition, const Object& object,
+                                   ObjectId type, std::vector<Difference>& differences) {
     const ObjectId plain = mModel.WithoutTypedefs(ElementsOf(mModel, type).type);
+    // A structure that contains itself meets its own result, which is still empty.
     const auto [known, isNew] = mKnown.try_emplace({&definition, plain, 0});
-    if (isNew) {
+    if (isNew && mDepth < sMostNestedStructures) {
         const MemberTable& members = mIndex.MembersOf(plain);
-        Details inFile;
-        Details inImage;
+        ComponentDifferences found;
+        ++mDepth;
         for (const StructureComponent& component : definition.components) {
             const std::string_view name = component.link.empty() ? component.name : component.link;
-            const Member* const member = members.Find(name);
-            if (member != nullptr && member->isBitField) {
-                continue;
-            }
-            if (member == nullptr || member->offset != component.offset) {
-                inFile.Add(Phrased("{} at {}", component.name, Count(component.offset)));
-                inImage.Add(member == nullptr
-                                ? Phrased("{} missing", component.name)
-                                : Phrased("{} at {}", component.name, Count(member->offset)));
+            if (const Member* const member = members.Find(name)) {
+                CompareComponent(component, object, *member, found);
+            } else {
+                found.Add("structure", Phrased("{} at {}", component.name, Count(component.offset)),
+                          Phrased("{} missing", component.name));
             }
         }
-        if (!inFile.Text().empty()) {
-            known->second.push_back({"structure", inFile.Text(), inImage.Text()});
-        }
+        --mDepth;
+        known->second = found.List();
     }
     differences.insert(differences.end(), known->second.begin(), known->second.end());
+}
+
+// NOLINTNEXTLINE(misc-no-recursion)
+void Comparison::CompareComponent(const StructureComponent& component, const Object& object,
+                                  const Member& member, ComponentDifferences& found) {
+    // Component and member like an instance of its own and its place.
+    Object part;
+    part.kind = BlockKind::Instance;
+    part.module = object.module;
+    part.layout = component.type;
+    part.elements = component.elements;
+    SymbolIndex::Place place;
+    place.type = member.type;
+    place.address = member.offset;
+    place.size = member.size;
+    place.isBitField = member.isBitField;
+    place.bitOffset = member.bitOffset;
+    place.bitSize = member.bitSize;
+    if (member.isBitField) {
+        if (ValuesOf(part)) {
+            CompareBits(component, ReadingOf(part, place), place, found);
+        }
+    } else if (member.offset != component.offset) {
+        found.Add("structure", Phrased("{} at {}", component.name, Count(component.offset)),
+                  Phrased("{} at {}", component.name, Count(member.offset)));
+    }
+    if (component.isPointer) {
+        return;
+    }
+    const std::string prefix = std::string(component.name) + ": ";
+    for (const Difference& difference : Compare(part, place)) {
+        found.Add(difference.what, prefix + difference.inFile, prefix + difference.inImage);
+    }
+}
+
+void Comparison::CompareBits(const StructureComponent& component, const MaskedReading& reading,
+                             const SymbolIndex::Place& place, ComponentDifferences& found) const {
+    const DataModel::ByteOrder order = mModel.Image().byteOrder;
+    const auto here = MaskAt(component.offset, place, order, reading.number);
+    if (here == reading.Mask()) {
+        return;
+    }
+    const std::string prefix = std::string(component.name) + ": ";
+    const auto best = FindMaskedPlace(place, order, reading.number, reading.Mask());
+    const bool isRightElsewhere = best && best->mask == reading.Mask();
+    if (best && (isRightElsewhere || !here)) {
+        found.Add("structure", Phrased("{} at {}", component.name, Count(component.offset)),
+                  Phrased("{} at {}", component.name, Count(best->address)));
+    }
+    if (!isRightElsewhere) {
+        found.Add("bitMask", prefix + reading.MaskText(),
+                  prefix + (best ? UpperHexadecimal(here.value_or(best->mask))
+                                 : UnheldBits(place, order, reading.number)));
+    }
+}
+
+std::string UnheldBits(const SymbolIndex::Place& place, DataModel::ByteOrder imageOrder,
+                       const MaskedNumber& number) {
+    MaskedNumber other = number;
+    other.order = imageOrder;
+    const std::string bits = std::to_string(place.bitSize);
+    return FindMaskedPlace(place, imageOrder, other, std::nullopt)
+               ? Phrased("{} bits in the other byte order", bits)
+               : Phrased("{} bits, which the datatype does not hold", bits);
 }
 
 } // namespace Tessel::Norn::Brindle::Program::A2l

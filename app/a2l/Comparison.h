@@ -2,6 +2,7 @@
 // the differences; it changes nothing for them.
 #pragma once
 
+#include "a2l/BitMask.h"
 #include "a2l/Datatypes.h"
 #include "a2l/Document.h"
 #include "a2l/SymbolIndex.h"
@@ -25,6 +26,21 @@ struct Difference {
     std::string inImage;
 };
 
+/// A number that a tool reads, and the mask that it applies.
+struct MaskedReading {
+    MaskedNumber number;
+    /// Nothing if all bits count.
+    std::optional<std::uint64_t> mask;
+
+    [[nodiscard]] std::uint64_t Mask() const;
+    /// For a person.
+    [[nodiscard]] std::string MaskText() const;
+};
+
+/// Why no number of a kind holds a bit field, for a person.
+std::string UnheldBits(const SymbolIndex::Place& place, DataModel::ByteOrder imageOrder,
+                       const MaskedNumber& number);
+
 class Comparison {
 public:
     /// All borrowed; must not change during the life of the object.
@@ -40,10 +56,13 @@ public:
     /// @param place the place of the object's symbol, without the offset of its link
     std::vector<Difference> Compare(const Object& object, const SymbolIndex::Place& place);
 
-    /// Bytes of the number that a tool reads for an object; nothing if the file doesn't say.
-    [[nodiscard]] std::optional<std::uint64_t> NumberSize(const Object& object) const;
+    /// What a tool reads for an object whose symbol is a bit field.
+    [[nodiscard]] MaskedReading ReadingOf(const Object& object,
+                                          const SymbolIndex::Place& place) const;
 
 private:
+    class Details;
+    class ComponentDifferences;
     /// Equal scalars, one after the other.
     struct Values {
         std::string_view datatype;
@@ -64,14 +83,21 @@ private:
                             std::vector<Difference>& differences);
     void CompareTexts(const ConversionTable& table, DataModel::ObjectId enumeration,
                       std::uint64_t bitSize, std::vector<Difference>& differences) const;
-    void CompareComponents(const TypeDefinition& definition, DataModel::ObjectId type,
-                           std::vector<Difference>& differences);
+    /// @param object an instance of the structure
+    void CompareComponents(const TypeDefinition& definition, const Object& object,
+                           DataModel::ObjectId type, std::vector<Difference>& differences);
+    void CompareComponent(const StructureComponent& component, const Object& object,
+                          const Member& member, ComponentDifferences& found);
+    void CompareBits(const StructureComponent& component, const MaskedReading& reading,
+                     const SymbolIndex::Place& place, ComponentDifferences& found) const;
 
     const Document& mDocument;
     const DataModel::Model& mModel;
     const SymbolIndex& mIndex;
     EnumSigns mSigns;
     std::uint64_t mAddressUnit;
+    /// Structures around the one that is being compared.
+    std::size_t mDepth = 0;
     /// Results for a structure or table of the file and a type of the image with its bits, since
     /// many objects share them.
     std::map<std::tuple<const void*, DataModel::ObjectId, std::uint64_t>, std::vector<Difference>>

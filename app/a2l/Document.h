@@ -85,6 +85,10 @@ struct StructureComponent {
     std::string_view type;
     std::string_view link;
     std::uint64_t offset = 0;
+    /// As in an object.
+    std::uint64_t elements = 0;
+    /// The member only points to what the type describes.
+    bool isPointer = false;
 };
 
 /// A TYPEDEF of any kind.
@@ -97,6 +101,9 @@ struct TypeDefinition {
     /// As in an object.
     std::string_view type;
     std::string_view layout;
+    std::string_view conversion;
+    std::optional<std::uint64_t> bitMask;
+    std::optional<bool> isBigEndian;
     std::uint64_t elements = 0;
     std::vector<StructureComponent> components;
 };

@@ -28,6 +28,7 @@ bool HasDatatype(Version version, std::string_view datatype) {
 
 std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std::uint64_t address,
                                    bool isBigEndian, bool hasLongMasks) {
+    const auto order = isBigEndian ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;
     SymbolIndex::Place place;
     place.address = address;
     place.size = size;
@@ -41,7 +42,7 @@ std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std
     }
     for (const std::uint64_t one : sizes) {
         const std::string_view datatype = DatatypeOf({Scalar::Kind::Unsigned, one});
-        const auto found = FindMaskedPlace(place, one, isBigEndian, std::nullopt);
+        const auto found = FindMaskedPlace(place, order, {one, order}, std::nullopt);
         // A number larger than the unit would be read beyond its end.
         if (found && one <= size && !datatype.empty() &&
             (hasLongMasks || (found->mask <= sLargestShortMask && one < sLargestMaskedNumber))) {

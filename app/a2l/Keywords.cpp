@@ -30,9 +30,10 @@ constexpr std::array sObjectBlocks = {
     ObjectBlock{"INSTANCE", BlockKind::Instance, sInstance},
 };
 
-constexpr std::array sTypeOfMeasurement = {Field::Name, Field::Description, Field::Type};
-constexpr std::array sTypeOfCharacteristic = {Field::Name, Field::Description, Field::Type,
-                                              Field::Layout};
+constexpr std::array sTypeOfMeasurement = {Field::Name, Field::Description, Field::Type,
+                                           Field::Conversion};
+constexpr std::array sTypeOfCharacteristic = {Field::Name,   Field::Description, Field::Type,
+                                              Field::Layout, Field::Other,       Field::Conversion};
 constexpr std::array sTypeOfSize = {Field::Name, Field::Description, Field::Size};
 
 constexpr std::array sTypeBlocks = {

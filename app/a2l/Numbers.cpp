@@ -85,4 +85,8 @@ std::string Notation::Write(std::uint64_t number) const {
     return result;
 }
 
+std::string UpperHexadecimal(std::uint64_t number) {
+    return Notation("0x0", true).Write(number);
+}
+
 } // namespace Tessel::Norn::Brindle::Program::A2l

@@ -41,6 +41,9 @@ private:
     bool mIsUpperCase = true;
 };
 
+/// Such as "0x1F".
+std::string UpperHexadecimal(std::uint64_t number);
+
 /// The case of the hexadecimal letters of a number: true for upper case, nothing without letters.
 std::optional<bool> LetterCase(std::string_view number);
 

@@ -533,18 +533,12 @@ private:
                 type.type = token.span.Text();
             } else if (field == Field::Layout) {
                 type.layout = token.span.Text();
+            } else if (field == Field::Conversion) {
+                type.conversion = token.span.Text();
             }
         }
         ReadToEnd(
-            block,
-            [&](const PlacedToken& word) {
-                const std::optional<Part> part = FindPart(word.span.Text());
-                if (part == Part::Dimensions) {
-                    type.elements = Dimensions();
-                } else if (part == Part::Elements) {
-                    type.elements = NumberOf(word.span.Text()).value;
-                }
-            },
+            block, [&](const PlacedToken& word) { TakePartOfType(type, word); },
             [&](const Block& inner) {
                 if (inner.Name() == "STRUCTURE_COMPONENT") {
                     type.components.push_back(Component(inner));
@@ -553,6 +547,22 @@ private:
                 }
             });
         Define(CurrentModule().types, name, std::move(type));
+    }
+
+    void TakePartOfType(TypeDefinition& type, const PlacedToken& word) {
+        const std::string_view keyword = word.span.Text();
+        const std::optional<Part> part = FindPart(keyword);
+        if (part == Part::Dimensions) {
+            type.elements = Dimensions();
+        } else if (part == Part::Elements) {
+            type.elements = NumberOf(keyword).value;
+        } else if (part == Part::BitMask) {
+            type.bitMask = NumberOf(keyword).value;
+        } else if (part == Part::ByteOrder) {
+            type.isBigEndian = ByteOrder();
+        } else if (part == Part::Word) {
+            SkipWord();
+        }
     }
 
     StructureComponent Component(const Block& block) {
@@ -564,6 +574,14 @@ private:
             if (word.IsWord("SYMBOL_TYPE_LINK")) {
                 const PlacedToken link = mStream.Next();
                 component.link = link.kind == TokenKind::Text ? link.Content().Text() : "";
+            } else if (word.IsWord("MATRIX_DIM")) {
+                component.elements = Dimensions();
+            } else if (word.IsWord("ADDRESS_TYPE")) {
+                const PlacedToken type = mStream.Next();
+                component.isPointer = !type.IsWord("DIRECT");
+                if (type.kind != TokenKind::Word) {
+                    mStream.PutBack(type);
+                }
             }
         });
         return component;

@@ -14,8 +14,6 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 namespace {
 
-/// The largest address of A2L, whose addresses have 32 bits.
-
 bool IsBlank(char character) {
     return character == ' ' || character == '\t';
 }
@@ -53,10 +51,6 @@ bool HasCapitals(const Document& document) {
         small += isCapital == false ? 1U : 0U;
     }
     return capital >= small;
-}
-
-std::string UpperHexadecimal(std::uint64_t number) {
-    return Notation("0x0", true).Write(number);
 }
 
 class Updater {
@@ -151,25 +145,32 @@ private:
     /// Bytes from one address of the description to the next.
     [[nodiscard]] std::uint64_t AddressUnit() const { return mChoices.isWordAddressed ? 2 : 1; }
 
+    [[nodiscard]] DataModel::ByteOrder ImageOrder() const {
+        return mChoices.isBigEndian ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;
+    }
+
     /// The number that a tool reads for a bit field, and its mask.
     MaskedPlace PlaceOfBits(const Object& object, const SymbolIndex::Place& place,
                             ObjectResult& result) {
-        const bool hasMask = object.bitMask.span.IsSet();
-        const std::string inFile =
-            hasMask ? UpperHexadecimal(object.bitMask.value) : Phrased("none");
-        const std::optional<MaskedPlace> masked =
-            FindMaskedPlace(place, mComparison.NumberSize(object).value_or(place.size),
-                            object.isBigEndian.value_or(mChoices.isBigEndian),
-                            hasMask ? std::optional(object.bitMask.value) : std::nullopt);
+        MaskedReading reading = mComparison.ReadingOf(object, place);
+        reading.number.addressUnit = AddressUnit();
+        std::optional<MaskedPlace> masked =
+            FindMaskedPlace(place, ImageOrder(), reading.number, reading.Mask());
         if (!masked) {
-            result.differences.push_back({"bitMask", inFile,
-                                          Phrased("{} bits, which the datatype does not hold",
-                                                  std::to_string(place.bitSize))});
+            result.differences.push_back(
+                {"bitMask", reading.MaskText(), UnheldBits(place, ImageOrder(), reading.number)});
             return {place.address, object.bitMask.value};
         }
-        const bool isRight = hasMask && object.bitMask.value == masked->mask;
-        if (!isRight && !(hasMask && mChoices.hasBitMasks)) {
-            result.differences.push_back({"bitMask", inFile, UpperHexadecimal(masked->mask)});
+        const bool mayChange = object.bitMask.span.IsSet() && mChoices.hasBitMasks;
+        const bool stands = masked->mask == reading.Mask() &&
+                            masked->address / AddressUnit() == object.address.value;
+        if (mayChange && !stands && !masked->isAtUnit) {
+            // Rather another mask than a number that lies across the unit.
+            masked = FindMaskedPlace(place, ImageOrder(), reading.number, std::nullopt);
+        }
+        if (masked->mask != reading.Mask() && !mayChange) {
+            result.differences.push_back(
+                {"bitMask", reading.MaskText(), UpperHexadecimal(masked->mask)});
         }
         return *masked;
     }

@@ -305,11 +305,17 @@ TEST(A2lUpdate, PlacesBitFieldsForTheNumberThatTheMaskCountsIn) {
         // No number of this size holds the field.
         {4, 6, 4, false, 1, {}, 0, 0},
         {4, 0xFFFFFFFF, 4, false, 4, {}, 0, 0},
-        {4, 30, 4, true, 4, {}, 0, 0},
         {8, 62, 4, false, 8, {}, 1, 0x3C0000000000000},
         // A packed field extends into the byte after its unit.
         {4, 30, 4, false, 4, {}, 1, 0x3C00000},
         {4, 30, 4, false, 2, {}, 3, 0x3C0},
+        {4, 30, 4, true, 4, {}, 0, 0x3C00000},
+        {4, 30, 4, true, 2, {}, 0, 0x3C0},
+        // A mask that is right in a number across the unit.
+        {4, 8, 3, false, 4, 0x7, 1, 0x7},
+        {4, 8, 3, true, 4, 0x7, -1, 0x7},
+        {1, 3, 2, false, 4, 0x18000000, -3, 0x18000000},
+        {1, 3, 2, true, 4, 0x1800, -2, 0x1800},
     };
     for (const Case& one : cases) {
         SymbolIndex::Place place;
@@ -318,7 +324,9 @@ TEST(A2lUpdate, PlacesBitFieldsForTheNumberThatTheMaskCountsIn) {
         place.isBitField = true;
         place.bitOffset = one.bitOffset;
         place.bitSize = one.bitSize;
-        const auto found = FindMaskedPlace(place, one.numberSize, one.isBigEndian, one.wanted);
+        const auto order =
+            one.isBigEndian ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;
+        const auto found = FindMaskedPlace(place, order, {one.numberSize, order}, one.wanted);
         const MaskedPlace value = found.value_or(MaskedPlace{0x1000, 0});
         EXPECT_EQ(static_cast<std::int64_t>(value.address) - 0x1000, one.start)
             << one.bitOffset << " " << one.numberSize;
@@ -335,6 +343,15 @@ TEST(A2lUpdate, ChangesBitMasksOnlyWhenAsked) {
     std::string expected = text;
     expected.replace(expected.find("0x00000FFF"), 10, "0x01FFE000");
     EXPECT_EQ(UpdateText(text, choices), expected);
+    // A mask that is right in a number across the unit stays with it.
+    const std::string across =
+        InModule(Measurement("motors[0].phase", "ULONG", "BIT_MASK 0x1FFE0 ECU_ADDRESS 0x103D"));
+    EXPECT_EQ(UpdateText(across, choices), across);
+    std::string moved = across;
+    moved.replace(moved.find("0x103D"), 6, "0x1001");
+    EXPECT_EQ(UpdateText(moved), across);
+    EXPECT_THAT(UpdateText(moved, choices), testing::HasSubstr("BIT_MASK 0x1FFE000 ECU_ADDRESS "
+                                                               "0x103C"));
     // The mask of a whole number is the user's choice.
     const std::string own =
         InModule(Measurement("speed", "UWORD", "BIT_MASK 0x1 ECU_ADDRESS 0x2000"));
@@ -395,6 +412,50 @@ TEST(A2lUpdate, TellsWhatDiffersFromTheImage) {
     for (const auto& [content, expected] : cases) {
         EXPECT_EQ(DifferencesOf(std::string(content).append("\n").append(layouts)), expected)
             << content;
+    }
+}
+
+TEST(A2lUpdate, TellsWhichComponentsOfAStructureDiffer) {
+    const std::string types =
+        "/begin TYPEDEF_MEASUREMENT F \"\" FLOAT32_IEEE N 0 0 0 1 /end TYPEDEF_MEASUREMENT\n"
+        "/begin TYPEDEF_MEASUREMENT B \"\" UBYTE N 0 0 0 1 /end TYPEDEF_MEASUREMENT\n"
+        "/begin TYPEDEF_MEASUREMENT P0 \"\" ULONG N 0 0 0 1 BIT_MASK 0x1FFE000 "
+        "/end TYPEDEF_MEASUREMENT\n"
+        "/begin TYPEDEF_CHARACTERISTIC P1 \"\" VALUE RL 0 N 0 1 BIT_MASK 0x1FFE0 "
+        "BYTE_ORDER MSB_LAST /end TYPEDEF_CHARACTERISTIC\n"
+        "/begin RECORD_LAYOUT RL FNC_VALUES 1 ULONG ROW_DIR DIRECT /end RECORD_LAYOUT\n"
+        "/begin COMPU_METHOD N \"\" TAB_VERB \"%1.0\" \"\" COMPU_TAB_REF VT /end COMPU_METHOD\n"
+        "/begin COMPU_VTAB VT \"\" TAB_VERB 1 0 \"MODE_OFF\" /end COMPU_VTAB\n"
+        "/begin TYPEDEF_STRUCTURE O \"\" 8 /end TYPEDEF_STRUCTURE\n"
+        "/begin TYPEDEF_MEASUREMENT M \"\" ULONG N 0 0 0 1 /end TYPEDEF_MEASUREMENT\n"
+        "/begin TYPEDEF_MEASUREMENT E \"\" UWORD N 0 0 0 1 /end TYPEDEF_MEASUREMENT\n"
+        "/begin TYPEDEF_STRUCTURE loop_t \"\" 8 /begin STRUCTURE_COMPONENT gain B 0 "
+        "/end STRUCTURE_COMPONENT /begin STRUCTURE_COMPONENT bytes B 5 MATRIX_DIM 3 "
+        "/end STRUCTURE_COMPONENT /end TYPEDEF_STRUCTURE\n";
+    const std::vector<std::pair<std::string, const char*>> cases = {
+        {"phase P0 60", ""},
+        {"phase P1 61", ""},
+        {"phase P1 60", "structure phase at 60 / phase at 61"},
+        {"phase B 60", "bitMask phase: none / phase: 12 bits, which the datatype does not hold"},
+        {"phase M 61", "bitMask phase: none / phase: 0x1FFE0"},
+        {"phase M 62",
+         "bitMask phase: none / phase: 0x1FFE000; structure phase at 62 / phase at 60"},
+        {"phase gone 4", ""},
+        {"mode E 56", "enumeration mode: 5 none / mode: 5 'MODE_ON'"},
+        {"mode E 56 ADDRESS_TYPE PLONG", ""},
+        {"loops loop_t 8 MATRIX_DIM 3 2",
+         "datatype loops: gain: UBYTE / loops: gain: float; elements loops: bytes: 3 / loops: "
+         "bytes: 4; structure loops: bytes at 5 / loops: bytes at 4"},
+        {"loops O 8 MATRIX_DIM 2", "size loops: 16 / loops: 48"},
+    };
+    for (const auto& [component, expected] : cases) {
+        EXPECT_EQ(DifferencesOf("/begin INSTANCE motors[1] \"\" motor_t 1 /end INSTANCE "
+                                "/begin TYPEDEF_STRUCTURE motor_t \"\" 64 "
+                                "/begin STRUCTURE_COMPONENT " +
+                                component + " /end STRUCTURE_COMPONENT /end TYPEDEF_STRUCTURE\n" +
+                                types),
+                  expected)
+            << component;
     }
 }
 
