@@ -44,6 +44,8 @@ int VInputStream::Open(const std::string& name) {
 void VInputStream::Open(FileContent content) {
     mStream.close();
     mContent = std::move(content);
+    mLength = 0;
+    mIsCut = false;
     mPosition = 0;
     mWindow.clear();
 }
@@ -54,7 +56,9 @@ std::int64_t VInputStream::Length() {
     }
     mStream.clear();
     mStream.seekg(0, std::ios::end);
-    return mStream.tellg();
+    const std::int64_t length = mStream.tellg();
+    mLength = static_cast<std::uint64_t>(std::max<std::int64_t>(length, 0));
+    return length;
 }
 
 bool VInputStream::Seek(std::uint64_t filePosition) {
@@ -98,7 +102,10 @@ std::size_t VInputStream::ReadFile(std::uint64_t filePosition, void* destination
     mStream.clear();
     mStream.seekg(static_cast<std::streamoff>(filePosition));
     mStream.read(static_cast<char*>(destination), static_cast<std::streamsize>(size));
-    return static_cast<std::size_t>(mStream.gcount());
+    const auto count = static_cast<std::size_t>(mStream.gcount());
+    const std::uint64_t told = mLength - std::min(filePosition, mLength);
+    mIsCut = mIsCut || count < std::min<std::uint64_t>(size, told);
+    return count;
 }
 
 bool VInputStream::WindowHolds(std::size_t size) const {

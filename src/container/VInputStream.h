@@ -28,6 +28,9 @@ public:
 
     /// Length of the file, -1 if the system can't say.
     std::int64_t Length();
+    /// True if a read gave fewer bytes than the length that was told: the file was cut meanwhile,
+    /// or the system can't read it.
+    [[nodiscard]] bool IsCut() const { return mIsCut; }
 
     /// Moves to a position, which may lie beyond the end.
     bool Seek(std::uint64_t filePosition);
@@ -45,6 +48,9 @@ private:
     std::ifstream mStream;
     /// The file in memory, which is read instead of the stream; null if there is none.
     FileContent mContent;
+    /// The length that was told; 0 before.
+    std::uint64_t mLength = 0;
+    bool mIsCut = false;
     /// File position of the next read.
     std::uint64_t mPosition = 0;
     /// Bytes of the file from `mWindowStart` on.

@@ -155,7 +155,12 @@ bool RunPhases(DWARFContainerType container, VElfFile& file, VDWARFReaderWrapper
     if (!VElfOptions::mDumpProducerInfoFileName.empty()) {
         StartProducerDump(file);
     }
-    return _ReadoutSymbolTablesAndDebugSections(container, file, wrapper);
+    if (!_ReadoutSymbolTablesAndDebugSections(container, file, wrapper)) {
+        return false;
+    }
+    // Tables that couldn't be loaded counted as missing, which is right for damaged headers only.
+    return file.mManner == ReadingManner::Classic || !file.mFile.IsCut() ||
+           Fail(ELFReadErrorEnum::ELFERR_READ_FAILED);
 }
 
 } // namespace

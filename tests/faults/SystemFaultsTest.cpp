@@ -3,6 +3,7 @@
 #include "core/VElfOptions.h"
 #include "faults/FaultTest.h"
 #include "model/RecordedCall.h"
+#include "support/ElfImage.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -91,9 +92,29 @@ TEST_F(SystemFaultsTest, FileThatShrinksDuringTheRead) {
                 for (const std::string& variable : read.variables) {
                     EXPECT_EQ(std::ranges::count(expected, variable), 1) << variable;
                 }
+                if (isFull && read.outcome.result) {
+                    EXPECT_EQ(read.variables, expected);
+                }
             }
         }
         EXPECT_FALSE(ReadCut(path, content, 1, 0).outcome.result);
+    }
+}
+
+// The symbol table is longer than what the reader keeps of a file, and is read once more at the
+// end.
+TEST_F(SystemFaultsTest, FileThatShrinksBeforeItsSymbolsAreDelivered) {
+    constexpr std::size_t count = 600;
+    ElfImage image;
+    for (std::uint64_t number = 1; number <= count; ++number) {
+        image.Symbol({"symbol" + std::to_string(number), number * 8, 8});
+    }
+    Reader::DWARF::VElfOptions::mIsFullReading = 1;
+    const std::string path = mFolder.Path("symbols.elf");
+    for (std::size_t calls = 1; calls <= 5; ++calls) {
+        const CutRead read = ReadCut(path, image.Build(), calls, 700);
+        EXPECT_EQ(read.outcome.result, read.variables.size() == count) << calls;
+        EXPECT_NE(read.outcome.result, !read.outcome.message.empty()) << calls;
     }
 }
 
