@@ -54,6 +54,9 @@ PATHS = ["a", "a.n[1][2].a", "::a.u", "ns::a[0]", "a.Base::id", "a[0].n.bits", "
          "a..b", "a[", "a[99999999999999999999]", "[", "::", "", "0x100A",
          "0Xffffffffffffffff", "0x10000000000000000"]
 
+PATTERNS = ["*", "?", "a.?", "ns::*[*].n", "a.n[?][*].bits", "[a-z]*", "[!a].b", "[^a-", "[]a]*", "[[:alpha:]].b",
+            "*[[:digit:]]*", "T<*>.*.u", "a\\[0\\]", "\\*", "a\\", "A*B"]
+
 A2L = [
     'ASAP2_VERSION 1 60 /begin PROJECT p "" /begin MODULE m "" %s /end MODULE /end PROJECT',
     '/begin MEASUREMENT a "" UWORD C 0 0 0 1 ECU_ADDRESS 0x0000 /end MEASUREMENT',
@@ -261,7 +264,7 @@ class Seeds:
                 self.add("demangler", f"{index}-{choice}", bytes([choice, 200]) + name.encode())
         for index, text in enumerate(DATATYPES):
             self.add("datatype", str(index), bytes([0x80 + index, 1, 0, 0, index, 0]) + text.encode())
-        for index, text in enumerate(PATHS):
+        for index, text in enumerate(PATHS + PATTERNS):
             self.add("paths", str(index), text.encode())
         for shape in range(5):
             for basic in range(19):

@@ -22,7 +22,7 @@ fuzz/make_seeds.py "$seeds"
 
 inputs=("$corpus" "$seeds/$target")
 [ ! -d "fuzz/regressions/$target" ] || inputs+=("fuzz/regressions/$target")
-declare -A longest=([read]=40000 [sections]=12000 [entries]=3000 [manners]=3000 [versions]=3000 [memory]=40000)
+declare -A longest=([read]=40000 [sections]=16000 [entries]=3000 [manners]=3000 [versions]=3000 [memory]=40000)
 limits=(-timeout=10 -rss_limit_mb=1024 "-max_len=${longest[$target]:-1024}")
 # A feature counts as rare until it occurs twice, not 256 times. Each run looks for its features in the list of
 # the rare ones: with tens of thousands there, half of the time went into that.
