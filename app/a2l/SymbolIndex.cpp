@@ -7,6 +7,7 @@
 
 #include "a2l/Identifiers.h"
 #include "a2l/Numbers.h"
+#include "core/KeyMixing.h"
 #include "demangle/Demangler.h"
 #include "model/ElementIndices.h"
 
@@ -33,6 +34,8 @@ constexpr auto sNoUnit = std::numeric_limits<std::uint32_t>::max();
 constexpr std::size_t sMostHeads = 64;
 /// So many variables that share a name are enough to call a symbol ambiguous.
 constexpr std::size_t sMostSharers = 8;
+/// The answer for a symbol with so many places is kept.
+constexpr std::size_t sManyPlaces = 16;
 constexpr std::size_t sMostSteps = 1000;
 constexpr std::size_t sMostTypes = 256;
 constexpr std::size_t sLongestSymbol = 16 * 1024;
@@ -314,7 +317,17 @@ SymbolIndex::Answer SymbolIndex::Find(std::string_view symbol) const {
     if (symbol.empty() || symbol.size() > sLongestSymbol) {
         return answer;
     }
-    Choose(PlacesInAnySpelling(symbol, answer), answer);
+    if (!mOfMany.empty()) {
+        if (const auto known = mOfMany.find(std::string(symbol)); known != mOfMany.end()) {
+            return known->second;
+        }
+    }
+    const std::vector<Place> places = PlacesInAnySpelling(symbol, answer);
+    Choose(places, answer);
+    if (places.size() >= sManyPlaces) {
+        answer.resolved = {};
+        mOfMany.emplace(symbol, answer);
+    }
     return answer;
 }
 
@@ -494,15 +507,23 @@ std::vector<DataModel::ObjectId> SymbolIndex::OfQualifiedName(std::string_view n
     if (name.starts_with(sSeparator)) {
         name.remove_prefix(sSeparator.size());
     }
-    std::vector<ObjectId> found;
-    for (std::size_t start = 0; start < name.size();) {
-        for (const ObjectId global : OfName(name.substr(start))) {
-            if (mModel.QualifiedName(global) == name) {
-                found.push_back(global);
-            }
+    // Namespaces in each other may hold thousands of variables of one own name, with long qualified
+    // names: each is built only once.
+    const Brindle::SeededHash hash;
+    if (mByQualifiedName.empty()) {
+        mByQualifiedName.reserve(mGlobals.size());
+        for (const ObjectId global : mGlobals) {
+            mByQualifiedName.emplace_back(hash(mModel.QualifiedName(global)), global);
         }
-        start = name.find(sSeparator, start);
-        start = start == std::string_view::npos ? name.size() : start + sSeparator.size();
+        std::ranges::sort(mByQualifiedName);
+    }
+    std::vector<ObjectId> found;
+    const std::pair<std::uint64_t, ObjectId> first(hash(name), 0);
+    for (auto place = std::ranges::lower_bound(mByQualifiedName, first);
+         place != mByQualifiedName.end() && place->first == first.first; ++place) {
+        if (mModel.QualifiedName(place->second) == name) {
+            found.push_back(place->second);
+        }
     }
     return found;
 }

@@ -120,6 +120,11 @@ private:
     /// Indices in `mGlobals`: the first variable of a name, and for each the next of its name.
     std::unordered_map<std::string_view, std::uint32_t> mFirstOfName;
     std::vector<std::uint32_t> mNextOfName;
+    /// Hash of the qualified name and variable, in order of both; made on first use.
+    mutable std::vector<std::pair<std::uint64_t, ObjectId>> mByQualifiedName;
+    /// Answers for symbols that many variables match, such as those whose long names are cut to the
+    /// same text: a description may have as many objects of such a symbol.
+    mutable std::unordered_map<std::string, Answer> mOfMany;
     /// Compile units by name without folders, points replaced, with and without extension.
     std::unordered_map<std::string, std::vector<ObjectId>> mUnits;
     /// Address and variable, in the order of the addresses.

@@ -199,6 +199,28 @@ TEST(A2lSymbols, OfVariablesThatShareANameAreAmbiguous) {
     EXPECT_EQ(index.Find("lone.2").place.address, 0x30U);
 }
 
+// Names of very deep scopes are cut, so that many variables have the same one.
+TEST(A2lSymbols, OfDeepScopesAreFoundUnlessTheirNamesAreCut) {
+    ModelBuilder image;
+    const ObjectId number = image.Base(ModelBuilder::BasicTypes::UInt32, 4);
+    ObjectId scope = ModelBuilder::sGlobalNamespace;
+    std::vector<ObjectId> variables;
+    for (std::uint64_t depth = 0; depth < 2000; ++depth) {
+        scope = image.mModel.CreateNamespace("n", scope);
+        variables.push_back(image.Global("v", number, 0x1000 + 4 * depth, scope));
+    }
+    const SymbolIndex index(image.mModel);
+    for (const std::size_t depth : {0U, 1U, 500U}) {
+        EXPECT_EQ(index.Find(image.mModel.QualifiedName(variables[depth])).place.address,
+                  0x1000 + 4 * depth);
+    }
+    const std::string cut = image.mModel.QualifiedName(variables.back());
+    const SymbolIndex::Answer first = index.Find(cut);
+    EXPECT_EQ(first.outcome, SymbolIndex::Outcome::Ambiguous);
+    EXPECT_EQ(index.Find(cut).problem, first.problem);
+    EXPECT_EQ(index.Find("v").outcome, SymbolIndex::Outcome::Ambiguous);
+}
+
 TEST(A2lSymbols, AreNamedByTheirAddress) {
     const Image image;
     const SymbolIndex index(image.mModel);
