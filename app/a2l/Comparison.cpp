@@ -37,6 +37,9 @@ std::string Quoted(std::string_view text) {
     return "'" + std::string(text) + "'";
 }
 
+/// Offsets and sizes beyond this many bytes lead out of any variable.
+constexpr std::uint64_t sFarthestOffset = std::uint64_t{1} << 40;
+
 /// Structures of a file that are nested deeper are not compared.
 constexpr std::size_t sMostNestedStructures = 100;
 
@@ -123,6 +126,7 @@ std::string MaskedReading::MaskText() const {
 // NOLINTNEXTLINE(misc-no-recursion)
 std::vector<Difference> Comparison::Compare(const Object& object, const SymbolIndex::Place& place) {
     std::vector<Difference> differences;
+    CompareOffset(object, place, differences);
     if (place.isBitField) {
         // The mask decides; the update compares it.
         CompareEnumeration(object, place.type, place.bitSize, differences);
@@ -265,6 +269,59 @@ void Comparison::CompareValues(const Values& values, const Object& object,
         differences.push_back({"elements", Count(values.count), Count(first->count)});
     }
     CompareEnumeration(object, first->type, 0, differences);
+}
+
+std::uint64_t Comparison::BytesOfObject(const Object& object) const {
+    const std::uint64_t elements = std::max<std::uint64_t>(object.elements, 1);
+    std::uint64_t size = 0;
+    std::uint64_t count = 1;
+    if (const std::optional<Values> values = ValuesOf(object)) {
+        const std::optional<Scalar> scalar = ScalarOfDatatype(values->datatype);
+        size = scalar ? scalar->size : 1;
+        count = values->count;
+    } else if (object.kind == BlockKind::Blob) {
+        size = object.points;
+    } else if (const TypeDefinition* const type = TypeOf(object)) {
+        size = type->size;
+        count = elements;
+    }
+    const bool isSane =
+        size < sFarthestOffset && count < sFarthestOffset / std::max<std::uint64_t>(size, 1);
+    return isSane ? std::max<std::uint64_t>(size * count, 1) : sFarthestOffset;
+}
+
+bool Comparison::HasOpenEnd(ObjectId type) const {
+    for (std::size_t depth = 0; depth < sMostNestedStructures; ++depth) {
+        const ObjectId plain = mModel.WithoutTypedefs(type);
+        const std::vector<Member>& members = mIndex.MembersOf(plain).All();
+        if (members.empty()) {
+            return mModel.Object(plain).kind == ObjectKind::Array &&
+                   mModel.ElementCount(plain) == 0;
+        }
+        type = members.back().type;
+    }
+    return false;
+}
+
+void Comparison::CompareOffset(const Object& object, const SymbolIndex::Place& place,
+                               std::vector<Difference>& differences) const {
+    const ModelObject variable = mModel.Object(place.global);
+    const auto size = static_cast<std::int64_t>(
+        std::min<std::uint64_t>(mModel.SizeOf(place.global), sFarthestOffset));
+    if (object.linkOffset == 0 || size == 0 || HasOpenEnd(variable.type)) {
+        return;
+    }
+    constexpr auto farthest = static_cast<std::int64_t>(sFarthestOffset);
+    const std::int64_t first = static_cast<std::int64_t>(place.address - variable.address) +
+                               std::clamp(object.linkOffset, -farthest, farthest) *
+                                   static_cast<std::int64_t>(mAddressUnit);
+    const std::int64_t last = first + static_cast<std::int64_t>(BytesOfObject(object)) - 1;
+    if (first < 0 || last >= size) {
+        const auto range = [](std::int64_t from, std::int64_t to) {
+            return std::to_string(from) + (from == to ? "" : ".." + std::to_string(to));
+        };
+        differences.push_back({"offset", range(first, last), range(0, size - 1)});
+    }
 }
 
 void Comparison::CompareSize(std::uint64_t size, const SymbolIndex::Place& place,

@@ -20,7 +20,7 @@ namespace Tessel::Norn::Brindle::Program::A2l {
 
 /// One difference between file and image.
 struct Difference {
-    /// "datatype", "elements", "size", "bitMask", "enumeration" or "structure".
+    /// "datatype", "elements", "size", "bitMask", "enumeration", "structure" or "offset".
     std::string_view what;
     std::string inFile;
     std::string inImage;
@@ -76,6 +76,12 @@ private:
     [[nodiscard]] const TypeDefinition* TypeOf(const Object& object) const;
     void CompareValues(const Values& values, const Object& object, const SymbolIndex::Place& place,
                        std::vector<Difference>& differences);
+    /// Bytes that a tool reads for an object; 1 if the file doesn't say.
+    [[nodiscard]] std::uint64_t BytesOfObject(const Object& object) const;
+    /// True if more may follow what the image states of a type: an array without length at its end.
+    [[nodiscard]] bool HasOpenEnd(DataModel::ObjectId type) const;
+    void CompareOffset(const Object& object, const SymbolIndex::Place& place,
+                       std::vector<Difference>& differences) const;
     void CompareSize(std::uint64_t size, const SymbolIndex::Place& place,
                      std::vector<Difference>& differences) const;
     /// @param bitSize 0 unless the place is a bit field

@@ -121,6 +121,8 @@ private:
         MaskedPlace masked{place.address, object.bitMask.value};
         if (place.isBitField && object.linkOffset == 0) {
             masked = PlaceOfBits(object, place, result);
+        } else if (place.isBitField) {
+            CompareMaskAtOffset(object, place, result);
         }
         const std::uint64_t start = masked.address / AddressUnit();
         const auto offset = static_cast<std::uint64_t>(object.linkOffset);
@@ -144,6 +146,19 @@ private:
 
     /// Bytes from one address of the description to the next.
     [[nodiscard]] std::uint64_t AddressUnit() const { return mChoices.isWordAddressed ? 2 : 1; }
+
+    /// The offset of a link says where the number lies, so that only its mask may be wrong.
+    void CompareMaskAtOffset(const Object& object, const SymbolIndex::Place& place,
+                             ObjectResult& result) const {
+        const MaskedReading reading = mComparison.ReadingOf(object, place);
+        const std::uint64_t address =
+            place.address + static_cast<std::uint64_t>(object.linkOffset) * AddressUnit();
+        const auto mask = MaskAt(address, place, ImageOrder(), reading.number);
+        if (mask != reading.Mask()) {
+            result.differences.push_back(
+                {"bitMask", reading.MaskText(), mask ? UpperHexadecimal(*mask) : Phrased("none")});
+        }
+    }
 
     [[nodiscard]] DataModel::ByteOrder ImageOrder() const {
         return mChoices.isBigEndian ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;

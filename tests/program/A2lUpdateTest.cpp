@@ -60,6 +60,11 @@ public:
         Global("far", uint16, 0x123456789);
         const ObjectId space = mModel.CreateNamespace("plant", sGlobalNamespace);
         Global("gTimer", uint32, 0x3000, space);
+        const ObjectId open = Struct("open", 4);
+        Member("count", uint32, open, 0);
+        Member("values", Array({0}, uint32, 0), open, 4);
+        Global("endless", open, 0x3800, space);
+        Global("unknown", Array({0}, uint32, 0), 0x3900, space);
         Global("onlyInMotor", uint32, 0x3400, mModel.CreateCompileUnit("motor_c"));
         Global("counter", uint32, 0x3100, mModel.GetCompileUnit("motor_c"));
         Global("counter", uint32, 0x3200, mModel.CreateCompileUnit("sensors_c"));
@@ -405,6 +410,22 @@ TEST(A2lUpdate, TellsWhatDiffersFromTheImage) {
         {Measurement("x", "FLOAT32_IEEE", "ECU_ADDRESS 1 SYMBOL_LINK \"motors\" 8"), ""},
         {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"motors\" 8"),
          "datatype UBYTE / float"},
+        {Measurement("x", "UWORD", "ECU_ADDRESS 1 SYMBOL_LINK \"table\" 6"), ""},
+        {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"table\" 8"), "offset 8 / 0..7"},
+        {Measurement("x", "UWORD", "ECU_ADDRESS 1 SYMBOL_LINK \"table\" 7"), "offset 7..8 / 0..7"},
+        {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"table[2]\" -4"), ""},
+        {Measurement("x", "UWORD", "ECU_ADDRESS 1 SYMBOL_LINK \"table[2]\" -6"),
+         "offset -2..-1 / 0..7"},
+        {Measurement("x", "UWORD", "ECU_ADDRESS 1 SYMBOL_LINK \"table\" 0x7FFFFFFFFFFFFFFF"),
+         "offset 1099511627776..1099511627777 / 0..7"},
+        {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"plant.endless\" 8"), ""},
+        {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"plant.unknown\" 8"), ""},
+        {"/begin BLOB x \"\" 1 256 SYMBOL_LINK \"motors\" 1 /end BLOB", "offset 1..256 / 0..127"},
+        {Measurement("x", "ULONG",
+                     "ECU_ADDRESS 1 BIT_MASK 0x1FFE0 SYMBOL_LINK \"motors[0].phase\" 1"),
+         ""},
+        {Measurement("x", "UBYTE", "ECU_ADDRESS 1 BIT_MASK 0x1 SYMBOL_LINK \"motors[0].phase\" 1"),
+         "bitMask 0x1 / none"},
         {Measurement("motors[0].loops[0]", "FLOAT32_IEEE", "ECU_ADDRESS 1"), "size 4 / 24"},
         {Measurement("raw", "SLONG", "ECU_ADDRESS 1"), ""},
         {Measurement("raw", "A_INT64", "ECU_ADDRESS 1"), "size 8 / 4"},
