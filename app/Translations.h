@@ -234,6 +234,8 @@ constexpr std::array sTranslations = {
     Translation{"whose address has more than 32 bits", "mit einer Adresse von mehr als 32 Bits"},
     Translation{"for which this version of A2L has no datatype",
                 "ohne Datentyp in dieser Version von A2L"},
+    Translation{"whose bits no number with a mask holds in this version of A2L",
+                "deren Bits in dieser Version von A2L keine Zahl mit Maske fasst"},
     Translation{"which have no size", "ohne Größe"},
     Translation{"being too many or nested too deep; --max-leaves raises the limit",
                 "da zu viele oder zu tief geschachtelt; --max-leaves hebt die Grenze"},

@@ -1,5 +1,6 @@
 #include "a2l/BitMask.h"
 
+#include "core/BitsPerByte.h"
 #include "model/PlaceBytes.h"
 
 #include <algorithm>
@@ -12,8 +13,6 @@ namespace {
 
 using DataModel::ByteOrder;
 using DataModel::ByteSpan;
-
-constexpr std::uint64_t sBitsPerByte = 8;
 
 std::uint64_t Ones(std::uint64_t count) {
     return count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;

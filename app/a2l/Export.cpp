@@ -132,6 +132,7 @@ private:
         /// The path without the number of a variable that shares its name; otherwise empty.
         std::string plainPath;
         std::size_t ownName = 0;
+        DataModel::ByteSpan bytes;
         bool isWanted = false;
     };
 
@@ -194,6 +195,7 @@ private:
             return;
         }
         variable.name = mNames.Of(global.id);
+        variable.bytes = {global.address, mModel.SizeOf(global.id)};
         mVariable = &variable;
         if (!TakeAsInstance(global)) {
             TakePart({global.type, global.address, {}, 0});
@@ -230,12 +232,12 @@ private:
         if (!IsWanted(inside)) {
             return;
         }
+        const BitsChoices choices{mModel.Image().byteOrder, mChoices.version == Version::V1_7_1,
+                                  AddressUnit(), mVariable->bytes};
         const std::optional<ExportedBits> bits =
-            BitsOf(member, mModel.SizeOf(member.type), inside.address,
-                   mModel.Image().byteOrder == DataModel::ByteOrder::Big,
-                   mChoices.version == Version::V1_7_1);
+            BitsOf(member, mModel.SizeOf(member.type), inside.address, choices);
         if (!bits) {
-            Omit(mNoDatatype, inside);
+            Omit(mNoMask, inside);
             return;
         }
         ExportedValues values{
@@ -351,10 +353,12 @@ private:
 
     /// The address as A2L writes it; nothing if it doesn't fit.
     [[nodiscard]] std::optional<std::uint64_t> AddressFor(std::uint64_t address) const {
-        constexpr std::uint64_t bytesOfWord = 2;
-        const std::uint64_t written = mChoices.hasWordAddresses ? address / bytesOfWord : address;
+        const std::uint64_t written = address / AddressUnit();
         return written <= sLargestAddress ? std::optional(written) : std::nullopt;
     }
+
+    /// Bytes between one address of the file and the next.
+    [[nodiscard]] std::uint64_t AddressUnit() const { return mChoices.hasWordAddresses ? 2 : 1; }
 
     bool IsCalibrated(const std::string& path, std::uint64_t address) {
         if (mCalibrated.Takes(path, mVariable->ownName)) {
@@ -381,6 +385,7 @@ private:
         std::vector<std::string>& texts = mResult.omissions;
         mOutOfRange.Tell(texts, "whose address has more than 32 bits");
         mNoDatatype.Tell(texts, "for which this version of A2L has no datatype");
+        mNoMask.Tell(texts, "whose bits no number with a mask holds in this version of A2L");
         mEmpty.Tell(texts, "which have no size");
         mTooMany.Tell(texts, "being too many or nested too deep; --max-leaves raises the limit");
         if (mCutArrays.count != 0) {
@@ -419,6 +424,7 @@ private:
     ExportResult mResult;
     Omission mOutOfRange;
     Omission mNoDatatype;
+    Omission mNoMask;
     Omission mEmpty;
     Omission mTooMany;
     Omission mCutArrays;

@@ -2,6 +2,7 @@
 
 #include "a2l/BitMask.h"
 #include "a2l/Datatypes.h"
+#include "core/BitsPerByte.h"
 
 #include <algorithm>
 #include <limits>
@@ -24,28 +25,58 @@ bool HasDatatype(Version version, std::string_view datatype) {
     return version != Version::V1_5_1 || !datatype.ends_with("64");
 }
 
+/// The usual place of a bit field in a number, or one further forwards so that the number doesn't
+/// extend beyond the variable, if it can't lie at its storage unit.
+std::optional<MaskedPlace> FindWithin(const SymbolIndex::Place& place, const MaskedNumber& number,
+                                      const BitsChoices& choices) {
+    const auto usual = FindMaskedPlace(place, choices.order, number, std::nullopt);
+    const DataModel::ByteSpan& whole = choices.whole;
+    const auto isWithin = [&](std::uint64_t start) {
+        return whole.size >= number.size && start >= whole.address &&
+               start - whole.address <= whole.size - number.size;
+    };
+    if (!usual || isWithin(usual->address)) {
+        return usual;
+    }
+    for (std::uint64_t back = 0; back < number.size && back <= usual->address; ++back) {
+        const std::uint64_t start = usual->address - back;
+        const auto mask = MaskAt(start, place, choices.order, number);
+        if (mask && isWithin(start)) {
+            return MaskedPlace{start, *mask, false};
+        }
+    }
+    return usual;
+}
+
 } // namespace
 
 std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std::uint64_t address,
-                                   bool isBigEndian, bool hasLongMasks) {
-    const auto order = isBigEndian ? DataModel::ByteOrder::Big : DataModel::ByteOrder::Little;
+                                   const BitsChoices& choices) {
     SymbolIndex::Place place;
     place.address = address;
     place.size = size;
     place.isBitField = true;
     place.bitOffset = member.bitOffset;
     place.bitSize = member.bitSize;
-    // First the storage unit as the program has it, then smaller parts of it.
-    std::vector<std::uint64_t> sizes{size};
-    for (std::uint64_t other = sLargestMaskedNumber; other > 0; other /= 2) {
-        sizes.push_back(other);
+    // First the storage unit as the program has it, then smaller parts of it. A number larger than
+    // the unit may be read beyond its end: only for packed fields that extend beyond the unit.
+    std::vector<std::uint64_t> sizes;
+    if (member.bitOffset + member.bitSize <= size * sBitsPerByte) {
+        sizes.push_back(size);
+        for (std::uint64_t other = sLargestMaskedNumber; other > 0; other /= 2) {
+            if (other <= size) {
+                sizes.push_back(other);
+            }
+        }
+    } else {
+        sizes = {1, 2, 4, sLargestMaskedNumber};
     }
     for (const std::uint64_t one : sizes) {
         const std::string_view datatype = DatatypeOf({Scalar::Kind::Unsigned, one});
-        const auto found = FindMaskedPlace(place, order, {one, order}, std::nullopt);
-        // A number larger than the unit would be read beyond its end.
-        if (found && one <= size && !datatype.empty() &&
-            (hasLongMasks || (found->mask <= sLargestShortMask && one < sLargestMaskedNumber))) {
+        const auto found = FindWithin(place, {one, choices.order, choices.addressUnit}, choices);
+        if (found && !datatype.empty() &&
+            (choices.hasLongMasks ||
+             (found->mask <= sLargestShortMask && one < sLargestMaskedNumber))) {
             return ExportedBits{datatype, *found};
         }
     }
@@ -130,20 +161,21 @@ std::string ExportTypes::StructureText(const Key& key) {
         text += "      SYMBOL_TYPE_LINK " + QuotedText(mModel.QualifiedName(structure)) + "\n";
     }
     for (const Member& member : mIndex.MembersOf(structure).All()) {
-        AppendComponent(text, member, isCalibrated);
+        AppendComponent(text, member, mModel.SizeOf(structure), isCalibrated);
     }
     return text + "    /end TYPEDEF_STRUCTURE\n";
 }
 
-void ExportTypes::AppendComponent(std::string& text, const Member& member, bool isCalibrated) {
+void ExportTypes::AppendComponent(std::string& text, const Member& member,
+                                  std::uint64_t structureSize, bool isCalibrated) {
     const Elements elements = ElementsOf(mModel, member.type);
     const ObjectId plain = mModel.WithoutTypedefs(elements.type);
     std::string type;
     std::uint64_t offset = member.offset;
     std::vector<std::uint64_t> dimensions = DimensionsOf(mModel, member.type);
     if (member.isBitField) {
-        const auto bits = BitsOf(member, mModel.SizeOf(member.type), member.offset,
-                                 mModel.Image().byteOrder == DataModel::ByteOrder::Big, true);
+        const BitsChoices choices{mModel.Image().byteOrder, true, 1, {0, structureSize}};
+        const auto bits = BitsOf(member, mModel.SizeOf(member.type), member.offset, choices);
         if (bits) {
             type = NameOfValues({bits->datatype,
                                  mConversions.Of(member.type, member.bitSize),

@@ -8,6 +8,7 @@
 #include "a2l/SymbolIndex.h"
 #include "a2l/Version.h"
 #include "model/DataModel.h"
+#include "model/PlaceBytes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -27,11 +28,21 @@ struct ExportedBits {
     MaskedPlace place;
 };
 
+/// What numbers may hold a bit field.
+struct BitsChoices {
+    DataModel::ByteOrder order = DataModel::ByteOrder::Little;
+    /// Masks may have 64 bits.
+    bool hasLongMasks = true;
+    /// Bytes between one address of the file and the next.
+    std::uint64_t addressUnit = 1;
+    /// The bytes of the variable or structure; a number within them is preferred.
+    DataModel::ByteSpan whole;
+};
+
 /// @param size bytes of the storage unit; @param address where it lies
-/// @param hasLongMasks whether masks may have 64 bits
 /// @return nothing if no number of A2L holds the field
 std::optional<ExportedBits> BitsOf(const Member& member, std::uint64_t size, std::uint64_t address,
-                                   bool isBigEndian, bool hasLongMasks);
+                                   const BitsChoices& choices);
 
 /// Dimensions of an array and of arrays within it, innermost first; empty for any other type.
 std::vector<std::uint64_t> DimensionsOf(const DataModel::Model& model, DataModel::ObjectId type);
@@ -64,7 +75,8 @@ private:
 
     [[nodiscard]] std::string BaseNameOf(DataModel::ObjectId structure) const;
     [[nodiscard]] std::string StructureText(const Key& key);
-    void AppendComponent(std::string& text, const Member& member, bool isCalibrated);
+    void AppendComponent(std::string& text, const Member& member, std::uint64_t structureSize,
+                         bool isCalibrated);
     [[nodiscard]] std::string NameOfValues(const ExportedValues& values, bool isCalibrated);
 
     const DataModel::Model& mModel;

@@ -3,6 +3,7 @@
 #include "a2l/Alignments.h"
 #include "a2l/Export.h"
 #include "a2l/ExportText.h"
+#include "a2l/ExportTypes.h"
 #include "a2l/Identifiers.h"
 #include "a2l/SymbolIndex.h"
 #include "a2l/Update.h"
@@ -77,6 +78,43 @@ TEST(A2lExport, LimitsBitsByTheirMask) {
     EXPECT_EQ(LimitsOf("ULONG", {}), "0 4294967295");
     EXPECT_EQ(LimitsOf("ULONG", 0x1FFE000), "0 4095");
     EXPECT_EQ(LimitsOf("A_UINT64", 0x8000000000000000), "0 1");
+}
+
+TEST(A2lExport, HoldsPackedBitsInNumbersThatAreWideEnough) {
+    struct Case {
+        std::uint64_t size;
+        std::uint32_t bitOffset;
+        std::uint64_t bitSize;
+        DataModel::ByteOrder order;
+        bool hasLongMasks;
+        const char* datatype;
+        std::uint64_t start;
+        std::uint64_t mask;
+    };
+    constexpr auto little = DataModel::ByteOrder::Little;
+    constexpr auto big = DataModel::ByteOrder::Big;
+    // The field begins in byte 5 of a variable of 10 bytes.
+    const std::vector<Case> cases = {
+        {4, 0, 3, little, true, "ULONG", 5, 0x7},
+        {1, 4, 5, little, false, "UWORD", 5, 0x1F0},
+        {1, 7, 5, big, false, "UWORD", 5, 0xF80},
+        {2, 6, 15, little, false, "ULONG", 4, 0x1FFFC000},
+        // Further on, the number would extend beyond the variable.
+        {4, 5, 29, little, true, "A_UINT64", 2, 0x1FFFFFFFULL << 29U},
+        {4, 6, 29, big, true, "A_UINT64", 2, 0x7FFFFFFC0},
+        {4, 6, 29, big, false, "", 0, 0},
+        {8, 7, 60, little, true, "", 0, 0},
+    };
+    for (const Case& one : cases) {
+        Member member;
+        member.bitOffset = one.bitOffset;
+        member.bitSize = one.bitSize;
+        const auto bits =
+            BitsOf(member, one.size, 0x1005, {one.order, one.hasLongMasks, 1, {0x1000, 10}});
+        EXPECT_EQ(bits ? bits->datatype : "", one.datatype) << one.bitOffset;
+        EXPECT_EQ(bits ? bits->place.address - 0x1000 : 0, one.start) << one.bitOffset;
+        EXPECT_EQ(bits ? bits->place.mask : 0, one.mask) << one.bitOffset;
+    }
 }
 
 TEST(A2lExport, FindsAlignmentsInStructures) {
