@@ -716,19 +716,30 @@ std::string SymbolIndex::NearNames(std::string_view symbol, const Answer& answer
         return near.List();
     }
     constexpr std::ptrdiff_t reach = 8;
-    const std::string_view head = symbol.substr(0, NameEnds(symbol).back());
-    const std::size_t scopes = head.rfind(sSeparator);
+    const std::size_t scopes = symbol.rfind(sSeparator);
     const bool isScoped = scopes != std::string_view::npos;
+    // A scope may be a unit, whose name has a point.
+    const std::size_t nameStart = isScoped ? scopes + sSeparator.size() : 0;
+    const std::string_view head =
+        symbol.substr(0, nameStart + NameEnds(symbol.substr(nameStart)).back());
     Program::NearNames near(head);
     FillNearNames();
-    std::string folded = Folded(isScoped ? head.substr(scopes + sSeparator.size()) : head);
+    std::string folded = Folded(head.substr(nameStart));
     const auto offerAround = [&](const std::vector<std::pair<std::string, ObjectId>>& names) {
         const auto place = std::ranges::lower_bound(names, std::pair(folded, ObjectId{0}));
         const auto before = std::min(reach, place - names.begin());
         const auto behind = std::min(reach, names.end() - place);
         for (auto name = place - before; name != place + behind; ++name) {
-            near.Offer(isScoped ? mModel.QualifiedName(name->second)
-                                : std::string(mModel.Object(name->second).name));
+            if (!isScoped) {
+                near.Offer(mModel.Object(name->second).name);
+                continue;
+            }
+            const std::string qualified = mModel.QualifiedName(name->second);
+            near.Offer(qualified);
+            // The scope may be a unit that has another name now.
+            if (const ObjectId unit = mModel.CompileUnitOf(name->second); unit != 0) {
+                near.Offer(std::string(mModel.Object(unit).name).append("::").append(qualified));
+            }
         }
     };
     offerAround(mForwards);

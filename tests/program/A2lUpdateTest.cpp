@@ -276,6 +276,8 @@ TEST(A2lUpdate, TellsWhatBecameOfAnObject) {
     EXPECT_EQ(missing.status, Status::NotFound);
     EXPECT_EQ(missing.nearNames, "speed");
     EXPECT_EQ(missing.nowAtOldAddress, "table[1]");
+    EXPECT_EQ(one("x", "ECU_ADDRESS 1 SYMBOL_LINK \"sensor.c::counter\" 0").nearNames,
+              "sensors_c::counter, motor_c::counter");
     const ObjectResult member = one("motors[1].lops[0].gain", "ECU_ADDRESS 1");
     EXPECT_EQ(member.problem, "no member named 'lops'");
     EXPECT_EQ(member.nearNames, "loops");
