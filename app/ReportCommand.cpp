@@ -19,6 +19,7 @@
 #include "model/DataModel.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -52,6 +53,20 @@ struct ReportedImage {
         const std::string name =
             Reader::DWARF::TextOfPath(Reader::DWARF::PathOfText(file).filename());
         return {model, Reader::DWARF::ToHostText(name), result, valueLimit};
+    }
+
+    /// Tells if the file was changed before its initial values were read.
+    /// @return the status of a report about it
+    [[nodiscard]] ExitStatus StatusAfterPacking() const {
+        std::error_code error;
+        const std::uintmax_t size =
+            std::filesystem::file_size(Reader::DWARF::PathToOpen(file), error);
+        if (result.isOk && (error || size != model.Image().fileSize)) {
+            Tell(file,
+                 Phrased("the file was changed while it was read; initial values are missing"));
+            return ExitStatus::Failed;
+        }
+        return status;
     }
 
     std::string file;
@@ -92,7 +107,7 @@ ExitStatus ReportImage(const ReportArguments& arguments, ResultOutput& output) {
     const ExitStatus status = WritePageTo(arguments.report, output, [&](ResultOutput& page) {
         WriteReport(image.Pack(arguments.valueLimit), page);
     });
-    return status == ExitStatus::Success ? image.status : status;
+    return status == ExitStatus::Success ? image.StatusAfterPacking() : status;
 }
 
 ExitStatus ReportDifferences(const ReportArguments& arguments, ResultOutput& output) {
@@ -112,8 +127,9 @@ ExitStatus ReportDifferences(const ReportArguments& arguments, ResultOutput& out
         const DifferencePack differences(oldImage.model, newImage.model, scope, oldPack, newPack);
         WriteReport(oldPack, newPack, differences, page);
     });
-    const bool isComplete = oldImage.result.isOk && newImage.result.isOk;
-    return isComplete ? status : ExitStatus::Failed;
+    const bool areWhole = oldImage.StatusAfterPacking() == ExitStatus::Success &&
+                          newImage.StatusAfterPacking() == ExitStatus::Success;
+    return areWhole ? status : ExitStatus::Failed;
 }
 
 ExitStatus RunReport(const ReportArguments& arguments, ResultOutput& output) {

@@ -208,6 +208,8 @@ constexpr std::array sTranslations = {
     Translation{"{} symbols without debug information changed",
                 "{} Symbole ohne Debug-Informationen geändert"},
     Translation{"{} (--symbols lists them)", "{} (--symbols zeigt sie)"},
+    Translation{"the file was changed while it was read; initial values are missing",
+                "die Datei wurde während des Lesens geändert; Anfangswerte fehlen"},
     Translation{"the report can't be written: {}", "der Bericht kann nicht geschrieben werden: {}"},
     Translation{"this would overwrite {}; choose another {}",
                 "das würde {} überschreiben; ein anderes {} wählen"},

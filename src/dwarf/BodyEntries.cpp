@@ -78,13 +78,14 @@ BodyEntry BodyEntryRule::Result() const {
 
 VDebugInfoNode* FindTypeAround(const VDieNodes& nodes, std::uint32_t offset) {
     VDebugInfoNode* outermost = nullptr;
-    for (VDebugInfoNode* node = nodes.LastBefore(offset); node != nullptr;
-         node = node->GetParent()) {
+    VDebugInfoNode* node = nodes.LastBefore(offset);
+    for (int link = 0; node != nullptr && link < sMaximumChainLength; ++link) {
         if (HasBody(node->GetTag())) {
             outermost = node;
         }
+        node = node->GetParent();
     }
-    return outermost;
+    return node == nullptr ? outermost : nullptr;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

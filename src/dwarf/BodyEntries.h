@@ -61,7 +61,8 @@ private:
     bool mHasStorage = false;
 };
 
-/// The outermost type whose body may contain an offset without a node; null if none does.
+/// The outermost type whose body may contain an offset without a node; null if none does, or if
+/// entries nest deeper than they do in a sound file.
 VDebugInfoNode* FindTypeAround(const VDieNodes& nodes, std::uint32_t offset);
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

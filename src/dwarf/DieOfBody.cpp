@@ -13,10 +13,14 @@ namespace {
 
 bool StandsInSubprogram(const VDebugInfoNode& node) {
     const VDebugInfoNode* parent = node.GetParent();
-    while (parent != nullptr && parent->GetTag() != DW_TAG_subprogram) {
+    // Passes that move entries of a damaged file into other scopes may close a circle.
+    for (int link = 0; link < sMaximumChainLength && parent != nullptr; ++link) {
+        if (parent->GetTag() == DW_TAG_subprogram) {
+            return true;
+        }
         parent = parent->GetParent();
     }
-    return parent != nullptr;
+    return false;
 }
 
 } // namespace

@@ -110,6 +110,7 @@ TEST_F(UpdateFaultTest, EachAllocationLeavesAllFilesOldOrAllNew) {
         SCOPED_TRACE("allocation " + std::to_string(number));
         WriteDescription();
         if (!Update(number)) {
+            EXPECT_EQ(mStatus, Program::ExitStatus::Success);
             break;
         }
         const Files now = Contents();

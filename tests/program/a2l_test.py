@@ -8,6 +8,7 @@ that of the sample images.
 
 import collections
 import csv
+import itertools
 import json
 import os
 import pathlib
@@ -285,6 +286,41 @@ class UpdateTest(A2lTest):
                 self.assertEqual((done.returncode, done.stdout), (1, b""), done.stderr)
                 self.assertIn("File too large", done.stderr.decode())
                 self.assertEqual({path.name: path.read_bytes() for path in self.folder.iterdir()}, before)
+
+    @unittest.skipUnless("BRINDLE_CUT_LIBRARY" in os.environ, "nothing to cut the file with")
+    def test_an_image_that_is_cut_while_it_is_read_gives_a_whole_result_or_a_failure(self):
+        self.file("in.a2l", description(measurement("machine_word", 0) + measurement("motors", 0)))
+        image = self.folder / "image.elf"
+        for command, result in [(["a2l", "update", "-o", "new.a2l", "in.a2l"], "new.a2l"),
+                                (["a2l", "export", "-o", "new.a2l"], "new.a2l"),
+                                (["report", "-o", "new.html"], "new.html")]:
+            whole, failures = None, 0
+            for number in itertools.count():
+                shutil.copyfile(IMAGE, image)
+                environment = {**os.environ, "LD_PRELOAD": os.environ["BRINDLE_CUT_LIBRARY"],
+                               "ASAN_OPTIONS": "verify_asan_link_order=0", "BRINDLE_CUT_FILE": str(image),
+                               "BRINDLE_CUT_READ": str(number)}
+                done = subprocess.run([PROGRAM, *command, "image.elf"], capture_output=True, timeout=60,
+                                      cwd=self.folder, env=environment)
+                written = self.folder / result
+                content = written.read_bytes() if written.exists() else None
+                written.unlink(missing_ok=True)
+                with self.subTest(command=command, number=number):
+                    if done.returncode == 0:
+                        whole = whole or content
+                        self.assertEqual(content, whole)
+                    else:
+                        failures += 1
+                        self.assertEqual(done.returncode, 1)
+                        self.assertNotEqual(done.stderr, b"")
+                        # A report tells what could be read, and that the read failed.
+                        if command[0] != "report":
+                            self.assertIsNone(content)
+                        elif content is not None:
+                            self.assertTrue(content.rstrip().endswith(b"</html>"))
+                if number > 0 and image.stat().st_size != 700:
+                    break
+            self.assertGreater(failures, 10, command)
 
     def test_wrong_usage_is_told(self):
         for arguments, message in [
