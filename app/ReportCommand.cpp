@@ -127,8 +127,9 @@ ExitStatus ReportDifferences(const ReportArguments& arguments, ResultOutput& out
         const DifferencePack differences(oldImage.model, newImage.model, scope, oldPack, newPack);
         WriteReport(oldPack, newPack, differences, page);
     });
-    const bool areWhole = oldImage.StatusAfterPacking() == ExitStatus::Success &&
-                          newImage.StatusAfterPacking() == ExitStatus::Success;
+    const ExitStatus ofOld = oldImage.StatusAfterPacking();
+    const ExitStatus ofNew = newImage.StatusAfterPacking();
+    const bool areWhole = ofOld == ExitStatus::Success && ofNew == ExitStatus::Success;
     return areWhole ? status : ExitStatus::Failed;
 }
 

@@ -318,6 +318,7 @@ class UpdateTest(A2lTest):
                             self.assertIsNone(content)
                         elif content is not None:
                             self.assertTrue(content.rstrip().endswith(b"</html>"))
+                            self.assertTrue(b'"isComplete":false' in content or b"was changed" in done.stderr)
                 if number > 0 and image.stat().st_size != 700:
                     break
             self.assertGreater(failures, 10, command)
