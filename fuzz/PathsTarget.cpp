@@ -72,13 +72,14 @@ void CheckPatterns(std::string_view text) {
         const NameFilter filter(text, ignoresCase);
         for (const std::string_view name : names) {
             const std::size_t own = std::min<std::size_t>(name.size(), 2);
+            const bool isFitting = pattern.Fits(name);
+            const bool isTaken = filter.Takes(name, own, "u.c");
             for (std::size_t length = own; length <= name.size(); ++length) {
                 const std::string_view start = name.substr(0, length);
                 if (Fuzzing::IsUtf8(start)) {
-                    Fuzzing::Require(!pattern.Fits(name) || pattern.CanBegin(start),
+                    Fuzzing::Require(!isFitting || pattern.CanBegin(start),
                                      "what fits begins as the pattern can");
-                    Fuzzing::Require(!filter.Takes(name, own, "u.c") ||
-                                         filter.MayTakeBehind(start, own, "u.c"),
+                    Fuzzing::Require(!isTaken || filter.MayTakeBehind(start, own, "u.c"),
                                      "what is taken lies behind its start");
                 }
             }
