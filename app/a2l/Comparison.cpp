@@ -113,9 +113,10 @@ private:
 };
 
 std::uint64_t MaskedReading::Mask() const {
-    const std::uint64_t unused =
-        number.size >= sLargestMaskedNumber ? 0 : (sLargestMaskedNumber - number.size) * 8;
-    return mask.value_or(~std::uint64_t{0} >> unused);
+    const std::uint64_t allBits = number.size >= sLargestMaskedNumber
+                                      ? ~std::uint64_t{0}
+                                      : (std::uint64_t{1} << (number.size * 8)) - 1;
+    return mask.value_or(allBits);
 }
 
 std::string MaskedReading::MaskText() const {

@@ -422,7 +422,7 @@ TEST(A2lUpdate, TellsWhatDiffersFromTheImage) {
          "offset 1099511627776..1099511627777 / 0..7"},
         {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"plant.endless\" 8"), ""},
         {Measurement("x", "UBYTE", "ECU_ADDRESS 1 SYMBOL_LINK \"plant.unknown\" 8"), ""},
-        {"/begin BLOB x \"\" 1 256 SYMBOL_LINK \"motors\" 1 /end BLOB", "offset 1..256 / 0..127"},
+        {R"(/begin BLOB x "" 1 256 SYMBOL_LINK "motors" 1 /end BLOB)", "offset 1..256 / 0..127"},
         {Measurement("x", "ULONG",
                      "ECU_ADDRESS 1 BIT_MASK 0x1FFE0 SYMBOL_LINK \"motors[0].phase\" 1"),
          ""},
@@ -494,13 +494,11 @@ TEST(A2lUpdate, TellsWhichComponentsOfAStructureDiffer) {
         {"loops O 8 MATRIX_DIM 2", "size loops: 16 / loops: 48"},
     };
     for (const auto& [component, expected] : cases) {
-        EXPECT_EQ(DifferencesOf("/begin INSTANCE motors[1] \"\" motor_t 1 /end INSTANCE "
-                                "/begin TYPEDEF_STRUCTURE motor_t \"\" 64 "
-                                "/begin STRUCTURE_COMPONENT " +
-                                component + " /end STRUCTURE_COMPONENT /end TYPEDEF_STRUCTURE\n" +
-                                types),
-                  expected)
-            << component;
+        std::string description = R"(/begin INSTANCE motors[1] "" motor_t 1 /end INSTANCE )"
+                                  R"(/begin TYPEDEF_STRUCTURE motor_t "" 64 )"
+                                  "/begin STRUCTURE_COMPONENT ";
+        description.append(component).append(" /end STRUCTURE_COMPONENT /end TYPEDEF_STRUCTURE\n");
+        EXPECT_EQ(DifferencesOf(description.append(types)), expected) << component;
     }
 }
 

@@ -17,6 +17,7 @@ bool IsCutFile(int descriptor, const char* path) {
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the system's are reserved
 extern "C" ssize_t read(int descriptor, void* destination, size_t size) {
     using Read = ssize_t(int, void*, size_t);
     static auto* const next = reinterpret_cast<Read*>(dlsym(RTLD_NEXT, "read"));
