@@ -130,7 +130,7 @@ DifferenceResult WriteDifferences(const DataModel::Model& oldModel,
         const bool isNew = difference.newPlace != nullptr;
         const ComparedPlace& latest = difference.Latest();
         const DataModel::Model& model = isNew ? newModel : oldModel;
-        const bool isSymbol = latest.name.starts_with(sSymbolScope);
+        const bool isSymbol = IsInSymbolScope(latest.name);
         Count(difference, isSymbol, result.summary);
         if (isSymbol && !hasSymbols) {
             return;

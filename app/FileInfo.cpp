@@ -2,6 +2,7 @@
 
 #include "Phrases.h"
 
+#include "host/SymbolNamespace.h"
 #include "model/DataModel.h"
 
 #include <string_view>
@@ -13,12 +14,11 @@ namespace {
 using DataModel::ModelObject;
 using DataModel::ObjectKind;
 
-constexpr std::string_view sScopeOfSymbols = "_Symbol_Table_BKR_";
-
 void CountVariables(const DataModel::Model& model, FileInfo& info) {
     model.ForEach(ObjectKind::Global, [&](const ModelObject& variable) {
         const ModelObject scope = model.Object(variable.scope);
-        const bool isSymbol = scope.kind == ObjectKind::Namespace && scope.name == sScopeOfSymbols;
+        const bool isSymbol =
+            scope.kind == ObjectKind::Namespace && scope.name == DataModel::sSymbolNamespaceName;
         ++info.variables;
         info.symbolVariables += isSymbol ? 1 : 0;
     });

@@ -84,7 +84,7 @@ bool ModelComparison::BeginVariable(const Side& side, const ComparedPlace& varia
 void ModelComparison::Remark(const VariableMatching::Pair& pair, const std::string& oldName,
                              const std::string& newName) {
     // Symbols without debug information are only looked at on request.
-    const bool isInDoubt = pair.isByOrder && !newName.starts_with(sSymbolScope);
+    const bool isInDoubt = pair.isByOrder && !IsInSymbolScope(newName);
     if (isInDoubt && mRemarks.byOrder++ == 0) {
         mRemarks.firstByOrder = newName;
     }

@@ -1,16 +1,21 @@
-// Where variables are filed that only the symbol table knows.
+// The names of variables that only the symbol table knows, as the program shows them.
 #pragma once
+
+#include "host/SymbolNamespace.h"
 
 #include <string_view>
 
 namespace Tessel::Norn::Brindle::Program {
 
-/// The start of their qualified names.
-constexpr std::string_view sSymbolScope = "_Symbol_Table_BKR_::";
+/// True for the qualified name of such a variable.
+constexpr bool IsInSymbolScope(std::string_view name) {
+    return name.starts_with(DataModel::sSymbolNamespaceName) &&
+           name.substr(DataModel::sSymbolNamespaceName.size()).starts_with("::");
+}
 
 /// A qualified name as a person searches for it.
 constexpr std::string_view WithoutSymbolScope(std::string_view name) {
-    return name.starts_with(sSymbolScope) ? name.substr(sSymbolScope.size()) : name;
+    return IsInSymbolScope(name) ? name.substr(DataModel::sSymbolNamespaceName.size() + 2) : name;
 }
 
 } // namespace Tessel::Norn::Brindle::Program

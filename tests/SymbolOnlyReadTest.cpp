@@ -211,13 +211,17 @@ TEST_F(SymbolOnlyReadTest, RecordThatIsCutOffEndsTheTableQuietly) {
     EXPECT_THAT(run.Variables(), ElementsAre("first@10:4"));
 }
 
-TEST_F(SymbolOnlyReadTest, SymbolTableOutsideTheFileCountsAsEmpty) {
+TEST_F(SymbolOnlyReadTest, SymbolTableOutsideTheFileCountsAsEmptyInTheClassicManner) {
     for (const ElfSectionOverrides& outside :
          {ElfSectionOverrides{.offset = 0x100000}, ElfSectionOverrides{.size = 0x100000}}) {
-        const ReadRun run = ReadElf(ElfImage().Symbol({"a", 0x10, 4}).SymbolTable(outside));
+        const ElfImage image = ElfImage().Symbol({"a", 0x10, 4}).SymbolTable(outside);
+        VElfOptions::mIsFullReading = 0;
+        const ReadRun run = ReadElf(image);
         EXPECT_TRUE(run.result);
         EXPECT_THAT(run.signals, testing::IsEmpty());
         EXPECT_THAT(run.Variables(), testing::IsEmpty());
+        VElfOptions::mIsFullReading = 1;
+        EXPECT_FALSE(ReadElf(image).result);
     }
 }
 

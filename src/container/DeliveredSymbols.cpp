@@ -30,10 +30,10 @@ void DeliveredSymbols::AddValue(std::string_view name) {
 
 bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name, bool isLocal) {
     const std::string_view plainName = WithoutVersion(name);
-    if (isLocal && mValues.Contains(KeyOf(0, plainName))) {
+    if (isLocal && !mValues.IsEmpty() && mValues.Contains(KeyOf(0, plainName))) {
         return false;
     }
-    if (IsVariable(address, plainName) || IsVariable(address, NameInSource(plainName)) ||
+    if (IsVariable(address, plainName) || HasVariableInSource(address, plainName) ||
         HasVariableInParts(address, plainName) || HasVariableInMangledName(address, plainName)) {
         return false;
     }
@@ -42,6 +42,11 @@ bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name, b
 
 bool DeliveredSymbols::IsVariable(std::uint64_t address, std::string_view name) const {
     return mVariables.Contains(KeyOf(address, name));
+}
+
+bool DeliveredSymbols::HasVariableInSource(std::uint64_t address, std::string_view name) const {
+    const std::string_view nameInSource = NameInSource(name);
+    return nameInSource.size() != name.size() && IsVariable(address, nameInSource);
 }
 
 bool DeliveredSymbols::HasVariableInParts(std::uint64_t address, std::string_view name) const {

@@ -33,6 +33,7 @@ private:
     class KeySet {
     public:
         bool Insert(std::uint64_t key);
+        [[nodiscard]] bool IsEmpty() const { return mKeys.empty(); }
         [[nodiscard]] bool Contains(std::uint64_t key) const;
 
     private:
@@ -41,6 +42,7 @@ private:
     };
 
     [[nodiscard]] bool IsVariable(std::uint64_t address, std::string_view name) const;
+    [[nodiscard]] bool HasVariableInSource(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool HasVariableInParts(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool HasVariableInMangledName(std::uint64_t address, std::string_view name) const;
 

@@ -76,10 +76,12 @@ bool HasName(const Elf32_Sym& symbol) {
     return symbol.name != nullptr && *symbol.name != '\0';
 }
 
-/// A table that can't be loaded counts as empty: the rest of the file is still worth reading.
-/// @return false only for lack of memory
-bool LoadTable(VElfBuffer& buffer, const Elf64_Shdr& section) {
-    return buffer.LoadFromFile(section.sh_offset, section.sh_size) || !IsOutOfMemory();
+/// Loads the symbol table. In the classic manner one that can't be loaded counts as empty; the full
+/// one reads no file of which a part is missing.
+bool LoadTable(VElfBuffer& buffer, const Elf64_Shdr& section, ReadingManner manner) {
+    const bool countsAsEmpty = manner == ReadingManner::Classic || section.sh_size == 0;
+    return buffer.LoadFromFile(section.sh_offset, section.sh_size) ||
+           (countsAsEmpty && !IsOutOfMemory());
 }
 
 void WarnOfTrimmedAddress(const Elf32_Sym& symbol, ReadingManner manner) {
@@ -143,7 +145,7 @@ bool VElfFile::LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted) {
         return false;
     }
     VElfBuffer buffer(*this);
-    if (!LoadTable(buffer, mSecSymtab)) {
+    if (!LoadTable(buffer, mSecSymtab, mManner)) {
         return false;
     }
     map.Clear();
@@ -173,7 +175,7 @@ bool VElfFile::LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted) {
 
 bool VElfFile::ForEachDeliverableSymbol(const SymbolVisitor& visit) {
     VElfBuffer buffer(*this);
-    if (!LoadTable(buffer, mSecSymtab)) {
+    if (!LoadTable(buffer, mSecSymtab, mManner)) {
         return false;
     }
     const SymbolRules& rules = SymbolRules::Of(mManner);

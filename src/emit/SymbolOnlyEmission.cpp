@@ -1,12 +1,8 @@
 #include "emit/SymbolOnlyEmission.h"
 
+#include "host/SymbolNamespace.h"
+
 namespace Tessel::Norn::Brindle::Reader::DWARF {
-
-namespace {
-
-constexpr std::string_view sSymbolNamespaceName = "_Symbol_Table_BKR_";
-
-} // namespace
 
 bool sCheckIsValidVariableType_FromMangledName(std::string_view name) {
     return !name.starts_with("__vtbl") && !name.starts_with("_ZTV");
@@ -17,9 +13,10 @@ bool SymbolOnlyEmission::Begin() {
     if (globalNamespace == 0) {
         return false;
     }
-    mSymbolNamespace = mFactory.GetNamespace(sSymbolNamespaceName, globalNamespace);
+    mSymbolNamespace = mFactory.GetNamespace(DataModel::sSymbolNamespaceName, globalNamespace);
     if (mSymbolNamespace == 0) {
-        mSymbolNamespace = mFactory.CreateNamespace(sSymbolNamespaceName, globalNamespace);
+        mSymbolNamespace =
+            mFactory.CreateNamespace(DataModel::sSymbolNamespaceName, globalNamespace);
     }
     return true;
 }

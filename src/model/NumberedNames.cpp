@@ -1,5 +1,7 @@
 #include "model/NumberedNames.h"
 
+#include "host/SymbolNamespace.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -7,10 +9,6 @@
 namespace Tessel::Norn::Brindle::DataModel {
 
 namespace {
-
-/// Symbols without debug information lie here. Their names are those of the file: the points and
-/// numbers that some of them have are no numbers of the reader.
-constexpr std::string_view sSymbolNamespace = "_Symbol_Table_BKR_";
 
 /// The name before ".2" or a larger number; empty if there is none.
 std::string_view NameBeforeNumber(std::string_view name) {
@@ -28,7 +26,7 @@ std::string_view NameBeforeNumber(std::string_view name) {
 void AppendNumbered(const ModelStore& store, ObjectId variable, std::vector<ObjectId>& found) {
     const std::string_view name = store.NameOf(variable);
     const ObjectId scope = store.At(variable).scope;
-    if (name.empty() || store.NameOf(scope) == sSymbolNamespace ||
+    if (name.empty() || store.NameOf(scope) == sSymbolNamespaceName ||
         store.FindNamed(LookupKind::GlobalInScope, name, scope) != variable) {
         return;
     }
