@@ -33,8 +33,8 @@ bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name, b
     if (isLocal && !mValues.IsEmpty() && mValues.Contains(KeyOf(0, plainName))) {
         return false;
     }
-    if (IsVariable(address, plainName) || HasVariableInSource(address, plainName) ||
-        HasVariableInParts(address, plainName) || HasVariableInMangledName(address, plainName)) {
+    if (IsVariable(address, plainName) || HasVariableInParts(address, plainName) ||
+        HasVariableInWholeName(address, plainName)) {
         return false;
     }
     return mSymbols.Insert(KeyOf(address, name));
@@ -42,11 +42,6 @@ bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name, b
 
 bool DeliveredSymbols::IsVariable(std::uint64_t address, std::string_view name) const {
     return mVariables.Contains(KeyOf(address, name));
-}
-
-bool DeliveredSymbols::HasVariableInSource(std::uint64_t address, std::string_view name) const {
-    const std::string_view nameInSource = NameInSource(name);
-    return nameInSource.size() != name.size() && IsVariable(address, nameInSource);
 }
 
 bool DeliveredSymbols::HasVariableInParts(std::uint64_t address, std::string_view name) const {
@@ -63,15 +58,22 @@ bool DeliveredSymbols::HasVariableInParts(std::uint64_t address, std::string_vie
     return false;
 }
 
+bool DeliveredSymbols::HasVariableInWholeName(std::uint64_t address, std::string_view name) const {
+    if (name.starts_with("_Z") || name.starts_with("_R")) {
+        return HasVariableInMangledName(address, name);
+    }
+    if (IsVariable(address, NameInSource(name))) {
+        return true;
+    }
+    const DemangledSymbolName readable(name);
+    const std::string_view text = readable.GetName();
+    const std::size_t scopeEnd = text.rfind("::");
+    return readable.IsModified() && scopeEnd != std::string_view::npos &&
+           IsVariable(address, text.substr(scopeEnd + 2));
+}
+
 bool DeliveredSymbols::HasVariableInMangledName(std::uint64_t address,
                                                 std::string_view name) const {
-    if (!name.starts_with("_Z") && !name.starts_with("_R")) {
-        const DemangledSymbolName readable(name);
-        const std::string_view text = readable.GetName();
-        const std::size_t scopeEnd = text.rfind("::");
-        return readable.IsModified() && scopeEnd != std::string_view::npos &&
-               IsVariable(address, text.substr(scopeEnd + 2));
-    }
     for (std::string_view identifier = TakeIdentifier(name); !identifier.empty();
          identifier = TakeIdentifier(name)) {
         if (IsVariable(address, identifier)) {

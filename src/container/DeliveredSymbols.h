@@ -42,7 +42,7 @@ private:
     };
 
     [[nodiscard]] bool IsVariable(std::uint64_t address, std::string_view name) const;
-    [[nodiscard]] bool HasVariableInSource(std::uint64_t address, std::string_view name) const;
+    [[nodiscard]] bool HasVariableInWholeName(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool HasVariableInParts(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool HasVariableInMangledName(std::uint64_t address, std::string_view name) const;
 

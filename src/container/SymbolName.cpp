@@ -3,7 +3,9 @@
 #include "core/CutText.h"
 #include "core/VElfOptions.h"
 #include "demangle/Demangler.h"
+#include "demangle/NameText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <system_error>
@@ -13,22 +15,28 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 /// What compilers put between the parts of the name of a static variable.
-constexpr std::string_view sSeparators = ".$:";
-constexpr std::string_view sDigits = "0123456789";
+constexpr bool IsSeparator(char character) {
+    return character == '.' || character == '$' || character == ':';
+}
+
+/// The length of the name up to its last separator, that included; 0 if it has none.
+std::size_t LengthWithSeparator(std::string_view name) {
+    const auto separator = std::find_if(name.rbegin(), name.rend(), IsSeparator);
+    return static_cast<std::size_t>(name.rend() - separator);
+}
 
 /// The name without the parts behind it that are a number or say who has added the number.
 std::string_view WithoutUniqueEnd(std::string_view name) {
     for (;;) {
-        const std::size_t separator = name.find_last_of(sSeparators);
-        if (separator == std::string_view::npos || separator == 0) {
+        const std::size_t length = LengthWithSeparator(name);
+        if (length <= 1) {
             return name;
         }
-        const std::string_view end = name.substr(separator + 1);
-        const bool isNumber = end.find_first_not_of(sDigits) == std::string_view::npos;
-        if (!isNumber && end != "lto_priv" && end != "llvm") {
+        const std::string_view end = name.substr(length);
+        if (!std::ranges::all_of(end, IsDigit) && end != "lto_priv" && end != "llvm") {
             return name;
         }
-        name = name.substr(0, separator);
+        name = name.substr(0, length - 1);
     }
 }
 
@@ -68,11 +76,11 @@ std::string_view WithoutVersion(std::string_view symbolName) {
 
 std::string_view TakeIdentifier(std::string_view& mangledRest) {
     for (;;) {
-        const std::size_t digits = mangledRest.find_first_of(sDigits);
-        if (digits == std::string_view::npos) {
+        const auto* const digits = std::ranges::find_if(mangledRest, IsDigit);
+        if (digits == mangledRest.end()) {
             return {};
         }
-        mangledRest.remove_prefix(digits);
+        mangledRest.remove_prefix(static_cast<std::size_t>(digits - mangledRest.begin()));
         std::size_t length = 0;
         const char* const end = mangledRest.data() + mangledRest.size();
         const auto [behind, error] = std::from_chars(mangledRest.data(), end, length);
@@ -88,7 +96,7 @@ std::string_view TakeIdentifier(std::string_view& mangledRest) {
 std::string_view NameInSource(std::string_view symbolName) {
     const std::string_view unique = WithoutUniqueEnd(symbolName);
     return unique.starts_with("_Z") ? LastIdentifier(unique)
-                                    : unique.substr(unique.find_last_of(sSeparators) + 1);
+                                    : unique.substr(LengthWithSeparator(unique));
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF
