@@ -1,6 +1,5 @@
 // Whole reads of images with debug information, as the host sees them: which calls reach the data
 // model, in which order, and what the model contains afterwards.
-#include "core/ModuleInfo.h"
 #include "core/VElfOptions.h"
 #include "host/VDWARFReader.h"
 #include "support/ElfImage.h"
@@ -313,13 +312,6 @@ TEST_F(DeliveryTest, WhichVariablesAreDelivered) {
         Die(DW_TAG_variable, {Type(number), Address(0x1004)}),
     }));
     EXPECT_THAT(run.Variables(), ElementsAre("staticAtNull@0:4", "declared@1000:4"));
-}
-
-TEST_F(DeliveryTest, AddressesAreTakenRelativeToTheModule) {
-    ModuleInfo::mModuleOffset = 0x800;
-    const DieLabel number;
-    const ReadRun run = Read(Unit({Int(number), Variable("v", number, 0x1000)}));
-    EXPECT_THAT(run.Variables(), ElementsAre("v@800:4"));
 }
 
 TEST_F(DeliveryTest, MembersBitFieldsAndWhatIsHoisted) {

@@ -1,4 +1,5 @@
 // What the headers of a file say to a host, and the bytes that the image gives its memory.
+#include "core/ModuleInfo.h"
 #include "core/VElfOptions.h"
 #include "host/ContainerDetection.h"
 #include "model/ValueDecoder.h"
@@ -108,6 +109,12 @@ TEST_F(ImageDescriptionTest, EachContainerTellsTargetSectionsAndBytes) {
         EXPECT_EQ(BytesAt(run, "machine_word"), sample.machineWord);
         EXPECT_EQ(KindAt(run, "machine_word"), SectionKind::Data);
         EXPECT_EQ(KindAt(run, "sine"), SectionKind::ReadOnlyData);
+
+        ModuleInfo::mModuleOffset = 0x1000'0010;
+        const ReadRun moved = ReadSample(sample.name);
+        EXPECT_EQ(BytesAt(moved, "machine_word"), sample.machineWord);
+        EXPECT_EQ(KindAt(moved, "sine"), SectionKind::ReadOnlyData);
+        ModuleInfo::mModuleOffset = 0;
     }
 }
 

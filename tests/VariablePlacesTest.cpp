@@ -1,6 +1,7 @@
 // Which variables have a place, and where: tombstones of discarded variables, declarations that the
 // symbol table places, symbols beside them. Each image is read in both manners.
 #include "container/DeliveredSymbols.h"
+#include "core/ModuleInfo.h"
 #include "core/VElfOptions.h"
 #include "support/ElfImage.h"
 #include "support/PeImage.h"
@@ -66,6 +67,14 @@ private:
 
     ScopedReaderState mState;
 };
+
+TEST_F(VariablePlacesTest, AddressesAreTakenRelativeToTheModule) {
+    const ElfImage image = ElfImage().Symbol({"alone", 0x2000, sSymbolSize}) +
+                           Sections({Variable("described", {Address(0x1000)})});
+    ModuleInfo::mModuleOffset = 0x800;
+    EXPECT_THAT(Classic(image), ElementsAre("described@800:4", "alone@2000:8"));
+    EXPECT_THAT(Full(image), ElementsAre("described@800:4", "alone@1800:8"));
+}
 
 TEST_F(VariablePlacesTest, DiscardedVariablesAreLeftOutInTheFullManner) {
     const DwarfSections sections = Sections({

@@ -1,9 +1,11 @@
 #include "container/VElfFile.h"
 
 #include "core/HostText.h"
+#include "core/ModuleInfo.h"
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -35,6 +37,15 @@ constexpr SectionName sSectionNames[] = {
     {".debug_pubnames", &VElfFile::mSecDebugPubnames},
     {".debug_aranges", &VElfFile::mSecDebugAranges},
 };
+
+/// Moves the sections to where their variables are delivered. Addresses below the offset wrap
+/// around, as those of variables do.
+void SubtractModuleOffset(std::vector<DataModel::ImageSection>& sections) {
+    for (DataModel::ImageSection& section : sections) {
+        section.address -= ModuleInfo::GetModuleOffset();
+    }
+    std::ranges::stable_sort(sections, {}, &DataModel::ImageSection::address);
+}
 
 } // namespace
 
@@ -80,6 +91,7 @@ DataModel::ImageDescription VElfFile::DescribeImage(DWARFContainerType container
         image.sections = image.hasContents || mManner == ReadingManner::Classic
                              ? mImageSections.Sorted()
                              : mImageSections.SortedByFlags();
+        SubtractModuleOffset(image.sections);
     }
     return image;
 }

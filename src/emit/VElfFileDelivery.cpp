@@ -3,6 +3,7 @@
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/LongTextAllowance.h"
+#include "core/ModuleInfo.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"
 #include "emit/SymbolOnlyEmission.h"
@@ -54,7 +55,8 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         if (mManner == ReadingManner::Classic) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
         } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName, symbol.IsLocal())) {
-            emission.CreateVariable(name, symbol.st_value, symbol.st_size);
+            const std::uint64_t address = symbol.st_value - ModuleInfo::GetModuleOffset();
+            emission.CreateVariable(name, address, symbol.st_size);
         }
     });
 }
