@@ -18,6 +18,11 @@ bool IsNameCharacter(char character) {
            IsDigit(character) || character == '_';
 }
 
+/// Characters that stand behind a backslash in a text.
+bool IsEscaped(char character) {
+    return character == '"' || character == '\\';
+}
+
 /// Length of "[12]" at the start of a text that then ends or continues with a point or another
 /// index; 0 for anything else.
 std::size_t IndexLength(std::string_view text) {
@@ -95,11 +100,21 @@ std::string MakePartIdentifier(std::string_view name) {
 std::string QuotedText(std::string_view text) {
     std::string quoted = "\"";
     for (const char character : text) {
-        const bool isPlain = static_cast<unsigned char>(character) >= ' ' && character != '"' &&
-                             character != '\\' && character != '\x7F';
-        quoted += isPlain ? character : '_';
+        const bool isControl = static_cast<unsigned char>(character) < ' ' || character == '\x7F';
+        quoted.append(IsEscaped(character) ? "\\" : "").append(1, isControl ? '_' : character);
     }
     return quoted + '"';
+}
+
+std::string UnquotedText(std::string_view content) {
+    std::string text;
+    for (; !content.empty(); content.remove_prefix(1)) {
+        const bool isEscape = content.starts_with("\"\"") ||
+                              (content.size() > 1 && content[0] == '\\' && IsEscaped(content[1]));
+        content.remove_prefix(isEscape ? 1 : 0);
+        text += content.front();
+    }
+    return text;
 }
 
 std::string ShortHash(std::string_view text) {

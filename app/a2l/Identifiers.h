@@ -17,8 +17,12 @@ std::string MakeIdentifier(std::string_view name);
 /// A name of A2L in one part, without points and brackets.
 std::string MakePartIdentifier(std::string_view name);
 
-/// A text in quotes, with line ends and inner quotes replaced.
+/// A text in quotes: `T<'"'>::v` becomes `"T<'\"'>::v"`. Line ends become "_".
 std::string QuotedText(std::string_view text);
+
+/// The text of what stands between quotes: a quote is written there as `\"` or `""`, a backslash as
+/// `\\`. Other backslashes stay.
+std::string UnquotedText(std::string_view content);
 
 /// A hash of a text as 8 hexadecimal digits; always the same for the same text.
 std::string ShortHash(std::string_view text);

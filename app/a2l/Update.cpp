@@ -3,6 +3,7 @@
 #include "Phrases.h"
 
 #include "a2l/BitMask.h"
+#include "a2l/Identifiers.h"
 #include "a2l/Numbers.h"
 
 #include <algorithm>
@@ -91,8 +92,8 @@ private:
         result.object = position;
         result.newAddress = object.address.value;
         result.newMask = object.bitMask.value;
-        const std::string_view symbol =
-            object.link.length != 0 ? object.link.Text() : object.name.Text();
+        const std::string symbol = object.link.length != 0 ? UnquotedText(object.link.Text())
+                                                           : std::string(object.name.Text());
         const SymbolIndex::Answer answer = mIndex.Find(symbol);
         if (answer.outcome == SymbolIndex::Outcome::Found) {
             TakePlace(object, answer.place, result);

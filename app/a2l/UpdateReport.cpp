@@ -4,6 +4,7 @@
 #include "Phrases.h"
 #include "TableWriter.h"
 
+#include "a2l/Identifiers.h"
 #include "a2l/Numbers.h"
 #include "core/HostText.h"
 
@@ -62,7 +63,7 @@ std::string DifferencesOf(const ObjectResult& result) {
 }
 
 std::string SymbolOf(const Object& object) {
-    std::string symbol = ToHostText(object.link.Text());
+    std::string symbol = ToHostText(UnquotedText(object.link.Text()));
     if (symbol.empty() || object.linkOffset == 0) {
         return symbol;
     }

@@ -74,6 +74,16 @@ TEST(A2lExport, WritesDimensionsAsEachVersionHasThem) {
     }
 }
 
+TEST(A2lExport, TextsReturnFromTheirQuotes) {
+    for (const char* const text :
+         {"", "T<'\"'>::v", "T<'\\'>::v", "\"\"", "\\\"", "end\\", "a\\f"}) {
+        const std::string quoted = QuotedText(text);
+        EXPECT_EQ(UnquotedText(std::string_view(quoted).substr(1, quoted.size() - 2)), text);
+    }
+    EXPECT_EQ(QuotedText("a\"b\nc\\"), R"("a\"b_c\\")");
+    EXPECT_EQ(UnquotedText(R"(a""b\"c\\f\f\)"), R"(a"b"c\f\f\)");
+}
+
 TEST(A2lExport, LimitsBitsByTheirMask) {
     EXPECT_EQ(LimitsOf("ULONG", {}), "0 4294967295");
     EXPECT_EQ(LimitsOf("ULONG", 0x1FFE000), "0 4095");
