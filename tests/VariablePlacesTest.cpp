@@ -230,19 +230,31 @@ TEST_F(VariablePlacesTest, DamagedSpecificationsLeadToNoPlaceOfOthers) {
 }
 
 TEST_F(VariablePlacesTest, StaticVariablesWithoutLocationTakeNoPlaceOfOthers) {
-    const ElfImage image = ElfImage()
-                               .Symbol({"count", 0x100, sSymbolSize, sLocalObject})
-                               .Symbol({"taken", 0x200, sSymbolSize, sLocalObject})
-                               .Symbol({"twice", 0x300, sSymbolSize, sLocalObject})
-                               .Symbol({"twice", 0x400, sSymbolSize, sLocalObject}) +
-                           Sections({
-                               Variable("count", {}),
-                               Variable("taken", {}),
-                               Variable("twice", {}),
-                               Variable("taken", {Address(0x200)}),
-                           });
-    EXPECT_THAT(Full(image),
+    const ElfImage symbols = ElfImage()
+                                 .Symbol({"count", 0x100, sSymbolSize, sLocalObject})
+                                 .Symbol({"taken", 0x200, sSymbolSize, sLocalObject})
+                                 .Symbol({"twice", 0x300, sSymbolSize, sLocalObject})
+                                 .Symbol({"twice", 0x400, sSymbolSize, sLocalObject});
+    const auto image = [&](const std::string& compiler, const std::string& locatingCompiler) {
+        const auto unit = [](std::vector<Die> entries, const char* name, const std::string& of) {
+            return DwarfUnit{.entries = {UnitDie(std::move(entries), {Name(name), Producer(of)})}};
+        };
+        return symbols +
+               DwarfSections()
+                   .Unit(unit({Int(mInteger), Variable("count", {}), Variable("taken", {}),
+                               Variable("twice", {})},
+                              "unit.c", compiler))
+                   .Unit(unit({Variable("taken", {Address(0x200)})}, "b.c", locatingCompiler));
+    };
+    EXPECT_THAT(Full(image("CC 1", "CC 2")),
                 UnorderedElementsAre("count@100:4", "taken@200:4", "twice@300:8", "twice@400:8"));
+    // A compiler that writes locations has optimized such variables away.
+    for (const char* const locating : {"CC 2 -O2", "GNU C17 12.2.0 -O2", "Company clang 3"}) {
+        EXPECT_THAT(
+            Full(image(locating, "CC 2 -O0")),
+            UnorderedElementsAre("count@100:8", "taken@200:4", "twice@300:8", "twice@400:8"))
+            << locating;
+    }
 }
 
 // Each variable is in "unit.c", and was optimized away there or has no location.

@@ -2,12 +2,14 @@
 //
 //   extern int total;          declared external: the symbol `total` that all files know
 //   int f(void) { int n; }     a local without location, optimized away: no static variable
-//   static int count;          optimized away, or of a compiler that writes no locations here: the
-//                              symbol `count` of its own file, unless another variable of that name
-//                              has a place
+//   static int count;          of a compiler that writes no locations: the symbol `count` of its
+//   own
+//                              file, unless another variable of that name has a place. Of any other
+//                              compiler: optimized away
 //
 // A wrong address is worse than none. So a name without linkage name counts with its scope, and a
-// symbol that only its own file knows never serves a declaration in another one.
+// symbol that only its own file knows never serves a declaration in another one. Source files of
+// one name, or assembler files that the symbol table doesn't name, may have a symbol `count` too.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
@@ -18,6 +20,7 @@
 #include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNode.h"
 
+#include <algorithm>
 #include <cinttypes>
 #include <cstdint>
 #include <string>
@@ -71,30 +74,50 @@ std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name)
     return qualifiedName;
 }
 
-/// The name of a variable's unit; empty if it has none.
-std::string_view UnitNameOf(const VDebugInfoNode& variable) {
+/// The unit of a variable; null if it has none.
+const VDebugInfoNode* UnitOf(const VDebugInfoNode& variable) {
     const VDebugInfoNode* node = &variable;
     for (int link = 0; link < sMaximumChainLength && node != nullptr; ++link) {
         if (node->GetTag() == DW_TAG_compile_unit) {
-            return node->GetName();
+            return node;
         }
         node = node->GetParent();
     }
-    return {};
+    return nullptr;
 }
 
-/// True if the symbol may name the variable.
-bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
-               const VariableNames& names) {
-    if (names.isExternal) {
-        return symbol.mReach > SymbolReach::File;
-    }
-    if (symbol.mReach > SymbolReach::File) {
-        return variable.IsDeclaration();
-    }
-    return symbol.mSourceFile == nullptr ||
-           ShortUnitName(symbol.mSourceFile) == UnitNameOf(variable);
+/// The compiler without its options, which differ from unit to unit.
+std::string_view CompilerOf(const VDebugInfoNode& unit) {
+    const std::string_view producer = unit.GetProducer().mValue;
+    return producer.substr(0, producer.find(" -"));
 }
+
+/// Which compilers give each variable that exists a location. What they leave without one was
+/// optimized away.
+class LocatingCompilers {
+public:
+    void NoteThatOf(const VDebugInfoNode& locatedVariable) {
+        const VDebugInfoNode* unit = UnitOf(locatedVariable);
+        if (unit != nullptr && unit != mLastUnit) {
+            mCompilers.insert(CompilerOf(*unit));
+            mLastUnit = unit;
+        }
+    }
+
+    [[nodiscard]] bool HaveMade(const VDebugInfoNode& unit) const {
+        const std::string_view compiler = CompilerOf(unit);
+        return mCompilers.contains(compiler) ||
+               std::ranges::any_of(sKnownToLocate, [=](std::string_view known) {
+                   return compiler.find(known) != std::string_view::npos;
+               });
+    }
+
+private:
+    static constexpr std::string_view sKnownToLocate[] = {"GNU ", "clang", "LLVM", "rustc"};
+
+    std::unordered_set<std::string_view, SeededHash> mCompilers;
+    const VDebugInfoNode* mLastUnit = nullptr;
+};
 
 class DeclaredVariables {
 public:
@@ -106,6 +129,7 @@ public:
             }
             if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
                 mPlacedNames.insert(VariableNames(variable).name);
+                mLocating.NoteThatOf(variable);
             }
         });
         section.mSkipped.ForEachCompleted(
@@ -143,6 +167,21 @@ private:
         return symbol != nullptr && IsKnownTo(*symbol, variable, names) ? symbol : nullptr;
     }
 
+    /// True if the symbol may name the variable.
+    [[nodiscard]] bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
+                                 const VariableNames& names) const {
+        if (names.isExternal) {
+            return symbol.mReach > SymbolReach::File;
+        }
+        if (symbol.mReach > SymbolReach::File) {
+            return variable.IsDeclaration();
+        }
+        const VDebugInfoNode* unit = UnitOf(variable);
+        return unit != nullptr && !mLocating.HaveMade(*unit) &&
+               (symbol.mSourceFile == nullptr ||
+                ShortUnitName(symbol.mSourceFile) == unit->GetName());
+    }
+
     void Log(const VDebugInfoNode& variable, const char* outcome) {
         if (VElfOptions::mIsLogFile != 0) {
             elflog("%d. Resolving Extern Variable without location attribute. (section offset: "
@@ -157,6 +196,7 @@ private:
     std::unordered_set<const VDebugInfoNode*> mCompleted;
     /// Names of all variables whose place is in the debug information.
     std::unordered_set<std::string_view, SeededHash> mPlacedNames;
+    LocatingCompilers mLocating;
     int mLineNumber = 0;
 };
 
