@@ -1,5 +1,6 @@
 #include "container/DeliveredSymbols.h"
 
+#include "container/SourceUnits.h"
 #include "container/SymbolName.h"
 #include "core/KeyMixing.h"
 
@@ -22,22 +23,36 @@ void DeliveredSymbols::AddVariable(std::uint64_t address, std::string_view name)
     }
 }
 
-void DeliveredSymbols::AddValue(std::string_view name) {
+void DeliveredSymbols::AddValue(std::string_view name, std::string_view unit) {
     if (!name.empty()) {
+        mValues.Insert(KeyOf(KeyOf(0, unit), name));
         mValues.Insert(KeyOf(0, name));
     }
 }
 
-bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name, bool isLocal) {
+bool DeliveredSymbols::AddSymbol(std::uint64_t address, std::string_view name,
+                                 std::optional<std::string_view> unit) {
     const std::string_view plainName = WithoutVersion(name);
-    if (isLocal && !mValues.IsEmpty() && mValues.Contains(KeyOf(0, plainName))) {
+    const std::string_view shorter = WithoutUnderscore(plainName);
+    if (unit && !mValues.IsEmpty() && (IsValue(plainName, *unit) || IsValue(shorter, *unit))) {
         return false;
     }
-    if (IsVariable(address, plainName) || HasVariableInParts(address, plainName) ||
-        HasVariableInWholeName(address, plainName)) {
+    // `_Z` begins mangled names without such an underscore, and names of C with one.
+    const bool mayBeShorter = !shorter.empty() && !plainName.starts_with("_Z");
+    if (HasVariable(address, plainName) || IsVariable(address, shorter) ||
+        (mayBeShorter && HasVariable(address, shorter))) {
         return false;
     }
     return mSymbols.Insert(KeyOf(address, name));
+}
+
+bool DeliveredSymbols::IsValue(std::string_view name, std::string_view unit) const {
+    return mValues.Contains(KeyOf(unit != SourceUnits::sAny ? KeyOf(0, unit) : 0, name));
+}
+
+bool DeliveredSymbols::HasVariable(std::uint64_t address, std::string_view name) const {
+    return IsVariable(address, name) || HasVariableInParts(address, name) ||
+           HasVariableInWholeName(address, name);
 }
 
 bool DeliveredSymbols::IsVariable(std::uint64_t address, std::string_view name) const {
@@ -45,9 +60,6 @@ bool DeliveredSymbols::IsVariable(std::uint64_t address, std::string_view name) 
 }
 
 bool DeliveredSymbols::HasVariableInParts(std::uint64_t address, std::string_view name) const {
-    if (name.starts_with('_') && IsVariable(address, name.substr(1))) {
-        return true;
-    }
     while (!name.empty()) {
         const std::string_view part = name.substr(0, name.find('.'));
         if (IsVariable(address, part)) {

@@ -6,6 +6,7 @@
 #include "core/HashSlots.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -17,17 +18,18 @@ public:
     /// Adds a name or linkage name of a variable; an empty name is ignored.
     void AddVariable(std::uint64_t address, std::string_view name);
 
-    /// Adds the name of a static variable whose debug entry computes its value instead of naming
-    /// its place: `static int mode` of the values 5 and 9 may be one byte that is 0 or 1. Its
-    /// symbol would show the byte as the variable.
-    void AddValue(std::string_view name);
-
+    /// Adds a name or linkage name of a static variable whose debug entry computes its value
+    /// instead of naming its place: `static int mode` of the values 5 and 9 may be one byte that is
+    /// 0 or 1. Its symbol would show the byte as the variable. An empty name is ignored.
+    /// @param unit name of its unit, as delivered
+    void AddValue(std::string_view name, std::string_view unit);
     /// Adds a symbol, unless a variable at its address has its name. The symbol's name may be the
     /// plain or mangled name of the variable, or have what compilers put before and after it:
     /// `_calls`, `calls.0`, `calls$1`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.
-    /// @param isLocal only symbols of one source file are hidden by values
+    /// @param unit of a local symbol, by `SourceUnits`; only such symbols are hidden by values
     /// @return false if the symbol or its variable was already known, or is a value's
-    bool AddSymbol(std::uint64_t address, std::string_view name, bool isLocal = false);
+    bool AddSymbol(std::uint64_t address, std::string_view name,
+                   std::optional<std::string_view> unit = std::nullopt);
 
 private:
     class KeySet {
@@ -41,6 +43,8 @@ private:
         std::vector<std::uint64_t> mKeys;
     };
 
+    [[nodiscard]] bool IsValue(std::string_view name, std::string_view unit) const;
+    [[nodiscard]] bool HasVariable(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool IsVariable(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool HasVariableInWholeName(std::uint64_t address, std::string_view name) const;
     [[nodiscard]] bool HasVariableInParts(std::uint64_t address, std::string_view name) const;

@@ -93,6 +93,10 @@ std::string_view TakeIdentifier(std::string_view& mangledRest) {
     }
 }
 
+std::string_view WithoutUnderscore(std::string_view symbolName) {
+    return symbolName.starts_with('_') ? symbolName.substr(1) : std::string_view();
+}
+
 std::string_view NameInSource(std::string_view symbolName) {
     const std::string_view unique = WithoutUniqueEnd(symbolName);
     return unique.starts_with("_Z") ? LastIdentifier(unique)

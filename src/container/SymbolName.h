@@ -50,4 +50,8 @@ std::string_view TakeIdentifier(std::string_view& mangledRest);
 ///   _ZZ4stepiE5count_0                    count
 std::string_view NameInSource(std::string_view symbolName);
 
+/// The symbol name without the "_" that the compilers of some targets put before each name of C;
+/// empty if it doesn't begin with one.
+std::string_view WithoutUnderscore(std::string_view symbolName);
+
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -7,6 +7,7 @@
 #include "container/DeliveredSymbols.h"
 #include "container/ElfRecords.h"
 #include "container/IElfSymbolMap.h"
+#include "container/SourceUnits.h"
 #include "container/VCoffFileHeader.h"
 #include "container/VElfBuffer.h"
 #include "container/VElfInput.h"
@@ -196,6 +197,7 @@ public:
     VElfNamesObjectMap mNamesObjectMap;
     /// Filled in the full manner only; the classic one asks the data model.
     DeliveredSymbols mDeliveredSymbols;
+    SourceUnits mSourceUnits;
     std::unique_ptr<VCLIFactoryWrapper> mFactory;
     VDWARFReaderWrapper* mReader;
 

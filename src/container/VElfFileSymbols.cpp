@@ -51,12 +51,8 @@ bool IsFullAddressMapSymbol(const Elf32_Sym& symbol) {
     return IsDataByOption(symbol) && symbol.IsDefined();
 }
 
-/// Symbols of linker scripts and assembler files often have no type. A symbol of a source file says
-/// where the local symbols after it belong.
+/// Symbols of linker scripts and assembler files often have no type.
 bool IsFullNamesMapSymbol(const Elf32_Sym& symbol) {
-    if (symbol.Type() == sSymbolTypeFile) {
-        return true;
-    }
     const bool isUntyped = symbol.Type() == sSymbolTypeNone && !symbol.IsLocal();
     return (IsDataByOption(symbol) || isUntyped) && symbol.IsDefined();
 }
@@ -71,6 +67,21 @@ constexpr SymbolRules sFullRules = {sReadLargeSymbolFromBuffer, IsFullAddressMap
 const SymbolRules& SymbolRules::Of(ReadingManner manner) {
     return manner == ReadingManner::Full ? sFullRules : sClassicRules;
 }
+
+/// The symbol of a source file says where the local symbols after it belong.
+class SourceFiles {
+public:
+    void Take(Elf32_Sym& symbol) {
+        if (symbol.Type() == sSymbolTypeFile) {
+            mCurrent = symbol.name;
+        } else if (symbol.IsLocal()) {
+            symbol.sourceFile = mCurrent;
+        }
+    }
+
+private:
+    const char* mCurrent = nullptr;
+};
 
 bool HasName(const Elf32_Sym& symbol) {
     return symbol.name != nullptr && *symbol.name != '\0';
@@ -155,6 +166,7 @@ bool VElfFile::LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted) {
     if (mSecStrtab.sh_size == 0) {
         return Fail(ELFReadErrorEnum::ELFERR_NO_STRTAB);
     }
+    SourceFiles sources;
     const std::uint64_t count = mSecSymtab.sh_size / mSecSymtab.sh_entsize;
     for (std::uint64_t index = 0; index < count && !buffer.IsEOF(); ++index) {
         Elf32_Sym symbol;
@@ -165,6 +177,7 @@ bool VElfFile::LoadSymbols(IElfSymbolMap& map, SymbolFilter* isWanted) {
             break;
         }
         symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
+        sources.Take(symbol);
         if (isWanted(symbol) && symbol.name != nullptr) {
             WarnOfTrimmedAddress(symbol, mManner);
             map.AddSymbol(symbol);
@@ -179,6 +192,7 @@ bool VElfFile::ForEachDeliverableSymbol(const SymbolVisitor& visit) {
         return false;
     }
     const SymbolRules& rules = SymbolRules::Of(mManner);
+    SourceFiles sources;
     while (!buffer.IsEOF()) {
         Elf32_Sym symbol;
         if (!ReadSymbol(symbol, buffer)) {
@@ -188,6 +202,7 @@ bool VElfFile::ForEachDeliverableSymbol(const SymbolVisitor& visit) {
             break;
         }
         symbol.name = mStrTabBuffer->GetTextAt(symbol.st_name);
+        sources.Take(symbol);
         if (rules.isDeliverable(symbol) && HasName(symbol)) {
             visit(symbol);
         }

@@ -26,14 +26,10 @@ void VElfSymbolNamesMap::AddSymbol(const Elf32_Sym& symbol) {
 }
 
 void VElfSymbolNamesMap::AddFarthestKnown(const Elf32_Sym& symbol) {
-    if (symbol.Type() == sSymbolTypeFile) {
-        mSourceFile = symbol.name;
-        return;
-    }
     const std::string name(WithoutVersion(CutSymbolName(symbol.name, mLongNames)));
     VElfSymbolAddress address{symbol.st_value & AddressBits(mManner), ReachOf(symbol)};
     if (address.mReach == SymbolReach::File) {
-        address.mSourceFile = mSourceFile;
+        address.mSourceFile = symbol.sourceFile;
     }
     FileFarthestKnown(name.c_str(), address);
     if (const DemangledSymbolName readable(name); readable.IsModified()) {
@@ -63,7 +59,6 @@ void VElfSymbolNamesMap::AddLatest(const Elf32_Sym& symbol) {
 void VElfSymbolNamesMap::Clear() {
     mAddressesByName.RemoveAll();
     mAddresses.clear();
-    mSourceFile = nullptr;
 }
 
 const VElfSymbolAddress* VElfSymbolNamesMap::FindByName(const char* name) const {

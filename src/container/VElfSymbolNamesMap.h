@@ -34,8 +34,7 @@ struct VElfSymbolAddress {
 };
 
 /// Symbol addresses by name. In the classic manner the last symbol of a name wins. In the full one
-/// the widest reach wins, unless its symbols lie at several addresses; and symbols of source files
-/// give no address, but name the file of the local symbols after them.
+/// the widest reach wins, unless its symbols lie at several addresses.
 class VElfSymbolNamesMap final : public IElfSymbolMap {
 public:
     explicit VElfSymbolNamesMap(ReadingManner manner = ReadingManner::Classic)
@@ -70,8 +69,6 @@ private:
     ReadingManner mManner;
     VMapStringToPtr mAddressesByName{10};
     LongTextAllowance mLongNames;
-    /// Source file of the local symbols that come next.
-    const char* mSourceFile = nullptr;
     bool mIsInitialized = false;
     // When a name comes again, its old record stays here, unreachable, until the map is emptied.
     std::deque<VElfSymbolAddress> mAddresses;

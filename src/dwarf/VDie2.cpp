@@ -4,9 +4,9 @@
 
 #include "container/VElfFile.h"
 #include "core/CutText.h"
+#include "core/UnitName.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"
-#include "dwarf/UnitName.h"
 #include "dwarf/VAbrTab.h"
 #include "dwarf/VCompileUnitReader.h"
 #include "dwarf/VDwarf2Section.h"

@@ -4,9 +4,10 @@
 //   DW_OP_addr 0                                 a discarded variable, or the vector table
 //   DW_OP_addr 0, DW_OP_plus_uconst 4            the second of two merged variables
 //
-// Such a variable is kept if the symbol table knows it at its address. That a section holds the
-// address proves nothing, since flash often begins at 0: it counts only in files whose symbol table
-// names no data, and for no part of something merged.
+// Such a variable is kept if the symbol table knows it at its address: by one of the names that it
+// may have there, and not as a thing of another source file. That a section holds the address
+// proves nothing, since flash often begins at 0: it counts only in files whose symbol table names
+// no data, and for no part of something merged.
 //
 // Variables whose value is computed from what memory holds have no place either; their symbols must
 // not stand for them.
@@ -20,6 +21,7 @@
 #include "nodes/VDebugInfoNode.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -30,11 +32,55 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
+/// Stands for the unit of a symbol that all units know. No unit has such a name.
+constexpr std::string_view sEveryUnit = "*";
+
+struct OwnedName {
+    std::string_view name;
+    std::string_view owner;
+
+    bool operator==(const OwnedName&) const = default;
+};
+
+struct OwnedNameHash {
+    std::size_t operator()(const OwnedName& owned) const {
+        const SeededHash hash;
+        return hash(std::uint64_t{hash(owned.name)} ^ hash(owned.owner) * 3);
+    }
+};
+
+/// The names of the data symbols at one address, each as variables may be called.
+class DataNames {
+public:
+    void Add(std::string_view symbol, std::string_view owner) {
+        AddForms(symbol, owner);
+        AddForms(WithoutUnderscore(symbol), owner);
+    }
+
+    /// @param unit name of the variable's unit
+    [[nodiscard]] bool Know(std::string_view name, std::string_view unit) const {
+        return mNames.contains({name, unit}) || mNames.contains({name, SourceUnits::sAny});
+    }
+
+private:
+    void AddForms(std::string_view symbol, std::string_view owner) {
+        const std::string_view nameInSource = NameInSource(symbol);
+        mNames.insert({symbol, owner});
+        // A name made unique is that of a static variable, even if link-time optimisation has let
+        // others refer to it.
+        mNames.insert({nameInSource,
+                       nameInSource != symbol && owner == sEveryUnit ? SourceUnits::sAny : owner});
+    }
+
+    std::unordered_set<OwnedName, OwnedNameHash> mNames;
+};
+
 class DiscardedVariables {
 public:
-    explicit DiscardedVariables(VElfFile& file)
-        : mFile(file)
-        , mLongNames(file.mFileSize) {}
+    explicit DiscardedVariables(VDwarf2Section& section)
+        : mSection(section)
+        , mFile(*section.mElfFile)
+        , mLongNames(mFile.mFileSize) {}
 
     void LookAt(VDebugInfoNode& variable) {
         if (!IsAtTombstone(variable)) {
@@ -79,50 +125,99 @@ private:
 
     bool HasSymbolThere(const VDebugInfoNode& variable) {
         const std::uint64_t address = variable.GetLocationAddress();
+        const VDebugInfoNode* unit = variable.FindUnit();
+        const std::string_view unitName = unit != nullptr ? unit->GetName() : SourceUnits::sAny;
         const VariableNames names(variable);
-        return IsSymbolAt(names.linkageName, address) || IsSymbolAt(names.name, address);
+        return IsSymbolAt(names.linkageName, address, unitName) ||
+               IsSymbolAt(names.linkageName, address, sEveryUnit) ||
+               IsSymbolAt(names.name, address, unitName) ||
+               (IsSymbolAt(names.name, address, sEveryUnit) &&
+                (names.isExternal || !ExternalNames().contains(names.name)));
     }
 
-    bool IsSymbolAt(std::string_view name, std::uint64_t address) {
+    bool IsSymbolAt(std::string_view name, std::uint64_t address, std::string_view unit) {
         if (name.empty()) {
             return false;
         }
         // Static variables of several files may have the name.
-        if (DataNamesAt(address).contains(name)) {
+        if (DataNamesAt(address).Know(name, unit)) {
             return true;
         }
         const VElfSymbolAddress* symbol = mFile.FindSymbolByName(std::string(name));
-        return symbol != nullptr && symbol->mAddress == address;
+        if (symbol == nullptr || symbol->mAddress != address) {
+            return false;
+        }
+        const std::string_view owner = symbol->mReach > SymbolReach::File
+                                           ? sEveryUnit
+                                           : mFile.mSourceUnits.UnitOf(symbol->mSourceFile);
+        return owner == unit || owner == SourceUnits::sAny;
     }
 
-    const NameSet& DataNamesAt(std::uint64_t address) {
+    const DataNames& DataNamesAt(std::uint64_t address) {
         const auto [known, isNew] = mDataNames.try_emplace(address);
         if (isNew) {
             for (const Elf32_Sym& symbol : mFile.mSymbolMap.AllAt(address)) {
-                const std::string_view name = CutSymbolName(symbol.name, mLongNames);
-                known->second.insert(name);
-                known->second.insert(NameInSource(name));
+                known->second.Add(CutSymbolName(symbol.name, mLongNames), OwnerOf(symbol));
             }
         }
         return known->second;
     }
 
+    [[nodiscard]] std::string_view OwnerOf(const Elf32_Sym& symbol) const {
+        if (!symbol.IsLocal()) {
+            return sEveryUnit;
+        }
+        // Linkers that make a symbol local may put it behind those of another file.
+        return symbol.HasOwnVisibility() ? SourceUnits::sAny
+                                         : mFile.mSourceUnits.UnitOf(symbol.sourceFile);
+    }
+
+    /// Names of the external variables at tombstones: a static variable has none of their symbols.
+    const NameSet& ExternalNames() {
+        if (!mAreExternalNamesKnown) {
+            mAreExternalNamesKnown = true;
+            mSection.mDieNodes.ForEachOf(
+                NodeGroup::Variables, [this](const VDebugInfoNode& variable) {
+                    if (variable.HasLocation() && IsAtTombstone(variable)) {
+                        const VariableNames names(variable);
+                        mExternalNames.insert(names.isExternal ? names.name : std::string_view());
+                    }
+                });
+        }
+        return mExternalNames;
+    }
+
+    VDwarf2Section& mSection;
     VElfFile& mFile;
     LongTextAllowance mLongNames;
     /// Results for the addresses so far. Of sections, only a few are asked.
     std::unordered_map<std::uint64_t, bool> mIsInSection;
-    std::unordered_map<std::uint64_t, NameSet> mDataNames;
+    std::unordered_map<std::uint64_t, DataNames> mDataNames;
+    NameSet mExternalNames;
+    bool mAreExternalNamesKnown = false;
 };
+
+void NoteValue(const VDebugInfoNode& variable, DeliveredSymbols& delivered) {
+    const VDebugInfoNode* unit = variable.FindUnit();
+    const std::string_view unitName = unit != nullptr ? unit->GetName() : std::string_view();
+    const VariableNames names(variable);
+    delivered.AddValue(names.name, unitName);
+    delivered.AddValue(names.linkageName, unitName);
+}
 
 } // namespace
 
 void LeaveOutDiscardedVariables(VDwarf2Section& section) {
-    DiscardedVariables discarded(*section.mElfFile);
+    section.mDieNodes.ForEachOf(NodeGroup::CompileUnits, [&](const VDebugInfoNode& unit) {
+        section.mElfFile->mSourceUnits.Add(unit.GetName());
+    });
+    DiscardedVariables discarded(section);
+    DeliveredSymbols& delivered = section.mElfFile->mDeliveredSymbols;
     section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
         if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
             discarded.LookAt(variable);
-        } else if (variable.IsComputed()) {
-            section.mElfFile->mDeliveredSymbols.AddValue(VariableNames(variable).name);
+        } else if (variable.IsComputed() && !variable.StandsInFunction()) {
+            NoteValue(variable, delivered);
         }
     });
 }

@@ -13,8 +13,8 @@
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
 #include "core/KeyMixing.h"
+#include "core/UnitName.h"
 #include "diagnostics/ElfLog.h"
-#include "dwarf/UnitName.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
 #include "emit/VariableNames.h"
@@ -30,21 +30,6 @@
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
-
-bool StandsInFunction(const VDebugInfoNode& variable) {
-    const VDebugInfoNode* parent = variable.GetParent();
-    for (int link = 0; link < sMaximumChainLength && parent != nullptr; ++link) {
-        switch (parent->GetTag()) {
-        case DW_TAG_subprogram:
-        case DW_TAG_lexical_block:
-        case DW_TAG_inlined_subroutine:
-            return true;
-        default:
-            parent = parent->GetParent();
-        }
-    }
-    return parent != nullptr;
-}
 
 /// Scopes that a name may have; only damaged files have more.
 constexpr int sMaximumScopes = 100;
@@ -74,18 +59,6 @@ std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name)
     return qualifiedName;
 }
 
-/// The unit of a variable; null if it has none.
-const VDebugInfoNode* UnitOf(const VDebugInfoNode& variable) {
-    const VDebugInfoNode* node = &variable;
-    for (int link = 0; link < sMaximumChainLength && node != nullptr; ++link) {
-        if (node->GetTag() == DW_TAG_compile_unit) {
-            return node;
-        }
-        node = node->GetParent();
-    }
-    return nullptr;
-}
-
 /// The compiler without its options, which differ from unit to unit.
 std::string_view CompilerOf(const VDebugInfoNode& unit) {
     const std::string_view producer = unit.GetProducer().mValue;
@@ -97,7 +70,7 @@ std::string_view CompilerOf(const VDebugInfoNode& unit) {
 class LocatingCompilers {
 public:
     void NoteThatOf(const VDebugInfoNode& locatedVariable) {
-        const VDebugInfoNode* unit = UnitOf(locatedVariable);
+        const VDebugInfoNode* unit = locatedVariable.FindUnit();
         if (unit != nullptr && unit != mLastUnit) {
             mCompilers.insert(CompilerOf(*unit));
             mLastUnit = unit;
@@ -143,7 +116,7 @@ public:
             return;
         }
         const VariableNames names(variable);
-        if (!names.isExternal && StandsInFunction(variable)) {
+        if (!names.isExternal && variable.StandsInFunction()) {
             return;
         }
         const VElfSymbolAddress* symbol = FindSymbol(variable, names);
@@ -176,7 +149,7 @@ private:
         if (symbol.mReach > SymbolReach::File) {
             return variable.IsDeclaration();
         }
-        const VDebugInfoNode* unit = UnitOf(variable);
+        const VDebugInfoNode* unit = variable.FindUnit();
         return unit != nullptr && !mLocating.HaveMade(*unit) &&
                (symbol.mSourceFile == nullptr ||
                 ShortUnitName(symbol.mSourceFile) == unit->GetName());

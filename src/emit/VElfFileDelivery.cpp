@@ -9,6 +9,8 @@
 #include "emit/SymbolOnlyEmission.h"
 #include "emit/VCLIFactoryWrapper.h"
 
+#include <optional>
+#include <string_view>
 #include <utility>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
@@ -16,6 +18,29 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 constexpr std::size_t sMaximumFileNameLength = 260;
+
+/// The units of local symbols; nothing for other symbols. Symbols of one file follow each other.
+class UnitsOfSymbols {
+public:
+    explicit UnitsOfSymbols(const SourceUnits& units)
+        : mUnits(units) {}
+
+    std::optional<std::string_view> Of(const Elf32_Sym& symbol) {
+        if (!symbol.IsLocal()) {
+            return std::nullopt;
+        }
+        if (symbol.sourceFile != mSourceFile) {
+            mSourceFile = symbol.sourceFile;
+            mUnit = mUnits.UnitOf(mSourceFile);
+        }
+        return mUnit;
+    }
+
+private:
+    const SourceUnits& mUnits;
+    const char* mSourceFile = nullptr;
+    std::string_view mUnit = SourceUnits::sAny;
+};
 
 } // namespace
 
@@ -44,6 +69,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         return false;
     }
     LongTextAllowance longNames(mFileSize);
+    UnitsOfSymbols units(mSourceUnits);
     return ForEachDeliverableSymbol([&](const Elf32_Sym& symbol) {
         const std::string_view rawName = CutSymbolName(symbol.name, longNames);
         char name[sSymbolNameBufferSize];
@@ -54,7 +80,7 @@ bool VElfFile::ProcessSymTabSection(bool onlyDumpToLog) {
         }
         if (mManner == ReadingManner::Classic) {
             emission.DeliverVariable(name, symbol.st_value, symbol.st_size);
-        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName, symbol.IsLocal())) {
+        } else if (mDeliveredSymbols.AddSymbol(symbol.st_value, rawName, units.Of(symbol))) {
             const std::uint64_t address = symbol.st_value - ModuleInfo::GetModuleOffset();
             emission.CreateVariable(name, address, symbol.st_size);
         }

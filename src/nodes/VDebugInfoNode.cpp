@@ -128,6 +128,32 @@ const char* VDebugInfoNode::GetNameOrNull() const {
     return *name != '\0' ? name : nullptr;
 }
 
+const VDebugInfoNode* VDebugInfoNode::FindUnit() const {
+    const VDebugInfoNode* node = this;
+    for (int link = 0; link < sMaximumChainLength && node != nullptr; ++link) {
+        if (node->mTag == DW_TAG_compile_unit) {
+            return node;
+        }
+        node = node->mParent;
+    }
+    return nullptr;
+}
+
+bool VDebugInfoNode::StandsInFunction() const {
+    const VDebugInfoNode* scope = mParent;
+    for (int link = 0; link < sMaximumChainLength && scope != nullptr; ++link) {
+        switch (scope->mTag) {
+        case DW_TAG_subprogram:
+        case DW_TAG_lexical_block:
+        case DW_TAG_inlined_subroutine:
+            return true;
+        default:
+            scope = scope->mParent;
+        }
+    }
+    return scope != nullptr;
+}
+
 /// The subprogram or outer block that numbers this one, null if there is none.
 VDebugInfoNode* VDebugInfoNode::FindNumberingOwner() const {
     VDebugInfoNode* owner = mParent;

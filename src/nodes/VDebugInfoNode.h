@@ -138,6 +138,11 @@ public:
     /// @{
 
     [[nodiscard]] VDebugInfoNode* GetParent() const { return mParent; }
+    /// The unit that the entry lies in or is; null if it has none, as in damaged files.
+    [[nodiscard]] const VDebugInfoNode* FindUnit() const;
+    /// True in the code of a function, blocks and inlined functions included; also if the scopes
+    /// around the entry have no end, as those of a damaged file may.
+    [[nodiscard]] bool StandsInFunction() const;
     void SetParent(VDebugInfoNode* parent) { mParent = parent; }
     /// Number of parents up to the root.
     [[nodiscard]] std::size_t GetDepth() const;

@@ -1,4 +1,4 @@
-#include "dwarf/UnitName.h"
+#include "core/UnitName.h"
 
 #include <algorithm>
 #include <cstddef>
