@@ -152,13 +152,38 @@ TEST_F(VariablePlacesTest, SymbolsWithUniqueNamesKeepStaticVariables) {
     };
     for (const char* const own :
          {"count.5", "count$1", "count.lto_priv.0", "step.count", "step.count.2", "step::count",
-          "_ZZ4stepiE5count_0", "_ZN4step5countE.llvm.17"}) {
+          "_ZZ4stepiE5count_0", "_ZN4step5countE.llvm.17", "_count.5", "__ZL5count"}) {
         EXPECT_THAT(variables(own), ElementsAre("count@0:4")) << own;
     }
     for (const char* const other :
          {"counter.5", "account", "count.step", "_ZN5count4stepE", "_Z99count", "5"}) {
         EXPECT_THAT(variables(other), ElementsAre(std::string(other) + "@0:8")) << other;
     }
+}
+
+// One "count" was discarded, another one lies at 0.
+TEST_F(VariablePlacesTest, SymbolsOfOthersKeepNoDiscardedVariables) {
+    const auto variables = [&](const char* sourceFile) {
+        return Full(ElfImage()
+                        .Symbol({sourceFile, 0, 0, sSourceFile, 0, 0xFFF1})
+                        .Symbol({"count", 0, sSymbolSize, sLocalObject}) +
+                    Sections({Variable("count", {Address(0)})}));
+    };
+    EXPECT_THAT(variables("/src/unit.c"), ElementsAre("count@0:4"));
+    EXPECT_THAT(variables("other.c"), ElementsAre("count@0:8"));
+    // Link-time optimisation joins all sources.
+    EXPECT_THAT(variables("ld-temp.o"), ElementsAre("count@0:4"));
+    EXPECT_THAT(variables("<artificial>"), ElementsAre("count@0:4"));
+
+    const DieLabel half;
+    const Die halfType =
+        Die(half, DW_TAG_base_type, {Name("half"), ByteSize(2), Encoding(DW_ATE_signed)});
+    const Die discarded = Die(DW_TAG_variable, {Name("count"), Type(half), Address(0)});
+    const auto global = ElfImage().Symbol({"count", 0, sSymbolSize});
+    EXPECT_THAT(Full(global + Sections({halfType, discarded})), ElementsAre("count@0:2"));
+    EXPECT_THAT(
+        Full(global + Sections({halfType, discarded, Variable("count", {External(), Address(0)})})),
+        ElementsAre("count@0:4"));
 }
 
 // A compiler stores the values 5 and 9 as 0 and 1: the symbol's byte isn't the variable.
@@ -174,6 +199,20 @@ TEST_F(VariablePlacesTest, SymbolsDontStandForVariablesOfComputedValues) {
     EXPECT_THAT(Full(image("\x94\x01\x34\x1E\x9F", sGlobalObject)), ElementsAre("mode@1000:8"));
     EXPECT_THAT(Full(image("\x94\x01", sLocalObject)), ElementsAre("mode@1000:8"));
     EXPECT_THAT(Classic(image("\x94\x01\x34\x1E\x9F", sLocalObject)), ElementsAre("mode@1000:8"));
+
+    const auto inFile = [&](const char* sourceFile, const char* symbol) {
+        const Die mode =
+            Variable("mode", {modeAt("\x94\x01\x34\x1E\x9F"), LinkageName("_ZL4mode")});
+        return Full(ElfImage()
+                        .Symbol({sourceFile, 0, 0, sSourceFile, 0, 0xFFF1})
+                        .Symbol({symbol, 0x1000, sSymbolSize, sLocalObject}) +
+                    Sections({mode}));
+    };
+    EXPECT_THAT(inFile("other.c", "mode"), ElementsAre("mode@1000:8"));
+    for (const char* const own : {"mode", "_mode", "_ZL4mode"}) {
+        EXPECT_THAT(inFile("unit.c", own), IsEmpty()) << own;
+        EXPECT_THAT(inFile("ld-temp.o", own), IsEmpty()) << own;
+    }
 }
 
 TEST_F(VariablePlacesTest, DeclarationsFindSymbolsThatOtherFilesKnow) {
@@ -335,9 +374,9 @@ TEST_F(VariablePlacesTest, SymbolsOfVariablesAreKnownByEveryFormOfTheirNames) {
                                {"count__3Foo", "Foo", false},
                                {"count", "counter", false},
                                {".12", "", false}};
-    for (const char* symbol :
-         {"count", "_count", "count.12", "count.lto_priv.0", "main.count", "main.recount.count.3",
-          "count@@LIB_1", "_RNvCs1_4unit5count", "count__3Foo"}) {
+    for (const char* symbol : {"count", "_count", "count.12", "count.lto_priv.0", "main.count",
+                               "main.recount.count.3", "count@@LIB_1", "_RNvCs1_4unit5count",
+                               "count__3Foo", "_count.12", "__ZZ4stepiE5count_0"}) {
         cases.push_back({symbol, "count", true});
     }
     for (const char* symbol : {"main.recount", "counter", "recount"}) {
