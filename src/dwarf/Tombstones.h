@@ -1,7 +1,8 @@
 // What linkers write for the address of a thing that they discarded, whose debug information they
 // leave in place:
 //
-//   GNU ld, gold      0
+//   GNU ld            0
+//   gold              0 for a whole section that it discarded, plus the place in it
 //   lld               all ones in the width of an address, or one less
 //
 // All of them are valid addresses as well: the vector table of a controller lies at 0, and a port
