@@ -524,7 +524,8 @@ typedef struct brindle_factory {
     void (*SetTransformed)(void* user_data, brindle_bool transformedDataModel);
 
     /** Like AddEnumDescriptionToEnumTable, for a value that 32 bits can't express in the size of
-     * its enumeration; only in the full reading. enumValue has the 64 bits of the value: it is
+     * its enumeration, or with sign if the file doesn't give its integer type; only in the full
+     * reading. enumValue has the 64 bits of the value: it is
      * negative if the type is unsigned and all are used. If this is null,
      * AddEnumDescriptionToEnumTable gets the value, cut to 32 bits. Since interface 3. */
     brindle_bool (*AddWideEnumDescriptionToEnumTable)(void* user_data, brindle_id objIdOfEnumTable,

@@ -376,22 +376,27 @@ TEST_F(DeliveryTest, ArraysEnumerationsAndFunctionTypes) {
 }
 
 TEST_F(DeliveryTest, EnumeratorsKeepAllBitsInTheFullReading) {
-    const DieLabel longEnum, intEnum;
+    const DieLabel number, longEnum, intEnum, openEnum;
     const auto enumerator = [](const char* name, std::uint32_t form, std::uint64_t value) {
         return Die(DW_TAG_enumerator, {Name(name), Number(DW_AT_const_value, form, value)});
     };
     const DwarfSections sections = Unit({
+        Int(number),
         Die(longEnum, DW_TAG_enumeration_type, {Name("long_enum"), ByteSize(8)},
             {enumerator("low", DW_FORM_data1, 5), enumerator("minus", DW_FORM_sdata, ~0ULL),
              enumerator("word", DW_FORM_data4, 0xFFFFFFFF),
              enumerator("eight", DW_FORM_data8, 0x7FFF'FFFF'FFFF'FFFF),
              enumerator("leb", DW_FORM_udata, 0x1'0000'0005),
              enumerator("negative", DW_FORM_sdata, 0xFFFF'FFFE'0000'0000)}),
-        Die(intEnum, DW_TAG_enumeration_type, {Name("int_enum"), ByteSize(4)},
+        Die(intEnum, DW_TAG_enumeration_type, {Name("int_enum"), ByteSize(4), Type(number)},
             {enumerator("all", DW_FORM_udata, 0xFFFFFFFF),
              enumerator("beyond", DW_FORM_udata, 0x1'0000'0005)}),
+        Die(openEnum, DW_TAG_enumeration_type, {Name("open_enum"), ByteSize(4)},
+            {enumerator("top", DW_FORM_data4, 0x80000000),
+             enumerator("below", DW_FORM_sdata, ~0ULL)}),
         Variable("e", longEnum, 0x1000),
         Variable("f", intEnum, 0x1008),
+        Variable("g", openEnum, 0x100C),
     });
     const auto added = [&sections] {
         std::vector<std::string> calls;
@@ -406,12 +411,15 @@ TEST_F(DeliveryTest, EnumeratorsKeepAllBitsInTheFullReading) {
     };
     EXPECT_THAT(added(),
                 ElementsAre(R"(5, "low")", R"(-1, "minus")", R"(-1, "word")", R"(-1, "eight")",
-                            R"(5, "leb")", R"(0, "negative")", R"(-1, "all")", R"(5, "beyond")"));
+                            R"(5, "leb")", R"(0, "negative")", R"(-1, "all")", R"(5, "beyond")",
+                            R"(-2147483648, "top")", R"(-1, "below")"));
     VElfOptions::mIsFullReading = 1;
     EXPECT_THAT(added(), ElementsAre(R"(5, "low")", R"(-1, "minus")", R"(Wide 4294967295, "word")",
                                      R"(Wide 9223372036854775807, "eight")",
                                      R"(Wide 4294967301, "leb")", R"(Wide -8589934592, "negative")",
-                                     R"(-1, "all")", R"(Wide 4294967301, "beyond")"));
+                                     R"(-1, "all")", R"(Wide 4294967301, "beyond")",
+                                     // Without an integer type, only the values tell the sign.
+                                     R"(Wide 2147483648, "top")", R"(-1, "below")"));
 }
 
 TEST_F(DeliveryTest, BaseClassesAreLinkedAtTheirOffsets) {

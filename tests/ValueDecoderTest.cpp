@@ -52,6 +52,13 @@ TEST_F(ValueDecoderTest, NumbersAsTheirTypesTakeThem) {
     mModel.AddEnumDescriptionToEnumTable(mode, 3, "Third");
     const ObjectId flag = mModel.CreateEnumTable("Flag", Base(BasicTypes::UInt32, 4), 1, false);
     mModel.AddEnumDescriptionToEnumTable(flag, static_cast<std::int32_t>(0x80000000), "Top");
+    // Only their values tell the sign.
+    const ObjectId below =
+        mModel.CreateEnumTable("Below", mModel.CreateUnknownEntryType(1, 1), 1, false);
+    mModel.AddEnumDescriptionToEnumTable(below, -1, "Under");
+    const ObjectId above =
+        mModel.CreateEnumTable("Above", mModel.CreateUnknownEntryType(2, 1), 1, false);
+    mModel.AddEnumDescriptionToEnumTable(above, 0xFFFF, "Over");
     const struct {
         ObjectId type;
         Bytes bytes;
@@ -75,6 +82,9 @@ TEST_F(ValueDecoderTest, NumbersAsTheirTypesTakeThem) {
         {mode, {3}, "3 'Third'"},
         {mode, {4}, "4"},
         {flag, {0, 0, 0, 0x80}, "2147483648 'Top'"},
+        {below, {0xFF}, "-1 'Under'"},
+        {below, {0xFE}, "-2"},
+        {above, {0xFF, 0xFF}, "65535 'Over'"},
         {mModel.CreateUnknownEntryType(4, 1), {1, 2, 3, 4}, "unknown"},
         {Base(BasicTypes::UInt16, 2), {1}, "unknown"},
     };
@@ -124,15 +134,17 @@ TEST_F(ValueDecoderTest, EnumeratorsHaveAllBitsOfTheirEnum) {
         EXPECT_EQ(Decoded(name, bytes), value) << enumerator << " in " << bytes.size();
     }
     const ObjectId fields = Struct("Fields", 4);
-    for (const auto& [name, type] :
-         {std::pair("signed", BasicTypes::Int32), std::pair("unsigned", BasicTypes::UInt32)}) {
-        const ObjectId table = mModel.CreateEnumTable(name, Base(type, 4), 1, false);
+    for (const auto& [name, type] : {std::pair("signed", Base(BasicTypes::Int32, 4)),
+                                     std::pair("unsigned", Base(BasicTypes::UInt32, 4)),
+                                     std::pair("open", mModel.CreateUnknownEntryType(4, 1))}) {
+        const ObjectId table = mModel.CreateEnumTable(name, type, 1, false);
         mModel.AddWideEnumDescriptionToEnumTable(table, -1, "All");
         BitField(name, table, fields, 0, 0, 3);
     }
     Global("fields", fields, 0x2000);
     EXPECT_EQ(Decoded("fields.signed", {7}), "-1 'All'");
     EXPECT_EQ(Decoded("fields.unsigned", {7}), "7");
+    EXPECT_EQ(Decoded("fields.open", {7}), "-1 'All'");
 }
 
 TEST_F(ValueDecoderTest, BitFieldsFromTheBytesThatHoldThem) {

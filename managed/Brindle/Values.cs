@@ -125,9 +125,8 @@ namespace Brindle
             if (row.Kind == Kind.Enum)
             {
                 finish = Named(model, row);
-                row = model.Object(model.WithoutTypedefs(row.Type));
             }
-            bool isSigned = signed.Contains(row.BasicType);
+            bool isSigned = finish != null ? IsSigned(model, row) : signed.Contains(row.BasicType);
             bool isBool = row.BasicType == BoolType;
             bool isBigEndian = model.IsBigEndian;
             return (content, start, size) =>
@@ -296,16 +295,25 @@ namespace Brindle
             return fits ? number & ((1L << width) - 1) : (long?)null;
         }
 
+        // For an enum.
+        static bool IsSigned(Model model, NativeObject row)
+        {
+            NativeObject underlying = model.Object(model.WithoutTypedefs(row.Type));
+            // Without an integer type, only the values tell it.
+            return underlying.Kind == Kind.Base
+                       ? signed.Contains(underlying.BasicType)
+                       : model.Enumerators(row).Any(enumerator => enumerator.WholeValue < 0);
+        }
+
         static Decoder Enumeration(Model model, NativeObject row)
         {
             Func<long, object> finish = Named(model, row);
-            NativeObject underlying = model.Object(model.WithoutTypedefs(row.Type));
-            bool isUnsigned = unsigned.Contains(underlying.BasicType);
+            bool isSigned = IsSigned(model, row);
             bool isBigEndian = model.IsBigEndian;
             return (content, start, size) =>
             {
                 ulong number = Number(content, start, size, isBigEndian);
-                return finish(isUnsigned ? (long)number : Extend(number, size * 8));
+                return finish(isSigned ? Extend(number, size * 8) : (long)number);
             };
         }
 

@@ -87,13 +87,14 @@ def bits_decoder_of(model: Model, identifier: int, bit_offset: int, bit_size: in
     byte_order: Any = model.byte_order
     mask = (1 << bit_size) - 1
     row = model.object(model.without_typedefs(identifier))
-    finish: Callable[[int], Value] = int
+    finish: Callable[[int], Value]
     if row.kind == _model.KIND_ENUM:
         finish = _named(model, row)
-        row = model.object(model.without_typedefs(row.type))
-    elif row.basic_type == _BOOL:
-        finish = bool
-    sign = 1 << (bit_size - 1) if bit_size and row.basic_type in _SIGNED else 0
+        is_signed = _is_signed(model, row)
+    else:
+        finish = bool if row.basic_type == _BOOL else int
+        is_signed = row.basic_type in _SIGNED
+    sign = 1 << (bit_size - 1) if bit_size and is_signed else 0
 
     def decode(content: bytes) -> Value:
         number = int.from_bytes(content.ljust(count, b"\0"), byte_order) >> bit_offset & mask
@@ -134,13 +135,22 @@ def _named(model: Model, row: ObjectRow) -> Callable[[int], Value]:
     return lambda number: EnumValue(number, names.get(bits(number)))
 
 
+def _is_signed(model: Model, row: ObjectRow) -> bool:
+    underlying = model.object(model.without_typedefs(row.type))
+    if underlying.kind == _model.KIND_BASE:
+        return underlying.basic_type in _SIGNED
+    # Without an integer type, only the values tell it.
+    return any(value < 0 for _, value in model.enumerators(row))
+
+
 def _enum(model: Model, row: ObjectRow, depth: int) -> Decoder:
     finish = _named(model, row)
     size = model.size_of(row.id)
     underlying = model.object(model.without_typedefs(row.type))
     if underlying.kind != _model.KIND_BASE or size not in (1, 2, 4, 8):
         byte_order: Any = model.byte_order
-        return lambda content: finish(int.from_bytes(content, byte_order, signed=True))
+        is_signed = _is_signed(model, row)
+        return lambda content: finish(int.from_bytes(content, byte_order, signed=is_signed))
     number = decoder_of(model, underlying.id, depth + 1)
     return lambda content: finish(number(content))  # type: ignore[arg-type]
 

@@ -61,9 +61,9 @@ struct DeliveryRules {
     /// The name for a type that has none and completes no named entry. May mark it as
     /// anonymous.
     std::string_view (*nameOfNameless)(VDebugInfoNode& type);
-    /// Adds a named enumerator to the table of its enumeration, which has this size in bytes.
-    void (*addEnumerator)(VCLIFactoryWrapper& factory, ObjectId table, std::uint32_t size,
-                          const VDebugInfoNode& enumerator);
+    /// Adds a named enumerator to the table of its enumeration.
+    void (*addEnumerator)(VCLIFactoryWrapper& factory, ObjectId table,
+                          const VDebugInfoNode& enumeration, const VDebugInfoNode& enumerator);
 
     /// False for a node that delivers no object, whatever its needs deliver.
     [[nodiscard]] bool PassesFilter(const VDebugInfoNode& node) const;

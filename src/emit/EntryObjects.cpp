@@ -247,7 +247,7 @@ private:
     void AddEnumerators(ObjectId table) {
         for (const VDebugInfoNode* child : mNode.Children()) {
             if (child->GetTag() == DW_TAG_enumerator && child->GetNameOrNull() != nullptr) {
-                mEmission.Rules().addEnumerator(mFactory, table, UnsignedSize(), *child);
+                mEmission.Rules().addEnumerator(mFactory, table, mNode, *child);
             }
         }
     }
@@ -381,8 +381,8 @@ std::string_view FullNameOfNameless(VDebugInfoNode& type) {
     return type.GetDefaultName();
 }
 
-void AddClassicEnumerator(VCLIFactoryWrapper& factory, ObjectId table, std::uint32_t /*size*/,
-                          const VDebugInfoNode& enumerator) {
+void AddClassicEnumerator(VCLIFactoryWrapper& factory, ObjectId table,
+                          const VDebugInfoNode& /*enumeration*/, const VDebugInfoNode& enumerator) {
     const std::int64_t value = enumerator.GetConstValueAttribute().ToInteger();
     factory.AddEnumDescriptionToEnumTable(table, static_cast<std::int32_t>(value),
                                           enumerator.GetName());
@@ -390,18 +390,20 @@ void AddClassicEnumerator(VCLIFactoryWrapper& factory, ObjectId table, std::uint
 
 /// Leaves out an enumerator whose value the reader can't know, such as one of 16 bytes: no value is
 /// better than a wrong one.
-void AddFullEnumerator(VCLIFactoryWrapper& factory, ObjectId table, std::uint32_t size,
-                       const VDebugInfoNode& enumerator) {
+void AddFullEnumerator(VCLIFactoryWrapper& factory, ObjectId table,
+                       const VDebugInfoNode& enumeration, const VDebugInfoNode& enumerator) {
     const VAttributeValue& constant = enumerator.GetConstValueAttribute();
     if (!constant.IsDefined()) {
         return;
     }
     const std::int64_t value = constant.ToInteger();
     const auto narrow = static_cast<std::int32_t>(value);
-    // In 4 bytes, -1 and 4294967295 are one value.
-    const bool isNarrow =
-        value == narrow ||
-        (size <= sizeof narrow && value == std::int64_t{static_cast<std::uint32_t>(narrow)});
+    // In 4 bytes, -1 and 4294967295 are one value. Without an integer type, only the values tell
+    // whether the enumeration has a sign.
+    const bool isOneValue = enumeration.GetTypeNode() != nullptr &&
+                            static_cast<std::uint32_t>(enumeration.GetByteSize()) <= sizeof narrow;
+    const bool isNarrow = value == narrow ||
+                          (isOneValue && value == std::int64_t{static_cast<std::uint32_t>(narrow)});
     if (isNarrow) {
         factory.AddEnumDescriptionToEnumTable(table, narrow, enumerator.GetName());
     } else {

@@ -190,9 +190,10 @@ public:
     /// @return false if the description could not be added
     virtual bool AddEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable, std::int32_t enumValue,
                                                const std::string& enumText) = 0;
-    /// Adds the name of a value that 32 bits can't express in the size of its enumeration: the full
-    /// reading calls this instead of `AddEnumDescriptionToEnumTable`. A model that doesn't override
-    /// it receives the value there, cut to 32 bits.
+    /// Adds the name of a value that 32 bits can't express in the size of its enumeration, or with
+    /// sign if the file doesn't give its integer type: the full reading calls this instead of
+    /// `AddEnumDescriptionToEnumTable`. A model that doesn't override it receives the value there,
+    /// cut to 32 bits.
     /// @param enumValue the 64 bits of the value; negative if the type is unsigned and all are used
     /// @return false if the description could not be added
     virtual bool AddWideEnumDescriptionToEnumTable(ObjectId objIdOfEnumTable,

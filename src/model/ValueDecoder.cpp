@@ -216,11 +216,12 @@ void ValueDecoder::DecodeNumber(const Model::Place& place, std::span<const std::
                                 PlaceValue& value) {
     const ModelObject type = mModel.Object(mModel.WithoutTypedefs(place.type));
     const bool isEnum = type.id != 0 && type.kind == ObjectKind::Enum;
+    const KnownEnum* const known = isEnum ? &Known(type.id) : nullptr;
     Notation notation =
         NotationOf(isEnum ? mModel.Object(mModel.WithoutTypedefs(type.type)) : type);
     if (isEnum && notation == Notation::None) {
         // For the integer type of some enums only the size is known.
-        notation = Notation::Unsigned;
+        notation = known->isNegative ? Notation::Signed : Notation::Unsigned;
     }
     const std::uint64_t firstBit = place.isBitField ? place.bitOffset % sBitsPerByte : 0;
     const std::uint64_t width = place.isBitField ? place.bitSize : place.size * sBitsPerByte;
@@ -229,20 +230,28 @@ void ValueDecoder::DecodeNumber(const Model::Place& place, std::span<const std::
     if (std::holds_alternative<std::monostate>(value.number)) {
         value.origin = ValueOrigin::Unknown;
     } else if (isEnum) {
-        value.text = EnumeratorOf(type.id, value.number);
+        value.text = EnumeratorOf(type.id, *known, value.number);
     }
 }
 
-std::string_view ValueDecoder::EnumeratorOf(ObjectId type, const PlaceNumber& number) {
-    const std::uint64_t size = mModel.SizeOf(type);
-    const auto [known, isNew] = mEnumerators.try_emplace(type);
+const ValueDecoder::KnownEnum& ValueDecoder::Known(ObjectId enumeration) {
+    const auto [found, isNew] = mKnownEnums.try_emplace(enumeration);
+    KnownEnum& known = found->second;
     if (isNew) {
-        for (const Enumerator& enumerator : mModel.Enumerators(type)) {
+        const std::uint64_t size = mModel.SizeOf(enumeration);
+        for (const Enumerator& enumerator : mModel.Enumerators(enumeration)) {
             if (const auto bits = enumerator.BitsIn(size)) {
-                known->second.emplace(*bits, enumerator.name);
+                known.names.emplace(*bits, enumerator.name);
+                known.isNegative = known.isNegative || enumerator.value < 0;
             }
         }
     }
+    return known;
+}
+
+std::string_view ValueDecoder::EnumeratorOf(ObjectId type, const KnownEnum& known,
+                                            const PlaceNumber& number) const {
+    const std::uint64_t size = mModel.SizeOf(type);
     std::int64_t value = 0;
     if (const auto* const withSign = std::get_if<std::int64_t>(&number)) {
         value = *withSign;
@@ -254,8 +263,8 @@ std::string_view ValueDecoder::EnumeratorOf(ObjectId type, const PlaceNumber& nu
         return {};
     }
     const std::optional<std::uint64_t> bits = Enumerator{.value = value, .name = {}}.BitsIn(size);
-    const auto found = bits ? known->second.find(*bits) : known->second.end();
-    return found == known->second.end() ? std::string_view() : found->second;
+    const auto found = bits ? known.names.find(*bits) : known.names.end();
+    return found == known.names.end() ? std::string_view() : found->second;
 }
 
 } // namespace Tessel::Norn::Brindle::DataModel

@@ -60,18 +60,26 @@ public:
     PlaceValue Decode(const Model::Place& place, std::span<const std::uint8_t> bytes);
 
 private:
-    /// Names by the bits of their values, see `Enumerator::BitsIn`; the first if there are several.
-    using EnumeratorNames = std::unordered_map<std::uint64_t, std::string_view>;
+    /// What an enumeration tells about its values.
+    struct KnownEnum {
+        /// Names by the bits of their values, see `Enumerator::BitsIn`; the first if there are
+        /// several.
+        std::unordered_map<std::uint64_t, std::string_view> names;
+        /// True if a value is below zero.
+        bool isNegative = false;
+    };
 
     [[nodiscard]] bool HasValue(const Model::Place& place) const;
     [[nodiscard]] bool IsText(const Model::Place& place) const;
     [[nodiscard]] ValueOrigin OriginOf(std::uint64_t address) const;
     void DecodeNumber(const Model::Place& place, std::span<const std::uint8_t> bytes,
                       PlaceValue& value);
-    std::string_view EnumeratorOf(ObjectId type, const PlaceNumber& number);
+    const KnownEnum& Known(ObjectId enumeration);
+    [[nodiscard]] std::string_view EnumeratorOf(ObjectId type, const KnownEnum& known,
+                                                const PlaceNumber& number) const;
 
     const Model& mModel;
-    std::unordered_map<ObjectId, EnumeratorNames> mEnumerators;
+    std::unordered_map<ObjectId, KnownEnum> mKnownEnums;
 };
 
 } // namespace Tessel::Norn::Brindle::DataModel

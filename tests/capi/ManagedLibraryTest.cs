@@ -260,10 +260,13 @@ static class ManagedLibraryTest
             TestLeaves(image);
             TestValues(image);
         }
-        using (Image image = Image.Read(arguments[1], new ReadOptions { Full = true }))
+        foreach (string values in arguments.Skip(2))
         {
-            TestValueTable(image, arguments[2]);
-            TestPackedBits(image);
+            using (Image image = Image.Read(values, new ReadOptions { Full = true }))
+            {
+                TestValueTable(image, arguments[1]);
+                TestPackedBits(image);
+            }
         }
         TestBigEndian(arguments[0]);
         TestReads(path);
