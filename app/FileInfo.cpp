@@ -34,6 +34,8 @@ std::vector<std::string> NotesOf(const FileInfo& info) {
     if (result.isOk && !info.HasContents()) {
         notes.push_back(Phrased("a file of another kind, or damaged: it has neither sections in "
                                 "memory nor symbols"));
+    } else if (std::string text = WithoutVariablesText(result); !text.empty()) {
+        notes.push_back(std::move(text));
     } else if (result.isOk && notes.empty() && !hasUnits) {
         notes.push_back(Phrased("no debug information: variables come from the symbol table, "
                                 "without types; compile and link with -g, and read the file "

@@ -54,6 +54,8 @@ void TellRemarks(const std::string& file, const ReadResult& result) {
     if (result.isOk && !HasFoundAnything(result)) {
         Tell(file, Phrased("nothing to read: the file has neither debug information nor symbols; "
                            "it is stripped, damaged or of another kind"));
+    } else if (const std::string text = WithoutVariablesText(result); !text.empty()) {
+        Tell(file, text);
     }
 }
 
@@ -198,6 +200,15 @@ bool ReadSession::RunReader(const std::string& file, DWARFContainerType containe
     }
     mProgressBar = progressBar ? &*progressBar : nullptr;
     return mReader.Read(file, container);
+}
+
+std::string WithoutVariablesText(const ReadResult& result) {
+    const bool hasUnits = !result.facts.Units().empty() || result.facts.TypeUnits() != 0;
+    const bool isBare = result.isOk && !hasUnits && result.remarks.All().empty();
+    return isBare && result.container == DWARFContainerType::Container_PE
+               ? Phrased("no debug information: variables of a Windows image come from it alone; "
+                         "compile and link with -g, and read the file before it is stripped")
+               : std::string();
 }
 
 bool HasDelivered(const ReadResult& result, const DataModel::Model& model) {

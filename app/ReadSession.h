@@ -84,6 +84,10 @@ private:
     bool mHasPhase = false;
 };
 
+/// Says that a file without debug information has no variables, if it is a Windows image; empty for
+/// any other file.
+std::string WithoutVariablesText(const ReadResult& result);
+
 /// False if the read failed before it delivered anything: that the model lacks something then says
 /// nothing about the file.
 bool HasDelivered(const ReadResult& result, const DataModel::Model& model);

@@ -50,6 +50,12 @@ constexpr std::array sTranslations = {
                 "keine Debug-Informationen: die Variablen stammen aus der Symboltabelle, ohne "
                 "Typen; mit -g übersetzen und linken, und die Datei lesen, bevor ihr die Symbole "
                 "genommen werden (strip)"},
+    Translation{
+        "no debug information: variables of a Windows image come from it alone; compile and "
+        "link with -g, and read the file before it is stripped",
+        "keine Debug-Informationen: die Variablen eines Windows-Programms stammen nur aus "
+        "ihnen; mit -g übersetzen und linken, und die Datei lesen, bevor ihr die Symbole "
+        "genommen werden (strip)"},
     Translation{"reading", "lesen"},
     Translation{"resolving", "zuordnen"},
     Translation{"delivering", "liefern"},

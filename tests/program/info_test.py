@@ -130,6 +130,18 @@ class InfoTest(unittest.TestCase):
                     self.assertEqual("corrupt" in error, name == "text.txt", error)
                     self.assertEqual((info["ok"], bool(info["error"])), (False, True))
 
+    def test_a_windows_image_has_no_variables_without_debug_information(self):
+        with tempfile.TemporaryDirectory(prefix="brindle-test-") as folder:
+            path = pathlib.Path(folder, "bare.exe")
+            content = (IMAGES / "x86_64-c-dwarf4-O0.exe").read_bytes()
+            path.write_bytes(content.replace(b".debug_", b".other_"))
+            text = "no debug information: variables of a Windows image come from it alone"
+            info = json.loads(run("info", "--format", "json", path)[0])["files"][0]
+            self.assertEqual((info["variables"], info["symbols"] > 5), (0, True))
+            self.assertEqual([note.startswith(text) for note in info["notes"]], [True])
+            self.assertIn(text, run("vars", path, status=1)[1])
+            self.assertIn("eines Windows-Programms", run("vars", "--language", "49", path, status=1)[1])
+
     def test_remarks_are_results(self):
         image = IMAGES / "full" / "arm-c-split.elf"
         output, error = run("info", image)
