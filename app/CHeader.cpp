@@ -363,10 +363,23 @@ private:
         }
     }
 
-    [[nodiscard]] CType EnumType(const ModelObject& type, std::uint64_t size) const {
+    /// Of the integer type of some enumerations only the size is known: then the values tell.
+    bool IsSignedEnum(const ModelObject& type) {
         const ModelObject underlying = mModel.Object(mModel.WithoutTypedefs(type.type));
-        const bool isBase = underlying.kind == ObjectKind::Base;
-        return IntegerType(size, isBase && IsSigned(underlying.basicType));
+        if (underlying.kind == ObjectKind::Base && IsInteger(underlying.basicType)) {
+            return IsSigned(underlying.basicType);
+        }
+        const auto [known, isNew] = mSignsByValues.try_emplace(type.id, false);
+        if (isNew) {
+            known->second = std::ranges::any_of(
+                mModel.Enumerators(type.id),
+                [](const DataModel::Enumerator& enumerator) { return enumerator.value < 0; });
+        }
+        return known->second;
+    }
+
+    [[nodiscard]] CType EnumType(const ModelObject& type, std::uint64_t size) {
+        return IntegerType(size, IsSignedEnum(type));
     }
 
     /// True for the dimensions of a flexible array: the first is open, the others are known.
@@ -544,15 +557,15 @@ private:
     }
 
     [[nodiscard]] std::string ValueText(const ModelObject& type,
-                                        const DataModel::Enumerator& enumerator) const {
-        const ModelObject underlying = mModel.Object(mModel.WithoutTypedefs(type.type));
+                                        const DataModel::Enumerator& enumerator) {
         const std::int64_t value = enumerator.value;
-        if (value == std::numeric_limits<std::int64_t>::min() && IsSigned(underlying.basicType)) {
+        const bool isSigned = IsSignedEnum(type);
+        if (value == std::numeric_limits<std::int64_t>::min() && isSigned) {
             // C has no constant for it: a minus is an operator, and its operand is too large.
             return std::to_string(value + 1) + " - 1";
         }
         const auto bits = enumerator.BitsIn(mModel.SizeOf(type.id));
-        if (value >= 0 || IsSigned(underlying.basicType) || !bits) {
+        if (value >= 0 || isSigned || !bits) {
             return std::to_string(value);
         }
         return std::to_string(*bits) + "u";
@@ -593,6 +606,7 @@ private:
     /// The structures that are being written: none of them can be a member here.
     std::vector<ObjectId> mOpen;
     std::unordered_map<ObjectId, std::string> mTags;
+    std::unordered_map<ObjectId, bool> mSignsByValues;
     /// What was written, with its name: several compile units may have the same types.
     std::unordered_map<std::string, std::string> mKnown;
     std::string mText;

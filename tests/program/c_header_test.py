@@ -107,6 +107,17 @@ class CHeaderTest(ProgramTest):
             # C has no array at an offset within the padding.
             self.assertIn("_pad5[3];\n    /* not expressible in C: uint8 text[0] at offset 5 */\n}", header)
 
+    def test_enumerations_without_integer_type_have_the_sign_of_their_values(self):
+        source = self.folder / "source.c"
+        source.write_text("enum level { LOW = -1, HIGH = 5 }; struct { enum level now; } state;\n"
+                          "enum port { PORT = 0xF0000000u } port;\n")
+        image = str(self.folder / "image.elf")
+        subprocess.run(["gcc", "-gdwarf-2", "-gstrict-dwarf", "-nostdlib", "-static", "-Wl,-e,0", "-o", image,
+                        str(source)], check=True, timeout=120)
+        header = self.run_program("types", "--c", image)[0]
+        for text in ["LOW = -1,", "PORT = 4026531840,", "int32_t now; /* level */"]:
+            self.assertIn(f"    {text}\n" if text.endswith(",") else f" {text}", header)
+
     @staticmethod
     def positions(bits):
         """Byte and bit of each bit that is set."""
