@@ -163,17 +163,31 @@ TEST_F(VariablePlacesTest, SymbolsWithUniqueNamesKeepStaticVariables) {
 
 // One "count" was discarded, another one lies at 0.
 TEST_F(VariablePlacesTest, SymbolsOfOthersKeepNoDiscardedVariables) {
-    const auto variables = [&](const char* sourceFile) {
+    const auto variables = [&](const char* sourceFile, const char* otherUnit = "b.c") {
         return Full(ElfImage()
                         .Symbol({sourceFile, 0, 0, sSourceFile, 0, 0xFFF1})
                         .Symbol({"count", 0, sSymbolSize, sLocalObject}) +
-                    Sections({Variable("count", {Address(0)})}));
+                    Sections({Variable("count", {Address(0)})})
+                        .Unit({.entries = {UnitDie({}, {Name(otherUnit)})}}));
     };
     EXPECT_THAT(variables("/src/unit.c"), ElementsAre("count@0:4"));
     EXPECT_THAT(variables("other.c"), ElementsAre("count@0:8"));
     // Link-time optimisation joins all sources.
     EXPECT_THAT(variables("ld-temp.o"), ElementsAre("count@0:4"));
     EXPECT_THAT(variables("<artificial>"), ElementsAre("count@0:4"));
+    // A unit from a pipe doesn't tell its source.
+    EXPECT_THAT(variables("other.c", "-"), ElementsAre("count@0:4"));
+
+    // Tools make external symbols local, behind those of any file.
+    const auto madeLocal = [&](std::vector<Die> entries) {
+        return Full(ElfImage()
+                        .Symbol({"other.c", 0, 0, sSourceFile, 0, 0xFFF1})
+                        .Symbol({"count", 0, sSymbolSize, sLocalObject}) +
+                    Sections(std::move(entries)));
+    };
+    const Die external = Variable("count", {External(), Address(0)});
+    EXPECT_THAT(madeLocal({external}), ElementsAre("count@0:4"));
+    EXPECT_THAT(madeLocal({external, Variable("count", {Address(0)})}), ElementsAre("count@0:8"));
 
     const DieLabel half;
     const Die halfType =
@@ -312,6 +326,15 @@ TEST_F(VariablePlacesTest, StaticVariablesTakeSymbolsOfTheirOwnFileOnly) {
     EXPECT_THAT(image({otherFile, ownFile, count}), ElementsAre("count@100:4"));
     EXPECT_THAT(image({ownFile, otherFile, count}), ElementsAre("count@100:8"));
     EXPECT_THAT(image({ownFile, {"count", 0x100, sSymbolSize}}), ElementsAre("count@100:8"));
+
+    // GCC has folded it into a constant that is equal.
+    const auto beside = [&](const ElfSymbol& file, std::uint64_t address) {
+        return Full(ElfImage().Symbol(file).Symbol(count) +
+                    Sections({Variable("count", {}), Variable("equal", {Address(address)})}));
+    };
+    EXPECT_THAT(beside(ownFile, 0x100), UnorderedElementsAre("count@100:4", "equal@100:4"));
+    EXPECT_THAT(beside(ownFile, 0x104), UnorderedElementsAre("count@100:8", "equal@104:4"));
+    EXPECT_THAT(beside(otherFile, 0x100), UnorderedElementsAre("count@100:8", "equal@100:4"));
 }
 
 TEST_F(VariablePlacesTest, DefinitionComesBeforeTheDeclarationInAFunction) {

@@ -23,6 +23,7 @@ public:
     /// 0 or 1. Its symbol would show the byte as the variable. An empty name is ignored.
     /// @param unit name of its unit, as delivered
     void AddValue(std::string_view name, std::string_view unit);
+
     /// Adds a symbol, unless a variable at its address has its name. The symbol's name may be the
     /// plain or mangled name of the variable, or have what compilers put before and after it:
     /// `_calls`, `calls.0`, `calls$1`, `main.calls`, `calls@VERSION_1`, `_ZZ4mainE5calls`.

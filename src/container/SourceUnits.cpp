@@ -14,8 +14,13 @@ std::string_view ExtensionOf(std::string_view unitName) {
 } // namespace
 
 void SourceUnits::Add(std::string_view unit) {
-    if (!unit.empty() && mNames.emplace(unit).second) {
+    if (unit.empty() || !mNames.emplace(unit).second) {
+        return;
+    }
+    if (unit.find('_') != std::string_view::npos) {
         mExtensions.emplace(ExtensionOf(unit));
+    } else {
+        mHasNameless = true;
     }
 }
 
@@ -28,7 +33,7 @@ std::string_view SourceUnits::UnitOf(const char* sourceFile) const {
     if (unit != mNames.end()) {
         return *unit;
     }
-    return mExtensions.contains(std::string(ExtensionOf(name))) ? sNone : sAny;
+    return !mHasNameless && mExtensions.contains(std::string(ExtensionOf(name))) ? sNone : sAny;
 }
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

@@ -32,6 +32,9 @@ private:
     std::unordered_set<std::string, SeededHash> mNames;
     /// How the names of sources end.
     std::unordered_set<std::string, SeededHash> mExtensions;
+    /// A unit isn't named like a file: compiled from a pipe, it is "-", while its symbols may name
+    /// the source.
+    bool mHasNameless = false;
 };
 
 } // namespace Tessel::Norn::Brindle::Reader::DWARF

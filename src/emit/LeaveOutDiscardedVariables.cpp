@@ -32,8 +32,9 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
-/// Stands for the unit of a symbol that all units know. No unit has such a name.
+/// Stand for the unit of a symbol that all units know, and for some unit. No unit has such a name.
 constexpr std::string_view sEveryUnit = "*";
+constexpr std::string_view sSomeUnit = "?*";
 
 struct OwnedName {
     std::string_view name;
@@ -57,7 +58,7 @@ public:
         AddForms(WithoutUnderscore(symbol), owner);
     }
 
-    /// @param unit name of the variable's unit
+    /// @param unit the name of a unit, or what stands for one
     [[nodiscard]] bool Know(std::string_view name, std::string_view unit) const {
         return mNames.contains({name, unit}) || mNames.contains({name, SourceUnits::sAny});
     }
@@ -66,6 +67,7 @@ private:
     void AddForms(std::string_view symbol, std::string_view owner) {
         const std::string_view nameInSource = NameInSource(symbol);
         mNames.insert({symbol, owner});
+        mNames.insert({symbol, sSomeUnit});
         // A name made unique is that of a static variable, even if link-time optimisation has let
         // others refer to it.
         mNames.insert({nameInSource,
@@ -131,8 +133,16 @@ private:
         return IsSymbolAt(names.linkageName, address, unitName) ||
                IsSymbolAt(names.linkageName, address, sEveryUnit) ||
                IsSymbolAt(names.name, address, unitName) ||
-               (IsSymbolAt(names.name, address, sEveryUnit) &&
-                (names.isExternal || !ExternalNames().contains(names.name)));
+               (names.isExternal ? IsExternalAt(names.name, address)
+                                 : IsSymbolAt(names.name, address, sEveryUnit) &&
+                                       !NamesAtTombstones().external.contains(names.name));
+    }
+
+    /// Tools that make a symbol local may put it behind those of another file.
+    bool IsExternalAt(std::string_view name, std::uint64_t address) {
+        return IsSymbolAt(name, address, sEveryUnit) ||
+               (IsSymbolAt(name, address, sSomeUnit) &&
+                !NamesAtTombstones().internal.contains(name));
     }
 
     bool IsSymbolAt(std::string_view name, std::uint64_t address, std::string_view unit) {
@@ -150,7 +160,7 @@ private:
         const std::string_view owner = symbol->mReach > SymbolReach::File
                                            ? sEveryUnit
                                            : mFile.mSourceUnits.UnitOf(symbol->mSourceFile);
-        return owner == unit || owner == SourceUnits::sAny;
+        return owner == unit || owner == SourceUnits::sAny || unit == sSomeUnit;
     }
 
     const DataNames& DataNamesAt(std::uint64_t address) {
@@ -167,24 +177,28 @@ private:
         if (!symbol.IsLocal()) {
             return sEveryUnit;
         }
-        // Linkers that make a symbol local may put it behind those of another file.
         return symbol.HasOwnVisibility() ? SourceUnits::sAny
                                          : mFile.mSourceUnits.UnitOf(symbol.sourceFile);
     }
 
-    /// Names of the external variables at tombstones: a static variable has none of their symbols.
-    const NameSet& ExternalNames() {
-        if (!mAreExternalNamesKnown) {
-            mAreExternalNamesKnown = true;
+    /// Names of variables at tombstones: the symbol of one kind is none of the other.
+    struct KindsOfNames {
+        NameSet external;
+        NameSet internal;
+    };
+
+    const KindsOfNames& NamesAtTombstones() {
+        if (!mAreNamesKnown) {
+            mAreNamesKnown = true;
             mSection.mDieNodes.ForEachOf(
                 NodeGroup::Variables, [this](const VDebugInfoNode& variable) {
                     if (variable.HasLocation() && IsAtTombstone(variable)) {
                         const VariableNames names(variable);
-                        mExternalNames.insert(names.isExternal ? names.name : std::string_view());
+                        (names.isExternal ? mNames.external : mNames.internal).insert(names.name);
                     }
                 });
         }
-        return mExternalNames;
+        return mNames;
     }
 
     VDwarf2Section& mSection;
@@ -193,8 +207,8 @@ private:
     /// Results for the addresses so far. Of sections, only a few are asked.
     std::unordered_map<std::uint64_t, bool> mIsInSection;
     std::unordered_map<std::uint64_t, DataNames> mDataNames;
-    NameSet mExternalNames;
-    bool mAreExternalNamesKnown = false;
+    KindsOfNames mNames;
+    bool mAreNamesKnown = false;
 };
 
 void NoteValue(const VDebugInfoNode& variable, DeliveredSymbols& delivered) {

@@ -3,9 +3,10 @@
 //   extern int total;          declared external: the symbol `total` that all files know
 //   int f(void) { int n; }     a local without location, optimized away: no static variable
 //   static int count;          of a compiler that writes no locations: the symbol `count` of its
-//   own
-//                              file, unless another variable of that name has a place. Of any other
-//                              compiler: optimized away
+//                              own file, unless another variable of that name has a place
+//   static const int b = 5;    of any other compiler: optimized away, unless it has been folded
+//   into
+//                              a variable of its file, which then lies at the symbol `b` too
 //
 // A wrong address is worse than none. So a name without linkage name counts with its scope, and a
 // symbol that only its own file knows never serves a declaration in another one. Source files of
@@ -26,6 +27,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -65,8 +68,7 @@ std::string_view CompilerOf(const VDebugInfoNode& unit) {
     return producer.substr(0, producer.find(" -"));
 }
 
-/// Which compilers give each variable that exists a location. What they leave without one was
-/// optimized away.
+/// Which compilers give each variable that has a place of its own a location.
 class LocatingCompilers {
 public:
     void NoteThatOf(const VDebugInfoNode& locatedVariable) {
@@ -95,12 +97,13 @@ private:
 class DeclaredVariables {
 public:
     explicit DeclaredVariables(VDwarf2Section& section)
-        : mFile(*section.mElfFile) {
+        : mSection(section)
+        , mFile(*section.mElfFile) {
         section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](const VDebugInfoNode& variable) {
             if (const VDebugInfoNode* specification = variable.GetSpecificationNode()) {
                 mCompleted.insert(specification);
             }
-            if (variable.HasLocation() && !variable.IsRegisterOrStackLocation()) {
+            if (HasOwnPlace(variable)) {
                 mPlacedNames.insert(VariableNames(variable).name);
                 mLocating.NoteThatOf(variable);
             }
@@ -141,8 +144,8 @@ private:
     }
 
     /// True if the symbol may name the variable.
-    [[nodiscard]] bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
-                                 const VariableNames& names) const {
+    bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
+                   const VariableNames& names) {
         if (names.isExternal) {
             return symbol.mReach > SymbolReach::File;
         }
@@ -150,9 +153,33 @@ private:
             return variable.IsDeclaration();
         }
         const VDebugInfoNode* unit = variable.FindUnit();
-        return unit != nullptr && !mLocating.HaveMade(*unit) &&
-               (symbol.mSourceFile == nullptr ||
-                ShortUnitName(symbol.mSourceFile) == unit->GetName());
+        const bool isFileKnown = symbol.mSourceFile != nullptr;
+        if (unit == nullptr ||
+            (isFileKnown && ShortUnitName(symbol.mSourceFile) != unit->GetName())) {
+            return false;
+        }
+        return !mLocating.HaveMade(*unit) || (isFileKnown && HasPlaceAt(*unit, symbol.mAddress));
+    }
+
+    /// True if the unit has a variable whose location is this address.
+    bool HasPlaceAt(const VDebugInfoNode& unit, std::uint64_t address) {
+        if (!mArePlacesKnown) {
+            mArePlacesKnown = true;
+            mSection.mDieNodes.ForEachOf(NodeGroup::Variables, [this](
+                                                                   const VDebugInfoNode& variable) {
+                const VDebugInfoNode* of = HasOwnPlace(variable) ? variable.FindUnit() : nullptr;
+                if (of != nullptr) {
+                    mPlaces.emplace_back(of->GetOffset(), variable.GetLocationAddress());
+                }
+            });
+            std::ranges::sort(mPlaces);
+        }
+        return std::ranges::binary_search(mPlaces, Place(unit.GetOffset(), address));
+    }
+
+    static bool HasOwnPlace(const VDebugInfoNode& variable) {
+        return variable.HasLocation() && !variable.IsRegisterOrStackLocation() &&
+               !variable.IsAddressFromSymbolTable();
     }
 
     void Log(const VDebugInfoNode& variable, const char* outcome) {
@@ -164,12 +191,19 @@ private:
         }
     }
 
+    /// Section offset of a unit, and an address.
+    using Place = std::pair<std::uint32_t, std::uint64_t>;
+
+    VDwarf2Section& mSection;
     VElfFile& mFile;
     /// Variables that another one refers to as its specification.
     std::unordered_set<const VDebugInfoNode*> mCompleted;
     /// Names of all variables whose place is in the debug information.
     std::unordered_set<std::string_view, SeededHash> mPlacedNames;
     LocatingCompilers mLocating;
+    /// Ascending, once known. Few files ask.
+    std::vector<Place> mPlaces;
+    bool mArePlacesKnown = false;
     int mLineNumber = 0;
 };
 
