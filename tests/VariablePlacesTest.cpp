@@ -168,7 +168,7 @@ TEST_F(VariablePlacesTest, SymbolsOfOthersKeepNoDiscardedVariables) {
                         .Symbol({sourceFile, 0, 0, sSourceFile, 0, 0xFFF1})
                         .Symbol({"count", 0, sSymbolSize, sLocalObject}) +
                     Sections({Variable("count", {Address(0)})})
-                        .Unit({.entries = {UnitDie({}, {Name(otherUnit)})}}));
+                        .Unit(DwarfUnit{.entries = {UnitDie({}, {Name(otherUnit)})}}));
     };
     EXPECT_THAT(variables("/src/unit.c"), ElementsAre("count@0:4"));
     EXPECT_THAT(variables("other.c"), ElementsAre("count@0:8"));
