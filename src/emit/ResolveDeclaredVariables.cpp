@@ -4,9 +4,8 @@
 //   int f(void) { int n; }     a local without location, optimized away: no static variable
 //   static int count;          of a compiler that writes no locations: the symbol `count` of its
 //                              own file, unless another variable of that name has a place
-//   static const int b = 5;    of any other compiler: optimized away, unless it has been folded
-//   into
-//                              a variable of its file, which then lies at the symbol `b` too
+//   static const int b = 5;    of any other compiler: optimized away, unless it was folded into a
+//                              variable of its file, which then lies at the symbol `b` too
 //
 // A wrong address is worse than none. So a name without linkage name counts with its scope, and a
 // symbol that only its own file knows never serves a declaration in another one. Source files of
