@@ -50,8 +50,8 @@ struct Elf32_Sym {
     /// Points into the string table buffer, or into the image of a PE file, and is valid
     /// while that lives. May be null.
     const char* name = nullptr;
-    /// Source file of a local symbol, which ELF tables name before it; null if they don't. Points
-    /// into the string table buffer.
+    /// Last part of the path of the source file of a local symbol, which ELF tables name before it;
+    /// null if they don't. Points into the string table buffer.
     const char* sourceFile = nullptr;
     std::uint64_t st_value = 0;
     std::uint64_t st_size = 0;

@@ -3,13 +3,17 @@
 // emit/VElfFileDelivery.
 #include "container/SymbolName.h"
 #include "container/VElfFile.h"
+#include "core/CutText.h"
+#include "core/UnitName.h"
 #include "diagnostics/ElfLog.h"
 #include "diagnostics/ErrorState.h"
 
 #include <algorithm>
 #include <cinttypes>
+#include <cstddef>
 #include <limits>
 #include <new>
+#include <string_view>
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
@@ -73,13 +77,22 @@ class SourceFiles {
 public:
     void Take(Elf32_Sym& symbol) {
         if (symbol.Type() == sSymbolTypeFile) {
-            mCurrent = symbol.name;
+            mCurrent = symbol.name != nullptr ? NameIn(symbol.name) : nullptr;
         } else if (symbol.IsLocal()) {
             symbol.sourceFile = mCurrent;
         }
     }
 
 private:
+    /// The end of a path that its unit's name keeps: each of the symbols asks for it. Null for a
+    /// path that no compiler writes, since a table may have a source for every other symbol.
+    static const char* NameIn(const char* path) {
+        const std::string_view whole = CutText(path, sMaximumPathLength + 1);
+        return whole.size() <= sMaximumPathLength ? LastPartOfPath(whole).data() : nullptr;
+    }
+
+    static constexpr std::size_t sMaximumPathLength = 1024;
+
     const char* mCurrent = nullptr;
 };
 
