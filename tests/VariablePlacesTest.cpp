@@ -175,6 +175,9 @@ TEST_F(VariablePlacesTest, SymbolsOfOthersKeepNoDiscardedVariables) {
     // Link-time optimisation joins all sources.
     EXPECT_THAT(variables("ld-temp.o"), ElementsAre("count@0:4"));
     EXPECT_THAT(variables("<artificial>"), ElementsAre("count@0:4"));
+    // A path longer than compilers write counts as unknown.
+    EXPECT_THAT(variables((std::string(900, 'x') + "/other.c").c_str()), ElementsAre("count@0:8"));
+    EXPECT_THAT(variables((std::string(9000, 'x') + "/other.c").c_str()), ElementsAre("count@0:4"));
     // A unit from a pipe doesn't tell its source.
     EXPECT_THAT(variables("other.c", "-"), ElementsAre("count@0:4"));
 

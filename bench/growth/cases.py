@@ -35,6 +35,13 @@ def add_symbols(image, n, text, *, ends=False, step=4):
     return image
 
 
+def add_local_symbols(image, n):
+    name = image.symbol_name("v")
+    for _ in range(n):
+        image.local_symbol(name, 0)
+    return image
+
+
 def structures_of_suffixes(n, text, step=1, **unit):
     """n structures whose names are suffixes of one text, each some characters further."""
     image = Image()
@@ -564,6 +571,30 @@ def symbols_of_one_long_name(n):
     return add_symbols(Image(), n, "x" * n)
 
 
+def symbols_of_one_long_source(n):
+    """n local symbols at the place of a variable at 0, all of a source whose name has n characters."""
+    image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, address=0))
+    image.source_file(image.symbol_name("x" * n))
+    return add_local_symbols(image, n)
+
+
+def symbols_of_sources_of_suffixes(n):
+    """Each local symbol has its own source; the names of the sources are the suffixes of one text."""
+    image = many(1, lambda image, index, integer: image.entry("variable", name="v", type=integer, address=0))
+    path, name = image.symbol_name("x" * n), image.symbol_name("v")
+    for index in range(n):
+        image.source_file(path + index)
+        image.local_symbol(name, 0x1000 + 4 * index)
+    return image
+
+
+def variables_of_one_long_source(n):
+    """n variables without location, among a symbol of a source whose name has n characters."""
+    image = many(n, lambda image, index, integer: image.entry("variable", name="v", type=integer))
+    image.source_file(image.symbol_name("x" * n))
+    return add_local_symbols(image, 1)
+
+
 def symbols_of_suffixes(n):
     """n symbols whose names are the suffixes of one text of n characters."""
     return add_symbols(Image(), n, letters(n), ends=True)
@@ -1020,6 +1051,8 @@ def arrays_of_one_index(n):
 MILLION = 250_000  # four times as many in the largest input
 SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
          "symbols_of_one_name": MILLION, "symbols_of_one_address": MILLION, "variables_of_one_name": MILLION,
+         "symbols_of_one_long_source": MILLION, "symbols_of_sources_of_suffixes": MILLION,
+         "variables_of_one_long_source": MILLION,
          "coff_symbols_of_one_name": MILLION, "pe_symbols_of_one_name": MILLION,
          "least_structures": MILLION, "least_members": MILLION, "least_bit_fields": MILLION,
          "least_inner_classes": MILLION, "least_variables": MILLION, "deep_blocks": MILLION,
@@ -1039,16 +1072,17 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "overlapping_address_tables": FULL, "overlapping_list_tables": FULL, "location_lists_without_end": FULL,
            "old_location_lists_without_end": FULL, "circle_of_imported_units": FULL,
            "members_of_anonymous_structures_in_full": FULL, "variants_of_one_structure": FULL,
-           "deep_variants": FULL, "arrays_of_one_index": FULL,
+           "deep_variants": FULL, "arrays_of_one_index": FULL, "symbols_of_one_long_source": FULL,
+           "symbols_of_sources_of_suffixes": FULL, "variables_of_one_long_source": FULL,
            "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
            "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],
            "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
-HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "structures_of_suffixes", "long_array", "nested",
-           "chain", "fan", "many", "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "origins",
-           "all_cases"}
+HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "add_local_symbols", "structures_of_suffixes",
+           "long_array", "nested", "chain", "fan", "many", "least_entries", "sections_of_one_long_name",
+           "numbers_of_one_bucket", "origins", "all_cases"}
 
 
 # The part of the reader that a case strains. The measurements have a table for each.
@@ -1057,8 +1091,9 @@ SUBSYSTEMS = {
         coff_sections_of_one_long_name coff_symbols_of_one_name extern_variable_among_symbols_of_suffixes
         extern_variables extern_variables_among_symbols_of_one_name extern_variables_of_one_name
         mangled_symbols_of_suffixes pe_sections_of_one_long_name pe_symbols_of_one_name pe_symbols_of_suffixes
-        symbols_of_one_address symbols_of_one_long_name symbols_of_one_name symbols_of_suffixes
-        variables_among_symbols_of_one_address
+        symbols_of_one_address symbols_of_one_long_name symbols_of_one_long_source symbols_of_one_name
+        symbols_of_sources_of_suffixes symbols_of_suffixes variables_among_symbols_of_one_address
+        variables_of_one_long_source
     """.split(),
     "Units and their tables": """
         abbreviation_offsets_of_one_bucket circle_of_imported_units circle_of_signatures codes_of_one_bucket

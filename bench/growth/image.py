@@ -129,8 +129,15 @@ class Image:
         self.names += name.encode() + b"\0"
         return len(self.names) - len(name) - 1
 
-    def symbol(self, name_offset, address, size=4):
-        self.symbols += struct.pack("<IIIBBH", name_offset, address, size, 0x11, 0, 1)
+    def symbol(self, name_offset, address, size=4, info=0x11):
+        self.symbols += struct.pack("<IIIBBH", name_offset, address, size, info, 0, 1)
+
+    def local_symbol(self, name_offset, address):
+        self.symbol(name_offset, address, info=0x01)
+
+    def source_file(self, name_offset):
+        """The source of the local symbols that follow."""
+        self.symbol(name_offset, 0, 0, info=0x04)
 
     def sections(self):
         """Names and contents of the debug sections."""
