@@ -21,7 +21,9 @@
 #include "nodes/VDebugInfoNode.h"
 
 #include <algorithm>
+#include <array>
 #include <cinttypes>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -34,32 +36,49 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 namespace {
 
 /// Scopes that a name may have; only damaged files have more.
-constexpr int sMaximumScopes = 100;
+constexpr std::size_t sMaximumScopes = 100;
 
-/// The name as C++ writes it; only the plain name for a variable in a function or in no scope.
-/// Empty if it is longer than names of symbols may be.
-std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name) {
-    std::string qualifiedName(name);
-    const VDebugInfoNode* completed = variable.GetSpecificationNode();
-    const VDebugInfoNode* scope = (completed != nullptr ? *completed : variable).GetParent();
-    for (int link = 0; link < sMaximumScopes && scope != nullptr; ++link) {
-        if (qualifiedName.size() >= sSymbolNameBufferSize) {
-            return {};
-        }
-        switch (scope->GetTag()) {
-        case DW_TAG_namespace:
-        case DW_TAG_class_type:
-        case DW_TAG_structure_type:
-        case DW_TAG_union_type:
-            qualifiedName.insert(0, std::string(scope->GetName()) + "::");
-            scope = scope->GetParent();
-            break;
-        default:
-            return qualifiedName;
-        }
-    }
-    return qualifiedName;
+bool IsNamedScope(const VDebugInfoNode& scope) {
+    const auto tag = scope.GetTag();
+    return tag == DW_TAG_namespace || tag == DW_TAG_class_type || tag == DW_TAG_structure_type ||
+           tag == DW_TAG_union_type;
 }
+
+/// What C++ writes before a name in a scope: "" for none, as in functions, and "outer::inner::".
+std::string PrefixOf(const VDebugInfoNode* scope) {
+    std::array<std::string_view, sMaximumScopes> names;
+    std::size_t count = 0;
+    for (; count < names.size() && scope != nullptr && IsNamedScope(*scope);
+         scope = scope->GetParent()) {
+        names[count++] = scope->GetName();
+    }
+    std::string prefix;
+    while (count > 0 && prefix.size() < sSymbolNameBufferSize) {
+        prefix.append(names[--count]).append("::");
+    }
+    return prefix;
+}
+
+/// What variables of one scope share. They follow each other, and scopes may lie deep.
+template <typename Value>
+class OfLastScope {
+public:
+    /// @param find gets the scope; asked if it isn't the last one
+    template <typename Find>
+    const Value& Get(const VDebugInfoNode* scope, Find find) {
+        if (!mIsKnown || scope != mScope) {
+            mValue = find(scope);
+            mScope = scope;
+            mIsKnown = true;
+        }
+        return mValue;
+    }
+
+private:
+    Value mValue{};
+    const VDebugInfoNode* mScope = nullptr;
+    bool mIsKnown = false;
+};
 
 /// The compiler without its options, which differ from unit to unit.
 std::string_view CompilerOf(const VDebugInfoNode& unit) {
@@ -118,7 +137,7 @@ public:
             return;
         }
         const VariableNames names(variable);
-        if (!names.isExternal && variable.StandsInFunction()) {
+        if (!names.isExternal && StandsInFunction(variable)) {
             return;
         }
         const VElfSymbolAddress* symbol = FindSymbol(variable, names);
@@ -142,6 +161,22 @@ private:
         return symbol != nullptr && IsKnownTo(*symbol, variable, names) ? symbol : nullptr;
     }
 
+    bool StandsInFunction(const VDebugInfoNode& variable) {
+        return mIsFunction.Get(variable.GetParent(), [&](const VDebugInfoNode* /*scope*/) {
+            return variable.StandsInFunction();
+        });
+    }
+
+    /// The name as C++ writes it; only the plain name for a variable in a function or in no scope.
+    /// Empty if it is longer than names of symbols may be.
+    std::string QualifiedName(const VDebugInfoNode& variable, std::string_view name) {
+        const VDebugInfoNode* completed = variable.GetSpecificationNode();
+        const VDebugInfoNode& placed = completed != nullptr ? *completed : variable;
+        const std::string& prefix = mPrefix.Get(placed.GetParent(), PrefixOf);
+        return prefix.size() + name.size() < sSymbolNameBufferSize ? prefix + std::string(name)
+                                                                   : std::string();
+    }
+
     /// True if the symbol may name the variable.
     bool IsKnownTo(const VElfSymbolAddress& symbol, const VDebugInfoNode& variable,
                    const VariableNames& names) {
@@ -157,7 +192,9 @@ private:
             (isFileKnown && ShortUnitName(symbol.mSourceFile) != unit->GetName())) {
             return false;
         }
-        return !mLocating.HaveMade(*unit) || (isFileKnown && HasPlaceAt(*unit, symbol.mAddress));
+        const bool isLocating = mIsLocating.Get(
+            unit, [this](const VDebugInfoNode* of) { return mLocating.HaveMade(*of); });
+        return !isLocating || (isFileKnown && HasPlaceAt(*unit, symbol.mAddress));
     }
 
     /// True if the unit has a variable whose location is this address.
@@ -200,6 +237,9 @@ private:
     /// Names of all variables whose place is in the debug information.
     std::unordered_set<std::string_view, SeededHash> mPlacedNames;
     LocatingCompilers mLocating;
+    OfLastScope<bool> mIsLocating;
+    OfLastScope<bool> mIsFunction;
+    OfLastScope<std::string> mPrefix;
     /// Ascending, once known. Few files ask.
     std::vector<Place> mPlaces;
     bool mArePlacesKnown = false;

@@ -41,9 +41,8 @@ void TakeOver(VDebugInfoNode& variable, VDebugInfoNode& nearest) {
     }
 }
 
-/// The function whose instance contains the variable; null if no instance does.
-VDebugInfoNode* OriginOfScope(const VDebugInfoNode& variable) {
-    const VDebugInfoNode* scope = variable.GetParent();
+/// The function whose instance the scope is, or is a block of; null if there is none.
+VDebugInfoNode* OriginOfScope(const VDebugInfoNode* scope) {
     for (int link = 0; link < sMaximumChainLength && scope != nullptr; ++link) {
         if (scope->GetTag() != DW_TAG_lexical_block) {
             return scope->GetAbstractOriginNode();
@@ -56,11 +55,20 @@ VDebugInfoNode* OriginOfScope(const VDebugInfoNode& variable) {
 } // namespace
 
 void TakeOverFromOrigins(VDwarf2Section& section) {
-    section.mDieNodes.ForEachOf(NodeGroup::Variables, [](VDebugInfoNode& variable) {
+    // Variables of one scope follow each other, and blocks may lie deep.
+    const VDebugInfoNode* lastScope = nullptr;
+    VDebugInfoNode* lastFunction = nullptr;
+    section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
         if (VDebugInfoNode* origin = variable.GetSpecificationNode()) {
             TakeOver(variable, *origin);
-        } else if (VDebugInfoNode* function = OriginOfScope(variable)) {
-            variable.SetParent(function);
+            return;
+        }
+        if (const VDebugInfoNode* scope = variable.GetParent(); scope != lastScope) {
+            lastScope = scope;
+            lastFunction = OriginOfScope(scope);
+        }
+        if (lastFunction != nullptr) {
+            variable.SetParent(lastFunction);
         }
     });
 }
