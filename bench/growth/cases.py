@@ -42,6 +42,19 @@ def add_local_symbols(image, n):
     return image
 
 
+def variables_in_scopes(n, depth, tag, **attributes):
+    """n variables without location in the innermost of scopes within each other."""
+    image = Image()
+    image.begin_unit()
+    for _ in range(depth):
+        image.entry(tag, children=True, **attributes)
+    for _ in range(n):
+        image.entry("variable", name="v", external=True)
+    image.end(depth)
+    image.end_unit()
+    return add_local_symbols(image, 1)
+
+
 def structures_of_suffixes(n, text, step=1, **unit):
     """n structures whose names are suffixes of one text, each some characters further."""
     image = Image()
@@ -595,6 +608,29 @@ def variables_of_one_long_source(n):
     return add_local_symbols(image, 1)
 
 
+def variables_of_one_long_producer(n):
+    """n variables without location: whether they have a place is a question to their compiler."""
+    image = Image()
+    image.begin_unit(producer="G" * 1000)
+    for _ in range(n):
+        image.entry("variable", name="v")
+    image.end_unit()
+    return add_local_symbols(image, 1)
+
+
+def variables_in_deep_blocks(n):
+    return variables_in_scopes(n, 900, "block")
+
+
+def variables_in_deep_namespaces(n):
+    return variables_in_scopes(n, 900, "namespace", name="n")
+
+
+def variables_in_long_namespaces(n):
+    """The qualified name has almost the maximum length."""
+    return variables_in_scopes(n, 100, "namespace", name="n" * 18)
+
+
 def symbols_of_suffixes(n):
     """n symbols whose names are the suffixes of one text of n characters."""
     return add_symbols(Image(), n, letters(n), ends=True)
@@ -1052,7 +1088,9 @@ MILLION = 250_000  # four times as many in the largest input
 SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymous_structures": 20_000,
          "symbols_of_one_name": MILLION, "symbols_of_one_address": MILLION, "variables_of_one_name": MILLION,
          "symbols_of_one_long_source": MILLION, "symbols_of_sources_of_suffixes": MILLION,
-         "variables_of_one_long_source": MILLION,
+         "variables_of_one_long_source": MILLION, "variables_of_one_long_producer": MILLION,
+         "variables_in_deep_blocks": MILLION, "variables_in_deep_namespaces": MILLION,
+         "variables_in_long_namespaces": MILLION,
          "coff_symbols_of_one_name": MILLION, "pe_symbols_of_one_name": MILLION,
          "least_structures": MILLION, "least_members": MILLION, "least_bit_fields": MILLION,
          "least_inner_classes": MILLION, "least_variables": MILLION, "deep_blocks": MILLION,
@@ -1074,15 +1112,17 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "members_of_anonymous_structures_in_full": FULL, "variants_of_one_structure": FULL,
            "deep_variants": FULL, "arrays_of_one_index": FULL, "symbols_of_one_long_source": FULL,
            "symbols_of_sources_of_suffixes": FULL, "variables_of_one_long_source": FULL,
+           "variables_of_one_long_producer": FULL, "variables_in_deep_blocks": FULL,
+           "variables_in_deep_namespaces": FULL, "variables_in_long_namespaces": FULL,
            "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
            "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],
            "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
-HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "add_local_symbols", "structures_of_suffixes",
-           "long_array", "nested", "chain", "fan", "many", "least_entries", "sections_of_one_long_name",
-           "numbers_of_one_bucket", "origins", "all_cases"}
+HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "add_local_symbols", "variables_in_scopes",
+           "structures_of_suffixes", "long_array", "nested", "chain", "fan", "many", "least_entries",
+           "sections_of_one_long_name", "numbers_of_one_bucket", "origins", "all_cases"}
 
 
 # The part of the reader that a case strains. The measurements have a table for each.
@@ -1093,7 +1133,8 @@ SUBSYSTEMS = {
         mangled_symbols_of_suffixes pe_sections_of_one_long_name pe_symbols_of_one_name pe_symbols_of_suffixes
         symbols_of_one_address symbols_of_one_long_name symbols_of_one_long_source symbols_of_one_name
         symbols_of_sources_of_suffixes symbols_of_suffixes variables_among_symbols_of_one_address
-        variables_of_one_long_source
+        variables_in_deep_blocks variables_in_deep_namespaces variables_in_long_namespaces
+        variables_of_one_long_producer variables_of_one_long_source
     """.split(),
     "Units and their tables": """
         abbreviation_offsets_of_one_bucket circle_of_imported_units circle_of_signatures codes_of_one_bucket
