@@ -50,7 +50,8 @@ TEST(VMapStringToPtr, HashesSignedCharactersIn32Bits) {
     for (const auto& [key, hash] :
          {std::pair{"", 0U}, std::pair{"a", 97U}, std::pair{"main", 4026341U},
           std::pair{"\xE9", 0xFFFFFFE9U}, std::pair{"\x80z", 0xFFFFEFFAU},
-          std::pair{"\x01\xFF", 32U}, std::pair{"_ZN6engine5startEv", 1234175537U}}) {
+          std::pair{"\x01\xFF", 32U}, std::pair{"_ZN6engine5startEv", 1234175537U},
+          std::pair{"\xE9tat s\xFCr\x80", 3532642771U}}) {
         EXPECT_EQ(VMapStringToPtr::HashKey(key), hash) << key;
     }
 }

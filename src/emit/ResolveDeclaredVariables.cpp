@@ -16,6 +16,7 @@
 #include "core/UnitName.h"
 #include "diagnostics/ElfLog.h"
 #include "dwarf/VDwarf2Section.h"
+#include "emit/OfLastScope.h"
 #include "emit/ResolutionPasses.h"
 #include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNode.h"
@@ -58,27 +59,6 @@ std::string PrefixOf(const VDebugInfoNode* scope) {
     }
     return prefix;
 }
-
-/// What variables of one scope share. They follow each other, and scopes may lie deep.
-template <typename Value>
-class OfLastScope {
-public:
-    /// @param find gets the scope; asked if it isn't the last one
-    template <typename Find>
-    const Value& Get(const VDebugInfoNode* scope, Find find) {
-        if (!mIsKnown || scope != mScope) {
-            mValue = find(scope);
-            mScope = scope;
-            mIsKnown = true;
-        }
-        return mValue;
-    }
-
-private:
-    Value mValue{};
-    const VDebugInfoNode* mScope = nullptr;
-    bool mIsKnown = false;
-};
 
 /// The compiler without its options, which differ from unit to unit.
 std::string_view CompilerOf(const VDebugInfoNode& unit) {

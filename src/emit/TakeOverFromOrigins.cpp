@@ -7,6 +7,7 @@
 // The same holds for inlined functions: their static variables are in the abstract function, and
 // again, with the address, in an instance of it.
 #include "dwarf/VDwarf2Section.h"
+#include "emit/OfLastScope.h"
 #include "emit/ResolutionPasses.h"
 #include "emit/VariableOrigins.h"
 #include "nodes/VDebugInfoNode.h"
@@ -55,20 +56,14 @@ VDebugInfoNode* OriginOfScope(const VDebugInfoNode* scope) {
 } // namespace
 
 void TakeOverFromOrigins(VDwarf2Section& section) {
-    // Variables of one scope follow each other, and blocks may lie deep.
-    const VDebugInfoNode* lastScope = nullptr;
-    VDebugInfoNode* lastFunction = nullptr;
+    OfLastScope<VDebugInfoNode*> functions;
     section.mDieNodes.ForEachOf(NodeGroup::Variables, [&](VDebugInfoNode& variable) {
         if (VDebugInfoNode* origin = variable.GetSpecificationNode()) {
             TakeOver(variable, *origin);
             return;
         }
-        if (const VDebugInfoNode* scope = variable.GetParent(); scope != lastScope) {
-            lastScope = scope;
-            lastFunction = OriginOfScope(scope);
-        }
-        if (lastFunction != nullptr) {
-            variable.SetParent(lastFunction);
+        if (VDebugInfoNode* function = functions.Get(variable.GetParent(), OriginOfScope)) {
+            variable.SetParent(function);
         }
     });
 }
