@@ -42,14 +42,15 @@ def add_local_symbols(image, n):
     return image
 
 
-def variables_in_scopes(n, depth, tag, **attributes):
-    """n variables without location in the innermost of scopes within each other."""
+def variables_in_scopes(n, depth, tag, entry="variable", variable=None, **attributes):
+    """n entries in the innermost of scopes within each other, variables without location unless told otherwise."""
+    variable = variable or dict(name="v", external=True)
     image = Image()
     image.begin_unit()
     for _ in range(depth):
         image.entry(tag, children=True, **attributes)
     for _ in range(n):
-        image.entry("variable", name="v", external=True)
+        image.entry(entry, **variable)
     image.end(depth)
     image.end_unit()
     return add_local_symbols(image, 1)
@@ -631,6 +632,29 @@ def variables_in_long_namespaces(n):
     return variables_in_scopes(n, 100, "namespace", name="n" * 18)
 
 
+def discarded_variables_in_deep_blocks(n):
+    """n variables at 0, where the linker puts those that it discards."""
+    return variables_in_scopes(n, 900, "block", variable=dict(name="v", address=0))
+
+
+def members_in_deep_arrays(n):
+    """n members of one byte each. Their scope is far out, as arrays are none."""
+    return variables_in_scopes(n, 900, "array", entry="member", variable=dict(name_nothing=0, type_nothing=0))
+
+
+def variables_of_arrays_in_deep_arrays(n):
+    """Each of n variables without location has its own array, in arrays within each other."""
+    def fill(image, integer):
+        for _ in range(900):
+            image.entry("array", children=True)
+        for _ in range(n):
+            image.entry("array", children=True)
+            image.entry("variable", name="v")
+            image.end()
+        image.end(900)
+    return add_local_symbols(unit_of(fill), 1)
+
+
 def symbols_of_suffixes(n):
     """n symbols whose names are the suffixes of one text of n characters."""
     return add_symbols(Image(), n, letters(n), ends=True)
@@ -1090,7 +1114,8 @@ SIZES = {"empty_units": MILLION, "doubling_templates": 20_000, "doubling_anonymo
          "symbols_of_one_long_source": MILLION, "symbols_of_sources_of_suffixes": MILLION,
          "variables_of_one_long_source": MILLION, "variables_of_one_long_producer": MILLION,
          "variables_in_deep_blocks": MILLION, "variables_in_deep_namespaces": MILLION,
-         "variables_in_long_namespaces": MILLION,
+         "variables_in_long_namespaces": MILLION, "discarded_variables_in_deep_blocks": MILLION,
+         "members_in_deep_arrays": MILLION, "variables_of_arrays_in_deep_arrays": MILLION,
          "coff_symbols_of_one_name": MILLION, "pe_symbols_of_one_name": MILLION,
          "least_structures": MILLION, "least_members": MILLION, "least_bit_fields": MILLION,
          "least_inner_classes": MILLION, "least_variables": MILLION, "deep_blocks": MILLION,
@@ -1114,6 +1139,8 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "symbols_of_sources_of_suffixes": FULL, "variables_of_one_long_source": FULL,
            "variables_of_one_long_producer": FULL, "variables_in_deep_blocks": FULL,
            "variables_in_deep_namespaces": FULL, "variables_in_long_namespaces": FULL,
+           "discarded_variables_in_deep_blocks": FULL, "members_in_deep_arrays": FULL,
+           "variables_of_arrays_in_deep_arrays": FULL,
            "damaged_units_in_full": FULL + ["mTryReadCorruptedCompileUnits=1"],
            "mangled_symbols_of_suffixes": ["mDemangleSymTabNames=2"],
            "symbols_of_one_long_name": ["mDemangleSymTabNames=2"],
@@ -1144,9 +1171,9 @@ SUBSYSTEMS = {
     """.split(),
     "Entries": """
         arrays_of_one_index bases_fan deep_blocks deep_namespaces deep_namespaces_with_variables deep_structures
-        deep_variants dimensions_fan
-        enumerators_fan least_bit_fields least_inner_classes least_members least_structures least_variables
-        members_fan parameters_fan variants_of_one_structure
+        deep_variants dimensions_fan discarded_variables_in_deep_blocks enumerators_fan least_bit_fields
+        least_inner_classes least_members least_structures least_variables members_fan members_in_deep_arrays
+        parameters_fan variables_of_arrays_in_deep_arrays variants_of_one_structure
     """.split(),
     "Locations": """
         addresses_of_one_bucket location_lists_without_end old_location_lists_without_end one_location_list

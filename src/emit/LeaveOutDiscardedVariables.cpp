@@ -17,6 +17,7 @@
 #include "dwarf/Tombstones.h"
 #include "dwarf/VDwarf2Section.h"
 #include "emit/ResolutionPasses.h"
+#include "emit/UnitsOfVariables.h"
 #include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNode.h"
 
@@ -127,7 +128,7 @@ private:
 
     bool HasSymbolThere(const VDebugInfoNode& variable) {
         const std::uint64_t address = variable.GetLocationAddress();
-        const VDebugInfoNode* unit = variable.FindUnit();
+        const VDebugInfoNode* unit = mUnits.UnitOf(variable);
         const std::string_view unitName = unit != nullptr ? unit->GetName() : SourceUnits::sAny;
         const VariableNames names(variable);
         return IsSymbolAt(names.linkageName, address, unitName) ||
@@ -204,6 +205,7 @@ private:
     VDwarf2Section& mSection;
     VElfFile& mFile;
     LongTextAllowance mLongNames;
+    UnitsOfVariables mUnits;
     /// Results for the addresses so far. Of sections, only a few are asked.
     std::unordered_map<std::uint64_t, bool> mIsInSection;
     std::unordered_map<std::uint64_t, DataNames> mDataNames;

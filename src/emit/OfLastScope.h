@@ -1,11 +1,11 @@
-// What the variables of one scope share, found once for all that follow each other.
+// What the entries of one scope share, found once for all that follow each other.
 #pragma once
 
 #include "nodes/VDebugInfoNode.h"
 
 namespace Tessel::Norn::Brindle::Reader::DWARF {
 
-/// Remembers the answer for the scope that was asked for last: passes meet the variables of a scope
+/// Remembers the answer for the scope that was asked for last: passes meet the entries of a scope
 /// one after the other, and scopes may lie deep.
 template <typename Value>
 class OfLastScope {

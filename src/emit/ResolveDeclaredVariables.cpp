@@ -18,6 +18,7 @@
 #include "dwarf/VDwarf2Section.h"
 #include "emit/OfLastScope.h"
 #include "emit/ResolutionPasses.h"
+#include "emit/UnitsOfVariables.h"
 #include "emit/VariableNames.h"
 #include "nodes/VDebugInfoNode.h"
 
@@ -69,8 +70,8 @@ std::string_view CompilerOf(const VDebugInfoNode& unit) {
 /// Which compilers give each variable that has a place of its own a location.
 class LocatingCompilers {
 public:
-    void NoteThatOf(const VDebugInfoNode& locatedVariable) {
-        const VDebugInfoNode* unit = locatedVariable.FindUnit();
+    /// @param unit of a variable with a location; may be null
+    void Note(const VDebugInfoNode* unit) {
         if (unit != nullptr && unit != mLastUnit) {
             mCompilers.insert(CompilerOf(*unit));
             mLastUnit = unit;
@@ -103,7 +104,7 @@ public:
             }
             if (HasOwnPlace(variable)) {
                 mPlacedNames.insert(VariableNames(variable).name);
-                mLocating.NoteThatOf(variable);
+                mLocating.Note(mUnits.UnitOf(variable));
             }
         });
         section.mSkipped.ForEachCompleted(
@@ -166,7 +167,7 @@ private:
         if (symbol.mReach > SymbolReach::File) {
             return variable.IsDeclaration();
         }
-        const VDebugInfoNode* unit = variable.FindUnit();
+        const VDebugInfoNode* unit = mUnits.UnitOf(variable);
         const bool isFileKnown = symbol.mSourceFile != nullptr;
         if (unit == nullptr ||
             (isFileKnown && ShortUnitName(symbol.mSourceFile) != unit->GetName())) {
@@ -181,13 +182,14 @@ private:
     bool HasPlaceAt(const VDebugInfoNode& unit, std::uint64_t address) {
         if (!mArePlacesKnown) {
             mArePlacesKnown = true;
-            mSection.mDieNodes.ForEachOf(NodeGroup::Variables, [this](
-                                                                   const VDebugInfoNode& variable) {
-                const VDebugInfoNode* of = HasOwnPlace(variable) ? variable.FindUnit() : nullptr;
-                if (of != nullptr) {
-                    mPlaces.emplace_back(of->GetOffset(), variable.GetLocationAddress());
-                }
-            });
+            mSection.mDieNodes.ForEachOf(
+                NodeGroup::Variables, [this](const VDebugInfoNode& variable) {
+                    const VDebugInfoNode* of =
+                        HasOwnPlace(variable) ? mUnits.UnitOf(variable) : nullptr;
+                    if (of != nullptr) {
+                        mPlaces.emplace_back(of->GetOffset(), variable.GetLocationAddress());
+                    }
+                });
             std::ranges::sort(mPlaces);
         }
         return std::ranges::binary_search(mPlaces, Place(unit.GetOffset(), address));
@@ -216,6 +218,7 @@ private:
     std::unordered_set<const VDebugInfoNode*> mCompleted;
     /// Names of all variables whose place is in the debug information.
     std::unordered_set<std::string_view, SeededHash> mPlacedNames;
+    UnitsOfVariables mUnits;
     LocatingCompilers mLocating;
     OfLastScope<bool> mIsLocating;
     OfLastScope<bool> mIsFunction;

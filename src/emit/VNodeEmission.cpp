@@ -15,6 +15,16 @@ namespace Tessel::Norn::Brindle::Reader::DWARF {
 
 namespace {
 
+/// The node around this one, or around the one that it completes.
+VDebugInfoNode* NodeAround(const VDebugInfoNode& node) {
+    const VDebugInfoNode* specification = node.GetSpecificationNode();
+    return (specification != nullptr ? *specification : node).GetParent();
+}
+
+bool IsAnswer(const VDebugInfoNode* scope) {
+    return scope == nullptr || scope->IsEntryScope();
+}
+
 bool HasBaseClasses(const VDebugInfoNode& node) {
     return node.GetTag() == DW_TAG_class_type || node.GetTag() == DW_TAG_structure_type;
 }
@@ -154,8 +164,21 @@ bool VNodeEmission::MeetNeed(Frame& frame, EntryNeed need) {
     return true;
 }
 
+// Usually the first node around is the scope. If it isn't, siblings of the node or of its parent
+// share all else of the way, which may be long.
+VDebugInfoNode* VNodeEmission::FindScopeNode(const VDebugInfoNode& node) {
+    VDebugInfoNode* parent = NodeAround(node);
+    if (IsAnswer(parent)) {
+        return parent;
+    }
+    VDebugInfoNode* outer = NodeAround(*parent);
+    return IsAnswer(outer) ? outer : mScopesAround.Get(outer, [](const VDebugInfoNode* inner) {
+        return inner->FindScopeNode();
+    });
+}
+
 bool VNodeEmission::GetScopeEntryObject(Frame& frame, ObjectId& scope) {
-    frame.inputs.scopeNode = frame.node->FindScopeNode();
+    frame.inputs.scopeNode = FindScopeNode(*frame.node);
     if (frame.inputs.scopeNode == nullptr) {
         scope = mFactory.GetGlobalNamespace();
         return true;

@@ -22,6 +22,7 @@
 #include "emit/DeliveredVariables.h"
 #include "emit/DeliveryRules.h"
 #include "emit/InnerRequests.h"
+#include "emit/OfLastScope.h"
 #include "emit/TypeChains.h"
 
 #include <cstddef>
@@ -80,6 +81,7 @@ private:
     [[nodiscard]] bool IsFindingReturnType(const Frame& frame) const;
     bool MeetNeeds();
     bool MeetNeed(Frame& frame, EntryNeed need);
+    VDebugInfoNode* FindScopeNode(const VDebugInfoNode& node);
     bool GetScopeEntryObject(Frame& frame, ObjectId& scope);
     bool GetTypeEntryObject(Frame& frame, VDebugInfoNode& node, ObjectId& type);
     bool MeetBaseType(Frame& frame);
@@ -108,6 +110,7 @@ private:
     bool mIsInVain = false;
     DeliveredVariables mVariables;
     TypeChains mTypeChains;
+    OfLastScope<VDebugInfoNode*> mScopesAround;
     InnerRequests mInnerRequests;
 };
 
