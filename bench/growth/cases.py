@@ -42,18 +42,22 @@ def add_local_symbols(image, n):
     return image
 
 
-def variables_in_scopes(n, depth, tag, entry="variable", variable=None, **attributes):
-    """n entries in the innermost of scopes within each other, variables without location unless told otherwise."""
-    variable = variable or dict(name="v", external=True)
+def entries_in_scopes(n, depth, tag, entry, attributes, **scope):
+    """n entries in the innermost of scopes within each other."""
     image = Image()
     image.begin_unit()
     for _ in range(depth):
-        image.entry(tag, children=True, **attributes)
+        image.entry(tag, children=True, **scope)
     for _ in range(n):
-        image.entry(entry, **variable)
+        image.entry(entry, **attributes)
     image.end(depth)
     image.end_unit()
     return add_local_symbols(image, 1)
+
+
+def variables_in_scopes(n, depth, tag, **scope):
+    """n variables without location."""
+    return entries_in_scopes(n, depth, tag, "variable", dict(name="v", external=True), **scope)
 
 
 def structures_of_suffixes(n, text, step=1, **unit):
@@ -634,12 +638,12 @@ def variables_in_long_namespaces(n):
 
 def discarded_variables_in_deep_blocks(n):
     """n variables at 0, where the linker puts those that it discards."""
-    return variables_in_scopes(n, 900, "block", variable=dict(name="v", address=0))
+    return entries_in_scopes(n, 900, "block", "variable", dict(name="v", address=0))
 
 
 def members_in_deep_arrays(n):
     """n members of one byte each. Their scope is far out, as arrays are none."""
-    return variables_in_scopes(n, 900, "array", entry="member", variable=dict(name_nothing=0, type_nothing=0))
+    return entries_in_scopes(n, 900, "array", "member", dict(name_nothing=0, type_nothing=0))
 
 
 def variables_of_arrays_in_deep_arrays(n):
@@ -1147,9 +1151,9 @@ OPTIONS = {"damaged_units": ["mTryReadCorruptedCompileUnits=1"],
            "extern_variable_among_symbols_of_suffixes": ["mDemangleSymTabNames=1"],
            "variables_among_symbols_of_one_address": ["mSymTabSearchMode=1"]}
 USUAL_SIZE = 50_000
-HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "add_local_symbols", "variables_in_scopes",
-           "structures_of_suffixes", "long_array", "nested", "chain", "fan", "many", "least_entries",
-           "sections_of_one_long_name", "numbers_of_one_bucket", "origins", "all_cases"}
+HELPERS = {"unit_of", "letters", "qualifiers", "add_symbols", "add_local_symbols", "entries_in_scopes",
+           "variables_in_scopes", "structures_of_suffixes", "long_array", "nested", "chain", "fan", "many",
+           "least_entries", "sections_of_one_long_name", "numbers_of_one_bucket", "origins", "all_cases"}
 
 
 # The part of the reader that a case strains. The measurements have a table for each.
